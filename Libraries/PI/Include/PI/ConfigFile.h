@@ -1,0 +1,39 @@
+#pragma once
+
+#include <PI/Export.h>
+
+#include <boost/filesystem/path.hpp>
+
+#include <cstdint>
+#include <string>
+
+namespace PI {
+
+/**
+ * A settings file of "key=value" lines in the host's configuration folder. Lines that begin with ';' or '#'
+ * are comments, "[...]" a section heading that this reader passes over; blanks around the key are dropped,
+ * those after the '=' belong to the value, but for a carriage return at the end. The first line of a key
+ * counts.
+ */
+class PI_EXPORT CConfigFile
+{
+public:
+    /** Sets the folder against which relative file names are taken. The host calls it before it loads
+     * plug-ins. */
+    static void SetFolder(const boost::filesystem::path& folder);
+
+    void SetFileName(const boost::filesystem::path& fileName);
+
+    /**
+     * Reads the value of `key`. The two numbers select a section instance; -1 stands for the file as a whole,
+     * the only one there is. Returns 0, or `ERR_GENERAL_FAILURE` with `value` untouched when file or key is
+     * missing.
+     */
+    std::uint32_t ReadKeyValue(const std::string& key, std::string& value, std::int32_t section,
+                               std::int32_t instance) const;
+
+private:
+    boost::filesystem::path m_FileName;
+};
+
+} // namespace PI

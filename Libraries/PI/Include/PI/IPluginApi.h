@@ -1,0 +1,70 @@
+#pragma once
+
+#include <PI/AdapterID.h>
+#include <PI/Export.h>
+#include <PI/Object.h>
+#include <PI/Operation.h>
+#include <PI/Property.h>
+
+#include <cstdint>
+#include <variant>
+#include <vector>
+
+namespace PI {
+
+/** What a host asks of a plug-in. Each comment names the `CRequestData` alternative that the request uses. */
+enum _REQUEST : std::int32_t
+{
+    REQUEST_INITIALIZE = 1,         ///< out: list of `CAdapterID`
+    REQUEST_SET_ADAPTER_IDS = 2,    ///< in: list of `CAdapterID`
+    REQUEST_DEINITIALIZE = 3,       ///< anything
+    REQUEST_GET_TOPOLOGY = 4,       ///< out: list of `CObject`
+    REQUEST_GET_PROPERTIES = 5,     ///< out: list of `CProperty`
+    REQUEST_GET_PROPERTY = 6,       ///< in and out: `CProperty`
+    REQUEST_SET_PROPERTY = 7,       ///< in: `CProperty`
+    REQUEST_GET_OPERATIONS = 8,     ///< out: list of `COperation`
+    REQUEST_CHECK_OPERATION = 9,    ///< in: `COperation`
+    REQUEST_EXECUTE_OPERATION = 10, ///< in and out: `COperation`
+};
+
+/** What travels with a request. The caller puts the alternative in place that the request uses. */
+using CRequestData = std::variant<std::monostate, std::vector<CAdapterID>, std::vector<CObject>,
+                                  std::vector<CProperty>, CProperty, std::vector<COperation>, COperation>;
+
+} // namespace PI
+
+/**
+ * A plug-in as its host sees it. The host fills in `m_HostContext` and `m_HostCallback` before the first
+ * request; the plug-in calls `m_HostCallback(m_HostContext, this)` from a thread of its own when there is
+ * something to collect.
+ */
+class PI_EXPORT IPLUGINAPI
+{
+public:
+    using HostCallback = void (*)(std::uintptr_t context, IPLUGINAPI* plugin);
+
+    /** The interface that this header describes; a host refuses an object with another version word. */
+    static constexpr std::uint32_t VERSION = 2;
+
+    IPLUGINAPI() = default;
+    IPLUGINAPI(const IPLUGINAPI&) = delete;
+    IPLUGINAPI& operator=(const IPLUGINAPI&) = delete;
+
+    /**
+     * Carries out `request` (a `PI::_REQUEST`) on the object `objectID` and returns a `PI::_ERROR_CODE`.
+     * Throws nothing. A failed request that fills a list leaves it empty; a container of the wrong type is a
+     * general failure and stays as it was. Safe from any thread once request 1 has returned.
+     */
+    virtual std::uint32_t Request(std::int32_t request, std::uint64_t objectID, PI::CRequestData& data) = 0;
+
+    virtual ~IPLUGINAPI();
+
+    std::uint32_t m_Version = VERSION;
+    std::uint32_t m_Module = 0; ///< the plug-in's module number
+    std::uintptr_t m_HostContext = 0;
+    HostCallback m_HostCallback = nullptr;
+};
+
+/** The two exports of a plug-in library, "createIf" and "releaseIf". */
+using CreateIfFunction = std::uint32_t (*)(IPLUGINAPI** plugin);
+using ReleaseIfFunction = void (*)(IPLUGINAPI** plugin);

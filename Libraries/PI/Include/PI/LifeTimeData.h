@@ -1,0 +1,38 @@
+#pragma once
+
+#include <PI/Export.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace PI {
+
+/** How much may be written to the drives of one product family. */
+struct CNVMeLifeTimeData
+{
+    std::string m_Model;       ///< text that the family's model numbers contain
+    std::size_t m_Characters;  ///< how many of its characters count
+    std::uint64_t m_Endurance; ///< rating in TiB, never 0
+};
+
+/**
+ * The endurance table, longer texts before shorter ones that they contain. Read once from the folder given to
+ * `SetLifeTimeFolder`; a missing file gives an empty table. Safe from any thread.
+ */
+PI_EXPORT const std::vector<CNVMeLifeTimeData>& GetLifeTimeDataNVMe();
+
+/** Sets the folder that holds "Endurance.txt". The host calls it before it loads plug-ins. */
+PI_EXPORT void SetLifeTimeFolder(std::filesystem::path folder);
+
+/**
+ * Reads an endurance table: lines of model text, a '|' and the rating in terabytes (10^12 bytes) written;
+ * empty lines and '#' comments are passed over. Throws `std::runtime_error`, naming file and line, for
+ * anything else: a rating that is no number or 0, or a text that stands behind a shorter one that it
+ * contains.
+ */
+PI_EXPORT std::vector<CNVMeLifeTimeData> readLifeTimeData(const std::filesystem::path& file);
+
+} // namespace PI

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <PI/Event.h>
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+namespace PI {
+
+/** Operation by which the host collects a plug-in's pending events. */
+inline constexpr std::uint32_t OPERATION_GET_EVENTS = 50002;
+
+/** The constant words of an operation, in the order in which plug-ins table them. */
+struct COperationTemplate
+{
+    std::uint32_t m_Id;
+    std::uint32_t m_Category;
+    std::uint32_t m_FlagA;
+    std::uint32_t m_FlagB;
+    std::uint32_t m_FlagC;
+    bool m_Boolean;
+    std::uint32_t m_Word;
+    std::uint32_t m_FlagD;
+    std::uint32_t m_FlagE;
+
+    friend bool operator==(const COperationTemplate&, const COperationTemplate&) = default;
+};
+
+/** Something that an object can be asked to do, and, once done, what came of it. */
+class COperation
+{
+public:
+    COperation() = default;
+    explicit COperation(const COperationTemplate& words) : m_Words(words), m_RequestedId(words.m_Id) {}
+
+    /** The identifier that decides what is done. */
+    std::uint32_t Id() const { return m_Words.m_Id; }
+    /** The identifier under which the operation was asked for. */
+    std::uint32_t RequestedId() const { return m_RequestedId; }
+    const COperationTemplate& Words() const { return m_Words; }
+
+    void SetEvents(std::vector<CEvent> events) { m_Events = std::move(events); }
+    const std::vector<CEvent>& Events() const { return m_Events; }
+
+private:
+    COperationTemplate m_Words{};
+    std::uint32_t m_RequestedId = 0;
+    std::vector<CEvent> m_Events;
+};
+
+} // namespace PI

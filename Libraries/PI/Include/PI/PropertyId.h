@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+
+namespace PI {
+
+/** What a property is about. The same number means the same thing on every object. */
+enum _PROPERTY_ID : std::uint32_t
+{
+    ALL_PROPERTIES = 1, ///< asks for every property of an object
+
+    PROP_VENDOR = 30003,
+    PROP_POLL_INTERVAL = 30005,
+    PROP_NAME = 30007,
+    PROP_HEALTH_STATUS = 30017,
+    PROP_DRIVER_VERSION = 30018,
+    PROP_FIRMWARE = 30020,
+    PROP_SERIAL_NUMBER = 30022,
+    PROP_PCI_BUS = 30037,
+    PROP_PCI_DEVICE = 30038,
+    PROP_PCI_FUNCTION = 30039,
+    PROP_DRIVE_TYPE = 30056,
+    PROP_CAPACITY = 30059,
+    PROP_USABLE_CAPACITY = 30060,
+    PROP_MODEL = 30063,
+    PROP_DRIVE_TEMPERATURE = 30069,
+    PROP_VERSION = 30099,
+    PROP_ADAPTER_NUMBER = 30120,
+    PROP_DRIVE_CHANNEL = 30122,
+    PROP_DRIVE_ID = 30125,
+    PROP_LOCATION = 30137,
+    PROP_MODEL_FAMILY = 30158,
+    PROP_STATUS_REASONS = 30165,
+    PROP_MEDIA_ERRORS = 30189,
+    PROP_DEVICE_NAME = 30247,
+    PROP_DRIVER = 30266,
+    PROP_TEMPERATURE = 30442,
+    PROP_BLOCK_SIZE = 30460,
+    PROP_RESERVED_CAPACITY = 30461,
+    PROP_RESERVED_PERCENT = 30462,
+    PROP_WEAR_STATE = 30468,
+    PROP_PCI_SEGMENT = 30479,
+    PROP_END_OF_LIFE_DATE = 30483,
+    PROP_AVAILABLE_SPARE = 30486,
+    PROP_SPARE_STATE = 30487,
+    PROP_SPARE_THRESHOLD = 30488,
+    PROP_DATA_READ = 30489,
+    PROP_DATA_WRITTEN = 30490,
+    PROP_ENDURANCE_USED = 30494,
+    PROP_POWER_ON_HOURS = 30498,
+    PROP_VENDOR_TAG = 30500,
+};
+
+/** What a property's number counts. */
+enum _UNITS : std::uint32_t
+{
+    UNIT_NONE = 1,
+    UNIT_CELSIUS = 21000,
+    UNIT_KIB = 21001,
+    UNIT_MIB = 21002,
+    UNIT_GIB = 21003,
+    UNIT_TIB = 21004,
+    UNIT_HOURS = 21005,
+    UNIT_PIB = 21006,
+    UNIT_SECONDS = 21007,
+    UNIT_EIB = 21008,
+    UNIT_PERCENT = 21010,
+    UNIT_BYTES = 21025,
+};
+
+/** How a property's value is shown. */
+enum _VALUE_KIND : std::uint32_t
+{
+    KIND_TEXT = 2,
+    KIND_CODE = 3,
+    KIND_NUMBER = 5,
+    KIND_BOUNDED = 7,
+    KIND_CODES = 8,
+    KIND_FLOAT = 9,
+};
+
+} // namespace PI

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <TLX/Export.h>
+#include <TLX/WaitResult.h>
+
+#include <cstdint>
+#include <memory>
+
+namespace TLX::Threading {
+
+/**
+ * A flag that threads wait for. An auto-reset event wakes one wait and is clear again; two signals that
+ * nobody saw in between count once. A manual-reset event stays set until `Reset`.
+ * Every operation is safe before `Init`: a wait then fails at once, the others do nothing.
+ */
+class TLX_EXPORT CEvent
+{
+public:
+    CEvent() noexcept;
+    ~CEvent();
+    CEvent(const CEvent&) = delete;
+    CEvent& operator=(const CEvent&) = delete;
+
+    /**
+     * Makes the event ready, in the given state and of the given kind. Returns `WaitResult::Taken`, or
+     * `WaitResult::Failed` when the system refuses. May be repeated; an earlier signal is then forgotten.
+     */
+    [[nodiscard]] std::uint32_t Init(bool initiallySignalled, bool manualReset);
+
+    void Set();
+    void Reset();
+
+    /** Waits at most `timeout` milliseconds. Returns `Taken`, `TimedOut` or `Failed`. */
+    [[nodiscard]] std::uint32_t Wait(std::uint32_t timeout = NO_TIME_LIMIT);
+
+private:
+    struct Native;
+    std::unique_ptr<Native> m_Native;
+};
+
+} // namespace TLX::Threading

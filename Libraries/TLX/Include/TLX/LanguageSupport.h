@@ -1,0 +1,66 @@
+#pragma once
+
+#include <TLX/Export.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace TLX::Language_Support {
+
+/** The texts behind the numbers that host and plug-ins exchange: captions, values, units, icons, events. */
+class TLX_EXPORT CLanguageSupport
+{
+public:
+    /**
+     * One module's catalogue file. The file is looked for in the catalogue folder and read at the first
+     * question; a missing or damaged file counts as one without entries. Safe from any thread.
+     *
+     * Format: UTF-8; a line is a decimal number, blanks and the text; empty lines and lines that begin with
+     * '#' are passed over, and so are lines of another shape. The last entry of a number counts.
+     */
+    class TLX_EXPORT CLngFile
+    {
+    public:
+        /**
+         * `languageCode` is two letters in one word, the first in the high byte; `defaultErrors` are the
+         * texts for errors that the catalogue does not know.
+         */
+        CLngFile(std::string fileName, std::uint32_t languageCode, std::string encoding,
+                 std::uint32_t formatNumber, std::vector<std::string> defaultErrors);
+        ~CLngFile();
+        CLngFile(const CLngFile&) = delete;
+        CLngFile& operator=(const CLngFile&) = delete;
+
+        /** The text of `number`, if the catalogue has one. */
+        std::optional<std::string> Text(std::uint32_t number) const;
+
+        const std::string& FileName() const { return m_FileName; }
+        std::uint32_t LanguageCode() const { return m_LanguageCode; }
+        const std::string& Encoding() const { return m_Encoding; }
+        const std::vector<std::string>& DefaultErrors() const { return m_DefaultErrors; }
+
+    private:
+        std::string m_FileName;
+        std::uint32_t m_LanguageCode;
+        std::string m_Encoding;
+        std::uint32_t m_FormatNumber;
+        std::vector<std::string> m_DefaultErrors;
+
+        mutable std::mutex m_Lock;
+        mutable std::optional<std::filesystem::path> m_LoadedFrom;
+        mutable std::map<std::uint32_t, std::string> m_Texts;
+    };
+
+    /** Sets the folder that holds the catalogue files. A host calls it before it asks for texts. */
+    static void SetFolder(std::filesystem::path folder);
+
+    /** The text of `number` from the first loaded module that has one. Safe from any thread. */
+    static std::optional<std::string> Find(std::uint32_t number);
+};
+
+} // namespace TLX::Language_Support

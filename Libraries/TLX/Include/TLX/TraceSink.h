@@ -1,0 +1,62 @@
+#pragma once
+
+#include <TLX/Export.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace TLX::Trace {
+
+/** One trace line. The views hold for the duration of the call that hands it over. */
+struct CLine
+{
+    std::uint64_t m_Time; ///< milliseconds since 1970-01-01T00:00:00Z
+    std::uint32_t m_ModuleNumber;
+    std::string_view m_ModuleName;
+    std::uint32_t m_Level;
+    std::string_view m_SourceUnit; ///< the unit's folder in the repository
+    std::string_view m_Function;   ///< qualified name
+    std::uint32_t m_SourceLine;
+    std::string_view m_Text; ///< control characters of the arguments are escaped
+};
+
+/** Takes trace lines. `Write` may be called from any thread, one call at a time. */
+class TLX_EXPORT ISink
+{
+public:
+    ISink() = default;
+    virtual ~ISink();
+    ISink(const ISink&) = delete;
+    ISink& operator=(const ISink&) = delete;
+
+    virtual void Write(const CLine& line) noexcept = 0;
+};
+
+/** The line as text, without a line end: time, module, level, unit, function, line, text. */
+TLX_EXPORT std::string formatLine(const CLine& line);
+
+/** Writes lines to the process's standard error. */
+TLX_EXPORT std::shared_ptr<ISink> standardErrorSink();
+
+/**
+ * Writes lines to `file`, which is renamed to "<file>.1" (and that to "<file>.2", up to `keep`) before it
+ * would exceed `maximumSize` bytes. Throws `std::system_error` when the file cannot be opened; later failures
+ * are dropped, a trace never stops the traced.
+ */
+TLX_EXPORT std::shared_ptr<ISink> rotatingFileSink(const std::filesystem::path& file,
+                                                   std::uint64_t maximumSize = 8U << 20U, unsigned keep = 3);
+
+/** Sets where all lines of the process go; null (the initial state): nowhere. */
+TLX_EXPORT void setSink(std::shared_ptr<ISink> sink);
+
+/** Sets the mask of module `moduleNumber`, loaded already or to be loaded later. */
+TLX_EXPORT void setMask(std::uint32_t moduleNumber, std::uint32_t mask);
+
+/** Sets the mask of every module that has none of its own, loaded already or to be loaded later. Initially 0.
+ */
+TLX_EXPORT void setDefaultMask(std::uint32_t mask);
+
+} // namespace TLX::Trace

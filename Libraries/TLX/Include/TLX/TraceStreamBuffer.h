@@ -1,0 +1,52 @@
+#pragma once
+
+#include <TLX/Export.h>
+#include <TLX/ModuleInfo.h>
+
+#include <concepts>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace TLX::Internals {
+
+/**
+ * One trace line in the making: the first text streamed in is the format ("%s", "%d", "%x" directives), what
+ * follows are its arguments; the destructor hands the line to the process's sink. The caller tests the mask
+ * before it makes one. Nothing it does throws: a format that does not fit its arguments is written as it
+ * stands.
+ */
+class TLX_EXPORT CTraceStreamBuffer
+{
+public:
+    CTraceStreamBuffer(std::uint32_t level, const Misc::CModuleInfo& module, std::string_view sourceUnit,
+                       std::string_view function, std::uint32_t sourceLine) noexcept;
+    ~CTraceStreamBuffer();
+    CTraceStreamBuffer(const CTraceStreamBuffer&) = delete;
+    CTraceStreamBuffer& operator=(const CTraceStreamBuffer&) = delete;
+
+    CTraceStreamBuffer& operator<<(std::string_view text) noexcept;
+
+    template<std::integral T>
+    CTraceStreamBuffer& operator<<(T value) noexcept
+    {
+        if constexpr (std::signed_integral<T>)
+            Feed(static_cast<std::int64_t>(value));
+        else
+            Feed(static_cast<std::uint64_t>(value));
+        return *this;
+    }
+
+private:
+    void Feed(std::int64_t value) noexcept;
+    void Feed(std::uint64_t value) noexcept;
+
+    struct Line;
+    std::unique_ptr<Line> m_Line; ///< null when memory ran out: the line is then lost
+};
+
+/** The qualified name within what the compiler says of a function: its result type and arguments cut off. */
+TLX_EXPORT std::string_view qualifiedName(std::string_view prettyFunction);
+
+} // namespace TLX::Internals

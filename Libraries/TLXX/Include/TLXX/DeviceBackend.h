@@ -1,0 +1,59 @@
+#pragma once
+
+#include <TLXX/Export.h>
+#include <TLXX/NvmeStructures.h>
+#include <TLXX/PciLocation.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace TLXX {
+
+/** One disk as an enumeration finds it. */
+struct CDeviceEntry
+{
+    std::string m_DeviceName; ///< path of the disk
+    std::string m_Driver;     ///< name of the driver that serves its controller
+};
+
+/**
+ * The one place where something else can stand for the machine's drives: a simulated fleet, a test's scripted
+ * controllers. Calls come from any thread. Queries keep to the contract of `NvmeQuery.h`.
+ */
+class TLXX_EXPORT IDeviceBackend
+{
+public:
+    IDeviceBackend() = default;
+    virtual ~IDeviceBackend();
+    IDeviceBackend(const IDeviceBackend&) = delete;
+    IDeviceBackend& operator=(const IDeviceBackend&) = delete;
+
+    /** The disks there are now, in the order in which `Location` counts their controllers. */
+    virtual std::vector<CDeviceEntry> Enumerate() = 0;
+
+    virtual std::uint32_t IdentifyController(const std::string& path,
+                                             NVME_IDENTIFY_CONTROLLER& controller) = 0;
+    virtual std::uint32_t IdentifyNamespace(const std::string& path, NVME_IDENTIFY_NAMESPACE& name_space) = 0;
+    virtual std::uint32_t SmartHealthLog(const std::string& path, NVME_SMART_HEALTH_INFORMATION_LOG& log) = 0;
+    virtual std::uint32_t VendorLogPage(const std::string& path, std::uint8_t logIdentifier,
+                                        TLXX::VendorLogPage& page) = 0;
+
+    /** The location of the `number`-th controller of the last enumeration, counted from 1; none if unknown.
+     */
+    virtual std::optional<CPciLocation> Location(std::uint32_t number) = 0;
+
+    /** The version text of `driver`; empty if unknown. */
+    virtual std::string ModuleVersion(const std::string& driver) = 0;
+};
+
+/** Puts `backend` in the machine's place, or the machine back (null, the initial state). Returns the former.
+ */
+TLXX_EXPORT std::shared_ptr<IDeviceBackend> setDeviceBackend(std::shared_ptr<IDeviceBackend> backend);
+
+/** What stands in the machine's place; null: nothing, the platform's own code answers. */
+TLXX_EXPORT std::shared_ptr<IDeviceBackend> deviceBackend();
+
+} // namespace TLXX

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <TLXX/Export.h>
+#include <TLXX/PciLocation.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace TLXX {
+
+/** What the system says of one NVMe controller before any command is sent to it. */
+struct CControllerState
+{
+    std::string m_Name;       ///< the system's name of the controller, such as "nvme0"
+    std::string m_DeviceName; ///< the disk that the enumeration yields for it; empty when it yields none
+    std::string m_Driver;
+    std::string m_Transport; ///< such as "pcie"
+    std::string m_State;     ///< such as "live"; empty if unknown
+    std::optional<CPciLocation> m_Location;
+    std::uint32_t m_AccessStatus = 0; ///< 0 when this user may open it, else a status for `statusText`
+    std::string m_AccessPath;         ///< the path whose opening `m_AccessStatus` is about
+};
+
+/** Every NVMe controller that the system knows, those that yield no disk included, in enumeration order. */
+TLXX_EXPORT std::vector<CControllerState> controllerStates();
+
+} // namespace TLXX

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <TLXX/DeviceBackend.h>
+#include <TLXX/Export.h>
+#include <TLXX/PciLocation.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace TLXX::Linux {
+
+/** One NVMe controller as sysfs shows it. */
+struct CController
+{
+    std::uint32_t m_Instance = 0; ///< 3 for nvme3
+    std::string m_Name;           ///< "nvme3"
+    std::string m_Transport;      ///< "pcie", "tcp" ...
+    std::string m_State;          ///< "live", "dead" ...; empty if the kernel does not say
+    std::string m_Driver;         ///< driver of the PCI function; the transport's module name elsewhere
+    std::optional<CPciLocation> m_Location;
+
+    /** The namespace with the lowest identifier: path of its disk and identifier. Empty and 0: none. */
+    std::string m_DeviceName;
+    std::uint32_t m_NamespaceId = 0;
+};
+
+/** The controllers below `root` (normally "/sys") in the order of their instance numbers. Never throws. */
+TLXX_EXPORT std::vector<CController> listControllers(const std::filesystem::path& root);
+
+/** The sysfs that this process reads; "/sys" unless it was set. Recorded trees are read through this. */
+TLXX_EXPORT std::filesystem::path sysfsRoot();
+TLXX_EXPORT void setSysfsRoot(std::filesystem::path root);
+
+/**
+ * The disks of this machine: PCI Express controllers that have a namespace, one disk each, in order.
+ * Remembers which controller and namespace each path belongs to, and the locations in order, for queries and
+ * lookups.
+ */
+TLXX_EXPORT std::vector<CDeviceEntry> enumerateDevices();
+
+} // namespace TLXX::Linux

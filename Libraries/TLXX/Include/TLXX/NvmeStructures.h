@@ -1,0 +1,114 @@
+#pragma once
+
+#include <TLXX/Export.h>
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+// Byte-exact overlays of the data structures of the NVM Express base specification. Multi-byte fields are
+// little-endian on the wire, and so are the machines that this runs on.
+namespace TLXX {
+
+static_assert(std::endian::native == std::endian::little);
+
+struct NVME_IDENTIFY_NAMESPACE;
+
+/** Identify Controller data structure (CNS 01h). */
+struct TLXX_EXPORT NVME_IDENTIFY_CONTROLLER
+{
+    std::uint16_t VID;
+    std::uint16_t SSVID;
+    std::array<std::uint8_t, 20> SN;
+    std::array<std::uint8_t, 40> MN;
+    std::array<std::uint8_t, 8> FR;
+    std::array<std::uint8_t, 3000> Reserved72;
+    std::array<std::uint8_t, 1024> VS; ///< vendor-specific area, bytes 3072 to 4095
+
+    /** The model number as safe text. */
+    std::string sModelNumber() const;
+    /** The serial number as safe text. */
+    std::string sSerialNumber() const;
+    /** The firmware revision as safe text. */
+    std::string sFirmwareRevision() const;
+    /** The 8 bytes from 3100 as safe text. */
+    std::string sVendorTag() const;
+
+    /** The bytes of `name_space`: its blocks times its block size; all ones when that exceeds 64 bits. */
+    std::uint64_t Capacity(const NVME_IDENTIFY_NAMESPACE& name_space) const;
+};
+static_assert(sizeof(NVME_IDENTIFY_CONTROLLER) == 4096);
+static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, SN) == 4);
+static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, MN) == 24);
+static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, FR) == 64);
+static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, VS) == 3072);
+
+/** One LBA format of a namespace. */
+struct NVME_LBA_FORMAT
+{
+    std::uint16_t MS;   ///< metadata bytes a block
+    std::uint8_t LBADS; ///< block size as a power of two
+    std::uint8_t RP;
+};
+static_assert(sizeof(NVME_LBA_FORMAT) == 4);
+
+/** Identify Namespace data structure (CNS 00h). */
+struct TLXX_EXPORT NVME_IDENTIFY_NAMESPACE
+{
+    std::uint64_t NSZE;
+    std::uint64_t NCAP;
+    std::uint64_t NUSE;
+    std::uint8_t NSFEAT;
+    std::uint8_t NLBAF; ///< number of formats, counted from 0
+    std::uint8_t FLBAS; ///< bits 0 to 3 and 5 to 6: the index of the format in use
+    std::array<std::uint8_t, 101> Reserved27;
+    std::array<NVME_LBA_FORMAT, 64> LBAF;
+    std::array<std::uint8_t, 3712> Reserved384;
+
+    /** Bytes of a logical block; 0 when the format in use is unset, out of range or absurd. */
+    std::uint64_t LBASize() const;
+};
+static_assert(sizeof(NVME_IDENTIFY_NAMESPACE) == 4096);
+static_assert(offsetof(NVME_IDENTIFY_NAMESPACE, NLBAF) == 25);
+static_assert(offsetof(NVME_IDENTIFY_NAMESPACE, FLBAS) == 26);
+static_assert(offsetof(NVME_IDENTIFY_NAMESPACE, LBAF) == 128);
+
+/** SMART / Health Information log page (log identifier 02h). The offsets are the contract, not the names. */
+struct TLXX_EXPORT NVME_SMART_HEALTH_INFORMATION_LOG
+{
+    std::uint8_t Warning;
+    std::array<std::uint8_t, 2> Temperature; ///< kelvin
+    std::uint8_t AvailableSpare;             ///< percent
+    std::uint8_t AvailableSpareThreshold;    ///< percent
+    std::array<std::uint8_t, 27> Reserved5;
+    std::array<std::uint64_t, 2> DataUnitsRead;    ///< bytes 32 to 47, low half first; units of 512,000 bytes
+    std::array<std::uint64_t, 2> DataUnitsWritten; ///< bytes 48 to 63
+    std::array<std::uint8_t, 64> Reserved64;
+    std::array<std::uint64_t, 2> Counter128; ///< the counter that the plug-in keeps as its power-on hours
+    std::array<std::uint8_t, 16> Reserved144;
+    std::array<std::uint64_t, 2> Counter160; ///< the counter that the plug-in keeps as its unsafe shutdowns
+    std::array<std::uint8_t, 336> Reserved176;
+
+    /** The critical-warning bit field. */
+    std::uint8_t CriticalWarning() const { return Warning; }
+
+    /** Composite temperature in kelvin; 0 in a page that no drive has filled. */
+    std::uint16_t CompositeTemperature() const
+    {
+        return static_cast<std::uint16_t>(Temperature[0] | (Temperature[1] << 8U));
+    }
+};
+static_assert(sizeof(NVME_SMART_HEALTH_INFORMATION_LOG) == 512);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, AvailableSpare) == 3);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, AvailableSpareThreshold) == 4);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, DataUnitsRead) == 32);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, DataUnitsWritten) == 48);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, Counter128) == 128);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, Counter160) == 160);
+
+/** A vendor-specific log page as the plug-in reads it. */
+using VendorLogPage = std::array<std::uint8_t, 512>;
+
+} // namespace TLXX

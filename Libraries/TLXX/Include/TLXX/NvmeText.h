@@ -1,0 +1,19 @@
+#pragma once
+
+#include <TLXX/Export.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace TLXX {
+
+/**
+ * The text in a field that a drive filled: at most `field` long, cut at the first NUL, blanks trimmed from
+ * both ends, every byte outside printable ASCII replaced by '?'. Drives are not trusted to keep to any of
+ * this.
+ */
+TLXX_EXPORT std::string boundedText(std::span<const std::uint8_t> field);
+
+} // namespace TLXX

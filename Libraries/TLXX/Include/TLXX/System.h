@@ -1,0 +1,17 @@
+#pragma once
+
+#include <TLXX/Export.h>
+
+#include <string>
+
+namespace TLXX {
+
+class TLXX_EXPORT CSystem
+{
+public:
+    /** The version text of the driver `module`: its file version, or on Linux the module's or kernel's. Empty
+     * if unknown. */
+    static std::string GetModuleVersion(const std::string& module);
+};
+
+} // namespace TLXX

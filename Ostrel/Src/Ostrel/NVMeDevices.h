@@ -1,0 +1,43 @@
+#pragma once
+
+#include <TLXX/NvmeStructures.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace NAMESPACE_Ostrel {
+
+/** One enumerated disk and what it last said of itself. The blocks are zero until they are queried. */
+class NVMeDevice
+{
+public:
+    NVMeDevice(std::string device, std::string service);
+
+    std::string deviceName; ///< path of the disk
+    std::string driver;     ///< driver of its controller
+    TLXX::NVME_IDENTIFY_CONTROLLER identifyController{};
+    TLXX::NVME_IDENTIFY_NAMESPACE identifyNamespace{};
+    TLXX::NVME_SMART_HEALTH_INFORMATION_LOG smartHealthLog{};
+
+    // Each asks the drive, blocks until it answers, and returns whether the whole block came; otherwise the
+    // block stays as it was.
+    bool queryIdentifyController();
+    bool queryIdentifyNamespace();
+    bool querySmartHealthLog();
+    bool queryVendorLogPage(std::uint8_t logIdentifier, TLXX::VendorLogPage& page) const;
+};
+
+/** The machine's NVMe disks in discovery order. Takes no lock; callers serialise their use. */
+class NVMeDevices : public std::vector<NVMeDevice>
+{
+public:
+    /** Lists the disks anew; whatever the old elements had queried is gone. Returns whether there is any. */
+    bool scan();
+
+private:
+    /** The platform's walk; appends an element for each disk. */
+    void scanDeviceTree();
+};
+
+} // namespace NAMESPACE_Ostrel

@@ -1,0 +1,63 @@
+# How every target of this project is built: warnings, platform folders, libraries, tests.
+include(GenerateExportHeader)
+
+if(WIN32)
+    set(OSTREL_PLATFORM Win)
+else()
+    set(OSTREL_PLATFORM Linux)
+    # The plug-in and the libraries find one another beside themselves, the program one folder over.
+    set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+    set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
+endif()
+
+add_library(OstrelOptions INTERFACE)
+target_compile_options(OstrelOptions INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-align -Woverloaded-virtual
+    -Wconversion -Wno-sign-conversion -Wformat=2 -Wimplicit-fallthrough -Wextra-semi -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(OstrelOptions INTERFACE -Wduplicated-cond -Wlogical-op -Wuseless-cast)
+endif()
+
+# The sources of one folder and of its platform folder, as ${result}.
+function(ostrel_sources result folder)
+    file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp ${folder}_${OSTREL_PLATFORM}/*.cpp)
+    set(${result} ${sources} PARENT_SCOPE)
+endfunction()
+
+# One of the libraries that a host gives its plug-ins: Include/<name>/, Src/, Src_Linux/ or Src_Win/.
+# ostrel_host_library(NAME [PUBLIC libraries] [PRIVATE libraries])
+function(ostrel_host_library name)
+    cmake_parse_arguments(arg "" "" "PUBLIC;PRIVATE" ${ARGN})
+    ostrel_sources(sources ${CMAKE_CURRENT_SOURCE_DIR}/Src)
+    add_library(${name} SHARED ${sources})
+    string(TOUPPER ${name} upper)
+    generate_export_header(${name} EXPORT_MACRO_NAME ${upper}_EXPORT
+        EXPORT_FILE_NAME ${CMAKE_CURRENT_BINARY_DIR}/Include/${name}/Export.h)
+    target_include_directories(${name}
+        PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/Include> $<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}/Include>
+        PRIVATE Src Src_${OSTREL_PLATFORM})
+    target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE OstrelOptions ${arg_PRIVATE})
+endfunction()
+
+# Puts data files into the share folder of the build tree.
+# ostrel_share(FILE...)
+function(ostrel_share)
+    foreach(file ${ARGN})
+        get_filename_component(name ${file} NAME)
+        configure_file(${file} ${OSTREL_SHARE_DIRECTORY}/${name} COPYONLY)
+    endforeach()
+endfunction()
+
+# A test program from every source of the current folder.
+# ostrel_test(NAME [LIBRARIES ...] [DEFINITIONS ...])
+function(ostrel_test name)
+    cmake_parse_arguments(arg "" "" "LIBRARIES;DEFINITIONS" ${ARGN})
+    ostrel_sources(sources ${CMAKE_CURRENT_SOURCE_DIR})
+    file(GLOB platform CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${OSTREL_PLATFORM}/*.cpp)
+    add_executable(${name} ${sources} ${platform})
+    target_link_libraries(${name} PRIVATE OstrelOptions ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
+    target_compile_definitions(${name} PRIVATE OSTREL_TEST_DATA="${CMAKE_SOURCE_DIR}/Tests/Data" ${arg_DEFINITIONS})
+    target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+    include(GoogleTest)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+endfunction()
