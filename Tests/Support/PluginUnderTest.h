@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Ostrel/PluginApi.h"
+
+namespace TestSupport {
+
+/** The plug-in object with its insides open. */
+class CPluginUnderTest : public NAMESPACE_Ostrel::IPLUGINAPI_IMPL
+{
+public:
+    using IPLUGINAPI_IMPL::GetAdapterProperties;
+    using IPLUGINAPI_IMPL::GetPhysicalDriveProperties;
+    using IPLUGINAPI_IMPL::GetPluginProperties;
+    using IPLUGINAPI_IMPL::GetTopology;
+    using IPLUGINAPI_IMPL::Initialize;
+    using IPLUGINAPI_IMPL::ScanAdpater;
+    using IPLUGINAPI_IMPL::ScanPhysicalDrive;
+    using IPLUGINAPI_IMPL::ScanSystem;
+
+    using IPLUGINAPI_IMPL::m_AdapterIDs;
+    using IPLUGINAPI_IMPL::m_Adapters;
+    using IPLUGINAPI_IMPL::m_DataLock;
+    using IPLUGINAPI_IMPL::m_Events;
+    using IPLUGINAPI_IMPL::m_EventsLock;
+    using IPLUGINAPI_IMPL::m_IDCounter;
+    using IPLUGINAPI_IMPL::m_NVMeDevices;
+    using IPLUGINAPI_IMPL::m_PhysicalDrives;
+    using IPLUGINAPI_IMPL::m_Plugin;
+    using IPLUGINAPI_IMPL::m_PollInterval;
+};
+
+} // namespace TestSupport
