@@ -37,15 +37,17 @@ function(ostrel_host_library name)
         PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/Include> $<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}/Include>
         PRIVATE Src Src_${OSTREL_PLATFORM})
     target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE OstrelOptions ${arg_PRIVATE})
+    install(TARGETS ${name} LIBRARY DESTINATION lib RUNTIME DESTINATION bin)
 endfunction()
 
-# Puts data files into the share folder of the build tree.
+# Puts data files into the share folder of the build tree and of the installation.
 # ostrel_share(FILE...)
 function(ostrel_share)
     foreach(file ${ARGN})
         get_filename_component(name ${file} NAME)
         configure_file(${file} ${OSTREL_SHARE_DIRECTORY}/${name} COPYONLY)
     endforeach()
+    install(FILES ${ARGN} DESTINATION share/ostrel)
 endfunction()
 
 # A test program from every source of the current folder.

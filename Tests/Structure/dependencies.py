@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""Checks that includes point down only: who may know whom is the table below.
+
+Usage: dependencies.py SOURCE_DIRECTORY
+"""
+
+import pathlib
+import re
+import sys
+
+# Folder of the including file -> first component of what it may include from this project.
+ALLOWED = {
+    "Libraries/TLX": {"TLX"},
+    "Libraries/TLXX": {"TLXX", "TLX"},
+    "Libraries/PI": {"PI", "TLX"},
+    "Ostrel/Src": {"Ostrel", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive", "PI", "TLXX", "TLX"},
+    "Host": {"Core", "Cli", "PI", "TLXX", "TLX"},
+}
+PROJECT = {"TLX", "TLXX", "PI", "Database", "DatabaseORM", "Core", "Cli",
+           "Ostrel", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive"}
+# Of the interface library the program knows all; of the plug-in, nothing. System headers that only one place may know.
+CONFINED = {
+    "sqlite3.h": "Libraries/Database",
+    "linux/nvme_ioctl.h": "Libraries/TLXX/Src_Linux",
+    "windows.h": "_Win",
+}
+INCLUDE = re.compile(r'^\s*#\s*include\s*[<"]([^>"]+)[>"]')
+
+
+def violations(root):
+    """Yields one message for each include that the tables do not allow."""
+    seen = 0
+    for folder, allowed in ALLOWED.items():
+        for path in sorted((root / folder).rglob("*")):
+            if path.suffix not in (".h", ".cpp"):
+                continue
+            seen += 1
+            name = path.relative_to(root).as_posix()
+            for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+                match = INCLUDE.match(line)
+                if not match:
+                    continue
+                included = match.group(1)
+                head = included.split("/")[0]
+                if "/" in included and head in PROJECT and head not in allowed:
+                    yield f"{name}:{number}: {folder} may not know {included}"
+                if included in CONFINED and CONFINED[included] not in name:
+                    yield f"{name}:{number}: only {CONFINED[included]} may include {included}"
+    if seen == 0:
+        yield f"{root}: no source files found"
+
+
+def main():
+    found = list(violations(pathlib.Path(sys.argv[1])))
+    for message in found:
+        print(message)
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
