@@ -39,6 +39,7 @@ inline void expectProperty(const PI::CProperty& property, const CExpectedPropert
 inline std::vector<std::uint32_t> propertyIds(const std::vector<PI::CProperty>& properties)
 {
     std::vector<std::uint32_t> ids;
+    ids.reserve(properties.size());
     for (const PI::CProperty& property : properties)
         ids.push_back(property.Id());
     return ids;

@@ -19,8 +19,8 @@ namespace {
 
 std::vector<std::string> exportedSymbols()
 {
-    const std::string command = std::string(OSTREL_NM) + " -D --defined-only --format=posix " OSTREL_LIBRARY;
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+    constexpr char COMMAND[] = "'" OSTREL_NM "' -D --defined-only --format=posix '" OSTREL_LIBRARY "'";
+    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(COMMAND, "r"), pclose);
     if (!pipe)
         throw std::runtime_error("cannot run nm");
     std::vector<std::string> symbols;
