@@ -5,6 +5,25 @@
 namespace TLX::Internals {
 namespace {
 
+/** A character at the head of a text. */
+struct CCharacter
+{
+    bool m_Valid;         ///< false: the first byte does not begin a well-formed UTF-8 sequence
+    char32_t m_CodePoint; ///< the byte when it is not valid
+    std::size_t m_Length; ///< in bytes; 1 when it is not valid
+};
+
+/** The first character of `text`, which is not empty. */
+CCharacter firstCharacter(std::string_view text)
+{
+    namespace utf = boost::locale::utf;
+    const char* position = text.data();
+    const utf::code_point codePoint = utf::utf_traits<char>::decode(position, text.data() + text.size());
+    if (codePoint == utf::illegal || codePoint == utf::incomplete)
+        return {false, static_cast<unsigned char>(text.front()), 1};
+    return {true, codePoint, static_cast<std::size_t>(position - text.data())};
+}
+
 bool isControl(char32_t codePoint)
 {
     return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0);
@@ -32,16 +51,6 @@ void appendEscaped(std::string& result, char byte)
 }
 
 } // namespace
-
-CCharacter firstCharacter(std::string_view text)
-{
-    namespace utf = boost::locale::utf;
-    const char* position = text.data();
-    const utf::code_point codePoint = utf::utf_traits<char>::decode(position, text.data() + text.size());
-    if (codePoint == utf::illegal || codePoint == utf::incomplete)
-        return {false, static_cast<unsigned char>(text.front()), 1};
-    return {true, codePoint, static_cast<std::size_t>(position - text.data())};
-}
 
 bool isUtf8(std::string_view text)
 {
