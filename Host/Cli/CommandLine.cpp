@@ -6,7 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <charconv>
+#include <limits>
 
 namespace Host::Cli {
 namespace {
@@ -101,7 +101,7 @@ public:
             throw TextAsked(std::string(version.what()) + '\n');
         } catch (const CLI::ParseError& error) {
             throw Failure(ExitCode::WrongUsage,
-                          complaint(error) + ". \"ostrel --help\" tells what there is.");
+                          printable(complaint(error)) + ". \"ostrel --help\" tells what there is.");
         }
         return std::move(m_Options);
     }
@@ -116,7 +116,7 @@ private:
             ->check(refuseMissingFolder);
         m_App.add_option("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
             ->option_text("FLEET.json");
-        const CLI::Option* trace =
+        CLI::Option* trace =
             m_App
                 .add_option_function<std::string>(
                     "--trace", [this](const std::string& text) { m_Options.m_TraceMask = *parseMask(text); },
@@ -127,9 +127,11 @@ private:
             .add_option("--trace-file", m_Options.m_TraceFile,
                         "Where trace lines go instead of standard error")
             ->option_text("FILE")
-            ->needs(const_cast<CLI::Option*>(trace));
-        m_App.add_flag("--json", m_Options.m_Json, "Print one JSON document");
+            ->needs(trace);
+        addJson(m_App);
     }
+
+    void addJson(CLI::App& app) { app.add_flag("--json", m_Options.m_Json, "Print one JSON document"); }
 
     CLI::App* addCommand(Command command, const char* name, const char* description, const char* footer)
     {
@@ -137,6 +139,8 @@ private:
         app->fallthrough();
         app->footer(footer);
         app->group("Commands");
+        // The help of a command tells its own options alone, and nobody should have to look for this one.
+        addJson(*app);
         app->parse_complete_callback([this, command] { m_Options.m_Command = command; });
         return app;
     }
@@ -179,15 +183,10 @@ private:
 
 std::optional<std::uint32_t> parseMask(std::string_view text)
 {
-    int base = 10;
-    if (startsWithIgnoringCase(text, "0x")) {
-        base = 16;
-        text.remove_prefix(2);
-    }
-    std::uint32_t mask = 0;
-    const char* const end = text.data() + text.size();
-    const auto [next, error] = std::from_chars(text.data(), end, mask, base);
-    return error == std::errc() && next == end ? std::optional(mask) : std::nullopt;
+    const auto mask = startsWithIgnoringCase(text, "0x") ? parseHexadecimal(text) : parseNumber(text, 10);
+    return mask && *mask <= std::numeric_limits<std::uint32_t>::max()
+               ? std::optional(static_cast<std::uint32_t>(*mask))
+               : std::nullopt;
 }
 
 Options parseCommandLine(const std::vector<std::string>& words)

@@ -1,6 +1,7 @@
 #include "Core/HostSetup.h"
 
 #include "Core/Failure.h"
+#include "Core/Text.h"
 
 #include <PI/ConfigFile.h>
 #include <PI/LifeTimeData.h>
@@ -21,7 +22,7 @@ void startTrace(const TraceOptions& trace)
         TLX::Trace::setSink(trace.m_File ? TLX::Trace::rotatingFileSink(*trace.m_File)
                                          : TLX::Trace::standardErrorSink());
     } catch (const std::system_error& error) {
-        throw Failure(ExitCode::WrongUsage, "The trace file " + trace.m_File->string() +
+        throw Failure(ExitCode::WrongUsage, "The trace file " + printable(trace.m_File->string()) +
                                                 " cannot be written: " + error.code().message() + ".");
     }
     TLX::Trace::setDefaultMask(trace.m_Mask);

@@ -1,4 +1,4 @@
-#include "TempFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <PI/ConfigFile.h>
 #include <PI/ErrorCode.h>
@@ -38,7 +38,7 @@ struct ConfigFileTest : testing::Test
         return "<failed>";
     }
 
-    TempFolder m_Folder;
+    TestSupport::CTemporaryFolder m_Folder;
 };
 
 TEST_F(ConfigFileTest, ReadsAValue)
@@ -133,7 +133,7 @@ TEST_F(ConfigFileTest, AMissingOrUnreadableFileFails)
 
 TEST_F(ConfigFileTest, AnAbsoluteNameStandsForItself)
 {
-    const TempFolder other;
+    const TestSupport::CTemporaryFolder other;
     const auto file = other.Write("Other.ini", "PollInterval=50\n");
     EXPECT_EQ(ReadKey(file.string(), "PollInterval"), "50");
 }

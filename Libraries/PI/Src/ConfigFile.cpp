@@ -1,3 +1,5 @@
+#include "Text.h"
+
 #include <PI/ConfigFile.h>
 #include <PI/ErrorCode.h>
 
@@ -57,15 +59,6 @@ std::optional<std::vector<std::string>> readLines(const boost::filesystem::path&
         lines.front().erase(0, BYTE_ORDER_MARK.size());
     }
     return lines;
-}
-
-std::string_view trim(std::string_view text)
-{
-    const auto first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
 /** The value of `key` in `line`, if that is what the line holds. */
