@@ -11,6 +11,7 @@
 #include <devpropdef.h>
 #include <cfgmgr32.h>
 #include <devpkey.h>
+#include <winioctl.h>
 // clang-format on
 
 using namespace DeviceTree;
@@ -88,6 +89,18 @@ CONFIGRET give(const std::string& bytes, void* buffer, ULONG* size)
         return CR_BUFFER_SMALL;
     std::memcpy(buffer, bytes.data(), bytes.size());
     return CR_SUCCESS;
+}
+
+/** The paths of the disk interfaces that the device has, each with a zero, and one more zero. */
+std::string diskInterfaces(const GUID& type, const char* instance)
+{
+    const Nodes nodes = read();
+    const std::size_t index = instance != nullptr ? find(nodes, std::string(instance)) : nodes.size();
+    std::string list;
+    if (index != nodes.size() && IsEqualGUID(type, GUID_DEVINTERFACE_DISK))
+        for (const std::string& path : nodes[index].m_Interfaces)
+            list += path + '\0';
+    return list + '\0';
 }
 
 /** The registry property that a key stands for: keys of this category count one more. */
@@ -177,6 +190,23 @@ CONFIGRET WINAPI CM_Get_Device_IDA(DEVINST device, PSTR buffer, ULONG size, ULON
     // As the system does: the zero is there when it fits.
     std::memcpy(buffer, instance.c_str(), std::min<std::size_t>(size, instance.size() + 1));
     return CR_SUCCESS;
+}
+
+CONFIGRET WINAPI CM_Get_Device_Interface_List_SizeA(ULONG* size, GUID* type, DEVINSTID_A instance,
+                                                    ULONG flags)
+{
+    if (flags != CM_GET_DEVICE_INTERFACE_LIST_PRESENT)
+        return CR_INVALID_FLAG;
+    *size = static_cast<ULONG>(diskInterfaces(*type, instance).size());
+    return CR_SUCCESS;
+}
+
+CONFIGRET WINAPI CM_Get_Device_Interface_ListA(GUID* type, DEVINSTID_A instance, PZZSTR buffer, ULONG size,
+                                               ULONG flags)
+{
+    if (flags != CM_GET_DEVICE_INTERFACE_LIST_PRESENT)
+        return CR_INVALID_FLAG;
+    return give(diskInterfaces(*type, instance), buffer, &size);
 }
 
 } // extern "C"
