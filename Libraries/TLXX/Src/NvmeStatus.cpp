@@ -73,6 +73,8 @@ std::string statusText(std::uint32_t status)
         return "success";
     if (status == STATUS_SHORT_TRANSFER)
         return "the drive sent less data than was asked for";
+    if (status == STATUS_BAD_ANSWER)
+        return "the driver's answer makes no sense";
     switch (status >> 16U) {
     case 0:
         return systemText(status);
