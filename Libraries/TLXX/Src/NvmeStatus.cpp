@@ -15,6 +15,7 @@ constexpr std::pair<std::errc, const char*> SYSTEM_TEXTS[] = {
     {std::errc::no_such_file_or_directory, "there is no such device"},
     {std::errc::no_such_device, "there is no such device"},
     {std::errc::no_such_device_or_address, "there is no such device"},
+    {std::errc::function_not_supported, "the device takes no NVMe commands"},
     {std::errc::inappropriate_io_control_operation, "the device takes no NVMe commands"},
     // The Linux driver reports a command that it cancelled, after a time-out or in a reset, as interrupted.
     {std::errc::interrupted, "the drive did not answer in time"},
