@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -25,5 +26,9 @@ std::string shortened(const std::string& text, std::size_t width);
 
 /** `number` with `decimals` digits behind the point. */
 std::string decimalText(double number, int decimals);
+
+/** The path that `text` (UTF-8) names. Where the system's own paths are of another encoding it is converted.
+ */
+std::filesystem::path pathFromUtf8(std::string_view text);
 
 } // namespace Host
