@@ -76,14 +76,18 @@ class Devices(unittest.TestCase):
         self.assertEqual(run.code, code, run.err + run.out)
         return run.out
 
+    @staticmethod
+    def rated():
+        """The endurance table that is installed."""
+        return truth.ratings(stage.product / "share" / "ostrel" / "Endurance.txt")
+
     def assert_agreement(self, disks, pages=lambda disk: disk.pages()):
         """Compares every disk with its pages, and their order with the tree's."""
         report = inventory.Report(self.output("list", "--json"), self.output("topology", "--json"))
         self.assertEqual([entry["serial"] for entry in report.entries], [disk.serial for disk in disks])
-        rated = truth.ratings(stage.product / "share" / "ostrel" / "Endurance.txt")
         failures, total = [], 0
         for disk in disks:
-            count, wrong = inventory.compare(truth.truth(disk, pages(disk), rated, DRIVER_VERSION),
+            count, wrong = inventory.compare(truth.truth(disk, pages(disk), self.rated(), DRIVER_VERSION),
                                              truth.told(report, disk))
             total += count
             failures += [f"{disk.serial}: {each}" for each in wrong]
@@ -117,6 +121,20 @@ class Devices(unittest.TestCase):
         finally:
             for disk in SHOWN:
                 self.machine.storage.page(disk, fleet.HEALTH, disk.pages()[fleet.HEALTH])
+
+    def test_noticed(self):
+        """the comparison notices each single field of the pages that ostrel tells otherwise"""
+        report = inventory.Report(self.output("list", "--json"), self.output("topology", "--json"))
+        disk = SHOWN[0]
+        told = truth.told(report, disk)
+        for page, places in ((fleet.CONTROLLER, (0, 4, 24, 30, 64, 3100)), (fleet.NAMESPACE, (2, 26, 134)),
+                             (fleet.HEALTH, (0, 1, 3, 4, 33, 52, 128, 160)), (LEGACY_SMART, (99,)), (MARKETING, (3,))):
+            for place in places:
+                with self.subTest(page=page, place=place):
+                    pages = {name: bytearray(data) for name, data in disk.pages().items()}
+                    pages[page][place] ^= 1
+                    expected = truth.truth(disk, pages, self.rated(), DRIVER_VERSION)
+                    self.assertNotEqual(inventory.compare(expected, told)[1], [])
 
     def test_texts(self):
         """list and topology without --json name each disk, and no other"""
@@ -180,3 +198,22 @@ class Devices(unittest.TestCase):
             self.output(command)
         self.assertEqual(files(), before)
         self.assertGreater(len(before), 5)
+
+
+class Doors(unittest.TestCase):
+    """A disk that has several interfaces."""
+
+    def test_several(self):
+        """each interface that can be opened is a line of its own, in their order, all at their controller's place"""
+        inner = Disk(61, "INNER", "Drive", NOBODY, (0, 2, 0, 0))
+        outer = Disk(62, "OUTER", "Drive", NOBODY, (0, 1, 0, 0), interfaces=("\\\\?\\nothing", f"\\\\?\\{inner.link}"))
+        behind = Disk(63, "BEHIND", "Drive", NOBODY, (0, 3, 0, 0))
+        machine = stage.machine()
+        machine.equip((inner, outer, behind))
+        machine.storage.tree(fleet.tree((outer, behind)))
+        run = machine.ostrel("list", "--json")
+        self.assertEqual(run.code, 0, run.err)
+        self.assertEqual([(entry["serial"], entry["device"], entry["pciAddress"])
+                          for entry in stage.document(run)["drives"]],
+                         [("INNER", ".PhysicalDrive61", outer.address), ("OUTER", ".PhysicalDrive62", outer.address),
+                          ("BEHIND", ".PhysicalDrive63", behind.address)])

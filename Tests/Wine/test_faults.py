@@ -147,6 +147,16 @@ class Pulled(unittest.TestCase):
             self.assertEqual(doctor.code, 3)
             self.assertIn("problem", said_of(doctor, "controllers"))
 
+    def test_unserved(self):
+        """a controller that another driver serves is not shown, and doctor names its place and that driver"""
+        other = fleet.line(2, "PCI\\OTHER\\1", {fleet.COMPATIBLE_IDS: "PCI\\CC_010802", fleet.SERVICE: "vendornvme",
+                                               fleet.BUS_NUMBER: 0x82, fleet.ADDRESS: 0x1F0007})
+        self.machine.storage.tree(fleet.tree((self.FIRST,), (other,)))
+        self.assert_listed(self.FIRST)
+        doctor = self.machine.ostrel("doctor", "--json")
+        self.assertEqual(doctor.code, 3)
+        self.assertIn("vendornvme", said_of(doctor, "0000:82:1f.7"))
+
     def test_stopped(self):
         """disks that the tree still has but that cannot be opened are not shown, and doctor says so"""
         self.machine.stop()
