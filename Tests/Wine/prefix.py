@@ -22,7 +22,7 @@ class Run:
 
 class Prefix:
     """
-    A fresh prefix in `folder`, which must be a folder that may be emptied. Its Wine server runs until the prefix is
+    A fresh prefix in `folder`, in the place of any that was there. Its Wine server runs until the prefix is
     closed; what programs print goes to the log as well.
     """
 
@@ -33,8 +33,12 @@ class Prefix:
                              if not name.startswith(("WINE", "LC_", "LANG")) and name != "DISPLAY"}
         self._environment |= {"WINEPREFIX": str(folder), "WINEARCH": "win64", "WINEDEBUG": "-all",
                               "WINEDLLOVERRIDES": OVERRIDES, "LC_ALL": "C.UTF-8"}
-        shutil.rmtree(folder, ignore_errors=True)
-        folder.mkdir(parents=True)
+        log.write_text("")
+        if folder.exists():
+            # An interrupted run has left its server behind.
+            self._stop_server()
+            shutil.rmtree(folder)
+        folder.mkdir()
         self._tool("wineboot", "-i")
         self._stop_server()
         # Without this the server, and with it an idle driver, would stop some seconds after the last program.

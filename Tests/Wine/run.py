@@ -9,7 +9,6 @@ work folder, and needs no special rights and no display.
 
 import argparse
 import pathlib
-import shutil
 import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -28,7 +27,7 @@ def main():
     parser.add_argument("--package", type=pathlib.Path, required=True,
                         help="the zip that users get, which is unpacked and run in a prefix of its own")
     parser.add_argument("--work", type=pathlib.Path, default=HERE.parents[1] / "build" / "wine",
-                        help="folder for the prefixes and the logs, emptied first (default: build/wine)")
+                        help="folder for the prefixes and the logs (default: build/wine)")
     parser.add_argument("only", nargs="*", metavar="NAME",
                         help="run just these, such as test_devices or test_faults.Pulled")
     options = parser.parse_args()
@@ -38,8 +37,7 @@ def main():
         parser.error(f"there is no {options.package}")
     stage.product, stage.package = options.tree.resolve(), options.package.resolve()
     stage.work = options.work.resolve()
-    shutil.rmtree(stage.work, ignore_errors=True)
-    stage.work.mkdir(parents=True)
+    stage.work.mkdir(parents=True, exist_ok=True)
     try:
         return progress.run(str(HERE), options.only, stage.work)
     finally:
