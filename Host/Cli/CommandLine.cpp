@@ -70,7 +70,8 @@ std::string refuseBadMask(const std::string& text)
 std::string refuseMissingFolder(const std::string& text)
 {
     std::error_code error;
-    return std::filesystem::is_directory(text, error) ? std::string() : "there is no folder \"" + text + "\"";
+    return std::filesystem::is_directory(pathFromUtf8(text), error) ? std::string()
+                                                                    : "there is no folder \"" + text + "\"";
 }
 
 /** The parser and what it parses into. */
@@ -107,14 +108,21 @@ public:
     }
 
 private:
+    CLI::Option* addPath(const char* name, std::optional<std::filesystem::path>& path,
+                         const char* description)
+    {
+        return m_App.add_option_function<std::string>(
+            name, [&path](const std::string& text) { path = pathFromUtf8(text); }, description);
+    }
+
     void addOptions()
     {
-        m_App.add_option("--plugin", m_Options.m_Plugin, "Plug-in to load instead of the installed one")
+        addPath("--plugin", m_Options.m_Plugin, "Plug-in to load instead of the installed one")
             ->option_text("FILE");
-        m_App.add_option("--data", m_Options.m_Data, "Folder of the settings instead of the usual one")
+        addPath("--data", m_Options.m_Data, "Folder of the settings instead of the usual one")
             ->option_text("DIR")
             ->check(refuseMissingFolder);
-        m_App.add_option("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
+        addPath("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
             ->option_text("FLEET.json");
         CLI::Option* trace =
             m_App
@@ -123,9 +131,7 @@ private:
                     "Write trace lines of these levels, decimal or 0x..")
                 ->option_text("MASK")
                 ->check(refuseBadMask);
-        m_App
-            .add_option("--trace-file", m_Options.m_TraceFile,
-                        "Where trace lines go instead of standard error")
+        addPath("--trace-file", m_Options.m_TraceFile, "Where trace lines go instead of standard error")
             ->option_text("FILE")
             ->needs(trace);
         addJson(m_App);

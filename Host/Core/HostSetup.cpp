@@ -41,7 +41,7 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
 {
     TLX::Language_Support::CLanguageSupport::SetFolder(folders.m_Share);
     PI::SetLifeTimeFolder(folders.m_Share);
-    PI::CConfigFile::SetFolder(folders.m_Data.string());
+    PI::CConfigFile::SetFolder(folders.m_Data.native());
     startTrace(trace);
     if (m_Fleet)
         TLXX::setDeviceBackend(m_Fleet);

@@ -141,4 +141,9 @@ std::string decimalText(double number, int decimals)
     return {buffer, result.ptr};
 }
 
+std::filesystem::path pathFromUtf8(std::string_view text)
+{
+    return std::u8string(text.begin(), text.end());
+}
+
 } // namespace Host

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,5 +36,9 @@ std::optional<std::uint64_t> parseHexadecimal(std::string_view text);
 
 /** `number` with `decimals` digits behind the point. */
 std::string decimalText(double number, int decimals);
+
+/** The path that `text` (UTF-8) names. Where the system's own paths are of another encoding it is converted.
+ */
+std::filesystem::path pathFromUtf8(std::string_view text);
 
 } // namespace Host

@@ -36,7 +36,7 @@ public:
     bool scan();
 
 private:
-    /** Walks the machine's devices, as the platform shows them, and adds each disk. */
+    /** Walks the machine's devices and adds each disk. Every system has its own. */
     void scanDeviceTree();
     /** Appends an element and traces what was found. */
     void addDetected(std::string device, std::string service);
