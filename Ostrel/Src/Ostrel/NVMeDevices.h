@@ -36,8 +36,12 @@ public:
     bool scan();
 
 private:
-    /** The platform's walk; appends an element for each disk. */
+    // The platform's.
+
+    /** Walks the machine's devices and adds each disk. */
     void scanDeviceTree();
+    /** Appends an element and traces what was found. */
+    void addDetected(std::string device, std::string service);
 };
 
 } // namespace NAMESPACE_Ostrel

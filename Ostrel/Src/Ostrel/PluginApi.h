@@ -15,7 +15,9 @@
 #include <TLX/Event.h>
 #include <TLX/FastMutex.h>
 
+#include <atomic>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace NAMESPACE_Ostrel {
@@ -61,7 +63,7 @@ protected:
     std::vector<PI::CAdapterID> m_AdapterIDs; ///< identities that the host handed over
     std::vector<PI::CEvent> m_Events TLX_GUARDED_BY(m_EventsLock); ///< not yet fetched by the host
     PI::CConfigFile m_ConfigFile;
-    std::uint32_t m_PollInterval = 0; ///< seconds
+    std::atomic<std::uint32_t> m_PollInterval = 0; ///< seconds
     CNVMePlugin m_Plugin TLX_GUARDED_BY(m_DataLock);
     std::vector<CNVMeAdapter> m_Adapters TLX_GUARDED_BY(m_DataLock);
     std::vector<CNVMePhysicalDrive> m_PhysicalDrives TLX_GUARDED_BY(m_DataLock);
@@ -73,11 +75,19 @@ protected:
     TLX::Threading::CEvent m_PrivateEvent; ///< wakes the worker to notify the host at once
 
 private:
+    /** A lock or event that could not be made ready, and what its `Init` returned. */
+    struct CLockFailure
+    {
+        const char* m_Name;
+        std::uint32_t m_Result;
+    };
+
     void LoadSettings();
-    std::uint32_t InitializeLocks();
-    std::uint32_t IdentifyDevices();
+    /** Makes the locks and events ready, up to the first that fails. */
+    std::optional<CLockFailure> InitializeLocks();
+    /** Asks every device what it is; those that do not say even when asked again are dropped. */
+    void IdentifyDevices();
     std::uint64_t NextObjectID();
-    std::uint32_t Dispatch(std::int32_t request, std::uint64_t objectID, PI::CRequestData& data);
 };
 
 } // namespace NAMESPACE_Ostrel

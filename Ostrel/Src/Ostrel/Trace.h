@@ -6,7 +6,6 @@
 #include <TLX/TraceStreamBuffer.h>
 
 #include <cstdint>
-#include <source_location>
 #include <string_view>
 
 namespace NAMESPACE_Ostrel {
@@ -29,15 +28,21 @@ inline bool traceEnabled(TraceLevel level)
     return (g_ModuleInfo.TraceMask() & bits) != 0;
 }
 
-/** Holds a lock from construction to destruction and traces both sides of the wait as the calling function's.
- */
+/** A place in the source that trace lines speak of. `OSTREL_HERE` makes the current one. */
+struct CTracePlace
+{
+    std::string_view m_Unit;     ///< the unit's folder in the repository
+    std::string_view m_Function; ///< as the compiler spells it
+    std::uint32_t m_Line;
+};
+
+/** Holds a lock from construction to destruction and traces both sides of the wait. */
 class TLX_SCOPED_CAPABILITY CTracedGuard
 {
 public:
-    /** `name` is the lock's name in the trace, `sourceUnit` the caller's `OSTREL_TRACE_UNIT`. */
+    /** `name` is the lock's name in the trace, `place` the caller's. */
     CTracedGuard(TLX::Threading::Native_OS::CFastMutex& mutex, std::string_view name,
-                 std::string_view sourceUnit, std::source_location caller = std::source_location::current())
-        TLX_ACQUIRE(mutex);
+                 const CTracePlace& place) TLX_ACQUIRE(mutex);
     ~CTracedGuard() TLX_RELEASE();
     CTracedGuard(const CTracedGuard&) = delete;
     CTracedGuard& operator=(const CTracedGuard&) = delete;
@@ -48,15 +53,23 @@ private:
 
 } // namespace NAMESPACE_Ostrel
 
+/** The current place. `OSTREL_TRACE_UNIT` is the source folder, set by the build. */
+#define OSTREL_HERE                                                                                          \
+    NAMESPACE_Ostrel::CTracePlace                                                                            \
+    {                                                                                                        \
+        OSTREL_TRACE_UNIT, __PRETTY_FUNCTION__, __LINE__                                                     \
+    }
+
+/** A trace line of `place`, once the mask is known to have its level. */
+#define OSTREL_TRACE_LINE(level, place)                                                                      \
+    TLX::Internals::CTraceStreamBuffer((level), NAMESPACE_Ostrel::g_ModuleInfo, (place).m_Unit,              \
+                                       TLX::Internals::qualifiedName((place).m_Function), (place).m_Line)
+
 /**
  * Begins a trace line of the current function: OSTREL_TRACE(TRACE_FLOW) << "LEAVE Worker() -> %d" << result;
- * The arguments are not evaluated when the level is off. `OSTREL_TRACE_UNIT` is the source folder, set by the
- * build.
+ * The arguments are not evaluated when the level is off.
  */
 #define OSTREL_TRACE(level)                                                                                  \
     if (!NAMESPACE_Ostrel::traceEnabled(level)) {                                                            \
     } else                                                                                                   \
-        TLX::Internals::CTraceStreamBuffer(                                                                  \
-            (level), NAMESPACE_Ostrel::g_ModuleInfo, OSTREL_TRACE_UNIT,                                      \
-            TLX::Internals::qualifiedName(std::source_location::current().function_name()),                  \
-            std::source_location::current().line())
+        OSTREL_TRACE_LINE(level, OSTREL_HERE)

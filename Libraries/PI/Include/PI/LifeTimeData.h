@@ -20,7 +20,8 @@ struct CNVMeLifeTimeData
 
 /**
  * The endurance table, longer texts before shorter ones that they contain. Read once from the folder given to
- * `SetLifeTimeFolder`; a missing file gives an empty table. Safe from any thread.
+ * `SetLifeTimeFolder`; a missing or damaged file gives an empty table (`readLifeTimeData` says what is wrong
+ * with it). A table stays valid for good, also after another folder is set. Safe from any thread.
  */
 PI_EXPORT const std::vector<CNVMeLifeTimeData>& GetLifeTimeDataNVMe();
 
@@ -30,8 +31,8 @@ PI_EXPORT void SetLifeTimeFolder(std::filesystem::path folder);
 /**
  * Reads an endurance table: lines of model text, a '|' and the rating in terabytes (10^12 bytes) written;
  * empty lines and '#' comments are passed over. Throws `std::runtime_error`, naming file and line, for
- * anything else: a rating that is no number or 0, or a text that stands behind a shorter one that it
- * contains.
+ * anything else: a file that cannot be read, a rating that is no number or below 2 TiB (3 TB), or a text that
+ * stands behind a shorter one that it contains.
  */
 PI_EXPORT std::vector<CNVMeLifeTimeData> readLifeTimeData(const std::filesystem::path& file);
 

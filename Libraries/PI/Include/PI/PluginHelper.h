@@ -24,10 +24,10 @@ public:
 
     /**
      * How long a drive will last if it goes on as it did.
-     * `hours` it has run, `bytesWritten` in that time, `wear` in percent of its life (0 and 100 stand for
-     * "not known"), `rating` in TiB that it may be given (1: unrated). The shorter of what writing and wear
-     * allow; 0 when a limit has passed, and `UNLIMITED_HOURS` at most. Returns whether there was anything to
-     * compute from.
+     * `hours` it has run, `bytesWritten` in that time, `wear` in percent of its life (0, 100 and what is
+     * above 255 stand for "not known"), `rating` in TiB that it may be given (0 and 1: unrated). All ones is
+     * "not known" for each of them; 0 hours tell no rate. The shorter of what writing and wear allow; 0 when
+     * a limit has passed, and `UNLIMITED_HOURS` at most. Returns whether there was anything to compute from.
      */
     static bool ComputeRemainingLifeTime(std::uint64_t hours, std::uint64_t bytesWritten, std::uint64_t wear,
                                          std::uint64_t rating, std::uint64_t& remaining);

@@ -18,7 +18,8 @@ class TLX_EXPORT CLanguageSupport
 public:
     /**
      * One module's catalogue file. The file is looked for in the catalogue folder and read at the first
-     * question; a missing or damaged file counts as one without entries. Safe from any thread.
+     * question, and again when the folder has changed; a file that is missing, unreadable or not UTF-8
+     * counts as one without entries. Safe from any thread.
      *
      * Format: UTF-8; a line is a decimal number, blanks and the text; empty lines and lines that begin with
      * '#' are passed over, and so are lines of another shape. The last entry of a number counts.
@@ -42,6 +43,7 @@ public:
         const std::string& FileName() const { return m_FileName; }
         std::uint32_t LanguageCode() const { return m_LanguageCode; }
         const std::string& Encoding() const { return m_Encoding; }
+        std::uint32_t FormatNumber() const { return m_FormatNumber; }
         const std::vector<std::string>& DefaultErrors() const { return m_DefaultErrors; }
 
     private:

@@ -36,6 +36,8 @@ public:
     const std::string& Version() const { return m_Version; }
     const Language_Support::CLanguageSupport::CLngFile& LanguageFile() const { return m_LanguageFile; }
 
+    const CErrorMessageList& Errors() const { return m_Errors; }
+
     /** The levels that are written. Safe from any thread; costs one relaxed load. */
     std::uint32_t TraceMask() const { return m_TraceMask.load(std::memory_order_relaxed); }
 

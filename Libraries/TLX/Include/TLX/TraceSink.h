@@ -23,7 +23,7 @@ struct CLine
     std::string_view m_Text; ///< control characters of the arguments are escaped
 };
 
-/** Takes trace lines. `Write` may be called from any thread, one call at a time. */
+/** Takes trace lines. `Write` may be called from any thread, one call at a time; it must not trace itself. */
 class TLX_EXPORT ISink
 {
 public:
@@ -35,7 +35,12 @@ public:
     virtual void Write(const CLine& line) noexcept = 0;
 };
 
-/** The line as text, without a line end: time, module, level, unit, function, line, text. */
+/**
+ * The line as text, without a line end, its parts set apart by one blank each:
+ *     2026-01-01T00:00:00.000Z Ostrel 2 Ostrel/Src/Ostrel NAMESPACE_Ostrel::CName::Method:120 the text
+ * that is time (UTC), module name, level, source unit, function with source line, text. Control characters of
+ * any part are escaped, so it is always one line.
+ */
 TLX_EXPORT std::string formatLine(const CLine& line);
 
 /** Writes lines to the process's standard error. */
@@ -43,8 +48,8 @@ TLX_EXPORT std::shared_ptr<ISink> standardErrorSink();
 
 /**
  * Writes lines to `file`, which is renamed to "<file>.1" (and that to "<file>.2", up to `keep`) before it
- * would exceed `maximumSize` bytes. Throws `std::system_error` when the file cannot be opened; later failures
- * are dropped, a trace never stops the traced.
+ * would exceed `maximumSize` bytes; a line that is longer gets a file of its own. Throws `std::system_error`
+ * when the file cannot be opened; later failures are dropped, a trace never stops the traced.
  */
 TLX_EXPORT std::shared_ptr<ISink> rotatingFileSink(const std::filesystem::path& file,
                                                    std::uint64_t maximumSize = 8U << 20U, unsigned keep = 3);

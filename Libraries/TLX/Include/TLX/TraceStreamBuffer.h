@@ -14,8 +14,9 @@ namespace TLX::Internals {
 /**
  * One trace line in the making: the first text streamed in is the format ("%s", "%d", "%x" directives), what
  * follows are its arguments; the destructor hands the line to the process's sink. The caller tests the mask
- * before it makes one. Nothing it does throws: a format that does not fit its arguments is written as it
- * stands.
+ * before it makes one, and keeps what the views refer to alive as long as it. Control characters of text
+ * arguments, and bytes that are not UTF-8, appear as "\n", "\r", "\t" or "\xNN". Nothing it does throws: a
+ * format that does not fit its arguments is written as it stands, with the arguments after it.
  */
 class TLX_EXPORT CTraceStreamBuffer
 {
@@ -46,7 +47,11 @@ private:
     std::unique_ptr<Line> m_Line; ///< null when memory ran out: the line is then lost
 };
 
-/** The qualified name within what the compiler says of a function: its result type and arguments cut off. */
+/**
+ * The qualified name within what the compiler says of a function: its result type and arguments cut off.
+ * A lambda, or a function of a local class, goes by the name of the function around it. A text that is no
+ * function comes back whole.
+ */
 TLX_EXPORT std::string_view qualifiedName(std::string_view prettyFunction);
 
 } // namespace TLX::Internals

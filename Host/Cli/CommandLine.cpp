@@ -1,0 +1,198 @@
+#include "Cli/CommandLine.h"
+
+#include "Core/Failure.h"
+#include "Core/Text.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <charconv>
+
+namespace Host::Cli {
+namespace {
+
+constexpr char PROGRAM_HELP[] = "Shows NVMe drives: what they are, how they fare, what is wrong with them.";
+
+constexpr char PROGRAM_FOOTER[] =
+    R"(Options may stand before or after the command. "ostrel COMMAND --help" tells
+more about a command.
+
+Exit codes: 0 done, 1 a request failed, 2 wrong usage, 3 no supported hardware,
+4 no permission.
+
+Examples:
+  sudo ostrel list
+  sudo ostrel show nvme0n1
+  ostrel list --json --simulate fleet.json)";
+
+constexpr char LIST_FOOTER[] =
+    R"(On a terminal long texts are shortened and the reasons of a bad health stand
+below the table; elsewhere, and with --json, every text is whole.
+All options of "ostrel --help" may be given, too.
+
+Examples:
+  sudo ostrel list
+  sudo ostrel list --json | jq '.drives[] | select(.healthCode != 40024).serial')";
+
+constexpr char TOPOLOGY_FOOTER[] =
+    R"(All options of "ostrel --help" may be given, too.
+
+Examples:
+  sudo ostrel topology
+  sudo ostrel topology --json | jq '.objects[].id')";
+
+constexpr char SHOW_FOOTER[] =
+    R"(A serial number or a device stands for the adapter and its drive, an identifier
+or a location for one object. With PROPERTY just its value is printed.
+All options of "ostrel --help" may be given, too.
+
+Examples:
+  sudo ostrel show plugin
+  sudo ostrel show nvme0n1
+  sudo ostrel show /dev/nvme0n1 temperature
+  sudo ostrel show "PCI:Bus=1&Device=0&Function=0" 30017 --json)";
+
+constexpr char DOCTOR_FOOTER[] =
+    R"(A line for each thing that was looked at: OK, NOTE, or PROBLEM with what to do
+about it. The exit code is that of the first problem.
+All options of "ostrel --help" may be given, too.
+
+Examples:
+  sudo ostrel doctor
+  ostrel doctor --simulate fleet.json)";
+
+std::string refuseBadMask(const std::string& text)
+{
+    return parseMask(text) ? std::string()
+                           : "\"" + text + "\" is no number from 0 to 4294967295 or 0x0 to 0xFFFFFFFF";
+}
+
+std::string refuseMissingFolder(const std::string& text)
+{
+    std::error_code error;
+    return std::filesystem::is_directory(text, error) ? std::string() : "there is no folder \"" + text + "\"";
+}
+
+/** The parser and what it parses into. */
+class Parser
+{
+public:
+    Parser()
+    {
+        m_App.require_subcommand(1);
+        m_App.get_formatter()->column_width(24);
+        m_App.get_formatter()->label("SUBCOMMAND", "COMMAND");
+        m_App.footer(PROGRAM_FOOTER);
+        m_App.set_version_flag("--version", "ostrel " OSTREL_VERSION, "Print the version and exit");
+        m_App.set_help_flag("-h,--help", "Print this help and exit");
+        addOptions();
+        addCommands();
+    }
+
+    Options parse(std::vector<std::string> words)
+    {
+        try {
+            std::reverse(words.begin(), words.end());
+            words.pop_back();
+            m_App.parse(words);
+        } catch (const CLI::CallForHelp&) {
+            throw TextAsked(help());
+        } catch (const CLI::CallForVersion& version) {
+            throw TextAsked(std::string(version.what()) + '\n');
+        } catch (const CLI::ParseError& error) {
+            throw Failure(ExitCode::WrongUsage,
+                          complaint(error) + ". \"ostrel --help\" tells what there is.");
+        }
+        return std::move(m_Options);
+    }
+
+private:
+    void addOptions()
+    {
+        m_App.add_option("--plugin", m_Options.m_Plugin, "Plug-in to load instead of the installed one")
+            ->option_text("FILE");
+        m_App.add_option("--data", m_Options.m_Data, "Folder of the settings instead of the usual one")
+            ->option_text("DIR")
+            ->check(refuseMissingFolder);
+        m_App.add_option("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
+            ->option_text("FLEET.json");
+        const CLI::Option* trace =
+            m_App
+                .add_option_function<std::string>(
+                    "--trace", [this](const std::string& text) { m_Options.m_TraceMask = *parseMask(text); },
+                    "Write trace lines of these levels, decimal or 0x..")
+                ->option_text("MASK")
+                ->check(refuseBadMask);
+        m_App
+            .add_option("--trace-file", m_Options.m_TraceFile,
+                        "Where trace lines go instead of standard error")
+            ->option_text("FILE")
+            ->needs(const_cast<CLI::Option*>(trace));
+        m_App.add_flag("--json", m_Options.m_Json, "Print one JSON document");
+    }
+
+    CLI::App* addCommand(Command command, const char* name, const char* description, const char* footer)
+    {
+        CLI::App* app = m_App.add_subcommand(name, description);
+        app->fallthrough();
+        app->footer(footer);
+        app->group("Commands");
+        app->parse_complete_callback([this, command] { m_Options.m_Command = command; });
+        return app;
+    }
+
+    void addCommands()
+    {
+        addCommand(Command::List, "list", "One line a drive", LIST_FOOTER);
+        addCommand(Command::Topology, "topology", "Every object with its properties", TOPOLOGY_FOOTER);
+        CLI::App* show = addCommand(Command::Show, "show", "The properties of one object", SHOW_FOOTER);
+        show->add_option("OBJECT", m_Options.m_Object,
+                         "Identifier, serial number, device, location or \"plugin\"")
+            ->required()
+            ->option_text(" ");
+        show->add_option("PROPERTY", m_Options.m_Property, "Number or caption of one property")
+            ->option_text(" ");
+        addCommand(Command::Doctor, "doctor", "What can be seen here, what not, and why", DOCTOR_FOOTER);
+    }
+
+    /** The library would call for a command even where there is a word that is none. */
+    std::string complaint(const CLI::ParseError& error) const
+    {
+        const std::vector<std::string> unknown = m_App.remaining();
+        if (m_App.get_subcommands().empty())
+            return unknown.empty() ? "A command is missing"
+                                   : "There is no command \"" + unknown.front() + "\"";
+        return error.what();
+    }
+
+    std::string help() const
+    {
+        const std::vector<CLI::App*> commands = m_App.get_subcommands();
+        return commands.empty() ? m_App.help() : commands.front()->help("ostrel");
+    }
+
+    CLI::App m_App{PROGRAM_HELP, "ostrel"};
+    Options m_Options;
+};
+
+} // namespace
+
+std::optional<std::uint32_t> parseMask(std::string_view text)
+{
+    int base = 10;
+    if (startsWithIgnoringCase(text, "0x")) {
+        base = 16;
+        text.remove_prefix(2);
+    }
+    std::uint32_t mask = 0;
+    const char* const end = text.data() + text.size();
+    const auto [next, error] = std::from_chars(text.data(), end, mask, base);
+    return error == std::errc() && next == end ? std::optional(mask) : std::nullopt;
+}
+
+Options parseCommandLine(const std::vector<std::string>& words)
+{
+    return Parser().parse(words);
+}
+
+} // namespace Host::Cli

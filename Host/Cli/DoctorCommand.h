@@ -1,0 +1,54 @@
+#pragma once
+
+#include "Cli/Screen.h"
+#include "Cli/Session.h"
+#include "Core/Failure.h"
+#include "Core/ObjectStore.h"
+
+#include <TLXX/Diagnosis.h>
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+#include <vector>
+
+namespace Host::Cli {
+
+enum class Finding
+{
+    Ok,
+    Note,    ///< worth knowing; nothing is broken
+    Problem, ///< something is not to be seen
+};
+
+/** One thing that was looked at. */
+struct Check
+{
+    Finding m_Finding = Finding::Ok;
+    std::string m_Subject;
+    std::string m_Message;
+    std::string m_Remedy;                 ///< of a problem
+    ExitCode m_ExitCode = ExitCode::Done; ///< of a problem
+};
+
+Check ok(std::string subject, std::string message);
+Check note(std::string subject, std::string message);
+Check problem(ExitCode exitCode, std::string subject, std::string message, std::string remedy);
+
+/** Looks at everything from the plug-in's file to each drive's answers. Throws nothing for what it finds. */
+std::vector<Check> examine(const Session& session);
+
+/** What the system says of its controllers. */
+std::vector<Check> checkControllers(const std::vector<TLXX::CControllerState>& states);
+
+/** Whether every disk became an adapter, at its own place, and what its drive left unanswered. */
+std::vector<Check> checkInventory(const std::vector<TLXX::CControllerState>& states,
+                                  const ObjectStore& store);
+
+/** The code of the first problem. */
+ExitCode exitCodeOf(const std::vector<Check>& checks);
+
+std::string doctorText(const std::vector<Check>& checks, const Screen& screen);
+nlohmann::ordered_json doctorJson(const std::vector<Check>& checks);
+
+} // namespace Host::Cli

@@ -1,0 +1,70 @@
+#include "Cli/Screen.h"
+
+#include "Core/Platform.h"
+
+#include <cstdlib>
+#include <string_view>
+
+namespace Host::Cli {
+namespace {
+
+bool environmentAllowsColour()
+{
+    const char* const noColour = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    return (noColour == nullptr || *noColour == '\0') && terminal != nullptr && *terminal != '\0' &&
+           std::string_view(terminal) != "dumb";
+}
+
+const char* escapeOf(Tone tone)
+{
+    switch (tone) {
+    case Tone::Plain:
+        return "";
+    case Tone::Heading:
+        return "\033[1m";
+    case Tone::Good:
+        return "\033[32m";
+    case Tone::Warning:
+        return "\033[33m";
+    case Tone::Bad:
+        return "\033[1;31m";
+    case Tone::Faint:
+        return "\033[2m";
+    }
+    return "";
+}
+
+} // namespace
+
+Screen detectScreen(const Platform::ResultChannel& results)
+{
+    if (!results.isTerminal())
+        return {};
+    return {results.terminalWidth(), environmentAllowsColour()};
+}
+
+std::string toned(const Screen& screen, Tone tone, const std::string& text)
+{
+    if (!screen.m_Colour || tone == Tone::Plain || text.empty())
+        return text;
+    return escapeOf(tone) + text + "\033[0m";
+}
+
+Tone toneOfCode(std::uint32_t code)
+{
+    switch (code) {
+    case 40024: // healthy
+    case 40099: // operational
+        return Tone::Good;
+    case 40095: // critical
+        return Tone::Bad;
+    case 40150: // degraded
+    case 40180: // warning
+        return Tone::Warning;
+    default:
+        return Tone::Plain;
+    }
+}
+
+} // namespace Host::Cli

@@ -1,0 +1,36 @@
+#include "Core/DeviceAccess.h"
+
+#include "Core/Failure.h"
+#include "Core/Platform.h"
+
+#include <TLXX/NvmeQuery.h>
+
+#include <algorithm>
+
+namespace Host {
+
+bool isRefused(const TLXX::CControllerState& state)
+{
+    return !state.m_DeviceName.empty() && TLXX::isPermissionStatus(state.m_AccessStatus);
+}
+
+void checkAccess(const std::vector<TLXX::CControllerState>& states,
+                 const std::function<void(const std::string&)>& warn)
+{
+    std::string refused;
+    for (const TLXX::CControllerState& state : states)
+        if (isRefused(state))
+            refused += (refused.empty() ? "" : ", ") + state.m_AccessPath;
+    if (refused.empty())
+        return;
+    const bool anyOpen = std::any_of(states.begin(), states.end(), [](const TLXX::CControllerState& state) {
+        return !state.m_DeviceName.empty() && !isRefused(state);
+    });
+    const std::string message =
+        "No permission to open " + refused + ". " + std::string(Platform::permissionRemedy());
+    if (!anyOpen)
+        throw Failure(ExitCode::NoPermission, message);
+    warn(message);
+}
+
+} // namespace Host

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <TLXX/Diagnosis.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Host {
+
+/** Whether this user is refused the disk that the enumeration yields for the controller. */
+bool isRefused(const TLXX::CControllerState& state);
+
+/**
+ * Says at once what a request would find out only after its retries: throws `Failure` (no permission) when
+ * there are disks and every one refuses this user; warns when some do.
+ */
+void checkAccess(const std::vector<TLXX::CControllerState>& states,
+                 const std::function<void(const std::string&)>& warn);
+
+} // namespace Host

@@ -1,0 +1,57 @@
+#include "Core/HostSetup.h"
+
+#include "Core/Failure.h"
+
+#include <PI/ConfigFile.h>
+#include <PI/LifeTimeData.h>
+#include <TLX/LanguageSupport.h>
+#include <TLX/TraceSink.h>
+
+#include <system_error>
+#include <utility>
+
+namespace Host {
+namespace {
+
+void startTrace(const TraceOptions& trace)
+{
+    if (trace.m_Mask == 0 && !trace.m_File)
+        return;
+    try {
+        TLX::Trace::setSink(trace.m_File ? TLX::Trace::rotatingFileSink(*trace.m_File)
+                                         : TLX::Trace::standardErrorSink());
+    } catch (const std::system_error& error) {
+        throw Failure(ExitCode::WrongUsage, "The trace file " + trace.m_File->string() +
+                                                " cannot be written: " + error.code().message() + ".");
+    }
+    TLX::Trace::setDefaultMask(trace.m_Mask);
+}
+
+} // namespace
+
+std::filesystem::path shareFolder(const std::filesystem::path& programFolder)
+{
+    return programFolder.parent_path() / "share" / "ostrel";
+}
+
+HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
+                     const std::optional<std::filesystem::path>& fleetFile, SimulatedFleet::Warn warn)
+    : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, std::move(warn)) : nullptr)
+{
+    TLX::Language_Support::CLanguageSupport::SetFolder(folders.m_Share);
+    PI::SetLifeTimeFolder(folders.m_Share);
+    PI::CConfigFile::SetFolder(folders.m_Data.string());
+    startTrace(trace);
+    if (m_Fleet)
+        TLXX::setDeviceBackend(m_Fleet);
+}
+
+HostSetup::~HostSetup()
+{
+    if (m_Fleet)
+        TLXX::setDeviceBackend(nullptr);
+    TLX::Trace::setDefaultMask(0);
+    TLX::Trace::setSink(nullptr);
+}
+
+} // namespace Host

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "Core/SimulatedFleet.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace Host {
+
+/** What a host prepares before it loads plug-ins. */
+struct HostFolders
+{
+    std::filesystem::path m_Share; ///< catalogue and endurance table
+    std::filesystem::path m_Data;  ///< settings
+};
+
+struct TraceOptions
+{
+    std::uint32_t m_Mask = 0;
+    std::optional<std::filesystem::path> m_File; ///< none: standard error
+};
+
+/** The share folder that belongs to a program in `programFolder`. */
+std::filesystem::path shareFolder(const std::filesystem::path& programFolder);
+
+/**
+ * The process as plug-ins expect it: folders known, traces going where they should, a simulated fleet in the
+ * machine's place when one was asked for. Traces end and the machine is back on destruction. One at a time.
+ */
+class HostSetup
+{
+public:
+    /** Throws `Failure` for a trace file or a fleet file that cannot be used. */
+    HostSetup(const HostFolders& folders, const TraceOptions& trace,
+              const std::optional<std::filesystem::path>& fleetFile, SimulatedFleet::Warn warn);
+    ~HostSetup();
+    HostSetup(const HostSetup&) = delete;
+    HostSetup& operator=(const HostSetup&) = delete;
+
+    /** The simulated fleet; null when the machine's own drives are shown. */
+    const std::shared_ptr<SimulatedFleet>& fleet() const { return m_Fleet; }
+
+private:
+    std::shared_ptr<SimulatedFleet> m_Fleet;
+};
+
+} // namespace Host

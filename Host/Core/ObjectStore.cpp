@@ -1,0 +1,146 @@
+#include "Core/ObjectStore.h"
+
+#include "Core/Failure.h"
+#include "Core/Text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <set>
+
+namespace Host {
+namespace {
+
+std::optional<std::uint64_t> parseIdentifier(std::string_view text)
+{
+    if (!startsWithIgnoringCase(text, "0x"))
+        return std::nullopt;
+    text.remove_prefix(2);
+    std::uint64_t id = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id, 16);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(id) : std::nullopt;
+}
+
+bool goesBySerialOrDevice(const PI::CObject& object, std::string_view name)
+{
+    const std::string serial = textOf(object, PI::PROP_SERIAL_NUMBER);
+    const std::string device = textOf(object, PI::PROP_DEVICE_NAME);
+    return (!serial.empty() && equalIgnoringCase(serial, name)) ||
+           (!device.empty() && equalIgnoringCase(shortDeviceName(device), shortDeviceName(name)));
+}
+
+} // namespace
+
+const PI::CProperty* findProperty(const PI::CObject& object, std::uint32_t propertyId)
+{
+    const auto found =
+        std::find_if(object.m_Properties.begin(), object.m_Properties.end(),
+                     [&](const PI::CProperty& property) { return property.Id() == propertyId; });
+    return found == object.m_Properties.end() ? nullptr : &*found;
+}
+
+std::string textOf(const PI::CObject& object, std::uint32_t propertyId)
+{
+    const PI::CProperty* property = findProperty(object, propertyId);
+    const std::string* text = property != nullptr ? std::get_if<std::string>(&property->GetValue()) : nullptr;
+    return text != nullptr ? *text : std::string();
+}
+
+std::string_view shortDeviceName(std::string_view device)
+{
+    // Plug-ins drop the backslashes of Windows paths, but for the point that stands between them.
+    for (const std::string_view folder : {"/dev/", "\\\\.\\", "."})
+        if (device.substr(0, folder.size()) == folder)
+            return device.substr(folder.size());
+    return device;
+}
+
+std::string identifierText(std::uint64_t id)
+{
+    constexpr std::size_t digits = 16;
+    char buffer[digits];
+    char* const end = std::to_chars(buffer, buffer + digits, id, 16).ptr;
+    const std::string text(buffer, end);
+    return "0x" + std::string(digits - text.size(), '0') + text;
+}
+
+const PI::CObject* ObjectStore::byId(std::uint64_t id) const
+{
+    const auto found = std::find_if(m_Objects.begin(), m_Objects.end(),
+                                    [&](const PI::CObject& object) { return object.m_ID == id; });
+    return found == m_Objects.end() ? nullptr : &*found;
+}
+
+std::vector<const PI::CObject*> ObjectStore::childrenOf(const PI::CObject& object) const
+{
+    std::vector<const PI::CObject*> children;
+    for (const std::uint64_t id : object.m_Children)
+        if (const PI::CObject* child = byId(id))
+            children.push_back(child);
+    return children;
+}
+
+std::vector<const PI::CObject*> ObjectStore::roots() const
+{
+    std::set<std::uint64_t> children;
+    for (const PI::CObject& object : m_Objects)
+        children.insert(object.m_Children.begin(), object.m_Children.end());
+    std::vector<const PI::CObject*> roots;
+    for (const PI::CObject& object : m_Objects)
+        if (!children.contains(object.m_ID))
+            roots.push_back(&object);
+    return roots;
+}
+
+std::vector<const PI::CObject*> ObjectStore::named(std::string_view name) const
+{
+    if (std::vector<const PI::CObject*> exact = namedExactly(name); !exact.empty())
+        return exact;
+
+    std::vector<const PI::CObject*> matches;
+    std::size_t adapters = 0;
+    for (const PI::CObject& object : m_Objects) {
+        if (object.m_Type != PI::TYPE_ADAPTER || !goesBySerialOrDevice(object, name))
+            continue;
+        ++adapters;
+        matches.push_back(&object);
+        for (const PI::CObject* child : childrenOf(object))
+            matches.push_back(child);
+    }
+    if (adapters == 0)
+        throw Failure(ExitCode::WrongUsage,
+                      "There is no object \"" + std::string(name) + "\". These are there:\n" + listing());
+    if (adapters > 1)
+        throw Failure(ExitCode::WrongUsage, "More than one adapter goes by \"" + std::string(name) +
+                                                "\"; name the one by its identifier. These are there:\n" +
+                                                listing());
+    return matches;
+}
+
+std::vector<const PI::CObject*> ObjectStore::namedExactly(std::string_view name) const
+{
+    const std::optional<std::uint64_t> id = parseIdentifier(name);
+    for (const PI::CObject& object : m_Objects) {
+        const std::string location = textOf(object, PI::PROP_LOCATION);
+        if ((id && object.m_ID == *id) || (!location.empty() && equalIgnoringCase(location, name)) ||
+            (object.m_Type == PI::TYPE_PLUGIN && equalIgnoringCase(name, "plugin")))
+            return {&object};
+    }
+    return {};
+}
+
+std::string ObjectStore::listing() const
+{
+    std::string text;
+    for (const PI::CObject& object : m_Objects) {
+        text += "  " + identifierText(object.m_ID);
+        for (const std::uint32_t id : {PI::PROP_DEVICE_NAME, PI::PROP_SERIAL_NUMBER, PI::PROP_LOCATION})
+            if (const std::string part = textOf(object, id); !part.empty())
+                text += "  " + part;
+        text += '\n';
+    }
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
+}
+
+} // namespace Host

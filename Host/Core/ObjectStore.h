@@ -1,0 +1,56 @@
+#pragma once
+
+#include <PI/Object.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Host {
+
+/** The property of `object` with this identifier; null when it has none. */
+const PI::CProperty* findProperty(const PI::CObject& object, std::uint32_t propertyId);
+
+/** The text of a text property; empty when there is no such property or it is of another kind. */
+std::string textOf(const PI::CObject& object, std::uint32_t propertyId);
+
+/** A device's path without the folder that all devices share: "nvme0n1", "PhysicalDrive2". */
+std::string_view shortDeviceName(std::string_view device);
+
+/** An identifier as people read and type it: "0x" and 16 hexadecimal digits. */
+std::string identifierText(std::uint64_t id);
+
+/** The objects that a plug-in answered, in its order. References hold as long as the store. */
+class ObjectStore
+{
+public:
+    explicit ObjectStore(std::vector<PI::CObject> objects) : m_Objects(std::move(objects)) {}
+
+    const std::vector<PI::CObject>& objects() const { return m_Objects; }
+
+    /** Null when there is no such object. */
+    const PI::CObject* byId(std::uint64_t id) const;
+
+    /** The children that are there, in order. */
+    std::vector<const PI::CObject*> childrenOf(const PI::CObject& object) const;
+
+    /** The objects that no other one names as its child, in order. */
+    std::vector<const PI::CObject*> roots() const;
+
+    /**
+     * The objects that go by `name`: one when it is an identifier, a location, or "plugin"; an adapter and
+     * its drives when it is a serial number or a device. Throws `Failure`, listing what there is, when
+     * nothing or more than one adapter goes by that name.
+     */
+    std::vector<const PI::CObject*> named(std::string_view name) const;
+
+private:
+    std::vector<const PI::CObject*> namedExactly(std::string_view name) const;
+    std::string listing() const;
+
+    std::vector<PI::CObject> m_Objects;
+};
+
+} // namespace Host

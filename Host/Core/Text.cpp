@@ -1,0 +1,92 @@
+#include "Core/Text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <vector>
+
+namespace Host {
+namespace {
+
+char lower(char character)
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+bool isContinuation(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+constexpr std::string_view ELLIPSIS = "\u2026";
+
+} // namespace
+
+bool equalIgnoringCase(std::string_view a, std::string_view b)
+{
+    return a.size() == b.size() && startsWithIgnoringCase(a, b);
+}
+
+bool startsWithIgnoringCase(std::string_view text, std::string_view prefix)
+{
+    return text.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), text.begin(),
+                                                      [](char a, char b) { return lower(a) == lower(b); });
+}
+
+std::string printable(std::string_view text)
+{
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const unsigned next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0U;
+        // The second set of control characters is 0xC2 0x80 to 0xC2 0x9F in UTF-8.
+        if (byte == 0xC2 && next >= 0x80 && next < 0xA0)
+            ++i;
+        else if (byte >= 0x20 && byte != 0x7F) {
+            result += text[i];
+            continue;
+        }
+        result += '?';
+    }
+    return result;
+}
+
+std::string printableLines(std::string_view text)
+{
+    std::string result;
+    for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+        result += printable(text.substr(0, end)) + '\n';
+        text.remove_prefix(end + 1);
+    }
+    return result + printable(text);
+}
+
+std::size_t displayWidth(std::string_view text)
+{
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char byte) { return !isContinuation(byte); }));
+}
+
+std::string shortened(const std::string& text, std::size_t width)
+{
+    if (displayWidth(text) <= width || width == 0)
+        return width == 0 ? std::string() : text;
+    std::vector<std::size_t> starts;
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (!isContinuation(text[i]))
+            starts.push_back(i);
+    const std::size_t head = width / 2;
+    const std::size_t tail = width - 1 - head;
+    return text.substr(0, starts[head]) + std::string(ELLIPSIS) +
+           (tail > 0 ? text.substr(starts[starts.size() - tail]) : std::string());
+}
+
+std::string decimalText(double number, int decimals)
+{
+    // Wide enough for the largest number in fixed notation.
+    char buffer[400];
+    const auto result =
+        std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed, decimals);
+    return {buffer, result.ptr};
+}
+
+} // namespace Host

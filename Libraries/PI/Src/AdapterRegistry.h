@@ -1,0 +1,29 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <string>
+
+namespace PI {
+
+/** Where an adapter sits within its host: segment, bus, device, function. */
+using AdapterLocation = std::array<std::int32_t, 4>;
+
+/** The process's numbers of adapter locations, counted from 1 on each host. Safe from any thread. */
+class CAdapterRegistry
+{
+public:
+    /** The registry that all of the process shares. */
+    static CAdapterRegistry& Instance();
+
+    /** The location's number; a location that has none gets the lowest free one. */
+    std::int32_t Number(const std::string& hostName, const AdapterLocation& location);
+
+private:
+    std::mutex m_Lock;
+    std::map<std::string, std::map<AdapterLocation, std::int32_t>> m_Numbers;
+};
+
+} // namespace PI

@@ -1,0 +1,72 @@
+#include <TLX/Clock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <limits>
+#include <thread>
+
+namespace TLX::Misc {
+namespace {
+
+using std::chrono::milliseconds;
+
+template<typename Clock>
+std::uint64_t millisecondsOf()
+{
+    return static_cast<std::uint64_t>(
+        std::chrono::duration_cast<milliseconds>(Clock::now().time_since_epoch()).count());
+}
+
+class CSystemClock final : public IClock
+{
+public:
+    std::uint64_t Now() override { return millisecondsOf<std::chrono::system_clock>(); }
+    std::uint64_t Monotonic() override { return millisecondsOf<std::chrono::steady_clock>(); }
+
+    void SleepUntil(std::uint64_t instant) override
+    {
+        // In pieces, since the nanoseconds of a far instant do not fit the library's counters.
+        constexpr std::uint64_t LONGEST_SLEEP = 3'600'000;
+        for (std::uint64_t current = Monotonic(); current < instant; current = Monotonic())
+            std::this_thread::sleep_for(milliseconds(std::min(instant - current, LONGEST_SLEEP)));
+    }
+};
+
+std::atomic<IClock*> g_Clock = nullptr;
+
+IClock& currentClock()
+{
+    // Never destroyed: threads may still ask for the time while the process ends.
+    static IClock& systemClock = *new CSystemClock;
+    IClock* const replacement = g_Clock.load(std::memory_order_acquire);
+    return replacement != nullptr ? *replacement : systemClock;
+}
+
+} // namespace
+
+IClock::~IClock() = default;
+
+IClock* setClock(IClock* clock)
+{
+    return g_Clock.exchange(clock, std::memory_order_acq_rel);
+}
+
+std::uint64_t now()
+{
+    return currentClock().Now();
+}
+
+std::uint64_t monotonic()
+{
+    return currentClock().Monotonic();
+}
+
+void pause(std::uint64_t duration)
+{
+    IClock& clock = currentClock();
+    const std::uint64_t start = clock.Monotonic();
+    clock.SleepUntil(start + std::min(duration, std::numeric_limits<std::uint64_t>::max() - start));
+}
+
+} // namespace TLX::Misc

@@ -1,0 +1,17 @@
+#include <TLX/FastMutex.h>
+
+namespace TLX::Threading {
+
+// The analysis is off inside: it cannot see that the lock is held only when the wait succeeded.
+CScopedGuard::CScopedGuard(Native_OS::CFastMutex& mutex) TLX_NO_THREAD_SAFETY_ANALYSIS
+    : m_Mutex(mutex),
+      m_Taken(mutex.Wait() == WaitResult::Taken)
+{}
+
+CScopedGuard::~CScopedGuard() TLX_NO_THREAD_SAFETY_ANALYSIS
+{
+    if (m_Taken)
+        m_Mutex.Release();
+}
+
+} // namespace TLX::Threading

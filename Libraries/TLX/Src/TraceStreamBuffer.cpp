@@ -1,0 +1,144 @@
+#include "SinkSlot.h"
+#include "Utf8.h"
+
+#include <TLX/Clock.h>
+#include <TLX/TraceStreamBuffer.h>
+
+#include <boost/format.hpp>
+
+#include <exception>
+#include <locale>
+#include <new>
+#include <optional>
+#include <variant>
+#include <vector>
+
+namespace TLX::Internals {
+namespace {
+
+using Argument = std::variant<std::int64_t, std::uint64_t, std::string>;
+
+/**
+ * The classic locale, since a host's own must not put separators into numbers. Its facet keeps tables that
+ * the standard library fills at the first questions without a lock, so they are asked while the library is
+ * loaded and there is one thread.
+ */
+const std::locale& preparedLocale()
+{
+    const auto& facet = std::use_facet<std::ctype<char>>(std::locale::classic());
+    const char blank = facet.widen(' ');
+    char narrowed = 0;
+    facet.narrow(&blank, &blank + 1, ' ', &narrowed);
+    return std::locale::classic();
+}
+
+const std::locale& g_Locale = preparedLocale();
+
+std::string fill(const std::string& format, const std::vector<Argument>& arguments)
+{
+    boost::format text(format, g_Locale);
+    for (const Argument& argument : arguments)
+        std::visit([&text](const auto& value) { text % value; }, argument);
+    return text.str();
+}
+
+std::string append(std::string text, const std::vector<Argument>& arguments)
+{
+    for (const Argument& argument : arguments) {
+        text += ' ';
+        if (const auto* words = std::get_if<std::string>(&argument))
+            text += *words;
+        else if (const auto* number = std::get_if<std::int64_t>(&argument))
+            text += std::to_string(*number);
+        else
+            text += std::to_string(std::get<std::uint64_t>(argument));
+    }
+    return text;
+}
+
+} // namespace
+
+struct CTraceStreamBuffer::Line
+{
+    std::string Text() const
+    {
+        const std::string format = m_Format.value_or(std::string());
+        try {
+            return fill(format, m_Arguments);
+        } catch (const boost::io::format_error&) {
+            return append(format, m_Arguments);
+        }
+    }
+
+    bool Add(std::string_view text) noexcept
+    {
+        try {
+            if (m_Format)
+                m_Arguments.emplace_back(escapeControls(text));
+            else
+                m_Format = text;
+            return true;
+        } catch (const std::exception&) {
+            return false;
+        }
+    }
+
+    template<typename Number>
+    bool Add(Number value) noexcept
+    {
+        try {
+            m_Arguments.emplace_back(value);
+            return true;
+        } catch (const std::exception&) {
+            return false;
+        }
+    }
+
+    std::uint32_t m_Level;
+    const Misc::CModuleInfo& m_Module;
+    std::string_view m_SourceUnit;
+    std::string_view m_Function;
+    std::uint32_t m_SourceLine;
+    std::optional<std::string> m_Format;
+    std::vector<Argument> m_Arguments;
+};
+
+CTraceStreamBuffer::CTraceStreamBuffer(std::uint32_t level, const Misc::CModuleInfo& module,
+                                       std::string_view sourceUnit, std::string_view function,
+                                       std::uint32_t sourceLine) noexcept
+    : m_Line(new (std::nothrow) Line{level, module, sourceUnit, function, sourceLine, {}, {}})
+{}
+
+CTraceStreamBuffer::~CTraceStreamBuffer()
+{
+    if (!m_Line)
+        return;
+    try {
+        const std::string text = m_Line->Text();
+        Trace::write({Misc::now(), m_Line->m_Module.Number(), m_Line->m_Module.Name(), m_Line->m_Level,
+                      m_Line->m_SourceUnit, m_Line->m_Function, m_Line->m_SourceLine, text});
+    } catch (const std::exception&) {
+        // Without memory for it the line is lost; the traced code goes on.
+    }
+}
+
+CTraceStreamBuffer& CTraceStreamBuffer::operator<<(std::string_view text) noexcept
+{
+    if (m_Line && !m_Line->Add(text))
+        m_Line.reset();
+    return *this;
+}
+
+void CTraceStreamBuffer::Feed(std::int64_t value) noexcept
+{
+    if (m_Line && !m_Line->Add(value))
+        m_Line.reset();
+}
+
+void CTraceStreamBuffer::Feed(std::uint64_t value) noexcept
+{
+    if (m_Line && !m_Line->Add(value))
+        m_Line.reset();
+}
+
+} // namespace TLX::Internals

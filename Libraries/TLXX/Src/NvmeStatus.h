@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+
+// How the 32 bits of a query's status are divided. Errors of the operating system keep their own number,
+// which is at most 0xFFFF.
+namespace TLXX {
+
+constexpr std::uint32_t STATUS_SUCCESS = 0;
+
+/** OR-ed with the status that the drive put into its completion. */
+constexpr std::uint32_t STATUS_FROM_DRIVE = 0x10000;
+
+/** The drive reported success but filled less than the block that was asked for. */
+constexpr std::uint32_t STATUS_SHORT_TRANSFER = 0x20000;
+
+} // namespace TLXX

@@ -1,0 +1,102 @@
+#include "DeviceTable.h"
+
+#include "Platform.h"
+
+#include <TLXX/Linux/Sysfs.h>
+
+#include <utility>
+
+namespace TLXX::Linux {
+
+std::filesystem::path CDeviceTable::Root() const
+{
+    const std::scoped_lock guard(m_Lock);
+    return m_Root;
+}
+
+void CDeviceTable::SetRoot(std::filesystem::path root)
+{
+    const std::scoped_lock guard(m_Lock);
+    m_Root = std::move(root);
+    m_Owners.clear();
+    m_Locations.clear();
+}
+
+std::vector<CDeviceEntry> CDeviceTable::Enumerate()
+{
+    std::vector<CDeviceEntry> entries;
+    std::map<std::string, CDiskOwner> owners;
+    std::vector<std::optional<CPciLocation>> locations;
+    for (const CController& controller : listControllers(Root())) {
+        if (controller.m_Transport != "pcie" || controller.m_DeviceName.empty())
+            continue;
+        entries.push_back({controller.m_DeviceName, controller.m_Driver});
+        owners.insert({controller.m_DeviceName, {controller.m_Instance, controller.m_NamespaceId}});
+        locations.push_back(controller.m_Location);
+    }
+
+    const std::scoped_lock guard(m_Lock);
+    m_Owners = std::move(owners);
+    m_Locations = std::move(locations);
+    return entries;
+}
+
+std::optional<CDiskOwner> CDeviceTable::Owner(const std::string& path)
+{
+    {
+        const std::scoped_lock guard(m_Lock);
+        if (const auto found = m_Owners.find(path); found != m_Owners.end())
+            return found->second;
+    }
+    for (const CController& controller : listControllers(Root())) {
+        if (controller.m_DeviceName.empty() || controller.m_DeviceName != path)
+            continue;
+        const CDiskOwner owner{controller.m_Instance, controller.m_NamespaceId};
+        const std::scoped_lock guard(m_Lock);
+        m_Owners.insert({path, owner});
+        return owner;
+    }
+    return std::nullopt;
+}
+
+std::optional<CPciLocation> CDeviceTable::Location(std::uint32_t number) const
+{
+    const std::scoped_lock guard(m_Lock);
+    if (number == 0 || number > m_Locations.size())
+        return std::nullopt;
+    return m_Locations[number - 1];
+}
+
+CDeviceTable& deviceTable()
+{
+    // Never destroyed, for a query may still run when the process exits.
+    static auto* const instance = new CDeviceTable;
+    return *instance;
+}
+
+std::string controllerNode(std::uint32_t instance)
+{
+    return "/dev/nvme" + std::to_string(instance);
+}
+
+std::filesystem::path sysfsRoot()
+{
+    return deviceTable().Root();
+}
+
+void setSysfsRoot(std::filesystem::path root)
+{
+    deviceTable().SetRoot(std::move(root));
+}
+
+std::vector<CDeviceEntry> enumerateDevices()
+{
+    return deviceTable().Enumerate();
+}
+
+} // namespace TLXX::Linux
+
+std::optional<TLXX::CPciLocation> TLXX::Platform::location(std::uint32_t number)
+{
+    return Linux::deviceTable().Location(number);
+}

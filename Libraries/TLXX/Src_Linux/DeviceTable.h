@@ -1,0 +1,52 @@
+#pragma once
+
+#include <TLXX/DeviceBackend.h>
+#include <TLXX/PciLocation.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace TLXX::Linux {
+
+/** The controller to which commands for a disk go, and the namespace that they mean. */
+struct CDiskOwner
+{
+    std::uint32_t m_Instance = 0;
+    std::uint32_t m_NamespaceId = 0;
+};
+
+/** What the last enumeration found, kept so that queries need not walk sysfs. Safe from any thread. */
+class CDeviceTable
+{
+public:
+    std::filesystem::path Root() const;
+    /** Forgets what was found below the former root. */
+    void SetRoot(std::filesystem::path root);
+
+    std::vector<CDeviceEntry> Enumerate();
+
+    /** The owner of a disk, looked up in sysfs when no enumeration has met the path yet. */
+    std::optional<CDiskOwner> Owner(const std::string& path);
+
+    /** Of the `number`-th entry of the last enumeration, counted from 1. */
+    std::optional<CPciLocation> Location(std::uint32_t number) const;
+
+private:
+    mutable std::mutex m_Lock; ///< never held while sysfs is read
+    std::filesystem::path m_Root = "/sys";
+    std::map<std::string, CDiskOwner> m_Owners;
+    std::vector<std::optional<CPciLocation>> m_Locations;
+};
+
+/** The table of this process. */
+CDeviceTable& deviceTable();
+
+/** The node that takes the admin commands of a controller. */
+std::string controllerNode(std::uint32_t instance);
+
+} // namespace TLXX::Linux

@@ -1,0 +1,45 @@
+#include "Attribute.h"
+#include "DeviceTable.h"
+#include "Platform.h"
+
+#include <system_error>
+
+#include <sys/utsname.h>
+
+namespace TLXX {
+namespace {
+
+namespace fs = std::filesystem;
+
+/** Whether `name` is one name below a folder, and not a way out of it. */
+bool isPlainName(const std::string& name)
+{
+    return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos &&
+           name.find('\0') == std::string::npos;
+}
+
+/** A driver without a version of its own is as old as the kernel that it came with. */
+std::string kernelRelease()
+{
+    utsname system{};
+    return ::uname(&system) == 0 ? system.release : "";
+}
+
+} // namespace
+
+std::string Platform::moduleVersion(const std::string& module)
+{
+    if (!isPlainName(module))
+        return {};
+    const fs::path root = Linux::deviceTable().Root();
+    const fs::path folder = root / "module" / module;
+    if (std::string version = Linux::readAttribute(folder / "version"); !version.empty())
+        return version;
+    std::error_code error;
+    // A driver that is built into the kernel need not show as a module.
+    if (fs::exists(folder, error) || fs::exists(root / "bus" / "pci" / "drivers" / module, error))
+        return kernelRelease();
+    return {};
+}
+
+} // namespace TLXX

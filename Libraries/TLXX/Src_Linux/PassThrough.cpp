@@ -1,0 +1,135 @@
+#include "DeviceTable.h"
+#include "FileDescriptor.h"
+#include "NvmeStatus.h"
+#include "Platform.h"
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <type_traits>
+
+#include <linux/nvme_ioctl.h>
+#include <sys/ioctl.h>
+
+namespace TLXX {
+namespace {
+
+static_assert(sizeof(nvme_admin_cmd) == 72);
+static_assert(offsetof(nvme_admin_cmd, opcode) == 0);
+static_assert(offsetof(nvme_admin_cmd, nsid) == 4);
+static_assert(offsetof(nvme_admin_cmd, addr) == 24);
+static_assert(offsetof(nvme_admin_cmd, data_len) == 36);
+static_assert(offsetof(nvme_admin_cmd, cdw10) == 40);
+static_assert(offsetof(nvme_admin_cmd, cdw11) == 44);
+static_assert(offsetof(nvme_admin_cmd, timeout_ms) == 64);
+static_assert(NVME_IOCTL_ADMIN_CMD == 0xC0484E41);
+
+constexpr std::uint8_t OPCODE_GET_LOG_PAGE = 0x02;
+constexpr std::uint8_t OPCODE_IDENTIFY = 0x06;
+constexpr std::uint32_t CNS_NAMESPACE = 0x00;
+constexpr std::uint32_t CNS_CONTROLLER = 0x01;
+constexpr std::uint8_t LOG_HEALTH = 0x02;
+constexpr std::uint32_t WHOLE_CONTROLLER = 0xFFFFFFFF;
+constexpr std::uint32_t TIMEOUT_MS = 10'000;
+
+using Mark = std::array<std::uint8_t, 8>;
+constexpr Mark NOT_TRANSFERRED = {0x5B, 0xE1, 0x0C, 0x97, 0xA6, 0x3D, 0xF8, 0x42};
+
+/** Whether a drive must fill the whole block: the pages that vendors define may be shorter than ours. */
+enum class ELength
+{
+    exact,
+    atMost
+};
+
+constexpr std::uint32_t logPageWord(std::uint8_t logIdentifier, std::size_t size)
+{
+    const std::size_t dwords = size / sizeof(std::uint32_t) - 1;
+    return logIdentifier | static_cast<std::uint32_t>(dwords << 16U);
+}
+
+std::uint32_t send(std::uint32_t instance, nvme_admin_cmd& command)
+{
+    const Linux::CFileDescriptor node(Linux::controllerNode(instance));
+    if (node.Status() != STATUS_SUCCESS)
+        return node.Status();
+    const int result = ::ioctl(node.Get(), NVME_IOCTL_ADMIN_CMD, &command);
+    if (result < 0)
+        return static_cast<std::uint32_t>(errno);
+    return result == 0 ? STATUS_SUCCESS : STATUS_FROM_DRIVE | static_cast<std::uint32_t>(result);
+}
+
+template<typename Block>
+std::uint32_t read(std::uint32_t instance, nvme_admin_cmd command, ELength length, Block& target)
+{
+    static_assert(std::is_trivially_copyable_v<Block>);
+    std::array<std::uint8_t, sizeof(Block)> data{};
+    std::uint8_t* const tail = data.data() + data.size() - NOT_TRANSFERRED.size();
+    // The kernel tells no length. It lets the drive write into this memory itself (unless it must copy, and
+    // then nothing can be seen), so a mark that is still at the end shows that the drive stopped before it.
+    if (length == ELength::exact)
+        std::memcpy(tail, NOT_TRANSFERRED.data(), NOT_TRANSFERRED.size());
+
+    command.addr = reinterpret_cast<std::uintptr_t>(data.data());
+    command.data_len = sizeof(Block);
+    command.timeout_ms = TIMEOUT_MS;
+    const std::uint32_t status = send(instance, command);
+    if (status != STATUS_SUCCESS)
+        return status;
+    if (length == ELength::exact && std::memcmp(tail, NOT_TRANSFERRED.data(), NOT_TRANSFERRED.size()) == 0)
+        return STATUS_SHORT_TRANSFER;
+    std::memcpy(&target, data.data(), data.size());
+    return STATUS_SUCCESS;
+}
+
+template<typename Block>
+std::uint32_t identify(const std::string& path, std::uint32_t structure, Block& target)
+{
+    const auto owner = Linux::deviceTable().Owner(path);
+    if (!owner)
+        return ENODEV;
+    nvme_admin_cmd command{};
+    command.opcode = OPCODE_IDENTIFY;
+    command.nsid = structure == CNS_NAMESPACE ? owner->m_NamespaceId : 0;
+    command.cdw10 = structure;
+    return read(owner->m_Instance, command, ELength::exact, target);
+}
+
+template<typename Block>
+std::uint32_t logPage(const std::string& path, std::uint8_t logIdentifier, ELength length, Block& target)
+{
+    const auto owner = Linux::deviceTable().Owner(path);
+    if (!owner)
+        return ENODEV;
+    nvme_admin_cmd command{};
+    command.opcode = OPCODE_GET_LOG_PAGE;
+    command.nsid = WHOLE_CONTROLLER;
+    command.cdw10 = logPageWord(logIdentifier, sizeof(Block));
+    return read(owner->m_Instance, command, length, target);
+}
+
+} // namespace
+
+std::uint32_t Platform::identifyController(const std::string& path, NVME_IDENTIFY_CONTROLLER& controller)
+{
+    return identify(path, CNS_CONTROLLER, controller);
+}
+
+std::uint32_t Platform::identifyNamespace(const std::string& path, NVME_IDENTIFY_NAMESPACE& name_space)
+{
+    return identify(path, CNS_NAMESPACE, name_space);
+}
+
+std::uint32_t Platform::smartHealthLog(const std::string& path, NVME_SMART_HEALTH_INFORMATION_LOG& log)
+{
+    return logPage(path, LOG_HEALTH, ELength::exact, log);
+}
+
+std::uint32_t Platform::vendorLogPage(const std::string& path, std::uint8_t logIdentifier,
+                                      VendorLogPage& page)
+{
+    return logPage(path, logIdentifier, ELength::atMost, page);
+}
+
+} // namespace TLXX

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <TLXX/PciLocation.h>
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+// Names and addresses as sysfs writes them. Each function gives nothing for a text that is not exactly one.
+namespace TLXX::Linux {
+
+/** 3 for "nvme3". */
+std::optional<std::uint32_t> controllerInstance(std::string_view name);
+
+/** The numbers in the name of a namespace's node. */
+struct CNamespaceName
+{
+    std::uint32_t m_Head = 0;            ///< 0 for "nvme0n1" and "nvme0c3n1"
+    std::optional<std::uint32_t> m_Path; ///< 3 for "nvme0c3n1": the controller of one path to a shared head
+    std::uint32_t m_Number = 0;          ///< 1 for "nvme0n1" and "nvme0c3n1"
+};
+std::optional<CNamespaceName> namespaceName(std::string_view name);
+
+/** The numbers of a PCI address such as "0000:01:00.0". */
+std::optional<CPciLocation> pciLocation(std::string_view address);
+
+/** A decimal number and nothing else. */
+std::optional<std::uint32_t> decimal(std::string_view text);
+
+} // namespace TLXX::Linux

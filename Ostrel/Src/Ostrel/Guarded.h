@@ -1,0 +1,24 @@
+#pragma once
+
+#include <PI/ErrorCode.h>
+
+#include <cstdint>
+#include <new>
+#include <utility>
+
+namespace NAMESPACE_Ostrel {
+
+/** The result of `action`, or the one that stands for what it threw. The host must never see an exception. */
+template<typename Action>
+std::uint32_t guarded(Action&& action) noexcept
+{
+    try {
+        return std::forward<Action>(action)();
+    } catch (const std::bad_alloc&) {
+        return PI::ERR_OUT_OF_MEMORY;
+    } catch (...) {
+        return PI::ERR_GENERAL_FAILURE;
+    }
+}
+
+} // namespace NAMESPACE_Ostrel

@@ -1,0 +1,128 @@
+#include "Ostrel/PluginApi.h"
+#include "Ostrel/Trace.h"
+
+#include <PI/ErrorCode.h>
+#include <TLX/Clock.h>
+
+#include <functional>
+#include <iterator>
+
+namespace NAMESPACE_Ostrel {
+namespace {
+
+constexpr int IDENTIFY_RETRIES = 5;
+constexpr std::uint64_t IDENTIFY_RETRY_PAUSE = 500; // milliseconds
+
+bool identifies(NVMeDevice& device)
+{
+    bool answered = device.queryIdentifyController();
+    for (int retry = 0; !answered && retry < IDENTIFY_RETRIES; ++retry) {
+        TLX::Misc::pause(IDENTIFY_RETRY_PAUSE);
+        answered = device.queryIdentifyController();
+    }
+    return answered;
+}
+
+void printAdapterCount(unsigned long count)
+{
+    consolePrint("%s:  Initialize:  adapter count is %lu\n", MODULE_NAME, count);
+}
+
+PI::CAdapterID unassignedIdentity(const CNVMeAdapter& adapter)
+{
+    PI::CAdapterID identity;
+    identity.m_Segment = static_cast<std::uint32_t>(adapter.m_Segment);
+    identity.m_Bus = static_cast<std::uint32_t>(adapter.m_Bus);
+    identity.m_Device = static_cast<std::uint32_t>(adapter.m_Device);
+    identity.m_Function = static_cast<std::uint32_t>(adapter.m_Function);
+    return identity;
+}
+
+} // namespace
+
+std::optional<IPLUGINAPI_IMPL::CLockFailure> IPLUGINAPI_IMPL::InitializeLocks()
+{
+    struct CStep
+    {
+        const char* m_Name;
+        std::function<std::uint32_t()> m_Init;
+    };
+    const CStep steps[] = {
+        {"m_DataLock", [this] { return m_DataLock.Init(); }},
+        {"m_PrivateEventsLock", [this] { return m_EventsLock.Init(); }},
+        {"m_ForceWorker", [this] { return m_ForceWorker.Init(false, false); }},
+        {"m_StopRequest", [this] { return m_StopRequest.Init(false, true); }},
+        {"m_PrivateEvent", [this] { return m_PrivateEvent.Init(false, false); }},
+    };
+    for (const CStep& step : steps) {
+        const std::uint32_t result = step.m_Init();
+        if (result != TLX::Threading::WaitResult::Taken)
+            return CLockFailure{step.m_Name, result};
+    }
+    return std::nullopt;
+}
+
+void IPLUGINAPI_IMPL::IdentifyDevices()
+{
+    for (auto device = m_NVMeDevices.begin(); device != m_NVMeDevices.end();)
+        device = identifies(*device) ? std::next(device) : m_NVMeDevices.erase(device);
+
+    // A block that did not come stays zero, and the scan takes it for unknown.
+    for (NVMeDevice& device : m_NVMeDevices) {
+        (void)device.queryIdentifyNamespace();
+        (void)device.querySmartHealthLog();
+    }
+}
+
+std::uint32_t IPLUGINAPI_IMPL::Initialize(std::vector<PI::CAdapterID>& adapterIDs)
+{
+    OSTREL_TRACE(TRACE_FLOW) << "ENTER Initialize()";
+    if (const auto failure = InitializeLocks()) {
+        OSTREL_TRACE(TRACE_FLOW) << "LEAVE Initialize() %s.Init() -> PI::ERR_LOCK_INITIALIZATION_FAILED %d"
+                                 << failure->m_Name << failure->m_Result;
+        return PI::ERR_LOCK_INITIALIZATION_FAILED;
+    }
+
+    if (!m_NVMeDevices.scan()) {
+        printAdapterCount(0);
+        OSTREL_TRACE(TRACE_FLOW)
+            << "LEAVE Initialize() NVMe devices scan() -> PI::ERR_NO_SUPPORTED_HARDWARE %d"
+            << std::uint32_t{PI::ERR_NO_SUPPORTED_HARDWARE};
+        return PI::ERR_NO_SUPPORTED_HARDWARE;
+    }
+    IdentifyDevices();
+    if (m_NVMeDevices.empty()) {
+        printAdapterCount(0);
+        OSTREL_TRACE(TRACE_FLOW)
+            << "LEAVE Initialize() NVMe devices identifyController() -> PI::ERR_NO_SUPPORTED_HARDWARE %d"
+            << std::uint32_t{PI::ERR_NO_SUPPORTED_HARDWARE};
+        return PI::ERR_NO_SUPPORTED_HARDWARE;
+    }
+    OSTREL_TRACE(TRACE_PROGRESS) << "Initialize(): m_NVMeDevices=%d" << m_NVMeDevices.size();
+
+    const CTracedGuard guard(m_DataLock, "m_DataLock", OSTREL_HERE);
+    m_Plugin.m_ID = NextObjectID();
+    m_Plugin.m_Type = PI::TYPE_PLUGIN;
+
+    const std::uint32_t scanned = ScanSystem(m_Adapters, m_PhysicalDrives, true);
+    OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem() ret = %d m_Adapters=%d m_PhysicalDrives=%d" << scanned
+                                 << m_Adapters.size() << m_PhysicalDrives.size();
+    if (scanned != PI::ERR_SUCCESS || m_Adapters.empty()) {
+        printAdapterCount(0);
+        OSTREL_TRACE(TRACE_FLOW) << "LEAVE Initialize() ScanSystem() -> PI::ERR_NO_SUPPORTED_HARDWARE %d"
+                                 << std::uint32_t{PI::ERR_NO_SUPPORTED_HARDWARE};
+        return PI::ERR_NO_SUPPORTED_HARDWARE;
+    }
+
+    for (CNVMeAdapter& adapter : m_Adapters) {
+        adapterIDs.push_back(unassignedIdentity(adapter));
+        m_Plugin.m_Children.push_back(adapter.m_ID);
+        adapter.m_Parents.push_back(m_Plugin.m_ID);
+    }
+
+    printAdapterCount(static_cast<std::uint32_t>(m_Adapters.size()));
+    OSTREL_TRACE(TRACE_FLOW) << "LEAVE Initialize() -> %d" << std::uint32_t{PI::ERR_SUCCESS};
+    return PI::ERR_SUCCESS;
+}
+
+} // namespace NAMESPACE_Ostrel

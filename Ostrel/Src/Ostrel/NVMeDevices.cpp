@@ -1,0 +1,51 @@
+#include "Ostrel/NVMeDevices.h"
+
+#include "Ostrel/Trace.h"
+
+#include <TLXX/DeviceBackend.h>
+#include <TLXX/NvmeQuery.h>
+
+#include <utility>
+
+namespace NAMESPACE_Ostrel {
+
+NVMeDevice::NVMeDevice(std::string device, std::string service)
+    : deviceName(std::move(device)), driver(std::move(service))
+{}
+
+bool NVMeDevice::queryIdentifyController()
+{
+    return TLXX::NVMeStorageQueryPropertyIdentifyController(deviceName, identifyController) == 0;
+}
+
+bool NVMeDevice::queryIdentifyNamespace()
+{
+    return TLXX::NVMeStorageQueryPropertyIdentifyNamespace(deviceName, identifyNamespace) == 0;
+}
+
+bool NVMeDevice::querySmartHealthLog()
+{
+    return TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(deviceName, smartHealthLog) == 0;
+}
+
+bool NVMeDevice::queryVendorLogPage(std::uint8_t logIdentifier, TLXX::VendorLogPage& page) const
+{
+    return TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage(deviceName, logIdentifier, page) == 0;
+}
+
+bool NVMeDevices::scan()
+{
+    OSTREL_TRACE(TRACE_FLOW) << "ENTER NVMeDevices::scan()";
+    clear();
+    if (const auto backend = TLXX::deviceBackend()) {
+        for (TLXX::CDeviceEntry& entry : backend->Enumerate())
+            addDetected(std::move(entry.m_DeviceName), std::move(entry.m_Driver));
+    } else {
+        scanDeviceTree();
+    }
+    const bool found = !empty();
+    OSTREL_TRACE(TRACE_FLOW) << "LEAVE NVMeDevices::scan() -> ret %d" << found;
+    return found;
+}
+
+} // namespace NAMESPACE_Ostrel

@@ -1,0 +1,136 @@
+#include "Ostrel/CarriedIdentity.h"
+#include "Ostrel/KnownControllers.h"
+#include "Ostrel/Location.h"
+#include "Ostrel/PluginApi.h"
+#include "Ostrel/Text.h"
+#include "Ostrel/Trace.h"
+#include "Ostrel/Vendor.h"
+#include "OstrelAdapter/Health.h"
+#include "OstrelAdapter/Lifetime.h"
+
+#include <PI/ErrorCode.h>
+#include <TLXX/ConfigManager.h>
+#include <TLXX/System.h>
+
+#include <string>
+
+namespace NAMESPACE_Ostrel {
+namespace {
+
+constexpr std::uint8_t INTEL_TEMPERATURE_STATISTIC_LOG_PAGE = 0xC5;
+constexpr std::uint8_t INTEL_LEGACY_SMART_LOG_PAGE = 0xCA;
+
+constexpr int FREEZING_POINT = 273; // in kelvin
+
+void takeDescription(CNVMeAdapter& adapter, const NVMeDevice& device)
+{
+    adapter.m_DeviceName = device.deviceName;
+    std::erase(adapter.m_DeviceName, '\\');
+    adapter.m_Vendor = vendorName(device.identifyController.VID);
+    adapter.m_Model = device.identifyController.sModelNumber();
+    adapter.m_ModelName = adapter.m_Model;
+    adapter.m_SerialNumber = device.identifyController.sSerialNumber();
+    adapter.m_Driver = device.driver;
+    adapter.m_DriverVersion = TLXX::CSystem::GetModuleVersion(device.driver);
+    adapter.m_FirmwareRevision = device.identifyController.sFirmwareRevision();
+}
+
+void locate(CNVMeAdapter& adapter)
+{
+    std::int32_t segment = 0;
+    std::int32_t bus = 0;
+    std::int32_t device = 0;
+    std::int32_t function = 0;
+    // A segment counts for a controller in the very first slot alone; elsewhere location texts never name
+    // one.
+    if (TLXX::CConfigManager::GetLocation(g_KnownControllers, adapter.m_DeviceIndex + 1, segment, bus, device,
+                                          function) &&
+        (bus != 0 || device != 0 || function != 0))
+        segment = 0;
+    adapter.m_Segment = segment;
+    adapter.m_Bus = bus;
+    adapter.m_Device = device;
+    adapter.m_Function = function;
+    adapter.m_Location = adapterLocation(adapter);
+}
+
+std::int32_t globalAdapterNumber(const CNVMeAdapter& adapter)
+{
+    PI::CGlobalAdapterID identity("localhost");
+    identity.SetSegment(adapter.m_Segment);
+    identity.SetBus(adapter.m_Bus);
+    identity.SetDevice(adapter.m_Device);
+    identity.SetFunction(adapter.m_Function);
+    identity.GenerateUniqueAdapterNumber();
+    return identity.GetGlobalAdapterNumber();
+}
+
+} // namespace
+
+std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t deviceIndex,
+                                           const NVMeDevice& device, bool initial)
+{
+    adapter.m_Type = PI::TYPE_ADAPTER;
+    adapter.m_DeviceIndex = deviceIndex;
+    takeDescription(adapter, device);
+    const bool isIntel = equalIgnoringCase(adapter.m_Vendor, "INTEL");
+    if (isIntel)
+        adapter.m_VendorTag = device.identifyController.sVendorTag();
+
+    if (initial || !carryIdentity(adapter, m_Adapters))
+        adapter.m_ID = NextObjectID();
+    locate(adapter);
+    if (findIdentity(m_AdapterIDs, adapter) != nullptr)
+        adapter.m_Name = adapterDisplayName(adapter.m_Vendor, adapter.m_SerialNumber);
+    adapter.m_GlobalAdapterNumber = globalAdapterNumber(adapter);
+
+    // No drive is at absolute zero: such a page was never filled, and what it would say is not known.
+    const TLXX::NVME_SMART_HEALTH_INFORMATION_LOG& health = device.smartHealthLog;
+    const bool healthKnown = health.CompositeTemperature() != 0;
+    if (healthKnown) {
+        adapter.m_Temperature = static_cast<float>(health.CompositeTemperature() - FREEZING_POINT);
+        adapter.m_UnsafeShutdowns = health.Counter160[0];
+    }
+    adapter.m_WarningFlags = health.CriticalWarning();
+    if (isIntel) {
+        TLXX::VendorLogPage page{};
+        if (device.queryVendorLogPage(INTEL_TEMPERATURE_STATISTIC_LOG_PAGE, page)) {
+            OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, getVendorSpecificLogPage: "
+                                            "INTEL_TEMPERATURE_STATISTIC_LOG_PAGE for %s returned: %d"
+                                         << device.deviceName << true;
+        }
+        adapter.m_WarningFlags |= temperatureWarnings(page);
+    }
+    applyCriticalWarning(adapter, health.CriticalWarning());
+    if (isIntel) {
+        TLXX::VendorLogPage page{};
+        if (device.queryVendorLogPage(INTEL_LEGACY_SMART_LOG_PAGE, page)) {
+            const std::uint8_t adNormalized = page[27];
+            const std::uint8_t eaNormalized = page[99];
+            OSTREL_TRACE(TRACE_PROGRESS)
+                << "ScanSystem, getVendorSpecificLogPage: INTEL_LEGACY_SMART_LOG_PAGE for %s returned: %d"
+                << device.deviceName << true;
+            OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, AD Normalized value = %d" << adNormalized;
+            OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, EA Normalized value = %d" << eaNormalized;
+            applyWear(adapter, adNormalized, eaNormalized, health.CriticalWarning());
+        }
+    }
+
+    if (healthKnown) {
+        adapter.m_DataUnitsRead = health.DataUnitsRead[0];
+        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, DataUnitsRead = %d" << adapter.m_DataUnitsRead;
+        adapter.m_DataUnitsWritten = health.DataUnitsWritten[0];
+        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, DataUnitsWritten = %d" << adapter.m_DataUnitsWritten;
+        adapter.m_PowerOnHours = health.Counter128[0];
+        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, PowerOnHours = %d" << adapter.m_PowerOnHours;
+        adapter.m_ReserveSpace = health.AvailableSpare;
+        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, ReserveSpace = %d" << adapter.m_ReserveSpace;
+        adapter.m_WarningThreshold = health.AvailableSpareThreshold;
+        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, WarningThreshold = %d" << adapter.m_WarningThreshold;
+    }
+    adapter.m_LifetimeRating = lifetimeRating(PI::GetLifeTimeDataNVMe(), adapter.m_Model);
+    adapter.m_EndOfLifeDate = endOfLifeDate(adapter);
+    return PI::ERR_SUCCESS;
+}
+
+} // namespace NAMESPACE_Ostrel

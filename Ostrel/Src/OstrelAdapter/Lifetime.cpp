@@ -1,0 +1,39 @@
+#include "OstrelAdapter/Lifetime.h"
+
+#include <PI/PluginHelper.h>
+#include <TLX/Clock.h>
+#include <TLXX/SystemTime.h>
+
+#include <boost/format.hpp>
+
+#include <algorithm>
+
+namespace NAMESPACE_Ostrel {
+
+std::uint64_t lifetimeRating(const std::vector<PI::CNVMeLifeTimeData>& table, std::string_view model)
+{
+    constexpr std::uint64_t UNRATED = 1;
+    const auto family = std::find_if(table.begin(), table.end(), [&](const PI::CNVMeLifeTimeData& row) {
+        const std::string_view key = std::string_view(row.m_Model).substr(0, row.m_Characters);
+        return model.find(key) != std::string_view::npos;
+    });
+    return family == table.end() ? UNRATED : family->m_Endurance;
+}
+
+std::string endOfLifeDate(const CNVMeAdapter& adapter)
+{
+    constexpr std::uint64_t MILLISECONDS_PER_HOUR = 3'600'000;
+    if (adapter.m_PowerOnHours == UNKNOWN_COUNTER)
+        return {};
+    std::uint64_t hours = 0;
+    (void)PI::CPluginHelper::ComputeRemainingLifeTime(
+        adapter.m_PowerOnHours, adapter.m_DataUnitsWritten * BYTES_PER_DATA_UNIT,
+        percentLeft(adapter.m_ADNormalized), adapter.m_LifetimeRating, hours);
+    std::int32_t year = 0;
+    std::int32_t month = 0;
+    std::int32_t day = 0;
+    TLXX::CSystemTime_Win::GetDate(TLX::Misc::now() + hours * MILLISECONDS_PER_HOUR, year, month, day);
+    return (boost::format("%4d-%02d-%02d") % year % month % day).str();
+}
+
+} // namespace NAMESPACE_Ostrel

@@ -1,0 +1,63 @@
+#include "OstrelPlugin/Properties.h"
+
+#include "Ostrel/Module.h"
+#include "Ostrel/PluginApi.h"
+
+#include <PI/ErrorCode.h>
+
+#include <boost/format.hpp>
+
+#include <string>
+
+namespace NAMESPACE_Ostrel {
+namespace {
+
+constexpr std::uint32_t CAPTION_NAME = 23334;
+constexpr std::uint32_t CAPTION_POLL_INTERVAL = 23335;
+constexpr std::uint32_t CAPTION_VENDOR = 23338;
+constexpr std::uint32_t CAPTION_VERSION = 23339;
+
+PI::CProperty location()
+{
+    PI::CProperty property(PI::PROP_LOCATION, false);
+    property.SetAttrC(0);
+    property.SetValue((boost::format("Plugin:ID=%d") % MODULE_ID).str());
+    return property;
+}
+
+PI::CProperty text(std::uint32_t propertyId, std::uint32_t caption, const char* value)
+{
+    PI::CProperty property(propertyId, false);
+    property.SetNlsID(caption);
+    property.SetValue(value);
+    return property;
+}
+
+PI::CProperty pollInterval(std::uint32_t seconds)
+{
+    PI::CProperty property(PI::PROP_POLL_INTERVAL, true);
+    property.SetNlsID(CAPTION_POLL_INTERVAL);
+    property.SetUnits(PI::UNIT_SECONDS);
+    property.SetValue(static_cast<std::int32_t>(seconds), MINIMUM_POLL_INTERVAL, MAXIMUM_POLL_INTERVAL, 1);
+    return property;
+}
+
+} // namespace
+
+std::uint32_t IPLUGINAPI_IMPL::GetPluginProperties(const CNVMePlugin& /*plugin*/,
+                                                   std::vector<PI::CProperty>& properties,
+                                                   std::uint32_t propertyId)
+{
+    properties = {
+        location(),
+        text(PI::PROP_NAME, CAPTION_NAME, "NVMe-Plugin"),
+        text(PI::PROP_VERSION, CAPTION_VERSION, PLUGIN_VERSION),
+        text(PI::PROP_VENDOR, CAPTION_VENDOR, "Ostrel"),
+        pollInterval(m_PollInterval),
+    };
+    if (propertyId != PI::ALL_PROPERTIES)
+        std::erase_if(properties, [&](const PI::CProperty& property) { return property.Id() != propertyId; });
+    return PI::ERR_SUCCESS;
+}
+
+} // namespace NAMESPACE_Ostrel

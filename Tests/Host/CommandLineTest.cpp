@@ -1,0 +1,142 @@
+#include "Cli/CommandLine.h"
+
+#include "Core/Failure.h"
+
+namespace {
+
+using namespace Host::Cli;
+using testing::HasSubstr;
+
+Options parse(std::vector<std::string> words)
+{
+    words.insert(words.begin(), "ostrel");
+    return parseCommandLine(words);
+}
+
+std::string refusalOf(const std::vector<std::string>& words)
+{
+    try {
+        parse(words);
+    } catch (const Host::Failure& failure) {
+        EXPECT_EQ(failure.exitCode(), Host::ExitCode::WrongUsage);
+        return failure.what();
+    }
+    return "accepted";
+}
+
+std::string textFor(const std::vector<std::string>& words)
+{
+    try {
+        parse(words);
+    } catch (const TextAsked& asked) {
+        return asked.what();
+    }
+    return "no text";
+}
+
+TEST(CommandLine, KnowsTheCommands)
+{
+    EXPECT_EQ(parse({"list"}).m_Command, Command::List);
+    EXPECT_EQ(parse({"topology"}).m_Command, Command::Topology);
+    EXPECT_EQ(parse({"doctor"}).m_Command, Command::Doctor);
+    const Options show = parse({"show", "nvme0n1"});
+    EXPECT_EQ(show.m_Command, Command::Show);
+    EXPECT_EQ(show.m_Object, "nvme0n1");
+    EXPECT_EQ(show.m_Property, std::nullopt);
+    EXPECT_EQ(parse({"show", "nvme0n1", "30017"}).m_Property, "30017");
+}
+
+TEST(CommandLine, TakesOptionsBeforeAndAfterTheCommand)
+{
+    const std::vector<std::string> options = {"--plugin",     "p.so",   "--data",  ".",
+                                              "--simulate",   "f.json", "--trace", "0x1F",
+                                              "--trace-file", "t.log",  "--json"};
+    std::vector<std::string> before = options;
+    before.emplace_back("list");
+    std::vector<std::string> after = options;
+    after.insert(after.begin(), "list");
+    for (const auto& words : {before, after}) {
+        const Options parsed = parse(words);
+        EXPECT_EQ(parsed.m_Command, Command::List);
+        EXPECT_EQ(parsed.m_Plugin, "p.so");
+        EXPECT_EQ(parsed.m_Data, ".");
+        EXPECT_EQ(parsed.m_Fleet, "f.json");
+        EXPECT_EQ(parsed.m_TraceMask, 31U);
+        EXPECT_EQ(parsed.m_TraceFile, "t.log");
+        EXPECT_TRUE(parsed.m_Json);
+    }
+}
+
+TEST(CommandLine, HasQuietDefaults)
+{
+    const Options options = parse({"list"});
+    EXPECT_FALSE(options.m_Plugin || options.m_Data || options.m_Fleet || options.m_TraceFile);
+    EXPECT_EQ(options.m_TraceMask, 0U);
+    EXPECT_FALSE(options.m_Json);
+}
+
+TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
+{
+    EXPECT_THAT(refusalOf({}), HasSubstr("A command is missing"));
+    EXPECT_THAT(refusalOf({"lst"}), HasSubstr("There is no command \"lst\""));
+    EXPECT_THAT(refusalOf({"set", "plugin", "pollinterval", "60"}), HasSubstr("There is no command \"set\""));
+    EXPECT_THAT(refusalOf({"watch"}), HasSubstr("There is no command \"watch\""));
+    EXPECT_THAT(refusalOf({"list", "extra"}), HasSubstr("extra"));
+    EXPECT_THAT(refusalOf({"list", "--colour"}), HasSubstr("--colour"));
+    EXPECT_THAT(refusalOf({"show"}), HasSubstr("OBJECT is required"));
+    EXPECT_THAT(refusalOf({"list", "topology"}), HasSubstr("topology"));
+    EXPECT_THAT(refusalOf({"list", "--simulate"}), HasSubstr("--simulate"));
+    EXPECT_THAT(refusalOf({"list", "--trace", "7x"}), HasSubstr("\"7x\" is no number"));
+    EXPECT_THAT(refusalOf({"list", "--trace-file", "t.log"}), HasSubstr("requires --trace"));
+    EXPECT_THAT(refusalOf({"list", "--data", "/does/not/exist"}), HasSubstr("no folder \"/does/not/exist\""));
+}
+
+TEST(CommandLine, ReadsMasksInBothBases)
+{
+    EXPECT_EQ(parseMask("0"), 0U);
+    EXPECT_EQ(parseMask("010"), 10U);
+    EXPECT_EQ(parseMask("0x10"), 16U);
+    EXPECT_EQ(parseMask("0XfF"), 255U);
+    EXPECT_EQ(parseMask("4294967295"), 4294967295U);
+    for (const char* text : {"", "0x", "4294967296", "0x100000000", "-1", "+1", " 1", "1 ", "1.5"})
+        EXPECT_EQ(parseMask(text), std::nullopt) << text;
+}
+
+TEST(CommandLine, HelpIsThereForTheProgramAndEveryCommand)
+{
+    const std::string help = textFor({"--help"});
+    for (const char* word :
+         {"list", "topology", "show", "doctor", "--plugin FILE", "--data DIR", "--simulate FLEET.json",
+          "--trace MASK", "--trace-file FILE", "--json", "--version", "Exit codes", "Examples:"})
+        EXPECT_THAT(help, HasSubstr(word));
+    for (const char* later : {" set ", "watch"})
+        EXPECT_THAT(help, Not(HasSubstr(later)));
+    for (const char* command : {"list", "topology", "show", "doctor"}) {
+        const std::string text = textFor({command, "--help"});
+        EXPECT_THAT(text, HasSubstr(std::string("Usage: ostrel ") + command));
+        EXPECT_THAT(text, HasSubstr("Examples:"));
+    }
+}
+
+TEST(CommandLine, HelpFits80Columns)
+{
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"-h"},
+                                                  {"list", "-h"},
+                                                  {"topology", "-h"},
+                                                  {"show", "-h"},
+                                                  {"doctor", "-h"}}) {
+        const std::string text = textFor(words);
+        for (std::size_t start = 0; start < text.size();) {
+            const std::size_t end = std::min(text.find('\n', start), text.size());
+            EXPECT_LE(end - start, 80U) << text.substr(start, end - start);
+            start = end + 1;
+        }
+    }
+}
+
+TEST(CommandLine, TellsItsVersion)
+{
+    EXPECT_EQ(textFor({"--version"}), "ostrel 7.16.3\n");
+}
+
+} // namespace

@@ -1,0 +1,108 @@
+#include "Cli/Json.h"
+
+#include "Host/Catalogue.h"
+#include "Host/Objects.h"
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using namespace Host::Cli;
+using HostTest::property;
+using Json = nlohmann::ordered_json;
+
+class JsonTest : public testing::Test
+{
+    HostTest::Catalogue m_Catalogue;
+};
+
+Json parsed(const char* text)
+{
+    return Json::parse(text);
+}
+
+TEST_F(JsonTest, WritesAPropertyOfEachKind)
+{
+    PI::CProperty temperature = property(PI::PROP_TEMPERATURE, PI::UNIT_CELSIUS, 36.5F);
+    temperature.SetNlsID(23024);
+    EXPECT_EQ(propertyJson(temperature), parsed(R"({"id": 30442, "caption": "Temperature", "value": 36.5,
+        "text": "36.5 °C", "unit": 21000, "unitText": "°C", "settable": false})"));
+
+    EXPECT_EQ(propertyJson(property(PI::PROP_NAME, 1, "x")),
+              parsed(R"({"id": 30007, "value": "x", "text": "x", "settable": false})"));
+
+    EXPECT_EQ(propertyJson(property(PI::PROP_CAPACITY, PI::UNIT_MIB, std::uint64_t{18446744073709551615ULL})),
+              parsed(R"({"id": 30059, "value": 18446744073709551615, "text": "18446744073709551615 MiB",
+                         "unit": 21002, "unitText": "MiB", "settable": false})"));
+
+    PI::CProperty interval(PI::PROP_POLL_INTERVAL, true);
+    interval.SetValue(30, 2, 255, 1);
+    interval.SetUnits(PI::UNIT_SECONDS);
+    EXPECT_EQ(propertyJson(interval), parsed(R"({"id": 30005, "value": 30, "text": "30 s", "unit": 21007,
+        "unitText": "s", "settable": true, "minimum": 2, "maximum": 255, "step": 1})"));
+
+    PI::CProperty health =
+        property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{40024}, std::vector<std::uint32_t>{40024, 40150});
+    health.SetIconPathID(24000);
+    EXPECT_EQ(propertyJson(health), parsed(R"({"id": 30017, "value": 40024, "text": "Healthy",
+        "settable": false, "allowed": [40024, 40150], "icon": 24000})"));
+
+    EXPECT_EQ(propertyJson(property(PI::PROP_STATUS_REASONS, 1, std::vector<std::uint32_t>{40452, 40460},
+                                    std::vector<std::uint32_t>{40387})),
+              parsed(R"({"id": 30165, "value": [40452, 40460],
+                         "text": "Media is read-only; Available spare below its threshold",
+                         "settable": false, "allowed": [40387]})"));
+}
+
+TEST_F(JsonTest, WritesFloatsAsShortAsTheyAre)
+{
+    EXPECT_EQ(propertyJson(property(1, 1, 1.6F))["value"].dump(), "1.6");
+}
+
+TEST_F(JsonTest, WritesAnObject)
+{
+    PI::CObject object;
+    object.m_ID = 0x0139000000000001;
+    object.m_Type = PI::TYPE_ADAPTER;
+    object.m_Parents = {0x0139000000000000};
+    object.m_UpdateCount = 3;
+    object.m_Operations.emplace_back(PI::COperationTemplate{50002, 0, 0, 0, 0, false, 0, 0, 0});
+    EXPECT_EQ(objectJson(object), parsed(R"({"id": "0x0139000000000001", "type": 19038,
+        "parents": ["0x0139000000000000"], "children": [], "updateCount": 3, "properties": [],
+        "operations": [{"id": 50002}]})"));
+}
+
+TEST_F(JsonTest, WritesADriveWithAllItsFields)
+{
+    const Host::ObjectStore store(HostTest::topologyOf({{0x81, "SERIAL", "/dev/nvme0n1"}}));
+    EXPECT_EQ(driveJson(joinDrives(store).at(0)), parsed(R"({
+        "device": "/dev/nvme0n1", "vendor": "INTEL", "model": "MODEL-OF-THE-ADAPTER", "serial": "SERIAL",
+        "firmware": "FW1", "capacityMiB": 1907729, "blockSize": 4096, "temperature": 36.0, "wear": 120,
+        "health": "Critical", "healthCode": 40095,
+        "reasons": ["Available spare below its threshold", "Media is read-only"], "reasonCodes": [40460, 40452],
+        "pciAddress": "0000:81:1f.1", "location": "PCI:Bus=129&Device=0&Function=0",
+        "driver": "nvme", "driverVersion": "6.1", "spare": 98, "spareThreshold": 7,
+        "dataRead": {"value": 1.6, "unit": "TiB"}, "dataWritten": {"value": 2.5, "unit": "GiB"},
+        "powerOnHours": 11, "mediaErrors": 13,
+        "adapterId": "0x0000000000000081", "driveId": "0x0000000000000082"})"));
+}
+
+TEST_F(JsonTest, LeavesOutWhatADriveDoesNotReport)
+{
+    EXPECT_EQ(driveJson(Drive{}).dump(), "{}");
+}
+
+TEST_F(JsonTest, WritesFailures)
+{
+    EXPECT_EQ(failureJson("m", Host::RequestResult{1, 20001}),
+              parsed(R"({"error": {"request": 1, "code": 20001, "name": "ERR_NO_SUPPORTED_HARDWARE",
+                                   "message": "m"}})"));
+    EXPECT_EQ(failureJson("m", std::nullopt), parsed(R"({"error": {"message": "m"}})"));
+}
+
+TEST_F(JsonTest, ReplacesBytesThatAreNoUtf8)
+{
+    EXPECT_EQ(Json::parse(documentText({{"a", "x\xFF"}})), Json({{"a", "x\uFFFD"}}));
+}
+
+} // namespace

@@ -1,0 +1,357 @@
+#include "Core/Text.h"
+#include "Host/Linux/RunProgram.h"
+#include "Host/TemporaryFolder.h"
+
+#include <nlohmann/json.hpp>
+
+#include <fstream>
+
+namespace {
+
+using HostTest::ProgramResult;
+using HostTest::runOnTerminal;
+using HostTest::runProgram;
+using nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+const std::string DEMO = OSTREL_SHARE "/DemoFleet.json";
+
+std::vector<std::string> simulated(std::vector<std::string> words, const std::string& fleet = DEMO)
+{
+    words.insert(words.begin(), {"--simulate", fleet});
+    return words;
+}
+
+std::vector<std::string> linesOf(const std::string& text)
+{
+    std::vector<std::string> lines;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = std::min(text.find('\n', start), text.size());
+        lines.push_back(text.substr(start, end - start));
+        start = end + 1;
+    }
+    return lines;
+}
+
+TEST(Program, ListsTheFleetAndMarksItAsSimulated)
+{
+    const ProgramResult result = runProgram(simulated({"list"}));
+    EXPECT_EQ(result.m_ExitCode, 0) << result.m_Errors;
+    const std::vector<std::string> lines = linesOf(result.m_Output);
+    ASSERT_EQ(lines.size(), 9U);
+    EXPECT_EQ(lines[0], "Simulated fleet: " + DEMO);
+    EXPECT_THAT(lines[1], StartsWith("Device   Vendor   Model"));
+    EXPECT_THAT(lines[3],
+                AllOf(HasSubstr("PHKS7500004Z375AGN"), HasSubstr("41 \u00b0C"), HasSubstr("Degraded")));
+    EXPECT_THAT(lines[7], AllOf(StartsWith("nvme5n1  -  "), HasSubstr("1.00 GiB"), HasSubstr("Healthy")));
+    EXPECT_THAT(lines[8],
+                HasSubstr("Critical: Temperature outside its limits; Available spare below its threshold; "
+                          "Reliability degraded; Media is read-only"));
+    EXPECT_THAT(result.m_Output, Not(HasSubstr("\033")));
+}
+
+TEST(Program, KeepsThePluginsConsoleLineOutOfTheResults)
+{
+    const ProgramResult result = runProgram(simulated({"list"}));
+    EXPECT_THAT(result.m_Output, Not(HasSubstr("adapter count")));
+    EXPECT_EQ(result.m_Errors, "Ostrel:  Initialize:  adapter count is 7\n");
+}
+
+TEST(Program, ListsAsJson)
+{
+    const ProgramResult result = runProgram(simulated({"list", "--json"}));
+    EXPECT_EQ(result.m_ExitCode, 0);
+    const json document = json::parse(result.m_Output);
+    EXPECT_EQ(document["simulated"], true);
+    ASSERT_EQ(document["drives"].size(), 7U);
+    const json& intel = document["drives"][0];
+    EXPECT_EQ(intel["device"], "/dev/nvme0n1");
+    EXPECT_EQ(intel["vendor"], "INTEL");
+    EXPECT_EQ(intel["model"], "SSDPE2KX020T8");
+    EXPECT_EQ(intel["capacityMiB"], 2000398934016ULL >> 20U);
+    EXPECT_EQ(intel["temperature"], 36.0);
+    EXPECT_EQ(intel["pciAddress"], "0000:01:00.0");
+    EXPECT_EQ(intel["powerOnHours"], 21930);
+    EXPECT_EQ(intel["driverVersion"], "1.0");
+    EXPECT_FALSE(intel.contains("reasons"));
+    EXPECT_FALSE(document["drives"][5].contains("vendor"));
+    EXPECT_EQ(document["drives"][6]["reasonCodes"], json({40459, 40460, 40487, 40452}));
+    EXPECT_EQ(document["drives"][6]["healthCode"], 40095);
+}
+
+TEST(Program, ShowsTheTopologyAsJson)
+{
+    const ProgramResult result = runProgram(simulated({"topology", "--json"}));
+    EXPECT_EQ(result.m_ExitCode, 0);
+    const json document = json::parse(result.m_Output);
+    EXPECT_EQ(document["simulated"], true);
+    const json& objects = document["objects"];
+    ASSERT_EQ(objects.size(), 15U);
+    EXPECT_EQ(objects[0]["id"], "0x0139000000000000");
+    EXPECT_EQ(objects[0]["type"], 19006);
+    EXPECT_EQ(objects[0]["children"].size(), 7U);
+    EXPECT_EQ(objects[0]["operations"], json::parse(R"([{"id": 50002}])"));
+    EXPECT_EQ(objects[1]["type"], 19038);
+    EXPECT_EQ(objects[1]["parents"], json::parse(R"(["0x0139000000000000"])"));
+    EXPECT_EQ(objects[8]["type"], 19018);
+    EXPECT_EQ(objects[8]["parents"][0], objects[1]["id"]);
+    const json& interval = objects[0]["properties"][4];
+    EXPECT_EQ(interval, json::parse(R"({"id": 30005, "caption": "Poll interval", "value": 30, "text": "30 s",
+        "unit": 21007, "unitText": "s", "settable": true, "minimum": 2, "maximum": 255, "step": 1})"));
+}
+
+TEST(Program, ShowsTheTopologyAsATree)
+{
+    const ProgramResult result = runProgram(simulated({"topology"}));
+    EXPECT_EQ(result.m_ExitCode, 0);
+    EXPECT_THAT(result.m_Output,
+                StartsWith("Simulated fleet: " + DEMO + "\nPlug-in NVMe-Plugin  0x0139000000000000\n"));
+    EXPECT_THAT(result.m_Output, HasSubstr("\n  Adapter MICRON MTFDKCC1T9TFR  0x"));
+    EXPECT_THAT(result.m_Output, HasSubstr("\n    Physical drive MICRON 7450 MTFDKCC1T9TFR  0x"));
+    EXPECT_THAT(result.m_Output, HasSubstr("\n    Physical drive Intel SSD DC P4510 SSDPE2KX020T8  0x"));
+}
+
+TEST(Program, ShowsObjectsAndProperties)
+{
+    EXPECT_EQ(runProgram(simulated({"show", "nvme2n1", "Temperature"})).m_Output,
+              "Simulated fleet: " + DEMO + "\n33 \u00b0C\n");
+    EXPECT_EQ(json::parse(runProgram(simulated({"show", "DEMO-0006", "30059", "--json"})).m_Output)["value"],
+              1024);
+    const json both = json::parse(runProgram(simulated({"show", "/dev/nvme0n1", "--json"})).m_Output);
+    EXPECT_EQ(both["objects"].size(), 2U);
+    const json one =
+        json::parse(runProgram(simulated({"show", "PCI:Bus=1&Device=0&Function=0&ID=0", "--json"})).m_Output);
+    ASSERT_EQ(one["objects"].size(), 1U);
+    EXPECT_EQ(one["objects"][0]["type"], 19018);
+    EXPECT_THAT(runProgram(simulated({"show", "0x0139000000000000"})).m_Output,
+                HasSubstr("Poll interval  30 s\n"));
+}
+
+TEST(Program, SaysWhatThereIsWhenANameIsUnknown)
+{
+    const ProgramResult object = runProgram(simulated({"show", "nvme99n1"}));
+    EXPECT_EQ(object.m_ExitCode, 2);
+    EXPECT_THAT(object.m_Output, IsEmpty());
+    EXPECT_THAT(object.m_Errors, AllOf(HasSubstr("There is no object \"nvme99n1\""), HasSubstr("DEMO-0006")));
+    const ProgramResult property = runProgram(simulated({"show", "nvme0n1", "colour", "--json"}));
+    EXPECT_EQ(property.m_ExitCode, 2);
+    EXPECT_THAT(json::parse(property.m_Output)["error"]["message"].get<std::string>(),
+                HasSubstr("30017  Health status"));
+}
+
+TEST(Program, ReportsMissingHardwareWithItsRequest)
+{
+    const HostTest::TemporaryFolder folder;
+    const std::string fleet = folder.write("empty.json", R"({"controllers": []})");
+    const ProgramResult text = runProgram(simulated({"list"}, fleet));
+    EXPECT_EQ(text.m_ExitCode, 3);
+    EXPECT_THAT(text.m_Output, IsEmpty());
+    EXPECT_THAT(text.m_Errors,
+                HasSubstr("request 1 (Initialize) failed with 20001 ERR_NO_SUPPORTED_HARDWARE"));
+    const ProgramResult document = runProgram(simulated({"--json", "topology"}, fleet));
+    EXPECT_EQ(document.m_ExitCode, 3);
+    const json error = json::parse(document.m_Output)["error"];
+    EXPECT_EQ(error["request"], 1);
+    EXPECT_EQ(error["code"], 20001);
+    EXPECT_EQ(error["name"], "ERR_NO_SUPPORTED_HARDWARE");
+    EXPECT_TRUE(error["message"].is_string());
+}
+
+TEST(Program, ReportsAFailedRequest)
+{
+    const ProgramResult result =
+        runProgram(simulated({"list", "--json", "--plugin", OSTREL_REFUSING_PLUGIN}));
+    EXPECT_EQ(result.m_ExitCode, 1);
+    EXPECT_EQ(json::parse(result.m_Output)["error"]["request"], 4);
+    EXPECT_EQ(json::parse(result.m_Output)["error"]["name"], "ERR_GENERAL_FAILURE");
+    EXPECT_THAT(result.m_Errors, HasSubstr("request 4 (GetTopology) failed with 20000 ERR_GENERAL_FAILURE"));
+}
+
+TEST(Program, ReportsAModelThatThePluginCannotCutAsAFailedRequest)
+{
+    const HostTest::TemporaryFolder folder;
+    const std::string fleet = folder.write(
+        "fleet.json",
+        R"({"controllers": [{"identify": {"vendorId": "0x8086", "model": "INTEL", "serial": "S"}}]})");
+    EXPECT_EQ(runProgram(simulated({"list"}, fleet)).m_ExitCode, 1);
+}
+
+TEST(Program, RefusesAPluginOfAnotherVersion)
+{
+    const ProgramResult result = runProgram({"list", "--plugin", OSTREL_WRONG_VERSION_PLUGIN});
+    EXPECT_EQ(result.m_ExitCode, 1);
+    EXPECT_THAT(result.m_Errors, HasSubstr("speaks interface version 3, this program version 2"));
+}
+
+TEST(Program, RefusesWrongUsage)
+{
+    EXPECT_EQ(runProgram({}).m_ExitCode, 2);
+    EXPECT_EQ(runProgram({"lst"}).m_ExitCode, 2);
+    const ProgramResult document = runProgram({"lst", "--json"});
+    EXPECT_EQ(document.m_ExitCode, 2);
+    EXPECT_TRUE(json::parse(document.m_Output)["error"].contains("message"));
+    EXPECT_FALSE(json::parse(document.m_Output)["error"].contains("request"));
+}
+
+TEST(Program, RefusesAWrongFleetFile)
+{
+    const HostTest::TemporaryFolder folder;
+    const std::string fleet =
+        folder.write("fleet.json", R"({"controllers": [{"health": {"temprature": 3}}]})");
+    for (const char* command : {"list", "doctor"}) {
+        const ProgramResult result = runProgram(simulated({command}, fleet));
+        EXPECT_EQ(result.m_ExitCode, 2);
+        EXPECT_THAT(result.m_Output, IsEmpty());
+        EXPECT_THAT(result.m_Errors, AllOf(HasSubstr(fleet), HasSubstr("/controllers/0/health/temprature")));
+    }
+}
+
+TEST(Program, PrintsHelpAndVersionToStandardOutput)
+{
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"--help"},
+                                                  {"list", "--help"},
+                                                  {"topology", "--help"},
+                                                  {"show", "--help"},
+                                                  {"doctor", "--help"}}) {
+        const ProgramResult result = runProgram(words);
+        EXPECT_EQ(result.m_ExitCode, 0);
+        EXPECT_THAT(result.m_Output, AllOf(HasSubstr("Usage: ostrel"), HasSubstr("Examples:")));
+        EXPECT_THAT(result.m_Errors, IsEmpty());
+    }
+    EXPECT_EQ(runProgram({"--version"}).m_Output, "ostrel 7.16.3\n");
+}
+
+TEST(Program, TracesToStandardErrorOrAFile)
+{
+    const ProgramResult traced = runProgram(simulated({"list", "--trace", "0x2"}));
+    EXPECT_THAT(traced.m_Errors, HasSubstr("ENTER Initialize()"));
+    EXPECT_THAT(traced.m_Output, Not(HasSubstr("ENTER")));
+
+    const HostTest::TemporaryFolder folder;
+    const std::filesystem::path file = folder.path() / "trace.log";
+    const ProgramResult filed = runProgram(simulated({"list", "--trace", "2", "--trace-file", file}));
+    EXPECT_THAT(filed.m_Errors, Not(HasSubstr("ENTER")));
+    std::ifstream stream(file);
+    const std::string text((std::istreambuf_iterator<char>(stream)), {});
+    EXPECT_THAT(text, HasSubstr("LEAVE GetTopology"));
+
+    const ProgramResult refused =
+        runProgram(simulated({"list", "--trace", "2", "--trace-file", folder.path() / "no" / "trace.log"}));
+    EXPECT_EQ(refused.m_ExitCode, 2);
+    EXPECT_THAT(refused.m_Errors, HasSubstr("trace.log cannot be written: No such file or directory"));
+}
+
+TEST(Program, ReadsSettingsFromTheDataFolderAndLeavesNothingBehind)
+{
+    const HostTest::TemporaryFolder folder;
+    const HostTest::TemporaryFolder home;
+    folder.write("Ostrel.ini", "PollInterval=45\n");
+    const HostTest::Environment environment = {{"HOME", home.path()},
+                                               {"XDG_STATE_HOME", home.path() / "state"}};
+    EXPECT_THAT(runProgram(simulated({"show", "plugin", "Poll interval", "--data", folder.path()})).m_Output,
+                HasSubstr("45 s"));
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"list"}, {"topology"}, {"show", "plugin"}, {"doctor"}})
+        EXPECT_EQ(runProgram(simulated(words), environment).m_ExitCode, 0);
+    EXPECT_TRUE(std::filesystem::is_empty(home.path()));
+}
+
+TEST(Program, SaysWhenResultsCannotBeWritten)
+{
+    const std::string command = std::string(OSTREL_PROGRAM) + " --version >/dev/full 2>/dev/null";
+    const int status = std::system(command.c_str());
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+}
+
+TEST(Doctor, FindsNothingWrongWithTheDemonstration)
+{
+    const ProgramResult result = runProgram(simulated({"doctor"}));
+    EXPECT_EQ(result.m_ExitCode, 0) << result.m_Output;
+    EXPECT_THAT(result.m_Output, StartsWith("Simulated fleet: "));
+    EXPECT_THAT(result.m_Output, HasSubstr("OK       plug-in: "));
+    EXPECT_THAT(result.m_Output, HasSubstr("OK       inventory: 7 adapters, 15 objects\n"));
+    EXPECT_THAT(result.m_Output, Not(HasSubstr("PROBLEM")));
+}
+
+TEST(Doctor, WorksWithoutDrivesAndWithoutAPlugin)
+{
+    const HostTest::TemporaryFolder folder;
+    const std::string fleet = folder.write("empty.json", R"({"controllers": []})");
+    const ProgramResult empty = runProgram(simulated({"doctor", "--json"}, fleet));
+    EXPECT_EQ(empty.m_ExitCode, 3);
+    EXPECT_EQ(json::parse(empty.m_Output)["simulated"], true);
+    EXPECT_EQ(json::parse(empty.m_Output)["checks"].back()["subject"], "controllers");
+    EXPECT_EQ(json::parse(empty.m_Output)["checks"].back()["result"], "problem");
+
+    const ProgramResult broken = runProgram(simulated({"doctor", "--plugin", "/no/such.so"}));
+    EXPECT_EQ(broken.m_ExitCode, 1);
+    EXPECT_THAT(broken.m_Output,
+                AllOf(HasSubstr("PROBLEM  plug-in: "), HasSubstr("OK       /dev/nvme0n1: ")));
+}
+
+TEST(Doctor, NamesDrivesThatDoNotAnswerOrAnswerNonsense)
+{
+    const HostTest::TemporaryFolder folder;
+    const std::string fleet = folder.write("fleet.json", R"({"controllers": [
+        {"location": "0000:01:00.0"},
+        {"location": "0000:02:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "S"}},
+        {"location": "0000:03:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "T"},
+         "namespace": {"blocks": 0}, "health": {"temperature": 20}}]})");
+    const ProgramResult result = runProgram(simulated({"doctor"}, fleet));
+    EXPECT_EQ(result.m_ExitCode, 1);
+    EXPECT_THAT(
+        result.m_Output,
+        AllOf(HasSubstr("PROBLEM  /dev/nvme0n1: does not say what it is: the drive answered with status"),
+              HasSubstr("NOTE     /dev/nvme1n1: sits at 0000:02:00.0, but is shown at PCI:Bus=1&"),
+              HasSubstr("NOTE     numbers: "), HasSubstr("PROBLEM  nvme1n1: its namespace was not read"),
+              HasSubstr("PROBLEM  nvme1n1: its health log was not read (the drive answered with status"),
+              HasSubstr("NOTE     nvme2n1: its namespace holds no blocks")));
+}
+
+TEST(Terminal, ListFitsItsColumnsAndIsColoured)
+{
+    for (const unsigned columns : {80U, 60U}) {
+        const ProgramResult result = runOnTerminal(simulated({"list"}), columns);
+        EXPECT_EQ(result.m_ExitCode, 0);
+        EXPECT_THAT(result.m_Output, HasSubstr("\033[32mHealthy\033[0m"));
+        EXPECT_THAT(result.m_Output, HasSubstr("\u2026"));
+        EXPECT_THAT(result.m_Output, Not(HasSubstr("adapter count")));
+        const ProgramResult plain =
+            runOnTerminal(simulated({"list"}), columns, {{"TERM", "xterm"}, {"NO_COLOR", "1"}});
+        const std::vector<std::string> lines = linesOf(plain.m_Output);
+        ASSERT_GT(lines.size(), 9U);
+        for (std::size_t i = 1; i < lines.size(); ++i)
+            EXPECT_LE(Host::displayWidth(lines[i]), columns) << lines[i];
+    }
+}
+
+TEST(Terminal, HasNoColourWhereNoneIsWanted)
+{
+    using HostTest::Environment;
+    for (const Environment& environment :
+         {Environment{{"TERM", "xterm"}, {"NO_COLOR", "1"}}, Environment{{"TERM", "dumb"}}, Environment{}}) {
+        const ProgramResult result = runOnTerminal(simulated({"list"}), 80, environment);
+        EXPECT_THAT(result.m_Output, Not(HasSubstr("\033")));
+        EXPECT_THAT(result.m_Output, HasSubstr("Critical"));
+    }
+    EXPECT_THAT(runOnTerminal(simulated({"list"}), 80, {{"TERM", "xterm"}, {"NO_COLOR", ""}}).m_Output,
+                HasSubstr("\033[32m"));
+}
+
+TEST(Terminal, JsonIsTheSameAsInAPipe)
+{
+    EXPECT_EQ(runOnTerminal(simulated({"list", "--json"}), 80).m_Output,
+              runProgram(simulated({"list", "--json"})).m_Output);
+}
+
+TEST(Terminal, ShowsThePluginsLineWhenTracing)
+{
+    EXPECT_THAT(runOnTerminal(simulated({"list", "--trace", "1"}), 80).m_Output,
+                HasSubstr("adapter count is 7"));
+}
+
+} // namespace

@@ -1,0 +1,114 @@
+#include "Core/PluginLibrary.h"
+
+#include "Core/Failure.h"
+#include "Core/HostSetup.h"
+#include "Host/TemporaryFolder.h"
+
+namespace {
+
+using Host::ExitCode;
+using Host::PluginLibrary;
+using testing::AllOf;
+using testing::HasSubstr;
+
+template<typename Action>
+Host::Failure failureOf(const Action& action)
+{
+    try {
+        action();
+    } catch (const Host::Failure& failure) {
+        return failure;
+    }
+    return {ExitCode::Done, "nothing failed"};
+}
+
+TEST(PluginLibrary, SaysWhyAFileCannotBeLoaded)
+{
+    const Host::Failure failure = failureOf([] { PluginLibrary plugin("/no/such/plugin.so"); });
+    EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
+    EXPECT_THAT(failure.what(), AllOf(HasSubstr("/no/such/plugin.so"), HasSubstr("cannot be loaded")));
+}
+
+TEST(PluginLibrary, RefusesALibraryThatIsNoPlugin)
+{
+    EXPECT_THAT(failureOf([] { PluginLibrary plugin(OSTREL_NO_PLUGIN); }).what(),
+                HasSubstr("is no plug-in: it does not export \"createIf\""));
+}
+
+TEST(PluginLibrary, RefusesAnotherInterfaceVersion)
+{
+    const Host::Failure failure = failureOf([] { PluginLibrary plugin(OSTREL_WRONG_VERSION_PLUGIN); });
+    EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
+    EXPECT_THAT(failure.what(), HasSubstr("speaks interface version 3, this program version 2"));
+}
+
+TEST(PluginLibrary, RefusesAPluginThatCannotBeCreated)
+{
+    EXPECT_THAT(failureOf([] { PluginLibrary plugin(OSTREL_NO_MEMORY_PLUGIN); }).what(),
+                HasSubstr("could not be created: 20007 ERR_OUT_OF_MEMORY"));
+}
+
+TEST(PluginLibrary, NamesTheRequestThatFailed)
+{
+    PluginLibrary plugin(OSTREL_REFUSING_PLUGIN);
+    EXPECT_TRUE(plugin.initialize().empty());
+    const Host::Failure failure = failureOf([&] { plugin.topology(); });
+    EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
+    EXPECT_EQ(failure.result()->m_Request, 4);
+    EXPECT_EQ(failure.result()->m_Code, 20000U);
+    EXPECT_THAT(failure.what(), HasSubstr("request 4 (GetTopology) failed with 20000 ERR_GENERAL_FAILURE"));
+}
+
+class RealPluginTest : public testing::Test
+{
+protected:
+    std::unique_ptr<Host::HostSetup> setupOf(const std::string& fleet)
+    {
+        return std::make_unique<Host::HostSetup>(Host::HostFolders{OSTREL_SHARE, m_Folder.path()},
+                                                 Host::TraceOptions{}, m_Folder.write("fleet.json", fleet),
+                                                 [](const std::string&) { ADD_FAILURE(); });
+    }
+
+    HostTest::TemporaryFolder m_Folder;
+};
+
+TEST_F(RealPluginTest, AnswersWithTheFleetInPlaceOfTheMachine)
+{
+    const auto setup = setupOf(R"({"controllers": [{"location": "0000:05:00.0",
+        "identify": {"vendorId": 1, "model": "M", "serial": "SER"}, "namespace": {"blocks": 4096},
+        "health": {"temperature": 30}}]})");
+    PluginLibrary plugin(OSTREL_PLUGIN);
+    EXPECT_EQ(plugin.version(), 2U);
+    EXPECT_EQ(plugin.module(), 313U);
+    const std::vector<PI::CAdapterID> adapters = plugin.initialize();
+    ASSERT_EQ(adapters.size(), 1U);
+    EXPECT_EQ(adapters[0].m_Bus, 5U);
+    EXPECT_EQ(plugin.topology().size(), 3U);
+}
+
+TEST_F(RealPluginTest, AnEmptyFleetIsNoHardware)
+{
+    const auto setup = setupOf(R"({"controllers": []})");
+    PluginLibrary plugin(OSTREL_PLUGIN);
+    const Host::Failure failure = failureOf([&] { plugin.initialize(); });
+    EXPECT_EQ(failure.exitCode(), ExitCode::NoHardware);
+    EXPECT_THAT(failure.what(),
+                HasSubstr("request 1 (Initialize) failed with 20001 ERR_NO_SUPPORTED_HARDWARE"));
+}
+
+TEST_F(RealPluginTest, TheMachineIsBackWithTheSetupGone)
+{
+    setupOf(R"({"controllers": []})");
+    EXPECT_EQ(TLXX::deviceBackend(), nullptr);
+}
+
+TEST(RequestName, CoversEveryRequest)
+{
+    EXPECT_EQ(Host::requestName(1), "Initialize");
+    EXPECT_EQ(Host::requestName(4), "GetTopology");
+    EXPECT_EQ(Host::requestName(10), "ExecuteOperation");
+    EXPECT_EQ(Host::requestName(0), "unknown");
+    EXPECT_EQ(Host::requestName(11), "unknown");
+}
+
+} // namespace

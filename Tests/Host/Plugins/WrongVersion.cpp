@@ -1,0 +1,27 @@
+#include <PI/ErrorCode.h>
+#include <PI/IPluginApi.h>
+
+namespace {
+
+class Plugin : public IPLUGINAPI
+{
+public:
+    Plugin() { m_Version = VERSION + 1; }
+    std::uint32_t Request(std::int32_t, std::uint64_t, PI::CRequestData&) override { return PI::ERR_SUCCESS; }
+};
+
+// A host that finds another version leaves the object alone, so nobody would free one on the heap.
+Plugin g_Plugin;
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) std::uint32_t createIf(IPLUGINAPI** plugin)
+{
+    *plugin = &g_Plugin;
+    return PI::ERR_SUCCESS;
+}
+
+extern "C" __attribute__((visibility("default"))) void releaseIf(IPLUGINAPI** plugin)
+{
+    *plugin = nullptr;
+}

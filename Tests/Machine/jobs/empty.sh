@@ -1,0 +1,3 @@
+run list list
+run list-json list --json
+run doctor doctor --json

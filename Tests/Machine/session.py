@@ -1,0 +1,21 @@
+"""What all tests of one run share: the tree under test, where logs go, and the kernel."""
+
+import pathlib
+
+import kernel
+from guest import HERE, Guest
+
+tree = None
+work = None
+
+
+def job(name):
+    """The text of a job, with what all jobs begin with."""
+    return "".join((HERE / "jobs" / f"{each}.sh").read_text() for each in ("collect", name))
+
+
+def boot(name, fleet=(), later=(), options=()):
+    """A guest with ostrel that runs the job of that name."""
+    image = kernel.fetch(pathlib.Path(work) / "kernel")
+    print(f"Booting the guest '{name}' with {len(fleet)} controllers ...", flush=True)
+    return Guest(image, job(name), pathlib.Path(work) / name, fleet, later, tree, options)

@@ -1,0 +1,169 @@
+#include "Support/FakeDrives.h"
+#include "Support/PluginUnderTest.h"
+#include "Support/TraceCapture.h"
+
+#include <PI/ErrorCode.h>
+#include <TLX/WaitResult.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <future>
+#include <string>
+#include <vector>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using TestSupport::CCapturedLine;
+using TestSupport::CFakeDrive;
+using TestSupport::CPluginUnderTest;
+using TestSupport::CTraceCapture;
+
+constexpr std::uint64_t MODULE = 0x0139'0000'0000'0000;
+
+class Topology : public testing::Test
+{
+public:
+    void Initialize()
+    {
+        PI::CRequestData data = std::vector<PI::CAdapterID>();
+        testing::internal::CaptureStdout();
+        const std::uint32_t result = m_Api.Request(PI::REQUEST_INITIALIZE, 0, data);
+        testing::internal::GetCapturedStdout();
+        ASSERT_EQ(result, PI::ERR_SUCCESS);
+    }
+
+    /** Request 4 with a list that is not empty, as a host that asks again may hand it in. */
+    std::uint32_t Get()
+    {
+        PI::CRequestData data = std::vector<PI::CObject>(3);
+        const std::uint32_t result = m_Api.Request(PI::REQUEST_GET_TOPOLOGY, 0, data);
+        m_Objects = std::get<std::vector<PI::CObject>>(data);
+        return result;
+    }
+
+    TestSupport::CFakeDrives m_Drives;
+    CPluginUnderTest m_Api;
+    std::vector<PI::CObject> m_Objects;
+};
+
+class TopologyTrace : public Topology, public testing::WithParamInterface<std::uint32_t>
+{};
+
+} // namespace
+
+TEST_F(Topology, WithoutAdaptersAndDrivesIsThePluginAlone)
+{
+    EXPECT_EQ(Get(), PI::ERR_SUCCESS);
+    ASSERT_EQ(m_Objects.size(), 1U);
+    EXPECT_EQ(m_Objects[0].m_Properties.size(), 5U);
+    EXPECT_EQ(m_Objects[0].m_Operations.size(), 1U);
+}
+
+TEST_F(Topology, ListsThePluginThenTheAdaptersThenTheDrives)
+{
+    m_Drives.Add(CFakeDrive(0));
+    m_Drives.Add(CFakeDrive(1));
+    Initialize();
+    EXPECT_EQ(Get(), PI::ERR_SUCCESS);
+    ASSERT_EQ(m_Objects.size(), 5U);
+    std::vector<std::uint32_t> types;
+    std::vector<std::uint64_t> ids;
+    for (const PI::CObject& object : m_Objects) {
+        types.push_back(object.m_Type);
+        ids.push_back(object.m_ID);
+        EXPECT_THAT(object.m_Properties, Not(IsEmpty()));
+    }
+    EXPECT_THAT(types, ElementsAre(19006U, 19038U, 19038U, 19018U, 19018U));
+    EXPECT_THAT(ids, ElementsAre(MODULE, MODULE | 1U, MODULE | 3U, MODULE | 2U, MODULE | 4U));
+
+    EXPECT_THAT(m_Objects[0].m_Children, ElementsAre(ids[1], ids[2]));
+    EXPECT_THAT(m_Objects[1].m_Parents, ElementsAre(ids[0]));
+    EXPECT_THAT(m_Objects[1].m_Children, ElementsAre(ids[3]));
+    EXPECT_THAT(m_Objects[3].m_Parents, ElementsAre(ids[1]));
+    EXPECT_THAT(m_Objects[4].m_Parents, ElementsAre(ids[2]));
+}
+
+TEST_F(Topology, OffersOperationsOnThePluginAlone)
+{
+    m_Drives.Add(CFakeDrive(0));
+    Initialize();
+    ASSERT_EQ(Get(), PI::ERR_SUCCESS);
+    ASSERT_EQ(m_Objects.size(), 3U);
+    ASSERT_EQ(m_Objects[0].m_Operations.size(), 1U);
+    EXPECT_EQ(m_Objects[0].m_Operations[0].Id(), 50002U);
+    EXPECT_THAT(m_Objects[1].m_Operations, IsEmpty());
+    EXPECT_THAT(m_Objects[2].m_Operations, IsEmpty());
+}
+
+TEST_F(Topology, IsTheSameWhenAskedAgain)
+{
+    m_Drives.Add(CFakeDrive(0));
+    Initialize();
+    ASSERT_EQ(Get(), PI::ERR_SUCCESS);
+    const std::vector<PI::CObject> first = m_Objects;
+    ASSERT_EQ(Get(), PI::ERR_SUCCESS);
+    ASSERT_EQ(m_Objects.size(), first.size());
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        EXPECT_EQ(m_Objects[i].m_ID, first[i].m_ID);
+        EXPECT_EQ(m_Objects[i].m_Properties.size(), first[i].m_Properties.size());
+        EXPECT_EQ(m_Objects[i].m_Operations.size(), first[i].m_Operations.size());
+    }
+}
+
+TEST_F(Topology, AModelThatIsNothingButAMakerIsAGeneralFailureAndThePluginLivesOn)
+{
+    m_Drives.Add(CFakeDrive(0).Vendor(0x8086).Model("INTEL"));
+    Initialize();
+    EXPECT_EQ(Get(), PI::ERR_GENERAL_FAILURE);
+    EXPECT_THAT(m_Objects, IsEmpty());
+
+    const std::uint32_t lock = std::async(std::launch::async, [this] {
+                                   const std::uint32_t result = m_Api.m_DataLock.Wait(0);
+                                   if (result == TLX::Threading::WaitResult::Taken)
+                                       m_Api.m_DataLock.Release();
+                                   return result;
+                               }).get();
+    EXPECT_EQ(lock, TLX::Threading::WaitResult::Taken) << "the failure must not keep the lock";
+
+    m_Api.m_Adapters[0].m_Model = "INTEL SSDPE2KX010T8";
+    m_Api.m_PhysicalDrives[0].m_Model = "INTEL SSDPE2KX010T8";
+    EXPECT_EQ(Get(), PI::ERR_SUCCESS);
+    EXPECT_EQ(m_Objects.size(), 3U);
+}
+
+TEST_P(TopologyTrace, ShowsTheLinesOfTheMaskInTheirOrder)
+{
+    m_Drives.Add(CFakeDrive(0));
+    m_Drives.Add(CFakeDrive(1));
+    Initialize();
+    const std::string unit = "Ostrel/Src/Ostrel";
+    const std::string function = "NAMESPACE_Ostrel::IPLUGINAPI_IMPL::GetTopology";
+    const std::vector<CCapturedLine> all = {
+        {2, unit, function, "ENTER GetTopology"},
+        {8, unit, function, "Before m_DataLock.Wait (sg)"},
+        {8, unit, function, "After m_DataLock.Wait (sg)"},
+        {4, unit, function, "GetTopology() Adapter m_ID=0x139000000000001"},
+        {4, unit, function, "GetTopology() Adapter m_ID=0x139000000000003"},
+        {4, unit, function, "GetTopology() m_Adapters = 2"},
+        {4, unit, function, "GetTopology() PhysicalDrive m_ID=0x139000000000002"},
+        {4, unit, function, "GetTopology() PhysicalDrive m_ID=0x139000000000004"},
+        {4, unit, function, "GetTopology() m_PhysicalDrives = 2"},
+        {2, unit, function, "LEAVE GetTopology"},
+    };
+    std::vector<CCapturedLine> shown;
+    for (const CCapturedLine& line : all)
+        if ((line.m_Level & GetParam()) != 0)
+            shown.push_back(line);
+
+    const CTraceCapture capture(GetParam());
+    ASSERT_EQ(Get(), PI::ERR_SUCCESS);
+    std::vector<CCapturedLine> own = capture.Lines();
+    std::erase_if(own, [&](const CCapturedLine& line) { return line.m_Function != function; });
+    EXPECT_EQ(own, shown);
+}
+
+INSTANTIATE_TEST_SUITE_P(Masks, TopologyTrace, testing::Values(0U, 2U, 4U, 8U, 16U, ~0U));

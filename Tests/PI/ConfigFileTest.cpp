@@ -1,0 +1,166 @@
+#include "TempFolder.h"
+
+#include <PI/ConfigFile.h>
+#include <PI/ErrorCode.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace {
+
+constexpr std::uint32_t FAILURE = 20000;
+
+struct ConfigFileTest : testing::Test
+{
+    /** The value of "PollInterval" in a file of this content, or "<failed>" when reading gives 20000. */
+    std::string Read(std::string_view content)
+    {
+        m_Folder.Write("Test.ini", content);
+        return ReadKey("Test.ini", "PollInterval");
+    }
+
+    std::string ReadKey(const std::string& file, const std::string& key)
+    {
+        PI::CConfigFile::SetFolder(m_Folder.Path().string());
+        PI::CConfigFile config;
+        config.SetFileName(file);
+        std::string value = "untouched";
+        const auto result = config.ReadKeyValue(key, value, -1, -1);
+        if (result == 0) {
+            return value;
+        }
+        EXPECT_EQ(result, FAILURE);
+        EXPECT_EQ(value, "untouched");
+        return "<failed>";
+    }
+
+    TempFolder m_Folder;
+};
+
+TEST_F(ConfigFileTest, ReadsAValue)
+{
+    EXPECT_EQ(Read("PollInterval=45\n"), "45");
+    EXPECT_EQ(Read("Other=1\nPollInterval=45\nMore=2\n"), "45");
+    EXPECT_EQ(Read("PollInterval=45"), "45");
+}
+
+TEST_F(ConfigFileTest, KeepsBlanksOfTheValue)
+{
+    EXPECT_EQ(Read("PollInterval=45 \n"), "45 ");
+    EXPECT_EQ(Read("PollInterval=45\t \n"), "45\t ");
+    EXPECT_EQ(Read("PollInterval= 45\n"), " 45");
+    EXPECT_EQ(Read("PollInterval=a=b\n"), "a=b");
+    EXPECT_EQ(Read("PollInterval=45;60\n"), "45;60");
+}
+
+TEST_F(ConfigFileTest, DropsOneCarriageReturn)
+{
+    EXPECT_EQ(Read("PollInterval=45\r\n"), "45");
+    EXPECT_EQ(Read("PollInterval=45 \r\n"), "45 ");
+    EXPECT_EQ(Read("PollInterval=45\r\r\n"), "45\r");
+    EXPECT_EQ(Read("PollInterval=45\r"), "45");
+    EXPECT_EQ(Read("PollInterval=\r\n"), "");
+}
+
+TEST_F(ConfigFileTest, DropsBlanksAroundTheKey)
+{
+    EXPECT_EQ(Read(" \tPollInterval \t=45\n"), "45");
+    EXPECT_EQ(Read("Poll Interval=45\n"), "<failed>");
+}
+
+TEST_F(ConfigFileTest, PassesOverCommentsAndHeadings)
+{
+    EXPECT_EQ(Read(";PollInterval=1\n#PollInterval=2\n[PollInterval=3]\n\nnothing\nPollInterval=45\n"), "45");
+    EXPECT_EQ(Read(";PollInterval=1\n"), "<failed>");
+    m_Folder.Write("Marks.ini", " ;a=1\n#b=2\n[c=3]\n=4\n");
+    EXPECT_EQ(ReadKey("Marks.ini", ";a"), "<failed>");
+    EXPECT_EQ(ReadKey("Marks.ini", "#b"), "<failed>");
+    EXPECT_EQ(ReadKey("Marks.ini", "[c"), "<failed>");
+    EXPECT_EQ(ReadKey("Marks.ini", ""), "<failed>");
+}
+
+TEST_F(ConfigFileTest, TheFirstLineOfAKeyCounts)
+{
+    EXPECT_EQ(Read("[a]\nPollInterval=45\n[b]\nPollInterval=60\n"), "45");
+}
+
+TEST_F(ConfigFileTest, KeysMustMatchWhole)
+{
+    EXPECT_EQ(Read("PollIntervals=45\nPoll=4\npollinterval=5\n"), "<failed>");
+}
+
+TEST_F(ConfigFileTest, AnEmptyValueIsAValue)
+{
+    EXPECT_EQ(Read("PollInterval=\n"), "");
+    EXPECT_EQ(Read("PollInterval="), "");
+}
+
+TEST_F(ConfigFileTest, ALineWithoutEqualsSignHasNoValue)
+{
+    EXPECT_EQ(Read("PollInterval\n"), "<failed>");
+    EXPECT_EQ(Read("PollInterval 45\n"), "<failed>");
+}
+
+TEST_F(ConfigFileTest, ToleratesAByteOrderMark)
+{
+    EXPECT_EQ(Read("\xEF\xBB\xBFPollInterval=45\n"), "45");
+    EXPECT_EQ(Read("\xEF\xBB\xBF;PollInterval=45\n"), "<failed>");
+}
+
+TEST_F(ConfigFileTest, AnEmptyFileHasNoKeys)
+{
+    EXPECT_EQ(Read(""), "<failed>");
+    EXPECT_EQ(Read("\xEF\xBB\xBF"), "<failed>");
+}
+
+TEST_F(ConfigFileTest, ATornFileFails)
+{
+    EXPECT_EQ(Read(std::string_view("PollInterval=45\n\0\0\0\0", 20)), "<failed>");
+    EXPECT_EQ(Read("PollInter"), "<failed>");
+}
+
+TEST_F(ConfigFileTest, AMissingOrUnreadableFileFails)
+{
+    EXPECT_EQ(ReadKey("Missing.ini", "PollInterval"), "<failed>");
+    std::filesystem::create_directory(m_Folder.Path() / "Folder.ini");
+    EXPECT_EQ(ReadKey("Folder.ini", "PollInterval"), "<failed>");
+    EXPECT_EQ(ReadKey("", "PollInterval"), "<failed>");
+}
+
+TEST_F(ConfigFileTest, AnAbsoluteNameStandsForItself)
+{
+    const TempFolder other;
+    const auto file = other.Write("Other.ini", "PollInterval=50\n");
+    EXPECT_EQ(ReadKey(file.string(), "PollInterval"), "50");
+}
+
+TEST_F(ConfigFileTest, ThereIsNoSectionButTheWholeFile)
+{
+    m_Folder.Write("Test.ini", "PollInterval=45\n");
+    PI::CConfigFile::SetFolder(m_Folder.Path().string());
+    PI::CConfigFile config;
+    config.SetFileName("Test.ini");
+    std::string value = "untouched";
+    EXPECT_EQ(config.ReadKeyValue("PollInterval", value, 0, -1), FAILURE);
+    EXPECT_EQ(config.ReadKeyValue("PollInterval", value, -1, 0), FAILURE);
+    EXPECT_EQ(value, "untouched");
+    EXPECT_EQ(config.ReadKeyValue("PollInterval", value, -1, -1), 0U);
+    EXPECT_EQ(value, "45");
+}
+
+TEST_F(ConfigFileTest, ReadsBigFilesAndLongLines)
+{
+    std::string content(100000, 'x');
+    content += "\n";
+    for (int line = 0; line < 10000; ++line) {
+        content += "Key" + std::to_string(line) + "=value\n";
+    }
+    content += "PollInterval=45\n";
+    EXPECT_EQ(Read(content), "45");
+}
+
+} // namespace

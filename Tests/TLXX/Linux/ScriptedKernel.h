@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace TLXXTest {
+
+/** An admin command as it must reach the kernel. All that is not named here must be zero. */
+struct CExpectedCommand
+{
+    std::string m_Node;
+    std::uint8_t m_Opcode = 0;
+    std::uint32_t m_NamespaceId = 0;
+    std::uint32_t m_Word10 = 0;
+    std::uint32_t m_Length = 0;
+};
+
+/** What the kernel then does: moves the bytes and returns. */
+struct CReply
+{
+    std::vector<std::uint8_t> m_Data;
+    int m_Result = 0;
+    int m_Error = 0; ///< errno of a result below 0
+};
+
+/**
+ * Stands in the kernel's place for the NVMe nodes below /dev while it lives: this program's `open` and
+ * `ioctl` precede the C library's for every library that it loads. Nodes that were not provided do not exist.
+ * When it goes, every expected command must have come and every opened node must be closed.
+ */
+class CScriptedKernel
+{
+public:
+    CScriptedKernel();
+    ~CScriptedKernel();
+    CScriptedKernel(const CScriptedKernel&) = delete;
+    CScriptedKernel& operator=(const CScriptedKernel&) = delete;
+
+    void Provide(const std::string& node);
+    void Refuse(const std::string& node, int error);
+    /** The next command, in order; provides its node. */
+    void Expect(const CExpectedCommand& command, CReply reply);
+
+    /** -1 with errno set, or a descriptor. */
+    int Open(const std::string& node, int flags);
+    bool Owns(int descriptor);
+    int Control(int descriptor, unsigned long request, void* argument);
+
+private:
+    struct CStep
+    {
+        CExpectedCommand m_Command;
+        CReply m_Reply;
+    };
+
+    std::mutex m_Lock;
+    std::map<std::string, int> m_Nodes; ///< and the error that opening gives
+    std::map<int, std::string> m_Opened;
+    std::deque<CStep> m_Script;
+};
+
+} // namespace TLXXTest
