@@ -10,6 +10,9 @@
  */
 namespace RaidDataModels {
 
+/** The host of every row: the machine itself. */
+inline constexpr char LOCAL_HOST[] = "localhost";
+
 /** The plug-in itself. */
 struct Plugin
 {
