@@ -90,7 +90,7 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
     EXPECT_THAT(refusalOf({"list", "--simulate"}), HasSubstr("--simulate"));
     EXPECT_THAT(refusalOf({"list", "--trace", "7x"}), HasSubstr("\"7x\" is no number"));
     EXPECT_THAT(refusalOf({"list", "--trace-file", "t.log"}), HasSubstr("requires --trace"));
-    EXPECT_THAT(refusalOf({"list", "--data", "/does/not/exist"}), HasSubstr("no folder \"/does/not/exist\""));
+    EXPECT_THAT(refusalOf({"list", "--data"}), HasSubstr("--data"));
 }
 
 TEST(CommandLine, AWordForgesNoLineOfARefusal)

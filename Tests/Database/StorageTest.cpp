@@ -1,0 +1,108 @@
+#include "DatabaseFixture.h"
+
+#include <DatabaseORM/Keywords.h>
+
+#include <dlfcn.h>
+
+using namespace TestSupport;
+using DatabaseORM::condition_t;
+using RaidDataModels::PD;
+using testing::HasSubstr;
+
+namespace {
+
+class Storage : public DatabaseFixture
+{};
+
+void* foreignFunction(const char* name)
+{
+    void* const module = dlopen(OSTREL_FOREIGN_MODULE, RTLD_NOW | RTLD_LOCAL);
+    return module == nullptr ? nullptr : dlsym(module, name);
+}
+
+} // namespace
+
+TEST_F(Storage, IsSharedUntilAnotherFileIsSet)
+{
+    EXPECT_EQ(getDatabasePointer(), m_Storage);
+    const auto former = m_Storage;
+    Reopen();
+    EXPECT_NE(getDatabasePointer(), former);
+    EXPECT_EQ(getDatabasePointer(), m_Storage);
+}
+
+TEST_F(Storage, TouchesNoFileBeforeTheFirstQuery)
+{
+    EXPECT_FALSE(std::filesystem::exists(File()));
+    Query("SELECT 1");
+    EXPECT_TRUE(std::filesystem::exists(File()));
+}
+
+TEST_F(Storage, WithoutFileLivesInMemory)
+{
+    setDatabaseFile({});
+    const auto first = getDatabasePointer();
+    EXPECT_EQ(DatabaseORM::insert(*first, makeDrive("S1")), 1);
+    EXPECT_EQ(DatabaseORM::select(*first, condition_t(&PD::m_DriveKey, "S1")).size(), 1U);
+    setDatabaseFile({});
+    EXPECT_EQ(DatabaseORM::select(*getDatabasePointer(), condition_t(&PD::m_DriveKey, "S1")).size(), 0U);
+}
+
+TEST_F(Storage, TakesAnyFileNameForAName)
+{
+    const std::filesystem::path former = std::filesystem::current_path();
+    std::filesystem::current_path(Folder());
+    for (const char* name : {":memory:", "file:other?mode=memory", "Größe 'x'.db"}) {
+        setDatabaseFile(name);
+        getDatabasePointer()->m_Access->query("SELECT 1");
+        EXPECT_TRUE(std::filesystem::exists(Folder() / name)) << name;
+    }
+    std::filesystem::current_path(former);
+}
+
+TEST_F(Storage, KnowsTheThreeModels)
+{
+    EXPECT_EQ(DatabaseORM::tableName<RaidDataModels::Plugin>(*m_Storage), "Plugin");
+    EXPECT_EQ(DatabaseORM::tableName<RaidDataModels::Adapter>(*m_Storage), "Adapter");
+    EXPECT_EQ(DatabaseORM::tableName<PD>(*m_Storage), "PD");
+    EXPECT_EQ(m_Storage->m_FieldMaps.size(), 3U);
+    EXPECT_EQ(m_Storage->m_Tables.size(), 3U);
+}
+
+TEST_F(Storage, MapsMatchTheColumnsOfTheFile)
+{
+    for (std::size_t index = 0; index < m_Storage->m_Tables.size(); ++index) {
+        const DatabaseORM::tableBase_t& table = *m_Storage->m_Tables[index];
+        Values names;
+        for (const DatabaseORM::column_t& column : table.Columns())
+            names.push_back(column.m_Name);
+        EXPECT_EQ(Query("SELECT name FROM pragma_table_info('" + table.Name() + "')"), names);
+        EXPECT_EQ(m_Storage->m_FieldMaps[index]->Columns(), names.size());
+        EXPECT_EQ(m_Storage->m_FieldMaps[index]->Name(), table.Name());
+        EXPECT_EQ(names.front(), "ID");
+        EXPECT_EQ(table.Columns().back().m_Type, "TEXT");
+        EXPECT_TRUE(table.HasGeneratedKey());
+        EXPECT_FALSE(table.UsesForeignKeys());
+    }
+}
+
+TEST_F(Storage, ServesABuilderInAnotherModule)
+{
+    using StoreAndFind = void (*)(const DatabaseORM::storage_t&, const std::string&, std::string&);
+    const auto storeAndFind = reinterpret_cast<StoreAndFind>(foreignFunction("storeAndFind"));
+    ASSERT_NE(storeAndFind, nullptr);
+    const std::string key = "x');DROP TABLE PD;--";
+    std::string found;
+    storeAndFind(*m_Storage, key, found);
+    EXPECT_EQ(found, key);
+}
+
+TEST_F(Storage, ThrowsWhatAnotherModuleCatches)
+{
+    using FailAndCatch = void (*)(const DatabaseORM::storage_t&, std::string&);
+    const auto failAndCatch = reinterpret_cast<FailAndCatch>(foreignFunction("failAndCatch"));
+    ASSERT_NE(failAndCatch, nullptr);
+    std::string message;
+    failAndCatch(*m_Storage, message);
+    EXPECT_THAT(message, HasSubstr("syntax error"));
+}
