@@ -1,6 +1,7 @@
 #include "Core/DataFolder.h"
 
 #include "Core/Failure.h"
+#include "Core/Text.h"
 
 #include <Database/Database.h>
 #include <Database/Maintenance.h>
@@ -56,13 +57,13 @@ void openDataFolder(const std::filesystem::path& folder, const Warn& warn)
     if (!error && !std::filesystem::is_directory(folder, error) && !error)
         error = std::make_error_code(std::errc::not_a_directory);
     if (error)
-        throw Failure(ExitCode::WrongUsage,
-                      "The data folder " + folder.string() + " cannot be used: " + error.message() + ".");
+        throw Failure(ExitCode::WrongUsage, "The data folder " + printable(folder.string()) +
+                                                " cannot be used: " + error.message() + ".");
     setDatabaseFile(databaseFile(folder));
     try {
         PI::restoreAdapterNumbers(numbersFile(folder));
     } catch (const std::runtime_error& wrong) {
-        warn(std::string("The adapters are numbered anew: ") + wrong.what() + ".");
+        warn(std::string("The adapters are numbered anew: ") + printable(wrong.what()) + ".");
     }
 }
 
@@ -71,12 +72,14 @@ void keepInventory(const std::filesystem::path& folder, const ObjectStore& inven
     try {
         removeRowsOfOthers(inventory);
     } catch (const DBEXCEPTION::DatabaseException& exception) {
-        warn(std::string("The rows of these objects may not have been kept: ") + exception.what() + ".");
+        warn(std::string("The rows of these objects may not have been kept: ") + printable(exception.what()) +
+             ".");
     }
     try {
         PI::storeAdapterNumbers(numbersFile(folder));
     } catch (const std::runtime_error& wrong) {
-        warn(std::string("The numbers of the adapters may differ at the next run: ") + wrong.what() + ".");
+        warn(std::string("The numbers of the adapters may differ at the next run: ") +
+             printable(wrong.what()) + ".");
     }
 }
 

@@ -97,7 +97,7 @@ TEST(CommandLine, AWordForgesNoLineOfARefusal)
 {
     for (const std::vector<std::string>& words : {std::vector<std::string>{"a\nostrel: all is well"},
                                                   {"list", "a\nostrel: all is well"},
-                                                  {"list", "--data", "/a\nostrel: all is well"}})
+                                                  {"list", "--trace", "a\nostrel: all is well"}})
         EXPECT_THAT(refusalOf(words), AllOf(HasSubstr("a?ostrel: all is well"), Not(HasSubstr("\n"))));
 }
 

@@ -2,7 +2,7 @@
 
 #include "Core/Failure.h"
 #include "Host/Objects.h"
-#include "Host/TemporaryFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <Database/Database.h>
 #include <DatabaseORM/Models.h>
@@ -61,13 +61,13 @@ protected:
         return objects;
     }
 
-    HostTest::TemporaryFolder m_Folder;
+    TestSupport::CTemporaryFolder m_Folder;
     std::vector<std::string> m_Warnings;
 };
 
 TEST_F(DataFolder, IsMadeWithThoseAboveIt)
 {
-    const std::filesystem::path folder = m_Folder.path() / "some" / "folder";
+    const std::filesystem::path folder = m_Folder.Path() / "some" / "folder";
     Open(folder);
     Insert(1, "S1");
     EXPECT_TRUE(std::filesystem::exists(Host::databaseFile(folder)));
@@ -76,9 +76,9 @@ TEST_F(DataFolder, IsMadeWithThoseAboveIt)
 
 TEST_F(DataFolder, ThatCannotBeMadeIsWrongUsage)
 {
-    const std::filesystem::path file = m_Folder.write("file", "");
+    const std::filesystem::path file = m_Folder.Write("file", "");
     for (const std::filesystem::path& folder :
-         {file, file / "below", std::filesystem::path(), m_Folder.path() / std::string(300, 'x')}) {
+         {file, file / "below", std::filesystem::path(), m_Folder.Path() / std::string(300, 'x')}) {
         try {
             Open(folder);
             ADD_FAILURE() << folder;
@@ -90,31 +90,42 @@ TEST_F(DataFolder, ThatCannotBeMadeIsWrongUsage)
     }
 }
 
+TEST_F(DataFolder, ForgesNoLineOfARefusal)
+{
+    try {
+        Open(m_Folder.Write("file", "") / "a\nostrel: all is well");
+        ADD_FAILURE();
+    } catch (const Host::Failure& failure) {
+        EXPECT_THAT(failure.what(),
+                    testing::AllOf(HasSubstr("a?ostrel: all is well"), testing::Not(HasSubstr("\n"))));
+    }
+}
+
 TEST_F(DataFolder, WarnsOfNumbersThatMakeNoSense)
 {
-    m_Folder.write("AdapterNumbers.txt", "nonsense\n");
-    Open(m_Folder.path());
+    m_Folder.Write("AdapterNumbers.txt", "nonsense\n");
+    Open(m_Folder.Path());
     EXPECT_THAT(m_Warnings, ElementsAre(testing::AllOf(HasSubstr("numbered anew"), HasSubstr("line 1"))));
 }
 
 TEST_F(DataFolder, LosesTheRowsOfWhatIsGone)
 {
-    Open(m_Folder.path());
+    Open(m_Folder.Path());
     Insert(1, "GONE");
     Insert(2, "STAYS");
     Insert(3, "GONE TOO");
-    Keep(m_Folder.path(), topologyOf({Objects(10, 2, "STAYS")}));
+    Keep(m_Folder.Path(), topologyOf({Objects(10, 2, "STAYS")}));
     EXPECT_THAT(Query("SELECT SerialNumber FROM Adapter; SELECT DriveKey FROM PD"),
                 ElementsAre("STAYS", "STAYS"));
-    EXPECT_TRUE(std::filesystem::exists(m_Folder.path() / "AdapterNumbers.txt"));
+    EXPECT_TRUE(std::filesystem::exists(m_Folder.Path() / "AdapterNumbers.txt"));
     EXPECT_THAT(m_Warnings, IsEmpty());
 }
 
 TEST_F(DataFolder, WarnsWhenNothingCanBeKept)
 {
-    Open(m_Folder.path());
-    std::filesystem::remove_all(m_Folder.path());
-    Keep(m_Folder.path(), topologyOf({Objects(10, 2, "S")}));
+    Open(m_Folder.Path());
+    std::filesystem::remove_all(m_Folder.Path());
+    Keep(m_Folder.Path(), topologyOf({Objects(10, 2, "S")}));
     EXPECT_THAT(m_Warnings, ElementsAre(HasSubstr("unable to open database file"),
                                         HasSubstr("AdapterNumbers.txt cannot be written")));
 }

@@ -1,4 +1,4 @@
-#include "TempFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <PI/AdapterID.h>
 #include <PI/AdapterNumbers.h>
@@ -6,7 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <iterator>
 #include <stdexcept>
 
 namespace {
@@ -29,11 +28,7 @@ protected:
         return id.GetGlobalAdapterNumber();
     }
 
-    std::string Content() const
-    {
-        std::ifstream stream(m_File, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
+    std::string Content() const { return m_Folder.Read("Numbers.txt"); }
 
     /** Why a file with this content is refused. */
     std::string RefusalOf(const std::string& content) const
@@ -47,7 +42,7 @@ protected:
         return "none";
     }
 
-    TempFolder m_Folder;
+    TestSupport::CTemporaryFolder m_Folder;
     const std::filesystem::path m_File = m_Folder.Path() / "Numbers.txt";
 };
 

@@ -1,5 +1,5 @@
 #include "Host/Linux/RunProgram.h"
-#include "Host/TemporaryFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <Database/Database.h>
 
@@ -34,15 +34,15 @@ protected:
                  {"namespace", {{"blocks", 2048}}},
                  {"health", {{"temperature", 20}}}});
         }
-        return m_Fleets.write("fleet.json", fleet.dump());
+        return m_Fleets.Write("fleet.json", fleet.dump());
     }
 
     ProgramResult Run(const std::string& command, const std::string& fleet) const
     {
-        return runProgram({"--simulate", fleet, "--data", m_Folder.path() / "data", command});
+        return runProgram({"--simulate", fleet, "--data", m_Folder.Path() / "data", command});
     }
 
-    std::filesystem::path File() const { return m_Folder.path() / "data" / "Ostrel.db"; }
+    std::filesystem::path File() const { return m_Folder.Path() / "data" / "Ostrel.db"; }
 
     std::vector<std::string> Query(const std::string& sql) const
     {
@@ -52,8 +52,8 @@ protected:
         return values;
     }
 
-    HostTest::TemporaryFolder m_Folder;
-    HostTest::TemporaryFolder m_Fleets;
+    TestSupport::CTemporaryFolder m_Folder;
+    TestSupport::CTemporaryFolder m_Fleets;
 };
 
 TEST_F(KeptData, HoldsARowForEachObjectHoweverOftenItRuns)
@@ -105,12 +105,12 @@ TEST_F(KeptData, DoctorNamesADatabaseThatCannotBeUsed)
     EXPECT_EQ(broken.m_ExitCode, 1);
     EXPECT_THAT(broken.m_Output, AllOf(HasSubstr("PROBLEM  database: database '" + File().string() +
                                                  "': unable to open database file -> "),
-                                       HasSubstr("OK       inventory: 1 adapters, 3 objects")));
+                                       HasSubstr("OK       inventory: 1 adapter, 3 objects")));
 }
 
 TEST_F(KeptData, AFolderThatCannotBeMadeIsRefused)
 {
-    const std::string file = m_Folder.write("data", "");
+    const std::string file = m_Folder.Write("data", "");
     const ProgramResult result = Run("list", Fleet({{1, "S1"}}));
     EXPECT_EQ(result.m_ExitCode, 2);
     EXPECT_THAT(result.m_Errors, HasSubstr("The data folder " + file + " cannot be used: "));
