@@ -1,17 +1,9 @@
 #include "DatabaseFixture.h"
 
-#include <stdexcept>
-
-#include <stdlib.h>
-
 namespace TestSupport {
 
 DatabaseFixture::DatabaseFixture()
 {
-    std::string folder = (std::filesystem::temp_directory_path() / "OstrelDatabaseXXXXXX").string();
-    if (mkdtemp(folder.data()) == nullptr)
-        throw std::runtime_error("no temporary folder");
-    m_Folder = folder;
     Reopen();
 }
 
@@ -19,7 +11,6 @@ DatabaseFixture::~DatabaseFixture()
 {
     m_Storage.reset();
     setDatabaseFile({});
-    std::filesystem::remove_all(m_Folder);
 }
 
 void DatabaseFixture::Reopen()

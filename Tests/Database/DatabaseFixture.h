@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Support/TemporaryFolder.h"
+
 #include <Database/Database.h>
 #include <DatabaseORM/Models.h>
 #include <DatabaseORM/StatementBuilder.h>
@@ -29,13 +31,11 @@ protected:
 
     Values Query(const std::string& sql) { return m_Storage->m_Access->query(sql); }
 
-    const std::filesystem::path& Folder() const { return m_Folder; }
-    std::filesystem::path File() const { return m_Folder / "Ostrel.db"; }
+    const std::filesystem::path& Folder() const { return m_Folder.Path(); }
+    std::filesystem::path File() const { return Folder() / "Ostrel.db"; }
 
+    CTemporaryFolder m_Folder;
     std::shared_ptr<DatabaseORM::storage_t> m_Storage;
-
-private:
-    std::filesystem::path m_Folder;
 };
 
 /** Rows as the plug-in fills them: on this host, all else telling the rows apart by `serial`. */

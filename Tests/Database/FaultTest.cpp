@@ -1,8 +1,4 @@
-#include "ChildProcess.h"
 #include "DatabaseFixture.h"
-
-#include <fstream>
-#include <iterator>
 
 using namespace TestSupport;
 using testing::ElementsAre;
@@ -10,18 +6,10 @@ using testing::HasSubstr;
 
 namespace {
 
-using std::filesystem::perms;
-
 class Fault : public DatabaseFixture
 {
 protected:
-    void WriteFile(const std::string& content) { std::ofstream(File(), std::ios::binary) << content; }
-
-    std::string ReadFile()
-    {
-        std::ifstream file(File(), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    void WriteFile(const std::string& content) { m_Folder.Write("Ostrel.db", content); }
 
     std::string InsertError(const std::string& serial)
     {
@@ -34,10 +22,6 @@ protected:
     }
 };
 
-constexpr perms READ_ONLY_FOLDER = perms::owner_read | perms::owner_exec | perms::group_read |
-                                   perms::group_exec | perms::others_read | perms::others_exec;
-constexpr perms READ_ONLY_FILE = perms::owner_read | perms::group_read | perms::others_read;
-
 } // namespace
 
 TEST_F(Fault, AFileThatIsNoDatabaseIsReportedAndLeftAlone)
@@ -48,7 +32,7 @@ TEST_F(Fault, AFileThatIsNoDatabaseIsReportedAndLeftAlone)
         EXPECT_EQ(InsertError("S1"),
                   "Storage query exception thrown! Cannot read ID from database! (database '" +
                       File().string() + "': file is not a database)");
-    EXPECT_EQ(ReadFile(), content);
+    EXPECT_EQ(m_Folder.Read("Ostrel.db"), content);
 }
 
 TEST_F(Fault, ARepairedFileWorksWithoutARestart)
@@ -78,34 +62,6 @@ TEST_F(Fault, AMissingFolder)
     EXPECT_THAT(InsertError("S1"), HasSubstr("unable to open database file"));
 }
 
-TEST_F(Fault, AReadOnlyFolder)
-{
-    std::filesystem::permissions(Folder(), READ_ONLY_FOLDER);
-    EXPECT_THAT(runUnprivileged([this] { return InsertError("S1"); }),
-                HasSubstr("unable to open database file"));
-    std::filesystem::permissions(Folder(), perms::owner_all);
-}
-
-TEST_F(Fault, AReadOnlyFolderWithADatabase)
-{
-    Query("SELECT 1");
-    Reopen();
-    std::filesystem::permissions(Folder(), READ_ONLY_FOLDER);
-    EXPECT_THAT(runUnprivileged([this] { return InsertError("S1"); }),
-                HasSubstr("attempt to write a readonly database"));
-    std::filesystem::permissions(Folder(), perms::owner_all);
-}
-
-TEST_F(Fault, AReadOnlyFile)
-{
-    Query("SELECT 1");
-    Reopen();
-    std::filesystem::permissions(Folder(), perms::all);
-    std::filesystem::permissions(File(), READ_ONLY_FILE);
-    EXPECT_THAT(runUnprivileged([this] { return InsertError("S1"); }),
-                HasSubstr("attempt to write a readonly database"));
-}
-
 TEST_F(Fault, AFullDiskFailsInsertsAndKeepsTheRows)
 {
     DatabaseORM::insert(*m_Storage, makeDrive("first"));
@@ -120,26 +76,4 @@ TEST_F(Fault, AFullDiskFailsInsertsAndKeepsTheRows)
     Reopen();
     EXPECT_THAT(Query("SELECT COUNT(*) FROM PD; PRAGMA integrity_check"),
                 ElementsAre(std::to_string(stored - 1), "ok"));
-}
-
-TEST_F(Fault, AProcessKilledInTheMiddleOfInsertsLeavesASoundDatabase)
-{
-    for (int round = 0; round < 100; ++round) {
-        {
-            const CChildProcess child([this, round](const CPipe& output, const CPipe&) {
-                for (int number = 0;; ++number) {
-                    DatabaseORM::insert(*m_Storage, makeAdapter(number % 8, std::to_string(round)));
-                    DatabaseORM::insert(*m_Storage, makeDrive(std::to_string(number % 64)));
-                    output.Write("i");
-                }
-            });
-            // The round after the last byte read is cut short somewhere.
-            char byte = 0;
-            for (int seen = 0; seen <= round % 10; ++seen)
-                ASSERT_TRUE(child.Output().ReadByte(byte));
-        }
-        ASSERT_THAT(Query("PRAGMA integrity_check"), ElementsAre("ok"));
-        ASSERT_NE(Query("SELECT COUNT(*) FROM PD").front(), "0");
-        Reopen();
-    }
 }

@@ -1,8 +1,7 @@
+#include "Core/Platform.h"
 #include "DatabaseFixture.h"
 
 #include <DatabaseORM/Keywords.h>
-
-#include <dlfcn.h>
 
 using namespace TestSupport;
 using DatabaseORM::condition_t;
@@ -14,11 +13,17 @@ namespace {
 class Storage : public DatabaseFixture
 {};
 
-void* foreignFunction(const char* name)
+class StorageAcrossModules : public Storage
 {
-    void* const module = dlopen(OSTREL_FOREIGN_MODULE, RTLD_NOW | RTLD_LOCAL);
-    return module == nullptr ? nullptr : dlsym(module, name);
-}
+protected:
+    template<typename Function>
+    Function* Foreign(const char* name) const
+    {
+        return reinterpret_cast<Function*>(m_Module.symbol(name));
+    }
+
+    Host::Platform::DynamicLibrary m_Module{OSTREL_FOREIGN_MODULE};
+};
 
 } // namespace
 
@@ -52,7 +57,7 @@ TEST_F(Storage, TakesAnyFileNameForAName)
 {
     const std::filesystem::path former = std::filesystem::current_path();
     std::filesystem::current_path(Folder());
-    for (const char* name : {":memory:", "file:other?mode=memory", "Größe 'x'.db"}) {
+    for (const char* name : {"Größe 'x'.db", "βάση 日本語.db", "%41&x=1#y.db"}) {
         setDatabaseFile(name);
         getDatabasePointer()->m_Access->query("SELECT 1");
         EXPECT_TRUE(std::filesystem::exists(Folder() / name)) << name;
@@ -86,10 +91,10 @@ TEST_F(Storage, MapsMatchTheColumnsOfTheFile)
     }
 }
 
-TEST_F(Storage, ServesABuilderInAnotherModule)
+TEST_F(StorageAcrossModules, ServesABuilderInAnotherModule)
 {
-    using StoreAndFind = void (*)(const DatabaseORM::storage_t&, const std::string&, std::string&);
-    const auto storeAndFind = reinterpret_cast<StoreAndFind>(foreignFunction("storeAndFind"));
+    using StoreAndFind = void(const DatabaseORM::storage_t&, const std::string&, std::string&);
+    auto* const storeAndFind = Foreign<StoreAndFind>("storeAndFind");
     ASSERT_NE(storeAndFind, nullptr);
     const std::string key = "x');DROP TABLE PD;--";
     std::string found;
@@ -97,10 +102,10 @@ TEST_F(Storage, ServesABuilderInAnotherModule)
     EXPECT_EQ(found, key);
 }
 
-TEST_F(Storage, ThrowsWhatAnotherModuleCatches)
+TEST_F(StorageAcrossModules, ThrowsWhatAnotherModuleCatches)
 {
-    using FailAndCatch = void (*)(const DatabaseORM::storage_t&, std::string&);
-    const auto failAndCatch = reinterpret_cast<FailAndCatch>(foreignFunction("failAndCatch"));
+    using FailAndCatch = void(const DatabaseORM::storage_t&, std::string&);
+    auto* const failAndCatch = Foreign<FailAndCatch>("failAndCatch");
     ASSERT_NE(failAndCatch, nullptr);
     std::string message;
     failAndCatch(*m_Storage, message);

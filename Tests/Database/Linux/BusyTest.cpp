@@ -1,5 +1,5 @@
 #include "ChildProcess.h"
-#include "DatabaseFixture.h"
+#include "Database/DatabaseFixture.h"
 #include "Support/VirtualClock.h"
 
 #include <sqlite3.h>
