@@ -46,9 +46,11 @@ std::shared_ptr<TLX::Threading::CEvent> CVirtualClock::AlarmAt(std::uint64_t ins
     const std::scoped_lock guard(m_Lock);
     if (event->Init(instant <= m_Elapsed, true) != TLX::Threading::WaitResult::Taken)
         throw std::runtime_error("no event for an alarm");
-    m_Alarms.push_back({instant, event});
-    m_Waits.push_back(std::max(instant, m_Elapsed) - m_Elapsed);
-    m_WaitBegan.notify_all();
+    if (instant > m_Elapsed) {
+        m_Alarms.push_back({instant, event});
+        m_Waits.push_back(instant - m_Elapsed);
+        m_WaitBegan.notify_all();
+    }
     return event;
 }
 

@@ -40,8 +40,8 @@ public:
     void OnSleep(std::function<void()> action);
 
     /**
-     * Blocks until `count` timed waits have begun since the clock was made, and returns the time left of the
-     * last of them when it began, in milliseconds.
+     * Blocks until `count` waits of more than no time at all have begun since the clock was made, and returns
+     * how long the last of them may take, in milliseconds.
      */
     std::uint64_t AwaitWait(std::size_t count);
 
