@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <memory>
 #include <thread>
@@ -66,16 +67,17 @@ TEST(Thread, ItsBodyIsGoneWhenTheWaitReturns)
 TEST(Thread, RunsOnWhenItsObjectGoes)
 {
     const auto go = std::make_shared<CReadyEvent>();
-    const auto done = std::make_shared<CReadyEvent>();
+    std::promise<void> done;
+    auto result = done.get_future();
     {
-        const CThread thread([go, done] {
+        const CThread thread([go, &done] {
             (void)go->Wait();
-            done->Set();
+            done.set_value();
         });
     }
-    EXPECT_EQ(done->Wait(0), WaitResult::TimedOut);
+    EXPECT_EQ(result.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
     go->Set();
-    EXPECT_EQ(done->Wait(), WaitResult::Taken);
+    result.get();
 }
 
 TEST(Thread, SeveralMayWaitForItsEnd)
