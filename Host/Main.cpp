@@ -1,9 +1,7 @@
 #include "Cli/Program.h"
-
-#include <string>
-#include <vector>
+#include "Core/Platform.h"
 
 int main(int argc, char** argv)
 {
-    return Host::Cli::run(std::vector<std::string>(argv, argv + argc));
+    return Host::Cli::run(Host::Platform::commandLine(argc, argv));
 }

@@ -1,15 +1,6 @@
 # How every target of this project is built: warnings, platform folders, libraries, tests.
 include(GenerateExportHeader)
 
-if(WIN32)
-    set(OSTREL_PLATFORM Win)
-else()
-    set(OSTREL_PLATFORM Linux)
-    # The plug-in and the libraries find one another beside themselves, the program one folder over.
-    set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-    set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../lib")
-endif()
-
 add_library(OstrelOptions INTERFACE)
 target_compile_options(OstrelOptions INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-align -Woverloaded-virtual
@@ -37,7 +28,7 @@ function(ostrel_host_library name)
         PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/Include> $<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}/Include>
         PRIVATE Src Src_${OSTREL_PLATFORM})
     target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE OstrelOptions ${arg_PRIVATE})
-    install(TARGETS ${name} LIBRARY DESTINATION lib RUNTIME DESTINATION bin)
+    install(TARGETS ${name} LIBRARY DESTINATION ${OSTREL_LIBRARY_FOLDER} RUNTIME DESTINATION bin)
 endfunction()
 
 # Puts data files into the share folder of the build tree and of the installation.
@@ -58,8 +49,15 @@ function(ostrel_test name)
     file(GLOB platform CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${OSTREL_PLATFORM}/*.cpp)
     add_executable(${name} ${sources} ${platform})
     target_link_libraries(${name} PRIVATE OstrelOptions ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
-    target_compile_definitions(${name} PRIVATE OSTREL_TEST_DATA="${CMAKE_SOURCE_DIR}/Tests/Data" ${arg_DEFINITIONS})
+    target_compile_definitions(${name} PRIVATE OSTREL_TEST_DATA="${OSTREL_ROOT_NAME}${CMAKE_SOURCE_DIR}/Tests/Data"
+        ${arg_DEFINITIONS})
     target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
-    include(GoogleTest)
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+    if(CMAKE_CROSSCOMPILING)
+        # An emulated process starts slowly, so all of the program's tests run in one.
+        add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+        set_tests_properties(${name} PROPERTIES TIMEOUT 300)
+    else()
+        include(GoogleTest)
+        gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+    endif()
 endfunction()

@@ -6,7 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <charconv>
+#include <limits>
 
 namespace Host::Cli {
 namespace {
@@ -70,7 +70,8 @@ std::string refuseBadMask(const std::string& text)
 std::string refuseMissingFolder(const std::string& text)
 {
     std::error_code error;
-    return std::filesystem::is_directory(text, error) ? std::string() : "there is no folder \"" + text + "\"";
+    return std::filesystem::is_directory(pathFromUtf8(text), error) ? std::string()
+                                                                    : "there is no folder \"" + text + "\"";
 }
 
 /** The parser and what it parses into. */
@@ -101,35 +102,42 @@ public:
             throw TextAsked(std::string(version.what()) + '\n');
         } catch (const CLI::ParseError& error) {
             throw Failure(ExitCode::WrongUsage,
-                          complaint(error) + ". \"ostrel --help\" tells what there is.");
+                          printable(complaint(error)) + ". \"ostrel --help\" tells what there is.");
         }
         return std::move(m_Options);
     }
 
 private:
+    CLI::Option* addPath(const char* name, std::optional<std::filesystem::path>& path,
+                         const char* description)
+    {
+        return m_App.add_option_function<std::string>(
+            name, [&path](const std::string& text) { path = pathFromUtf8(text); }, description);
+    }
+
     void addOptions()
     {
-        m_App.add_option("--plugin", m_Options.m_Plugin, "Plug-in to load instead of the installed one")
+        addPath("--plugin", m_Options.m_Plugin, "Plug-in to load instead of the installed one")
             ->option_text("FILE");
-        m_App.add_option("--data", m_Options.m_Data, "Folder of the settings instead of the usual one")
+        addPath("--data", m_Options.m_Data, "Folder of the settings instead of the usual one")
             ->option_text("DIR")
             ->check(refuseMissingFolder);
-        m_App.add_option("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
+        addPath("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
             ->option_text("FLEET.json");
-        const CLI::Option* trace =
+        CLI::Option* trace =
             m_App
                 .add_option_function<std::string>(
                     "--trace", [this](const std::string& text) { m_Options.m_TraceMask = *parseMask(text); },
                     "Write trace lines of these levels, decimal or 0x..")
                 ->option_text("MASK")
                 ->check(refuseBadMask);
-        m_App
-            .add_option("--trace-file", m_Options.m_TraceFile,
-                        "Where trace lines go instead of standard error")
+        addPath("--trace-file", m_Options.m_TraceFile, "Where trace lines go instead of standard error")
             ->option_text("FILE")
-            ->needs(const_cast<CLI::Option*>(trace));
-        m_App.add_flag("--json", m_Options.m_Json, "Print one JSON document");
+            ->needs(trace);
+        addJson(m_App);
     }
+
+    void addJson(CLI::App& app) { app.add_flag("--json", m_Options.m_Json, "Print one JSON document"); }
 
     CLI::App* addCommand(Command command, const char* name, const char* description, const char* footer)
     {
@@ -137,6 +145,8 @@ private:
         app->fallthrough();
         app->footer(footer);
         app->group("Commands");
+        // The help of a command tells its own options alone, and nobody should have to look for this one.
+        addJson(*app);
         app->parse_complete_callback([this, command] { m_Options.m_Command = command; });
         return app;
     }
@@ -179,15 +189,10 @@ private:
 
 std::optional<std::uint32_t> parseMask(std::string_view text)
 {
-    int base = 10;
-    if (startsWithIgnoringCase(text, "0x")) {
-        base = 16;
-        text.remove_prefix(2);
-    }
-    std::uint32_t mask = 0;
-    const char* const end = text.data() + text.size();
-    const auto [next, error] = std::from_chars(text.data(), end, mask, base);
-    return error == std::errc() && next == end ? std::optional(mask) : std::nullopt;
+    const auto mask = startsWithIgnoringCase(text, "0x") ? parseHexadecimal(text) : parseNumber(text, 10);
+    return mask && *mask <= std::numeric_limits<std::uint32_t>::max()
+               ? std::optional(static_cast<std::uint32_t>(*mask))
+               : std::nullopt;
 }
 
 Options parseCommandLine(const std::vector<std::string>& words)

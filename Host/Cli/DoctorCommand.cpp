@@ -1,6 +1,7 @@
 #include "Cli/DoctorCommand.h"
 
 #include "Core/DeviceAccess.h"
+#include "Core/FileText.h"
 #include "Core/PluginLibrary.h"
 #include "Core/Text.h"
 
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace Host::Cli {
@@ -63,12 +65,9 @@ Check checkEndurance(const HostFolders& folders)
     }
 }
 
-Check checkSettings(const HostFolders& folders)
+std::string counted(std::size_t number, const std::string& things)
 {
-    const std::filesystem::path file = folders.m_Data / "Ostrel.ini";
-    std::error_code error;
-    const bool there = std::filesystem::exists(file, error);
-    return ok("settings", there ? file.string() : "no " + file.string() + ", so the usual values hold");
+    return std::to_string(number) + " " + things + (number == 1 ? "" : "s");
 }
 
 void checkRequests(PluginLibrary& plugin, const std::vector<TLXX::CControllerState>& states, Checks& checks)
@@ -76,12 +75,14 @@ void checkRequests(PluginLibrary& plugin, const std::vector<TLXX::CControllerSta
     try {
         const std::size_t adapters = plugin.initialize().size();
         const ObjectStore store(plugin.topology());
-        checks.push_back(ok("inventory", std::to_string(adapters) + " adapters, " +
-                                             std::to_string(store.objects().size()) + " objects"));
+        checks.push_back(
+            ok("inventory", counted(adapters, "adapter") + ", " + counted(store.objects().size(), "object")));
         append(checks, checkInventory(states, store));
     } catch (const Failure& failure) {
         checks.push_back(problem(failure.exitCode(), "inventory", failure.what(),
-                                 "See the lines above; --trace 31 shows each step."));
+                                 "See the other lines; --trace 31 shows each step."));
+        if (failure.result())
+            append(checks, checkRefusal(states, *failure.result()));
     }
 }
 
@@ -102,6 +103,25 @@ Check problem(ExitCode exitCode, std::string subject, std::string message, std::
     return {Finding::Problem, std::move(subject), std::move(message), std::move(remedy), exitCode};
 }
 
+Check checkSettings(const std::filesystem::path& folder)
+{
+    const std::filesystem::path file = folder / "Ostrel.ini";
+    std::error_code error;
+    if (!std::filesystem::exists(file, error) && !error)
+        return ok("settings", "no " + file.string() + ", so the usual values hold");
+    const std::optional<std::string> text = readFile(file);
+    if (!text)
+        return problem(ExitCode::RequestFailed, "settings",
+                       file.string() + " cannot be read, so the usual values hold",
+                       "Make it a file that this user may read, or delete it.");
+    if (text->find('\0') != std::string::npos)
+        return problem(ExitCode::RequestFailed, "settings",
+                       file.string() + " holds zero bytes, as a write that was cut off leaves them; it is " +
+                           "ignored, and the usual values hold",
+                       "Write it again, or delete it.");
+    return ok("settings", file.string());
+}
+
 Checks examine(const Session& session)
 {
     Checks checks;
@@ -110,7 +130,7 @@ Checks examine(const Session& session)
     if (plugin)
         checks.push_back(checkTexts(session.m_Folders));
     checks.push_back(checkEndurance(session.m_Folders));
-    checks.push_back(checkSettings(session.m_Folders));
+    checks.push_back(checkSettings(session.m_Folders.m_Data));
 
     if (!session.simulated())
         for (const Platform::UnservedFunction& function : Platform::unservedFunctions())

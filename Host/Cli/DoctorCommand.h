@@ -9,6 +9,7 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -38,12 +39,19 @@ Check problem(ExitCode exitCode, std::string subject, std::string message, std::
 /** Looks at everything from the plug-in's file to each drive's answers. Throws nothing for what it finds. */
 std::vector<Check> examine(const Session& session);
 
+/** Whether the settings in `folder` are taken into account. */
+Check checkSettings(const std::filesystem::path& folder);
+
 /** What the system says of its controllers. */
 std::vector<Check> checkControllers(const std::vector<TLXX::CControllerState>& states);
 
 /** Whether every disk became an adapter, at its own place, and what its drive left unanswered. */
 std::vector<Check> checkInventory(const std::vector<TLXX::CControllerState>& states,
                                   const ObjectStore& store);
+
+/** Which disks may have made the plug-in refuse a request of the inventory. */
+std::vector<Check> checkRefusal(const std::vector<TLXX::CControllerState>& states,
+                                const RequestResult& result);
 
 /** The code of the first problem. */
 ExitCode exitCodeOf(const std::vector<Check>& checks);

@@ -1,9 +1,9 @@
 #include "Cli/Drives.h"
 
 #include <PI/PluginHelper.h>
+#include <TLXX/PciLocation.h>
 
-#include <array>
-#include <cstdio>
+#include <utility>
 
 namespace Host::Cli {
 namespace {
@@ -59,27 +59,39 @@ public:
     /** Empty when all is 0: a location that was not found looks like that, and no drive sits there. */
     std::string pciAddress() const
     {
-        std::array<unsigned, 4> parts{};
-        constexpr std::array ids = {PI::PROP_PCI_SEGMENT, PI::PROP_PCI_BUS, PI::PROP_PCI_DEVICE,
-                                    PI::PROP_PCI_FUNCTION};
-        for (std::size_t i = 0; i < ids.size(); ++i) {
-            const auto* number = find<std::uint64_t>(ids[i]);
+        TLXX::CPciLocation location;
+        for (const auto& [id, part] : {std::pair(PI::PROP_PCI_SEGMENT, &location.m_Segment),
+                                       std::pair(PI::PROP_PCI_BUS, &location.m_Bus),
+                                       std::pair(PI::PROP_PCI_DEVICE, &location.m_Device),
+                                       std::pair(PI::PROP_PCI_FUNCTION, &location.m_Function)}) {
+            const auto* number = find<std::uint64_t>(id);
             if (number == nullptr)
                 return {};
-            parts[i] = static_cast<unsigned>(*number);
+            *part = static_cast<std::int32_t>(*number);
         }
-        if (parts == std::array<unsigned, 4>{})
-            return {};
-        std::array<char, 40> text{};
-        (void)std::snprintf(text.data(), text.size(), "%04x:%02x:%02x.%x", parts[0], parts[1], parts[2],
-                            parts[3]);
-        return text.data();
+        return location == TLXX::CPciLocation{} ? std::string() : location.Text();
     }
 
 private:
     const PI::CObject& m_Adapter;
     const PI::CObject* m_Drive;
 };
+
+/**
+ * Plug-ins show a drive whose health log was not read without temperature and counters, but with the spare,
+ * errors and health of a new one, for no warning was heard. None of that is known.
+ */
+void dropWhatNobodyRead(Drive& drive)
+{
+    if (drive.m_Temperature || drive.m_PowerOnHours || drive.m_DataRead || drive.m_DataWritten)
+        return;
+    drive.m_Spare.reset();
+    drive.m_SpareThreshold.reset();
+    drive.m_MediaErrors.reset();
+    // What it was found to suffer from stays true, for that came from another log.
+    if (drive.m_Health && drive.m_Reasons.empty())
+        drive.m_Health = Health{std::nullopt, "Unknown"};
+}
 
 Drive join(const PI::CObject& adapter, const PI::CObject* medium)
 {
@@ -102,7 +114,7 @@ Drive join(const PI::CObject& adapter, const PI::CObject* medium)
     drive.m_Temperature = pair.temperature();
     drive.m_Wear = pair.bounded(PI::PROP_ENDURANCE_USED);
     if (const auto* health = pair.find<PI::CCodeValue>(PI::PROP_HEALTH_STATUS))
-        drive.m_Health = CodeText{health->m_Code, PI::PropertyValueToString(health->m_Code)};
+        drive.m_Health = Health{health->m_Code, PI::PropertyValueToString(health->m_Code)};
     if (const auto* reasons = pair.find<PI::CCodeListValue>(PI::PROP_STATUS_REASONS))
         for (const std::uint32_t code : reasons->m_Codes)
             drive.m_Reasons.push_back({code, PI::PropertyValueToString(code)});
@@ -112,6 +124,7 @@ Drive join(const PI::CObject& adapter, const PI::CObject* medium)
     drive.m_DataWritten = pair.amount(PI::PROP_DATA_WRITTEN);
     drive.m_PowerOnHours = pair.value<std::uint64_t>(PI::PROP_POWER_ON_HOURS);
     drive.m_MediaErrors = pair.value<std::uint64_t>(PI::PROP_MEDIA_ERRORS);
+    dropWhatNobodyRead(drive);
     return drive;
 }
 

@@ -18,6 +18,13 @@ struct CodeText
     std::string m_Text;
 };
 
+/** How a drive fares. Without a code: nobody knows. */
+struct Health
+{
+    std::optional<std::uint32_t> m_Code;
+    std::string m_Text;
+};
+
 /** A measured amount. */
 struct Amount
 {
@@ -43,7 +50,7 @@ struct Drive
     std::optional<std::uint64_t> m_BlockSize;
     std::optional<float> m_Temperature; ///< degrees Celsius
     std::optional<std::int32_t> m_Wear; ///< percent; above 100 past the rating
-    std::optional<CodeText> m_Health;
+    std::optional<Health> m_Health;
     std::vector<CodeText> m_Reasons;
     std::optional<std::int32_t> m_Spare;
     std::optional<std::int32_t> m_SpareThreshold;

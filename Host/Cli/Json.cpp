@@ -133,7 +133,7 @@ Json driveJson(const Drive& drive)
     add(json, "wear", drive.m_Wear);
     if (drive.m_Health) {
         json["health"] = drive.m_Health->m_Text;
-        json["healthCode"] = drive.m_Health->m_Code;
+        add(json, "healthCode", drive.m_Health->m_Code);
     }
     for (const CodeText& reason : drive.m_Reasons) {
         json["reasons"].push_back(reason.m_Text);

@@ -69,7 +69,7 @@ Cell healthCell(const Drive& drive, bool withReasons)
         return {UNKNOWN};
     const std::string reasons = withReasons ? reasonsText(drive) : std::string();
     return {drive.m_Health->m_Text + (reasons.empty() ? "" : ": " + reasons),
-            toneOfCode(drive.m_Health->m_Code)};
+            drive.m_Health->m_Code ? toneOfCode(*drive.m_Health->m_Code) : Tone::Plain};
 }
 
 } // namespace

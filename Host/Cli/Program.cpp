@@ -114,8 +114,9 @@ private:
     {
         std::string marked = text;
         if (m_Session.simulated())
-            marked.insert(0,
-                          printable("Simulated fleet: " + m_Session.m_Setup.fleet()->file().string()) + '\n');
+            marked.insert(
+                0, printable("Simulated fleet: " + m_Session.m_Setup.fleet()->file().filename().string()) +
+                       '\n');
         m_Results.write(marked);
     }
 

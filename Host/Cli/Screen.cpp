@@ -3,17 +3,14 @@
 #include "Core/Platform.h"
 
 #include <cstdlib>
-#include <string_view>
 
 namespace Host::Cli {
 namespace {
 
-bool environmentAllowsColour()
+bool userAllowsColour()
 {
     const char* const noColour = std::getenv("NO_COLOR");
-    const char* const terminal = std::getenv("TERM");
-    return (noColour == nullptr || *noColour == '\0') && terminal != nullptr && *terminal != '\0' &&
-           std::string_view(terminal) != "dumb";
+    return noColour == nullptr || *noColour == '\0';
 }
 
 const char* escapeOf(Tone tone)
@@ -41,7 +38,7 @@ Screen detectScreen(const Platform::ResultChannel& results)
 {
     if (!results.isTerminal())
         return {};
-    return {results.terminalWidth(), environmentAllowsColour()};
+    return {results.terminalWidth(), results.showsColours() && userAllowsColour()};
 }
 
 std::string toned(const Screen& screen, Tone tone, const std::string& text)

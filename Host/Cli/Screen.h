@@ -28,7 +28,7 @@ struct Screen
     bool m_Colour = false;
 };
 
-/** Colour needs a terminal that is not "dumb", and no NO_COLOR. */
+/** Colour needs a terminal that understands it, and no NO_COLOR. */
 Screen detectScreen(const Platform::ResultChannel& results);
 
 /** `text` in the colour of `tone`; as it is where there is no colour. */

@@ -19,14 +19,22 @@ std::string showText(const std::vector<const PI::CObject*>& objects, const Scree
 const PI::CProperty& namedProperty(const std::vector<const PI::CObject*>& objects, std::string_view name)
 {
     std::string known;
+    const PI::CProperty* empty = nullptr;
     for (const PI::CObject* object : objects)
         for (const PI::CProperty& property : object->m_Properties) {
-            if (equalIgnoringCase(captionText(property), name) || std::to_string(property.Id()) == name)
+            const std::string caption = captionText(property);
+            known += "\n  " + std::to_string(property.Id()) + "  " + printable(caption);
+            if (!equalIgnoringCase(caption, name) && std::to_string(property.Id()) != name)
+                continue;
+            if (!valueText(property).empty())
                 return property;
-            known += "\n  " + std::to_string(property.Id()) + "  " + captionText(property);
+            if (empty == nullptr)
+                empty = &property;
         }
+    if (empty != nullptr)
+        return *empty;
     throw Failure(ExitCode::WrongUsage,
-                  "There is no property \"" + std::string(name) + "\" here. These are there:" + known);
+                  "There is no property \"" + printable(name) + "\" here. These are there:" + known);
 }
 
 } // namespace Host::Cli

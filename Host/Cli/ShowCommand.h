@@ -14,7 +14,8 @@ namespace Host::Cli {
 std::string showText(const std::vector<const PI::CObject*>& objects, const Screen& screen);
 
 /**
- * The first property of the objects with this number or caption, case aside. Throws `Failure` (wrong usage),
+ * The property of the objects with this number or caption, case aside: the first that has a value, for an
+ * adapter without a name must not hide that of its drive. Throws `Failure` (wrong usage),
  * listing what there is, when there is none.
  */
 const PI::CProperty& namedProperty(const std::vector<const PI::CObject*>& objects, std::string_view name);

@@ -69,7 +69,7 @@ std::string propertiesText(const PI::CObject& object, const Screen& screen, std:
 {
     std::size_t width = 0;
     for (const PI::CProperty& property : object.m_Properties)
-        width = std::max(width, displayWidth(captionText(property)));
+        width = std::max(width, displayWidth(printable(captionText(property))));
     std::string text;
     for (const PI::CProperty& property : object.m_Properties) {
         const std::string value = printable(valueText(property));

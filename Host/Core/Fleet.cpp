@@ -1,15 +1,16 @@
 #include "Core/Fleet.h"
 
 #include "Core/JsonReader.h"
+#include "Core/Text.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <bit>
-#include <charconv>
-#include <cstring>
+#include <cstddef>
 #include <limits>
 #include <set>
+#include <stdexcept>
 
 namespace Host {
 namespace {
@@ -91,7 +92,7 @@ std::optional<Block> readBlock(const JsonReader& parent, const char* key)
     Block block{};
     if (parent.isText(key)) {
         const std::vector<std::uint8_t> bytes = parent.hexadecimal(key, sizeof block);
-        std::memcpy(&block, bytes.data(), bytes.size());
+        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<std::uint8_t*>(&block));
     } else {
         fill(parent.object(key), block);
     }
@@ -123,13 +124,10 @@ const std::vector<NamedLog>& namedLogs()
 
 std::uint8_t logIdentifier(const JsonReader& logs, const std::string& key)
 {
-    constexpr unsigned firstVendorLog = 0xC0;
-    unsigned identifier = 0;
-    if (key.size() == 4 && key.substr(0, 2) == "0x") {
-        const auto [end, error] = std::from_chars(key.data() + 2, key.data() + key.size(), identifier, 16);
-        if (error == std::errc() && end == key.data() + key.size() && identifier >= firstVendorLog)
-            return static_cast<std::uint8_t>(identifier);
-    }
+    constexpr std::uint64_t firstVendorLog = 0xC0;
+    const auto identifier = parseHexadecimal(key);
+    if (identifier && *identifier >= firstVendorLog && *identifier <= LARGEST_BYTE)
+        return static_cast<std::uint8_t>(*identifier);
     logs.fail(key.c_str(), "is no vendor log; their names go from \"0xC0\" to \"0xFF\"");
 }
 
@@ -161,29 +159,6 @@ TLXX::VendorLogPage readVendorLog(const JsonReader& logs, const std::string& key
     return page;
 }
 
-/** A PCI address such as "0000:3b:00.0". */
-std::optional<TLXX::CPciLocation> parseAddress(const std::string& text)
-{
-    TLXX::CPciLocation location;
-    struct Part
-    {
-        std::int32_t* m_Value;
-        char m_End;
-        std::int32_t m_Largest;
-    };
-    const char* position = text.data();
-    const char* const end = text.data() + text.size();
-    for (const Part& part : {Part{&location.m_Segment, ':', 0xFFFFFF}, Part{&location.m_Bus, ':', 0xFF},
-                             Part{&location.m_Device, '.', 0x1F}, Part{&location.m_Function, '\0', 7}}) {
-        const auto [next, error] = std::from_chars(position, end, *part.m_Value, 16);
-        const bool separated = part.m_End == '\0' ? next == end : next != end && *next == part.m_End;
-        if (error != std::errc() || !separated || *part.m_Value < 0 || *part.m_Value > part.m_Largest)
-            return std::nullopt;
-        position = part.m_End == '\0' ? next : next + 1;
-    }
-    return location;
-}
-
 SimulatedController readController(const JsonReader& reader, std::size_t index)
 {
     constexpr std::size_t longestText = 255;
@@ -195,7 +170,7 @@ SimulatedController readController(const JsonReader& reader, std::size_t index)
     controller.m_Driver = reader.text("driver", longestText).value_or("nvme");
     controller.m_DriverVersion = reader.text("driverVersion", longestText).value_or("");
     if (const auto address = reader.text("location", longestText)) {
-        controller.m_Location = parseAddress(*address);
+        controller.m_Location = TLXX::CPciLocation::Parse(*address);
         if (!controller.m_Location)
             reader.fail("location", "has to be a PCI address such as \"0000:3b:00.0\"");
     }
@@ -206,24 +181,42 @@ SimulatedController readController(const JsonReader& reader, std::size_t index)
         const JsonReader logs = reader.object("vendorLogs");
         for (const std::string& key : logs.keys()) {
             const std::uint8_t identifier = logIdentifier(logs, key);
-            controller.m_VendorLogs[identifier] = readVendorLog(logs, key, identifier);
+            if (!controller.m_VendorLogs.emplace(identifier, readVendorLog(logs, key, identifier)).second)
+                logs.fail(key.c_str(), "is there in another spelling, too");
         }
     }
     return controller;
+}
+
+/** The document in `text`. The library would take the last of several values of one name without a word. */
+nlohmann::json parseDocument(std::string_view text)
+{
+    using Event = nlohmann::json::parse_event_t;
+    std::vector<std::set<std::string>> names;
+    const auto look = [&](int, Event event, nlohmann::json& parsed) {
+        if (event == Event::object_start)
+            names.emplace_back();
+        else if (event == Event::object_end)
+            names.pop_back();
+        else if (event == Event::key && !names.back().insert(parsed.get<std::string>()).second)
+            throw std::runtime_error("\"" + printable(parsed.get<std::string>()) +
+                                     "\" stands twice in one object");
+        return true;
+    };
+    try {
+        return nlohmann::json::parse(text, look);
+    } catch (const nlohmann::json::exception& error) {
+        // The library's messages begin with its own name in brackets.
+        const std::string message = error.what();
+        throw std::runtime_error(printable(message.substr(message.find(']') + 2)));
+    }
 }
 
 } // namespace
 
 std::vector<SimulatedController> parseFleet(std::string_view text)
 {
-    nlohmann::json document;
-    try {
-        document = nlohmann::json::parse(text);
-    } catch (const nlohmann::json::parse_error& error) {
-        // The library's messages begin with its own name in brackets.
-        const std::string message = error.what();
-        throw std::runtime_error(message.substr(message.find(']') + 2));
-    }
+    const nlohmann::json document = parseDocument(text);
     const JsonReader root(document, "");
     root.allowOnly({"controllers"});
     std::vector<SimulatedController> controllers;

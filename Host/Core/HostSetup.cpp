@@ -1,6 +1,7 @@
 #include "Core/HostSetup.h"
 
 #include "Core/Failure.h"
+#include "Core/Text.h"
 
 #include <PI/ConfigFile.h>
 #include <PI/LifeTimeData.h>
@@ -21,7 +22,7 @@ void startTrace(const TraceOptions& trace)
         TLX::Trace::setSink(trace.m_File ? TLX::Trace::rotatingFileSink(*trace.m_File)
                                          : TLX::Trace::standardErrorSink());
     } catch (const std::system_error& error) {
-        throw Failure(ExitCode::WrongUsage, "The trace file " + trace.m_File->string() +
+        throw Failure(ExitCode::WrongUsage, "The trace file " + printable(trace.m_File->string()) +
                                                 " cannot be written: " + error.code().message() + ".");
     }
     TLX::Trace::setDefaultMask(trace.m_Mask);
@@ -40,7 +41,7 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
 {
     TLX::Language_Support::CLanguageSupport::SetFolder(folders.m_Share);
     PI::SetLifeTimeFolder(folders.m_Share);
-    PI::CConfigFile::SetFolder(folders.m_Data.string());
+    PI::CConfigFile::SetFolder(folders.m_Data.native());
     startTrace(trace);
     if (m_Fleet)
         TLXX::setDeviceBackend(m_Fleet);

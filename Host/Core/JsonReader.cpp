@@ -1,25 +1,14 @@
 #include "Core/JsonReader.h"
 
+#include "Core/Text.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <stdexcept>
 #include <utility>
 
 namespace Host {
-namespace {
-
-template<typename Number>
-bool parseHexadecimal(std::string_view digits, Number& number)
-{
-    const char* const end = digits.data() + digits.size();
-    const auto [next, error] = std::from_chars(digits.data(), end, number, 16);
-    return error == std::errc() && next == end;
-}
-
-} // namespace
-
 JsonReader::JsonReader(const nlohmann::json& object, std::string place)
     : m_Object(&object), m_Place(std::move(place))
 {
@@ -30,7 +19,8 @@ JsonReader::JsonReader(const nlohmann::json& object, std::string place)
 void JsonReader::fail(const char* key, const std::string& what) const
 {
     const std::string place = *key != '\0' ? m_Place + "/" + key : m_Place;
-    throw std::runtime_error((place.empty() ? "the document" : place) + " " + what);
+    // Names are whatever the file holds, and line ends among them could pass for lines of this program.
+    throw std::runtime_error((place.empty() ? "the document" : printable(place)) + " " + what);
 }
 
 const nlohmann::json* JsonReader::find(const char* key) const
@@ -75,15 +65,12 @@ std::optional<std::uint64_t> JsonReader::number(const char* key, std::uint64_t l
     const nlohmann::json* value = find(key);
     if (value == nullptr)
         return std::nullopt;
-    std::uint64_t number = 0;
-    bool good = value->is_number_unsigned();
-    if (good) {
+    std::optional<std::uint64_t> number;
+    if (value->is_number_unsigned())
         number = value->get<std::uint64_t>();
-    } else if (value->is_string()) {
-        const auto& text = value->get_ref<const std::string&>();
-        good = text.substr(0, 2) == "0x" && parseHexadecimal(std::string_view(text).substr(2), number);
-    }
-    if (!good || number > largest)
+    else if (value->is_string())
+        number = parseHexadecimal(value->get_ref<const std::string&>());
+    if (!number || *number > largest)
         fail(key, "has to be a whole number from 0 to " + std::to_string(largest) +
                       ", or its hexadecimal text such as \"0x1F\"");
     return number;
@@ -138,8 +125,11 @@ std::vector<std::uint8_t> JsonReader::hexadecimal(const char* key, std::size_t l
     std::erase(digits, ' ');
     std::vector<std::uint8_t> bytes(digits.size() / 2);
     bool good = digits.size() % 2 == 0 && bytes.size() <= longest;
-    for (std::size_t i = 0; good && i < bytes.size(); ++i)
-        good = parseHexadecimal(std::string_view(digits).substr(2 * i, 2), bytes[i]);
+    for (std::size_t i = 0; good && i < bytes.size(); ++i) {
+        const auto byte = parseNumber(std::string_view(digits).substr(2 * i, 2), 16);
+        good = byte.has_value();
+        bytes[i] = static_cast<std::uint8_t>(byte.value_or(0));
+    }
     if (!good)
         fail(key, "has to be values by name, or at most " + std::to_string(longest) +
                       " bytes as pairs of hexadecimal digits");

@@ -11,16 +11,6 @@
 namespace Host {
 namespace {
 
-std::optional<std::uint64_t> parseIdentifier(std::string_view text)
-{
-    if (!startsWithIgnoringCase(text, "0x"))
-        return std::nullopt;
-    text.remove_prefix(2);
-    std::uint64_t id = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id, 16);
-    return error == std::errc() && end == text.data() + text.size() ? std::optional(id) : std::nullopt;
-}
-
 bool goesBySerialOrDevice(const PI::CObject& object, std::string_view name)
 {
     const std::string serial = textOf(object, PI::PROP_SERIAL_NUMBER);
@@ -109,9 +99,9 @@ std::vector<const PI::CObject*> ObjectStore::named(std::string_view name) const
     }
     if (adapters == 0)
         throw Failure(ExitCode::WrongUsage,
-                      "There is no object \"" + std::string(name) + "\". These are there:\n" + listing());
+                      "There is no object \"" + printable(name) + "\". These are there:\n" + listing());
     if (adapters > 1)
-        throw Failure(ExitCode::WrongUsage, "More than one adapter goes by \"" + std::string(name) +
+        throw Failure(ExitCode::WrongUsage, "More than one adapter goes by \"" + printable(name) +
                                                 "\"; name the one by its identifier. These are there:\n" +
                                                 listing());
     return matches;
@@ -119,7 +109,7 @@ std::vector<const PI::CObject*> ObjectStore::named(std::string_view name) const
 
 std::vector<const PI::CObject*> ObjectStore::namedExactly(std::string_view name) const
 {
-    const std::optional<std::uint64_t> id = parseIdentifier(name);
+    const std::optional<std::uint64_t> id = parseHexadecimal(name);
     for (const PI::CObject& object : m_Objects) {
         const std::string location = textOf(object, PI::PROP_LOCATION);
         if ((id && object.m_ID == *id) || (!location.empty() && equalIgnoringCase(location, name)) ||
@@ -136,7 +126,7 @@ std::string ObjectStore::listing() const
         text += "  " + identifierText(object.m_ID);
         for (const std::uint32_t id : {PI::PROP_DEVICE_NAME, PI::PROP_SERIAL_NUMBER, PI::PROP_LOCATION})
             if (const std::string part = textOf(object, id); !part.empty())
-                text += "  " + part;
+                text += "  " + printable(part);
         text += '\n';
     }
     text.erase(text.find_last_not_of('\n') + 1);

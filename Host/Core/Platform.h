@@ -2,12 +2,16 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 // What differs from system to system; each has a folder of its own behind this header.
 namespace Host::Platform {
+
+/** The words of the command line in UTF-8, the program's name first, from the arguments of `main`. */
+std::vector<std::string> commandLine(int argc, char** argv);
 
 /** The folder of the running program. */
 std::filesystem::path programFolder();
@@ -62,9 +66,12 @@ public:
     bool isTerminal() const;
     /** Columns of the terminal; 80 when it does not say. */
     unsigned terminalWidth() const;
+    /** Whether the terminal understands the escape sequences of colours. */
+    bool showsColours() const;
 
 private:
-    int m_Descriptor;
+    struct Native;
+    std::unique_ptr<Native> m_Native;
 };
 
 /** Whether standard error is a terminal. */

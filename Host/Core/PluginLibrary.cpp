@@ -1,6 +1,7 @@
 #include "Core/PluginLibrary.h"
 
 #include "Core/Failure.h"
+#include "Core/Text.h"
 
 #include <PI/ErrorCode.h>
 
@@ -39,13 +40,13 @@ std::string_view requestName(std::int32_t request)
                : "unknown";
 }
 
-PluginLibrary::PluginLibrary(const std::filesystem::path& file) : m_File(file.string())
+PluginLibrary::PluginLibrary(const std::filesystem::path& file) : m_File(printable(file.string()))
 {
     try {
         m_Library = std::make_unique<Platform::DynamicLibrary>(file);
     } catch (const std::runtime_error& error) {
         throw Failure(ExitCode::RequestFailed,
-                      "The plug-in " + m_File + " cannot be loaded: " + error.what() +
+                      "The plug-in " + m_File + " cannot be loaded: " + printable(error.what()) +
                           ". Name another one with --plugin, or install Ostrel again.");
     }
     create();

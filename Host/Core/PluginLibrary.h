@@ -45,7 +45,7 @@ private:
     void create();
     void request(PI::_REQUEST request, PI::CRequestData& data);
 
-    std::string m_File;
+    std::string m_File; ///< as messages name it
     std::unique_ptr<Platform::DynamicLibrary> m_Library;
     std::unique_ptr<IPLUGINAPI, Release> m_Plugin{nullptr, Release{nullptr}};
 };

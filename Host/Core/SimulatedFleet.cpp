@@ -1,9 +1,10 @@
 #include "Core/SimulatedFleet.h"
 
 #include "Core/Failure.h"
+#include "Core/FileText.h"
+#include "Core/Text.h"
 
 #include <algorithm>
-#include <fstream>
 #include <utility>
 
 namespace Host {
@@ -14,54 +15,41 @@ constexpr std::uint32_t NO_SUCH_DISK = 2;
 constexpr std::uint32_t INTERNAL_ERROR = 0x10006;
 constexpr std::uint32_t INVALID_LOG_PAGE = 0x10109;
 
-constexpr std::size_t LARGEST_FILE = 64U << 20U;
-
 constexpr char REMEDY[] = " Correct the file; DemoFleet.json in the program's share folder is an example.";
 
-std::optional<std::string> readText(const std::filesystem::path& file)
+std::string nameOf(const std::filesystem::path& file)
 {
-    std::ifstream stream(file, std::ios::binary);
-    std::string text;
-    char chunk[1U << 14U];
-    while (stream.read(chunk, sizeof chunk) || stream.gcount() > 0) {
-        text.append(chunk, static_cast<std::size_t>(stream.gcount()));
-        if (text.size() > LARGEST_FILE)
-            return std::nullopt;
-    }
-    return stream.eof() ? std::optional(std::move(text)) : std::nullopt;
+    return "The fleet file " + printable(file.string());
 }
 
 } // namespace
 
 SimulatedFleet::SimulatedFleet(std::filesystem::path file, Warn warn)
-    : m_File(std::move(file)), m_Warn(std::move(warn)), m_LastText(readText(m_File))
+    : m_File(std::move(file)), m_Warn(std::move(warn)), m_LastText(readFile(m_File))
 {
     if (!m_LastText)
-        throw Failure(ExitCode::WrongUsage,
-                      "The fleet file " + m_File.string() + " cannot be read, or is larger than 64 MiB.");
+        throw Failure(ExitCode::WrongUsage, nameOf(m_File) + " cannot be read, or is larger than 64 MiB.");
     try {
         m_Controllers = parseFleet(*m_LastText);
     } catch (const std::runtime_error& error) {
-        throw Failure(ExitCode::WrongUsage,
-                      "The fleet file " + m_File.string() + " is wrong: " + error.what() + "." + REMEDY);
+        throw Failure(ExitCode::WrongUsage, nameOf(m_File) + " is wrong: " + error.what() + "." + REMEDY);
     }
 }
 
 void SimulatedFleet::lookAgain()
 {
-    std::optional<std::string> text = readText(m_File);
+    std::optional<std::string> text = readFile(m_File);
     if (text == m_LastText)
         return;
     m_LastText = std::move(text);
     if (!m_LastText) {
-        m_Warn("The fleet file " + m_File.string() + " can no longer be read; the fleet stays as it was.");
+        m_Warn(nameOf(m_File) + " can no longer be read; the fleet stays as it was.");
         return;
     }
     try {
         m_Controllers = parseFleet(*m_LastText);
     } catch (const std::runtime_error& error) {
-        m_Warn("The fleet file " + m_File.string() +
-               " is wrong now, the fleet stays as it was: " + error.what() + "." + REMEDY);
+        m_Warn(nameOf(m_File) + " is wrong now, the fleet stays as it was: " + error.what() + "." + REMEDY);
     }
 }
 

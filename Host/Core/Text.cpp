@@ -1,7 +1,9 @@
 #include "Core/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cstdlib>
 #include <vector>
 
 namespace Host {
@@ -15,6 +17,46 @@ char lower(char character)
 bool isContinuation(char byte)
 {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+/** A character's UTF-8 form: how its first byte looks, and the smallest number that needs that many bytes. */
+struct Form
+{
+    unsigned m_Mask;
+    unsigned m_Lead;
+    std::uint32_t m_Smallest;
+};
+
+// By the number of bytes.
+constexpr std::array FORMS = {Form{0x80, 0x00, 0}, Form{0xE0, 0xC0, 0x80}, Form{0xF0, 0xE0, 0x800},
+                              Form{0xF8, 0xF0, 0x10000}};
+
+bool isCharacter(std::uint32_t code)
+{
+    const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
+    const bool isSurrogate = code >= 0xD800 && code < 0xE000;
+    return !isControl && !isSurrogate && code <= 0x10FFFF;
+}
+
+/** The bytes that the character at the head of `text` takes; negative for one that must not be shown. */
+int characterSize(std::string_view text)
+{
+    const auto first = static_cast<unsigned char>(text.front());
+    for (std::size_t size = 1; size <= FORMS.size(); ++size) {
+        const Form& form = FORMS[size - 1];
+        if ((first & form.m_Mask) != form.m_Lead)
+            continue;
+        std::uint32_t code = first & ~form.m_Mask;
+        for (std::size_t i = 1; i < size; ++i) {
+            if (i == text.size() || !isContinuation(text[i]))
+                return -1;
+            code = code << 6U | (static_cast<unsigned char>(text[i]) & 0x3FU);
+        }
+        if (code < form.m_Smallest)
+            return -1;
+        return isCharacter(code) ? static_cast<int>(size) : -static_cast<int>(size);
+    }
+    return -1;
 }
 
 constexpr std::string_view ELLIPSIS = "\u2026";
@@ -35,17 +77,14 @@ bool startsWithIgnoringCase(std::string_view text, std::string_view prefix)
 std::string printable(std::string_view text)
 {
     std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const unsigned next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0U;
-        // The second set of control characters is 0xC2 0x80 to 0xC2 0x9F in UTF-8.
-        if (byte == 0xC2 && next >= 0x80 && next < 0xA0)
-            ++i;
-        else if (byte >= 0x20 && byte != 0x7F) {
-            result += text[i];
-            continue;
-        }
-        result += '?';
+    while (!text.empty()) {
+        const int size = characterSize(text);
+        const auto bytes = static_cast<std::size_t>(std::abs(size));
+        if (size > 0)
+            result += text.substr(0, bytes);
+        else
+            result += '?';
+        text.remove_prefix(bytes);
     }
     return result;
 }
@@ -80,6 +119,19 @@ std::string shortened(const std::string& text, std::size_t width)
            (tail > 0 ? text.substr(starts[starts.size() - tail]) : std::string());
 }
 
+std::optional<std::uint64_t> parseNumber(std::string_view text, int base)
+{
+    std::uint64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [next, error] = std::from_chars(text.data(), end, number, base);
+    return error == std::errc() && next == end ? std::optional(number) : std::nullopt;
+}
+
+std::optional<std::uint64_t> parseHexadecimal(std::string_view text)
+{
+    return startsWithIgnoringCase(text, "0x") ? parseNumber(text.substr(2), 16) : std::nullopt;
+}
+
 std::string decimalText(double number, int decimals)
 {
     // Wide enough for the largest number in fixed notation.
@@ -87,6 +139,11 @@ std::string decimalText(double number, int decimals)
     const auto result =
         std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed, decimals);
     return {buffer, result.ptr};
+}
+
+std::filesystem::path pathFromUtf8(std::string_view text)
+{
+    return std::u8string(text.begin(), text.end());
 }
 
 } // namespace Host

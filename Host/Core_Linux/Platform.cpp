@@ -13,6 +13,11 @@
 
 namespace Host::Platform {
 
+std::vector<std::string> commandLine(int argc, char** argv)
+{
+    return {argv, argv + argc};
+}
+
 std::filesystem::path programFolder()
 {
     return std::filesystem::read_symlink("/proc/self/exe").parent_path();
@@ -53,13 +58,22 @@ void* DynamicLibrary::symbol(const char* name) const
     return dlsym(m_Handle, name);
 }
 
-ResultChannel::ResultChannel() : m_Descriptor(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)) {}
-
-ResultChannel::~ResultChannel()
+struct ResultChannel::Native
 {
-    if (m_Descriptor >= 0)
-        (void)close(m_Descriptor);
-}
+    Native() = default;
+    ~Native()
+    {
+        if (m_Descriptor >= 0)
+            (void)close(m_Descriptor);
+    }
+    Native(const Native&) = delete;
+    Native& operator=(const Native&) = delete;
+
+    int m_Descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+};
+
+ResultChannel::ResultChannel() : m_Native(std::make_unique<Native>()) {}
+ResultChannel::~ResultChannel() = default;
 
 void ResultChannel::divertOthers(Elsewhere elsewhere)
 {
@@ -77,7 +91,7 @@ void ResultChannel::divertOthers(Elsewhere elsewhere)
 void ResultChannel::write(std::string_view text)
 {
     while (!text.empty()) {
-        const ssize_t written = ::write(m_Descriptor, text.data(), text.size());
+        const ssize_t written = ::write(m_Native->m_Descriptor, text.data(), text.size());
         if (written < 0 && errno == EINTR)
             continue;
         if (written < 0)
@@ -88,14 +102,20 @@ void ResultChannel::write(std::string_view text)
 
 bool ResultChannel::isTerminal() const
 {
-    return isatty(m_Descriptor) == 1;
+    return isatty(m_Native->m_Descriptor) == 1;
 }
 
 unsigned ResultChannel::terminalWidth() const
 {
     constexpr unsigned usual = 80;
     winsize size{};
-    return ioctl(m_Descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
+    return ioctl(m_Native->m_Descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
+}
+
+bool ResultChannel::showsColours() const
+{
+    const char* const terminal = std::getenv("TERM");
+    return isTerminal() && terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
 }
 
 bool errorsGoToTerminal()

@@ -5,7 +5,9 @@
 namespace {
 
 using namespace Host::Cli;
+using testing::AllOf;
 using testing::HasSubstr;
+using testing::Not;
 
 Options parse(std::vector<std::string> words)
 {
@@ -91,6 +93,14 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
     EXPECT_THAT(refusalOf({"list", "--data", "/does/not/exist"}), HasSubstr("no folder \"/does/not/exist\""));
 }
 
+TEST(CommandLine, AWordForgesNoLineOfARefusal)
+{
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"a\nostrel: all is well"},
+                                                  {"list", "a\nostrel: all is well"},
+                                                  {"list", "--data", "/a\nostrel: all is well"}})
+        EXPECT_THAT(refusalOf(words), AllOf(HasSubstr("a?ostrel: all is well"), Not(HasSubstr("\n"))));
+}
+
 TEST(CommandLine, ReadsMasksInBothBases)
 {
     EXPECT_EQ(parseMask("0"), 0U);
@@ -115,6 +125,8 @@ TEST(CommandLine, HelpIsThereForTheProgramAndEveryCommand)
         const std::string text = textFor({command, "--help"});
         EXPECT_THAT(text, HasSubstr(std::string("Usage: ostrel ") + command));
         EXPECT_THAT(text, HasSubstr("Examples:"));
+        EXPECT_THAT(text, HasSubstr("--json "));
+        EXPECT_THAT(text, HasSubstr("All options of \"ostrel --help\""));
     }
 }
 

@@ -3,6 +3,10 @@
 #include "Core/DeviceAccess.h"
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
+#include "Support/FakeDrives.h"
+#include "Support/TemporaryFolder.h"
+
+#include <TLXX/NvmeQuery.h>
 
 #include <nlohmann/json.hpp>
 
@@ -103,6 +107,38 @@ TEST(CheckControllers, HavingNoneOrNoDiskIsAProblem)
     EXPECT_EQ(exitCodeOf(checkControllers({stateOf(0), state})), ExitCode::Done);
 }
 
+/** Drives "/dev/nvme0n1" and up. */
+struct FakesOf
+{
+    explicit FakesOf(std::uint32_t count)
+    {
+        for (std::uint32_t i = 0; i < count; ++i)
+            m_Fakes.Add(TestSupport::CFakeDrive(i));
+    }
+
+    static std::string path(int number) { return stateOf(number).m_DeviceName; }
+
+    static void identify(int number)
+    {
+        TLXX::NVME_IDENTIFY_CONTROLLER block{};
+        (void)TLXX::NVMeStorageQueryPropertyIdentifyController(path(number), block);
+    }
+
+    static void readNamespace(int number)
+    {
+        TLXX::NVME_IDENTIFY_NAMESPACE block{};
+        (void)TLXX::NVMeStorageQueryPropertyIdentifyNamespace(path(number), block);
+    }
+
+    static void readHealth(int number)
+    {
+        TLXX::NVME_SMART_HEALTH_INFORMATION_LOG block{};
+        (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(path(number), block);
+    }
+
+    TestSupport::CFakeDrives m_Fakes;
+};
+
 class CheckInventoryTest : public testing::Test
 {
 protected:
@@ -126,10 +162,30 @@ TEST_F(CheckInventoryTest, HasNothingToSayWhenAllIsThere)
 
 TEST_F(CheckInventoryTest, TellsOfADroppedDiskAndTheNumbersBehindIt)
 {
+    const FakesOf drives(2);
+    drives.identify(0);
     HostTest::DriveObjects shifted(16, "B", "/dev/nvme1n1");
     EXPECT_THAT(check({stateOf(0), stateOf(1)}, {shifted}),
                 ElementsAre(finding(Finding::Note, "is left out on purpose"),
                             finding(Finding::Note, "sits at 0000:20:1f.1, but is shown at PCI:Bus=16&"),
+                            finding(Finding::Note, "shift the numbers")));
+}
+
+TEST_F(CheckInventoryTest, TellsWhyADiskIsMissingByWhatItAnswered)
+{
+    FakesOf drives(2);
+    drives.m_Fakes.At(0).m_ControllerStatuses = {5};
+    drives.identify(0);
+    drives.identify(1);
+    // What other queries ended with says nothing of what the drive is.
+    drives.readHealth(0);
+    drives.m_Fakes.At(1).m_HealthStatuses = {5};
+    drives.readHealth(1);
+    const std::vector<Check> checks = check({stateOf(0), stateOf(1), stateOf(9)}, {});
+    EXPECT_THAT(checks,
+                ElementsAre(finding(Finding::Problem, "does not say what it is: " + TLXX::statusText(5)),
+                            finding(Finding::Note, "is left out on purpose"),
+                            finding(Finding::Note, "came or went while the inventory was taken"),
                             finding(Finding::Note, "shift the numbers")));
 }
 
@@ -142,13 +198,24 @@ TEST_F(CheckInventoryTest, DoesNotMissADiskThatRefusesThisUser)
 
 TEST_F(CheckInventoryTest, TellsWhatADriveLeftUnanswered)
 {
+    FakesOf drives(1);
     m_First.remove(PI::PROP_DRIVE_TEMPERATURE);
+    drives.m_Fakes.At(0).m_HealthStatuses = {5};
+    drives.readHealth(0);
+    // A vendor log that a drive does not know is no trouble, and must not be taken for its health log.
+    TLXX::VendorLogPage page{};
+    EXPECT_NE(TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage("/dev/nvme0n1", 0xC5, page), 0U);
     EXPECT_THAT(check({stateOf(0)}, {m_First}),
-                ElementsAre(finding(Finding::Problem, "health log was not read")));
+                ElementsAre(finding(Finding::Problem,
+                                    "health log was not read (" + TLXX::statusText(5) + "); health")));
+    drives.readHealth(0);
+    EXPECT_THAT(check({stateOf(0)}, {m_First}),
+                ElementsAre(finding(Finding::Problem, "health log was never filled")));
 }
 
 TEST_F(CheckInventoryTest, TellsOfNamespacesWithoutCapacity)
 {
+    FakesOf drives(1);
     const auto with = [&](std::uint64_t capacity, std::uint64_t blockSize) {
         HostTest::DriveObjects objects = m_First;
         objects.remove(PI::PROP_CAPACITY);
@@ -159,7 +226,13 @@ TEST_F(CheckInventoryTest, TellsOfNamespacesWithoutCapacity)
         return check({stateOf(0)}, {objects});
     };
     EXPECT_THAT(with(0, 512), ElementsAre(finding(Finding::Note, "holds no blocks")));
+    drives.readNamespace(0);
     EXPECT_THAT(with(0, 0), ElementsAre(finding(Finding::Problem, "block format is unset or out of range")));
+    drives.m_Fakes.At(0).m_NamespaceStatuses = {5};
+    drives.readNamespace(0);
+    drives.readHealth(0);
+    EXPECT_THAT(with(0, 0), ElementsAre(finding(Finding::Problem,
+                                                "namespace was not read (" + TLXX::statusText(5) + ")")));
 }
 
 TEST_F(CheckInventoryTest, TellsOfStrangeTexts)
@@ -168,6 +241,54 @@ TEST_F(CheckInventoryTest, TellsOfStrangeTexts)
                 ElementsAre(finding(Finding::Note, "cannot be printed")));
     EXPECT_THAT(check({stateOf(0)}, {HostTest::DriveObjects(16, "", "/dev/nvme0n1")}),
                 ElementsAre(finding(Finding::Note, "no serial number")));
+}
+
+TEST(CheckRefusal, NamesTheDrivesOnWhichThePluginMayHaveFailed)
+{
+    FakesOf drives(5);
+    drives.m_Fakes.At(0).Vendor(0x8086).Model("INTEL");
+    drives.m_Fakes.At(1).Vendor(0x144D).Model("SAMSUNG");
+    drives.m_Fakes.At(2).Vendor(0x8086).Model("INTEL X");
+    drives.m_Fakes.At(3).Model("INTEL");
+    drives.m_Fakes.At(4).m_ControllerStatuses = {5};
+    std::vector<TLXX::CControllerState> states;
+    for (int i = 0; i < 5; ++i)
+        states.push_back(stateOf(i));
+    states.push_back(stateOf(0));
+    states.back().m_AccessStatus = EACCES;
+    const std::vector<Check> checks = checkRefusal(states, {4, 20000});
+    EXPECT_THAT(checks, ElementsAre(finding(Finding::Problem, "model is \"INTEL\", the maker's name alone"),
+                                    finding(Finding::Problem, "model is \"SAMSUNG\""),
+                                    finding(Finding::Problem, "does not say what it is")));
+    EXPECT_EQ(checks[0].m_Subject, "nvme0");
+}
+
+TEST(CheckRefusal, SaysOfEachDiskWhyNoneIsSupported)
+{
+    FakesOf drives(2);
+    drives.m_Fakes.At(1).m_ControllerStatuses = {5};
+    drives.identify(0);
+    drives.identify(1);
+    EXPECT_THAT(checkRefusal({stateOf(0), stateOf(1)}, {1, 20001}),
+                ElementsAre(finding(Finding::Note, "is left out on purpose"),
+                            finding(Finding::Problem, "does not say what it is")));
+}
+
+TEST(CheckSettings, TellsOfAFileThatIsIgnored)
+{
+    const TestSupport::CTemporaryFolder folder;
+    EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Ok, "Ostrel.ini, so the usual values hold"));
+    folder.Write("Ostrel.ini", "PollInterval=45\n");
+    EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Ok, "Ostrel.ini"));
+    folder.Write("Ostrel.ini", std::string("PollInterval=45\n\0", 17));
+    const Check torn = checkSettings(folder.Path());
+    EXPECT_THAT(torn, finding(Finding::Problem, "holds zero bytes"));
+    EXPECT_THAT(torn.m_Remedy, HasSubstr("Write it again"));
+    std::filesystem::remove(folder.Path() / "Ostrel.ini");
+    std::filesystem::create_directory(folder.Path() / "Ostrel.ini");
+    const Check unreadable = checkSettings(folder.Path());
+    EXPECT_THAT(unreadable, finding(Finding::Problem, "cannot be read"));
+    EXPECT_THAT(unreadable.m_Remedy, HasSubstr("may read"));
 }
 
 TEST(DoctorText, HasALineForEachCheck)

@@ -78,6 +78,22 @@ TEST_F(DrivesTest, WhatIsNotReportedStaysEmpty)
     EXPECT_EQ(drive.m_Firmware, "");
 }
 
+TEST_F(DrivesTest, TheHealthOfADriveWithoutAHealthLogIsUnknown)
+{
+    for (const std::uint32_t id : {PI::PROP_DRIVE_TEMPERATURE, PI::PROP_DATA_READ, PI::PROP_DATA_WRITTEN,
+                                   PI::PROP_ENDURANCE_USED, PI::PROP_POWER_ON_HOURS})
+        m_Objects.remove(id);
+    // What the drive was found to suffer from stays true.
+    EXPECT_EQ(joined(m_Objects).m_Health->m_Text, "Critical");
+    m_Objects.remove(PI::PROP_STATUS_REASONS);
+    EXPECT_EQ(joined(m_Objects).m_Health->m_Text, "Unknown");
+    EXPECT_EQ(joined(m_Objects).m_Health->m_Code, std::nullopt);
+    EXPECT_FALSE(joined(m_Objects).m_Spare || joined(m_Objects).m_SpareThreshold ||
+                 joined(m_Objects).m_MediaErrors);
+    m_Objects.m_Adapter.m_Properties.push_back(property(PI::PROP_POWER_ON_HOURS, 1, std::uint64_t{0}));
+    EXPECT_EQ(joined(m_Objects).m_Health->m_Code, 40095U);
+}
+
 TEST_F(DrivesTest, AnAddressOfZerosIsNone)
 {
     for (const std::uint32_t id : {PI::PROP_PCI_BUS, PI::PROP_PCI_DEVICE, PI::PROP_PCI_FUNCTION}) {

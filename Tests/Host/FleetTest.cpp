@@ -24,14 +24,19 @@ json goodFleet()
     }]})");
 }
 
-std::string complaintAbout(const json& fleet)
+std::string refusalOf(const std::string& text)
 {
     try {
-        Host::parseFleet(fleet.dump());
+        Host::parseFleet(text);
     } catch (const std::runtime_error& error) {
         return error.what();
     }
     return "accepted";
+}
+
+std::string complaintAbout(const json& fleet)
+{
+    return refusalOf(fleet.dump());
 }
 
 /** What is said of a good fleet after `spoil` has worked on its controller. */
@@ -90,6 +95,14 @@ TEST(Fleet, TakesRecordedPagesAsHexadecimalDigits)
     EXPECT_EQ(parsed[0].m_Health->AvailableSpare, 0x55);
 }
 
+TEST(Fleet, TakesAnEmptyPageForOneOfZeros)
+{
+    const auto parsed = Host::parseFleet(R"({"controllers": [{"identify": "", "health": " "}]})");
+    EXPECT_EQ(parsed[0].m_Identify->VID, 0);
+    EXPECT_EQ(parsed[0].m_Identify->sModelNumber(), "");
+    EXPECT_EQ(parsed[0].m_Health->CompositeTemperature(), 0);
+}
+
 TEST(Fleet, LeavesOutWhatIsNotThere)
 {
     const auto fleet = Host::parseFleet(R"({"controllers": [{}, {}]})");
@@ -104,14 +117,32 @@ TEST(Fleet, LeavesOutWhatIsNotThere)
 
 TEST(Fleet, RefusesTextThatIsNoJson)
 {
-    for (const char* text : {"", "{", R"({"controllers": [)", "\xFF\xFE", "{'controllers': []}"}) {
-        try {
-            Host::parseFleet(text);
-            ADD_FAILURE() << text;
-        } catch (const std::runtime_error& error) {
-            EXPECT_THAT(error.what(), testing::StartsWith("parse error at line 1, column")) << text;
-        }
-    }
+    for (const char* text : {"", "{", R"({"controllers": [)", "\xFF\xFE", "{'controllers': []}"})
+        EXPECT_THAT(refusalOf(text), testing::StartsWith("parse error at line 1, column")) << text;
+}
+
+TEST(Fleet, RefusesNumbersBeyondEveryRange)
+{
+    for (const char* text : {R"({"controllers": [{"identify": {"vendorId": 1e999}}]})", "[1e999]", "-1e999"})
+        EXPECT_THAT(refusalOf(text), testing::HasSubstr("number overflow parsing")) << text;
+}
+
+TEST(Fleet, RefusesANameThatStandsTwiceInOneObject)
+{
+    EXPECT_EQ(refusalOf(R"({"controllers": [], "controllers": []})"),
+              "\"controllers\" stands twice in one object");
+    EXPECT_EQ(refusalOf(R"({"controllers": [{"driver": "a"}, {"driver": "b", "driver": "b"}]})"),
+              "\"driver\" stands twice in one object");
+    EXPECT_THAT(refusalOf(R"({"controllers": [{"vendorLogs": {"0xC5": "00", "0xc5": "00"}}]})"),
+                testing::HasSubstr("is there in another spelling, too"));
+}
+
+TEST(Fleet, LetsNoNameForgeALineOfItsMessages)
+{
+    EXPECT_EQ(complaintAbout({{"a\nostrel: all is well\x1B", 1}}),
+              "/a?ostrel: all is well? is not known here; known are: controllers");
+    EXPECT_EQ(refusalOf("{\"a\\nb\": 1, \"a\\nb\": 2}"), "\"a?b\" stands twice in one object");
+    EXPECT_THAT(refusalOf("{\"a\": \"\xC3(\n"), testing::Not(testing::ContainsRegex("[\n\xC3]")));
 }
 
 TEST(Fleet, RefusesAnotherShape)

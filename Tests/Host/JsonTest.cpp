@@ -90,6 +90,9 @@ TEST_F(JsonTest, WritesADriveWithAllItsFields)
 TEST_F(JsonTest, LeavesOutWhatADriveDoesNotReport)
 {
     EXPECT_EQ(driveJson(Drive{}).dump(), "{}");
+    Drive unread;
+    unread.m_Health = {std::nullopt, "Unknown"};
+    EXPECT_EQ(driveJson(unread), parsed(R"({"health": "Unknown"})"));
 }
 
 TEST_F(JsonTest, WritesFailures)

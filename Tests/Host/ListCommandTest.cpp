@@ -93,6 +93,9 @@ TEST_F(ListCommandTest, ShowsADashForWhatIsUnknown)
 TEST_F(ListCommandTest, ColoursTheHealthAndStillSaysIt)
 {
     EXPECT_THAT(Host::Cli::listText({longDrive()}, {80, true}), HasSubstr("\033[1;31mCritical\033[0m"));
+    Host::Cli::Drive unread = longDrive();
+    unread.m_Health = {std::nullopt, "Unknown"};
+    EXPECT_THAT(Host::Cli::listText({unread}, {200, true}), HasSubstr("  Unknown\n"));
 }
 
 } // namespace

@@ -67,6 +67,11 @@ TEST_F(ObjectStoreTest, AnUnknownNameGetsAListOfWhatThereIs)
     }
 }
 
+TEST_F(ObjectStoreTest, ANameForgesNoLineOfARefusal)
+{
+    EXPECT_THAT(refusalOf("a\nostrel: all is well\x9B"), HasSubstr("object \"a?ostrel: all is well?\"."));
+}
+
 TEST_F(ObjectStoreTest, ANameOfTwoAdaptersIsRefused)
 {
     EXPECT_THAT(refusalOf("TWIN"), HasSubstr("More than one adapter goes by \"TWIN\""));

@@ -2,7 +2,7 @@
 
 #include "Core/Failure.h"
 #include "Core/HostSetup.h"
-#include "Host/TemporaryFolder.h"
+#include "Support/TemporaryFolder.h"
 
 namespace {
 
@@ -64,12 +64,12 @@ class RealPluginTest : public testing::Test
 protected:
     std::unique_ptr<Host::HostSetup> setupOf(const std::string& fleet)
     {
-        return std::make_unique<Host::HostSetup>(Host::HostFolders{OSTREL_SHARE, m_Folder.path()},
-                                                 Host::TraceOptions{}, m_Folder.write("fleet.json", fleet),
+        return std::make_unique<Host::HostSetup>(Host::HostFolders{OSTREL_SHARE, m_Folder.Path()},
+                                                 Host::TraceOptions{}, m_Folder.Write("fleet.json", fleet),
                                                  [](const std::string&) { ADD_FAILURE(); });
     }
 
-    HostTest::TemporaryFolder m_Folder;
+    TestSupport::CTemporaryFolder m_Folder;
 };
 
 TEST_F(RealPluginTest, AnswersWithTheFleetInPlaceOfTheMachine)

@@ -35,6 +35,13 @@ TEST_F(ShowCommandTest, FindsAPropertyByNumberOrCaptionOnEitherObject)
     EXPECT_EQ(&namedProperty(m_Both, "location"), Host::findProperty(m_Objects.m_Adapter, PI::PROP_LOCATION));
 }
 
+TEST_F(ShowCommandTest, PrefersAPropertyThatHasAValue)
+{
+    EXPECT_EQ(&namedProperty(m_Both, "30007"), Host::findProperty(m_Objects.m_Drive, PI::PROP_NAME));
+    const std::vector<const PI::CObject*> adapter = {&m_Objects.m_Adapter};
+    EXPECT_EQ(&namedProperty(adapter, "30007"), Host::findProperty(m_Objects.m_Adapter, PI::PROP_NAME));
+}
+
 TEST_F(ShowCommandTest, AnUnknownPropertyGetsAListOfWhatThereIs)
 {
     for (const char* name : {"colour", "", "3005"}) {

@@ -1,7 +1,7 @@
 #include "Core/SimulatedFleet.h"
 
 #include "Core/Failure.h"
-#include "Host/TemporaryFolder.h"
+#include "Support/TemporaryFolder.h"
 
 namespace {
 
@@ -9,6 +9,7 @@ using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 constexpr char ONE[] = R"({"controllers": [{"identify": {"vendorId": 1, "model": "M", "serial": "A"}}]})";
 constexpr char TWO[] = R"({"controllers": [
@@ -20,7 +21,7 @@ class SimulatedFleetTest : public testing::Test
 protected:
     Host::SimulatedFleet fleetOf(const std::string& text)
     {
-        return {m_Folder.write("fleet.json", text),
+        return {m_Folder.Write("fleet.json", text),
                 [this](const std::string& warning) { m_Warnings.push_back(warning); }};
     }
 
@@ -43,34 +44,43 @@ protected:
         return "accepted";
     }
 
-    HostTest::TemporaryFolder m_Folder;
+    TestSupport::CTemporaryFolder m_Folder;
     std::vector<std::string> m_Warnings;
 };
 
 TEST_F(SimulatedFleetTest, AFileThatCannotBeReadIsAnErrorAtStart)
 {
-    EXPECT_THAT(refusalOf(m_Folder.path() / "none.json"),
+    EXPECT_THAT(refusalOf(m_Folder.Path() / "none.json"),
                 AllOf(HasSubstr("none.json"), HasSubstr("cannot be read")));
-    EXPECT_THAT(refusalOf(m_Folder.path()), HasSubstr("cannot be read"));
+    EXPECT_THAT(refusalOf(m_Folder.Path()), HasSubstr("cannot be read"));
 }
 
 TEST_F(SimulatedFleetTest, AWrongFileIsAnErrorAtStartThatNamesFilePlaceAndRemedy)
 {
     EXPECT_THAT(
-        refusalOf(m_Folder.write("bad.json", R"({"controllers": [{"health": {"temperature": 999}}]})")),
+        refusalOf(m_Folder.Write("bad.json", R"({"controllers": [{"health": {"temperature": 999}}]})")),
         AllOf(HasSubstr("bad.json"), HasSubstr("/controllers/0/health/temperature"),
               HasSubstr("DemoFleet.json")));
-    EXPECT_THAT(refusalOf(m_Folder.write("torn.json", R"({"controllers": [{"health")")),
+    EXPECT_THAT(refusalOf(m_Folder.Write("torn.json", R"({"controllers": [{"health")")),
                 AllOf(HasSubstr("torn.json"), HasSubstr("line 1"), HasSubstr("Correct the file")));
+    EXPECT_THAT(refusalOf(m_Folder.Write("huge.json", R"({"controllers": 1e999})")),
+                AllOf(HasSubstr("huge.json"), HasSubstr("1e999"), HasSubstr("Correct the file")));
+}
+
+TEST_F(SimulatedFleetTest, TheNameOfAFileForgesNoLineOfItsMessages)
+{
+    EXPECT_THAT(refusalOf(m_Folder.Path() / "a\nostrel: all is well"),
+                AllOf(HasSubstr("a?ostrel: all is well"), Not(HasSubstr("\n"))));
+    EXPECT_THAT(refusalOf(m_Folder.Write("b\nc", "{}")), AllOf(HasSubstr("b?c"), Not(HasSubstr("\n"))));
 }
 
 TEST_F(SimulatedFleetTest, DrivesComeAndGoWithTheFile)
 {
     Host::SimulatedFleet fleet = fleetOf(ONE);
     EXPECT_THAT(devices(fleet), ElementsAre("/dev/nvme0n1"));
-    m_Folder.write("fleet.json", TWO);
+    m_Folder.Write("fleet.json", TWO);
     EXPECT_THAT(devices(fleet), ElementsAre("/dev/nvme0n1", "/dev/nvme1n1"));
-    m_Folder.write("fleet.json", R"({"controllers": []})");
+    m_Folder.Write("fleet.json", R"({"controllers": []})");
     EXPECT_THAT(devices(fleet), IsEmpty());
     EXPECT_THAT(m_Warnings, IsEmpty());
 }
@@ -78,26 +88,31 @@ TEST_F(SimulatedFleetTest, DrivesComeAndGoWithTheFile)
 TEST_F(SimulatedFleetTest, AWrongFileKeepsTheLastStateAndWarnsOnceAChange)
 {
     Host::SimulatedFleet fleet = fleetOf(TWO);
-    m_Folder.write("fleet.json", R"({"controllers": [)");
+    m_Folder.Write("fleet.json", R"({"controllers": [)");
     EXPECT_EQ(devices(fleet).size(), 2U);
     EXPECT_EQ(devices(fleet).size(), 2U);
     ASSERT_EQ(m_Warnings.size(), 1U);
     EXPECT_THAT(m_Warnings[0],
                 AllOf(HasSubstr("fleet.json"), HasSubstr("stays as it was"), HasSubstr("line 1")));
 
-    m_Folder.write("fleet.json", R"({"controllers": [5]})");
+    m_Folder.Write("fleet.json", R"({"controllers": [5]})");
     EXPECT_EQ(devices(fleet).size(), 2U);
     EXPECT_EQ(m_Warnings.size(), 2U);
 
-    std::filesystem::remove(m_Folder.path() / "fleet.json");
-    EXPECT_EQ(devices(fleet).size(), 2U);
+    m_Folder.Write("fleet.json", R"({"controllers": [{"identify": {"vendorId": 1e999}}]})");
     EXPECT_EQ(devices(fleet).size(), 2U);
     ASSERT_EQ(m_Warnings.size(), 3U);
-    EXPECT_THAT(m_Warnings[2], HasSubstr("can no longer be read"));
+    EXPECT_THAT(m_Warnings[2], AllOf(HasSubstr("stays as it was"), HasSubstr("1e999")));
 
-    m_Folder.write("fleet.json", ONE);
+    std::filesystem::remove(m_Folder.Path() / "fleet.json");
+    EXPECT_EQ(devices(fleet).size(), 2U);
+    EXPECT_EQ(devices(fleet).size(), 2U);
+    ASSERT_EQ(m_Warnings.size(), 4U);
+    EXPECT_THAT(m_Warnings[3], HasSubstr("can no longer be read"));
+
+    m_Folder.Write("fleet.json", ONE);
     EXPECT_EQ(devices(fleet).size(), 1U);
-    EXPECT_EQ(m_Warnings.size(), 3U);
+    EXPECT_EQ(m_Warnings.size(), 4U);
 }
 
 TEST_F(SimulatedFleetTest, AnswersEachDiskWithItsBlocks)

@@ -19,6 +19,38 @@ TEST(Text, LetsNoControlCharacterThrough)
     EXPECT_EQ(Host::printableLines("a\tb\nc\r"), "a?b\nc?");
 }
 
+TEST(Text, LetsNothingThroughThatIsNoUtf8)
+{
+    const std::string whole = "\u00a0 \u20ac \U0001F600 \uD7FF \uE000 \U0010FFFF";
+    EXPECT_EQ(Host::printable(whole), whole);
+    EXPECT_EQ(Host::printable("a\x9B\x80 31m"), "a?? 31m");
+    EXPECT_EQ(Host::printable("\xC3"), "?");
+    EXPECT_EQ(Host::printable("\xC3 x"), "? x");
+    EXPECT_EQ(Host::printable("\xE2\x82"), "??");
+    EXPECT_EQ(Host::printable("\xE2\x82\nx"), "???x");
+    // Longer forms than needed, among them those of a control character; surrogates; beyond the last
+    // character.
+    EXPECT_EQ(Host::printable("\xC0\x8A"), "??");
+    EXPECT_EQ(Host::printable("\xE0\x80\x8A"), "???");
+    EXPECT_EQ(Host::printable("\xF0\x82\x82\xAC"), "????");
+    EXPECT_EQ(Host::displayWidth(Host::printable("\xED\xA0\x80")), 1U);
+    EXPECT_EQ(Host::displayWidth(Host::printable("\xF4\x90\x80\x80")), 1U);
+    EXPECT_EQ(Host::printable("\xF8\x88\x80\x80\x80\xFE\xFF"), "???????");
+}
+
+TEST(Text, ReadsNumbersThatAreTheWholeText)
+{
+    EXPECT_EQ(Host::parseNumber("010", 10), 10U);
+    EXPECT_EQ(Host::parseNumber("fF", 16), 255U);
+    EXPECT_EQ(Host::parseNumber("18446744073709551615", 10), ~0ULL);
+    for (const char* text : {"", "18446744073709551616", "-1", "+1", " 1", "1 ", "0x1"})
+        EXPECT_EQ(Host::parseNumber(text, 10), std::nullopt) << text;
+    EXPECT_EQ(Host::parseHexadecimal("0x1F"), 31U);
+    EXPECT_EQ(Host::parseHexadecimal("0XffffFFFFffffFFFF"), ~0ULL);
+    for (const char* text : {"", "0x", "1F", "0x10000000000000000", "0x0x1", "0x-1", "0xG"})
+        EXPECT_EQ(Host::parseHexadecimal(text), std::nullopt) << text;
+}
+
 TEST(Text, CountsColumnsNotBytes)
 {
     EXPECT_EQ(Host::displayWidth(""), 0U);

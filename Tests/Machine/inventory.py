@@ -54,7 +54,8 @@ def _pci(address):
     return tuple(int(part, 16) for part in (segment, bus, device, function))
 
 
-def _location(segment, bus, device, function):
+def location(segment, bus, device, function):
+    """The location text of a controller at that place."""
     place = f"Bus={bus}&Device={device}&Function={function}"
     shown = segment if (bus, device, function) == (0, 0, 0) else 0
     return f"PCI:Segment={shown}&{place}" if shown else f"PCI:{place}"
@@ -95,7 +96,7 @@ def truth(files, kernel):
     warnings = {"nvme smart-log": smart["critical_warning"], "smartctl": smartctl_log["critical_warning"],
                 "log page": log[0]}
     pci = _pci(files.text("address"))
-    location = _location(*pci)
+    place = location(*pci)
 
     return {
         "serial": text("serial", 4, 20, "serial", "sn", "serial_number"),
@@ -109,8 +110,8 @@ def truth(files, kernel):
         "driver": {"sysfs": files.text("driver")},
         "driver version": {"sysfs": files.text("driver_version") or kernel},
         "pci": {"sysfs": pci if pci[1:] == (0, 0, 0) else (0, *pci[1:])},
-        "location": {"sysfs": location},
-        "drive location": {"sysfs": f"{location}&ID=0"},
+        "location": {"sysfs": place},
+        "drive location": {"sysfs": f"{place}&ID=0"},
         "capacity": {"nvme id-ns": id_ns["nsze"] * block_size >> 20, "sysfs": sectors * 512 >> 20,
                      "smartctl": disk["user_capacity"]["bytes"] >> 20},
         "block size": {"nvme id-ns": block_size, "sysfs": int(files.text(f"{namespace}/block_size")),
@@ -240,7 +241,7 @@ class Report:
 
     def told(self, serial, address):
         """What is told of the controller with that serial number; the address tells twins apart."""
-        place = _location(*_pci(address))
+        place = location(*_pci(address))
 
         def only(candidates, what, place_of):
             candidates = list(candidates)

@@ -11,63 +11,13 @@ rights and no hardware virtualisation.
 import argparse
 import pathlib
 import sys
-import time
-import unittest
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(HERE))
 
+import progress  # noqa: E402
 import session  # noqa: E402
-
-
-class Result(unittest.TestResult):
-    """Prints one line a test."""
-
-    def __init__(self):
-        super().__init__()
-        self.passed, self.failed = 0, 0
-
-    def startTest(self, test):
-        super().startTest(test)
-        self._started, self._broken = time.monotonic(), False
-
-    def _line(self, outcome, test):
-        what = test.shortDescription() or str(test)
-        print(f"{outcome}  {what} ({time.monotonic() - self._started:.1f} s)", flush=True)
-
-    def _failure(self, test, error):
-        self._broken = True
-        self.failed += 1
-        print(f"FAIL  {test.shortDescription() or ''} [{test.id()}]", flush=True)
-        print("".join(f"      {line}\n" for line in self._exc_info_to_string(error, test).splitlines()), flush=True)
-
-    def addFailure(self, test, err):
-        super().addFailure(test, err)
-        self._failure(test, err)
-
-    def addError(self, test, err):
-        # Also a class or module that could not be set up, which no startTest announces.
-        self._started = getattr(self, "_started", time.monotonic())
-        super().addError(test, err)
-        self._failure(test, err)
-
-    def addSubTest(self, test, subtest, err):
-        super().addSubTest(test, subtest, err)
-        if err is not None:
-            self._failure(subtest, err)
-
-    def addSkip(self, test, reason):
-        super().addSkip(test, reason)
-        self._broken = True
-        self.failed += 1
-        print(f"FAIL  {test}: skipped, {reason}", flush=True)
-
-    def stopTest(self, test):
-        if not self._broken:
-            self.passed += 1
-            self._line("ok  ", test)
-        super().stopTest(test)
 
 
 def main():
@@ -84,14 +34,7 @@ def main():
     session.tree, session.work = options.tree.resolve(), options.work.resolve()
     session.work.mkdir(parents=True, exist_ok=True)
 
-    started = time.monotonic()
-    loader = unittest.TestLoader()
-    suite = loader.loadTestsFromNames(options.only) if options.only else loader.discover(str(HERE))
-    result = Result()
-    suite.run(result)
-    print(f"{result.passed} passed, {result.failed} failed ({time.monotonic() - started:.0f} s; "
-          f"logs in {session.work})")
-    return 0 if result.failed == 0 and result.passed > 0 else 1
+    return progress.run(str(HERE), options.only, session.work)
 
 
 if __name__ == "__main__":

@@ -1,4 +1,4 @@
-#include "TempFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <PI/ConfigFile.h>
 #include <PI/ErrorCode.h>
@@ -41,7 +41,7 @@ struct ConfigFileTest : testing::Test
         return "<failed>";
     }
 
-    TempFolder m_Folder;
+    TestSupport::CTemporaryFolder m_Folder;
 };
 
 TEST_F(ConfigFileTest, ReadsAValue)
@@ -136,7 +136,7 @@ TEST_F(ConfigFileTest, AMissingOrUnreadableFileFails)
 
 TEST_F(ConfigFileTest, AnAbsoluteNameStandsForItself)
 {
-    const TempFolder other;
+    const TestSupport::CTemporaryFolder other;
     const auto file = other.Write("Other.ini", "PollInterval=50\n");
     EXPECT_EQ(ReadKey(file.string(), "PollInterval"), "50");
 }
@@ -200,7 +200,7 @@ struct ConfigFileWriteTest : testing::Test
         return names;
     }
 
-    TempFolder m_Folder;
+    TestSupport::CTemporaryFolder m_Folder;
     PI::CConfigFile m_Config;
 };
 
@@ -257,7 +257,8 @@ TEST_F(ConfigFileWriteTest, LeavesNothingElseInTheFolder)
 TEST_F(ConfigFileWriteTest, ReplacesTheFileAndKeepsItsPermissions)
 {
     using std::filesystem::perms;
-    const auto path = m_Folder.Write("Test.ini", "A=1\n");
+    m_Folder.Write("Test.ini", "A=1\n");
+    const auto path = m_Folder.Path() / "Test.ini";
     const auto permissions = perms::owner_read | perms::owner_write | perms::group_read;
     std::filesystem::permissions(path, permissions);
     std::ifstream reader(path, std::ios::binary);
@@ -270,8 +271,8 @@ TEST_F(ConfigFileWriteTest, ReplacesTheFileAndKeepsItsPermissions)
 
 TEST_F(ConfigFileWriteTest, FollowsALink)
 {
-    const auto target = m_Folder.Write("Real.ini", "A=1\n");
-    std::filesystem::create_symlink(target, m_Folder.Path() / "Test.ini");
+    m_Folder.Write("Real.ini", "A=1\n");
+    std::filesystem::create_symlink("Real.ini", m_Folder.Path() / "Test.ini");
     EXPECT_EQ(m_Config.WriteKeyValue("A", "2", -1, -1), 0U);
     EXPECT_TRUE(std::filesystem::is_symlink(m_Folder.Path() / "Test.ini"));
     EXPECT_EQ(Content(), "A=2\n");

@@ -1,4 +1,4 @@
-#include "TempFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <PI/LifeTimeData.h>
 
@@ -22,7 +22,7 @@ using Table = std::vector<PI::CNVMeLifeTimeData>;
 
 Table read(std::string_view content)
 {
-    const TempFolder folder;
+    const TestSupport::CTemporaryFolder folder;
     return PI::readLifeTimeData(folder.Write("Endurance.txt", content));
 }
 
@@ -100,14 +100,14 @@ TEST(LifeTimeData, RefusesARowBehindAShorterTextThatItContains)
 
 TEST(LifeTimeData, RefusesAFileThatCannotBeRead)
 {
-    const TempFolder folder;
+    const TestSupport::CTemporaryFolder folder;
     EXPECT_THROW(PI::readLifeTimeData(folder.Path() / "Missing.txt"), std::runtime_error);
     EXPECT_THROW(PI::readLifeTimeData(folder.Path()), std::runtime_error);
 }
 
 TEST(LifeTimeData, IsReadOnceForAFolder)
 {
-    const TempFolder folder;
+    const TestSupport::CTemporaryFolder folder;
     folder.Write("Endurance.txt", "a|100\n");
     PI::SetLifeTimeFolder(folder.Path());
     const auto& first = PI::GetLifeTimeDataNVMe();
@@ -122,7 +122,7 @@ TEST(LifeTimeData, IsReadOnceForAFolder)
 
 TEST(LifeTimeData, AMissingOrDamagedFileIsAnEmptyTable)
 {
-    const TempFolder folder;
+    const TestSupport::CTemporaryFolder folder;
     PI::SetLifeTimeFolder(folder.Path());
     EXPECT_TRUE(PI::GetLifeTimeDataNVMe().empty());
     folder.Write("Endurance.txt", "a|100\nb|0\n");
@@ -132,7 +132,7 @@ TEST(LifeTimeData, AMissingOrDamagedFileIsAnEmptyTable)
 
 TEST(LifeTimeData, ThreadsShareOneTable)
 {
-    const TempFolder folder;
+    const TestSupport::CTemporaryFolder folder;
     folder.Write("Endurance.txt", "a|100\n");
     PI::SetLifeTimeFolder(folder.Path());
     std::array<const Table*, 4> seen{};

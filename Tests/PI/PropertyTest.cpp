@@ -35,6 +35,15 @@ TEST(Property, TakesIdentifierAndSettableFlag)
     EXPECT_FALSE(fixed.Settable());
 }
 
+TEST(Property, OfWhateverKindIsATextUntilItIsToldOtherwise)
+{
+    PI::CProperty property(30005, true);
+    EXPECT_EQ(property.Kind(), 2U);
+    property.SetKind(PI::KIND_BOUNDED);
+    EXPECT_EQ(property.Kind(), 7U);
+    EXPECT_EQ(property.Description().valueKind, 7U);
+}
+
 TEST(Property, HoldsTexts)
 {
     PI::CProperty property;

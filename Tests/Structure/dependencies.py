@@ -22,7 +22,7 @@ PROJECT = {"TLX", "TLXX", "PI", "Database", "DatabaseORM", "Core", "Cli",
 CONFINED = {
     "sqlite3.h": "Libraries/Database",
     "linux/nvme_ioctl.h": "Libraries/TLXX/Src_Linux",
-    "windows.h": "_Win",
+    "windows.h": "Win/",
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*[<"]([^>"]+)[>"]')
 

@@ -17,6 +17,7 @@ struct CExpectedProperty
     PI::CProperty::Value m_Value;
     std::uint32_t m_SubType = 0;
     std::uint32_t m_Icon = 0;
+    bool m_Settable = false;
 };
 
 inline void expectProperty(const PI::CProperty& property, const CExpectedProperty& expected)
@@ -32,7 +33,7 @@ inline void expectProperty(const PI::CProperty& property, const CExpectedPropert
     EXPECT_EQ(property.Description().attrD, expected.m_Description.attrD);
     EXPECT_EQ(property.SubType(), expected.m_SubType);
     EXPECT_EQ(property.IconPathID(), expected.m_Icon);
-    EXPECT_FALSE(property.Settable());
+    EXPECT_EQ(property.Settable(), expected.m_Settable);
     EXPECT_EQ(property.GetValue(), expected.m_Value);
 }
 

@@ -1,9 +1,9 @@
 #include "Support/TemporaryFolder.h"
 
 #include <fstream>
+#include <iterator>
 #include <random>
 #include <stdexcept>
-#include <string>
 #include <system_error>
 
 namespace TestSupport {
@@ -22,12 +22,20 @@ CTemporaryFolder::~CTemporaryFolder()
     std::filesystem::remove_all(m_Path, ignored);
 }
 
-void CTemporaryFolder::Write(std::string_view name, std::string_view content) const
+std::filesystem::path CTemporaryFolder::Write(std::string_view name, std::string_view content) const
 {
-    std::ofstream file(m_Path / name, std::ios::binary);
+    std::filesystem::path path = m_Path / name;
+    std::ofstream file(path, std::ios::binary);
     file << content;
     if (!file.flush())
-        throw std::runtime_error("cannot write " + (m_Path / name).string());
+        throw std::runtime_error("cannot write " + path.string());
+    return path;
+}
+
+std::string CTemporaryFolder::Read(std::string_view name) const
+{
+    std::ifstream file(m_Path / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 } // namespace TestSupport

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 namespace TestSupport {
@@ -16,8 +17,11 @@ public:
 
     const std::filesystem::path& Path() const { return m_Path; }
 
-    /** Writes `content` into the file `name` of the folder. */
-    void Write(std::string_view name, std::string_view content) const;
+    /** Writes `content` into the file `name` of the folder and returns the file's path. */
+    std::filesystem::path Write(std::string_view name, std::string_view content) const;
+
+    /** The content of the file `name` of the folder; empty when there is no such file. */
+    std::string Read(std::string_view name) const;
 
 private:
     std::filesystem::path m_Path;

@@ -1,5 +1,5 @@
 #include "LineCapture.h"
-#include "TemporaryFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <TLX/LanguageSupport.h>
 
@@ -29,7 +29,7 @@ protected:
         return CLanguageSupport::CLngFile("Test.nls", 25966, "utf-8", 1, {}).Text(number);
     }
 
-    CTemporaryFolder m_Folder;
+    TestSupport::CTemporaryFolder m_Folder;
 };
 
 TEST_F(LanguageSupport, ACatalogueTellsWhatItWasMadeFrom)
@@ -95,7 +95,7 @@ TEST_F(LanguageSupport, IsReadAgainWhenTheFolderChanged)
     const CLanguageSupport::CLngFile file("Test.nls", 25966, "utf-8", 1, {});
     m_Folder.Write("Test.nls", "1 here\n");
     EXPECT_EQ(file.Text(1), "here");
-    const CTemporaryFolder other;
+    const TestSupport::CTemporaryFolder other;
     other.Write("Test.nls", "1 there\n");
     CLanguageSupport::SetFolder(other.Path());
     EXPECT_EQ(file.Text(1), "there");
@@ -131,7 +131,7 @@ TEST_F(LanguageSupport, FindForgetsAnUnloadedModule)
 TEST_F(LanguageSupport, IsSafeFromManyThreads)
 {
     m_Folder.Write("First.nls", "900001 first\n");
-    const CTemporaryFolder empty;
+    const TestSupport::CTemporaryFolder empty;
     const CTestModule module(9204, "First", "First.nls");
     const auto ask = [] {
         for (int round = 0; round < 100; ++round)

@@ -1,4 +1,4 @@
-#include "TemporaryFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <TLX/TraceSink.h>
 
@@ -29,7 +29,7 @@ protected:
 
     static std::string Stored(std::string_view text) { return formatLine(Line(text)) + "\n"; }
 
-    CTemporaryFolder m_Folder;
+    TestSupport::CTemporaryFolder m_Folder;
     fs::path m_File = m_Folder.Path() / "trace.log";
     std::uint64_t m_LineSize = Stored("a").size();
 };

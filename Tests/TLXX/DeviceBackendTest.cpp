@@ -124,16 +124,48 @@ TEST_F(DeviceBackendTest, AnswersVendorLogs)
 
 TEST_F(DeviceBackendTest, TheLastStatusIsKeptPerPath)
 {
-    EXPECT_EQ(TLXX::lastStatus("never asked"), 0U);
     EXPECT_CALL(*m_Backend, IdentifyController("status a", _)).WillOnce(Return(13)).WillOnce(Return(0));
     EXPECT_CALL(*m_Backend, IdentifyController("status b", _)).WillOnce(Return(0x10109));
+    const auto last = [](const char* path) {
+        return TLXX::lastStatus(path, TLXX::EQuery::IdentifyController);
+    };
     TLXX::NVME_IDENTIFY_CONTROLLER controller{};
     EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyController("status a", controller), 13U);
     EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyController("status b", controller), 0x10109U);
-    EXPECT_EQ(TLXX::lastStatus("status a"), 13U);
-    EXPECT_EQ(TLXX::lastStatus("status b"), 0x10109U);
+    EXPECT_EQ(last("status a"), 13U);
+    EXPECT_EQ(last("status b"), 0x10109U);
     EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyController("status a", controller), 0U);
-    EXPECT_EQ(TLXX::lastStatus("status a"), 0U);
+    EXPECT_EQ(last("status a"), 0U);
+}
+
+TEST_F(DeviceBackendTest, TheLastStatusIsKeptPerKindOfQuery)
+{
+    EXPECT_CALL(*m_Backend, IdentifyController("kinds", _)).WillOnce(Return(1));
+    EXPECT_CALL(*m_Backend, IdentifyNamespace("kinds", _)).WillOnce(Return(2));
+    EXPECT_CALL(*m_Backend, SmartHealthLog("kinds", _)).WillOnce(Return(3));
+    EXPECT_CALL(*m_Backend, VendorLogPage("kinds", 0xCA, _)).WillOnce(Return(4));
+    TLXX::NVME_IDENTIFY_CONTROLLER controller{};
+    TLXX::NVME_IDENTIFY_NAMESPACE name_space{};
+    TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+    TLXX::VendorLogPage page{};
+    (void)TLXX::NVMeStorageQueryPropertyIdentifyController("kinds", controller);
+    (void)TLXX::NVMeStorageQueryPropertyIdentifyNamespace("kinds", name_space);
+    (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("kinds", log);
+    (void)TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage("kinds", 0xCA, page);
+    EXPECT_EQ(TLXX::lastStatus("kinds", TLXX::EQuery::IdentifyController), 1U);
+    EXPECT_EQ(TLXX::lastStatus("kinds", TLXX::EQuery::IdentifyNamespace), 2U);
+    EXPECT_EQ(TLXX::lastStatus("kinds", TLXX::EQuery::SmartHealthLog), 3U);
+    EXPECT_EQ(TLXX::lastStatus("kinds", TLXX::EQuery::VendorLog), 4U);
+}
+
+TEST_F(DeviceBackendTest, AQueryThatWasNeverMadeHasNoLastStatus)
+{
+    EXPECT_EQ(TLXX::lastStatus("never asked", TLXX::EQuery::SmartHealthLog), std::nullopt);
+    EXPECT_CALL(*m_Backend, IdentifyController("half asked", _)).WillOnce(Return(0));
+    TLXX::NVME_IDENTIFY_CONTROLLER controller{};
+    EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyController("half asked", controller), 0U);
+    EXPECT_EQ(TLXX::lastStatus("half asked", TLXX::EQuery::IdentifyController), 0U);
+    EXPECT_EQ(TLXX::lastStatus("half asked", TLXX::EQuery::SmartHealthLog), std::nullopt);
 }
 
 TEST_F(DeviceBackendTest, AnswersLocations)

@@ -21,9 +21,11 @@ TEST(NvmeTextTest, KeepsPrintableAscii)
     EXPECT_EQ(bounded("SSD 980 PRO!~"), "SSD 980 PRO!~");
 }
 
-TEST(NvmeTextTest, TrimsBlanksFromBothEndsOnly)
+TEST(NvmeTextTest, TrimsWhiteSpaceFromBothEndsOnly)
 {
     EXPECT_EQ(bounded("   two  words    "), "two  words");
+    EXPECT_EQ(bounded(" \t\r\n\v\ftwo  words \t\r\n\v\f"), "two  words");
+    EXPECT_EQ(bounded("\n\0x"sv), "");
 }
 
 TEST(NvmeTextTest, NothingButPaddingIsNoText)
@@ -58,9 +60,9 @@ TEST(NvmeTextTest, ReplacesEveryByteOutsidePrintableAscii)
     }
 }
 
-TEST(NvmeTextTest, ControlBytesAtTheEndsAreNoPadding)
+TEST(NvmeTextTest, OtherControlBytesAtTheEndsAreNoPadding)
 {
-    EXPECT_EQ(bounded("\n A \x1B[2J\t"), "? A ?[2J?");
+    EXPECT_EQ(bounded("\x07 A \x1B[2J\x7F"), "? A ?[2J?");
     EXPECT_EQ(bounded("\xFF\xFF\xFF\xFF"), "????");
 }
 

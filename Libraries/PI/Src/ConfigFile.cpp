@@ -1,4 +1,5 @@
 #include "ReplaceFile.h"
+#include "Text.h"
 
 #include <PI/ConfigFile.h>
 #include <PI/ErrorCode.h>
@@ -64,15 +65,6 @@ std::optional<std::vector<std::string>> readLines(const std::filesystem::path& p
 std::size_t markLength(std::string_view line)
 {
     return line.starts_with(BYTE_ORDER_MARK) ? BYTE_ORDER_MARK.size() : 0;
-}
-
-std::string_view trim(std::string_view text)
-{
-    const auto first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
 /** Where the value of a key stands: the line, and the value's place in it. */

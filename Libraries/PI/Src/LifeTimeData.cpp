@@ -1,3 +1,5 @@
+#include "Text.h"
+
 #include <PI/LifeTimeData.h>
 
 #include <algorithm>
@@ -32,15 +34,6 @@ Tables& tables()
     // Never destroyed: a plug-in's worker may still hold a table while the process ends.
     static Tables& instance = *new Tables;
     return instance;
-}
-
-std::string_view trim(std::string_view text)
-{
-    const auto first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
 /** Terabytes in tebibytes, which are 5^12 to 2^28; in two halves, for the product can pass 64 bits. */

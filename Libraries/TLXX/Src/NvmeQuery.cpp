@@ -6,6 +6,7 @@
 
 #include <map>
 #include <mutex>
+#include <utility>
 
 namespace TLXX {
 namespace {
@@ -13,7 +14,7 @@ namespace {
 struct CLastStatuses
 {
     std::mutex m_Lock;
-    std::map<std::string, std::uint32_t> m_Statuses;
+    std::map<std::pair<std::string, EQuery>, std::uint32_t> m_Statuses;
 };
 
 // Never destroyed, for a query may still run when the process exits.
@@ -23,10 +24,10 @@ CLastStatuses& lastStatuses()
     return *instance;
 }
 
-std::uint32_t keep(const std::string& path, std::uint32_t status)
+std::uint32_t keep(const std::string& path, EQuery query, std::uint32_t status)
 {
     const std::scoped_lock guard(lastStatuses().m_Lock);
-    lastStatuses().m_Statuses.insert_or_assign(path, status);
+    lastStatuses().m_Statuses.insert_or_assign({path, query}, status);
     return status;
 }
 
@@ -36,23 +37,26 @@ std::uint32_t NVMeStorageQueryPropertyIdentifyController(const std::string& path
                                                          NVME_IDENTIFY_CONTROLLER& controller)
 {
     const auto backend = deviceBackend();
-    return keep(path, backend ? backend->IdentifyController(path, controller)
-                              : Platform::identifyController(path, controller));
+    return keep(path, EQuery::IdentifyController,
+                backend ? backend->IdentifyController(path, controller)
+                        : Platform::identifyController(path, controller));
 }
 
 std::uint32_t NVMeStorageQueryPropertyIdentifyNamespace(const std::string& path,
                                                         NVME_IDENTIFY_NAMESPACE& name_space)
 {
     const auto backend = deviceBackend();
-    return keep(path, backend ? backend->IdentifyNamespace(path, name_space)
-                              : Platform::identifyNamespace(path, name_space));
+    return keep(path, EQuery::IdentifyNamespace,
+                backend ? backend->IdentifyNamespace(path, name_space)
+                        : Platform::identifyNamespace(path, name_space));
 }
 
 std::uint32_t NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(const std::string& path,
                                                                 NVME_SMART_HEALTH_INFORMATION_LOG& log)
 {
     const auto backend = deviceBackend();
-    return keep(path, backend ? backend->SmartHealthLog(path, log) : Platform::smartHealthLog(path, log));
+    return keep(path, EQuery::SmartHealthLog,
+                backend ? backend->SmartHealthLog(path, log) : Platform::smartHealthLog(path, log));
 }
 
 std::uint32_t NVMeStorageQueryPropertyGetVendorSpecificLogPage(const std::string& path,
@@ -60,16 +64,17 @@ std::uint32_t NVMeStorageQueryPropertyGetVendorSpecificLogPage(const std::string
                                                                VendorLogPage& page)
 {
     const auto backend = deviceBackend();
-    return keep(path, backend ? backend->VendorLogPage(path, logIdentifier, page)
-                              : Platform::vendorLogPage(path, logIdentifier, page));
+    return keep(path, EQuery::VendorLog,
+                backend ? backend->VendorLogPage(path, logIdentifier, page)
+                        : Platform::vendorLogPage(path, logIdentifier, page));
 }
 
-std::uint32_t lastStatus(const std::string& path)
+std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query)
 {
     const std::scoped_lock guard(lastStatuses().m_Lock);
     const auto& statuses = lastStatuses().m_Statuses;
-    const auto found = statuses.find(path);
-    return found == statuses.end() ? STATUS_SUCCESS : found->second;
+    const auto found = statuses.find({path, query});
+    return found == statuses.end() ? std::nullopt : std::optional(found->second);
 }
 
 } // namespace TLXX

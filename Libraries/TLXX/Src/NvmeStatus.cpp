@@ -15,6 +15,7 @@ constexpr std::pair<std::errc, const char*> SYSTEM_TEXTS[] = {
     {std::errc::no_such_file_or_directory, "there is no such device"},
     {std::errc::no_such_device, "there is no such device"},
     {std::errc::no_such_device_or_address, "there is no such device"},
+    {std::errc::function_not_supported, "the device takes no NVMe commands"},
     {std::errc::inappropriate_io_control_operation, "the device takes no NVMe commands"},
     // The Linux driver reports a command that it cancelled, after a time-out or in a reset, as interrupted.
     {std::errc::interrupted, "the drive did not answer in time"},
@@ -73,6 +74,8 @@ std::string statusText(std::uint32_t status)
         return "success";
     if (status == STATUS_SHORT_TRANSFER)
         return "the drive sent less data than was asked for";
+    if (status == STATUS_BAD_ANSWER)
+        return "the driver's answer makes no sense";
     switch (status >> 16U) {
     case 0:
         return systemText(status);

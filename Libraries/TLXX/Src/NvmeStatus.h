@@ -14,4 +14,7 @@ constexpr std::uint32_t STATUS_FROM_DRIVE = 0x10000;
 /** The drive reported success but filled less than the block that was asked for. */
 constexpr std::uint32_t STATUS_SHORT_TRANSFER = 0x20000;
 
+/** What the system handed over as the drive's data lies outside of what it wrote. */
+constexpr std::uint32_t STATUS_BAD_ANSWER = 0x20001;
+
 } // namespace TLXX

@@ -88,7 +88,7 @@ CController readController(const fs::path& folder, const std::string& name, std:
     controller.m_State = readAttribute(folder / "state");
     controller.m_Driver = driverName(folder, controller.m_Transport);
     if (controller.m_Transport == "pcie")
-        controller.m_Location = pciLocation(readAttribute(folder / "address"));
+        controller.m_Location = CPciLocation::Parse(readAttribute(folder / "address"));
     findNamespace(folder, controller);
     return controller;
 }

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <TLXX/PciLocation.h>
-
 #include <cstdint>
 #include <optional>
 #include <string_view>
 
-// Names and addresses as sysfs writes them. Each function gives nothing for a text that is not exactly one.
+// Names and numbers as sysfs writes them. Each function gives nothing for a text that is not exactly one.
 namespace TLXX::Linux {
 
 /** 3 for "nvme3". */
@@ -20,9 +18,6 @@ struct CNamespaceName
     std::uint32_t m_Number = 0;          ///< 1 for "nvme0n1" and "nvme0c3n1"
 };
 std::optional<CNamespaceName> namespaceName(std::string_view name);
-
-/** The numbers of a PCI address such as "0000:01:00.0". */
-std::optional<CPciLocation> pciLocation(std::string_view address);
 
 /** A decimal number and nothing else. */
 std::optional<std::uint32_t> decimal(std::string_view text);

@@ -1,6 +1,6 @@
 #include "Ostrel/Location.h"
 
-#include <boost/format.hpp>
+#include "Ostrel/Text.h"
 
 #include <algorithm>
 
@@ -9,12 +9,10 @@ namespace NAMESPACE_Ostrel {
 std::string adapterLocation(const CNVMeAdapter& adapter)
 {
     if (adapter.m_Segment == 0)
-        return (boost::format("PCI:Bus=%d&Device=%d&Function=%d") % adapter.m_Bus % adapter.m_Device %
-                adapter.m_Function)
-            .str();
-    return (boost::format("PCI:Segment=%d&Bus=%d&Device=%d&Function=%d") % adapter.m_Segment % adapter.m_Bus %
-            adapter.m_Device % adapter.m_Function)
-        .str();
+        return formatted("PCI:Bus=%d&Device=%d&Function=%d", adapter.m_Bus, adapter.m_Device,
+                         adapter.m_Function);
+    return formatted("PCI:Segment=%d&Bus=%d&Device=%d&Function=%d", adapter.m_Segment, adapter.m_Bus,
+                     adapter.m_Device, adapter.m_Function);
 }
 
 std::string driveLocation(const CNVMeAdapter& adapter)

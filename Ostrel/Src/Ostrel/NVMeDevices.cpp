@@ -48,4 +48,11 @@ bool NVMeDevices::scan()
     return found;
 }
 
+void NVMeDevices::addDetected(std::string device, std::string service)
+{
+    const NVMeDevice& added = emplace_back(std::move(device), std::move(service));
+    OSTREL_TRACE(TRACE_PROGRESS) << "Detected NVMe device. deviceName: %s, driver: %s" << added.deviceName
+                                 << added.driver;
+}
+
 } // namespace NAMESPACE_Ostrel

@@ -36,9 +36,7 @@ public:
     bool scan();
 
 private:
-    // The platform's.
-
-    /** Walks the machine's devices and adds each disk. */
+    /** Walks the machine's devices and adds each disk. Every system has its own. */
     void scanDeviceTree();
     /** Appends an element and traces what was found. */
     void addDetected(std::string device, std::string service);

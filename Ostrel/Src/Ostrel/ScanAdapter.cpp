@@ -104,30 +104,32 @@ std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t 
     applyCriticalWarning(adapter, health.CriticalWarning());
     if (isIntel) {
         TLXX::VendorLogPage page{};
-        if (device.queryVendorLogPage(INTEL_LEGACY_SMART_LOG_PAGE, page)) {
-            const std::uint8_t adNormalized = page[27];
-            const std::uint8_t eaNormalized = page[99];
+        const bool wearKnown = device.queryVendorLogPage(INTEL_LEGACY_SMART_LOG_PAGE, page);
+        if (wearKnown) {
             OSTREL_TRACE(TRACE_PROGRESS)
                 << "ScanSystem, getVendorSpecificLogPage: INTEL_LEGACY_SMART_LOG_PAGE for %s returned: %d"
                 << device.deviceName << true;
-            OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, AD Normalized value = %d" << adNormalized;
-            OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, EA Normalized value = %d" << eaNormalized;
-            applyWear(adapter, adNormalized, eaNormalized, health.CriticalWarning());
         }
+        const std::uint32_t adNormalized = wearKnown ? page[27] : adapter.m_ADNormalized;
+        const std::uint32_t eaNormalized = wearKnown ? page[99] : adapter.m_EANormalized;
+        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, AD Normalized value = %d" << adNormalized;
+        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, EA Normalized value = %d" << eaNormalized;
+        if (wearKnown)
+            applyWear(adapter, adNormalized, eaNormalized, health.CriticalWarning());
     }
 
     if (healthKnown) {
         adapter.m_DataUnitsRead = health.DataUnitsRead[0];
-        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, DataUnitsRead = %d" << adapter.m_DataUnitsRead;
         adapter.m_DataUnitsWritten = health.DataUnitsWritten[0];
-        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, DataUnitsWritten = %d" << adapter.m_DataUnitsWritten;
         adapter.m_PowerOnHours = health.Counter128[0];
-        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, PowerOnHours = %d" << adapter.m_PowerOnHours;
         adapter.m_ReserveSpace = health.AvailableSpare;
-        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, ReserveSpace = %d" << adapter.m_ReserveSpace;
         adapter.m_WarningThreshold = health.AvailableSpareThreshold;
-        OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, WarningThreshold = %d" << adapter.m_WarningThreshold;
     }
+    OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, DataUnitsRead = %d" << adapter.m_DataUnitsRead;
+    OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, DataUnitsWritten = %d" << adapter.m_DataUnitsWritten;
+    OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, PowerOnHours = %d" << adapter.m_PowerOnHours;
+    OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, ReserveSpace = %d" << adapter.m_ReserveSpace;
+    OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, WarningThreshold = %d" << adapter.m_WarningThreshold;
     adapter.m_LifetimeRating = lifetimeRating(PI::GetLifeTimeDataNVMe(), adapter.m_Model);
     adapter.m_EndOfLifeDate = endOfLifeDate(adapter);
     return PI::ERR_SUCCESS;

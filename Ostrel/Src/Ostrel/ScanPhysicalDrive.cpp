@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -18,9 +19,9 @@ constexpr std::uint8_t INTEL_DRIVE_MARKETING_LOG_PAGE = 0xDD;
 std::string intelProductName(const std::string& model, const TLXX::VendorLogPage& marketing)
 {
     const std::string part = model.substr(model.find(' ') + 1); // all of it when there is no blank
-    std::string family = TLXX::boundedText(marketing);
-    family.erase(std::min(family.find(" Series"), family.size()));
-    family.erase(family.find_last_not_of(' ') + 1);
+    constexpr std::string_view SERIES = " Series";
+    const auto* const series = std::search(marketing.begin(), marketing.end(), SERIES.begin(), SERIES.end());
+    const std::string family = TLXX::boundedText({marketing.begin(), series});
     return family.empty() ? part : family + ' ' + part;
 }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <locale>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -16,6 +17,7 @@ constexpr std::uint32_t DEFAULT_POLL_INTERVAL = 30;
 std::optional<std::uint32_t> wholeNumber(const std::string& text)
 {
     std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
     std::uint32_t number = 0;
     if (!(stream >> number) || stream.peek() != std::istringstream::traits_type::eof())
         return std::nullopt;

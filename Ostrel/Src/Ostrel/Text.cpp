@@ -1,7 +1,6 @@
 #include "Ostrel/Text.h"
 
 #include <algorithm>
-#include <locale>
 
 namespace NAMESPACE_Ostrel {
 

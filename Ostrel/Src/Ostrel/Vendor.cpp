@@ -2,8 +2,6 @@
 
 #include "Ostrel/Text.h"
 
-#include <boost/format.hpp>
-
 #include <algorithm>
 #include <iterator>
 
@@ -40,7 +38,7 @@ std::string adapterDisplayName(std::string_view vendor, const std::string& disti
         return equalIgnoringCase(candidate.m_Name, vendor);
     });
     const char* format = known == std::end(VENDORS) ? "NVMe PCI Adapter (%s)" : known->m_DisplayName;
-    return (boost::format(format) % distinction).str();
+    return formatted(format, distinction);
 }
 
 } // namespace NAMESPACE_Ostrel

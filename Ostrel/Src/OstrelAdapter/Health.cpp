@@ -52,7 +52,7 @@ void applyCriticalWarning(CNVMeAdapter& adapter, std::uint8_t criticalWarning)
     }
 }
 
-void applyWear(CNVMeAdapter& adapter, std::uint8_t adNormalized, std::uint8_t eaNormalized,
+void applyWear(CNVMeAdapter& adapter, std::uint32_t adNormalized, std::uint32_t eaNormalized,
                std::uint8_t criticalWarning)
 {
     adapter.m_ADNormalized = reportsWearInverted(adapter.m_Model) ? percentLeft(adNormalized) : adNormalized;

@@ -15,7 +15,7 @@ std::uint32_t temperatureWarnings(const TLXX::VendorLogPage& statistics);
 void applyCriticalWarning(CNVMeAdapter& adapter, std::uint8_t criticalWarning);
 
 /** Takes over the normalized wear (0xAD) and spare (0xEA) values of an Intel drive (vendor log 0xCA). */
-void applyWear(CNVMeAdapter& adapter, std::uint8_t adNormalized, std::uint8_t eaNormalized,
+void applyWear(CNVMeAdapter& adapter, std::uint32_t adNormalized, std::uint32_t eaNormalized,
                std::uint8_t criticalWarning);
 
 } // namespace NAMESPACE_Ostrel

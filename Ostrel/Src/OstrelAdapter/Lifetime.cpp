@@ -1,10 +1,10 @@
 #include "OstrelAdapter/Lifetime.h"
 
+#include "Ostrel/Text.h"
+
 #include <PI/PluginHelper.h>
 #include <TLX/Clock.h>
 #include <TLXX/SystemTime.h>
-
-#include <boost/format.hpp>
 
 #include <algorithm>
 
@@ -33,7 +33,7 @@ std::string endOfLifeDate(const CNVMeAdapter& adapter)
     std::int32_t month = 0;
     std::int32_t day = 0;
     TLXX::CSystemTime_Win::GetDate(TLX::Misc::now() + hours * MILLISECONDS_PER_HOUR, year, month, day);
-    return (boost::format("%4d-%02d-%02d") % year % month % day).str();
+    return formatted("%4d-%02d-%02d", year, month, day);
 }
 
 } // namespace NAMESPACE_Ostrel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Ostrel/HostCodes.h"
+
 #include <PI/Event.h>
 #include <PI/Object.h>
 
@@ -43,16 +45,16 @@ struct CNVMeAdapterData
     std::uint64_t m_UnsafeShutdowns = 0;
     std::uint64_t m_CorrectableErrors = 0;     ///< never filled
     float m_Temperature = UNKNOWN_TEMPERATURE; ///< degrees Celsius
-    std::uint32_t m_HealthStatus = 40024;
+    std::uint32_t m_HealthStatus = ADAPTER_HEALTHY;
     std::vector<std::uint32_t> m_HealthReasons;
     std::uint64_t m_UncorrectableErrors = 0; ///< never filled
-    std::uint32_t m_SpareStatus = 40252;
+    std::uint32_t m_SpareStatus = WEAR_NORMAL;
     std::uint64_t m_DataUnitsRead = UNKNOWN_COUNTER;    ///< units of 512,000 bytes
     std::uint64_t m_DataUnitsWritten = UNKNOWN_COUNTER; ///< units of 512,000 bytes
     std::uint64_t m_PowerOnHours = UNKNOWN_COUNTER;     ///< the health log's counter at byte 128
     std::uint32_t m_ReserveSpace = 100;                 ///< available spare, percent
     std::uint64_t m_LifetimeRating = UNKNOWN_COUNTER;   ///< TiB that may be written; 1 for an unrated model
-    std::uint32_t m_SpareState = 40473;
+    std::uint32_t m_SpareState = SPARE_STATE_NORMAL;
     std::uint32_t m_WarningThreshold = 10; ///< available spare threshold, percent
     std::string m_ModelName;
     std::string m_EndOfLifeDate; ///< "%4d-%02d-%02d"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Ostrel/HostCodes.h"
 #include "OstrelAdapter/Record.h"
 
 #include <PI/Event.h>
@@ -22,7 +23,7 @@ struct CNVMePhysicalDriveData
     std::string m_ProductName; ///< display name
     std::string m_Location;    ///< the adapter's location and "&ID=0"
     std::string m_DeviceName;
-    std::uint32_t m_Status = 40099;
+    std::uint32_t m_Status = DRIVE_ONLINE;
     std::uint32_t m_BlockSize = 512; ///< bytes of a logical block
     std::uint64_t m_ReservedMiB = 0;
     std::uint32_t m_ReservedPercent = 100;

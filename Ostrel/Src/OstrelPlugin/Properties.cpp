@@ -2,10 +2,9 @@
 
 #include "Ostrel/Module.h"
 #include "Ostrel/PluginApi.h"
+#include "Ostrel/Text.h"
 
 #include <PI/ErrorCode.h>
-
-#include <boost/format.hpp>
 
 #include <string>
 
@@ -21,7 +20,7 @@ PI::CProperty location()
 {
     PI::CProperty property(PI::PROP_LOCATION, false);
     property.SetAttrC(0);
-    property.SetValue((boost::format("Plugin:ID=%d") % MODULE_ID).str());
+    property.SetValue(formatted("Plugin:ID=%d", MODULE_ID));
     return property;
 }
 
@@ -37,6 +36,7 @@ PI::CProperty pollInterval(std::uint32_t seconds)
 {
     PI::CProperty property(PI::PROP_POLL_INTERVAL, true);
     property.SetNlsID(CAPTION_POLL_INTERVAL);
+    property.SetKind(PI::KIND_BOUNDED);
     property.SetUnits(PI::UNIT_SECONDS);
     property.SetValue(static_cast<std::int32_t>(seconds), MINIMUM_POLL_INTERVAL, MAXIMUM_POLL_INTERVAL, 1);
     return property;

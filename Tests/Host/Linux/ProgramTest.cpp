@@ -1,6 +1,6 @@
 #include "Core/Text.h"
 #include "Host/Linux/RunProgram.h"
-#include "Host/TemporaryFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <nlohmann/json.hpp>
 
@@ -43,7 +43,7 @@ TEST(Program, ListsTheFleetAndMarksItAsSimulated)
     EXPECT_EQ(result.m_ExitCode, 0) << result.m_Errors;
     const std::vector<std::string> lines = linesOf(result.m_Output);
     ASSERT_EQ(lines.size(), 9U);
-    EXPECT_EQ(lines[0], "Simulated fleet: " + DEMO);
+    EXPECT_EQ(lines[0], "Simulated fleet: DemoFleet.json");
     EXPECT_THAT(lines[1], StartsWith("Device   Vendor   Model"));
     EXPECT_THAT(lines[3],
                 AllOf(HasSubstr("PHKS7500004Z375AGN"), HasSubstr("41 \u00b0C"), HasSubstr("Degraded")));
@@ -109,7 +109,7 @@ TEST(Program, ShowsTheTopologyAsATree)
     const ProgramResult result = runProgram(simulated({"topology"}));
     EXPECT_EQ(result.m_ExitCode, 0);
     EXPECT_THAT(result.m_Output,
-                StartsWith("Simulated fleet: " + DEMO + "\nPlug-in NVMe-Plugin  0x0139000000000000\n"));
+                StartsWith("Simulated fleet: DemoFleet.json\nPlug-in NVMe-Plugin  0x0139000000000000\n"));
     EXPECT_THAT(result.m_Output, HasSubstr("\n  Adapter MICRON MTFDKCC1T9TFR  0x"));
     EXPECT_THAT(result.m_Output, HasSubstr("\n    Physical drive MICRON 7450 MTFDKCC1T9TFR  0x"));
     EXPECT_THAT(result.m_Output, HasSubstr("\n    Physical drive Intel SSD DC P4510 SSDPE2KX020T8  0x"));
@@ -117,8 +117,10 @@ TEST(Program, ShowsTheTopologyAsATree)
 
 TEST(Program, ShowsObjectsAndProperties)
 {
+    EXPECT_EQ(runProgram(simulated({"show", "nvme0n1", "name"})).m_Output,
+              "Simulated fleet: DemoFleet.json\nIntel SSD DC P4510 SSDPE2KX020T8\n");
     EXPECT_EQ(runProgram(simulated({"show", "nvme2n1", "Temperature"})).m_Output,
-              "Simulated fleet: " + DEMO + "\n33 \u00b0C\n");
+              "Simulated fleet: DemoFleet.json\n33 \u00b0C\n");
     EXPECT_EQ(json::parse(runProgram(simulated({"show", "DEMO-0006", "30059", "--json"})).m_Output)["value"],
               1024);
     const json both = json::parse(runProgram(simulated({"show", "/dev/nvme0n1", "--json"})).m_Output);
@@ -145,8 +147,8 @@ TEST(Program, SaysWhatThereIsWhenANameIsUnknown)
 
 TEST(Program, ReportsMissingHardwareWithItsRequest)
 {
-    const HostTest::TemporaryFolder folder;
-    const std::string fleet = folder.write("empty.json", R"({"controllers": []})");
+    const TestSupport::CTemporaryFolder folder;
+    const std::string fleet = folder.Write("empty.json", R"({"controllers": []})");
     const ProgramResult text = runProgram(simulated({"list"}, fleet));
     EXPECT_EQ(text.m_ExitCode, 3);
     EXPECT_THAT(text.m_Output, IsEmpty());
@@ -173,11 +175,37 @@ TEST(Program, ReportsAFailedRequest)
 
 TEST(Program, ReportsAModelThatThePluginCannotCutAsAFailedRequest)
 {
-    const HostTest::TemporaryFolder folder;
-    const std::string fleet = folder.write(
+    const TestSupport::CTemporaryFolder folder;
+    const std::string fleet = folder.Write(
         "fleet.json",
         R"({"controllers": [{"identify": {"vendorId": "0x8086", "model": "INTEL", "serial": "S"}}]})");
     EXPECT_EQ(runProgram(simulated({"list"}, fleet)).m_ExitCode, 1);
+    const ProgramResult doctor = runProgram(simulated({"doctor"}, fleet));
+    EXPECT_EQ(doctor.m_ExitCode, 1);
+    EXPECT_THAT(doctor.m_Output,
+                HasSubstr("PROBLEM  /dev/nvme0n1: its model is \"INTEL\", the maker's name alone"));
+}
+
+TEST(Program, ShowsADriveWhoseHealthLogWasNotReadAsUnknown)
+{
+    const TestSupport::CTemporaryFolder folder;
+    const std::string fleet = folder.Write(
+        "fleet.json", R"({"controllers": [{"identify": {"vendorId": 1, "model": "M", "serial": "S"}}]})");
+    EXPECT_THAT(runProgram(simulated({"list"}, fleet)).m_Output, HasSubstr(" Unknown\n"));
+    EXPECT_THAT(runOnTerminal(simulated({"list"}, fleet), 80).m_Output, HasSubstr("  Unknown\n"));
+    const json drive = json::parse(runProgram(simulated({"list", "--json"}, fleet)).m_Output)["drives"][0];
+    EXPECT_EQ(drive["health"], "Unknown");
+    EXPECT_FALSE(drive.contains("healthCode"));
+    EXPECT_THAT(runProgram(simulated({"doctor"}, fleet)).m_Output, HasSubstr(": 1 adapter, 3 objects\n"));
+}
+
+TEST(Program, AFleetFilesKeysForgeNoLines)
+{
+    const TestSupport::CTemporaryFolder folder;
+    const std::string fleet = folder.Write("fleet.json", R"({"a\nostrel: all is well": 1})");
+    const ProgramResult result = runProgram(simulated({"list"}, fleet));
+    EXPECT_EQ(result.m_ExitCode, 2);
+    EXPECT_EQ(linesOf(result.m_Errors).size(), 1U) << result.m_Errors;
 }
 
 TEST(Program, RefusesAPluginOfAnotherVersion)
@@ -199,9 +227,9 @@ TEST(Program, RefusesWrongUsage)
 
 TEST(Program, RefusesAWrongFleetFile)
 {
-    const HostTest::TemporaryFolder folder;
+    const TestSupport::CTemporaryFolder folder;
     const std::string fleet =
-        folder.write("fleet.json", R"({"controllers": [{"health": {"temprature": 3}}]})");
+        folder.Write("fleet.json", R"({"controllers": [{"health": {"temprature": 3}}]})");
     for (const char* command : {"list", "doctor"}) {
         const ProgramResult result = runProgram(simulated({command}, fleet));
         EXPECT_EQ(result.m_ExitCode, 2);
@@ -231,8 +259,8 @@ TEST(Program, TracesToStandardErrorOrAFile)
     EXPECT_THAT(traced.m_Errors, HasSubstr("ENTER Initialize()"));
     EXPECT_THAT(traced.m_Output, Not(HasSubstr("ENTER")));
 
-    const HostTest::TemporaryFolder folder;
-    const std::filesystem::path file = folder.path() / "trace.log";
+    const TestSupport::CTemporaryFolder folder;
+    const std::filesystem::path file = folder.Path() / "trace.log";
     const ProgramResult filed = runProgram(simulated({"list", "--trace", "2", "--trace-file", file}));
     EXPECT_THAT(filed.m_Errors, Not(HasSubstr("ENTER")));
     std::ifstream stream(file);
@@ -240,24 +268,24 @@ TEST(Program, TracesToStandardErrorOrAFile)
     EXPECT_THAT(text, HasSubstr("LEAVE GetTopology"));
 
     const ProgramResult refused =
-        runProgram(simulated({"list", "--trace", "2", "--trace-file", folder.path() / "no" / "trace.log"}));
+        runProgram(simulated({"list", "--trace", "2", "--trace-file", folder.Path() / "no" / "trace.log"}));
     EXPECT_EQ(refused.m_ExitCode, 2);
     EXPECT_THAT(refused.m_Errors, HasSubstr("trace.log cannot be written: No such file or directory"));
 }
 
 TEST(Program, ReadsSettingsFromTheDataFolderAndLeavesNothingBehind)
 {
-    const HostTest::TemporaryFolder folder;
-    const HostTest::TemporaryFolder home;
-    folder.write("Ostrel.ini", "PollInterval=45\n");
-    const HostTest::Environment environment = {{"HOME", home.path()},
-                                               {"XDG_STATE_HOME", home.path() / "state"}};
-    EXPECT_THAT(runProgram(simulated({"show", "plugin", "Poll interval", "--data", folder.path()})).m_Output,
+    const TestSupport::CTemporaryFolder folder;
+    const TestSupport::CTemporaryFolder home;
+    folder.Write("Ostrel.ini", "PollInterval=45\n");
+    const HostTest::Environment environment = {{"HOME", home.Path()},
+                                               {"XDG_STATE_HOME", home.Path() / "state"}};
+    EXPECT_THAT(runProgram(simulated({"show", "plugin", "Poll interval", "--data", folder.Path()})).m_Output,
                 HasSubstr("45 s"));
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"list"}, {"topology"}, {"show", "plugin"}, {"doctor"}})
         EXPECT_EQ(runProgram(simulated(words), environment).m_ExitCode, 0);
-    EXPECT_TRUE(std::filesystem::is_empty(home.path()));
+    EXPECT_TRUE(std::filesystem::is_empty(home.Path()));
 }
 
 TEST(Program, SaysWhenResultsCannotBeWritten)
@@ -279,8 +307,8 @@ TEST(Doctor, FindsNothingWrongWithTheDemonstration)
 
 TEST(Doctor, WorksWithoutDrivesAndWithoutAPlugin)
 {
-    const HostTest::TemporaryFolder folder;
-    const std::string fleet = folder.write("empty.json", R"({"controllers": []})");
+    const TestSupport::CTemporaryFolder folder;
+    const std::string fleet = folder.Write("empty.json", R"({"controllers": []})");
     const ProgramResult empty = runProgram(simulated({"doctor", "--json"}, fleet));
     EXPECT_EQ(empty.m_ExitCode, 3);
     EXPECT_EQ(json::parse(empty.m_Output)["simulated"], true);
@@ -295,8 +323,8 @@ TEST(Doctor, WorksWithoutDrivesAndWithoutAPlugin)
 
 TEST(Doctor, NamesDrivesThatDoNotAnswerOrAnswerNonsense)
 {
-    const HostTest::TemporaryFolder folder;
-    const std::string fleet = folder.write("fleet.json", R"({"controllers": [
+    const TestSupport::CTemporaryFolder folder;
+    const std::string fleet = folder.Write("fleet.json", R"({"controllers": [
         {"location": "0000:01:00.0"},
         {"location": "0000:02:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "S"}},
         {"location": "0000:03:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "T"},

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 
@@ -103,8 +104,8 @@ std::string readAll(int descriptor)
 
 ProgramResult runProgram(const std::vector<std::string>& arguments, const Environment& environment)
 {
-    const Descriptor output(open("/tmp", O_TMPFILE | O_RDWR, 0600));
-    const Descriptor errors(open("/tmp", O_TMPFILE | O_RDWR, 0600));
+    const Descriptor output(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
+    const Descriptor errors(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
     ProgramResult result;
     result.m_ExitCode = waitFor(start(arguments, environment, output.number(), errors.number()));
     (void)lseek(output.number(), 0, SEEK_SET);

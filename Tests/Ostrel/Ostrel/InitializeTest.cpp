@@ -33,7 +33,7 @@ const std::string SCAN = "NAMESPACE_Ostrel::NVMeDevices::scan";
 const std::vector<CCapturedLine> FOUND_ONE = {
     {2, UNIT, INITIALIZE, "ENTER Initialize()"},
     {2, UNIT, SCAN, "ENTER NVMeDevices::scan()"},
-    {16, "Ostrel/Src/Ostrel_Linux", "NAMESPACE_Ostrel::NVMeDevices::addDetected",
+    {16, UNIT, "NAMESPACE_Ostrel::NVMeDevices::addDetected",
      "Detected NVMe device. deviceName: /dev/nvme0n1, driver: nvme"},
     {2, UNIT, SCAN, "LEAVE NVMeDevices::scan() -> ret 1"},
 };

@@ -1,5 +1,7 @@
 #include "Ostrel/Location.h"
 
+#include "Support/GroupingLocale.h"
+
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -24,6 +26,13 @@ TEST(Location, NamesTheSegmentUnlessItIsZero)
     EXPECT_EQ(driveLocation(at(0, 10, 20, 3)), "PCI:Bus=10&Device=20&Function=3&ID=0");
     EXPECT_EQ(adapterLocation(at(65536, 0, 0, 0)), "PCI:Segment=65536&Bus=0&Device=0&Function=0");
     EXPECT_EQ(driveLocation(at(65536, 0, 0, 0)), "PCI:Segment=65536&Bus=0&Device=0&Function=0&ID=0");
+}
+
+TEST(Location, IsTheSameWhateverTheProcessesLocale)
+{
+    const TestSupport::CGroupingLocale locale;
+    EXPECT_EQ(driveLocation(at(65536, 0, 0, 0)), "PCI:Segment=65536&Bus=0&Device=0&Function=0&ID=0");
+    EXPECT_EQ(driveLocation(at(0, 1000, 0, 0)), "PCI:Bus=1000&Device=0&Function=0&ID=0");
 }
 
 TEST(Location, FindsTheFirstIdentityWithANumber)

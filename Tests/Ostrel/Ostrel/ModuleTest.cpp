@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -22,8 +23,17 @@ TEST(Module, NamesItsCatalogue)
     EXPECT_EQ(file.FileName(), "Ostrel.nls");
     EXPECT_EQ(file.LanguageCode(), 25966U);
     EXPECT_EQ(file.Encoding(), "utf-8");
+    EXPECT_EQ(file.FormatNumber(), 1U);
     EXPECT_EQ(file.DefaultErrors(), (std::vector<std::string>{"General error in Ostrel plugin",
                                                               "No information available for this error"}));
+}
+
+TEST(Module, HandsOverAnEmptyErrorList)
+{
+    const auto& errors = g_ModuleInfo.Errors();
+    EXPECT_EQ(errors.m_Size, sizeof errors);
+    for (const std::uint32_t word : errors.m_Reserved)
+        EXPECT_EQ(word, 0U);
 }
 
 TEST(Module, PrintsToStandardOutputAtOnce)

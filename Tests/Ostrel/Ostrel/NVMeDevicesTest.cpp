@@ -79,8 +79,7 @@ TEST(NVMeDevices, AScanTracesEachDriveItFinds)
         EXPECT_THAT(
             capture.Lines(),
             ElementsAre(CCapturedLine{2, "Ostrel/Src/Ostrel", scan, "ENTER NVMeDevices::scan()"},
-                        CCapturedLine{16, "Ostrel/Src/Ostrel_Linux",
-                                      "NAMESPACE_Ostrel::NVMeDevices::addDetected",
+                        CCapturedLine{16, "Ostrel/Src/Ostrel", "NAMESPACE_Ostrel::NVMeDevices::addDetected",
                                       "Detected NVMe device. deviceName: /dev/nvme0n1, driver: nvme"},
                         CCapturedLine{2, "Ostrel/Src/Ostrel", scan, "LEAVE NVMeDevices::scan() -> ret 1"}));
     }

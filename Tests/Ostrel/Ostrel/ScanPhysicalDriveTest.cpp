@@ -91,6 +91,22 @@ TEST_F(CScanPhysicalDrive, ComposesTheIntelNameOfFamilyAndPartNumber)
     EXPECT_EQ(Again().m_ProductName, "Family series SSDPE2KX040T8");
 }
 
+TEST_F(CScanPhysicalDrive, TrimsAllWhiteSpaceFromTheFamily)
+{
+    m_Fakes.Add(CFakeDrive(1).Vendor(INTEL).Model("INTEL P"));
+    for (const char* text :
+         {" \t\r\n\v\fFamily \t\r\n\v\f", "\tFamily\r\n Series", "Family\v\f Series X\n"}) {
+        m_Fakes.At(0).MarketingLog(text);
+        EXPECT_EQ(Again().m_ProductName, "Family P");
+    }
+    for (const char* text : {"\t\r\n", "\n Series", " Series of a family"}) {
+        m_Fakes.At(0).MarketingLog(text);
+        EXPECT_EQ(Again().m_ProductName, "P");
+    }
+    m_Fakes.At(0).MarketingLog(std::string("Fami\0ly Series", 14));
+    EXPECT_EQ(Again().m_ProductName, "Fami P");
+}
+
 TEST_F(CScanPhysicalDrive, IsNamedByThePartNumberAloneWithoutAFamily)
 {
     m_Fakes.Add(CFakeDrive(1).Vendor(INTEL).Model("INTEL SSDPE2KX040T8"));

@@ -275,22 +275,32 @@ TEST_F(CScanTrace, MissesNoDriveInitiallyNorOneThatIsPublished)
     EXPECT_EQ(Trace(0xFFFFFFFF, false), expected);
 }
 
-TEST_F(CScanTrace, LeavesOutVendorPagesThatCouldNotBeRead)
+TEST_F(CScanTrace, TellsTheDefaultsOfVendorPagesThatCouldNotBeRead)
 {
     m_Fakes.At(0).m_VendorLogs.clear();
     std::vector<CCapturedLine> expected = Expected();
-    std::erase_if(expected, [](const CCapturedLine& line) {
-        return line.m_Text.find("LogPage") != std::string::npos ||
-               line.m_Text.find("Normalized") != std::string::npos;
-    });
+    std::erase_if(expected,
+                  [](const CCapturedLine& line) { return line.m_Text.find("LogPage") != std::string::npos; });
+    expected[2].m_Text = "ScanSystem, AD Normalized value = 0";
+    expected[3].m_Text = "ScanSystem, EA Normalized value = 100";
     EXPECT_EQ(Trace(0xFFFFFFFF, false), expected);
 }
 
-TEST_F(CScanTrace, LeavesOutTheValuesOfAHealthPageThatWasNeverFilled)
+TEST_F(CScanTrace, TellsTheWearAsThePageHasItWhereTheRecordInvertsIt)
+{
+    m_Fakes.At(0).Model("INTEL SSDPED1K375GA");
+    EXPECT_EQ(Trace(0xFFFFFFFF, false), Expected());
+    EXPECT_EQ(m_Adapters.at(0).m_ADNormalized, 97U);
+}
+
+TEST_F(CScanTrace, TellsTheDefaultsOfAHealthPageThatWasNeverFilled)
 {
     m_Fakes.At(2).m_HealthStatuses.assign(8, 1);
     std::vector<CCapturedLine> expected = Expected();
-    expected.erase(expected.begin() + 13, expected.begin() + 18);
+    for (std::size_t line = 13; line < 16; ++line) {
+        std::string& text = expected[line].m_Text;
+        text.replace(text.find("= 0"), 3, "= 18446744073709551615");
+    }
     EXPECT_EQ(Trace(0xFFFFFFFF, false), expected);
 }
 

@@ -1,3 +1,4 @@
+#include "Support/GroupingLocale.h"
 #include "Support/PluginUnderTest.h"
 #include "Support/TemporaryFolder.h"
 
@@ -49,6 +50,13 @@ TEST_F(Settings, AValueThatIsMoreThanANumberLeavesTheDefault)
     EXPECT_EQ(PollInterval("PollInterval=45s\n"), 30U);
     EXPECT_EQ(PollInterval("PollInterval=45 \n"), 30U);
     EXPECT_EQ(PollInterval("PollInterval=45.5\n"), 30U);
+}
+
+TEST_F(Settings, AreReadTheSameWhateverTheProcessesLocale)
+{
+    const TestSupport::CGroupingLocale locale;
+    EXPECT_EQ(PollInterval("PollInterval=1.000\n"), 30U);
+    EXPECT_EQ(PollInterval("PollInterval=45\n"), 45U);
 }
 
 TEST_F(Settings, AValueWithinBoundsIsTaken)

@@ -3,13 +3,20 @@
 #include "Support/TraceCapture.h"
 
 #include <PI/ErrorCode.h>
+#include <TLX/Event.h>
+#include <TLX/FastMutex.h>
+#include <TLX/TraceSink.h>
 #include <TLX/WaitResult.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
 #include <future>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -48,6 +55,48 @@ public:
     TestSupport::CFakeDrives m_Drives;
     CPluginUnderTest m_Api;
     std::vector<PI::CObject> m_Objects;
+};
+
+std::uint32_t waitElsewhere(TLX::Threading::Native_OS::CFastMutex& mutex)
+{
+    return std::async(std::launch::async,
+                      [&mutex] {
+                          const std::uint32_t result = mutex.Wait(0);
+                          if (result == TLX::Threading::WaitResult::Taken)
+                              mutex.Release();
+                          return result;
+                      })
+        .get();
+}
+
+/** Calls a function with the text of each trace line of the module, on the thread that traces, while it
+ * lives. */
+class CTraceWatch
+{
+public:
+    explicit CTraceWatch(std::function<void(const std::string&)> watch)
+    {
+        TLX::Trace::setSink(std::make_shared<CSink>(std::move(watch)));
+        TLX::Trace::setMask(313, ~0U);
+    }
+    ~CTraceWatch()
+    {
+        TLX::Trace::setMask(313, 0);
+        TLX::Trace::setSink(nullptr);
+    }
+    CTraceWatch(const CTraceWatch&) = delete;
+    CTraceWatch& operator=(const CTraceWatch&) = delete;
+
+private:
+    class CSink : public TLX::Trace::ISink
+    {
+    public:
+        explicit CSink(std::function<void(const std::string&)> watch) : m_Watch(std::move(watch)) {}
+        void Write(const TLX::Trace::CLine& line) noexcept override { m_Watch(std::string(line.m_Text)); }
+
+    private:
+        std::function<void(const std::string&)> m_Watch;
+    };
 };
 
 class TopologyTrace : public Topology, public testing::WithParamInterface<std::uint32_t>
@@ -121,18 +170,57 @@ TEST_F(Topology, AModelThatIsNothingButAMakerIsAGeneralFailureAndThePluginLivesO
     EXPECT_EQ(Get(), PI::ERR_GENERAL_FAILURE);
     EXPECT_THAT(m_Objects, IsEmpty());
 
-    const std::uint32_t lock = std::async(std::launch::async, [this] {
-                                   const std::uint32_t result = m_Api.m_DataLock.Wait(0);
-                                   if (result == TLX::Threading::WaitResult::Taken)
-                                       m_Api.m_DataLock.Release();
-                                   return result;
-                               }).get();
-    EXPECT_EQ(lock, TLX::Threading::WaitResult::Taken) << "the failure must not keep the lock";
+    EXPECT_EQ(waitElsewhere(m_Api.m_DataLock), TLX::Threading::WaitResult::Taken)
+        << "the failure must not keep the lock";
 
     m_Api.m_Adapters[0].m_Model = "INTEL SSDPE2KX010T8";
     m_Api.m_PhysicalDrives[0].m_Model = "INTEL SSDPE2KX010T8";
     EXPECT_EQ(Get(), PI::ERR_SUCCESS);
     EXPECT_EQ(m_Objects.size(), 3U);
+}
+
+TEST_F(Topology, WaitsForTheDataLock)
+{
+    m_Drives.Add(CFakeDrive(0));
+    Initialize();
+    TLX::Threading::CEvent waitsOrIsDone;
+    ASSERT_EQ(waitsOrIsDone.Init(false, true), TLX::Threading::WaitResult::Taken);
+    const CTraceWatch watch([&](const std::string& text) {
+        if (text == "Before m_DataLock.Wait (sg)")
+            waitsOrIsDone.Set();
+    });
+    std::atomic<bool> done = false;
+    std::future<std::uint32_t> request;
+    {
+        const TLX::Threading::CScopedGuard guard(m_Api.m_DataLock);
+        request = std::async(std::launch::async, [&] {
+            const std::uint32_t result = Get();
+            done = true;
+            waitsOrIsDone.Set();
+            return result;
+        });
+        EXPECT_EQ(waitsOrIsDone.Wait(), TLX::Threading::WaitResult::Taken);
+        EXPECT_FALSE(done);
+    }
+    EXPECT_EQ(request.get(), PI::ERR_SUCCESS);
+    EXPECT_TRUE(done);
+}
+
+TEST_F(Topology, HoldsTheDataLockFromTheFirstObjectToTheLast)
+{
+    m_Drives.Add(CFakeDrive(0));
+    Initialize();
+    std::vector<std::string> free;
+    std::vector<std::string> held;
+    const CTraceWatch watch([&](const std::string& text) {
+        const bool taken = waitElsewhere(m_Api.m_DataLock) == TLX::Threading::WaitResult::Taken;
+        (taken ? free : held).push_back(text);
+    });
+    ASSERT_EQ(Get(), PI::ERR_SUCCESS);
+    EXPECT_EQ(free, (std::vector<std::string>{"ENTER GetTopology", "Before m_DataLock.Wait (sg)"}));
+    ASSERT_GE(held.size(), 2U);
+    EXPECT_EQ(held.front(), "After m_DataLock.Wait (sg)");
+    EXPECT_EQ(held.back(), "LEAVE GetTopology");
 }
 
 TEST_P(TopologyTrace, ShowsTheLinesOfTheMaskInTheirOrder)

@@ -1,5 +1,6 @@
 #include "OstrelAdapter/Lifetime.h"
 
+#include "Support/GroupingLocale.h"
 #include "Support/VirtualClock.h"
 
 #include <gtest/gtest.h>
@@ -70,6 +71,13 @@ TEST_F(CEndOfLife, FollowsTheWear)
     EXPECT_EQ(endOfLifeDate(m_Adapter), "2026-03-04");
     m_Clock.Advance(24ULL * 3'600'000);
     EXPECT_EQ(endOfLifeDate(m_Adapter), "2026-03-05");
+}
+
+TEST_F(CEndOfLife, IsADateWhateverTheProcessesLocale)
+{
+    m_Adapter.m_ADNormalized = 60;
+    const TestSupport::CGroupingLocale locale;
+    EXPECT_EQ(endOfLifeDate(m_Adapter), "2026-03-04");
 }
 
 TEST_F(CEndOfLife, FollowsTheBytesWritten)

@@ -183,6 +183,17 @@ TEST_F(CAdapterProperties, OmitEachRowForItsOwnConditionAlone)
     });
 }
 
+TEST_F(CAdapterProperties, AreNoneWhenTheOneAskedForHasNothingToShow)
+{
+    CNVMeAdapter adapter;
+    for (const std::uint32_t id :
+         {30020U, 30500U, 30018U, 30442U, 30483U, 30498U, 30489U, 30490U, 30494U, 30165U})
+        EXPECT_THAT(Get(adapter, id), IsEmpty()) << id;
+    adapter = fullAdapter();
+    adapter.m_Model = "INTEL SSDPF2KX";
+    EXPECT_THAT(Get(adapter, 30442), IsEmpty()) << "its drive shows the temperature";
+}
+
 TEST_F(CAdapterProperties, CountDataInSixtyFourBits)
 {
     CNVMeAdapter adapter = fullAdapter();

@@ -110,6 +110,16 @@ TEST_F(CDriveProperties, OmitTheTemperatureAlone)
     without([](CNVMePhysicalDrive& drive) { drive = CNVMePhysicalDrive(); });
 }
 
+TEST_F(CDriveProperties, AreNoneWhenTheTemperatureAskedForIsNotShown)
+{
+    CNVMePhysicalDrive drive = fullDrive();
+    drive.m_Temperature = -1.0F;
+    EXPECT_THAT(Get(drive, 30069), IsEmpty()) << "unknown";
+    drive = fullDrive();
+    drive.m_Model = "INTEL SSDPED1K375GA";
+    EXPECT_THAT(Get(drive, 30069), IsEmpty()) << "the adapter shows it";
+}
+
 TEST_F(CDriveProperties, CutTheMakerFromTheModel)
 {
     CNVMePhysicalDrive drive = fullDrive();

@@ -1,3 +1,5 @@
+#include "Support/ExpectedProperty.h"
+#include "Support/GroupingLocale.h"
 #include "Support/PluginUnderTest.h"
 
 #include <gmock/gmock.h>
@@ -10,36 +12,20 @@ namespace {
 
 using PI::CBoundedValue;
 using PI::CProperty;
+using TestSupport::CExpectedProperty;
 
-/** What is asked of one property, in numbers of its own. */
-struct CExpected
-{
-    std::uint32_t m_Id;
-    bool m_Settable;
-    std::uint32_t m_Caption;
-    std::uint32_t m_Units;
-    CProperty::Value m_Value;
+constexpr std::uint32_t ALL_ONES = 0xFFFFFFFF;
+
+/** The whole list, written out by hand: id, caption, three attributes, kind, units, a fourth, settable,
+ * value.
+ */
+const std::vector<CExpectedProperty> EXPECTED = {
+    {{30137, 1, 1, 1, 0, 2, 1, 1}, std::string("Plugin:ID=313")},
+    {{30007, 23334, 1, 1, ALL_ONES, 2, 1, 1}, std::string("NVMe-Plugin")},
+    {{30099, 23339, 1, 1, ALL_ONES, 2, 1, 1}, std::string("7.16.3")},
+    {{30003, 23338, 1, 1, ALL_ONES, 2, 1, 1}, std::string("Ostrel")},
+    {{30005, 23335, 1, 1, ALL_ONES, 7, 21007, 1}, CBoundedValue{30, 2, 255, 1}, 0, 0, true},
 };
-
-constexpr std::uint32_t NO_CAPTION = 1;
-constexpr std::uint32_t NO_UNITS = 1;
-
-const std::vector<CExpected> EXPECTED = {
-    {30137, false, NO_CAPTION, NO_UNITS, std::string("Plugin:ID=313")},
-    {30007, false, 23334, NO_UNITS, std::string("NVMe-Plugin")},
-    {30099, false, 23339, NO_UNITS, std::string("7.16.3")},
-    {30003, false, 23338, NO_UNITS, std::string("Ostrel")},
-    {30005, true, 23335, 21007, CBoundedValue{30, 2, 255, 1}},
-};
-
-void expectEqual(const CProperty& property, const CExpected& expected)
-{
-    EXPECT_EQ(property.Id(), expected.m_Id);
-    EXPECT_EQ(property.Settable(), expected.m_Settable);
-    EXPECT_EQ(property.NlsID(), expected.m_Caption);
-    EXPECT_EQ(property.Units(), expected.m_Units);
-    EXPECT_TRUE(property.GetValue() == expected.m_Value) << expected.m_Id;
-}
 
 std::vector<CProperty> read(TestSupport::CPluginUnderTest& api, std::uint32_t propertyId)
 {
@@ -51,21 +37,14 @@ std::vector<CProperty> read(TestSupport::CPluginUnderTest& api, std::uint32_t pr
 TEST(PluginProperties, AreTheFiveRowsInOrder)
 {
     TestSupport::CPluginUnderTest api;
-    const std::vector<CProperty> properties = read(api, PI::ALL_PROPERTIES);
-    ASSERT_EQ(properties.size(), EXPECTED.size());
-    for (std::size_t i = 0; i < EXPECTED.size(); ++i)
-        expectEqual(properties[i], EXPECTED[i]);
-    EXPECT_EQ(properties[0].Description().attrC, 0U);
+    TestSupport::expectProperties(read(api, PI::ALL_PROPERTIES), EXPECTED);
 }
 
 TEST(PluginProperties, CanBeReadOneByOne)
 {
     TestSupport::CPluginUnderTest api;
-    for (const CExpected& expected : EXPECTED) {
-        const std::vector<CProperty> properties = read(api, expected.m_Id);
-        ASSERT_EQ(properties.size(), 1U) << expected.m_Id;
-        expectEqual(properties[0], expected);
-    }
+    for (const CExpectedProperty& expected : EXPECTED)
+        TestSupport::expectProperties(read(api, expected.m_Description.propertyId), {expected});
 }
 
 TEST(PluginProperties, AnUnknownOneGivesAnEmptyListAndNoFailure)
@@ -73,6 +52,13 @@ TEST(PluginProperties, AnUnknownOneGivesAnEmptyListAndNoFailure)
     TestSupport::CPluginUnderTest api;
     EXPECT_TRUE(read(api, 30022).empty());
     EXPECT_TRUE(read(api, 0).empty());
+}
+
+TEST(PluginProperties, AreTheSameWhateverTheProcessesLocale)
+{
+    const TestSupport::CGroupingLocale locale("\1");
+    TestSupport::CPluginUnderTest api;
+    TestSupport::expectProperties(read(api, PI::ALL_PROPERTIES), EXPECTED);
 }
 
 TEST(PluginProperties, ShowTheIntervalInForce)

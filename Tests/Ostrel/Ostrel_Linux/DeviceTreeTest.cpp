@@ -75,9 +75,9 @@ TEST_F(DeviceTree, GivesOneElementForEachControllerInOrder)
     EXPECT_THAT(
         capture.Lines(),
         ElementsAre(CCapturedLine{2, "Ostrel/Src/Ostrel", scan, "ENTER NVMeDevices::scan()"},
-                    CCapturedLine{16, "Ostrel/Src/Ostrel_Linux", detected,
+                    CCapturedLine{16, "Ostrel/Src/Ostrel", detected,
                                   "Detected NVMe device. deviceName: /dev/nvme0n1, driver: nvme"},
-                    CCapturedLine{16, "Ostrel/Src/Ostrel_Linux", detected,
+                    CCapturedLine{16, "Ostrel/Src/Ostrel", detected,
                                   "Detected NVMe device. deviceName: /dev/nvme1n1, driver: nvme"},
                     CCapturedLine{2, "Ostrel/Src/Ostrel", scan, "LEAVE NVMeDevices::scan() -> ret 1"}));
 }

@@ -40,7 +40,7 @@ TEST(ConcurrencyTest, QueriesAndLookupsStandBesideAnEnumeration)
             TLXX::NVME_IDENTIFY_CONTROLLER controller{};
             const auto status = TLXX::NVMeStorageQueryPropertyIdentifyController(path, controller);
             const auto wanted = static_cast<std::uint32_t>(expected);
-            if (status != wanted || TLXX::lastStatus(path) != wanted)
+            if (status != wanted || TLXX::lastStatus(path, TLXX::EQuery::IdentifyController) != wanted)
                 ++wrong;
         };
     };

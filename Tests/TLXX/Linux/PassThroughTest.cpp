@@ -47,6 +47,7 @@ struct CPrepared
 struct CQuery
 {
     const char* m_Name;
+    TLXX::EQuery m_Kind;
     std::uint8_t m_Opcode;
     std::uint32_t m_NamespaceId;
     std::uint32_t m_Word10;
@@ -99,7 +100,7 @@ TEST_P(PassThroughTest, SendsTheCommandToTheControllerAndHandsBackTheBlock)
     m_Kernel.Expect(GetParam().On("/dev/nvme2"), {data, 0, 0});
     EXPECT_EQ(GetParam().m_Run(m_Path, m_Bytes), 0U);
     EXPECT_EQ(m_Bytes, data);
-    EXPECT_EQ(TLXX::lastStatus(m_Path), 0U);
+    EXPECT_EQ(TLXX::lastStatus(m_Path, GetParam().m_Kind), 0U);
 }
 
 TEST_P(PassThroughTest, CanBeBrokenOffOnAThreadThatMayBeEndedByForce)
@@ -121,7 +122,7 @@ TEST_P(PassThroughTest, KeepsTheBlockWhenTheDriveRefuses)
     m_Kernel.Expect(GetParam().On("/dev/nvme2"), {pattern(GetParam().m_Length), 0x4109, 0});
     EXPECT_EQ(GetParam().m_Run(m_Path, m_Bytes), 0x14109U);
     EXPECT_EQ(m_Bytes, m_Untouched);
-    EXPECT_EQ(TLXX::lastStatus(m_Path), 0x14109U);
+    EXPECT_EQ(TLXX::lastStatus(m_Path, GetParam().m_Kind), 0x14109U);
 }
 
 TEST_P(PassThroughTest, KeepsTheBlockWhenTheKernelRefuses)
@@ -130,7 +131,7 @@ TEST_P(PassThroughTest, KeepsTheBlockWhenTheKernelRefuses)
         m_Kernel.Expect(GetParam().On("/dev/nvme2"), {pattern(GetParam().m_Length), -1, error});
         EXPECT_EQ(GetParam().m_Run(m_Path, m_Bytes), static_cast<std::uint32_t>(error));
         EXPECT_EQ(m_Bytes, m_Untouched);
-        EXPECT_EQ(TLXX::lastStatus(m_Path), static_cast<std::uint32_t>(error));
+        EXPECT_EQ(TLXX::lastStatus(m_Path, GetParam().m_Kind), static_cast<std::uint32_t>(error));
     }
 }
 
@@ -184,16 +185,19 @@ TEST_P(PassThroughTest, APathThatIsNoDiskIsNoDevice)
 INSTANTIATE_TEST_SUITE_P(
     Queries, PassThroughTest,
     testing::Values(
-        CQuery{"IdentifyController", 0x06, 0, 0x01, 4096,
+        CQuery{"IdentifyController", TLXX::EQuery::IdentifyController, 0x06, 0, 0x01, 4096,
                run<TLXX::NVME_IDENTIFY_CONTROLLER>(TLXX::NVMeStorageQueryPropertyIdentifyController)},
-        CQuery{"IdentifyNamespace", 0x06, 3, 0x00, 4096,
+        CQuery{"IdentifyNamespace", TLXX::EQuery::IdentifyNamespace, 0x06, 3, 0x00, 4096,
                run<TLXX::NVME_IDENTIFY_NAMESPACE>(TLXX::NVMeStorageQueryPropertyIdentifyNamespace)},
-        CQuery{"HealthLog", 0x02, 0xFFFFFFFF, 0x007F0002, 512,
+        CQuery{"HealthLog", TLXX::EQuery::SmartHealthLog, 0x02, 0xFFFFFFFF, 0x007F0002, 512,
                run<TLXX::NVME_SMART_HEALTH_INFORMATION_LOG>(
                    TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo)},
-        CQuery{"Log0xC5", 0x02, 0xFFFFFFFF, 0x007F00C5, 512, runVendorLog(0xC5), true},
-        CQuery{"Log0xCA", 0x02, 0xFFFFFFFF, 0x007F00CA, 512, runVendorLog(0xCA), true},
-        CQuery{"Log0xDD", 0x02, 0xFFFFFFFF, 0x007F00DD, 512, runVendorLog(0xDD), true}),
+        CQuery{"Log0xC5", TLXX::EQuery::VendorLog, 0x02, 0xFFFFFFFF, 0x007F00C5, 512, runVendorLog(0xC5),
+               true},
+        CQuery{"Log0xCA", TLXX::EQuery::VendorLog, 0x02, 0xFFFFFFFF, 0x007F00CA, 512, runVendorLog(0xCA),
+               true},
+        CQuery{"Log0xDD", TLXX::EQuery::VendorLog, 0x02, 0xFFFFFFFF, 0x007F00DD, 512, runVendorLog(0xDD),
+               true}),
     [](const auto& query) { return std::string(query.param.m_Name); });
 
 const CExpectedCommand IDENTIFY_ON_0{"/dev/nvme0", 0x06, 0, 0x01, 4096};

@@ -81,6 +81,7 @@ public:
     const Value& GetValue() const { return m_Value; }
 
     void SetNlsID(std::uint32_t nlsId) { m_Description.nlsId = nlsId; }
+    void SetKind(std::uint32_t kind) { m_Description.valueKind = kind; } ///< a `_VALUE_KIND`
     void SetUnits(std::uint32_t units) { m_Description.units = units; }
     void SetAttrC(std::uint32_t attribute) { m_Description.attrC = attribute; }
     void SetSubType(std::uint32_t subType) { m_SubType = subType; }

@@ -4,6 +4,7 @@
 #include <TLXX/NvmeStructures.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 // The only commands ever sent to a drive; nothing is ever written to one. Each takes the path of a disk as
@@ -25,8 +26,17 @@ TLXX_EXPORT std::uint32_t NVMeStorageQueryPropertyGetVendorSpecificLogPage(const
                                                                            std::uint8_t logIdentifier,
                                                                            VendorLogPage& page);
 
-/** The status of the last query of `path`; 0 when there was none. */
-TLXX_EXPORT std::uint32_t lastStatus(const std::string& path);
+/** The kinds of queries. */
+enum class EQuery : std::uint8_t
+{
+    IdentifyController,
+    IdentifyNamespace,
+    SmartHealthLog,
+    VendorLog, ///< whatever its log identifier
+};
+
+/** The status of the last query of this kind of `path`; none when there was none. */
+TLXX_EXPORT std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query);
 
 /** A status in words, such as "permission denied" or "the drive answered with status 0x2002". */
 TLXX_EXPORT std::string statusText(std::uint32_t status);

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <utility>
+
+#include <windows.h>
+
+namespace TLX::Win {
+
+/**
+ * Owns one system handle and closes it when it goes. `Policy` says what a handle of its kind is and how it is
+ * closed; nothing else closes handles.
+ */
+template<typename Policy>
+class CUniqueHandle
+{
+public:
+    using Handle = typename Policy::Handle;
+
+    CUniqueHandle() noexcept : m_Handle(Policy::none()) {}
+    explicit CUniqueHandle(Handle handle) noexcept : m_Handle(handle) {}
+    ~CUniqueHandle()
+    {
+        if (Valid())
+            Policy::close(m_Handle);
+    }
+    CUniqueHandle(CUniqueHandle&& other) noexcept : m_Handle(std::exchange(other.m_Handle, Policy::none())) {}
+    CUniqueHandle& operator=(CUniqueHandle&& other) noexcept
+    {
+        std::swap(m_Handle, other.m_Handle);
+        return *this;
+    }
+
+    bool Valid() const { return m_Handle != Policy::none(); }
+    Handle Get() const { return m_Handle; }
+
+private:
+    Handle m_Handle;
+};
+
+/** Mutexes, events, threads and other objects whose creation gives null when it fails. */
+struct KernelObjectPolicy
+{
+    using Handle = HANDLE;
+    static Handle none() { return nullptr; }
+    static void close(Handle handle) { CloseHandle(handle); }
+};
+using CKernelObject = CUniqueHandle<KernelObjectPolicy>;
+
+/** Files and devices. */
+struct FilePolicy
+{
+    using Handle = HANDLE;
+    static Handle none() { return INVALID_HANDLE_VALUE; }
+    static void close(Handle handle) { CloseHandle(handle); }
+};
+using CFileHandle = CUniqueHandle<FilePolicy>;
+
+} // namespace TLX::Win

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <TLXX/Export.h>
+#include <TLXX/PciLocation.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+// The device tree as the configuration manager shows it. Safe from any thread. A node that has gone meanwhile
+// has no properties.
+namespace TLXX::Win {
+
+/** A node of the device tree, as the configuration manager numbers it. */
+using DeviceNode = std::uint32_t;
+
+/**
+ * Tells which controllers the last enumeration yielded: one for each disk, in its order. Locations are
+ * counted in it.
+ */
+TLXX_EXPORT void rememberEnumeration(std::vector<DeviceNode> controllers);
+
+/** Every node of the tree, parents before their children. */
+TLXX_EXPORT std::vector<DeviceNode> deviceNodes();
+
+/** The texts of a property (a `CM_DRP_` number); none when the node lacks it. */
+TLXX_EXPORT std::vector<std::string> nodeTexts(DeviceNode node, std::uint32_t property);
+
+/** The name of the node's service; empty when it has none. */
+TLXX_EXPORT std::string nodeService(DeviceNode node);
+
+/** Where the node sits on the PCI buses; none when it says no such thing. */
+TLXX_EXPORT std::optional<CPciLocation> nodeLocation(DeviceNode node);
+
+} // namespace TLXX::Win

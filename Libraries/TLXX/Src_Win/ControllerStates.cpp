@@ -1,0 +1,87 @@
+#include "DeviceFile.h"
+#include "Platform.h"
+
+#include <TLXX/Win/DeviceNodes.h>
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <locale>
+
+#include <windows.h>
+#include <initguid.h>
+#include <cfgmgr32.h>
+#include <winioctl.h>
+
+namespace TLXX {
+namespace {
+
+using Win::DeviceNode;
+
+bool isServedBy(DeviceNode node, const char* service)
+{
+    return boost::iequals(Win::nodeService(node), service, std::locale::classic());
+}
+
+std::string instanceId(DeviceNode node)
+{
+    char buffer[MAX_DEVICE_ID_LEN + 1] = {};
+    return CM_Get_Device_IDA(node, buffer, MAX_DEVICE_ID_LEN, 0) == CR_SUCCESS ? buffer : "";
+}
+
+/** The path by which the disk at `node` is opened; empty if it has none. */
+std::string diskInterface(DeviceNode node)
+{
+    std::string instance = instanceId(node);
+    ULONG length = 0;
+    if (instance.empty() || CM_Get_Device_Interface_List_SizeA(
+                                &length, const_cast<GUID*>(&GUID_DEVINTERFACE_DISK), instance.data(),
+                                CM_GET_DEVICE_INTERFACE_LIST_PRESENT) != CR_SUCCESS)
+        return {};
+    std::string list(length, '\0');
+    if (CM_Get_Device_Interface_ListA(const_cast<GUID*>(&GUID_DEVINTERFACE_DISK), instance.data(),
+                                      list.data(), length,
+                                      CM_GET_DEVICE_INTERFACE_LIST_PRESENT) != CR_SUCCESS)
+        return {};
+    return list.substr(0, list.find('\0'));
+}
+
+/** Fills in the disk below the controller at `node`, the one that the enumeration looks at. */
+void addDisk(DeviceNode node, CControllerState& state)
+{
+    DEVINST child = 0;
+    if (CM_Get_Child(&child, node, 0) != CR_SUCCESS || !isServedBy(child, "disk"))
+        return;
+    const std::string path = diskInterface(child);
+    if (path.empty())
+        return;
+    // Asking for the number needs no right to read, so the disk has its name even where it may not be read.
+    if (const auto number = Win::CDeviceFile(path, 0).DiskNumber())
+        state.m_DeviceName = R"(\\.\PhysicalDrive)" + std::to_string(*number);
+    state.m_AccessPath = state.m_DeviceName.empty() ? path : state.m_DeviceName;
+    state.m_AccessStatus = Win::CDeviceFile(path, GENERIC_READ).Status();
+}
+
+CControllerState stateOf(DeviceNode node)
+{
+    CControllerState state;
+    state.m_Name = instanceId(node);
+    state.m_Driver = Win::nodeService(node);
+    state.m_Location = Win::nodeLocation(node);
+    state.m_Transport = state.m_Location ? "pcie" : "";
+    addDisk(node, state);
+    return state;
+}
+
+} // namespace
+
+std::vector<CControllerState> Platform::controllerStates()
+{
+    std::vector<CControllerState> states;
+    for (const DeviceNode node : Win::deviceNodes()) {
+        if (isServedBy(node, "stornvme"))
+            states.push_back(stateOf(node));
+    }
+    return states;
+}
+
+} // namespace TLXX

@@ -1,0 +1,125 @@
+#include "Platform.h"
+
+#include <TLXX/Win/DeviceNodes.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <mutex>
+#include <utility>
+
+#include <windows.h>
+#include <cfgmgr32.h>
+
+namespace TLXX {
+namespace {
+
+using Win::DeviceNode;
+
+struct CEnumeration
+{
+    std::mutex m_Lock;
+    std::vector<DeviceNode> m_Controllers;
+};
+
+// Never destroyed, for a query may still run when the process exits.
+CEnumeration& lastEnumeration()
+{
+    static auto* const instance = new CEnumeration;
+    return *instance;
+}
+
+void appendTree(DeviceNode node, std::vector<DeviceNode>& nodes)
+{
+    nodes.push_back(node);
+    DEVINST child = 0;
+    for (CONFIGRET result = CM_Get_Child(&child, node, 0); result == CR_SUCCESS;
+         result = CM_Get_Sibling(&child, child, 0))
+        appendTree(child, nodes);
+}
+
+/** The bytes of a property; none when it is missing or larger than any that is asked for here. */
+std::vector<char> propertyOf(DeviceNode node, std::uint32_t property)
+{
+    std::array<char, 4096> buffer{};
+    ULONG length = buffer.size();
+    if (CM_Get_DevNode_Registry_PropertyA(node, property, nullptr, buffer.data(), &length, 0) != CR_SUCCESS)
+        return {};
+    return {buffer.begin(), buffer.begin() + std::min<std::size_t>(length, buffer.size())};
+}
+
+std::optional<std::uint32_t> numberOf(DeviceNode node, std::uint32_t property)
+{
+    const std::vector<char> bytes = propertyOf(node, property);
+    std::uint32_t number = 0;
+    if (bytes.size() != sizeof number)
+        return std::nullopt;
+    std::memcpy(&number, bytes.data(), sizeof number);
+    return number;
+}
+
+} // namespace
+
+void Win::rememberEnumeration(std::vector<DeviceNode> controllers)
+{
+    const std::scoped_lock guard(lastEnumeration().m_Lock);
+    lastEnumeration().m_Controllers = std::move(controllers);
+}
+
+std::vector<DeviceNode> Win::deviceNodes()
+{
+    std::vector<DeviceNode> nodes;
+    DEVINST root = 0;
+    if (CM_Locate_DevNodeA(&root, nullptr, CM_LOCATE_DEVNODE_NORMAL) == CR_SUCCESS)
+        appendTree(root, nodes);
+    return nodes;
+}
+
+std::vector<std::string> Win::nodeTexts(DeviceNode node, std::uint32_t property)
+{
+    const std::vector<char> bytes = propertyOf(node, property);
+    std::vector<std::string> texts;
+    for (auto begin = bytes.begin(); begin != bytes.end() && *begin != '\0';) {
+        const auto end = std::find(begin, bytes.end(), '\0');
+        texts.emplace_back(begin, end);
+        begin = end == bytes.end() ? end : end + 1;
+    }
+    return texts;
+}
+
+std::string Win::nodeService(DeviceNode node)
+{
+    const std::vector<std::string> texts = nodeTexts(node, CM_DRP_SERVICE);
+    return texts.empty() ? std::string() : texts.front();
+}
+
+std::optional<CPciLocation> Win::nodeLocation(DeviceNode node)
+{
+    const auto bus = numberOf(node, CM_DRP_BUSNUMBER);
+    const auto address = numberOf(node, CM_DRP_ADDRESS);
+    if (!bus || !address)
+        return std::nullopt;
+    // Windows counts a PCI bus in the lowest byte, the segment in the two above it, and keeps device and
+    // function in one half of the address each. Whatever is larger was not written by the PCI bus driver.
+    const std::uint32_t device = *address >> 16U;
+    const std::uint32_t function = *address & 0xFFFFU;
+    if (*bus > 0xFFFFFFU || device > 0x1F || function > 7)
+        return std::nullopt;
+    return CPciLocation{static_cast<std::int32_t>(*bus >> 8U), static_cast<std::int32_t>(*bus & 0xFFU),
+                        static_cast<std::int32_t>(device), static_cast<std::int32_t>(function)};
+}
+
+std::optional<CPciLocation> Platform::location(std::uint32_t number)
+{
+    DeviceNode node = 0;
+    {
+        const std::scoped_lock guard(lastEnumeration().m_Lock);
+        const auto& controllers = lastEnumeration().m_Controllers;
+        if (number == 0 || number > controllers.size())
+            return std::nullopt;
+        node = controllers[number - 1];
+    }
+    return Win::nodeLocation(node);
+}
+
+} // namespace TLXX

@@ -1,0 +1,132 @@
+#include "DeviceFile.h"
+#include "NvmeStatus.h"
+#include "Platform.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <type_traits>
+
+#include <windows.h>
+#include <winioctl.h>
+
+namespace TLXX {
+namespace {
+
+static_assert(IOCTL_STORAGE_QUERY_PROPERTY == 0x2D1400);
+static_assert(StorageAdapterProtocolSpecificProperty == 49);
+static_assert(StorageDeviceProtocolSpecificProperty == 50);
+static_assert(PropertyStandardQuery == 0);
+static_assert(ProtocolTypeNvme == 3);
+static_assert(NVMeDataTypeIdentify == 1);
+static_assert(NVMeDataTypeLogPage == 2);
+static_assert(offsetof(STORAGE_PROPERTY_QUERY, QueryType) == 4);
+static_assert(offsetof(STORAGE_PROPERTY_QUERY, AdditionalParameters) == 8);
+static_assert(sizeof(STORAGE_PROTOCOL_SPECIFIC_DATA) == 40);
+static_assert(offsetof(STORAGE_PROTOCOL_SPECIFIC_DATA, DataType) == 4);
+static_assert(offsetof(STORAGE_PROTOCOL_SPECIFIC_DATA, ProtocolDataRequestValue) == 8);
+static_assert(offsetof(STORAGE_PROTOCOL_SPECIFIC_DATA, ProtocolDataOffset) == 16);
+static_assert(offsetof(STORAGE_PROTOCOL_SPECIFIC_DATA, ProtocolDataLength) == 20);
+static_assert(sizeof(STORAGE_PROTOCOL_DATA_DESCRIPTOR) == 48);
+static_assert(offsetof(STORAGE_PROTOCOL_DATA_DESCRIPTOR, ProtocolSpecificData) == 8);
+
+constexpr std::uint32_t CNS_NAMESPACE = 0x00;
+constexpr std::uint32_t CNS_CONTROLLER = 0x01;
+constexpr std::uint32_t LOG_HEALTH = 0x02;
+
+/** What the system is asked, and the room behind it into which it writes. */
+template<typename Block>
+struct CQuestion
+{
+    STORAGE_PROPERTY_ID m_Property;
+    STORAGE_QUERY_TYPE m_Type;
+    STORAGE_PROTOCOL_SPECIFIC_DATA m_Protocol;
+    Block m_Block;
+};
+
+/** The answer lies in the same memory, a descriptor in the question's place. */
+template<typename Block>
+union CExchange {
+    CQuestion<Block> m_Question;
+    STORAGE_PROTOCOL_DATA_DESCRIPTOR m_Answer;
+    std::uint8_t m_Bytes[sizeof(CQuestion<Block>)];
+};
+
+/** Where the answer's data begin, when all of `size` bytes lie within the `returned` ones. */
+std::uint32_t locate(const STORAGE_PROTOCOL_DATA_DESCRIPTOR& answer, std::uint32_t returned,
+                     std::uint32_t size, std::uint32_t& offset)
+{
+    constexpr std::uint32_t base = offsetof(STORAGE_PROTOCOL_DATA_DESCRIPTOR, ProtocolSpecificData);
+    if (returned < sizeof answer || answer.Size < sizeof answer)
+        return STATUS_SHORT_TRANSFER;
+    const STORAGE_PROTOCOL_SPECIFIC_DATA& data = answer.ProtocolSpecificData;
+    const std::uint32_t room = returned - base;
+    if (data.ProtocolDataOffset < sizeof data || data.ProtocolDataOffset > room)
+        return STATUS_BAD_ANSWER;
+    if (data.ProtocolDataLength < size || room - data.ProtocolDataOffset < size)
+        return STATUS_SHORT_TRANSFER;
+    offset = base + data.ProtocolDataOffset;
+    return STATUS_SUCCESS;
+}
+
+template<typename Block>
+std::uint32_t read(const std::string& path, STORAGE_PROPERTY_ID property, std::uint32_t dataType,
+                   std::uint32_t request, Block& target)
+{
+    static_assert(std::is_trivially_copyable_v<Block>);
+    static_assert(offsetof(CQuestion<Block>, m_Protocol) ==
+                  offsetof(STORAGE_PROPERTY_QUERY, AdditionalParameters));
+    static_assert(offsetof(CQuestion<Block>, m_Block) == sizeof(STORAGE_PROTOCOL_DATA_DESCRIPTOR));
+    static_assert(sizeof(CQuestion<Block>) == sizeof(STORAGE_PROTOCOL_DATA_DESCRIPTOR) + sizeof(Block));
+
+    const Win::CDeviceFile device(path, GENERIC_READ);
+    if (device.Status() != STATUS_SUCCESS)
+        return device.Status();
+
+    CExchange<Block> exchange{};
+    exchange.m_Question.m_Property = property;
+    exchange.m_Question.m_Type = PropertyStandardQuery;
+    STORAGE_PROTOCOL_SPECIFIC_DATA& protocol = exchange.m_Question.m_Protocol;
+    protocol.ProtocolType = ProtocolTypeNvme;
+    protocol.DataType = dataType;
+    protocol.ProtocolDataRequestValue = request;
+    protocol.ProtocolDataOffset = sizeof protocol;
+    protocol.ProtocolDataLength = sizeof(Block);
+
+    DWORD returned = 0;
+    if (DeviceIoControl(device.Get(), IOCTL_STORAGE_QUERY_PROPERTY, &exchange, sizeof exchange, &exchange,
+                        sizeof exchange, &returned, nullptr) == FALSE)
+        return GetLastError();
+    std::uint32_t offset = 0;
+    const std::uint32_t status =
+        locate(exchange.m_Answer, std::min<std::uint32_t>(returned, sizeof exchange), sizeof(Block), offset);
+    if (status == STATUS_SUCCESS)
+        std::memcpy(&target, exchange.m_Bytes + offset, sizeof(Block));
+    return status;
+}
+
+} // namespace
+
+std::uint32_t Platform::identifyController(const std::string& path, NVME_IDENTIFY_CONTROLLER& controller)
+{
+    return read(path, StorageAdapterProtocolSpecificProperty, NVMeDataTypeIdentify, CNS_CONTROLLER,
+                controller);
+}
+
+std::uint32_t Platform::identifyNamespace(const std::string& path, NVME_IDENTIFY_NAMESPACE& name_space)
+{
+    return read(path, StorageDeviceProtocolSpecificProperty, NVMeDataTypeIdentify, CNS_NAMESPACE, name_space);
+}
+
+std::uint32_t Platform::smartHealthLog(const std::string& path, NVME_SMART_HEALTH_INFORMATION_LOG& log)
+{
+    return read(path, StorageAdapterProtocolSpecificProperty, NVMeDataTypeLogPage, LOG_HEALTH, log);
+}
+
+std::uint32_t Platform::vendorLogPage(const std::string& path, std::uint8_t logIdentifier,
+                                      VendorLogPage& page)
+{
+    return read(path, StorageAdapterProtocolSpecificProperty, NVMeDataTypeLogPage, logIdentifier, page);
+}
+
+} // namespace TLXX

@@ -1,0 +1,102 @@
+#include "Ostrel/NVMeDevices.h"
+#include "Ostrel_Win/DiskInterfaces.h"
+
+#include <TLXX/Win/DeviceNodes.h>
+
+#include <boost/format.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <functional>
+#include <locale>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include <windows.h>
+#include <cfgmgr32.h>
+
+namespace NAMESPACE_Ostrel {
+namespace {
+
+/** Takes the name of a disk and of its controller's service. */
+using DiskFound = std::function<void(std::string, std::string)>;
+
+constexpr std::string_view CONTROLLER_SERVICE = "stornvme";
+constexpr std::string_view DISK_SERVICE = "disk";
+
+constexpr std::size_t SERVICE_SIZE = 200;
+constexpr std::size_t INSTANCE_SIZE = 2048;
+
+bool equalIgnoringCase(std::string_view a, std::string_view b)
+{
+    const auto& facet = std::use_facet<std::ctype<char>>(std::locale::classic());
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&facet](char left, char right) {
+        return facet.toupper(left) == facet.toupper(right);
+    });
+}
+
+/** The service of `node`, when its name is `expected` but for the case of its letters. */
+std::optional<std::string> matchingService(DEVINST node, std::string_view expected)
+{
+    std::array<char, SERVICE_SIZE> buffer{};
+    ULONG length = buffer.size();
+    if (CM_Get_DevNode_Registry_PropertyA(node, CM_DRP_SERVICE, nullptr, buffer.data(), &length, 0) !=
+        CR_SUCCESS)
+        return std::nullopt;
+    std::string service(buffer.data(), strnlen(buffer.data(), buffer.size()));
+    return equalIgnoringCase(service, expected) ? std::optional(std::move(service)) : std::nullopt;
+}
+
+/** Goes on to the next node of the walk: child, sibling, or the sibling of the nearest ancestor that has one.
+ */
+bool advance(DEVINST& node)
+{
+    DEVINST next = 0;
+    if (CM_Get_Child(&next, node, 0) == CR_SUCCESS) {
+        node = next;
+        return true;
+    }
+    while (CM_Get_Sibling(&next, node, 0) != CR_SUCCESS) {
+        if (CM_Get_Parent(&next, node, 0) != CR_SUCCESS)
+            return false;
+        node = next;
+    }
+    node = next;
+    return true;
+}
+
+/** Adds the disk below a controller. Only the first child counts, whatever others there are. */
+void enumerateNVMeDisks(DEVINST controller, const std::string& service, const DiskFound& add)
+{
+    DEVINST disk = 0;
+    if (CM_Get_Child(&disk, controller, 0) != CR_SUCCESS || !matchingService(disk, DISK_SERVICE))
+        return;
+    std::array<char, INSTANCE_SIZE> instance{};
+    if (CM_Get_Device_IDA(disk, instance.data(), instance.size(), 0) != CR_SUCCESS)
+        return;
+    forEachDiskInterface(instance.data(), [&](std::uint32_t number) {
+        add(str(boost::format(R"(\\.\PhysicalDrive%d)") % number), service);
+    });
+}
+
+} // namespace
+
+void NVMeDevices::scanDeviceTree()
+{
+    std::vector<TLXX::Win::DeviceNode> controllers;
+    DEVINST node = 0;
+    bool more = CM_Locate_DevNodeA(&node, nullptr, CM_LOCATE_DEVNODE_NORMAL) == CR_SUCCESS;
+    for (; more; more = advance(node)) {
+        if (const auto service = matchingService(node, CONTROLLER_SERVICE)) {
+            enumerateNVMeDisks(node, *service, [&](std::string device, std::string driver) {
+                addDetected(std::move(device), std::move(driver));
+                controllers.push_back(node);
+            });
+        }
+    }
+    TLXX::Win::rememberEnumeration(std::move(controllers));
+}
+
+} // namespace NAMESPACE_Ostrel

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <ntddk.h>
+
+enum
+{
+    IDENTIFY_PAGES = 2,
+    LOG_PAGES = 256
+};
+
+/** One disk of the test. */
+typedef struct Disk
+{
+    ULONG number;
+    UNICODE_STRING links[2]; ///< its names for programs: by number and by interface
+    WCHAR linkTexts[2][256];
+    ULONG failures[IDENTIFY_PAGES +
+                   LOG_PAGES]; ///< how often each page was refused since the last device number
+} Disk;
+
+/** Tells the disk's number, as the first step of an enumeration. */
+NTSTATUS tellNumber(Disk* disk, void* buffer, ULONG outputSize, ULONG_PTR* returned);
+
+/** Answers a request for a page, from the page's file and as its `.how` file says. */
+NTSTATUS tellPage(Disk* disk, void* buffer, ULONG inputSize, ULONG outputSize, ULONG_PTR* returned);

@@ -1,0 +1,29 @@
+# Boost for Windows: the machine's own headers, and of Boost.Filesystem the few sources behind `path`.
+include(HeaderPackage)
+ostrel_header_package(Boost::headers boost)
+set(Boost_FOUND TRUE)
+
+if(filesystem IN_LIST Boost_FIND_COMPONENTS AND NOT TARGET Boost::filesystem)
+    # The sources of the version that the package libboost-dev has.
+    set(version 1.74.0+ds1-21)
+    set(cache $ENV{XDG_CACHE_HOME})
+    if(NOT cache)
+        set(cache $ENV{HOME}/.cache)
+    endif()
+    set(folder ${cache}/ostrel/boost1.74_${version})
+    set(files path.cpp path_traits.cpp codecvt_error_category.cpp windows_file_codecvt.cpp
+        windows_file_codecvt.hpp platform_config.hpp)
+    list(TRANSFORM files PREPEND libs/filesystem/src/)
+    if(NOT EXISTS ${folder})
+        message(STATUS "Fetching the sources of Boost ${version}")
+        execute_process(COMMAND ${CMAKE_SOURCE_DIR}/cmake/debian-source boost1.74 ${version} ${folder} ${files}
+            COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+    list(FILTER files INCLUDE REGEX "cpp$")
+    list(TRANSFORM files PREPEND ${folder}/)
+    add_library(BoostFilesystem STATIC ${files})
+    add_library(Boost::filesystem ALIAS BoostFilesystem)
+    target_compile_definitions(BoostFilesystem PUBLIC BOOST_ALL_NO_LIB BOOST_FILESYSTEM_STATIC_LINK)
+    target_compile_options(BoostFilesystem PRIVATE -w)
+    target_link_libraries(BoostFilesystem PUBLIC Boost::headers)
+endif()
