@@ -113,6 +113,7 @@ class CFakeDrives::CBackend : public TLXX::IDeviceBackend
 public:
     std::vector<TLXX::CDeviceEntry> Enumerate() override
     {
+        Announce("enumerate");
         const std::scoped_lock guard(m_Lock);
         std::vector<TLXX::CDeviceEntry> entries;
         m_Locations.clear();
@@ -148,6 +149,7 @@ public:
     {
         char kind[16];
         (void)std::snprintf(kind, sizeof kind, "log 0x%02X", logIdentifier);
+        Announce(kind + (" " + path));
         const std::scoped_lock guard(m_Lock);
         const CFakeDrive* drive = Find(kind, path);
         if (drive == nullptr)
@@ -177,8 +179,21 @@ public:
     std::mutex m_Lock;
     std::deque<CFakeDrive> m_Drives;
     std::vector<std::string> m_Queries;
+    std::function<void(const std::string&)> m_OnQuery;
 
 private:
+    /** Calls the test's own function without the lock, for it may block or throw. */
+    void Announce(const std::string& query)
+    {
+        std::function<void(const std::string&)> action;
+        {
+            const std::scoped_lock guard(m_Lock);
+            action = m_OnQuery;
+        }
+        if (action)
+            action(query);
+    }
+
     CFakeDrive* Find(const std::string& kind, const std::string& path)
     {
         m_Queries.push_back(kind + " " + path);
@@ -193,6 +208,7 @@ private:
                          std::deque<std::uint32_t> CFakeDrive::*statuses, Block CFakeDrive::*source,
                          Block& target)
     {
+        Announce(kind + (" " + path));
         const std::scoped_lock guard(m_Lock);
         CFakeDrive* drive = Find(kind, path);
         if (drive == nullptr)
@@ -232,6 +248,18 @@ CFakeDrive& CFakeDrives::At(std::size_t index)
 {
     const std::scoped_lock guard(m_Backend->m_Lock);
     return m_Backend->m_Drives.at(index);
+}
+
+void CFakeDrives::Change(std::size_t index, const std::function<void(CFakeDrive&)>& change)
+{
+    const std::scoped_lock guard(m_Backend->m_Lock);
+    change(m_Backend->m_Drives.at(index));
+}
+
+void CFakeDrives::OnQuery(std::function<void(const std::string& query)> action)
+{
+    const std::scoped_lock guard(m_Backend->m_Lock);
+    m_Backend->m_OnQuery = std::move(action);
 }
 
 std::vector<std::string> CFakeDrives::Queries() const

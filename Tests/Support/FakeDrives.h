@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -65,6 +66,14 @@ public:
     /** Takes the drive with this device name out of the machine. */
     void Remove(const std::string& deviceName);
     CFakeDrive& At(std::size_t index);
+    /** Changes a drive while others may be asking it. */
+    void Change(std::size_t index, const std::function<void(CFakeDrive&)>& change);
+
+    /**
+     * Called before each query with what `Queries` says of it, and before each enumeration with "enumerate",
+     * on the thread that asks. What it throws passes to the plug-in.
+     */
+    void OnQuery(std::function<void(const std::string& query)> action);
 
     /** Every query so far as "<kind> <device name>": "controller", "namespace", "health", "log 0xC5" ... */
     std::vector<std::string> Queries() const;

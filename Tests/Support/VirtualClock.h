@@ -1,8 +1,13 @@
 #pragma once
 
 #include <TLX/Clock.h>
+#include <TLX/Event.h>
 
+#include <condition_variable>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <mutex>
 #include <vector>
 
@@ -23,16 +28,40 @@ public:
     /** Moves the clock to `instant` at once and notes how far it moved. */
     void SleepUntil(std::uint64_t instant) override;
 
+    std::shared_ptr<TLX::Threading::CEvent> AlarmAt(std::uint64_t instant) override;
+
+    /** Moves the clock; waits whose time is then over end. */
     void Advance(std::uint64_t milliseconds);
 
     /** How long each sleep was, in milliseconds, in order. */
     std::vector<std::uint64_t> Sleeps() const;
 
+    /** Called at the beginning of each sleep, on the sleeper's thread. */
+    void OnSleep(std::function<void()> action);
+
+    /**
+     * Blocks until `count` waits of more than no time at all have begun since the clock was made, and returns
+     * how long the last of them may take, in milliseconds.
+     */
+    std::uint64_t AwaitWait(std::size_t count);
+
 private:
+    struct CAlarm
+    {
+        std::uint64_t m_Instant;
+        std::weak_ptr<TLX::Threading::CEvent> m_Event; ///< expired: the wait is over
+    };
+
+    void MoveTo(std::uint64_t elapsed);
+
     mutable std::mutex m_Lock;
+    std::condition_variable m_WaitBegan;
     std::uint64_t m_Start;
     std::uint64_t m_Elapsed = 0;
     std::vector<std::uint64_t> m_Sleeps;
+    std::function<void()> m_OnSleep;
+    std::vector<CAlarm> m_Alarms;
+    std::vector<std::uint64_t> m_Waits; ///< the length of each timed wait
     TLX::Misc::IClock* m_Former;
 };
 

@@ -1,4 +1,5 @@
 #include <TLX/Clock.h>
+#include <TLX/Event.h>
 
 #include <algorithm>
 #include <atomic>
@@ -35,7 +36,21 @@ public:
 
 std::atomic<IClock*> g_Clock = nullptr;
 
-IClock& currentClock()
+} // namespace
+
+IClock::~IClock() = default;
+
+std::shared_ptr<Threading::CEvent> IClock::AlarmAt(std::uint64_t /*instant*/)
+{
+    return nullptr;
+}
+
+IClock* setClock(IClock* clock)
+{
+    return g_Clock.exchange(clock, std::memory_order_acq_rel);
+}
+
+IClock& clock()
 {
     // Never destroyed: threads may still ask for the time while the process ends.
     static IClock& systemClock = *new CSystemClock;
@@ -43,30 +58,21 @@ IClock& currentClock()
     return replacement != nullptr ? *replacement : systemClock;
 }
 
-} // namespace
-
-IClock::~IClock() = default;
-
-IClock* setClock(IClock* clock)
-{
-    return g_Clock.exchange(clock, std::memory_order_acq_rel);
-}
-
 std::uint64_t now()
 {
-    return currentClock().Now();
+    return clock().Now();
 }
 
 std::uint64_t monotonic()
 {
-    return currentClock().Monotonic();
+    return clock().Monotonic();
 }
 
 void pause(std::uint64_t duration)
 {
-    IClock& clock = currentClock();
-    const std::uint64_t start = clock.Monotonic();
-    clock.SleepUntil(start + std::min(duration, std::numeric_limits<std::uint64_t>::max() - start));
+    IClock& current = clock();
+    const std::uint64_t start = current.Monotonic();
+    current.SleepUntil(start + std::min(duration, std::numeric_limits<std::uint64_t>::max() - start));
 }
 
 } // namespace TLX::Misc

@@ -1,50 +1,10 @@
 #include "EventNative.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <chrono>
 #include <new>
-#include <optional>
 
-#include <poll.h>
 #include <sys/eventfd.h>
-#include <time.h>
 
 namespace TLX::Threading {
-namespace {
-
-using std::chrono::nanoseconds;
-using std::chrono::steady_clock;
-
-/** The time that a wait may still take; without limit when it was given none. */
-class CRemainingTime
-{
-public:
-    explicit CRemainingTime(std::uint32_t timeout)
-    {
-        if (timeout != NO_TIME_LIMIT)
-            m_Deadline = steady_clock::now() + std::chrono::milliseconds(timeout);
-    }
-
-    /** Null: no limit. Points into this object. */
-    const timespec* Get()
-    {
-        if (!m_Deadline)
-            return nullptr;
-        const nanoseconds left = *m_Deadline - steady_clock::now();
-        const nanoseconds remaining = std::max(left, nanoseconds::zero());
-        const auto seconds = std::chrono::floor<std::chrono::seconds>(remaining);
-        m_Remaining.tv_sec = seconds.count();
-        m_Remaining.tv_nsec = (remaining - seconds).count();
-        return &m_Remaining;
-    }
-
-private:
-    std::optional<steady_clock::time_point> m_Deadline;
-    timespec m_Remaining{};
-};
-
-} // namespace
 
 CEvent::Native::Native() noexcept : m_Descriptor(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
 
@@ -93,19 +53,11 @@ void CEvent::Reset()
 
 std::uint32_t CEvent::Wait(std::uint32_t timeout)
 {
-    if (!m_Native)
-        return WaitResult::Failed;
-    CRemainingTime remaining(timeout);
-    pollfd entry{m_Native->m_Descriptor.Get(), POLLIN, 0};
-    for (;;) {
-        const int ready = ppoll(&entry, 1, remaining.Get(), nullptr);
-        if (ready == 0)
-            return WaitResult::TimedOut;
-        if (ready < 0 && errno != EINTR)
-            return WaitResult::Failed;
-        if (ready > 0 && m_Native->Accept())
-            return WaitResult::Taken;
-    }
+    CEvent* const self = this;
+    if (timeout == NO_TIME_LIMIT)
+        return Native::WaitForAny({&self, 1}, nullptr);
+    const CWaitInterval interval(timeout);
+    return Native::WaitForAny({&self, 1}, &interval);
 }
 
 } // namespace TLX::Threading

@@ -3,8 +3,11 @@
 #include "Descriptor.h"
 
 #include <TLX/Event.h>
+#include <TLX/WaitInterval.h>
 
 #include <atomic>
+#include <cstdint>
+#include <span>
 
 namespace TLX::Threading {
 
@@ -21,6 +24,12 @@ struct CEvent::Native
 
     /** Whether a wait that saw the descriptor readable ends here; false when another one took the signal. */
     bool Accept() { return m_ManualReset || Clear(); }
+
+    /**
+     * Waits for the first of `events` that fires and takes its signal. Returns its position, counted from 1;
+     * `TimedOut` at the end of `interval` (null: no end); `Failed`.
+     */
+    static std::uint32_t WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval);
 
     CDescriptor m_Descriptor;
     std::atomic<bool> m_ManualReset = false;

@@ -1,5 +1,4 @@
 #include "EventNative.h"
-#include "Wait.h"
 
 #include <new>
 
@@ -38,7 +37,11 @@ void CEvent::Reset()
 
 std::uint32_t CEvent::Wait(std::uint32_t timeout)
 {
-    return m_Native ? Win::waitFor(m_Native->m_Event.Get(), timeout) : WaitResult::Failed;
+    CEvent* const self = this;
+    if (timeout == NO_TIME_LIMIT)
+        return Native::WaitForAny({&self, 1}, nullptr);
+    const CWaitInterval interval(timeout);
+    return Native::WaitForAny({&self, 1}, &interval);
 }
 
 } // namespace TLX::Threading

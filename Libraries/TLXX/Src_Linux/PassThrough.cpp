@@ -3,6 +3,8 @@
 #include "NvmeStatus.h"
 #include "Platform.h"
 
+#include <TLX/Thread.h>
+
 #include <array>
 #include <cerrno>
 #include <cstddef>
@@ -54,7 +56,8 @@ std::uint32_t send(std::uint32_t instance, nvme_admin_cmd& command)
     const Linux::CFileDescriptor node(Linux::controllerNode(instance));
     if (node.Status() != STATUS_SUCCESS)
         return node.Status();
-    const int result = ::ioctl(node.Get(), NVME_IOCTL_ADMIN_CMD, &command);
+    const int result = TLX::Threading::interruptibly(
+        [descriptor = node.Get(), &command] { return ::ioctl(descriptor, NVME_IOCTL_ADMIN_CMD, &command); });
     if (result < 0)
         return static_cast<std::uint32_t>(errno);
     return result == 0 ? STATUS_SUCCESS : STATUS_FROM_DRIVE | static_cast<std::uint32_t>(result);

@@ -2,6 +2,8 @@
 #include "NvmeStatus.h"
 #include "Platform.h"
 
+#include <TLX/Thread.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
@@ -94,8 +96,11 @@ std::uint32_t read(const std::string& path, STORAGE_PROPERTY_ID property, std::u
     protocol.ProtocolDataLength = sizeof(Block);
 
     DWORD returned = 0;
-    if (DeviceIoControl(device.Get(), IOCTL_STORAGE_QUERY_PROPERTY, &exchange, sizeof exchange, &exchange,
-                        sizeof exchange, &returned, nullptr) == FALSE)
+    const int done = TLX::Threading::interruptibly([&exchange, &returned, handle = device.Get()] {
+        return DeviceIoControl(handle, IOCTL_STORAGE_QUERY_PROPERTY, &exchange, sizeof exchange, &exchange,
+                               sizeof exchange, &returned, nullptr);
+    });
+    if (done == FALSE)
         return GetLastError();
     std::uint32_t offset = 0;
     const std::uint32_t status =

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <algorithm>
-#include <vector>
+#include "Ostrel/SerialIndex.h"
 
 namespace NAMESPACE_Ostrel {
 
@@ -10,12 +9,10 @@ namespace NAMESPACE_Ostrel {
  * serial number. Returns false, with the record untouched, when there is none.
  */
 template<typename Record>
-bool carryIdentity(Record& record, const std::vector<Record>& published)
+bool carryIdentity(Record& record, const CSerialIndex<const Record>& published)
 {
-    const auto former = std::find_if(published.begin(), published.end(), [&](const Record& candidate) {
-        return candidate.m_SerialNumber == record.m_SerialNumber;
-    });
-    if (former == published.end())
+    const Record* const former = published.Find(record.m_SerialNumber);
+    if (former == nullptr)
         return false;
     record.m_ID = former->m_ID;
     record.m_UpdateCount = former->m_UpdateCount;

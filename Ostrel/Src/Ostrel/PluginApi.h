@@ -1,6 +1,9 @@
 #pragma once
 
+#include "Ostrel/Changes.h"
 #include "Ostrel/NVMeDevices.h"
+#include "Ostrel/SerialIndex.h"
+#include "Ostrel/Trace.h"
 #include "OstrelAdapter/Record.h"
 #include "OstrelPhysicalDrive/Record.h"
 #include "OstrelPlugin/Record.h"
@@ -16,11 +19,13 @@
 #include <PI/Property.h>
 #include <TLX/Event.h>
 #include <TLX/FastMutex.h>
+#include <TLX/Thread.h>
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace NAMESPACE_Ostrel {
@@ -39,18 +44,53 @@ public:
     std::uint32_t Request(std::int32_t request, std::uint64_t objectID, PI::CRequestData& data) override;
 
 protected:
+    using PublishedAdapters = CSerialIndex<const CNVMeAdapter>;
+    using PublishedDrives = CSerialIndex<const CNVMePhysicalDrive>;
+
     // Requests.
     std::uint32_t Initialize(std::vector<PI::CAdapterID>& adapterIDs);
+    /** Takes over the host's identities and names the adapters by them; the first time it starts the worker.
+     */
+    std::uint32_t SetAdapterIDs(const std::vector<PI::CAdapterID>& adapterIDs);
+    /** Stops the worker, by force when it does not end by itself. */
+    std::uint32_t DeInitialize();
     std::uint32_t GetTopology(std::vector<PI::CObject>& objects);
+    std::uint32_t GetProperties(std::uint64_t objectID, std::vector<PI::CProperty>& properties);
+    std::uint32_t GetProperty(std::uint64_t objectID, PI::CProperty& property);
+    std::uint32_t SetProperty(std::uint64_t objectID, const PI::CProperty& property);
+    std::uint32_t GetOperations(std::uint64_t objectID, std::vector<PI::COperation>& operations);
+    std::uint32_t CheckOperation(std::uint64_t objectID, const PI::COperation& operation);
+    std::uint32_t ExecuteOperation(std::uint64_t objectID, PI::COperation& operation);
 
-    // Scanning. Callers hold m_DataLock, or are alone with the object.
+    // Monitoring.
+    /** The body of the worker thread: watches the drives until `m_StopRequest`. */
+    void Worker();
+    /**
+     * Makes a fresh scan the published state, with an event for every change that a host is told of. Returns
+     * 0 when anything has changed. The worker calls it with `m_EventsLock` held, too.
+     */
+    std::uint32_t UpdateSystem(std::vector<CNVMeAdapter>& adapters,
+                               std::vector<CNVMePhysicalDrive>& physicalDrives) TLX_REQUIRES(m_DataLock);
+    /** How a fresh scan differs from the published state, in which only change counters move on. */
+    CChanges Compare(const std::vector<CNVMeAdapter>& adapters,
+                     const std::vector<CNVMePhysicalDrive>& physicalDrives) TLX_REQUIRES(m_DataLock);
+
+    // Operations of the plug-in's own object.
+    std::uint32_t ExecutePluginOperation(CNVMePlugin& plugin, PI::COperation& operation)
+        TLX_REQUIRES(m_DataLock);
+    /** Hands all pending events over; they are pending no more. */
+    std::uint32_t GetEvents(CNVMePlugin& plugin, PI::COperation& operation) TLX_REQUIRES(m_DataLock);
+
+    // Scanning. Callers hold m_DataLock, or are alone with the object. `published` is what the records take
+    // their identifiers from; null when there is nothing published yet.
     std::uint32_t ScanSystem(std::vector<CNVMeAdapter>& adapters,
                              std::vector<CNVMePhysicalDrive>& physicalDrives, bool initial)
         TLX_REQUIRES(m_DataLock);
     std::uint32_t ScanAdpater(CNVMeAdapter& adapter, std::uint32_t deviceIndex, const NVMeDevice& device,
-                              bool initial) TLX_REQUIRES(m_DataLock);
+                              const PublishedAdapters* published) TLX_REQUIRES(m_DataLock);
     std::uint32_t ScanPhysicalDrive(CNVMePhysicalDrive& drive, const NVMeDevice& device,
-                                    const CNVMeAdapter& adapter, bool initial) TLX_REQUIRES(m_DataLock);
+                                    const CNVMeAdapter& adapter, const PublishedDrives* published)
+        TLX_REQUIRES(m_DataLock);
 
     // Properties. `propertyId` is one property's or `PI::ALL_PROPERTIES`. Callers hold m_DataLock.
     std::uint32_t GetPluginProperties(const CNVMePlugin& plugin, std::vector<PI::CProperty>& properties,
@@ -60,6 +100,9 @@ protected:
                                        std::uint32_t propertyId) TLX_REQUIRES(m_DataLock);
     std::uint32_t GetPhysicalDriveProperties(const CNVMePhysicalDrive& drive,
                                              std::vector<PI::CProperty>& properties, std::uint32_t propertyId)
+        TLX_REQUIRES(m_DataLock);
+    /** Sets the poll interval, the one property that can be set, and keeps it in the settings. */
+    std::uint32_t SetPluginProperty(CNVMePlugin& plugin, const PI::CProperty& property)
         TLX_REQUIRES(m_DataLock);
 
     // Rows of the host's database. A failure of the database is traced and becomes `ERR_GENERAL_FAILURE`; the
@@ -81,6 +124,7 @@ protected:
     std::uint64_t m_IDCounter = 0;            ///< the next object identifier's lower 48 bits
     std::vector<PI::CAdapterID> m_AdapterIDs; ///< identities that the host handed over
     std::vector<PI::CEvent> m_Events TLX_GUARDED_BY(m_EventsLock); ///< not yet fetched by the host
+    std::unique_ptr<TLX::Threading::CThread> m_WorkerThread;       ///< null until request 2
     std::shared_ptr<DatabaseORM::storage_t> m_Database; ///< shared with the host and its other plug-ins
     PI::CConfigFile m_ConfigFile;
     std::atomic<std::uint32_t> m_PollInterval = 0; ///< seconds
@@ -108,6 +152,29 @@ private:
     /** Asks every device what it is; those that do not say even when asked again are dropped. */
     void IdentifyDevices();
     std::uint64_t NextObjectID();
+
+    bool WorkerRuns();
+    /** One look at the drives, and the news of it to the host. */
+    void RunCycle();
+    /** Scans and updates. Returns 0 when anything has changed. */
+    std::uint32_t Refresh() TLX_REQUIRES(m_DataLock);
+    /** Calls the host, if it wants to be called. What the call throws is the host's own affair. */
+    void NotifyHost();
+
+    /** Makes `adapters` the children of the plug-in's object. */
+    void LinkAdapters(std::vector<CNVMeAdapter>& adapters) TLX_REQUIRES(m_DataLock);
+    /** Makes events pending. The caller may hold `m_EventsLock` already. */
+    void AddEvents(const std::vector<PI::CEvent>& events);
+    /** Writes what changed to the database, once it is published. */
+    void Persist(const CChanges& changes) TLX_REQUIRES(m_DataLock);
+
+    // Objects by identifier. The plug-in's own comes first, then the adapters, then the drives.
+    bool IsPlugin(std::uint64_t objectID) const TLX_REQUIRES(m_DataLock);
+    bool IsAdapterOrDrive(std::uint64_t objectID) const TLX_REQUIRES(m_DataLock);
+    /** Builds an object's properties; `request`, at `place`, is who asks. */
+    std::uint32_t BuildProperties(std::uint64_t objectID, std::vector<PI::CProperty>& properties,
+                                  std::uint32_t propertyId, std::string_view request,
+                                  const CTracePlace& place) TLX_REQUIRES(m_DataLock);
 };
 
 } // namespace NAMESPACE_Ostrel

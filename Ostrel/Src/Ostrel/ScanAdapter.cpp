@@ -68,7 +68,7 @@ std::int32_t globalAdapterNumber(const CNVMeAdapter& adapter)
 } // namespace
 
 std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t deviceIndex,
-                                           const NVMeDevice& device, bool initial)
+                                           const NVMeDevice& device, const PublishedAdapters* published)
 {
     adapter.m_Type = PI::TYPE_ADAPTER;
     adapter.m_DeviceIndex = deviceIndex;
@@ -77,7 +77,7 @@ std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t 
     if (isIntel)
         adapter.m_VendorTag = device.identifyController.sVendorTag();
 
-    if (initial || !carryIdentity(adapter, m_Adapters))
+    if (published == nullptr || !carryIdentity(adapter, *published))
         adapter.m_ID = NextObjectID();
     locate(adapter);
     if (findIdentity(m_AdapterIDs, adapter) != nullptr)

@@ -28,7 +28,8 @@ std::string intelProductName(const std::string& model, const TLXX::VendorLogPage
 } // namespace
 
 std::uint32_t IPLUGINAPI_IMPL::ScanPhysicalDrive(CNVMePhysicalDrive& drive, const NVMeDevice& device,
-                                                 const CNVMeAdapter& adapter, bool initial)
+                                                 const CNVMeAdapter& adapter,
+                                                 const PublishedDrives* published)
 {
     drive.m_Type = PI::TYPE_PHYSICAL_DRIVE;
     drive.m_DeviceIndex = adapter.m_DeviceIndex;
@@ -57,9 +58,9 @@ std::uint32_t IPLUGINAPI_IMPL::ScanPhysicalDrive(CNVMePhysicalDrive& drive, cons
         drive.m_ProductName = intelProductName(drive.m_Model, page);
     }
 
-    if (initial || !carryIdentity(drive, m_PhysicalDrives)) {
+    if (published == nullptr || !carryIdentity(drive, *published)) {
         drive.m_ID = NextObjectID();
-        if (!initial) {
+        if (published != nullptr) {
             OSTREL_TRACE(TRACE_FLOW) << "The drive is not found yet!";
         }
     }

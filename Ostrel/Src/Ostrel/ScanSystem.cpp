@@ -5,8 +5,10 @@
 #include <PI/ErrorCode.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace NAMESPACE_Ostrel {
@@ -31,12 +33,18 @@ std::uint32_t IPLUGINAPI_IMPL::ScanSystem(std::vector<CNVMeAdapter>& adapters,
     adapters.clear();
     physicalDrives.clear();
     std::erase_if(m_NVMeDevices, isExcluded);
+    std::optional<PublishedAdapters> publishedAdapters;
+    std::optional<PublishedDrives> publishedDrives;
+    if (!initial) {
+        publishedAdapters.emplace(std::as_const(m_Adapters));
+        publishedDrives.emplace(std::as_const(m_PhysicalDrives));
+    }
     std::uint32_t deviceIndex = 0;
     for (const NVMeDevice& device : m_NVMeDevices) {
         CNVMeAdapter adapter;
-        ScanAdpater(adapter, deviceIndex++, device, initial);
+        ScanAdpater(adapter, deviceIndex++, device, publishedAdapters ? &*publishedAdapters : nullptr);
         CNVMePhysicalDrive drive;
-        ScanPhysicalDrive(drive, device, adapter, initial);
+        ScanPhysicalDrive(drive, device, adapter, publishedDrives ? &*publishedDrives : nullptr);
         adapter.m_Children.push_back(drive.m_ID);
         drive.m_Parents.push_back(adapter.m_ID);
         adapters.push_back(adapter);

@@ -31,7 +31,7 @@ void IPLUGINAPI_IMPL::LoadSettings()
     m_ConfigFile.SetFileName("Ostrel.ini");
     std::uint32_t interval = DEFAULT_POLL_INTERVAL;
     std::string text;
-    if (m_ConfigFile.ReadKeyValue("PollInterval", text, -1, -1) == 0)
+    if (m_ConfigFile.ReadKeyValue(POLL_INTERVAL_KEY, text, -1, -1) == 0)
         interval = wholeNumber(text).value_or(DEFAULT_POLL_INTERVAL);
     m_PollInterval = std::clamp(interval, MINIMUM_POLL_INTERVAL, MAXIMUM_POLL_INTERVAL);
 }

@@ -51,6 +51,32 @@ private:
     TLX::Threading::CScopedGuard m_Guard;
 };
 
+/**
+ * The same for a wait without a time limit that may fail; it also traces both sides of the release. `release`
+ * is how the trace spells that: "Release ()" or "Release()".
+ */
+class TLX_SCOPED_CAPABILITY CTracedWait
+{
+public:
+    CTracedWait(TLX::Threading::Native_OS::CFastMutex& mutex, std::string_view name, std::string_view release,
+                const CTracePlace& place) TLX_ACQUIRE(mutex);
+    ~CTracedWait() TLX_RELEASE();
+    CTracedWait(const CTracedWait&) = delete;
+    CTracedWait& operator=(const CTracedWait&) = delete;
+
+    /** Whether the lock was there to be had. */
+    bool Taken() const { return m_Taken; }
+
+private:
+    void Trace(std::string_view side, std::string_view action) const;
+
+    TLX::Threading::Native_OS::CFastMutex& m_Mutex;
+    std::string_view m_Name;
+    std::string_view m_Release;
+    CTracePlace m_Place;
+    bool m_Taken;
+};
+
 } // namespace NAMESPACE_Ostrel
 
 /** The current place. `OSTREL_TRACE_UNIT` is the source folder, set by the build. */

@@ -2,6 +2,7 @@
 
 #include "Ostrel/HostCodes.h"
 
+#include <PI/Event.h>
 #include <PI/Object.h>
 
 #include <cstdint>
@@ -17,10 +18,10 @@ inline constexpr std::uint64_t UNKNOWN_COUNTER = std::numeric_limits<std::uint64
 /** A temperature that could not be read. */
 inline constexpr float UNKNOWN_TEMPERATURE = -1.0F;
 
-/** One NVMe controller. The scan fills it; what the scan does not know keeps the defaults. */
-class CNVMeAdapter : public PI::CObject
+/** What is known of one NVMe controller. The scan fills it; what the scan does not know keeps the defaults.
+ */
+struct CNVMeAdapterData
 {
-public:
     std::uint32_t m_DeviceIndex = 0; ///< position in the device list at the time of the scan
     std::int32_t m_GlobalAdapterNumber = 0;
     std::string m_SerialNumber;
@@ -57,6 +58,22 @@ public:
     std::uint32_t m_WarningThreshold = 10; ///< available spare threshold, percent
     std::string m_ModelName;
     std::string m_EndOfLifeDate; ///< "%4d-%02d-%02d"
+
+    friend bool operator==(const CNVMeAdapterData&, const CNVMeAdapterData&) = default;
+};
+
+/** One NVMe controller in the topology. */
+class CNVMeAdapter : public PI::CObject, public CNVMeAdapterData
+{
+public:
+    /** Appends an event to `events` for each warning that `fresh` has and this record has not. */
+    void Update(const CNVMeAdapter& fresh, std::vector<PI::CEvent>& events) const;
+
+    /** Whether the same is known of both, whatever their places in the topology. */
+    friend bool operator==(const CNVMeAdapter& left, const CNVMeAdapter& right)
+    {
+        return static_cast<const CNVMeAdapterData&>(left) == static_cast<const CNVMeAdapterData&>(right);
+    }
 };
 
 } // namespace NAMESPACE_Ostrel

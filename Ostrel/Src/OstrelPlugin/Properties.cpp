@@ -58,4 +58,27 @@ std::uint32_t IPLUGINAPI_IMPL::GetPluginProperties(const CNVMePlugin& /*plugin*/
     return PI::ERR_SUCCESS;
 }
 
+std::uint32_t IPLUGINAPI_IMPL::SetPluginProperty(CNVMePlugin& plugin, const PI::CProperty& property)
+{
+    if (property.Id() != PI::PROP_POLL_INTERVAL)
+        return PI::ERR_PROPERTY_NOT_SETTABLE;
+    std::int32_t value = 0;
+    std::int32_t minimum = 0;
+    std::int32_t maximum = 0;
+    std::int32_t step = 0;
+    if (!property.GetValue(value, minimum, maximum, step))
+        return PI::ERR_GENERAL_FAILURE;
+
+    // The bounds are those that the host handed back, in whatever order they are.
+    if (value < minimum)
+        value = minimum;
+    if (value > maximum)
+        value = maximum;
+    m_PollInterval = static_cast<std::uint32_t>(value);
+    ++plugin.m_UpdateCount;
+    const std::uint32_t result = m_ConfigFile.WriteKeyValue(POLL_INTERVAL_KEY, std::to_string(value), -1, -1);
+    m_PrivateEvent.Set();
+    return result;
+}
+
 } // namespace NAMESPACE_Ostrel

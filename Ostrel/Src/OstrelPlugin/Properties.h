@@ -8,4 +8,7 @@ namespace NAMESPACE_Ostrel {
 inline constexpr std::uint32_t MINIMUM_POLL_INTERVAL = 2;
 inline constexpr std::uint32_t MAXIMUM_POLL_INTERVAL = 255;
 
+/** The poll interval's key in the settings file. */
+inline constexpr char POLL_INTERVAL_KEY[] = "PollInterval";
+
 } // namespace NAMESPACE_Ostrel

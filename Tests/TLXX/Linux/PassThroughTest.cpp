@@ -1,6 +1,7 @@
 #include "ScriptedKernel.h"
 #include "SysfsTree.h"
 
+#include <TLX/Thread.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <gtest/gtest.h>
@@ -100,6 +101,20 @@ TEST_P(PassThroughTest, SendsTheCommandToTheControllerAndHandsBackTheBlock)
     EXPECT_EQ(GetParam().m_Run(m_Path, m_Bytes), 0U);
     EXPECT_EQ(m_Bytes, data);
     EXPECT_EQ(TLXX::lastStatus(m_Path, GetParam().m_Kind), 0U);
+}
+
+TEST_P(PassThroughTest, CanBeBrokenOffOnAThreadThatMayBeEndedByForce)
+{
+    const auto data = pattern(GetParam().m_Length);
+    m_Kernel.Expect(GetParam().On("/dev/nvme2"), {data, 0, 0});
+    m_Kernel.Expect(GetParam().On("/dev/nvme2"), {data, 0, 0});
+    TLX::Threading::CThread thread([&] { EXPECT_EQ(GetParam().m_Run(m_Path, m_Bytes), 0U); });
+    EXPECT_EQ(thread.Wait(), TLX::Threading::WaitResult::Taken);
+    EXPECT_TRUE(m_Kernel.WasInterruptible());
+    EXPECT_EQ(m_Bytes, data);
+
+    EXPECT_EQ(GetParam().m_Run(m_Path, m_Bytes), 0U);
+    EXPECT_FALSE(m_Kernel.WasInterruptible()) << "other threads decide for themselves";
 }
 
 TEST_P(PassThroughTest, KeepsTheBlockWhenTheDriveRefuses)

@@ -13,6 +13,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <linux/nvme_ioctl.h>
+#include <pthread.h>
 #include <sys/ioctl.h>
 
 namespace TLXXTest {
@@ -98,6 +99,14 @@ bool CScriptedKernel::Owns(int descriptor)
 
 int CScriptedKernel::Control(int descriptor, unsigned long request, void* argument)
 {
+    int state = 0;
+    int type = 0;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &state);
+    pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &type);
+    pthread_setcanceltype(type, nullptr);
+    pthread_setcancelstate(state, nullptr);
+    m_Interruptible = state == PTHREAD_CANCEL_ENABLE && type == PTHREAD_CANCEL_ASYNCHRONOUS;
+
     const std::scoped_lock guard(m_Lock);
     if (m_Script.empty()) {
         ADD_FAILURE() << "a command that nobody expected";

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -49,6 +50,8 @@ public:
     /** -1 with errno set, or a descriptor. */
     int Open(const std::string& node, int flags);
     bool Owns(int descriptor);
+    /** Whether the last command could have been broken off by a cancellation at any instruction. */
+    bool WasInterruptible() const { return m_Interruptible; }
     int Control(int descriptor, unsigned long request, void* argument);
 
 private:
@@ -58,6 +61,7 @@ private:
         CReply m_Reply;
     };
 
+    std::atomic<bool> m_Interruptible = false;
     std::mutex m_Lock;
     std::map<std::string, int> m_Nodes; ///< and the error that opening gives
     std::map<int, std::string> m_Opened;

@@ -3,6 +3,11 @@
 #include <TLX/Export.h>
 
 #include <cstdint>
+#include <memory>
+
+namespace TLX::Threading {
+class CEvent;
+}
 
 namespace TLX::Misc {
 
@@ -23,6 +28,13 @@ public:
 
     /** Blocks the caller until `Monotonic()` has reached `instant`. */
     virtual void SleepUntil(std::uint64_t instant) = 0;
+
+    /**
+     * Asked by a wait that may last until `instant` and can end before. A clock that does not run by itself
+     * returns an initialised event that it signals when `Monotonic()` has reached `instant`. Null, as here:
+     * the wait has to be timed by the system.
+     */
+    virtual std::shared_ptr<Threading::CEvent> AlarmAt(std::uint64_t instant);
 };
 
 /**
@@ -30,6 +42,9 @@ public:
  * the system clock). The caller keeps `clock` alive while it stands.
  */
 TLX_EXPORT IClock* setClock(IClock* clock);
+
+/** The clock that stands now. */
+TLX_EXPORT IClock& clock();
 
 /** Milliseconds since 1970-01-01T00:00:00Z. */
 TLX_EXPORT std::uint64_t now();

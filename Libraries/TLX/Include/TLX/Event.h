@@ -34,6 +34,7 @@ public:
     [[nodiscard]] std::uint32_t Wait(std::uint32_t timeout = NO_TIME_LIMIT);
 
 private:
+    friend class CWaiter;
     struct Native;
     std::unique_ptr<Native> m_Native;
 };

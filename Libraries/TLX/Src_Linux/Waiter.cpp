@@ -1,0 +1,68 @@
+#include "EventNative.h"
+
+#include <TLX/Clock.h>
+#include <TLX/Waiter.h>
+
+#include <cerrno>
+#include <memory>
+#include <vector>
+
+#include <poll.h>
+#include <time.h>
+
+namespace TLX::Threading {
+namespace {
+
+timespec remainingTime(const CWaitInterval& interval)
+{
+    constexpr std::uint64_t NANOSECONDS_A_MILLISECOND = 1'000'000;
+    const std::uint64_t remaining = interval.Remaining();
+    timespec time{};
+    time.tv_sec = static_cast<time_t>(remaining / 1000);
+    time.tv_nsec = static_cast<long>(remaining % 1000 * NANOSECONDS_A_MILLISECOND);
+    return time;
+}
+
+} // namespace
+
+std::uint32_t CEvent::Native::WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval)
+{
+    std::vector<pollfd> entries;
+    entries.reserve(events.size() + 1);
+    for (const CEvent* event : events) {
+        if (!event->m_Native)
+            return WaitResult::Failed;
+        entries.push_back({event->m_Native->m_Descriptor.Get(), POLLIN, 0});
+    }
+
+    // A clock that does not run by itself says when the time is over; the system's timer does otherwise.
+    std::shared_ptr<CEvent> alarm;
+    if (interval != nullptr)
+        alarm = Misc::clock().AlarmAt(interval->End());
+    if (alarm)
+        entries.push_back({alarm->m_Native->m_Descriptor.Get(), POLLIN, 0});
+
+    for (;;) {
+        timespec limit{};
+        const bool limited = interval != nullptr && !alarm;
+        if (limited)
+            limit = remainingTime(*interval);
+        const int ready = ppoll(entries.data(), entries.size(), limited ? &limit : nullptr, nullptr);
+        if (ready < 0 && errno == EINTR)
+            continue;
+        if (ready < 0)
+            return WaitResult::Failed;
+        for (std::uint32_t index = 0; index < events.size(); ++index)
+            if (entries[index].revents != 0 && events[index]->m_Native->Accept())
+                return index + 1;
+        if (ready == 0 || (alarm && entries.back().revents != 0))
+            return WaitResult::TimedOut;
+    }
+}
+
+std::uint32_t CWaiter::Wait(const CWaitInterval& interval)
+{
+    return CEvent::Native::WaitForAny(m_Events, &interval);
+}
+
+} // namespace TLX::Threading

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "OstrelAdapter/Record.h"
+#include "OstrelPhysicalDrive/Record.h"
+
+#include <PI/Event.h>
+
+#include <vector>
+
+namespace NAMESPACE_Ostrel {
+
+/** What a scan changed in the published state, each list in the order in which it was found. */
+struct CChanges
+{
+    std::vector<PI::CEvent> m_Events;
+    std::vector<CNVMeAdapter> m_AddedAdapters;
+    std::vector<CNVMeAdapter> m_ChangedAdapters; ///< as they were before
+    std::vector<CNVMeAdapter> m_RemovedAdapters;
+    std::vector<CNVMePhysicalDrive> m_AddedDrives;   ///< of added adapters, one each
+    std::vector<CNVMePhysicalDrive> m_ChangedDrives; ///< as they were before, but for their device index
+
+    bool Any() const
+    {
+        return !(m_AddedAdapters.empty() && m_ChangedAdapters.empty() && m_RemovedAdapters.empty() &&
+                 m_ChangedDrives.empty());
+    }
+};
+
+} // namespace NAMESPACE_Ostrel

@@ -1,0 +1,42 @@
+#include "Ostrel/PluginApi.h"
+#include "Ostrel/Trace.h"
+#include "OstrelPlugin/Operations.h"
+
+#include <PI/ErrorCode.h>
+
+namespace NAMESPACE_Ostrel {
+
+std::uint32_t IPLUGINAPI_IMPL::GetOperations(std::uint64_t objectID, std::vector<PI::COperation>& operations)
+{
+    OSTREL_TRACE(TRACE_PROGRESS) << "ENTER GetOperations object=0x%x" << objectID;
+    const CTracedGuard guard(m_DataLock, "m_DataLock", OSTREL_HERE);
+    std::uint32_t result = PI::ERR_SUCCESS;
+    if (IsPlugin(objectID))
+        operations = pluginOperations();
+    else if (IsAdapterOrDrive(objectID))
+        operations.clear();
+    else
+        result = PI::ERR_OBJECT_NOT_FOUND;
+    OSTREL_TRACE(TRACE_PROGRESS) << "ENTER GetOperations ret=%d" << result;
+    return result;
+}
+
+std::uint32_t IPLUGINAPI_IMPL::CheckOperation(std::uint64_t objectID, const PI::COperation& operation)
+{
+    OSTREL_TRACE(TRACE_PROGRESS) << "ENTER CheckOperation operation=%d" << operation.Id();
+    const CTracedGuard guard(m_DataLock, "m_DataLock", OSTREL_HERE);
+    const bool known = IsPlugin(objectID) || IsAdapterOrDrive(objectID);
+    const std::uint32_t result = known ? PI::ERR_SUCCESS : PI::ERR_OBJECT_NOT_FOUND;
+    OSTREL_TRACE(TRACE_PROGRESS) << "LEAVE CheckOperation(%d)" << result;
+    return result;
+}
+
+std::uint32_t IPLUGINAPI_IMPL::ExecuteOperation(std::uint64_t objectID, PI::COperation& operation)
+{
+    const CTracedGuard guard(m_DataLock, "m_DataLock", OSTREL_HERE);
+    if (IsPlugin(objectID))
+        return ExecutePluginOperation(m_Plugin, operation);
+    return IsAdapterOrDrive(objectID) ? PI::ERR_OPERATION_NOT_SUPPORTED : PI::ERR_OBJECT_NOT_FOUND;
+}
+
+} // namespace NAMESPACE_Ostrel

@@ -1,0 +1,34 @@
+#include "Ostrel/Location.h"
+#include "Ostrel/PluginApi.h"
+#include "Ostrel/Trace.h"
+#include "Ostrel/Vendor.h"
+
+#include <PI/ErrorCode.h>
+
+#include <string>
+
+namespace NAMESPACE_Ostrel {
+
+std::uint32_t IPLUGINAPI_IMPL::SetAdapterIDs(const std::vector<PI::CAdapterID>& adapterIDs)
+{
+    OSTREL_TRACE(TRACE_FLOW) << "ENTER SetAdapterIDs";
+    {
+        // The worker may run already, for a host may send this request again.
+        const TLX::Threading::CScopedGuard guard(m_DataLock);
+        // Added behind what is there: the identity that came first for a location stays in force.
+        m_AdapterIDs.insert(m_AdapterIDs.end(), adapterIDs.begin(), adapterIDs.end());
+        for (CNVMeAdapter& adapter : m_Adapters) {
+            const PI::CAdapterID* const identity = findIdentity(m_AdapterIDs, adapter);
+            if (identity == nullptr)
+                continue;
+            adapter.m_Name = adapterDisplayName(adapter.m_Vendor, std::to_string(identity->m_AdapterNumber));
+            (void)UpdateObjectInDatabase(adapter);
+        }
+        if (!m_WorkerThread)
+            m_WorkerThread = std::make_unique<TLX::Threading::CThread>([this] { Worker(); });
+    }
+    OSTREL_TRACE(TRACE_FLOW) << "LEAVE SetAdapterIDs";
+    return PI::ERR_SUCCESS;
+}
+
+} // namespace NAMESPACE_Ostrel

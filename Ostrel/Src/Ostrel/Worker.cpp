@@ -1,0 +1,115 @@
+#include "Ostrel/PluginApi.h"
+#include "Ostrel/Trace.h"
+
+#include <PI/ErrorCode.h>
+#include <TLX/Waiter.h>
+
+#include <cxxabi.h>
+
+namespace NAMESPACE_Ostrel {
+namespace {
+
+constexpr std::uint64_t FIRST_WAIT = 100; // milliseconds
+constexpr std::uint64_t MILLISECONDS_A_SECOND = 1000;
+
+} // namespace
+
+void IPLUGINAPI_IMPL::Worker()
+{
+    // The results of the wait, by the order of the events.
+    constexpr std::uint32_t FORCED = 1;
+    constexpr std::uint32_t PRIVATE = 3;
+
+    OSTREL_TRACE(TRACE_FLOW) << "ENTER Worker()";
+    TLX::Threading::CWaitInterval interval(FIRST_WAIT);
+    TLX::Threading::CWaiter waiter{&m_ForceWorker, &m_StopRequest, &m_PrivateEvent};
+    for (;;) {
+        switch (waiter.Wait(interval)) {
+        case FORCED:
+            OSTREL_TRACE(TRACE_WAKE) << "Worker() m_ForceWorker event received, force scan";
+            RunCycle();
+            break;
+        case TLX::Threading::WaitResult::TimedOut:
+            OSTREL_TRACE(TRACE_WAKE) << "Worker() timeout event received";
+            RunCycle();
+            break;
+        case PRIVATE:
+            OSTREL_TRACE(TRACE_WAKE) << "Worker() m_PrivateEvent event received";
+            NotifyHost();
+            break;
+        default:
+            OSTREL_TRACE(TRACE_WAKE) << "Worker() something else perhaps m_StopRequest";
+            OSTREL_TRACE(TRACE_FLOW) << "LEAVE Worker()";
+            return;
+        }
+        OSTREL_TRACE(TRACE_FLOW) << "Worker() before restart interval";
+        interval.Restart(m_PollInterval * MILLISECONDS_A_SECOND);
+    }
+}
+
+void IPLUGINAPI_IMPL::RunCycle()
+{
+    const CTracedWait dataLock(m_DataLock, "m_DataLock", "Release ()", OSTREL_HERE);
+    if (!dataLock.Taken())
+        return;
+    std::uint32_t result = PI::ERR_GENERAL_FAILURE;
+    bool pending = false;
+    {
+        const CTracedWait eventsLock(m_EventsLock, "m_EventsLock", "Release ()", OSTREL_HERE);
+        if (!eventsLock.Taken())
+            return;
+        try {
+            result = Refresh();
+        } catch (const abi::__forced_unwind&) {
+            throw; // the thread is being ended; the process would be aborted if that stopped here
+        } catch (...) {
+            result = PI::ERR_GENERAL_FAILURE;
+        }
+        pending = !m_Events.empty();
+    }
+    if (pending || result == PI::ERR_SUCCESS)
+        NotifyHost();
+    ++m_Plugin.m_UpdateCount;
+}
+
+std::uint32_t IPLUGINAPI_IMPL::Refresh()
+{
+    (void)m_NVMeDevices.scan();
+    for (NVMeDevice& device : m_NVMeDevices) {
+        if (!device.queryIdentifyController()) {
+            OSTREL_TRACE(TRACE_LOCK) << "Worker() Update skipped";
+            return PI::ERR_GENERAL_FAILURE;
+        }
+        (void)device.queryIdentifyNamespace();
+        (void)device.querySmartHealthLog();
+    }
+
+    std::vector<CNVMeAdapter> adapters;
+    std::vector<CNVMePhysicalDrive> physicalDrives;
+    OSTREL_TRACE(TRACE_PROGRESS) << "Before ScanSystem()";
+    const std::uint32_t scanned = ScanSystem(adapters, physicalDrives, false);
+    OSTREL_TRACE(TRACE_PROGRESS) << "After ScanSystem() ret = %d" << scanned;
+    OSTREL_TRACE(TRACE_PROGRESS) << "Before UpdateSystem()";
+    const std::uint32_t updated = UpdateSystem(adapters, physicalDrives);
+    OSTREL_TRACE(TRACE_PROGRESS) << "After UpdateSystem() ret = %d" << updated;
+
+    LinkAdapters(m_Adapters);
+    for (CNVMeAdapter& adapter : m_Adapters)
+        ++adapter.m_UpdateCount;
+    return updated;
+}
+
+void IPLUGINAPI_IMPL::NotifyHost()
+{
+    if (m_HostCallback == nullptr)
+        return;
+    try {
+        m_HostCallback(m_HostContext, this);
+    } catch (const abi::__forced_unwind&) {
+        throw;
+    } catch (...) {
+        return;
+    }
+}
+
+} // namespace NAMESPACE_Ostrel

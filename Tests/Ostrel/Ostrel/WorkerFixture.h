@@ -1,0 +1,148 @@
+#pragma once
+
+#include "Support/FakeDrives.h"
+#include "Support/PluginUnderTest.h"
+#include "Support/TemporaryFolder.h"
+#include "Support/VirtualClock.h"
+
+#include <PI/ConfigFile.h>
+#include <PI/ErrorCode.h>
+#include <TLX/WaitResult.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <future>
+#include <vector>
+
+namespace TestSupport {
+
+/** An event that stays set, ready from the start. */
+class CGate : public TLX::Threading::CEvent
+{
+public:
+    CGate() { EXPECT_EQ(Init(false, true), TLX::Threading::WaitResult::Taken); }
+
+    void Pass() { EXPECT_EQ(Wait(), TLX::Threading::WaitResult::Taken); }
+};
+
+/** A plug-in over scripted drives whose worker runs on a clock that the test moves. */
+class CWorkerFixture : public testing::Test
+{
+protected:
+    static constexpr std::uint64_t FIRST_WAIT = 100;
+    static constexpr std::uint64_t INTERVAL = 30'000;
+
+    CWorkerFixture()
+    {
+        PI::CConfigFile::SetFolder(m_Folder.Path().string());
+        m_Api.m_HostContext = reinterpret_cast<std::uintptr_t>(this);
+        m_Api.m_HostCallback = [](std::uintptr_t context, IPLUGINAPI* plugin) {
+            auto& self = *reinterpret_cast<CWorkerFixture*>(context);
+            EXPECT_EQ(plugin, &self.m_Api);
+            ++self.m_Calls;
+            if (self.m_OnCall)
+                self.m_OnCall();
+        };
+    }
+
+    ~CWorkerFixture() override
+    {
+        if (m_Api.m_WorkerThread)
+            Stop();
+    }
+
+    /** Requests 1 and 2, with the numbers 1, 2, ... for the adapters. Returns when the worker waits. */
+    void Start()
+    {
+        Initialize();
+        StartWorker();
+        EXPECT_EQ(m_Clock.AwaitWait(++m_Waits), FIRST_WAIT);
+    }
+
+    void Initialize()
+    {
+        PI::CRequestData data = std::vector<PI::CAdapterID>();
+        testing::internal::CaptureStdout();
+        const std::uint32_t result = m_Api.Request(PI::REQUEST_INITIALIZE, 0, data);
+        testing::internal::GetCapturedStdout();
+        ASSERT_EQ(result, PI::ERR_SUCCESS);
+        m_Identities = std::get<std::vector<PI::CAdapterID>>(data);
+        std::uint32_t number = 0;
+        for (PI::CAdapterID& identity : m_Identities)
+            identity.m_AdapterNumber = ++number;
+    }
+
+    std::uint32_t StartWorker()
+    {
+        PI::CRequestData data = m_Identities;
+        return m_Api.Request(PI::REQUEST_SET_ADAPTER_IDS, 0, data);
+    }
+
+    /** Request 3. Its first pause lasts until the worker has ended, as it does on any machine that is well.
+     */
+    void Stop()
+    {
+        m_Clock.OnSleep(
+            [this] { EXPECT_EQ(m_Api.m_WorkerThread->Wait(), TLX::Threading::WaitResult::Taken); });
+        PI::CRequestData nothing;
+        EXPECT_EQ(m_Api.Request(PI::REQUEST_DEINITIALIZE, 0, nothing), PI::ERR_SUCCESS);
+    }
+
+    /** Returns when the worker waits again, and how long it will. */
+    std::uint64_t AwaitWorker() { return m_Clock.AwaitWait(++m_Waits); }
+
+    /** A scan on demand, to its end. */
+    void Force()
+    {
+        m_Api.m_ForceWorker.Set();
+        EXPECT_EQ(AwaitWorker(), m_Api.m_PollInterval * std::uint64_t{1000});
+    }
+
+    /** The first timed scan, after which the names of the adapters no longer change. */
+    void Settle()
+    {
+        m_Clock.Advance(FIRST_WAIT);
+        EXPECT_EQ(AwaitWorker(), INTERVAL);
+        m_Calls = 0;
+    }
+
+    /** What another thread gets that tries to take the lock at once. */
+    static std::uint32_t Try(TLX::Threading::Native_OS::CFastMutex& lock)
+    {
+        return std::async(std::launch::async,
+                          [&lock] {
+                              const std::uint32_t result = lock.Wait(0);
+                              if (result == TLX::Threading::WaitResult::Taken)
+                                  lock.Release();
+                              return result;
+                          })
+            .get();
+    }
+
+    /** Operation 50002: the identifiers of the pending events, in order. */
+    std::vector<std::uint32_t> CollectEvents()
+    {
+        PI::COperation operation(PI::COperationTemplate{50002, 6, 1, 1, 1, false, 0, 1, 1});
+        PI::CRequestData data = operation;
+        EXPECT_EQ(m_Api.Request(PI::REQUEST_EXECUTE_OPERATION, m_Api.m_Plugin.m_ID, data), PI::ERR_SUCCESS);
+        std::vector<std::uint32_t> ids;
+        for (const PI::CEvent& event : std::get<PI::COperation>(data).Events())
+            ids.push_back(event.m_Id);
+        return ids;
+    }
+
+    CTemporaryFolder m_Folder;
+    CVirtualClock m_Clock;
+    CFakeDrives m_Drives;
+    std::atomic<int> m_Calls = 0;   ///< of the host
+    std::function<void()> m_OnCall; ///< set before the worker starts
+    std::vector<PI::CAdapterID> m_Identities;
+    std::size_t m_Waits = 0; ///< of the worker that the test knows of
+    CPluginUnderTest m_Api;
+};
+
+} // namespace TestSupport
