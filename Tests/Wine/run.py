@@ -3,8 +3,8 @@
 The Windows test: the whole cross-built product under Wine, with storage devices that a kernel driver of the test's
 own provides, and a device tree that a library beside the program serves.
 
-Needs the Debian packages wine wine64 g++-mingw-w64-x86-64-posix python3. It makes Wine prefixes of its own below the
-work folder, and needs no special rights and no display.
+Needs the Debian packages wine wine64 g++-mingw-w64-x86-64-posix sqlite3 python3. It makes Wine prefixes of its own
+below the work folder, and needs no special rights and no display.
 """
 
 import argparse

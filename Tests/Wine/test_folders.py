@@ -32,10 +32,17 @@ class Folders(unittest.TestCase):
         self.assertEqual(settings, [f"C:\\{NAME}\\Ostrel.ini"])
 
     def test_missing(self):
-        """a data folder that is not there is refused by its name"""
-        run = self.machine.ostrel("--data", f"C:\\{NAME}\\何", "list")
+        """a data folder that is not there is made"""
+        run = self.machine.ostrel("--data", f"C:\\{NAME}\\何\\下", "list")
+        self.assertEqual(run.code, 0, run.err)
+        self.assertTrue((self.folder / "何" / "下" / "Ostrel.db").is_file())
+
+    def test_impossible(self):
+        """a data folder that cannot be made is refused by its name"""
+        (self.folder / "Αρχείο").write_text("")
+        run = self.machine.ostrel("--data", f"C:\\{NAME}\\Αρχείο\\何", "list")
         self.assertEqual(run.code, 2)
-        self.assertIn(f"{NAME}\\何", run.err)
+        self.assertIn(f"{NAME}\\Αρχείο\\何", run.err)
 
     def test_installed(self):
         """the program runs from such a folder, and writes a trace file there"""

@@ -45,16 +45,6 @@ TEST_F(ReplaceFileTest, LeavesAFileThatNobodyMayReplace)
     EXPECT_EQ(Files(), 1);
 }
 
-TEST_F(ReplaceFileTest, LeavesAReadOnlyFile)
-{
-    const auto path = m_Folder.Write("Test.ini", "A=1\n");
-    ASSERT_NE(SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY), FALSE);
-    EXPECT_EQ(m_Config.WriteKeyValue("A", "2", -1, -1), PI::ERR_GENERAL_FAILURE);
-    EXPECT_EQ(m_Folder.Read("Test.ini"), "A=1\n");
-    EXPECT_EQ(Files(), 1);
-    SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-}
-
 TEST_F(ReplaceFileTest, ReplacesOneWithAForeignName)
 {
     const std::filesystem::path folder = m_Folder.Path() / std::filesystem::path(u8"ρυθμίσεις 設定");
