@@ -99,7 +99,7 @@ TEST(PluginApi, IsDestroyedThroughTheInterface)
     std::unique_ptr<IPLUGINAPI> plugin = std::make_unique<CPlugin>(destroyed);
     PI::CRequestData data;
     EXPECT_EQ(plugin->Request(PI::REQUEST_GET_TOPOLOGY, 0, data), 4U);
-    EXPECT_EQ(plugin->m_Version, IPLUGINAPI::VERSION);
+    EXPECT_EQ(plugin->m_Version, std::uint32_t{IPLUGINAPI::VERSION});
     EXPECT_EQ(plugin->m_HostCallback, nullptr);
     plugin.reset();
     EXPECT_TRUE(destroyed);
