@@ -1,20 +1,21 @@
 #include "Cli/DoctorCommand.h"
 
 #include "Core/DeviceAccess.h"
+#include "Core/Platform.h"
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 #include "Support/FakeDrives.h"
+#include "Support/SystemStatus.h"
 #include "Support/TemporaryFolder.h"
 
 #include <TLXX/NvmeQuery.h>
 
 #include <nlohmann/json.hpp>
 
-#include <cerrno>
-
 namespace {
 
 using namespace Host::Cli;
+using namespace TestSupport::SystemStatus;
 using Host::ExitCode;
 using testing::AllOf;
 using testing::ElementsAre;
@@ -48,8 +49,8 @@ TEST(CheckAccess, IsContentWhenNothingRefuses)
 TEST(CheckAccess, EndsWhenEveryDriveRefuses)
 {
     std::vector<TLXX::CControllerState> states = {stateOf(0), stateOf(1)};
-    states[0].m_AccessStatus = EACCES;
-    states[1].m_AccessStatus = EPERM;
+    states[0].m_AccessStatus = NO_PERMISSION;
+    states[1].m_AccessStatus = NO_PERMISSION;
     // Not to be shown anyway, so that it may be opened helps nobody.
     states.push_back(stateOf(2));
     states.back().m_DeviceName.clear();
@@ -58,14 +59,15 @@ TEST(CheckAccess, EndsWhenEveryDriveRefuses)
         ADD_FAILURE();
     } catch (const Host::Failure& failure) {
         EXPECT_EQ(failure.exitCode(), ExitCode::NoPermission);
-        EXPECT_THAT(failure.what(), AllOf(HasSubstr("/dev/nvme0, /dev/nvme1"), HasSubstr("root")));
+        EXPECT_THAT(failure.what(), AllOf(HasSubstr("/dev/nvme0, /dev/nvme1"),
+                                          HasSubstr(std::string(Host::Platform::permissionRemedy()))));
     }
 }
 
 TEST(CheckAccess, WarnsWhenSomeRefuse)
 {
     std::vector<TLXX::CControllerState> states = {stateOf(0), stateOf(1)};
-    states[1].m_AccessStatus = EACCES;
+    states[1].m_AccessStatus = NO_PERMISSION;
     std::vector<std::string> warnings;
     Host::checkAccess(states, [&](const std::string& warning) { warnings.push_back(warning); });
     EXPECT_THAT(warnings, ElementsAre(AllOf(HasSubstr("/dev/nvme1"), Not(HasSubstr("/dev/nvme0")))));
@@ -74,7 +76,7 @@ TEST(CheckAccess, WarnsWhenSomeRefuse)
 TEST(CheckAccess, LeavesOtherTroubleToTheRequests)
 {
     std::vector<TLXX::CControllerState> states = {stateOf(0)};
-    states[0].m_AccessStatus = ENOENT;
+    states[0].m_AccessStatus = NO_SUCH_FILE;
     Host::checkAccess(states, [](const std::string&) { ADD_FAILURE(); });
 }
 
@@ -85,8 +87,8 @@ TEST(CheckControllers, NamesEachReasonWhyOneIsNotShown)
     states[1].m_State = "connecting";
     states[2].m_DeviceName.clear();
     states[2].m_Transport = "tcp";
-    states[3].m_AccessStatus = EACCES;
-    states[4].m_AccessStatus = ENOENT;
+    states[3].m_AccessStatus = NO_PERMISSION;
+    states[4].m_AccessStatus = NO_SUCH_FILE;
     const std::vector<Check> checks = checkControllers(states);
     EXPECT_THAT(checks,
                 ElementsAre(finding(Finding::Ok, "/dev/nvme0n1 at 0000:10:1f.1, driver nvme, live"),
@@ -192,7 +194,7 @@ TEST_F(CheckInventoryTest, TellsWhyADiskIsMissingByWhatItAnswered)
 TEST_F(CheckInventoryTest, DoesNotMissADiskThatRefusesThisUser)
 {
     TLXX::CControllerState refused = stateOf(1);
-    refused.m_AccessStatus = EACCES;
+    refused.m_AccessStatus = NO_PERMISSION;
     EXPECT_TRUE(check({stateOf(0), refused}, {m_First}).empty());
 }
 
@@ -255,7 +257,7 @@ TEST(CheckRefusal, NamesTheDrivesOnWhichThePluginMayHaveFailed)
     for (int i = 0; i < 5; ++i)
         states.push_back(stateOf(i));
     states.push_back(stateOf(0));
-    states.back().m_AccessStatus = EACCES;
+    states.back().m_AccessStatus = NO_PERMISSION;
     const std::vector<Check> checks = checkRefusal(states, {4, 20000});
     EXPECT_THAT(checks, ElementsAre(finding(Finding::Problem, "model is \"INTEL\", the maker's name alone"),
                                     finding(Finding::Problem, "model is \"SAMSUNG\""),

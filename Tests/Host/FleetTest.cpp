@@ -142,7 +142,8 @@ TEST(Fleet, LetsNoNameForgeALineOfItsMessages)
     EXPECT_EQ(complaintAbout({{"a\nostrel: all is well\x1B", 1}}),
               "/a?ostrel: all is well? is not known here; known are: controllers");
     EXPECT_EQ(refusalOf("{\"a\\nb\": 1, \"a\\nb\": 2}"), "\"a?b\" stands twice in one object");
-    EXPECT_THAT(refusalOf("{\"a\": \"\xC3(\n"), testing::Not(testing::ContainsRegex("[\n\xC3]")));
+    EXPECT_THAT(refusalOf("{\"a\": \"\xC3(\n"),
+                testing::Not(testing::AnyOf(testing::HasSubstr("\n"), testing::HasSubstr("\xC3"))));
 }
 
 TEST(Fleet, RefusesAnotherShape)

@@ -71,7 +71,6 @@ TEST_F(SimulatedFleetTest, TheNameOfAFileForgesNoLineOfItsMessages)
 {
     EXPECT_THAT(refusalOf(m_Folder.Path() / "a\nostrel: all is well"),
                 AllOf(HasSubstr("a?ostrel: all is well"), Not(HasSubstr("\n"))));
-    EXPECT_THAT(refusalOf(m_Folder.Write("b\nc", "{}")), AllOf(HasSubstr("b?c"), Not(HasSubstr("\n"))));
 }
 
 TEST_F(SimulatedFleetTest, DrivesComeAndGoWithTheFile)

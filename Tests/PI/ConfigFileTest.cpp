@@ -51,6 +51,19 @@ TEST_F(ConfigFileTest, ReadsAValue)
     EXPECT_EQ(Read("PollInterval=45"), "45");
 }
 
+TEST_F(ConfigFileTest, FoldersMayHaveAnyName)
+{
+    const std::filesystem::path folder = m_Folder.Path() / u8"\u0391\u03B8\u03AE\u03BD\u03B1 \u6771\u4EAC";
+    std::filesystem::create_directory(folder);
+    std::ofstream(folder / "Test.ini") << "PollInterval=45\n";
+    PI::CConfigFile::SetFolder(folder.native());
+    PI::CConfigFile config;
+    config.SetFileName("Test.ini");
+    std::string value;
+    EXPECT_EQ(config.ReadKeyValue("PollInterval", value, -1, -1), 0U);
+    EXPECT_EQ(value, "45");
+}
+
 TEST_F(ConfigFileTest, KeepsBlanksOfTheValue)
 {
     EXPECT_EQ(Read("PollInterval=45 \n"), "45 ");

@@ -1,9 +1,10 @@
+#include "Support/Barrier.h"
+
 #include <TLX/Event.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <barrier>
 #include <chrono>
 #include <thread>
 #include <vector>
@@ -112,17 +113,17 @@ TEST(Event, OneSignalOfAnAutoResetEventGoesToOneOfManyThreads)
     CEvent event;
     ASSERT_EQ(event.Init(false, false), WaitResult::Taken);
     std::atomic<unsigned> taken = 0;
-    std::barrier together(THREADS, [&]() noexcept { event.Set(); });
-    std::barrier done(THREADS);
+    TestSupport::CBarrier together(THREADS, [&] { event.Set(); });
+    TestSupport::CBarrier done(THREADS);
     {
         std::vector<std::jthread> threads;
         for (unsigned number = 0; number < THREADS; ++number)
             threads.emplace_back([&] {
                 for (unsigned round = 0; round < ROUNDS; ++round) {
-                    together.arrive_and_wait();
+                    together.ArriveAndWait();
                     if (event.Wait(0) == WaitResult::Taken)
                         ++taken;
-                    done.arrive_and_wait();
+                    done.ArriveAndWait();
                 }
             });
     }

@@ -124,15 +124,4 @@ TEST_F(RotatingFileSink, DropsLinesThatItCannotWrite)
     EXPECT_EQ(m_Folder.Read("trace.log.1"), Stored("1"));
 }
 
-TEST_F(RotatingFileSink, GoesOnWhenItsFolderComesBack)
-{
-    const auto sink = rotatingFileSink(m_File, m_LineSize);
-    sink->Write(Line("1"));
-    fs::remove_all(m_Folder.Path());
-    sink->Write(Line("2"));
-    fs::create_directory(m_Folder.Path());
-    sink->Write(Line("3"));
-    EXPECT_EQ(m_Folder.Read("trace.log"), Stored("3"));
-}
-
 } // namespace

@@ -163,7 +163,7 @@ TEST_F(OperationRequests, CheckTraces)
 TEST_F(OperationRequests, ExecuteTraces)
 {
     {
-        const CTraceCapture capture(~0U);
+        const CTraceCapture capture(127);
         Execute(m_Plugin, 50002);
         EXPECT_THAT(Lines(capture),
                     ElementsAre(BEFORE, AFTER, "2 ENTER ExecutePluginOperation()", "2 ENTER GetEvents()",
@@ -171,11 +171,23 @@ TEST_F(OperationRequests, ExecuteTraces)
                                 "8 Before m_EventsLock.Release()", "8 After m_EventsLock.Release()",
                                 "2 LEAVE GetEvents() -> 0", "2 LEAVE ExecutePluginOperation() -> 0"));
     }
-    const CTraceCapture capture(~0U);
+    const CTraceCapture capture(127);
     Execute(m_Plugin, 50003);
     Execute(m_Drive, 50002);
     EXPECT_THAT(Lines(capture), ElementsAre(BEFORE, AFTER, "2 ENTER ExecutePluginOperation()",
                                             "2 LEAVE ExecutePluginOperation() -> 20005", BEFORE, AFTER));
+}
+
+// Whatever the operation, the plug-in's row is written, and none is made in its place.
+TEST_F(OperationRequests, ExecuteUpdatesThePluginsRow)
+{
+    const CTraceCapture capture(128);
+    Execute(m_Drive, 50002);
+    EXPECT_THAT(Lines(capture), IsEmpty());
+    Execute(m_Plugin, 50002);
+    Execute(m_Plugin, 50003);
+    EXPECT_THAT(Lines(capture),
+                ElementsAre("128 Plugin NVMe updated in db.", "128 Plugin NVMe updated in db."));
 }
 
 TEST_F(OperationRequests, WithoutTheEventsLockNothingIsCollected)

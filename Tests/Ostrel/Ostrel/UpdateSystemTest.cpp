@@ -16,9 +16,13 @@ namespace {
 using NAMESPACE_Ostrel::CChanges;
 using NAMESPACE_Ostrel::CNVMeAdapter;
 using NAMESPACE_Ostrel::CNVMePhysicalDrive;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
 using TestSupport::CCapturedLine;
 using TestSupport::CFakeDrive;
 
@@ -407,15 +411,65 @@ TEST_F(UpdateSystem, TracesItsWay)
     m_Fakes.Add(CFakeDrive(2));
     m_Fakes.At(0).Warning(4);
     Scan(false);
-    const TestSupport::CTraceCapture capture(~0U);
+    const TestSupport::CTraceCapture capture(127);
     EXPECT_EQ(m_Plugin.UpdateSystem(m_Adapters, m_Drives), CHANGED);
-    EXPECT_THAT(capture.Texts(), ElementsAre("ENTER UpdateSystem for 2 adapter, 2 physicalDrives",
-                                             "Update () 0 -> 4", "Before m_EventsLock.Wait (sg)",
-                                             "After m_EventsLock.Wait (sg)", "LEAVE UpdateSystem ret = 0"));
+    EXPECT_THAT(capture.Texts(),
+                ElementsAre("ENTER UpdateSystem for 2 adapter, 2 physicalDrives", "Update () 0 -> 4",
+                            "Before m_EventsLock.Wait (sg)", "After m_EventsLock.Wait (sg)",
+                            StartsWith("ENTER SetDatabaseObjectProperties (Adapter) ("),
+                            "LEAVE SetDatabaseObjectProperties (Adapter) -> 0",
+                            "ENTER SetDatabaseObjectProperties (PhysicalDisk)",
+                            "LEAVE UpdateSystem ret = 0"));
     std::vector<std::uint32_t> levels;
     for (const CCapturedLine& line : capture.Lines())
         levels.push_back(line.m_Level);
-    EXPECT_THAT(levels, ElementsAre(2U, 2U, 8U, 8U, 2U));
+    EXPECT_THAT(levels, ElementsAre(2U, 2U, 8U, 8U, 2U, 2U, 2U, 2U));
+}
+
+TEST_F(UpdateSystem, WritesWhatChangedInItsOrder)
+{
+    m_Fakes.Add(CFakeDrive(1));
+    m_Fakes.Add(CFakeDrive(2));
+    PublishFirst();
+    m_Plugin.InsertObjectToDatabase(m_Plugin.m_Plugin);
+    for (const CNVMeAdapter& adapter : m_Plugin.m_Adapters)
+        m_Plugin.InsertObjectToDatabase(adapter);
+    for (const CNVMePhysicalDrive& drive : m_Plugin.m_PhysicalDrives)
+        m_Plugin.InsertObjectToDatabase(drive);
+    const std::int32_t changed = m_Plugin.m_Adapters[0].m_GlobalAdapterNumber;
+    const std::int32_t removed = m_Plugin.m_Adapters[1].m_GlobalAdapterNumber;
+
+    m_Fakes.At(0).Warning(4).Model("Changed").m_Namespace.LBAF[0].LBADS = 12;
+    m_Fakes.Remove(CFakeDrive(2).m_DeviceName);
+    m_Fakes.Add(CFakeDrive(3).Model("Added"));
+    Scan(false);
+    const std::int32_t added = m_Adapters[1].m_GlobalAdapterNumber;
+    const TestSupport::CTraceCapture capture(128);
+    EXPECT_EQ(m_Plugin.UpdateSystem(m_Adapters, m_Drives), CHANGED);
+    const auto adapterLine = [](const std::string& serial, std::int32_t number, const std::string& what) {
+        return "Adapter (NVMe PCI Adapter (" + serial + ")) (" + std::to_string(number) + ") " + what +
+               " db.";
+    };
+    EXPECT_THAT(capture.Texts(),
+                ElementsAre(adapterLine("SN3", added, "inserted to"),
+                            adapterLine("SN1", changed, "updated in"),
+                            adapterLine("SN2", removed, "removed from"), "PD (Added) inserted to db.",
+                            "PD (Plain Drive) updated in db.", "Plugin NVMe updated in db."));
+}
+
+// The newcomer has taken over the row of the slot; deleting the former would take it away.
+TEST_F(UpdateSystem, ASwapInOneSlotLeavesTheNewDrivesRow)
+{
+    m_Fakes.Add(CFakeDrive(1));
+    PublishFirst();
+    m_Plugin.InsertObjectToDatabase(m_Plugin.m_Adapters[0]);
+    m_Fakes.At(0).Serial("NEWCOMER");
+    Scan(false);
+    const TestSupport::CTraceCapture capture(128);
+    EXPECT_EQ(m_Plugin.UpdateSystem(m_Adapters, m_Drives), CHANGED);
+    EXPECT_THAT(capture.Texts(), Not(Contains(HasSubstr("removed from db."))));
+    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(m_Plugin.m_Adapters[0]), 0U);
+    EXPECT_THAT(capture.Texts(), Contains(HasSubstr("updated in db.")));
 }
 
 // A record differs when any single member of its own does, and never by its place in the topology.

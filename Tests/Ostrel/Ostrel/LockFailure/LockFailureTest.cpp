@@ -1,3 +1,4 @@
+#include "FailingSystem.h"
 #include "Support/FakeDrives.h"
 #include "Support/PluginUnderTest.h"
 #include "Support/TraceCapture.h"
@@ -7,35 +8,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include <dlfcn.h>
-#include <pthread.h>
-#include <sys/eventfd.h>
-
-/** Seen by the libraries of the process before the system's function of that name. */
-#define INTERPOSED __attribute__((visibility("default")))
-
 namespace {
-
-// How many calls still succeed before one fails; negative: all do. Constant-initialised, for the calls come
-// from other libraries' constructors too.
-constinit int g_MutexesLeft = -1;
-constinit int g_EventsLeft = -1;
-
-bool isTheFailingOne(int& left)
-{
-    return left >= 0 && left-- == 0;
-}
-
-template<typename Function>
-Function systemFunction(const char* name)
-{
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
 
 struct CCase
 {
@@ -52,34 +29,10 @@ void PrintTo(const CCase& each, std::ostream* stream)
 class LockFailure : public testing::TestWithParam<CCase>
 {
 public:
-    ~LockFailure() override
-    {
-        g_MutexesLeft = -1;
-        g_EventsLeft = -1;
-    }
+    ~LockFailure() override { FailingSystem::let(FailingSystem::ALL, FailingSystem::ALL); }
 };
 
 } // namespace
-
-extern "C" INTERPOSED int pthread_mutex_init(pthread_mutex_t* mutex,
-                                             const pthread_mutexattr_t* attributes) noexcept
-{
-    if (isTheFailingOne(g_MutexesLeft))
-        return ENOMEM;
-    static const auto function =
-        systemFunction<int (*)(pthread_mutex_t*, const pthread_mutexattr_t*)>("pthread_mutex_init");
-    return function(mutex, attributes);
-}
-
-extern "C" INTERPOSED int eventfd(unsigned int count, int flags) noexcept
-{
-    if (isTheFailingOne(g_EventsLeft)) {
-        errno = EMFILE;
-        return -1;
-    }
-    static const auto function = systemFunction<int (*)(unsigned int, int)>("eventfd");
-    return function(count, flags);
-}
 
 TEST_P(LockFailure, EndsInitializeBeforeTheDrivesAreLookedFor)
 {
@@ -88,8 +41,7 @@ TEST_P(LockFailure, EndsInitializeBeforeTheDrivesAreLookedFor)
     TestSupport::CPluginUnderTest plugin;
     PI::CRequestData data = std::vector<PI::CAdapterID>(2);
     const TestSupport::CTraceCapture capture(~0U);
-    g_MutexesLeft = GetParam().m_Mutexes;
-    g_EventsLeft = GetParam().m_Events;
+    FailingSystem::let(GetParam().m_Mutexes, GetParam().m_Events);
 
     testing::internal::CaptureStdout();
     const std::uint32_t result = plugin.Request(PI::REQUEST_INITIALIZE, 0, data);

@@ -1,0 +1,119 @@
+#pragma once
+
+#include "Support_Win/ImportPatch.h"
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <windows.h>
+
+namespace TestSupport {
+
+/** One interface of a scripted disk, and the device behind it. */
+struct CScriptedDisk
+{
+    std::string m_Path;
+    std::optional<std::uint32_t> m_Number; ///< none: the device tells none
+    DWORD m_OpenError = 0;
+    DWORD m_ProbeError = ERROR_INSUFFICIENT_BUFFER;
+    bool m_Detailed = true; ///< whether the second question for the path is answered
+    /** How many bytes the detail is said to need; none: as many as it needs. */
+    std::optional<DWORD> m_DetailSize;
+};
+
+/** One control call to a scripted device: what came, and the room for the answer. */
+struct CControlCall
+{
+    std::string m_Path;
+    DWORD m_Code;
+    std::vector<std::uint8_t> m_Input;
+    std::uint8_t* m_Output;
+    DWORD m_OutputSize;
+    DWORD* m_Returned;
+};
+
+/**
+ * Stands in the system's place for the device tree and its disks while it lives: one module's calls to the
+ * configuration manager, to the device installation functions and to devices come here, as far as it imports
+ * them. Files that it does not know go to the system. Arguments that must be as they are, are checked.
+ */
+class CScriptedDevices
+{
+public:
+    using Node = std::uint32_t;
+    static constexpr Node ROOT = 1;
+
+    /** `module`: file name of a loaded library; null: the program. The tree has a root alone. */
+    explicit CScriptedDevices(const wchar_t* module = nullptr);
+    ~CScriptedDevices();
+    CScriptedDevices(const CScriptedDevices&) = delete;
+    CScriptedDevices& operator=(const CScriptedDevices&) = delete;
+
+    /** Lets the calls of a further module come here. */
+    void Attach(const wchar_t* module);
+
+    /** Adds a node behind the last child of `parent`. An empty service: the node has none. */
+    Node Add(Node parent, const std::string& service = {});
+    /** A controller with one disk, which has the given interfaces. Returns the controller. */
+    Node AddController(Node parent, std::vector<CScriptedDisk> disks,
+                       const std::string& service = "stornvme");
+    /** Takes a node and all below it out of the tree. */
+    void Remove(Node node);
+    void SetProperty(Node node, std::uint32_t property, std::vector<char> bytes);
+    void SetText(Node node, std::uint32_t property, const std::string& text);
+    void SetNumber(Node node, std::uint32_t property, std::uint32_t number);
+    void SetDisks(Node node, std::vector<CScriptedDisk> disks);
+
+    /** Instance identifier of a node. */
+    static std::string Instance(Node node);
+
+    /** Answers control calls other than for the device number; returns the error, 0: success. */
+    std::function<DWORD(const CControlCall&)> m_Control;
+
+    bool m_HasRoot = true;
+    /** The call with this number fails, counted from 0; negative: none. Releases are not counted. */
+    long m_FailAt = -1;
+    long m_CallCount = 0;
+    /** Every call in order with what tells it apart. */
+    std::vector<std::string> m_Calls;
+
+    std::size_t OpenHandles() const { return m_Handles.size(); }
+    std::size_t OpenSets() const { return m_Sets.size(); }
+
+    /** Counts a call and says whether it is the one to fail. */
+    bool Fails(const std::string& call);
+
+private:
+    friend struct ScriptedFunctions;
+
+    struct CNode
+    {
+        Node m_Parent = 0;
+        std::vector<Node> m_Children;
+        std::map<std::uint32_t, std::vector<char>> m_Properties;
+        std::vector<CScriptedDisk> m_Disks;
+    };
+
+    CNode* Find(Node node);
+    Node Neighbour(Node node) const;
+    const CScriptedDisk* FindDisk(const std::string& path) const;
+
+    std::map<Node, CNode> m_Nodes;
+    Node m_LastNode = ROOT;
+    std::map<void*, std::string> m_Handles; ///< and the paths that they were opened by
+    std::map<void*, Node> m_Sets;
+    std::uintptr_t m_LastHandle = 0x7000'0000;
+    std::deque<CImportPatch> m_Patches;
+};
+
+/** The scripted devices that stand now; null: none. */
+CScriptedDevices* scriptedDevices();
+
+} // namespace TestSupport
