@@ -94,6 +94,8 @@ int interruptibly(int (*call)(void* argument), void* argument)
 {
     if (!t_Interruptible)
         return call(argument);
+    // A device command is no point at which a deferred cancellation would strike.
+    // NOLINTNEXTLINE(concurrency-thread-canceltype-asynchronous)
     pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, nullptr);
     pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, nullptr);
     const int result = call(argument);

@@ -60,7 +60,7 @@ void IPLUGINAPI_IMPL::RunCycle()
             return;
         try {
             result = Refresh();
-        } catch (const abi::__forced_unwind&) {
+        } catch (abi::__forced_unwind&) {
             throw; // the thread is being ended; the process would be aborted if that stopped here
         } catch (...) {
             result = PI::ERR_GENERAL_FAILURE;
@@ -105,7 +105,7 @@ void IPLUGINAPI_IMPL::NotifyHost()
         return;
     try {
         m_HostCallback(m_HostContext, this);
-    } catch (const abi::__forced_unwind&) {
+    } catch (abi::__forced_unwind&) {
         throw;
     } catch (...) {
         return;

@@ -61,31 +61,6 @@ protected:
     }
 };
 
-/** A pipe to which nobody writes. */
-class CSilentPipe
-{
-public:
-    CSilentPipe() { EXPECT_EQ(pipe(m_Ends.data()), 0); }
-    ~CSilentPipe()
-    {
-        for (const int end : m_Ends)
-            close(end);
-    }
-    CSilentPipe(const CSilentPipe&) = delete;
-    CSilentPipe& operator=(const CSilentPipe&) = delete;
-
-    void Read() const
-    {
-        TLX::Threading::interruptibly([descriptor = m_Ends[0]] {
-            char byte = 0;
-            return static_cast<int>(read(descriptor, &byte, 1));
-        });
-    }
-
-private:
-    std::array<int, 2> m_Ends{};
-};
-
 } // namespace
 
 TEST_F(DeInitialize, WithoutAWorkerPausesTwiceAndSucceeds)
@@ -139,6 +114,38 @@ TEST_F(DeInitialize, AsksEveryHalfSecondForAWorkerThatIsBusy)
                                                "16 " + WAITING, "2 LEAVE DeInitialize"));
 }
 
+// GCC's address sanitizer does not know forced unwinds and reports them as errors.
+#if !defined(__SANITIZE_ADDRESS__)
+
+namespace {
+
+/** A pipe to which nobody writes. */
+class CSilentPipe
+{
+public:
+    CSilentPipe() { EXPECT_EQ(pipe(m_Ends.data()), 0); }
+    ~CSilentPipe()
+    {
+        for (const int end : m_Ends)
+            close(end);
+    }
+    CSilentPipe(const CSilentPipe&) = delete;
+    CSilentPipe& operator=(const CSilentPipe&) = delete;
+
+    void Read() const
+    {
+        TLX::Threading::interruptibly([descriptor = m_Ends[0]] {
+            char byte = 0;
+            return static_cast<int>(read(descriptor, &byte, 1));
+        });
+    }
+
+private:
+    std::array<int, 2> m_Ends{};
+};
+
+} // namespace
+
 TEST_F(DeInitialize, EndsAWorkerByForceThatIsStuckInADeviceQuery)
 {
     const CSilentPipe pipe;
@@ -174,6 +181,8 @@ TEST_F(DeInitialize, EndsAWorkerByForceThatIsStuckInADeviceQuery)
     EXPECT_EQ(m_Api.Request(PI::REQUEST_GET_TOPOLOGY, 0, objects), PI::ERR_SUCCESS);
     EXPECT_THAT(std::get<std::vector<PI::CObject>>(objects), SizeIs(3));
 }
+
+#endif
 
 namespace {
 

@@ -44,6 +44,10 @@ protected:
     CEvent m_Go;
 };
 
+// GCC's address sanitizer knows nothing of forced unwinds: it takes the stack of the frames that they leave
+// for still in use, and reports the next use of it.
+#if !defined(__SANITIZE_ADDRESS__)
+
 /** Says in a flag that it was destroyed. */
 class CWitness
 {
@@ -79,7 +83,7 @@ TEST_F(Cancel, PassesACatchAllThatLetsForcedUnwindsThrough)
         try {
             m_Reached.Set();
             ReadForever();
-        } catch (const abi::__forced_unwind&) {
+        } catch (abi::__forced_unwind&) {
             passed = true;
             throw;
         } catch (...) {
@@ -112,6 +116,8 @@ TEST_F(Cancel, WaitsForTheNextInterruptibleCall)
     EXPECT_EQ(thread.Wait(), WaitResult::Taken);
     EXPECT_EQ(steps, 2);
 }
+
+#endif
 
 TEST_F(Cancel, OfAThreadThatHasEndedDoesNothing)
 {
