@@ -10,7 +10,7 @@ from fleet import CONTROLLER, Disk, refusal, tree
 
 HOSTILE = "x');DROP TABLE PD;--"
 NOBODY = 0x1234
-DISKS = (Disk(0, "SERIAL-0", "First", NOBODY, (0, 1, 0, 0)),
+DISKS = (Disk(4, "SERIAL-4", "First", NOBODY, (0, 1, 0, 0)),
          Disk(5, HOSTILE, "It's 'quoted'", NOBODY, (0, 2, 3, 1), kelvin=300),
          Disk(6, "SERIAL-6", "Last", NOBODY, (1, 0, 0, 0), firmware="FW'6"))
 SILENT = Disk(7, "SILENT", "Never answers", NOBODY, (0, 9, 0, 0), how={CONTROLLER: refusal()})
