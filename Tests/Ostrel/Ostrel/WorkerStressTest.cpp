@@ -56,7 +56,7 @@ protected:
         m_Clock.Advance(1);
         std::set<std::uint32_t> touched;
         for (int change = 0; change < 3; ++change) {
-            const std::uint32_t slot = static_cast<std::uint32_t>(m_Random() % SLOTS);
+            const auto slot = std::uniform_int_distribution<std::uint32_t>(0, SLOTS - 1)(m_Random);
             if (!touched.insert(slot).second)
                 continue;
             if (slot < STABLE_DRIVES)
