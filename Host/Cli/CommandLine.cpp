@@ -67,13 +67,6 @@ std::string refuseBadMask(const std::string& text)
                            : "\"" + text + "\" is no number from 0 to 4294967295 or 0x0 to 0xFFFFFFFF";
 }
 
-std::string refuseMissingFolder(const std::string& text)
-{
-    std::error_code error;
-    return std::filesystem::is_directory(pathFromUtf8(text), error) ? std::string()
-                                                                    : "there is no folder \"" + text + "\"";
-}
-
 /** The parser and what it parses into. */
 class Parser
 {
@@ -119,9 +112,8 @@ private:
     {
         addPath("--plugin", m_Options.m_Plugin, "Plug-in to load instead of the installed one")
             ->option_text("FILE");
-        addPath("--data", m_Options.m_Data, "Folder of the settings instead of the usual one")
-            ->option_text("DIR")
-            ->check(refuseMissingFolder);
+        addPath("--data", m_Options.m_Data, "Folder of database, adapter numbers and settings")
+            ->option_text("DIR");
         addPath("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
             ->option_text("FLEET.json");
         CLI::Option* trace =

@@ -1,10 +1,13 @@
 #include "Cli/DoctorCommand.h"
 
+#include "Core/DataFolder.h"
 #include "Core/DeviceAccess.h"
 #include "Core/FileText.h"
 #include "Core/PluginLibrary.h"
 #include "Core/Text.h"
 
+#include <Database/Maintenance.h>
+#include <DatabaseORM/DatabaseException.h>
 #include <PI/LifeTimeData.h>
 #include <TLX/LanguageSupport.h>
 
@@ -70,6 +73,19 @@ std::string counted(std::size_t number, const std::string& things)
     return std::to_string(number) + " " + things + (number == 1 ? "" : "s");
 }
 
+Check checkRows(const HostFolders& folders)
+{
+    if (!folders.m_KeepsRows)
+        return ok("database", "in memory for this run; --data DIR keeps one");
+    try {
+        checkDatabase();
+        return ok("database", databaseFile(folders.m_Data).string());
+    } catch (const DBEXCEPTION::DatabaseException& exception) {
+        return problem(ExitCode::RequestFailed, "database", exception.what(),
+                       "See to the file and its folder, or name another folder with --data.");
+    }
+}
+
 void checkRequests(PluginLibrary& plugin, const std::vector<TLXX::CControllerState>& states, Checks& checks)
 {
     try {
@@ -131,6 +147,7 @@ Checks examine(const Session& session)
         checks.push_back(checkTexts(session.m_Folders));
     checks.push_back(checkEndurance(session.m_Folders));
     checks.push_back(checkSettings(session.m_Folders.m_Data));
+    checks.push_back(checkRows(session.m_Folders));
 
     if (!session.simulated())
         for (const Platform::UnservedFunction& function : Platform::unservedFunctions())

@@ -143,7 +143,8 @@ ExitCode execute(const Options& options, Platform::ResultChannel& results)
                              : Platform::Elsewhere::StandardError);
     const std::filesystem::path programFolder = Platform::programFolder();
     const HostFolders folders = {shareFolder(programFolder),
-                                 options.m_Data.value_or(Platform::defaultDataFolder())};
+                                 options.m_Data.value_or(Platform::defaultDataFolder()),
+                                 options.m_Data.has_value()};
     const HostSetup setup(folders, {options.m_TraceMask, options.m_TraceFile}, options.m_Fleet, tell);
     const Session session = {options, setup, folders,
                              options.m_Plugin.value_or(Platform::pluginFile(programFolder)), tell};

@@ -1,5 +1,6 @@
 #include "Cli/Session.h"
 
+#include "Core/DataFolder.h"
 #include "Core/DeviceAccess.h"
 
 namespace Host::Cli {
@@ -10,7 +11,10 @@ ObjectStore takeInventory(PluginLibrary& plugin, const Session& session)
 {
     checkAccess(TLXX::controllerStates(), session.m_Warn);
     plugin.initialize();
-    return ObjectStore(plugin.topology());
+    ObjectStore inventory(plugin.topology());
+    if (session.m_Folders.m_KeepsRows)
+        keepInventory(session.m_Folders.m_Data, inventory, session.m_Warn);
+    return inventory;
 }
 
 } // namespace

@@ -1,15 +1,16 @@
 #include "Core/HostSetup.h"
 
+#include "Core/DataFolder.h"
 #include "Core/Failure.h"
 #include "Core/Text.h"
 
+#include <Database/Database.h>
 #include <PI/ConfigFile.h>
 #include <PI/LifeTimeData.h>
 #include <TLX/LanguageSupport.h>
 #include <TLX/TraceSink.h>
 
 #include <system_error>
-#include <utility>
 
 namespace Host {
 namespace {
@@ -36,9 +37,11 @@ std::filesystem::path shareFolder(const std::filesystem::path& programFolder)
 }
 
 HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
-                     const std::optional<std::filesystem::path>& fleetFile, SimulatedFleet::Warn warn)
-    : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, std::move(warn)) : nullptr)
+                     const std::optional<std::filesystem::path>& fleetFile, const SimulatedFleet::Warn& warn)
+    : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr)
 {
+    if (folders.m_KeepsRows)
+        openDataFolder(folders.m_Data, warn);
     TLX::Language_Support::CLanguageSupport::SetFolder(folders.m_Share);
     PI::SetLifeTimeFolder(folders.m_Share);
     PI::CConfigFile::SetFolder(folders.m_Data.native());
@@ -53,6 +56,7 @@ HostSetup::~HostSetup()
         TLXX::setDeviceBackend(nullptr);
     TLX::Trace::setDefaultMask(0);
     TLX::Trace::setSink(nullptr);
+    setDatabaseFile({});
 }
 
 } // namespace Host

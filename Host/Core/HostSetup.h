@@ -14,6 +14,7 @@ struct HostFolders
 {
     std::filesystem::path m_Share; ///< catalogue and endurance table
     std::filesystem::path m_Data;  ///< settings
+    bool m_KeepsRows = false;      ///< the data folder holds the database, too; otherwise it is in memory
 };
 
 struct TraceOptions
@@ -32,9 +33,9 @@ std::filesystem::path shareFolder(const std::filesystem::path& programFolder);
 class HostSetup
 {
 public:
-    /** Throws `Failure` for a trace file or a fleet file that cannot be used. */
+    /** Throws `Failure` for a trace file, a fleet file or a folder to keep rows in that cannot be used. */
     HostSetup(const HostFolders& folders, const TraceOptions& trace,
-              const std::optional<std::filesystem::path>& fleetFile, SimulatedFleet::Warn warn);
+              const std::optional<std::filesystem::path>& fleetFile, const SimulatedFleet::Warn& warn);
     ~HostSetup();
     HostSetup(const HostSetup&) = delete;
     HostSetup& operator=(const HostSetup&) = delete;

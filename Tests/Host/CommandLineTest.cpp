@@ -90,14 +90,14 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
     EXPECT_THAT(refusalOf({"list", "--simulate"}), HasSubstr("--simulate"));
     EXPECT_THAT(refusalOf({"list", "--trace", "7x"}), HasSubstr("\"7x\" is no number"));
     EXPECT_THAT(refusalOf({"list", "--trace-file", "t.log"}), HasSubstr("requires --trace"));
-    EXPECT_THAT(refusalOf({"list", "--data", "/does/not/exist"}), HasSubstr("no folder \"/does/not/exist\""));
+    EXPECT_THAT(refusalOf({"list", "--data"}), HasSubstr("--data"));
 }
 
 TEST(CommandLine, AWordForgesNoLineOfARefusal)
 {
     for (const std::vector<std::string>& words : {std::vector<std::string>{"a\nostrel: all is well"},
                                                   {"list", "a\nostrel: all is well"},
-                                                  {"list", "--data", "/a\nostrel: all is well"}})
+                                                  {"list", "--trace", "a\nostrel: all is well"}})
         EXPECT_THAT(refusalOf(words), AllOf(HasSubstr("a?ostrel: all is well"), Not(HasSubstr("\n"))));
 }
 

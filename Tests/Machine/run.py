@@ -3,7 +3,7 @@
 The machine test: ostrel in a virtual machine with emulated NVMe controllers, held against nvme-cli, smartctl and
 the kernel.
 
-Needs the Debian packages qemu-system-x86 busybox-static nvme-cli smartmontools python3, and a configured apt to
+Needs the Debian packages qemu-system-x86 busybox-static nvme-cli smartmontools sqlite3 python3, and a configured apt to
 download the guest's kernel from (it is unpacked below the work folder, never installed). It needs no special
 rights and no hardware virtualisation.
 """

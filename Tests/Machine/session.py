@@ -14,8 +14,9 @@ def job(name):
     return "".join((HERE / "jobs" / f"{each}.sh").read_text() for each in ("collect", name))
 
 
-def boot(name, fleet=(), later=(), options=()):
-    """A guest with ostrel that runs the job of that name."""
+def boot(name, fleet=(), later=(), options=(), label=None):
+    """A guest with ostrel that runs the job of that name; its logs go by `label` where several run one job."""
+    label = label or name
     image = kernel.fetch(pathlib.Path(work) / "kernel")
-    print(f"Booting the guest '{name}' with {len(fleet)} controllers ...", flush=True)
-    return Guest(image, job(name), pathlib.Path(work) / name, fleet, later, tree, options)
+    print(f"Booting the guest '{label}' with {len(fleet)} controllers ...", flush=True)
+    return Guest(image, job(name), pathlib.Path(work) / label, fleet, later, tree, options)

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -175,6 +176,105 @@ TEST_F(ConfigFileTest, ReadsBigFilesAndLongLines)
     }
     content += "PollInterval=45\n";
     EXPECT_EQ(Read(content), "45");
+}
+
+/** Writes to a file and looks at what it then holds. */
+struct ConfigFileWriteTest : testing::Test
+{
+    ConfigFileWriteTest()
+    {
+        PI::CConfigFile::SetFolder(m_Folder.Path().string());
+        m_Config.SetFileName("Test.ini");
+    }
+
+    std::string Content() const { return m_Folder.Read("Test.ini"); }
+
+    /** The content after "60" was written to "PollInterval" in a file of the given content. */
+    std::string After(std::string_view content)
+    {
+        m_Folder.Write("Test.ini", content);
+        EXPECT_EQ(m_Config.WriteKeyValue("PollInterval", "60", -1, -1), 0U);
+        std::string value;
+        EXPECT_EQ(m_Config.ReadKeyValue("PollInterval", value, -1, -1), 0U);
+        EXPECT_EQ(value, "60");
+        return Content();
+    }
+
+    std::vector<std::string> Names() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(m_Folder.Path()))
+            names.push_back(entry.path().filename().string());
+        return names;
+    }
+
+    TestSupport::CTemporaryFolder m_Folder;
+    PI::CConfigFile m_Config;
+};
+
+TEST_F(ConfigFileWriteTest, MakesAFileThatIsMissing)
+{
+    EXPECT_EQ(m_Config.WriteKeyValue("PollInterval", "60", -1, -1), 0U);
+    EXPECT_EQ(Content(), "PollInterval=60\n");
+}
+
+TEST_F(ConfigFileWriteTest, ReplacesTheValueAlone)
+{
+    EXPECT_EQ(After("PollInterval=45\n"), "PollInterval=60\n");
+    EXPECT_EQ(After("; a comment\nOther=1\n[Section]\nPollInterval=45\n\nMore = 2 \n# PollInterval=7\n"),
+              "; a comment\nOther=1\n[Section]\nPollInterval=60\n\nMore = 2 \n# PollInterval=7\n");
+    EXPECT_EQ(After("PollInterval=\nX=1\n"), "PollInterval=60\nX=1\n");
+    EXPECT_EQ(After("PollInterval=45\nPollInterval=46\n"), "PollInterval=60\nPollInterval=46\n");
+}
+
+TEST_F(ConfigFileWriteTest, AddsAKeyThatIsMissingAtTheEnd)
+{
+    EXPECT_EQ(After(""), "PollInterval=60\n");
+    EXPECT_EQ(After("Other=1\n#PollInterval=9\n"), "Other=1\n#PollInterval=9\nPollInterval=60\n");
+    EXPECT_EQ(After("Other=1"), "Other=1\nPollInterval=60\n");
+}
+
+TEST_F(ConfigFileWriteTest, KeepsLineEndsAndTheByteOrderMark)
+{
+    EXPECT_EQ(After("A=1\r\nPollInterval=45\r\nB=2\r\n"), "A=1\r\nPollInterval=60\r\nB=2\r\n");
+    EXPECT_EQ(After("\xEF\xBB\xBFPollInterval=45\nB=2\n"), "\xEF\xBB\xBFPollInterval=60\nB=2\n");
+}
+
+TEST_F(ConfigFileWriteTest, RefusesWhatItCouldNotReadBack)
+{
+    m_Folder.Write("Test.ini", "A=1\n");
+    EXPECT_EQ(m_Config.WriteKeyValue("", "1", -1, -1), FAILURE);
+    EXPECT_EQ(m_Config.WriteKeyValue("A=B", "1", -1, -1), FAILURE);
+    EXPECT_EQ(m_Config.WriteKeyValue(" A", "1", -1, -1), FAILURE);
+    EXPECT_EQ(m_Config.WriteKeyValue(";A", "1", -1, -1), FAILURE);
+    EXPECT_EQ(m_Config.WriteKeyValue("A", "1\nB=2", -1, -1), FAILURE);
+    EXPECT_EQ(m_Config.WriteKeyValue("A", "1\r", -1, -1), FAILURE);
+    EXPECT_EQ(m_Config.WriteKeyValue("A", std::string("1\0", 2), -1, -1), FAILURE);
+    EXPECT_EQ(m_Config.WriteKeyValue("A", "1", 0, -1), FAILURE);
+    EXPECT_EQ(m_Config.WriteKeyValue("A", "1", -1, 0), FAILURE);
+    EXPECT_EQ(Content(), "A=1\n");
+}
+
+TEST_F(ConfigFileWriteTest, LeavesNothingElseInTheFolder)
+{
+    m_Folder.Write("Test.ini", "A=1\n");
+    EXPECT_EQ(m_Config.WriteKeyValue("A", "2", -1, -1), 0U);
+    EXPECT_EQ(Names(), std::vector<std::string>{"Test.ini"});
+}
+
+TEST_F(ConfigFileWriteTest, FailsWhereItCannotReadOrWrite)
+{
+    const std::string torn("A=1\n\0\0\0", 7);
+    m_Folder.Write("Test.ini", torn);
+    EXPECT_EQ(m_Config.WriteKeyValue("A", "2", -1, -1), FAILURE);
+    EXPECT_EQ(Content(), torn);
+
+    std::filesystem::create_directory(m_Folder.Path() / "Folder");
+    m_Config.SetFileName("Folder");
+    EXPECT_EQ(m_Config.WriteKeyValue("A", "2", -1, -1), FAILURE);
+    m_Config.SetFileName("missing/Test.ini");
+    EXPECT_EQ(m_Config.WriteKeyValue("A", "2", -1, -1), FAILURE);
+    EXPECT_EQ(Names().size(), 2U);
 }
 
 } // namespace

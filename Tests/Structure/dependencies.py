@@ -13,14 +13,17 @@ ALLOWED = {
     "Libraries/TLX": {"TLX"},
     "Libraries/TLXX": {"TLXX", "TLX"},
     "Libraries/PI": {"PI", "TLX"},
-    "Ostrel/Src": {"Ostrel", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive", "PI", "TLXX", "TLX"},
-    "Host": {"Core", "Cli", "PI", "TLXX", "TLX"},
+    "Libraries/Database": {"Database", "DatabaseORM", "TLX"},
+    "DatabaseORM": {"DatabaseORM"},
+    "Ostrel/Src": {"Ostrel", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive", "PI", "TLXX", "TLX",
+                   "Database", "DatabaseORM"},
+    "Host": {"Core", "Cli", "PI", "TLXX", "TLX", "Database", "DatabaseORM"},
 }
 PROJECT = {"TLX", "TLXX", "PI", "Database", "DatabaseORM", "Core", "Cli",
            "Ostrel", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive"}
 # Of the interface library the program knows all; of the plug-in, nothing. System headers that only one place may know.
 CONFINED = {
-    "sqlite3.h": "Libraries/Database",
+    "sqlite3.h": "Libraries/Database/Src",
     "linux/nvme_ioctl.h": "Libraries/TLXX/Src_Linux",
     "windows.h": "Win/",
 }

@@ -8,17 +8,22 @@ namespace TestSupport {
 class CPluginUnderTest : public NAMESPACE_Ostrel::IPLUGINAPI_IMPL
 {
 public:
+    using IPLUGINAPI_IMPL::DeleteObjectFromDatabase;
     using IPLUGINAPI_IMPL::GetAdapterProperties;
     using IPLUGINAPI_IMPL::GetPhysicalDriveProperties;
     using IPLUGINAPI_IMPL::GetPluginProperties;
     using IPLUGINAPI_IMPL::GetTopology;
     using IPLUGINAPI_IMPL::Initialize;
+    using IPLUGINAPI_IMPL::InsertObjectToDatabase;
     using IPLUGINAPI_IMPL::ScanAdpater;
     using IPLUGINAPI_IMPL::ScanPhysicalDrive;
     using IPLUGINAPI_IMPL::ScanSystem;
+    using IPLUGINAPI_IMPL::SetDatabaseObjectProperties;
+    using IPLUGINAPI_IMPL::UpdateObjectInDatabase;
 
     using IPLUGINAPI_IMPL::m_AdapterIDs;
     using IPLUGINAPI_IMPL::m_Adapters;
+    using IPLUGINAPI_IMPL::m_Database;
     using IPLUGINAPI_IMPL::m_DataLock;
     using IPLUGINAPI_IMPL::m_Events;
     using IPLUGINAPI_IMPL::m_EventsLock;

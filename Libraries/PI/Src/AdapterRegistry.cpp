@@ -1,6 +1,23 @@
 #include "AdapterRegistry.h"
 
+#include <set>
+#include <utility>
+
 namespace PI {
+namespace {
+
+std::int32_t lowestFree(const std::map<AdapterLocation, std::int32_t>& numbers)
+{
+    std::set<std::int32_t> taken;
+    for (const auto& [location, number] : numbers)
+        taken.insert(number);
+    std::int32_t number = 1;
+    while (taken.contains(number))
+        ++number;
+    return number;
+}
+
+} // namespace
 
 CAdapterRegistry& CAdapterRegistry::Instance()
 {
@@ -13,9 +30,20 @@ std::int32_t CAdapterRegistry::Number(const std::string& hostName, const Adapter
 {
     const std::lock_guard guard(m_Lock);
     auto& numbers = m_Numbers[hostName];
-    // No number is ever given back, so the one behind the last is the lowest free one.
-    const auto next = static_cast<std::int32_t>(numbers.size()) + 1;
-    return numbers.try_emplace(location, next).first->second;
+    const auto found = numbers.find(location);
+    return found != numbers.end() ? found->second : numbers[location] = lowestFree(numbers);
+}
+
+AdapterNumbers CAdapterRegistry::Numbers()
+{
+    const std::lock_guard guard(m_Lock);
+    return m_Numbers;
+}
+
+void CAdapterRegistry::Replace(AdapterNumbers numbers)
+{
+    const std::lock_guard guard(m_Lock);
+    m_Numbers = std::move(numbers);
 }
 
 } // namespace PI

@@ -11,6 +11,9 @@ namespace PI {
 /** Where an adapter sits within its host: segment, bus, device, function. */
 using AdapterLocation = std::array<std::int32_t, 4>;
 
+/** The numbers of the locations, by host. */
+using AdapterNumbers = std::map<std::string, std::map<AdapterLocation, std::int32_t>>;
+
 /** The process's numbers of adapter locations, counted from 1 on each host. Safe from any thread. */
 class CAdapterRegistry
 {
@@ -21,9 +24,12 @@ public:
     /** The location's number; a location that has none gets the lowest free one. */
     std::int32_t Number(const std::string& hostName, const AdapterLocation& location);
 
+    AdapterNumbers Numbers();
+    void Replace(AdapterNumbers numbers);
+
 private:
     std::mutex m_Lock;
-    std::map<std::string, std::map<AdapterLocation, std::int32_t>> m_Numbers;
+    AdapterNumbers m_Numbers;
 };
 
 } // namespace PI

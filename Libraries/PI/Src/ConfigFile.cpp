@@ -1,14 +1,17 @@
+#include "ReplaceFile.h"
 #include "Text.h"
 
 #include <PI/ConfigFile.h>
 #include <PI/ErrorCode.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <ios>
 #include <mutex>
 #include <optional>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -40,10 +43,10 @@ boost::filesystem::path resolve(const boost::filesystem::path& fileName)
     return folder().m_Path / fileName;
 }
 
-/** The lines of the file; nothing when it cannot be read to its end or is torn. */
-std::optional<std::vector<std::string>> readLines(const boost::filesystem::path& path)
+/** The lines of the file without their line feeds; nothing when it cannot be read to its end or is torn. */
+std::optional<std::vector<std::string>> readLines(const std::filesystem::path& path)
 {
-    std::ifstream file(std::filesystem::path(path.native()), std::ios::binary);
+    std::ifstream file(path, std::ios::binary);
     std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);) {
         // Zero bytes are what a file system leaves of a file whose writing was cut off.
@@ -55,24 +58,60 @@ std::optional<std::vector<std::string>> readLines(const boost::filesystem::path&
     if (!file.eof()) {
         return std::nullopt;
     }
-    if (!lines.empty() && lines.front().starts_with(BYTE_ORDER_MARK)) {
-        lines.front().erase(0, BYTE_ORDER_MARK.size());
-    }
     return lines;
 }
 
-/** The value of `key` in `line`, if that is what the line holds. */
-std::optional<std::string_view> valueOf(std::string_view key, std::string_view line)
+/** The first line may begin with a mark that belongs to no key. */
+std::size_t markLength(std::string_view line)
 {
-    const auto separator = line.find('=');
-    if (separator == std::string_view::npos) {
-        return std::nullopt;
+    return line.starts_with(BYTE_ORDER_MARK) ? BYTE_ORDER_MARK.size() : 0;
+}
+
+/** Where the value of a key stands: the line, and the value's place in it. */
+struct CPlace
+{
+    std::size_t m_Line;
+    std::size_t m_Begin;
+    std::size_t m_Length;
+};
+
+std::optional<CPlace> find(std::string_view key, const std::vector<std::string>& lines)
+{
+    for (std::size_t index = 0; index < lines.size(); ++index) {
+        const std::string_view line = lines[index];
+        const std::size_t start = index == 0 ? markLength(line) : 0;
+        const auto separator = line.find('=', start);
+        if (separator == std::string_view::npos) {
+            continue;
+        }
+        const auto name = trim(line.substr(start, separator - start));
+        if (name.empty() || name != key ||
+            std::string_view(";#[").find(name.front()) != std::string_view::npos) {
+            continue;
+        }
+        const std::size_t end = line.size() - (line.ends_with('\r') ? 1 : 0);
+        return CPlace{index, separator + 1, end - separator - 1};
     }
-    const auto name = trim(line.substr(0, separator));
-    if (name.empty() || name != key || std::string_view(";#[").find(name.front()) != std::string_view::npos) {
-        return std::nullopt;
+    return std::nullopt;
+}
+
+std::string join(const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (const std::string& line : lines) {
+        text += line;
+        text += '\n';
     }
-    return line.substr(separator + 1);
+    return text;
+}
+
+/** Whether a line of this key and value means just them. */
+bool canBeWritten(const std::string& key, const std::string& value)
+{
+    const std::string line = key + '=' + value;
+    const auto place = find(key, {line});
+    return place && line.substr(place->m_Begin, place->m_Length) == value &&
+           line.find_first_of(std::string_view("\n\0", 2)) == std::string::npos;
 }
 
 } // namespace
@@ -94,20 +133,37 @@ std::uint32_t CConfigFile::ReadKeyValue(const std::string& key, std::string& val
     if (section != WHOLE_FILE || instance != WHOLE_FILE) {
         return ERR_GENERAL_FAILURE;
     }
-    const auto lines = readLines(resolve(m_FileName));
-    if (!lines) {
+    const auto lines = readLines(resolve(m_FileName).native());
+    const auto place = lines ? find(key, *lines) : std::nullopt;
+    if (!place) {
         return ERR_GENERAL_FAILURE;
     }
-    for (const auto& line : *lines) {
-        if (auto found = valueOf(key, line)) {
-            if (found->ends_with('\r')) {
-                found->remove_suffix(1);
-            }
-            value = *found;
-            return ERR_SUCCESS;
-        }
+    value = (*lines)[place->m_Line].substr(place->m_Begin, place->m_Length);
+    return ERR_SUCCESS;
+}
+
+std::uint32_t CConfigFile::WriteKeyValue(const std::string& key, const std::string& value,
+                                         std::int32_t section, std::int32_t instance) const
+{
+    if (section != WHOLE_FILE || instance != WHOLE_FILE || !canBeWritten(key, value)) {
+        return ERR_GENERAL_FAILURE;
     }
-    return ERR_GENERAL_FAILURE;
+    const std::filesystem::path path = resolve(m_FileName).native();
+    std::vector<std::string> lines;
+    std::error_code unknown;
+    if (std::filesystem::exists(path, unknown) || unknown) {
+        auto former = readLines(path);
+        if (!former) {
+            return ERR_GENERAL_FAILURE;
+        }
+        lines = std::move(*former);
+    }
+    if (const auto place = find(key, lines)) {
+        lines[place->m_Line].replace(place->m_Begin, place->m_Length, value);
+    } else {
+        lines.push_back(key + '=' + value);
+    }
+    return replaceFile(path, join(lines)) ? ERR_SUCCESS : ERR_GENERAL_FAILURE;
 }
 
 } // namespace PI

@@ -114,10 +114,15 @@ std::uint32_t IPLUGINAPI_IMPL::Initialize(std::vector<PI::CAdapterID>& adapterID
         return PI::ERR_NO_SUPPORTED_HARDWARE;
     }
 
+    // What the database refuses is in the trace; the host gets its adapters all the same.
+    (void)InsertObjectToDatabase(m_Plugin);
     for (CNVMeAdapter& adapter : m_Adapters) {
         adapterIDs.push_back(unassignedIdentity(adapter));
         m_Plugin.m_Children.push_back(adapter.m_ID);
         adapter.m_Parents.push_back(m_Plugin.m_ID);
+        (void)InsertObjectToDatabase(adapter);
+        for (const CNVMePhysicalDrive& drive : m_PhysicalDrives)
+            (void)InsertObjectToDatabase(drive);
     }
 
     printAdapterCount(static_cast<std::uint32_t>(m_Adapters.size()));

@@ -3,6 +3,8 @@
 #include "Ostrel/Guarded.h"
 #include "Ostrel/Module.h"
 
+#include <Database/Database.h>
+
 #include <algorithm>
 #include <iterator>
 
@@ -59,6 +61,7 @@ std::uint32_t call(IPLUGINAPI_IMPL& plugin, CRequestData& data)
 
 IPLUGINAPI_IMPL::IPLUGINAPI_IMPL()
 {
+    m_Database = getDatabasePointer();
     LoadSettings();
 }
 

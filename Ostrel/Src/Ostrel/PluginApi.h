@@ -5,6 +5,8 @@
 #include "OstrelPhysicalDrive/Record.h"
 #include "OstrelPlugin/Record.h"
 
+#include <DatabaseORM/Models.h>
+#include <DatabaseORM/Storage.h>
 #include <PI/AdapterID.h>
 #include <PI/ConfigFile.h>
 #include <PI/Event.h>
@@ -17,6 +19,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -59,9 +62,26 @@ protected:
                                              std::vector<PI::CProperty>& properties, std::uint32_t propertyId)
         TLX_REQUIRES(m_DataLock);
 
+    // Rows of the host's database. A failure of the database is traced and becomes `ERR_GENERAL_FAILURE`; the
+    // records stay as they are. An update finds its row by its keys and does nothing when there is none.
+    // Callers never run two of these at once.
+    std::uint32_t InsertObjectToDatabase(const CNVMePlugin& plugin);
+    std::uint32_t UpdateObjectInDatabase(const CNVMePlugin& plugin);
+    std::uint32_t DeleteObjectFromDatabase(const CNVMePlugin& plugin);
+    std::uint32_t InsertObjectToDatabase(const CNVMeAdapter& adapter);
+    std::uint32_t UpdateObjectInDatabase(const CNVMeAdapter& adapter);
+    std::uint32_t DeleteObjectFromDatabase(const CNVMeAdapter& adapter);
+    std::uint32_t InsertObjectToDatabase(const CNVMePhysicalDrive& drive);
+    std::uint32_t UpdateObjectInDatabase(const CNVMePhysicalDrive& drive);
+    /** Makes `row` afresh from `adapter`. */
+    std::uint32_t SetDatabaseObjectProperties(RaidDataModels::Adapter& row, const CNVMeAdapter& adapter);
+    /** Makes `row` afresh from `drive`. */
+    std::uint32_t SetDatabaseObjectProperties(RaidDataModels::PD& row, const CNVMePhysicalDrive& drive);
+
     std::uint64_t m_IDCounter = 0;            ///< the next object identifier's lower 48 bits
     std::vector<PI::CAdapterID> m_AdapterIDs; ///< identities that the host handed over
     std::vector<PI::CEvent> m_Events TLX_GUARDED_BY(m_EventsLock); ///< not yet fetched by the host
+    std::shared_ptr<DatabaseORM::storage_t> m_Database; ///< shared with the host and its other plug-ins
     PI::CConfigFile m_ConfigFile;
     std::atomic<std::uint32_t> m_PollInterval = 0; ///< seconds
     CNVMePlugin m_Plugin TLX_GUARDED_BY(m_DataLock);

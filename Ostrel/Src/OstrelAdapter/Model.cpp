@@ -1,5 +1,6 @@
 #include "OstrelAdapter/Model.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace NAMESPACE_Ostrel {
@@ -30,6 +31,14 @@ std::string modelText(std::string_view vendor, std::string_view model)
     for (const CVendorPrefix& prefix : PREFIXES)
         if (vendor == prefix.m_Vendor && model.starts_with(prefix.m_Prefix))
             return std::string(model.substr(prefix.m_Cut));
+    return std::string(model);
+}
+
+std::string rowModelText(std::string_view model)
+{
+    for (const CVendorPrefix& prefix : PREFIXES)
+        if (model.starts_with(prefix.m_Prefix))
+            return std::string(model.substr(std::min(prefix.m_Cut, model.size())));
     return std::string(model);
 }
 

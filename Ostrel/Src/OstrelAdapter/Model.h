@@ -14,4 +14,8 @@ bool IsKnownModelFamily(std::string_view model);
  */
 std::string modelText(std::string_view vendor, std::string_view model);
 
+/** The model number without a maker's name in front, whoever the maker is, as rows of the database hold it.
+ */
+std::string rowModelText(std::string_view model);
+
 } // namespace NAMESPACE_Ostrel

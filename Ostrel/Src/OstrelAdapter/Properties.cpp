@@ -1,6 +1,7 @@
+#include "OstrelAdapter/Properties.h"
+
 #include "Ostrel/HostCodes.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/PropertyBuilder.h"
 #include "Ostrel/Trace.h"
 #include "OstrelAdapter/Lifetime.h"
 #include "OstrelAdapter/Model.h"
@@ -155,6 +156,11 @@ constexpr CPropertyRow<CNVMeAdapter> AdapterPropertyTable[] = {
 // clang-format on
 
 } // namespace
+
+std::span<const CPropertyRow<CNVMeAdapter>> adapterPropertyTable()
+{
+    return AdapterPropertyTable;
+}
 
 std::uint32_t IPLUGINAPI_IMPL::GetAdapterProperties(CNVMeAdapter& adapter,
                                                     std::vector<PI::CProperty>& properties,

@@ -1,6 +1,7 @@
+#include "OstrelPhysicalDrive/Properties.h"
+
 #include "Ostrel/HostCodes.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/PropertyBuilder.h"
 #include "Ostrel/Trace.h"
 #include "OstrelAdapter/Model.h"
 
@@ -75,6 +76,11 @@ constexpr CPropertyRow<const CNVMePhysicalDrive> PhysicalDrivePropertyTable[] = 
 // clang-format on
 
 } // namespace
+
+std::span<const CPropertyRow<const CNVMePhysicalDrive>> physicalDrivePropertyTable()
+{
+    return PhysicalDrivePropertyTable;
+}
 
 std::uint32_t IPLUGINAPI_IMPL::GetPhysicalDriveProperties(const CNVMePhysicalDrive& drive,
                                                           std::vector<PI::CProperty>& properties,

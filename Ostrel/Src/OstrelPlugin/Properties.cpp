@@ -2,11 +2,9 @@
 
 #include "Ostrel/Module.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Text.h"
+#include "OstrelPlugin/Identity.h"
 
 #include <PI/ErrorCode.h>
-
-#include <string>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -20,7 +18,7 @@ PI::CProperty location()
 {
     PI::CProperty property(PI::PROP_LOCATION, false);
     property.SetAttrC(0);
-    property.SetValue(formatted("Plugin:ID=%d", MODULE_ID));
+    property.SetValue(pluginLocation());
     return property;
 }
 
@@ -50,9 +48,9 @@ std::uint32_t IPLUGINAPI_IMPL::GetPluginProperties(const CNVMePlugin& /*plugin*/
 {
     properties = {
         location(),
-        text(PI::PROP_NAME, CAPTION_NAME, "NVMe-Plugin"),
+        text(PI::PROP_NAME, CAPTION_NAME, PLUGIN_NAME),
         text(PI::PROP_VERSION, CAPTION_VERSION, PLUGIN_VERSION),
-        text(PI::PROP_VENDOR, CAPTION_VENDOR, "Ostrel"),
+        text(PI::PROP_VENDOR, CAPTION_VENDOR, PLUGIN_VENDOR),
         pollInterval(m_PollInterval),
     };
     if (propertyId != PI::ALL_PROPERTIES)

@@ -1,15 +1,12 @@
 #include "Ostrel/NVMeDevices.h"
+#include "Ostrel/Text.h"
 #include "Ostrel_Win/DiskInterfaces.h"
 
 #include <TLXX/Win/DeviceNodes.h>
 
-#include <boost/format.hpp>
-
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <functional>
-#include <locale>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -28,14 +25,6 @@ constexpr std::string_view DISK_SERVICE = "disk";
 
 constexpr std::size_t SERVICE_SIZE = 200;
 constexpr std::size_t INSTANCE_SIZE = 2048;
-
-bool equalIgnoringCase(std::string_view a, std::string_view b)
-{
-    const auto& facet = std::use_facet<std::ctype<char>>(std::locale::classic());
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&facet](char left, char right) {
-        return facet.toupper(left) == facet.toupper(right);
-    });
-}
 
 /** The service of `node`, when its name is `expected` but for the case of its letters. */
 std::optional<std::string> matchingService(DEVINST node, std::string_view expected)
@@ -77,7 +66,7 @@ void enumerateNVMeDisks(DEVINST controller, const std::string& service, const Di
     if (CM_Get_Device_IDA(disk, instance.data(), instance.size(), 0) != CR_SUCCESS)
         return;
     forEachDiskInterface(instance.data(), [&](std::uint32_t number) {
-        add(str(boost::format(R"(\\.\PhysicalDrive%d)") % number), service);
+        add(formatted(R"(\\.\PhysicalDrive%d)", number), service);
     });
 }
 

@@ -28,6 +28,8 @@ constexpr std::uint64_t MODULE = 0x0139'0000'0000'0000;
 const std::string UNIT = "Ostrel/Src/Ostrel";
 const std::string CLASS = "NAMESPACE_Ostrel::IPLUGINAPI_IMPL::";
 const std::string INITIALIZE = CLASS + "Initialize";
+const std::string INSERT = CLASS + "InsertObjectToDatabase";
+const std::string FILL = CLASS + "SetDatabaseObjectProperties";
 const std::string SCAN = "NAMESPACE_Ostrel::NVMeDevices::scan";
 
 const std::vector<CCapturedLine> FOUND_ONE = {
@@ -273,17 +275,24 @@ TEST_P(InitializeTrace, ShowsTheLinesOfTheMaskInTheirOrder)
     drive.m_Health.DataUnitsRead[0] = 1;
     drive.m_Health.DataUnitsWritten[0] = 2;
     drive.m_Health.Counter128[0] = 3;
-    ExpectLines(FOUND_ONE + LOCKED +
-                std::vector<CCapturedLine>{
-                    {16, UNIT, CLASS + "ScanAdpater", "ScanSystem, DataUnitsRead = 1"},
-                    {16, UNIT, CLASS + "ScanAdpater", "ScanSystem, DataUnitsWritten = 2"},
-                    {16, UNIT, CLASS + "ScanAdpater", "ScanSystem, PowerOnHours = 3"},
-                    {16, UNIT, CLASS + "ScanAdpater", "ScanSystem, ReserveSpace = 100"},
-                    {16, UNIT, CLASS + "ScanAdpater", "ScanSystem, WarningThreshold = 10"},
-                    {16, UNIT, CLASS + "ScanSystem", "ScanSystem, Non-Intel NVMe AdapterCount = 1"},
-                    {16, UNIT, INITIALIZE, "ScanSystem() ret = 0 m_Adapters=1 m_PhysicalDrives=1"},
-                    {2, UNIT, INITIALIZE, "LEAVE Initialize() -> 0"}});
+    ExpectLines(
+        FOUND_ONE + LOCKED +
+        std::vector<CCapturedLine>{
+            {16, UNIT, CLASS + "ScanAdpater", "ScanSystem, DataUnitsRead = 1"},
+            {16, UNIT, CLASS + "ScanAdpater", "ScanSystem, DataUnitsWritten = 2"},
+            {16, UNIT, CLASS + "ScanAdpater", "ScanSystem, PowerOnHours = 3"},
+            {16, UNIT, CLASS + "ScanAdpater", "ScanSystem, ReserveSpace = 100"},
+            {16, UNIT, CLASS + "ScanAdpater", "ScanSystem, WarningThreshold = 10"},
+            {16, UNIT, CLASS + "ScanSystem", "ScanSystem, Non-Intel NVMe AdapterCount = 1"},
+            {16, UNIT, INITIALIZE, "ScanSystem() ret = 0 m_Adapters=1 m_PhysicalDrives=1"},
+            {128, "Ostrel/Src/OstrelPlugin", INSERT, "Plugin NVMe inserted to db."},
+            {2, "Ostrel/Src/OstrelAdapter", FILL, "ENTER SetDatabaseObjectProperties (Adapter) (1)"},
+            {2, "Ostrel/Src/OstrelAdapter", FILL, "LEAVE SetDatabaseObjectProperties (Adapter) -> 0"},
+            {128, "Ostrel/Src/OstrelAdapter", INSERT, "Adapter () (1) inserted to db."},
+            {2, "Ostrel/Src/OstrelPhysicalDrive", FILL, "ENTER SetDatabaseObjectProperties (PhysicalDisk)"},
+            {128, "Ostrel/Src/OstrelPhysicalDrive", INSERT, "PD (Plain Drive) inserted to db."},
+            {2, UNIT, INITIALIZE, "LEAVE Initialize() -> 0"}});
     EXPECT_EQ(m_Console, "Ostrel:  Initialize:  adapter count is 1\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(Masks, InitializeTrace, testing::Values(0U, 2U, 8U, 16U, ~0U));
+INSTANTIATE_TEST_SUITE_P(Masks, InitializeTrace, testing::Values(0U, 2U, 8U, 16U, 128U, ~0U));

@@ -6,6 +6,7 @@
 
 using NAMESPACE_Ostrel::IsKnownModelFamily;
 using NAMESPACE_Ostrel::modelText;
+using NAMESPACE_Ostrel::rowModelText;
 
 namespace {
 
@@ -46,6 +47,26 @@ TEST(Model, ThrowsForAModelThatIsTheMakerAlone)
     EXPECT_THROW(modelText("SAMSUNG", "SAMSUNG"), std::out_of_range);
     EXPECT_EQ(modelText("INTEL", "INTEL "), "");
     EXPECT_EQ(modelText("SAMSUNG", "SAMSUNG "), "");
+}
+
+TEST(Model, IsCutInRowsWhoeverTheMakerIs)
+{
+    EXPECT_EQ(rowModelText("INTEL SSDPF2KX"), "SSDPF2KX");
+    EXPECT_EQ(rowModelText("SAMSUNG MZPLL1T6"), "MZPLL1T6");
+    EXPECT_EQ(rowModelText("MICRON_7450_ABC"), "ABC");
+    EXPECT_EQ(rowModelText("MICRON_7400_ABC"), "MICRON_7400_ABC");
+    EXPECT_EQ(rowModelText("Samsung SSD 990"), "Samsung SSD 990");
+    EXPECT_EQ(rowModelText("KIOXIA KCD8"), "KIOXIA KCD8");
+    EXPECT_EQ(rowModelText("my INTEL"), "my INTEL");
+    EXPECT_EQ(rowModelText(""), "");
+}
+
+TEST(Model, InRowsMayBeTheMakerAlone)
+{
+    EXPECT_EQ(rowModelText("INTEL"), "");
+    EXPECT_EQ(rowModelText("INTEL "), "");
+    EXPECT_EQ(rowModelText("SAMSUNG"), "");
+    EXPECT_EQ(rowModelText("MICRON_7450_"), "");
 }
 
 TEST(Model, KnowsTwoFamilies)

@@ -32,6 +32,15 @@ public:
     std::uint32_t ReadKeyValue(const std::string& key, std::string& value, std::int32_t section,
                                std::int32_t instance) const;
 
+    /**
+     * Writes `value` to the first line of `key`, or to a new line at the end; every other line stays as it
+     * is. A missing file is made. The file is replaced as a whole, so that nobody ever reads half of it.
+     * Returns 0, or `ERR_GENERAL_FAILURE` with the file untouched: it cannot be read or written, or
+     * `ReadKeyValue` would not give the same value back. Of several writers at once the last one wins.
+     */
+    std::uint32_t WriteKeyValue(const std::string& key, const std::string& value, std::int32_t section,
+                                std::int32_t instance) const;
+
 private:
     boost::filesystem::path m_FileName;
 };

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <variant>
+
+namespace DatabaseORM {
+
+/** "This member's column equals this value." */
+template<class Model>
+class condition_t
+{
+public:
+    using model_t = Model;
+
+    /** A text is written as it stands: its single quotes are doubled by whoever gives it. */
+    condition_t(std::string Model::*member, std::string value) : m_Member(member), m_Value(std::move(value))
+    {}
+
+    condition_t(std::int32_t Model::*member, std::int32_t value)
+        : m_Member(member), m_Value(std::to_string(value))
+    {}
+
+    const auto& Member() const { return m_Member; }
+    const std::string& Value() const { return m_Value; }
+
+private:
+    std::variant<std::int32_t Model::*, std::string Model::*> m_Member;
+    std::string m_Value;
+};
+
+/** Two conditions that must both hold. */
+template<class Model>
+struct compoundCondition_t
+{
+    using model_t = Model;
+
+    condition_t<Model> m_First;
+    condition_t<Model> m_Second;
+};
+
+} // namespace DatabaseORM

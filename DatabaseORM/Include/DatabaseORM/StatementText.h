@@ -1,0 +1,41 @@
+#pragma once
+
+#include <DatabaseORM/Storage.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/** The part of the statement builder that needs no model: texts, and their way to the database. */
+namespace DatabaseORM {
+
+/** What a statement writes into one column; nothing when the column's name is empty. */
+struct slot_t
+{
+    std::string m_Column;
+    std::string m_Value;
+};
+
+std::string insertText(const tableBase_t& table, const std::vector<slot_t>& slots);
+std::string updateText(const tableBase_t& table, const std::vector<slot_t>& slots, std::int64_t identifier);
+std::string removeText(const tableBase_t& table, const std::string& condition);
+std::string selectText(const tableBase_t& table, const std::string& alias, const std::string& condition);
+std::string maxText(const std::string& table, const std::string& column);
+
+/** The condition "`qualifier`.`column` = `value`"; without the point when `qualifier` is empty. */
+std::string equalText(const std::string& qualifier, const std::string& column, const std::string& value);
+std::string bothText(const std::string& first, const std::string& second);
+
+/** Runs `statement`; a failure's message begins with `context` and holds the database's in parentheses. */
+std::vector<std::string> runStatement(const storage_t& storage, const std::string& statement,
+                                      std::string_view context);
+
+/** The number that a maximum's result begins with; 0 when it has none, all ones when it does not fit. */
+std::uint32_t firstNumber(const std::vector<std::string>& result);
+
+/** Takes `slot` out of what an insert writes and returns the value that the database will give its column. */
+std::int32_t takeGeneratedKey(const storage_t& storage, const tableBase_t& table, slot_t& slot);
+
+} // namespace DatabaseORM

@@ -1,0 +1,7 @@
+#include <DatabaseORM/DatabaseDAO.h>
+
+namespace DatabaseWrapper {
+
+DatabaseDAO::~DatabaseDAO() = default;
+
+} // namespace DatabaseWrapper

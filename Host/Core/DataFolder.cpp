@@ -1,0 +1,86 @@
+#include "Core/DataFolder.h"
+
+#include "Core/Failure.h"
+#include "Core/Text.h"
+
+#include <Database/Database.h>
+#include <Database/Maintenance.h>
+#include <DatabaseORM/DatabaseException.h>
+#include <PI/AdapterNumbers.h>
+
+#include <stdexcept>
+#include <system_error>
+
+namespace Host {
+namespace {
+
+using Warn = std::function<void(const std::string&)>;
+
+std::filesystem::path numbersFile(const std::filesystem::path& folder)
+{
+    return folder / "AdapterNumbers.txt";
+}
+
+/** Null for what is no adapter. */
+const std::uint64_t* adapterNumber(const PI::CObject& object)
+{
+    const PI::CProperty* property = findProperty(object, PI::PROP_ADAPTER_NUMBER);
+    return object.m_Type == PI::TYPE_ADAPTER && property != nullptr
+               ? std::get_if<std::uint64_t>(&property->GetValue())
+               : nullptr;
+}
+
+void removeRowsOfOthers(const ObjectStore& inventory)
+{
+    std::vector<std::int32_t> numbers;
+    std::vector<std::string> serials;
+    for (const PI::CObject& object : inventory.objects()) {
+        if (object.m_Type == PI::TYPE_PHYSICAL_DRIVE)
+            serials.push_back(textOf(object, PI::PROP_SERIAL_NUMBER));
+        else if (const std::uint64_t* number = adapterNumber(object))
+            numbers.push_back(static_cast<std::int32_t>(*number));
+    }
+    removeOtherObjects(numbers, serials);
+}
+
+} // namespace
+
+std::filesystem::path databaseFile(const std::filesystem::path& folder)
+{
+    return folder / "Ostrel.db";
+}
+
+void openDataFolder(const std::filesystem::path& folder, const Warn& warn)
+{
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (!error && !std::filesystem::is_directory(folder, error) && !error)
+        error = std::make_error_code(std::errc::not_a_directory);
+    if (error)
+        throw Failure(ExitCode::WrongUsage, "The data folder " + printable(folder.string()) +
+                                                " cannot be used: " + error.message() + ".");
+    setDatabaseFile(databaseFile(folder));
+    try {
+        PI::restoreAdapterNumbers(numbersFile(folder));
+    } catch (const std::runtime_error& wrong) {
+        warn(std::string("The adapters are numbered anew: ") + printable(wrong.what()) + ".");
+    }
+}
+
+void keepInventory(const std::filesystem::path& folder, const ObjectStore& inventory, const Warn& warn)
+{
+    try {
+        removeRowsOfOthers(inventory);
+    } catch (const DBEXCEPTION::DatabaseException& exception) {
+        warn(std::string("The rows of these objects may not have been kept: ") + printable(exception.what()) +
+             ".");
+    }
+    try {
+        PI::storeAdapterNumbers(numbersFile(folder));
+    } catch (const std::runtime_error& wrong) {
+        warn(std::string("The numbers of the adapters may differ at the next run: ") +
+             printable(wrong.what()) + ".");
+    }
+}
+
+} // namespace Host

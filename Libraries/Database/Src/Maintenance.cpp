@@ -1,0 +1,40 @@
+#include <Database/Database.h>
+#include <Database/Maintenance.h>
+#include <DatabaseORM/DatabaseException.h>
+#include <DatabaseORM/Models.h>
+#include <DatabaseORM/ValueText.h>
+
+namespace {
+
+template<typename Value, typename Text>
+std::string deleteOthers(const char* table, const char* key, const std::vector<Value>& kept, Text text)
+{
+    std::string list;
+    for (const Value& value : kept)
+        list += (list.empty() ? "" : ", ") + text(value);
+    return std::string("DELETE FROM ") + table + " WHERE HostName = '" + RaidDataModels::LOCAL_HOST +
+           "' AND " + key + " NOT IN (" + list + ");";
+}
+
+} // namespace
+
+void checkDatabase()
+{
+    const auto database = getDatabasePointer()->m_Access;
+    // A read-only file refuses the first of these; nothing is changed.
+    database->query("BEGIN IMMEDIATE; ROLLBACK;");
+    const std::vector<std::string> findings = database->query("PRAGMA quick_check");
+    if (findings != std::vector<std::string>{"ok"})
+        throw DBEXCEPTION::DatabaseException("the database is damaged: " +
+                                             (findings.empty() ? "no answer" : findings.front()));
+}
+
+void removeOtherObjects(const std::vector<std::int32_t>& adapterNumbers,
+                        const std::vector<std::string>& driveKeys)
+{
+    const auto quoted = [](const std::string& text) { return "'" + DatabaseORM::escapeQuotes(text) + "'"; };
+    const auto decimal = [](std::int32_t number) { return std::to_string(number); };
+    getDatabasePointer()->m_Access->query("BEGIN IMMEDIATE;" +
+                                          deleteOthers("Adapter", "AdapterNumber", adapterNumbers, decimal) +
+                                          deleteOthers("PD", "DriveKey", driveKeys, quoted) + "COMMIT;");
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "BusyPolicy.h"
+
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Database {
+
+/** An open SQLite database. Every failure is a `DBEXCEPTION::DatabaseException` that names the file. */
+class CSqliteConnection
+{
+public:
+    /** Opens `file`, or a database in memory when it is empty. `busyPolicy` outlives the connection. */
+    CSqliteConnection(const std::filesystem::path& file, CBusyPolicy& busyPolicy);
+
+    /**
+     * Runs every statement of `sql`; returns all values, row by row, as texts. After a failure no transaction
+     * is open.
+     */
+    std::vector<std::string> Run(std::string_view sql);
+
+private:
+    struct CClose
+    {
+        void operator()(sqlite3* connection) const { sqlite3_close(connection); }
+    };
+
+    void RunAll(std::string_view sql, std::vector<std::string>& values);
+    [[noreturn]] void Fail() const;
+    [[noreturn]] void Fail(const std::string& reason) const;
+
+    std::string m_Name; ///< for messages
+    std::unique_ptr<sqlite3, CClose> m_Connection;
+};
+
+} // namespace Database

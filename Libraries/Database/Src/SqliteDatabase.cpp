@@ -1,0 +1,37 @@
+#include "SqliteDatabase.h"
+
+#include "Migration.h"
+
+#include <utility>
+
+namespace Database {
+
+namespace {
+
+// Replaced rows count as deleted ones (the schema's trigger relies on it). A commit need not reach the disk
+// before the next one starts; what is in the file is sound at any moment.
+constexpr const char* SETTINGS = "PRAGMA recursive_triggers = ON;"
+                                 "PRAGMA journal_mode = WAL;"
+                                 "PRAGMA synchronous = NORMAL;";
+
+CSqliteConnection open(const std::filesystem::path& file, CBusyPolicy& busyPolicy)
+{
+    CSqliteConnection connection(file, busyPolicy);
+    connection.Run(SETTINGS);
+    migrate(connection);
+    return connection;
+}
+
+} // namespace
+
+CSqliteDatabase::CSqliteDatabase(std::filesystem::path file) : m_File(std::move(file)) {}
+
+std::vector<std::string> CSqliteDatabase::query(const std::string& sql)
+{
+    const std::lock_guard guard(m_Lock);
+    if (!m_Connection)
+        m_Connection.emplace(open(m_File, m_BusyPolicy));
+    return m_Connection->Run(sql);
+}
+
+} // namespace Database

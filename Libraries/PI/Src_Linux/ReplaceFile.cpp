@@ -1,0 +1,90 @@
+#include "ReplaceFile.h"
+
+#include <cerrno>
+#include <string>
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace PI {
+namespace {
+
+constexpr mode_t NEW_FILE_MODE = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
+
+/** A file beside its target; removed again unless it takes the target's place. */
+class CTemporaryFile
+{
+public:
+    explicit CTemporaryFile(const std::filesystem::path& target)
+        : m_Name(target.string() + ".XXXXXX"), m_Descriptor(mkostemp(m_Name.data(), O_CLOEXEC))
+    {}
+    ~CTemporaryFile()
+    {
+        if (m_Descriptor < 0)
+            return;
+        close(m_Descriptor);
+        if (!m_Kept)
+            unlink(m_Name.c_str());
+    }
+    CTemporaryFile(const CTemporaryFile&) = delete;
+    CTemporaryFile& operator=(const CTemporaryFile&) = delete;
+
+    bool Valid() const { return m_Descriptor >= 0; }
+
+    bool Write(std::string_view content) const
+    {
+        while (!content.empty()) {
+            const ssize_t written = write(m_Descriptor, content.data(), content.size());
+            if (written < 0 && errno != EINTR)
+                return false;
+            if (written > 0)
+                content.remove_prefix(static_cast<std::size_t>(written));
+        }
+        return fsync(m_Descriptor) == 0;
+    }
+
+    bool TakePlaceOf(const std::filesystem::path& target)
+    {
+        struct stat former
+        {};
+        const mode_t mode = stat(target.c_str(), &former) == 0 ? former.st_mode & ALLPERMS : NEW_FILE_MODE;
+        m_Kept = fchmod(m_Descriptor, mode) == 0 && rename(m_Name.c_str(), target.c_str()) == 0;
+        return m_Kept;
+    }
+
+private:
+    std::string m_Name;
+    int m_Descriptor;
+    bool m_Kept = false;
+};
+
+/** Makes a renaming in this folder last. The new content is in place even where a folder cannot be flushed.
+ */
+void flushFolder(const std::filesystem::path& folder)
+{
+    const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    (void)fsync(descriptor);
+    close(descriptor);
+}
+
+} // namespace
+
+bool replaceFile(const std::filesystem::path& path, std::string_view content)
+{
+    // What a link points to is replaced, not the link.
+    std::error_code unresolved;
+    const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, unresolved);
+    const std::filesystem::path& target = unresolved ? path : resolved;
+
+    CTemporaryFile file(target);
+    if (!file.Valid() || !file.Write(content) || !file.TakePlaceOf(target))
+        return false;
+    flushFolder(target.parent_path());
+    return true;
+}
+
+} // namespace PI

@@ -1,0 +1,116 @@
+#include "Ostrel/HostCodes.h"
+#include "Ostrel/PluginApi.h"
+#include "Ostrel/RowBuilder.h"
+#include "OstrelAdapter/Model.h"
+#include "OstrelPhysicalDrive/Properties.h"
+
+#include <DatabaseORM/StatementBuilder.h>
+#include <PI/PluginHelper.h>
+
+#include <array>
+#include <charconv>
+
+namespace NAMESPACE_Ostrel {
+namespace {
+
+using RaidDataModels::PD;
+
+std::string statusText(const CNVMePhysicalDrive& drive)
+{
+    return PI::PropertyValueToString(drive.m_Status);
+}
+
+std::string driveTypeText(const CNVMePhysicalDrive& /*drive*/)
+{
+    return PI::PropertyValueToString(DRIVE_TYPE_SOLID_STATE);
+}
+
+std::string modelOf(const CNVMePhysicalDrive& drive)
+{
+    return rowModelText(drive.m_Model);
+}
+
+std::string temperatureText(const CNVMePhysicalDrive& drive)
+{
+    if (drive.m_Temperature == UNKNOWN_TEMPERATURE)
+        return std::string(DatabaseORM::NULL_TEXT);
+    // The shortest text of the number, whatever the process's locale.
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), drive.m_Temperature).ptr;
+    return {digits.data(), end};
+}
+
+std::string zero(const CNVMePhysicalDrive& /*drive*/)
+{
+    return "0";
+}
+
+constexpr CRowColumn<CNVMePhysicalDrive, PD> COLUMNS[] = {
+    {PI::PROP_VENDOR, &PD::m_Vendor, rowText<&CNVMePhysicalDrive::m_Vendor>},
+    {PI::PROP_NAME, &PD::m_Name, rowText<&CNVMePhysicalDrive::m_ProductName>},
+    {PI::PROP_HEALTH_STATUS, &PD::m_Status, statusText},
+    {PI::PROP_SERIAL_NUMBER, &PD::m_SerialNumber, rowText<&CNVMePhysicalDrive::m_SerialNumber>},
+    {PI::PROP_DRIVE_TYPE, &PD::m_DriveType, driveTypeText},
+    {PI::PROP_CAPACITY, &PD::m_Capacity, rowNumber<&CNVMePhysicalDrive::m_CapacityMiB>},
+    {PI::PROP_USABLE_CAPACITY, &PD::m_UsableCapacity, rowNumber<&CNVMePhysicalDrive::m_UsableCapacityMiB>},
+    {PI::PROP_MODEL, &PD::m_Model, modelOf},
+    {PI::PROP_DRIVE_TEMPERATURE, &PD::m_Temperature, temperatureText},
+    {PI::PROP_DRIVE_CHANNEL, &PD::m_Channel, zero},
+    {PI::PROP_DRIVE_ID, &PD::m_DriveNumber, zero},
+    {PI::PROP_LOCATION, &PD::m_Location, rowText<&CNVMePhysicalDrive::m_Location>},
+};
+
+std::string keyText(const CNVMePhysicalDrive& drive)
+{
+    return DatabaseORM::escapeQuotes(drive.m_SerialNumber);
+}
+
+DatabaseORM::compoundCondition_t<PD> keyOf(const CNVMePhysicalDrive& drive)
+{
+    return {{&PD::m_HostName, RaidDataModels::LOCAL_HOST}, {&PD::m_DriveKey, keyText(drive)}};
+}
+
+constexpr CRowTrace INSERT = {"PD (%s) inserted to db.",
+                              "Storage query exception thrown during inserting PD (%s) to db. (%s)"};
+constexpr CRowTrace UPDATE = {"PD (%s) updated in db.",
+                              "Storage query exception thrown during updating PD (%s) in db. (%s)"};
+
+} // namespace
+
+std::uint32_t IPLUGINAPI_IMPL::SetDatabaseObjectProperties(PD& row, const CNVMePhysicalDrive& drive)
+{
+    OSTREL_TRACE(TRACE_FLOW) << "ENTER SetDatabaseObjectProperties (PhysicalDisk)";
+    row = PD();
+    row.m_HostName = RaidDataModels::LOCAL_HOST;
+    row.m_DriveKey = keyText(drive);
+    fillRow(physicalDrivePropertyTable(), COLUMNS, drive, row);
+    return PI::ERR_SUCCESS;
+}
+
+std::uint32_t IPLUGINAPI_IMPL::InsertObjectToDatabase(const CNVMePhysicalDrive& drive)
+{
+    const auto insert = [&] {
+        PD row;
+        (void)SetDatabaseObjectProperties(row, drive);
+        (void)DatabaseORM::insert(*m_Database, row);
+        return true;
+    };
+    return runOnRow(OSTREL_HERE, INSERT, insert, drive.m_ProductName);
+}
+
+std::uint32_t IPLUGINAPI_IMPL::UpdateObjectInDatabase(const CNVMePhysicalDrive& drive)
+{
+    const auto update = [&] {
+        const auto found = DatabaseORM::select(*m_Database, keyOf(drive));
+        if (found.empty())
+            return false;
+        PD row;
+        (void)SetDatabaseObjectProperties(row, drive);
+        row.m_ID = found.front().m_ID;
+        DatabaseORM::update(*m_Database, row);
+        return true;
+    };
+    return runOnRow(OSTREL_HERE, UPDATE, update, drive.m_ProductName);
+}
+
+} // namespace NAMESPACE_Ostrel

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Support/TemporaryFolder.h"
+
+#include <Database/Database.h>
+#include <DatabaseORM/Models.h>
+#include <DatabaseORM/StatementBuilder.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace TestSupport {
+
+using Values = std::vector<std::string>;
+
+/** A folder that lives as long as the test, and the process's storage on a file in it. */
+class DatabaseFixture : public testing::Test
+{
+protected:
+    DatabaseFixture();
+    ~DatabaseFixture() override;
+
+    /** Closes the file and opens it again at the next query, as another start of the program would. */
+    void Reopen();
+
+    Values Query(const std::string& sql) { return m_Storage->m_Access->query(sql); }
+
+    const std::filesystem::path& Folder() const { return m_Folder.Path(); }
+    std::filesystem::path File() const { return Folder() / "Ostrel.db"; }
+
+    CTemporaryFolder m_Folder;
+    std::shared_ptr<DatabaseORM::storage_t> m_Storage;
+};
+
+/** Rows as the plug-in fills them: on this host, all else telling the rows apart by `serial`. */
+RaidDataModels::Adapter makeAdapter(std::int32_t number, const std::string& serial);
+RaidDataModels::PD makeDrive(const std::string& serial);
+
+/** The message of the database exception that `operation` throws; a failed test when it throws none. */
+template<class Operation>
+std::string databaseError(Operation operation)
+{
+    try {
+        operation();
+    } catch (const DBEXCEPTION::DatabaseException& exception) {
+        return exception.what();
+    }
+    ADD_FAILURE() << "no DatabaseException was thrown";
+    return {};
+}
+
+} // namespace TestSupport

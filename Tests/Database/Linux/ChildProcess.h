@@ -1,0 +1,56 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include <sys/types.h>
+
+namespace TestSupport {
+
+/** A pipe: what one end writes, the other reads. Both ends close with it. */
+class CPipe
+{
+public:
+    CPipe();
+    ~CPipe();
+    CPipe(const CPipe&) = delete;
+    CPipe& operator=(const CPipe&) = delete;
+
+    void Write(const std::string& text) const;
+    /** One byte; false at the end of what was written. */
+    bool ReadByte(char& byte) const;
+    std::string ReadAll() const;
+    void CloseReader();
+    void CloseWriter();
+
+private:
+    int m_Reader = -1;
+    int m_Writer = -1;
+};
+
+/** A process forked from this one. It writes to `Output`, and ends when its work does or when it is killed.
+ */
+class CChildProcess
+{
+public:
+    /** `work` gets the pipes of `Output` and `Input`. A test's expectations do not count in there. */
+    explicit CChildProcess(const std::function<void(const CPipe& output, const CPipe& input)>& work);
+    /** Ends the process and waits for it. */
+    ~CChildProcess();
+    CChildProcess(const CChildProcess&) = delete;
+    CChildProcess& operator=(const CChildProcess&) = delete;
+
+    const CPipe& Output() const { return m_Output; }
+    const CPipe& Input() const { return m_Input; }
+    void Kill();
+
+private:
+    CPipe m_Output;
+    CPipe m_Input;
+    pid_t m_Process;
+};
+
+/** Runs `work` in a process of its own that is not the superuser's, and returns the text that it returned. */
+std::string runUnprivileged(const std::function<std::string()>& work);
+
+} // namespace TestSupport

@@ -1,0 +1,119 @@
+#include "DatabaseFixture.h"
+
+#include <sqlite3.h>
+
+using namespace TestSupport;
+using DatabaseORM::condition_t;
+using RaidDataModels::Adapter;
+using RaidDataModels::PD;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+class Migration : public DatabaseFixture
+{
+protected:
+    /** Writes the file as another version of the program would have. */
+    void WriteFile(const std::string& sql)
+    {
+        sqlite3* connection = nullptr;
+        ASSERT_EQ(sqlite3_open(File().string().c_str(), &connection), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+            << sqlite3_errmsg(connection);
+        sqlite3_close(connection);
+    }
+
+    Values Tables() { return Query("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name"); }
+};
+
+} // namespace
+
+TEST_F(Migration, AFreshFileGetsThePresentTables)
+{
+    EXPECT_THAT(Tables(), ElementsAre("Adapter", "PD", "Plugin"));
+    EXPECT_THAT(Query("PRAGMA user_version"), ElementsAre("1"));
+}
+
+TEST_F(Migration, APresentFileIsLeftAlone)
+{
+    Query("SELECT 1");
+    const Values before = Query("PRAGMA schema_version");
+    Reopen();
+    EXPECT_EQ(Query("PRAGMA schema_version"), before);
+}
+
+TEST_F(Migration, RowsOfFewerColumnsInAnotherOrderAreKept)
+{
+    WriteFile("CREATE TABLE PD (DriveKey TEXT, HostName TEXT, ID INTEGER PRIMARY KEY);"
+              "INSERT INTO PD VALUES ('S1', 'localhost', 4), ('S2', NULL, 9);"
+              "CREATE TABLE Adapter (ID INTEGER PRIMARY KEY, SerialNumber TEXT, AdapterNumber INTEGER);"
+              "INSERT INTO Adapter VALUES (1, 'S1', 3);");
+    const auto drives = DatabaseORM::select(*m_Storage, condition_t(&PD::m_DriveKey, "S1"));
+    ASSERT_EQ(drives.size(), 1U);
+    EXPECT_EQ(drives[0].m_ID, 4);
+    EXPECT_EQ(drives[0].m_HostName, "localhost");
+    EXPECT_EQ(drives[0].m_Location, "NULL");
+    const auto second = DatabaseORM::select(*m_Storage, condition_t(&PD::m_DriveKey, "S2"));
+    ASSERT_EQ(second.size(), 1U);
+    EXPECT_EQ(second[0].m_HostName, "NULL");
+    const auto adapters = DatabaseORM::select(*m_Storage, condition_t(&Adapter::m_AdapterNumber, 3));
+    ASSERT_EQ(adapters.size(), 1U);
+    EXPECT_EQ(adapters[0].m_Present, 0);
+    EXPECT_EQ(adapters[0].m_SerialNumber, "S1");
+    EXPECT_THAT(Tables(), ElementsAre("Adapter", "PD", "Plugin"));
+    EXPECT_EQ(DatabaseORM::insert(*m_Storage, makeDrive("S3")), 10);
+}
+
+TEST_F(Migration, AFormerTableWithOtherColumnsStays)
+{
+    WriteFile("CREATE TABLE PD (ID INTEGER PRIMARY KEY, HostName TEXT, DriveKey TEXT, Colour TEXT);"
+              "INSERT INTO PD VALUES (1, 'localhost', 'S1', 'red');"
+              "PRAGMA user_version = 7;");
+    EXPECT_THAT(Query("SELECT DriveKey FROM PD"), ElementsAre("S1"));
+    EXPECT_THAT(Tables(), ElementsAre("Adapter", "PD", "PD_version7", "Plugin"));
+    EXPECT_THAT(Query("SELECT Colour FROM PD_version7"), ElementsAre("red"));
+    EXPECT_THAT(Query("PRAGMA user_version"), ElementsAre("1"));
+}
+
+TEST_F(Migration, AFormerTableWithRowsOfOneKeyStays)
+{
+    WriteFile("CREATE TABLE PD (ID INTEGER PRIMARY KEY, HostName TEXT, DriveKey TEXT);"
+              "INSERT INTO PD VALUES (1, 'localhost', 'S1'), (2, 'localhost', 'S1');");
+    EXPECT_THAT(Query("SELECT ID FROM PD"), ElementsAre("2"));
+    EXPECT_THAT(Query("SELECT ID FROM PD_version0"), ElementsAre("1", "2"));
+}
+
+TEST_F(Migration, ATableKeptEarlierIsNotOverwritten)
+{
+    for (const char* colour : {"red", "green"}) {
+        WriteFile("DROP TABLE IF EXISTS PD; CREATE TABLE PD (ID INTEGER PRIMARY KEY, Colour TEXT);"
+                  "INSERT INTO PD VALUES (1, '" +
+                  std::string(colour) + "'); PRAGMA user_version = 0;");
+        Query("SELECT 1");
+        Reopen();
+    }
+    EXPECT_THAT(Query("SELECT Colour FROM PD_version0; SELECT Colour FROM PD_version0_2"),
+                ElementsAre("red", "green"));
+}
+
+TEST_F(Migration, TheFormerTriggersEndAndThePresentOnesWork)
+{
+    Query("PRAGMA user_version = 0");
+    DatabaseORM::insert(*m_Storage, makeAdapter(1, "S1"));
+    DatabaseORM::insert(*m_Storage, makeDrive("S1"));
+    Reopen();
+    EXPECT_THAT(Query("SELECT DriveKey FROM PD; SELECT SerialNumber FROM Adapter"), ElementsAre("S1", "S1"));
+    EXPECT_THAT(Query("SELECT tbl_name FROM sqlite_master WHERE type = 'trigger'"), ElementsAre("Adapter"));
+    DatabaseORM::remove(*m_Storage, condition_t(&Adapter::m_AdapterNumber, 1));
+    EXPECT_THAT(Query("SELECT DriveKey FROM PD"), IsEmpty());
+}
+
+TEST_F(Migration, ThatCannotBeDoneChangesNothing)
+{
+    WriteFile("CREATE TABLE Plugin (ID INTEGER PRIMARY KEY, Name TEXT); INSERT INTO Plugin VALUES (1, 'x');"
+              "CREATE TABLE Other (X); CREATE VIEW PD AS SELECT 1;");
+    EXPECT_NE(databaseError([&] { Query("SELECT 1"); }), "");
+    WriteFile("DROP VIEW PD;");
+    EXPECT_THAT(Query("SELECT Name FROM Plugin"), ElementsAre("x"));
+}

@@ -1,0 +1,55 @@
+#include "StatementFixture.h"
+
+#include <DatabaseORM/StatementBuilder.h>
+
+using namespace TestSupport;
+using testing::ElementsAre;
+
+namespace {
+
+class Max : public StatementFixture
+{};
+
+} // namespace
+
+TEST_F(Max, AsksForTheColumnsMaximum)
+{
+    AddSample({.m_ForeignKeys = true});
+    m_Database->Answer({"7"});
+    m_Database->Answer({"8"});
+    EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_Count), 7U);
+    EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_Size), 8U);
+    EXPECT_THAT(Statements(),
+                ElementsAre("SELECT MAX(Count) FROM SampleTable", "SELECT MAX(Size) FROM SampleTable"));
+}
+
+TEST_F(Max, ReadsAnUnsigned32BitNumberAsATextStreamDoes)
+{
+    AddSample();
+    m_Database->Answer({"4294967295"});
+    m_Database->Answer({"4294967296"});
+    m_Database->Answer({"NULL"});
+    m_Database->Answer({});
+    m_Database->Answer({" 12 and more"});
+    EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_ID), 4294967295U);
+    EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_ID), 4294967295U);
+    EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_ID), 0U);
+    EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_ID), 0U);
+    EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_ID), 12U);
+}
+
+TEST_F(Max, WrapsAFailureOfTheStatement)
+{
+    AddSample();
+    m_Database->Fail("no such column: ID");
+    EXPECT_EQ(databaseError([&] { DatabaseORM::max(m_Storage, &Sample::m_ID); }),
+              "Storage query exception thrown! (no such column: ID)");
+}
+
+TEST_F(Max, WithoutFieldMapSendsNothing)
+{
+    AddTable(true, false);
+    EXPECT_EQ(databaseError([&] { DatabaseORM::max(m_Storage, &Sample::m_ID); }),
+              "Storage query exception thrown! No such model map exist.");
+    EXPECT_TRUE(Statements().empty());
+}
