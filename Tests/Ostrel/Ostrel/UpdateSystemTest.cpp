@@ -408,6 +408,9 @@ TEST_F(UpdateSystem, TracesItsWay)
 {
     m_Fakes.Add(CFakeDrive(1));
     PublishFirst();
+    // Tests of one process share a database; here none of these has a row.
+    for (const CNVMeAdapter& adapter : m_Plugin.m_Adapters)
+        m_Plugin.DeleteObjectFromDatabase(adapter);
     m_Fakes.Add(CFakeDrive(2));
     m_Fakes.At(0).Warning(4);
     Scan(false);
