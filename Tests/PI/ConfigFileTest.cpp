@@ -263,30 +263,6 @@ TEST_F(ConfigFileWriteTest, LeavesNothingElseInTheFolder)
     EXPECT_EQ(Names(), std::vector<std::string>{"Test.ini"});
 }
 
-TEST_F(ConfigFileWriteTest, ReplacesTheFileAndKeepsItsPermissions)
-{
-    using std::filesystem::perms;
-    m_Folder.Write("Test.ini", "A=1\n");
-    const auto path = m_Folder.Path() / "Test.ini";
-    const auto permissions = perms::owner_read | perms::owner_write | perms::group_read;
-    std::filesystem::permissions(path, permissions);
-    std::ifstream reader(path, std::ios::binary);
-    EXPECT_EQ(m_Config.WriteKeyValue("A", "2", -1, -1), 0U);
-    EXPECT_EQ(std::filesystem::status(path).permissions(), permissions);
-    // Who had it open goes on reading the old content.
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), "A=1\n");
-    EXPECT_EQ(Content(), "A=2\n");
-}
-
-TEST_F(ConfigFileWriteTest, FollowsALink)
-{
-    m_Folder.Write("Real.ini", "A=1\n");
-    std::filesystem::create_symlink("Real.ini", m_Folder.Path() / "Test.ini");
-    EXPECT_EQ(m_Config.WriteKeyValue("A", "2", -1, -1), 0U);
-    EXPECT_TRUE(std::filesystem::is_symlink(m_Folder.Path() / "Test.ini"));
-    EXPECT_EQ(Content(), "A=2\n");
-}
-
 TEST_F(ConfigFileWriteTest, FailsWhereItCannotReadOrWrite)
 {
     const std::string torn("A=1\n\0\0\0", 7);
