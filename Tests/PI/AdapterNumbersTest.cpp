@@ -1,3 +1,4 @@
+#include "Support/GroupingLocale.h"
 #include "Support/TemporaryFolder.h"
 
 #include <PI/AdapterID.h>
@@ -82,6 +83,16 @@ TEST_F(AdapterNumbers, AreWrittenOneALine)
     NumberOf(1, 3);
     PI::storeAdapterNumbers(m_File);
     EXPECT_THAT(Content(), testing::EndsWith("host.\n1 0 2 0 0 localhost\n2 3 1 0 0 localhost\n"));
+}
+
+// French groups digits with a blank, and a blank stands between the numbers of a line.
+TEST_F(AdapterNumbers, AreKeptWhateverTheProcessesLocale)
+{
+    const TestSupport::CGroupingLocale locale("\3", ' ');
+    EXPECT_EQ(RefusalOf("1234 0 2 0 0 localhost\n"), "none");
+    EXPECT_EQ(NumberOf(2), 1234);
+    PI::storeAdapterNumbers(m_File);
+    EXPECT_THAT(Content(), testing::EndsWith("\n1234 0 2 0 0 localhost\n"));
 }
 
 TEST_F(AdapterNumbers, AnUnchangedFileIsLeftAlone)

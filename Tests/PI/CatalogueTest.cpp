@@ -1,3 +1,5 @@
+#include "Support/SourceTree.h"
+
 #include <PI/PluginHelper.h>
 #include <TLX/LanguageSupport.h>
 #include <TLX/ModuleInfo.h>
@@ -6,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <set>
 #include <sstream>
@@ -13,10 +16,7 @@
 #include <vector>
 
 namespace {
-
 using TLX::Language_Support::CLanguageSupport;
-
-constexpr const char* FOLDER = OSTREL_SOURCE_DIR "/Ostrel/Data";
 
 // Every number that objects, properties, values, events and operations carry to the host.
 const std::vector<std::uint32_t>& numbersInUse()
@@ -53,7 +53,7 @@ const std::vector<std::uint32_t>& numbersInUse()
 
 struct CatalogueTest : testing::Test
 {
-    CatalogueTest() { CLanguageSupport::SetFolder(FOLDER); }
+    CatalogueTest() { CLanguageSupport::SetFolder(TestSupport::sourceTree("Ostrel/Data")); }
 
     CLanguageSupport::CLngFile m_File{"Ostrel.nls", 0x656E, "UTF-8", 1, {}};
     TLX::Misc::CModuleInfo m_Module{313, "Catalogue", "1", m_File, {}};
@@ -103,7 +103,7 @@ TEST_F(CatalogueTest, EventsNameTheirSource)
 
 TEST(CatalogueFile, HoldsEachNumberInUseOnceAndNoOther)
 {
-    std::ifstream file(OSTREL_SOURCE_DIR "/Ostrel/Data/Ostrel.nls");
+    std::ifstream file(TestSupport::sourceTree("Ostrel/Data/Ostrel.nls"));
     ASSERT_TRUE(file);
     std::multiset<std::uint32_t> found;
     for (std::string line; std::getline(file, line);) {

@@ -1,3 +1,4 @@
+#include "Support/SourceTree.h"
 #include "Support/TemporaryFolder.h"
 
 #include <PI/LifeTimeData.h>
@@ -5,7 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -39,11 +39,8 @@ std::string refusal(std::string_view content)
 /** The rating that the first matching row gives a model, 1 when none matches. */
 std::uint64_t ratingOf(const Table& table, const std::string& model)
 {
-    const auto row =
-        std::find_if(table.begin(), table.end(), [&model](const PI::CNVMeLifeTimeData& candidate) {
-            return model.find(candidate.m_Model.substr(0, candidate.m_Characters)) != std::string::npos;
-        });
-    return row == table.end() ? 1 : row->m_Endurance;
+    const PI::CNVMeLifeTimeData* row = PI::findLifeTimeData(table, model);
+    return row == nullptr ? 1 : row->m_Endurance;
 }
 
 TEST(LifeTimeData, ReadsRows)
@@ -152,7 +149,7 @@ TEST(LifeTimeData, ThreadsShareOneTable)
 
 TEST(ShippedEndurance, RatesDrivesOfEveryMaker)
 {
-    const auto table = PI::readLifeTimeData(OSTREL_SOURCE_DIR "/Libraries/PI/Data/Endurance.txt");
+    const auto table = PI::readLifeTimeData(TestSupport::sourceTree("Libraries/PI/Data/Endurance.txt"));
     EXPECT_GE(table.size(), 40U);
     EXPECT_EQ(ratingOf(table, "INTEL SSDPE2KX010T8"), 1746U);
     EXPECT_EQ(ratingOf(table, "INTEL SSDPED1K375GA"), 18644U);
@@ -167,7 +164,7 @@ TEST(ShippedEndurance, RatesDrivesOfEveryMaker)
 
 TEST(ShippedEndurance, LongerTextsStandBeforeShorterOnesThatTheyContain)
 {
-    const auto table = PI::readLifeTimeData(OSTREL_SOURCE_DIR "/Libraries/PI/Data/Endurance.txt");
+    const auto table = PI::readLifeTimeData(TestSupport::sourceTree("Libraries/PI/Data/Endurance.txt"));
     for (std::size_t later = 0; later < table.size(); ++later) {
         EXPECT_EQ(table[later].m_Characters, table[later].m_Model.size());
         for (std::size_t earlier = 0; earlier < later; ++earlier) {

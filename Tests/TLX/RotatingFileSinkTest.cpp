@@ -76,6 +76,19 @@ TEST_F(RotatingFileSink, GoesOnInAFileThatIsThere)
     EXPECT_EQ(m_Folder.Read("trace.log"), Stored("2"));
 }
 
+TEST_F(RotatingFileSink, KeepsThreeOldFilesOfEightMebibytesUnlessToldOtherwise)
+{
+    // Two of these fit into a file.
+    const std::string text(3U << 20U, 'x');
+    const auto sink = rotatingFileSink(m_File);
+    for (const char* number : {"1", "2", "3", "4", "5", "6", "7", "8", "9"})
+        sink->Write(Line(number + text));
+    EXPECT_EQ(m_Folder.Read("trace.log"), Stored("9" + text));
+    EXPECT_EQ(m_Folder.Read("trace.log.1"), Stored("7" + text) + Stored("8" + text));
+    EXPECT_EQ(m_Folder.Read("trace.log.3"), Stored("3" + text) + Stored("4" + text));
+    EXPECT_FALSE(fs::exists(m_File.string() + ".4"));
+}
+
 TEST_F(RotatingFileSink, KeepsNoOldFileWhenToldSo)
 {
     const auto sink = rotatingFileSink(m_File, m_LineSize, 0);

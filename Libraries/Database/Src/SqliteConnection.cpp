@@ -4,17 +4,24 @@
 
 #include <cstddef>
 #include <new>
+#include <utility>
 
 namespace Database {
 
 namespace {
 
-struct CFinalize
+/** Makes a statement ready for its next run when it goes; until then it may hold locks of the database. */
+class CReset
 {
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
+public:
+    explicit CReset(sqlite3_stmt* statement) : m_Statement(statement) {}
+    ~CReset() { sqlite3_reset(m_Statement); }
+    CReset(const CReset&) = delete;
+    CReset& operator=(const CReset&) = delete;
 
-using CStatement = std::unique_ptr<sqlite3_stmt, CFinalize>;
+private:
+    sqlite3_stmt* m_Statement;
+};
 
 std::string utf8(const std::filesystem::path& path)
 {
@@ -71,23 +78,37 @@ std::vector<std::string> CSqliteConnection::Run(std::string_view sql)
 
 void CSqliteConnection::RunAll(std::string_view sql, std::vector<std::string>& values)
 {
+    if (sqlite3_stmt* const kept = m_Kept.Find(sql)) {
+        Step(kept, values);
+        return;
+    }
+    const std::string_view whole = sql;
     while (!sql.empty()) {
         sqlite3_stmt* prepared = nullptr;
         const char* tail = nullptr;
         if (sqlite3_prepare_v2(m_Connection.get(), sql.data(), static_cast<int>(sql.size()), &prepared,
                                &tail) != SQLITE_OK)
             Fail();
-        const CStatement statement(prepared);
+        CStatement statement(prepared);
+        const bool isWhole = sql.size() == whole.size() && tail == whole.data() + whole.size();
         sql.remove_prefix(static_cast<std::size_t>(tail - sql.data()));
         if (!statement)
             continue;
-        int result = SQLITE_ROW;
-        while ((result = sqlite3_step(prepared)) == SQLITE_ROW)
-            for (int column = 0; column < sqlite3_column_count(prepared); ++column)
-                values.push_back(columnText(prepared, column));
-        if (result != SQLITE_DONE)
-            Fail();
+        Step(prepared, values);
+        if (isWhole)
+            m_Kept.Keep(whole, std::move(statement));
     }
+}
+
+void CSqliteConnection::Step(sqlite3_stmt* statement, std::vector<std::string>& values)
+{
+    const CReset reset(statement);
+    int result = SQLITE_ROW;
+    while ((result = sqlite3_step(statement)) == SQLITE_ROW)
+        for (int column = 0; column < sqlite3_column_count(statement); ++column)
+            values.push_back(columnText(statement, column));
+    if (result != SQLITE_DONE)
+        Fail();
 }
 
 void CSqliteConnection::Fail() const

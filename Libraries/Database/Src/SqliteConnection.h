@@ -1,6 +1,7 @@
 #pragma once
 
 #include "BusyPolicy.h"
+#include "StatementCache.h"
 
 #include <sqlite3.h>
 
@@ -32,11 +33,14 @@ private:
     };
 
     void RunAll(std::string_view sql, std::vector<std::string>& values);
+    /** Runs a statement to its end and appends the values of its rows. */
+    void Step(sqlite3_stmt* statement, std::vector<std::string>& values);
     [[noreturn]] void Fail() const;
     [[noreturn]] void Fail(const std::string& reason) const;
 
     std::string m_Name; ///< for messages
     std::unique_ptr<sqlite3, CClose> m_Connection;
+    CStatementCache m_Kept; // behind the connection, for it goes first
 };
 
 } // namespace Database

@@ -1,5 +1,6 @@
 #include "SqliteDatabase.h"
 
+#include "Identifiers.h"
 #include "Migration.h"
 
 #include <utility>
@@ -19,6 +20,7 @@ CSqliteConnection open(const std::filesystem::path& file, CBusyPolicy& busyPolic
     CSqliteConnection connection(file, busyPolicy);
     connection.Run(SETTINGS);
     migrate(connection);
+    renumber(connection);
     return connection;
 }
 

@@ -32,6 +32,7 @@ std::optional<std::string> contentOf(const std::filesystem::path& file)
 bool addLine(const std::string& line, AdapterNumbers& numbers)
 {
     std::istringstream words(line);
+    words.imbue(std::locale::classic());
     std::int32_t number = 0;
     AdapterLocation location{};
     words >> number;

@@ -1,23 +1,20 @@
 #include "AdapterRegistry.h"
 
-#include <set>
 #include <utility>
 
 namespace PI {
-namespace {
-
-std::int32_t lowestFree(const std::map<AdapterLocation, std::int32_t>& numbers)
+CFreeNumbers::CFreeNumbers(const std::map<AdapterLocation, std::int32_t>& taken)
 {
-    std::set<std::int32_t> taken;
-    for (const auto& [location, number] : numbers)
-        taken.insert(number);
-    std::int32_t number = 1;
-    while (taken.contains(number))
-        ++number;
-    return number;
+    for (const auto& [location, number] : taken)
+        m_Taken.insert(number);
 }
 
-} // namespace
+std::int32_t CFreeNumbers::Take()
+{
+    while (m_Taken.contains(m_Next))
+        ++m_Next;
+    return m_Next++;
+}
 
 CAdapterRegistry& CAdapterRegistry::Instance()
 {
@@ -31,7 +28,9 @@ std::int32_t CAdapterRegistry::Number(const std::string& hostName, const Adapter
     const std::lock_guard guard(m_Lock);
     auto& numbers = m_Numbers[hostName];
     const auto found = numbers.find(location);
-    return found != numbers.end() ? found->second : numbers[location] = lowestFree(numbers);
+    if (found != numbers.end())
+        return found->second;
+    return numbers[location] = m_Free.try_emplace(hostName, numbers).first->second.Take();
 }
 
 AdapterNumbers CAdapterRegistry::Numbers()
@@ -44,6 +43,7 @@ void CAdapterRegistry::Replace(AdapterNumbers numbers)
 {
     const std::lock_guard guard(m_Lock);
     m_Numbers = std::move(numbers);
+    m_Free.clear();
 }
 
 } // namespace PI

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 
 namespace PI {
@@ -13,6 +14,18 @@ using AdapterLocation = std::array<std::int32_t, 4>;
 
 /** The numbers of the locations, by host. */
 using AdapterNumbers = std::map<std::string, std::map<AdapterLocation, std::int32_t>>;
+
+/** The numbers that a host's adapters may still get, from the lowest. */
+class CFreeNumbers
+{
+public:
+    explicit CFreeNumbers(const std::map<AdapterLocation, std::int32_t>& taken);
+    std::int32_t Take();
+
+private:
+    std::set<std::int32_t> m_Taken; ///< beforehand
+    std::int32_t m_Next = 1;        ///< all below are taken
+};
 
 /** The process's numbers of adapter locations, counted from 1 on each host. Safe from any thread. */
 class CAdapterRegistry
@@ -30,6 +43,7 @@ public:
 private:
     std::mutex m_Lock;
     AdapterNumbers m_Numbers;
+    std::map<std::string, CFreeNumbers> m_Free; ///< of the hosts in `m_Numbers` that asked
 };
 
 } // namespace PI

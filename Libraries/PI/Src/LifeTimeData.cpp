@@ -124,6 +124,15 @@ const std::vector<CNVMeLifeTimeData>& GetLifeTimeDataNVMe()
     return all.m_Read.back();
 }
 
+const CNVMeLifeTimeData* findLifeTimeData(const std::vector<CNVMeLifeTimeData>& table, std::string_view model)
+{
+    const auto family = std::find_if(table.begin(), table.end(), [&](const CNVMeLifeTimeData& row) {
+        const std::string_view key = std::string_view(row.m_Model).substr(0, row.m_Characters);
+        return model.find(key) != std::string_view::npos;
+    });
+    return family == table.end() ? nullptr : &*family;
+}
+
 void SetLifeTimeFolder(std::filesystem::path folder)
 {
     auto& all = tables();

@@ -17,6 +17,9 @@ struct CEvent::Native
 {
     Native() noexcept;
 
+    /** False when the system refused. */
+    bool Valid() const { return m_Descriptor.Valid(); }
+
     void Signal();
 
     /** Takes the signal away. Returns false when there was none. */

@@ -78,7 +78,8 @@ std::uint32_t CThread::Wait(std::uint32_t timeout)
         if (!std::exchange(m_Native->m_Joined, true))
             pthread_join(m_Native->m_Thread, nullptr);
     }
-    return result;
+    // What could not be looked at must not pass for ended.
+    return result == WaitResult::Taken ? WaitResult::Taken : WaitResult::TimedOut;
 }
 
 void CThread::Cancel()

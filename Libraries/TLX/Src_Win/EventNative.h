@@ -4,17 +4,37 @@
 #include <TLX/WaitInterval.h>
 #include <TLX/Win/UniqueHandle.h>
 
+#include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <span>
 
 namespace TLX::Threading {
 
-/** The event's handle. Apart, so that one wait can watch several. */
+/**
+ * The event's handle: signalled while the event is. To the system every event is one that is reset by hand,
+ * so that a repeated `Init` can change its kind under those who wait for it.
+ */
 struct CEvent::Native
 {
-    Native(bool initiallySignalled, bool manualReset) noexcept
-        : m_Event(CreateEventW(nullptr, manualReset, initiallySignalled, nullptr)), m_ManualReset(manualReset)
-    {}
+    Native() noexcept : m_Event(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
+
+    /** False when the system refused. */
+    bool Valid() const { return m_Event.Valid(); }
+
+    void Signal() { SetEvent(m_Event.Get()); }
+
+    /** Takes the signal away. Returns false when there was none. */
+    bool Clear();
+
+    /** Whether a wait that saw the signal ends here; false when another one took it. */
+    bool Accept() { return m_ManualReset || Clear(); }
+
+    /** What to wait for; null before `Init`. */
+    static HANDLE Handle(const CEvent& event)
+    {
+        return event.m_Native ? event.m_Native->m_Event.Get() : nullptr;
+    }
 
     /**
      * Waits for the first of `events` that fires and takes its signal. Returns its position, counted from 1;
@@ -23,7 +43,8 @@ struct CEvent::Native
     static std::uint32_t WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval);
 
     TLX::Win::CKernelObject m_Event;
-    bool m_ManualReset;
+    std::atomic<bool> m_ManualReset = false;
+    std::mutex m_Lock; ///< held by who looks for the signal and takes it
 };
 
 } // namespace TLX::Threading

@@ -1,11 +1,11 @@
-#include "Wait.h"
-
 #include <TLX/FastMutex.h>
 #include <TLX/Win/UniqueHandle.h>
 
 #include <new>
 
 namespace TLX::Threading::Native_OS {
+
+static_assert(NO_TIME_LIMIT == INFINITE);
 
 struct CFastMutex::Native
 {
@@ -28,7 +28,17 @@ std::uint32_t CFastMutex::Init()
 
 std::uint32_t CFastMutex::Wait(std::uint32_t timeout)
 {
-    return m_Native ? Win::waitFor(m_Native->m_Mutex.Get(), timeout) : WaitResult::Failed;
+    if (!m_Native)
+        return WaitResult::Failed;
+    switch (WaitForSingleObject(m_Native->m_Mutex.Get(), timeout)) {
+    case WAIT_OBJECT_0:
+    case WAIT_ABANDONED: // the lock of a thread that ended without giving it back
+        return WaitResult::Taken;
+    case WAIT_TIMEOUT:
+        return WaitResult::TimedOut;
+    default:
+        return WaitResult::Failed;
+    }
 }
 
 void CFastMutex::Release()

@@ -1,5 +1,6 @@
 #include "Wait.h"
 
+#include <TLX/ForcedEnd.h>
 #include <TLX/Thread.h>
 #include <TLX/Win/UniqueHandle.h>
 
@@ -13,12 +14,70 @@
 namespace TLX::Threading {
 namespace {
 
-/** What a thread and whoever ends it by force have to know of each other. */
-struct CInterruption
+/**
+ * What a thread and whoever ends it by force have to agree on: a thread is only ever struck down within a
+ * call that may be broken off, never on its way out, when it may hold locks.
+ */
+class CInterruption
 {
-    std::atomic<bool> m_Cancelled = false;
-    std::atomic<bool> m_Inside = false; ///< in a call that may be broken off
+public:
+    /** Marks the thread for its end, in its present call or the next. */
+    void Request() { m_Requested = true; }
+
+    /** Whether it is within a call. */
+    bool Inside() const { return m_State == EState::Inside; }
+
+    /** Takes the right to strike the thread down; false when it has left its call. */
+    bool Doom()
+    {
+        EState inside = EState::Inside;
+        return m_State.compare_exchange_strong(inside, EState::Doomed);
+    }
+
+    /** The thread enters a call, or ends here. */
+    void Enter()
+    {
+        m_State = EState::Inside;
+        if (m_Requested)
+            End();
+    }
+
+    /** The thread comes back from a call, or ends here. */
+    void Leave()
+    {
+        if (m_Requested)
+            End();
+        EState inside = EState::Inside;
+        if (!m_State.compare_exchange_strong(inside, EState::Outside))
+            End();
+    }
+
+private:
+    enum class EState
+    {
+        Outside,
+        Inside,
+        Doomed, ///< about to be struck down
+    };
+
+    [[noreturn]] void End()
+    {
+        EState inside = EState::Inside;
+        if (!m_State.compare_exchange_strong(inside, EState::Outside)) {
+            for (;;)
+                Sleep(INFINITE); // struck down in here
+        }
+        m_Requested = false; // once is enough
+        throw CForcedEnd();
+    }
+
+    std::atomic<bool> m_Requested = false;
+    std::atomic<EState> m_State = EState::Outside;
 };
+
+/** How often a call's request is cancelled, and how long the call then has to come back, in milliseconds. */
+constexpr int ATTEMPTS = 20;
+constexpr DWORD TIME_TO_COME_BACK = 50;
 
 /** Of this thread; null when it is no `CThread`'s. */
 thread_local CInterruption* t_Interruption = nullptr;
@@ -41,7 +100,10 @@ unsigned CThread::Native::Run(void* argument)
     const std::unique_ptr<std::shared_ptr<Native>> self(static_cast<std::shared_ptr<Native>*>(argument));
     t_Interruption = &(*self)->m_Interruption;
     const std::function<void()> body = std::move((*self)->m_Body);
-    body();
+    try {
+        body();
+    } catch (CForcedEnd&) { // as ordered
+    }
     return 0;
 }
 
@@ -53,6 +115,7 @@ CThread::CThread(std::function<void()> body) : m_Native(std::make_shared<Native>
     if (thread == 0)
         throw std::system_error(errno, std::generic_category(), "thread");
     (void)share.release(); // the thread's now
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): a handle, as the runtime hands it out
     m_Native->m_Thread = TLX::Win::CKernelObject(reinterpret_cast<HANDLE>(thread));
 }
 
@@ -60,18 +123,29 @@ CThread::~CThread() = default;
 
 std::uint32_t CThread::Wait(std::uint32_t timeout)
 {
-    return TLX::Win::waitFor(m_Native->m_Thread.Get(), timeout);
+    const HANDLE thread = m_Native->m_Thread.Get();
+    const auto ended = [](std::size_t) { return true; };
+    if (timeout == NO_TIME_LIMIT)
+        return Win::waitForAny({&thread, 1}, nullptr, ended);
+    const CWaitInterval interval(timeout);
+    return Win::waitForAny({&thread, 1}, &interval, ended);
 }
 
 void CThread::Cancel()
 {
     const std::scoped_lock guard(m_Native->m_Lock);
-    m_Native->m_Interruption.m_Cancelled = true;
-    if (!m_Native->m_Interruption.m_Inside)
-        return;
-    // A call that waits for a device comes back when its request is cancelled, and ends its thread itself.
-    if (CancelSynchronousIo(m_Native->m_Thread.Get()) == 0)
-        TerminateThread(m_Native->m_Thread.Get(), 0);
+    const HANDLE thread = m_Native->m_Thread.Get();
+    CInterruption& interruption = m_Native->m_Interruption;
+    interruption.Request();
+    // A call that waits for a device comes back when its request is cancelled, and its thread unwinds. More
+    // than once, for the call may be about to make its request.
+    for (int attempt = 0; attempt < ATTEMPTS && interruption.Inside(); ++attempt) {
+        CancelSynchronousIo(thread);
+        if (WaitForSingleObject(thread, TIME_TO_COME_BACK) == WAIT_OBJECT_0)
+            return;
+    }
+    if (interruption.Doom())
+        TerminateThread(thread, 0);
 }
 
 int interruptibly(int (*call)(void* argument), void* argument)
@@ -79,13 +153,9 @@ int interruptibly(int (*call)(void* argument), void* argument)
     CInterruption* const interruption = t_Interruption;
     if (interruption == nullptr)
         return call(argument);
-    interruption->m_Inside = true;
-    if (interruption->m_Cancelled)
-        ExitThread(0);
+    interruption->Enter();
     const int result = call(argument);
-    if (interruption->m_Cancelled)
-        ExitThread(0);
-    interruption->m_Inside = false;
+    interruption->Leave();
     return result;
 }
 

@@ -1,12 +1,22 @@
 #pragma once
 
+#include <TLX/WaitInterval.h>
+
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <span>
 
 #include <windows.h>
 
 namespace TLX::Win {
 
-/** Waits for one kernel object, at most `timeout` milliseconds. Returns a `WaitResult`. */
-std::uint32_t waitFor(HANDLE object, std::uint32_t timeout);
+/**
+ * Waits, on the process's clock, for the first of `objects` that is signalled and whose index `accept` agrees
+ * to; as long as it does not, the wait goes on. Returns the position, counted from 1; `TimedOut` at the end
+ * of `interval` (null: no end); `Failed`.
+ */
+std::uint32_t waitForAny(std::span<const HANDLE> objects, const Threading::CWaitInterval* interval,
+                         const std::function<bool(std::size_t index)>& accept);
 
 } // namespace TLX::Win

@@ -1,28 +1,52 @@
 #include "Attribute.h"
 
+#include "Exhaustion.h"
+#include "FileDescriptor.h"
+
 #include <TLXX/NvmeText.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstddef>
 #include <cstdint>
-#include <fstream>
 #include <span>
-#include <system_error>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace TLXX::Linux {
+namespace {
 
-std::string readAttribute(const std::filesystem::path& file)
+/** Reads until `bytes` are full or the file is at its end; returns how many came. */
+std::size_t readWhole(int file, std::span<std::uint8_t> bytes)
 {
-    // Opening anything else, such as a pipe, could block.
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error))
+    std::size_t length = 0;
+    while (length < bytes.size()) {
+        const ssize_t more = ::read(file, bytes.data() + length, bytes.size() - length);
+        if (more < 0)
+            throwIfExhausted(errno);
+        if (more <= 0)
+            break;
+        length += static_cast<std::size_t>(more);
+    }
+    return length;
+}
+
+} // namespace
+
+std::string readAttribute(const char* path, int above)
+{
+    // Whatever else stands in a file's place, such as a pipe, must not block.
+    const CFileDescriptor file(path, above, O_NONBLOCK);
+    throwIfExhausted(static_cast<int>(file.Status()));
+    struct stat status = {};
+    if (file.Status() != 0 || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode))
         return {};
-    std::array<char, 256> line{};
-    std::ifstream stream(file, std::ios::binary);
-    stream.read(line.data(), line.size() - 1);
-    std::array<std::uint8_t, line.size()> bytes{};
-    std::copy(line.begin(), std::find(line.begin(), line.end(), '\n'), bytes.begin());
-    return boundedText(bytes);
+    constexpr std::size_t LONGEST = 255;
+    std::array<std::uint8_t, LONGEST> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init)
+    const std::span<std::uint8_t> text = std::span(bytes).first(readWhole(file.Get(), bytes));
+    return boundedText({text.begin(), std::find(text.begin(), text.end(), '\n')});
 }
 
 } // namespace TLXX::Linux

@@ -17,7 +17,7 @@ CControllerState stateOf(const Linux::CController& controller)
     state.m_State = controller.m_State;
     state.m_Location = controller.m_Location;
     state.m_AccessPath = Linux::controllerNode(controller.m_Instance);
-    state.m_AccessStatus = Linux::CFileDescriptor(state.m_AccessPath).Status();
+    state.m_AccessStatus = Linux::CFileDescriptor(state.m_AccessPath.c_str()).Status();
     return state;
 }
 

@@ -18,27 +18,50 @@ void CDeviceTable::SetRoot(std::filesystem::path root)
 {
     const std::scoped_lock guard(m_Lock);
     m_Root = std::move(root);
+    m_Names.reset();
     m_Owners.clear();
     m_Locations.clear();
 }
 
 std::vector<CDeviceEntry> CDeviceTable::Enumerate()
 {
+    const std::filesystem::path root = Root();
+    std::optional<CNvmeNames> names = CNvmeNames::Read(root);
+    {
+        const std::scoped_lock guard(m_Lock);
+        if (names && names == m_Names)
+            return m_Entries;
+    }
+
     std::vector<CDeviceEntry> entries;
-    std::map<std::string, CDiskOwner> owners;
+    std::unordered_map<std::string, CDiskOwner> owners;
     std::vector<std::optional<CPciLocation>> locations;
-    for (const CController& controller : listControllers(Root())) {
+    bool reliable = names.has_value();
+    for (const CController& controller : listControllers(root)) {
+        // What is halfway in or out does not show by its names when that is done.
+        reliable = reliable && controller.m_Whole &&
+                   (controller.m_DeviceName.empty() || names->HasDisk(controller.m_DeviceName));
         if (controller.m_Transport != "pcie" || controller.m_DeviceName.empty())
             continue;
         entries.push_back({controller.m_DeviceName, controller.m_Driver});
         owners.insert({controller.m_DeviceName, {controller.m_Instance, controller.m_NamespaceId}});
         locations.push_back(controller.m_Location);
     }
+    if (!reliable || CNvmeNames::Read(root) != names)
+        names.reset();
 
     const std::scoped_lock guard(m_Lock);
+    m_Names = std::move(names);
+    m_Entries = entries;
     m_Owners = std::move(owners);
     m_Locations = std::move(locations);
     return entries;
+}
+
+void CDeviceTable::LookAnew()
+{
+    const std::scoped_lock guard(m_Lock);
+    m_Names.reset();
 }
 
 std::optional<CDiskOwner> CDeviceTable::Owner(const std::string& path)

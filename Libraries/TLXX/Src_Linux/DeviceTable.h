@@ -1,14 +1,16 @@
 #pragma once
 
+#include "NvmeNames.h"
+
 #include <TLXX/DeviceBackend.h>
 #include <TLXX/PciLocation.h>
 
 #include <cstdint>
 #include <filesystem>
-#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace TLXX::Linux {
@@ -28,7 +30,11 @@ public:
     /** Forgets what was found below the former root. */
     void SetRoot(std::filesystem::path root);
 
+    /** Walks sysfs, unless a look at its names tells that nothing has come or gone since the last walk. */
     std::vector<CDeviceEntry> Enumerate();
+
+    /** Has the next enumeration walk in any case. */
+    void LookAnew();
 
     /** The owner of a disk, looked up in sysfs when no enumeration has met the path yet. */
     std::optional<CDiskOwner> Owner(const std::string& path);
@@ -39,7 +45,9 @@ public:
 private:
     mutable std::mutex m_Lock; ///< never held while sysfs is read
     std::filesystem::path m_Root = "/sys";
-    std::map<std::string, CDiskOwner> m_Owners;
+    std::optional<CNvmeNames> m_Names; ///< as they were at the last walk, when that can be relied upon
+    std::vector<CDeviceEntry> m_Entries;
+    std::unordered_map<std::string, CDiskOwner> m_Owners;
     std::vector<std::optional<CPciLocation>> m_Locations;
 };
 

@@ -2,21 +2,23 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <string>
 
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace TLXX::Linux {
 
-/** An open device node, closed when it goes. Opened for reading only. */
+/** An open file or device node, closed when it goes. Opened for reading only. */
 class CFileDescriptor
 {
 public:
-    explicit CFileDescriptor(const std::string& path)
-        : m_Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC)),
-          m_Status(m_Descriptor < 0 ? static_cast<std::uint32_t>(errno) : 0)
+    explicit CFileDescriptor(const char* path) : CFileDescriptor(::open(path, O_RDONLY | O_CLOEXEC)) {}
+    /** `path` counts from the open folder `above`; `flags` are further ones. */
+    CFileDescriptor(const char* path, int above, int flags)
+        : CFileDescriptor(::openat(above, path, O_RDONLY | O_CLOEXEC | flags))
     {}
+    /** One that could not be opened. */
+    static CFileDescriptor Failed(int error) { return {-1, error}; }
     ~CFileDescriptor()
     {
         if (m_Descriptor >= 0)
@@ -30,6 +32,11 @@ public:
     int Get() const { return m_Descriptor; }
 
 private:
+    explicit CFileDescriptor(int descriptor) : CFileDescriptor(descriptor, descriptor < 0 ? errno : 0) {}
+    CFileDescriptor(int descriptor, int error)
+        : m_Descriptor(descriptor), m_Status(static_cast<std::uint32_t>(error))
+    {}
+
     int m_Descriptor;
     std::uint32_t m_Status;
 };

@@ -31,13 +31,13 @@ std::string Platform::moduleVersion(const std::string& module)
 {
     if (!isPlainName(module))
         return {};
-    const fs::path root = Linux::deviceTable().Root();
-    const fs::path folder = root / "module" / module;
-    if (std::string version = Linux::readAttribute(folder / "version"); !version.empty())
+    const std::string root = Linux::deviceTable().Root().native();
+    const std::string folder = root + "/module/" + module;
+    if (std::string version = Linux::readAttribute((folder + "/version").c_str()); !version.empty())
         return version;
     std::error_code error;
     // A driver that is built into the kernel need not show as a module.
-    if (fs::exists(folder, error) || fs::exists(root / "bus" / "pci" / "drivers" / module, error))
+    if (fs::exists(folder, error) || fs::exists(root + "/bus/pci/drivers/" + module, error))
         return kernelRelease();
     return {};
 }

@@ -1,7 +1,6 @@
 #include "DeviceTable.h"
-#include "FileDescriptor.h"
+#include "Disk.h"
 #include "NvmeStatus.h"
-#include "Platform.h"
 
 #include <TLX/Thread.h>
 
@@ -51,9 +50,8 @@ constexpr std::uint32_t logPageWord(std::uint8_t logIdentifier, std::size_t size
     return logIdentifier | static_cast<std::uint32_t>(dwords << 16U);
 }
 
-std::uint32_t send(std::uint32_t instance, nvme_admin_cmd& command)
+std::uint32_t send(const Linux::CFileDescriptor& node, nvme_admin_cmd& command)
 {
-    const Linux::CFileDescriptor node(Linux::controllerNode(instance));
     if (node.Status() != STATUS_SUCCESS)
         return node.Status();
     const int result = TLX::Threading::interruptibly(
@@ -64,7 +62,7 @@ std::uint32_t send(std::uint32_t instance, nvme_admin_cmd& command)
 }
 
 template<typename Block>
-std::uint32_t read(std::uint32_t instance, nvme_admin_cmd command, ELength length, Block& target)
+std::uint32_t read(const Linux::CFileDescriptor& node, nvme_admin_cmd command, ELength length, Block& target)
 {
     static_assert(std::is_trivially_copyable_v<Block>);
     std::array<std::uint8_t, sizeof(Block)> data{};
@@ -77,7 +75,7 @@ std::uint32_t read(std::uint32_t instance, nvme_admin_cmd command, ELength lengt
     command.addr = reinterpret_cast<std::uintptr_t>(data.data());
     command.data_len = sizeof(Block);
     command.timeout_ms = TIMEOUT_MS;
-    const std::uint32_t status = send(instance, command);
+    const std::uint32_t status = send(node, command);
     if (status != STATUS_SUCCESS)
         return status;
     if (length == ELength::exact && std::memcmp(tail, NOT_TRANSFERRED.data(), NOT_TRANSFERRED.size()) == 0)
@@ -87,52 +85,63 @@ std::uint32_t read(std::uint32_t instance, nvme_admin_cmd command, ELength lengt
 }
 
 template<typename Block>
-std::uint32_t identify(const std::string& path, std::uint32_t structure, Block& target)
+std::uint32_t identify(const Linux::CFileDescriptor& node, std::uint32_t structure, std::uint32_t namespaceId,
+                       Block& target)
 {
-    const auto owner = Linux::deviceTable().Owner(path);
-    if (!owner)
-        return ENODEV;
     nvme_admin_cmd command{};
     command.opcode = OPCODE_IDENTIFY;
-    command.nsid = structure == CNS_NAMESPACE ? owner->m_NamespaceId : 0;
+    command.nsid = namespaceId;
     command.cdw10 = structure;
-    return read(owner->m_Instance, command, ELength::exact, target);
+    const std::uint32_t status = read(node, command, ELength::exact, target);
+    // It may not be the disk any more that the last enumeration met.
+    if (status != STATUS_SUCCESS)
+        Linux::deviceTable().LookAnew();
+    return status;
 }
 
 template<typename Block>
-std::uint32_t logPage(const std::string& path, std::uint8_t logIdentifier, ELength length, Block& target)
+std::uint32_t logPage(const Linux::CFileDescriptor& node, std::uint8_t logIdentifier, ELength length,
+                      Block& target)
 {
-    const auto owner = Linux::deviceTable().Owner(path);
-    if (!owner)
-        return ENODEV;
     nvme_admin_cmd command{};
     command.opcode = OPCODE_GET_LOG_PAGE;
     command.nsid = WHOLE_CONTROLLER;
     command.cdw10 = logPageWord(logIdentifier, sizeof(Block));
-    return read(owner->m_Instance, command, length, target);
+    return read(node, command, length, target);
+}
+
+Linux::CFileDescriptor openOwner(const std::optional<Linux::CDiskOwner>& owner)
+{
+    return owner ? Linux::CFileDescriptor(Linux::controllerNode(owner->m_Instance).c_str())
+                 : Linux::CFileDescriptor::Failed(ENODEV);
 }
 
 } // namespace
 
-std::uint32_t Platform::identifyController(const std::string& path, NVME_IDENTIFY_CONTROLLER& controller)
+Platform::CDisk::CDisk(const std::string& path) : CDisk(Linux::deviceTable().Owner(path)) {}
+
+Platform::CDisk::CDisk(const std::optional<Linux::CDiskOwner>& owner)
+    : m_NamespaceId(owner ? owner->m_NamespaceId : 0), m_Node(openOwner(owner))
+{}
+
+std::uint32_t Platform::CDisk::IdentifyController(NVME_IDENTIFY_CONTROLLER& controller)
 {
-    return identify(path, CNS_CONTROLLER, controller);
+    return identify(m_Node, CNS_CONTROLLER, 0, controller);
 }
 
-std::uint32_t Platform::identifyNamespace(const std::string& path, NVME_IDENTIFY_NAMESPACE& name_space)
+std::uint32_t Platform::CDisk::IdentifyNamespace(NVME_IDENTIFY_NAMESPACE& name_space)
 {
-    return identify(path, CNS_NAMESPACE, name_space);
+    return identify(m_Node, CNS_NAMESPACE, m_NamespaceId, name_space);
 }
 
-std::uint32_t Platform::smartHealthLog(const std::string& path, NVME_SMART_HEALTH_INFORMATION_LOG& log)
+std::uint32_t Platform::CDisk::SmartHealthLog(NVME_SMART_HEALTH_INFORMATION_LOG& log)
 {
-    return logPage(path, LOG_HEALTH, ELength::exact, log);
+    return logPage(m_Node, LOG_HEALTH, ELength::exact, log);
 }
 
-std::uint32_t Platform::vendorLogPage(const std::string& path, std::uint8_t logIdentifier,
-                                      VendorLogPage& page)
+std::uint32_t Platform::CDisk::VendorLogPage(std::uint8_t logIdentifier, TLXX::VendorLogPage& page)
 {
-    return logPage(path, logIdentifier, ELength::atMost, page);
+    return logPage(m_Node, logIdentifier, ELength::atMost, page);
 }
 
 } // namespace TLXX

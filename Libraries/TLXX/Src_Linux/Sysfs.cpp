@@ -1,54 +1,30 @@
 #include "Attribute.h"
+#include "Folder.h"
 #include "SysfsName.h"
 
 #include <TLXX/Linux/Sysfs.h>
 
 #include <algorithm>
-#include <system_error>
 #include <tuple>
 
 namespace TLXX::Linux {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr std::uint32_t BROADCAST_NAMESPACE = 0xFFFFFFFF;
 
-/** The names of the directories in `folder`, links to directories included. */
-std::vector<std::string> subdirectories(const fs::path& folder)
+std::string driverName(const CFolder& folder, const std::string& transport)
 {
-    std::vector<std::string> names;
-    std::error_code error;
-    // A failed increment leaves the iterator at its end, and a controller that goes away ends its own
-    // listing.
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-        std::error_code ignored;
-        if (entry->is_directory(ignored))
-            names.push_back(entry->path().filename().string());
-    }
-    return names;
-}
-
-/** The name of what a link points to; empty if there is no such link. */
-std::string linkTarget(const fs::path& link)
-{
-    std::error_code error;
-    return fs::read_symlink(link, error).filename().string();
-}
-
-std::string driverName(const fs::path& folder, const std::string& transport)
-{
-    if (std::string driver = linkTarget(folder / "device" / "driver"); !driver.empty())
+    if (std::string driver = linkTarget(folder, "device/driver"); !driver.empty())
         return driver;
     return transport.empty() || transport == "pcie" ? std::string() : "nvme_" + transport;
 }
 
-/** A namespace's identifier: the number in its name counts nodes, which need not be the same. */
-std::uint32_t namespaceIdentifier(const fs::path& folder, const CNamespaceName& name)
+/** A namespace's identifier; none if the kernel does not say. */
+std::optional<std::uint32_t> namespaceIdentifier(const CFolder& controller, const std::string& node)
 {
-    const auto identifier = decimal(readAttribute(folder / "nsid"));
+    const auto identifier = decimal(readAttribute((node + "/nsid").c_str(), controller.Get()));
     const bool usable = identifier && *identifier != 0 && *identifier != BROADCAST_NAMESPACE;
-    return usable ? *identifier : name.m_Number;
+    return usable ? identifier : std::nullopt;
 }
 
 /**
@@ -62,13 +38,16 @@ std::string devicePath(const CController& controller, const std::string& node, c
     return "/dev/" + node;
 }
 
-void findNamespace(const fs::path& folder, CController& controller)
+void findNamespace(CFolder& folder, CController& controller)
 {
-    for (const std::string& node : subdirectories(folder)) {
-        const auto name = namespaceName(node);
-        if (!name || (name->m_Path && *name->m_Path != controller.m_Instance))
+    while (const dirent* const entry = folder.Next()) {
+        const auto name = namespaceName(entry->d_name);
+        if (!name || (name->m_Path && *name->m_Path != controller.m_Instance) || !folder.IsDirectory(*entry))
             continue;
-        const std::uint32_t identifier = namespaceIdentifier(folder / node, *name);
+        const std::string node = entry->d_name;
+        const auto told = namespaceIdentifier(folder, node);
+        // The number in its name counts nodes, and need not be the same.
+        const std::uint32_t identifier = told.value_or(name->m_Number);
         std::string path = devicePath(controller, node, *name);
         const bool first = controller.m_DeviceName.empty();
         if (first ||
@@ -76,19 +55,24 @@ void findNamespace(const fs::path& folder, CController& controller)
             controller.m_NamespaceId = identifier;
             controller.m_DeviceName = std::move(path);
         }
+        if (!told)
+            controller.m_Whole = false;
     }
 }
 
-CController readController(const fs::path& folder, const std::string& name, std::uint32_t instance)
+CController readController(CFolder& folder, const std::string& name, std::uint32_t instance)
 {
     CController controller;
     controller.m_Instance = instance;
     controller.m_Name = name;
-    controller.m_Transport = readAttribute(folder / "transport");
-    controller.m_State = readAttribute(folder / "state");
+    controller.m_Transport = readAttribute("transport", folder.Get());
+    controller.m_State = readAttribute("state", folder.Get());
     controller.m_Driver = driverName(folder, controller.m_Transport);
-    if (controller.m_Transport == "pcie")
-        controller.m_Location = CPciLocation::Parse(readAttribute(folder / "address"));
+    const bool isPcie = controller.m_Transport == "pcie";
+    if (isPcie)
+        controller.m_Location = CPciLocation::Parse(readAttribute("address", folder.Get()));
+    controller.m_Whole =
+        !controller.m_Transport.empty() && !controller.m_Driver.empty() && (!isPcie || controller.m_Location);
     findNamespace(folder, controller);
     return controller;
 }
@@ -97,11 +81,15 @@ CController readController(const fs::path& folder, const std::string& name, std:
 
 std::vector<CController> listControllers(const std::filesystem::path& root)
 {
-    const fs::path classFolder = root / "class" / "nvme";
     std::vector<CController> controllers;
-    for (const std::string& name : subdirectories(classFolder)) {
-        if (const auto instance = controllerInstance(name))
-            controllers.push_back(readController(classFolder / name, name, *instance));
+    CFolder classFolder((root / "class" / "nvme").c_str());
+    while (const dirent* const entry = classFolder.Next()) {
+        const auto instance = controllerInstance(entry->d_name);
+        if (!instance)
+            continue;
+        CFolder folder(entry->d_name, classFolder.Get());
+        if (folder.IsOpen())
+            controllers.push_back(readController(folder, entry->d_name, *instance));
     }
     std::sort(controllers.begin(), controllers.end(), [](const CController& left, const CController& right) {
         return left.m_Instance < right.m_Instance;

@@ -1,6 +1,5 @@
-#include "DeviceFile.h"
+#include "Disk.h"
 #include "NvmeStatus.h"
-#include "Platform.h"
 
 #include <TLX/Thread.h>
 
@@ -72,7 +71,7 @@ std::uint32_t locate(const STORAGE_PROTOCOL_DATA_DESCRIPTOR& answer, std::uint32
 }
 
 template<typename Block>
-std::uint32_t read(const std::string& path, STORAGE_PROPERTY_ID property, std::uint32_t dataType,
+std::uint32_t read(const Win::CDeviceFile& device, STORAGE_PROPERTY_ID property, std::uint32_t dataType,
                    std::uint32_t request, Block& target)
 {
     static_assert(std::is_trivially_copyable_v<Block>);
@@ -81,7 +80,6 @@ std::uint32_t read(const std::string& path, STORAGE_PROPERTY_ID property, std::u
     static_assert(offsetof(CQuestion<Block>, m_Block) == sizeof(STORAGE_PROTOCOL_DATA_DESCRIPTOR));
     static_assert(sizeof(CQuestion<Block>) == sizeof(STORAGE_PROTOCOL_DATA_DESCRIPTOR) + sizeof(Block));
 
-    const Win::CDeviceFile device(path, GENERIC_READ);
     if (device.Status() != STATUS_SUCCESS)
         return device.Status();
 
@@ -112,26 +110,28 @@ std::uint32_t read(const std::string& path, STORAGE_PROPERTY_ID property, std::u
 
 } // namespace
 
-std::uint32_t Platform::identifyController(const std::string& path, NVME_IDENTIFY_CONTROLLER& controller)
+Platform::CDisk::CDisk(const std::string& path) : m_Device(path, GENERIC_READ) {}
+
+std::uint32_t Platform::CDisk::IdentifyController(NVME_IDENTIFY_CONTROLLER& controller)
 {
-    return read(path, StorageAdapterProtocolSpecificProperty, NVMeDataTypeIdentify, CNS_CONTROLLER,
+    return read(m_Device, StorageAdapterProtocolSpecificProperty, NVMeDataTypeIdentify, CNS_CONTROLLER,
                 controller);
 }
 
-std::uint32_t Platform::identifyNamespace(const std::string& path, NVME_IDENTIFY_NAMESPACE& name_space)
+std::uint32_t Platform::CDisk::IdentifyNamespace(NVME_IDENTIFY_NAMESPACE& name_space)
 {
-    return read(path, StorageDeviceProtocolSpecificProperty, NVMeDataTypeIdentify, CNS_NAMESPACE, name_space);
+    return read(m_Device, StorageDeviceProtocolSpecificProperty, NVMeDataTypeIdentify, CNS_NAMESPACE,
+                name_space);
 }
 
-std::uint32_t Platform::smartHealthLog(const std::string& path, NVME_SMART_HEALTH_INFORMATION_LOG& log)
+std::uint32_t Platform::CDisk::SmartHealthLog(NVME_SMART_HEALTH_INFORMATION_LOG& log)
 {
-    return read(path, StorageAdapterProtocolSpecificProperty, NVMeDataTypeLogPage, LOG_HEALTH, log);
+    return read(m_Device, StorageAdapterProtocolSpecificProperty, NVMeDataTypeLogPage, LOG_HEALTH, log);
 }
 
-std::uint32_t Platform::vendorLogPage(const std::string& path, std::uint8_t logIdentifier,
-                                      VendorLogPage& page)
+std::uint32_t Platform::CDisk::VendorLogPage(std::uint8_t logIdentifier, TLXX::VendorLogPage& page)
 {
-    return read(path, StorageAdapterProtocolSpecificProperty, NVMeDataTypeLogPage, logIdentifier, page);
+    return read(m_Device, StorageAdapterProtocolSpecificProperty, NVMeDataTypeLogPage, logIdentifier, page);
 }
 
 } // namespace TLXX

@@ -53,16 +53,4 @@ TEST(InitFailure, OfAnEventLeavesItUnusableUntilTheSystemAgrees)
     EXPECT_EQ(event.Wait(), WaitResult::Taken);
 }
 
-TEST(InitFailure, OfTheOtherKindKeepsTheFormerEvent)
-{
-    CEvent event;
-    ASSERT_EQ(event.Init(true, false), WaitResult::Taken);
-    {
-        const CImportPatch refusal(L"TLX.dll", "CreateEventW", noEvent);
-        EXPECT_EQ(event.Init(false, true), WaitResult::Failed);
-    }
-    EXPECT_EQ(event.Wait(0), WaitResult::Taken);
-    EXPECT_EQ(event.Wait(0), WaitResult::TimedOut);
-}
-
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <bit>
 #include <cerrno>
@@ -88,6 +89,7 @@ int CScriptedKernel::Open(const std::string& node, int flags)
         return fail(found->second);
     const int descriptor = realOpen("/dev/null", O_RDONLY | O_CLOEXEC, 0);
     m_Opened[descriptor] = node;
+    ++m_Openings;
     return descriptor;
 }
 
@@ -95,6 +97,20 @@ bool CScriptedKernel::Owns(int descriptor)
 {
     const std::scoped_lock guard(m_Lock);
     return m_Opened.contains(descriptor);
+}
+
+int CScriptedKernel::Openings()
+{
+    const std::scoped_lock guard(m_Lock);
+    return m_Openings;
+}
+
+int CScriptedKernel::StillOpen()
+{
+    const std::scoped_lock guard(m_Lock);
+    return static_cast<int>(std::count_if(m_Opened.begin(), m_Opened.end(), [](const auto& opened) {
+        return ::fcntl(opened.first, F_GETFD) != -1;
+    }));
 }
 
 int CScriptedKernel::Control(int descriptor, unsigned long request, void* argument)

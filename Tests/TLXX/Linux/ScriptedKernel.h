@@ -50,6 +50,10 @@ public:
     /** -1 with errno set, or a descriptor. */
     int Open(const std::string& node, int flags);
     bool Owns(int descriptor);
+    /** How often a node was opened so far. */
+    int Openings();
+    /** How many of the opened nodes are open now. */
+    int StillOpen();
     /** Whether the last command could have been broken off by a cancellation at any instruction. */
     bool WasInterruptible() const { return m_Interruptible; }
     int Control(int descriptor, unsigned long request, void* argument);
@@ -65,6 +69,7 @@ private:
     std::mutex m_Lock;
     std::map<std::string, int> m_Nodes; ///< and the error that opening gives
     std::map<int, std::string> m_Opened;
+    int m_Openings = 0;
     std::deque<CStep> m_Script;
 };
 

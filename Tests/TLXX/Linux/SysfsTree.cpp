@@ -1,5 +1,7 @@
 #include "SysfsTree.h"
 
+#include "Support/SourceTree.h"
+
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
@@ -8,7 +10,7 @@ namespace TLXXTest {
 
 std::filesystem::path recordedSysfs(const std::string& name)
 {
-    std::filesystem::path root = std::filesystem::path(OSTREL_TEST_DATA) / "Sysfs" / name;
+    std::filesystem::path root = TestSupport::sourceTree("Tests/Data/Sysfs") / name;
     if (!std::filesystem::is_directory(root))
         throw std::runtime_error("no recorded tree at " + root.string());
     return root;

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace PI {
@@ -24,6 +25,11 @@ struct CNVMeLifeTimeData
  * with it). A table stays valid for good, also after another folder is set. Safe from any thread.
  */
 PI_EXPORT const std::vector<CNVMeLifeTimeData>& GetLifeTimeDataNVMe();
+
+/** The first family in `table` that `model` belongs to: its text, as far as it counts, stands in it. Null
+ * when there is none. */
+PI_EXPORT const CNVMeLifeTimeData* findLifeTimeData(const std::vector<CNVMeLifeTimeData>& table,
+                                                    std::string_view model);
 
 /** Sets the folder that holds "Endurance.txt". The host calls it before it loads plug-ins. */
 PI_EXPORT void SetLifeTimeFolder(std::filesystem::path folder);

@@ -33,9 +33,10 @@ public:
     /** Waits at most `timeout` milliseconds. Returns `Taken`, `TimedOut` or `Failed`. */
     [[nodiscard]] std::uint32_t Wait(std::uint32_t timeout = NO_TIME_LIMIT);
 
-private:
-    friend class CWaiter;
+    /** What it is to the system; known to this library alone. */
     struct Native;
+
+private:
     std::unique_ptr<Native> m_Native;
 };
 

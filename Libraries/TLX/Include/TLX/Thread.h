@@ -24,9 +24,10 @@ public:
     [[nodiscard]] std::uint32_t Wait(std::uint32_t timeout = NO_TIME_LIMIT);
 
     /**
-     * Ends the thread by force, and does not wait for it. The thread is pulled out of its present or its next
-     * call of `interruptibly`, nowhere else, and unwinds from there; who catches everything on the way has to
-     * pass `abi::__forced_unwind` on.
+     * Ends the thread by force; it may run on for a while after this returns. The thread is pulled out of its
+     * present or its next call of `interruptibly`, nowhere else, and unwinds from there; who catches
+     * everything on the way has to pass `CForcedEnd` on. Windows cancels what the call waits for, and strikes
+     * the thread down where it is, without unwinding, when the call has not come back a second later.
      */
     void Cancel();
 

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <utility>
 #include <vector>
 
 namespace TLX::Threading {
@@ -15,6 +16,7 @@ class TLX_EXPORT CWaiter
 {
 public:
     CWaiter(std::initializer_list<CEvent*> events) : m_Events(events) {}
+    explicit CWaiter(std::vector<CEvent*> events) : m_Events(std::move(events)) {}
 
     /**
      * Sleeps until one of the events has fired or `interval` has run out. Returns the position of the first

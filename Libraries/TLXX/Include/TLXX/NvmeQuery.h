@@ -4,6 +4,7 @@
 #include <TLXX/NvmeStructures.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -33,6 +34,25 @@ enum class EQuery : std::uint8_t
     IdentifyNamespace,
     SmartHealthLog,
     VendorLog, ///< whatever its log identifier
+};
+
+/**
+ * While it lives, the queries of `path` that this thread makes share one opening of the disk: the first of
+ * them opens it; when that fails, the next one tries again. Without a session every query opens the disk.
+ * Sessions of one thread nest like the scopes that they stand in; the innermost counts.
+ */
+class TLXX_EXPORT CQuerySession
+{
+public:
+    explicit CQuerySession(std::string path);
+    ~CQuerySession();
+    CQuerySession(const CQuerySession&) = delete;
+    CQuerySession& operator=(const CQuerySession&) = delete;
+
+    struct Native; ///< the platform's, known to the queries above
+
+private:
+    std::unique_ptr<Native> m_Native;
 };
 
 /** The status of the last query of this kind of `path`; none when there was none. */

@@ -25,9 +25,16 @@ struct CController
     /** The namespace with the lowest identifier: path of its disk and identifier. Empty and 0: none. */
     std::string m_DeviceName;
     std::uint32_t m_NamespaceId = 0;
+
+    /** Whether nothing was missing that the kernel tells of every controller, as it is while one comes or
+     * goes. */
+    bool m_Whole = false;
 };
 
-/** The controllers below `root` (normally "/sys") in the order of their instance numbers. Never throws. */
+/**
+ * The controllers below `root` (normally "/sys") in the order of their instance numbers. Throws
+ * `std::runtime_error` when descriptors or memory run out, so that no controller passes for missing.
+ */
 TLXX_EXPORT std::vector<CController> listControllers(const std::filesystem::path& root);
 
 /** The sysfs that this process reads; "/sys" unless it was set. Recorded trees are read through this. */
@@ -37,7 +44,7 @@ TLXX_EXPORT void setSysfsRoot(std::filesystem::path root);
 /**
  * The disks of this machine: PCI Express controllers that have a namespace, one disk each, in order.
  * Remembers which controller and namespace each path belongs to, and the locations in order, for queries and
- * lookups.
+ * lookups. Throws as `listControllers` does.
  */
 TLXX_EXPORT std::vector<CDeviceEntry> enumerateDevices();
 

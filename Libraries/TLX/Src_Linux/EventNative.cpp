@@ -1,13 +1,13 @@
 #include "EventNative.h"
 
 #include <TLX/Clock.h>
-#include <TLX/Waiter.h>
 
 #include <cerrno>
 #include <memory>
 #include <vector>
 
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <time.h>
 
 namespace TLX::Threading {
@@ -24,6 +24,20 @@ timespec remainingTime(const CWaitInterval& interval)
 }
 
 } // namespace
+
+CEvent::Native::Native() noexcept : m_Descriptor(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
+
+void CEvent::Native::Signal()
+{
+    // Fails only when the counter is full, and then the event is signalled anyway.
+    (void)eventfd_write(m_Descriptor.Get(), 1);
+}
+
+bool CEvent::Native::Clear()
+{
+    eventfd_t signals = 0;
+    return eventfd_read(m_Descriptor.Get(), &signals) == 0;
+}
 
 std::uint32_t CEvent::Native::WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval)
 {
@@ -58,11 +72,6 @@ std::uint32_t CEvent::Native::WaitForAny(std::span<CEvent* const> events, const 
         if (ready == 0 || (alarm && entries.back().revents != 0))
             return WaitResult::TimedOut;
     }
-}
-
-std::uint32_t CWaiter::Wait(const CWaitInterval& interval)
-{
-    return CEvent::Native::WaitForAny(m_Events, &interval);
 }
 
 } // namespace TLX::Threading

@@ -1,11 +1,12 @@
-#include "ChildProcess.h"
 #include "Database/DatabaseFixture.h"
 #include "Support/VirtualClock.h"
 
 #include <sqlite3.h>
 
+#include <filesystem>
 #include <numeric>
 #include <optional>
+#include <string>
 
 using namespace TestSupport;
 using testing::ElementsAre;
@@ -13,27 +14,39 @@ using testing::HasSubstr;
 
 namespace {
 
-/** Another process that holds the file's lock, on a clock of the test's own. */
+/** A connection of somebody else's to the same file. Ends, and gives its locks back, when it goes. */
+class CStranger
+{
+public:
+    explicit CStranger(const std::filesystem::path& file)
+    {
+        EXPECT_EQ(sqlite3_open(file.string().c_str(), &m_Connection), SQLITE_OK);
+    }
+    ~CStranger() { sqlite3_close(m_Connection); }
+    CStranger(const CStranger&) = delete;
+    CStranger& operator=(const CStranger&) = delete;
+
+    void Run(const std::string& sql)
+    {
+        EXPECT_EQ(sqlite3_exec(m_Connection, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+            << sqlite3_errmsg(m_Connection);
+    }
+
+private:
+    sqlite3* m_Connection = nullptr;
+};
+
+/** Somebody else holds the file's lock, on a clock of the test's own. */
 class Busy : public DatabaseFixture
 {
 protected:
-    /** Returns when the other process has the lock. `settings` are run before it takes it. */
+    ~Busy() override { Unlock(); }
+
+    /** `settings` are run before the lock is taken. */
     void LockElsewhere(const std::string& settings = "")
     {
-        m_Holder.emplace([file = File().string(), settings](const CPipe& output, const CPipe& input) {
-            sqlite3* connection = nullptr;
-            const std::string lock = settings + "BEGIN EXCLUSIVE; CREATE TABLE IF NOT EXISTS Other (X);";
-            if (sqlite3_open(file.c_str(), &connection) == SQLITE_OK &&
-                sqlite3_exec(connection, lock.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK)
-                output.Write("L");
-            else
-                output.Write("-");
-            char byte = 0;
-            input.ReadByte(byte);
-        });
-        char state = 0;
-        ASSERT_TRUE(m_Holder->Output().ReadByte(state));
-        ASSERT_EQ(state, 'L');
+        m_Holder.emplace(File());
+        m_Holder->Run(settings + "BEGIN EXCLUSIVE; CREATE TABLE IF NOT EXISTS Other (X);");
     }
 
     void Unlock() { m_Holder.reset(); }
@@ -50,7 +63,7 @@ protected:
     }
 
     CVirtualClock m_Clock;
-    std::optional<CChildProcess> m_Holder;
+    std::optional<CStranger> m_Holder;
 };
 
 } // namespace

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+namespace TestSupport {
+
+/** A pipe to which nobody else writes: who reads from it is stuck, as in a drive that no longer answers. */
+class CSilentPipe
+{
+public:
+    CSilentPipe();
+    ~CSilentPipe();
+    CSilentPipe(const CSilentPipe&) = delete;
+    CSilentPipe& operator=(const CSilentPipe&) = delete;
+
+    /** Waits for a byte; returns whether one came. */
+    bool ReadByte() const;
+    /** The same as a call that can be broken off. */
+    bool ReadInterruptibly() const;
+    void WriteByte() const;
+
+private:
+    std::intptr_t m_Reader;
+    std::intptr_t m_Writer;
+};
+
+} // namespace TestSupport

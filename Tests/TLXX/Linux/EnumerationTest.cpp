@@ -1,0 +1,159 @@
+#include "ScriptedKernel.h"
+#include "SysfsTree.h"
+
+#include <TLXX/ConfigManager.h>
+#include <TLXX/NvmeQuery.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+#include <dlfcn.h>
+#include <linux/magic.h>
+#include <sys/vfs.h>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+bool g_EverythingIsSysfs = false;
+
+std::vector<std::string> enumerated()
+{
+    std::vector<std::string> names;
+    for (const TLXX::CDeviceEntry& entry : TLXX::Linux::enumerateDevices())
+        names.push_back(entry.m_DeviceName);
+    return names;
+}
+
+std::int32_t busOfTheFirst()
+{
+    TLXX::CPciLocation location;
+    EXPECT_TRUE(TLXX::CConfigManager::GetLocation({}, 1, location.m_Segment, location.m_Bus,
+                                                  location.m_Device, location.m_Function));
+    return location.m_Bus;
+}
+
+/** A tree that passes for the kernel's own. What an unchanged list of names lets stand shows by the location.
+ */
+class EnumerationTest : public testing::Test
+{
+protected:
+    EnumerationTest()
+    {
+        g_EverythingIsSysfs = true;
+        Controller(0, "0000:01:00.0");
+    }
+    ~EnumerationTest() override { g_EverythingIsSysfs = false; }
+
+    void Controller(std::uint32_t instance, const std::string& address)
+    {
+        const std::string name = "nvme" + std::to_string(instance);
+        m_Tree.Controller(instance, address);
+        std::filesystem::create_directories(m_Tree.Root() / "class/nvme" / name / "device");
+        std::filesystem::create_symlink("../../nvme", m_Tree.Root() / "class/nvme" / name / "device/driver");
+        std::filesystem::create_directories(m_Tree.Root() / "class/block" / (name + "n1"));
+    }
+
+    void MoveTheFirst() const { m_Tree.Attribute("nvme0/address", "0000:02:00.0"); }
+
+    TLXXTest::CTemporarySysfs m_Tree;
+    TLXXTest::CSysfsScope m_Scope{m_Tree.Root()};
+};
+
+TEST_F(EnumerationTest, ReadsNothingAnewWhileAllNamesAreTheSame)
+{
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
+    MoveTheFirst();
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
+    EXPECT_EQ(busOfTheFirst(), 1);
+}
+
+TEST_F(EnumerationTest, ReadsEverythingAnewWhereNodesHaveNoNumbersOfTheirOwn)
+{
+    g_EverythingIsSysfs = false;
+    (void)enumerated();
+    MoveTheFirst();
+    (void)enumerated();
+    EXPECT_EQ(busOfTheFirst(), 2);
+}
+
+TEST_F(EnumerationTest, SeesAControllerThatComesAndGoes)
+{
+    (void)enumerated();
+    Controller(1, "0000:03:00.0");
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1", "/dev/nvme1n1"));
+    m_Tree.Remove(1);
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
+}
+
+TEST_F(EnumerationTest, SeesADiskThatComesLaterThanItsController)
+{
+    m_Tree.Attribute("nvme1/transport", "pcie");
+    m_Tree.Attribute("nvme1/address", "0000:03:00.0");
+    std::filesystem::create_directories(m_Tree.Root() / "class/nvme/nvme1/device");
+    std::filesystem::create_symlink("../../nvme", m_Tree.Root() / "class/nvme/nvme1/device/driver");
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
+    m_Tree.Attribute("nvme1/nvme1n1/nsid", "1");
+    std::filesystem::create_directories(m_Tree.Root() / "class/block/nvme1n1");
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1", "/dev/nvme1n1"));
+}
+
+TEST_F(EnumerationTest, DoesNotRelyOnAControllerThatIsHalfThere)
+{
+    std::filesystem::remove(m_Tree.Root() / "class/nvme/nvme0/transport");
+    EXPECT_THAT(enumerated(), IsEmpty());
+    m_Tree.Attribute("nvme0/transport", "pcie");
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
+}
+
+TEST_F(EnumerationTest, DoesNotRelyOnANamespaceWithoutItsIdentifier)
+{
+    std::filesystem::remove(m_Tree.Root() / "class/nvme/nvme0/nvme0n1/nsid");
+    (void)enumerated();
+    MoveTheFirst();
+    (void)enumerated();
+    EXPECT_EQ(busOfTheFirst(), 2);
+}
+
+TEST_F(EnumerationTest, DoesNotRelyOnADiskThatTheKernelIsTakingAway)
+{
+    std::filesystem::remove(m_Tree.Root() / "class/block/nvme0n1");
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
+    std::filesystem::remove_all(m_Tree.Root() / "class/nvme/nvme0/nvme0n1");
+    EXPECT_THAT(enumerated(), IsEmpty());
+}
+
+TEST_F(EnumerationTest, LooksAnewAfterADiskDidNotIdentifyItself)
+{
+    const TLXXTest::CScriptedKernel kernel;
+    (void)enumerated();
+    MoveTheFirst();
+    TLXX::NVME_IDENTIFY_CONTROLLER controller{};
+    EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyController("/dev/nvme0n1", controller),
+              static_cast<std::uint32_t>(ENOENT));
+    (void)enumerated();
+    EXPECT_EQ(busOfTheFirst(), 2);
+}
+
+TEST_F(EnumerationTest, ForgetsTheNamesOfAnotherTree)
+{
+    (void)enumerated();
+    const TLXXTest::CTemporarySysfs other;
+    const TLXXTest::CSysfsScope scope(other.Root());
+    EXPECT_THAT(enumerated(), IsEmpty());
+}
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) int fstatfs(int descriptor, struct statfs* status) noexcept
+{
+    using Function = int (*)(int, struct statfs*);
+    static const auto real = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "fstatfs"));
+    const int result = real(descriptor, status);
+    if (result == 0 && g_EverythingIsSysfs)
+        status->f_type = SYSFS_MAGIC;
+    return result;
+}
