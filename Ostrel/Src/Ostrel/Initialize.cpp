@@ -3,9 +3,11 @@
 
 #include <PI/ErrorCode.h>
 #include <TLX/Clock.h>
+#include <TLXX/NvmeQuery.h>
 
 #include <functional>
 #include <iterator>
+#include <stdexcept>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -69,8 +71,19 @@ void IPLUGINAPI_IMPL::IdentifyDevices()
 
     // A block that did not come stays zero, and the scan takes it for unknown.
     for (NVMeDevice& device : m_NVMeDevices) {
+        const TLXX::CQuerySession session(device.deviceName);
         (void)device.queryIdentifyNamespace();
         (void)device.querySmartHealthLog();
+    }
+}
+
+bool IPLUGINAPI_IMPL::FindDevices()
+{
+    try {
+        return m_NVMeDevices.scan();
+    } catch (const std::runtime_error& error) {
+        OSTREL_TRACE(TRACE_FLOW) << "Initialize() NVMe devices scan(): %s" << error.what();
+        return false;
     }
 }
 
@@ -83,7 +96,7 @@ std::uint32_t IPLUGINAPI_IMPL::Initialize(std::vector<PI::CAdapterID>& adapterID
         return PI::ERR_LOCK_INITIALIZATION_FAILED;
     }
 
-    if (!m_NVMeDevices.scan()) {
+    if (!FindDevices()) {
         printAdapterCount(0);
         OSTREL_TRACE(TRACE_FLOW)
             << "LEAVE Initialize() NVMe devices scan() -> PI::ERR_NO_SUPPORTED_HARDWARE %d"

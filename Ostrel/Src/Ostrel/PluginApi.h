@@ -2,7 +2,7 @@
 
 #include "Ostrel/Changes.h"
 #include "Ostrel/NVMeDevices.h"
-#include "Ostrel/SerialIndex.h"
+#include "Ostrel/ScanContext.h"
 #include "Ostrel/Trace.h"
 #include "OstrelAdapter/Record.h"
 #include "OstrelPhysicalDrive/Record.h"
@@ -44,9 +44,6 @@ public:
     std::uint32_t Request(std::int32_t request, std::uint64_t objectID, PI::CRequestData& data) override;
 
 protected:
-    using PublishedAdapters = CSerialIndex<const CNVMeAdapter>;
-    using PublishedDrives = CSerialIndex<const CNVMePhysicalDrive>;
-
     // Requests.
     std::uint32_t Initialize(std::vector<PI::CAdapterID>& adapterIDs);
     /** Takes over the host's identities and names the adapters by them; the first time it starts the worker.
@@ -81,15 +78,14 @@ protected:
     /** Hands all pending events over; they are pending no more. */
     std::uint32_t GetEvents(CNVMePlugin& plugin, PI::COperation& operation) TLX_REQUIRES(m_DataLock);
 
-    // Scanning. Callers hold m_DataLock, or are alone with the object. `published` is what the records take
-    // their identifiers from; null when there is nothing published yet.
+    // Scanning. Callers hold m_DataLock, or are alone with the object.
     std::uint32_t ScanSystem(std::vector<CNVMeAdapter>& adapters,
                              std::vector<CNVMePhysicalDrive>& physicalDrives, bool initial)
         TLX_REQUIRES(m_DataLock);
     std::uint32_t ScanAdpater(CNVMeAdapter& adapter, std::uint32_t deviceIndex, const NVMeDevice& device,
-                              const PublishedAdapters* published) TLX_REQUIRES(m_DataLock);
+                              CScanContext& context) TLX_REQUIRES(m_DataLock);
     std::uint32_t ScanPhysicalDrive(CNVMePhysicalDrive& drive, const NVMeDevice& device,
-                                    const CNVMeAdapter& adapter, const PublishedDrives* published)
+                                    const CNVMeAdapter& adapter, const CScanContext& context)
         TLX_REQUIRES(m_DataLock);
 
     // Properties. `propertyId` is one property's or `PI::ALL_PROPERTIES`. Callers hold m_DataLock.
@@ -149,6 +145,8 @@ private:
     void LoadSettings();
     /** Makes the locks and events ready, up to the first that fails. */
     std::optional<CLockFailure> InitializeLocks();
+    /** Whether there are devices; there are none either where it was not possible to look. */
+    bool FindDevices();
     /** Asks every device what it is; those that do not say even when asked again are dropped. */
     void IdentifyDevices();
     std::uint64_t NextObjectID();
@@ -167,6 +165,7 @@ private:
     void AddEvents(const std::vector<PI::CEvent>& events);
     /** Writes what changed to the database, once it is published. */
     void Persist(const CChanges& changes) TLX_REQUIRES(m_DataLock);
+    void DeleteRemoved(const CChanges& changes) TLX_REQUIRES(m_DataLock);
 
     // Objects by identifier. The plug-in's own comes first, then the adapters, then the drives.
     bool IsPlugin(std::uint64_t objectID) const TLX_REQUIRES(m_DataLock);

@@ -10,7 +10,6 @@
 
 #include <PI/ErrorCode.h>
 #include <TLXX/ConfigManager.h>
-#include <TLXX/System.h>
 
 #include <string>
 
@@ -22,7 +21,7 @@ constexpr std::uint8_t INTEL_LEGACY_SMART_LOG_PAGE = 0xCA;
 
 constexpr int FREEZING_POINT = 273; // in kelvin
 
-void takeDescription(CNVMeAdapter& adapter, const NVMeDevice& device)
+void takeDescription(CNVMeAdapter& adapter, const NVMeDevice& device, const std::string& driverVersion)
 {
     adapter.m_DeviceName = device.deviceName;
     std::erase(adapter.m_DeviceName, '\\');
@@ -31,7 +30,7 @@ void takeDescription(CNVMeAdapter& adapter, const NVMeDevice& device)
     adapter.m_ModelName = adapter.m_Model;
     adapter.m_SerialNumber = device.identifyController.sSerialNumber();
     adapter.m_Driver = device.driver;
-    adapter.m_DriverVersion = TLXX::CSystem::GetModuleVersion(device.driver);
+    adapter.m_DriverVersion = driverVersion;
     adapter.m_FirmwareRevision = device.identifyController.sFirmwareRevision();
 }
 
@@ -68,19 +67,19 @@ std::int32_t globalAdapterNumber(const CNVMeAdapter& adapter)
 } // namespace
 
 std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t deviceIndex,
-                                           const NVMeDevice& device, const PublishedAdapters* published)
+                                           const NVMeDevice& device, CScanContext& context)
 {
     adapter.m_Type = PI::TYPE_ADAPTER;
     adapter.m_DeviceIndex = deviceIndex;
-    takeDescription(adapter, device);
+    takeDescription(adapter, device, context.DriverVersion(device.driver));
     const bool isIntel = equalIgnoringCase(adapter.m_Vendor, "INTEL");
     if (isIntel)
         adapter.m_VendorTag = device.identifyController.sVendorTag();
 
-    if (published == nullptr || !carryIdentity(adapter, *published))
+    if (!context.m_PublishedAdapters || !carryIdentity(adapter, *context.m_PublishedAdapters))
         adapter.m_ID = NextObjectID();
     locate(adapter);
-    if (findIdentity(m_AdapterIDs, adapter) != nullptr)
+    if (context.m_Identities.Find(adapter) != nullptr)
         adapter.m_Name = adapterDisplayName(adapter.m_Vendor, adapter.m_SerialNumber);
     adapter.m_GlobalAdapterNumber = globalAdapterNumber(adapter);
 
@@ -130,7 +129,7 @@ std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t 
     OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, PowerOnHours = %d" << adapter.m_PowerOnHours;
     OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, ReserveSpace = %d" << adapter.m_ReserveSpace;
     OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, WarningThreshold = %d" << adapter.m_WarningThreshold;
-    adapter.m_LifetimeRating = lifetimeRating(PI::GetLifeTimeDataNVMe(), adapter.m_Model);
+    adapter.m_LifetimeRating = context.LifetimeRating(adapter.m_Model);
     adapter.m_EndOfLifeDate = endOfLifeDate(adapter);
     return PI::ERR_SUCCESS;
 }

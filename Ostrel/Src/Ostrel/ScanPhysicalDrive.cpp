@@ -28,8 +28,7 @@ std::string intelProductName(const std::string& model, const TLXX::VendorLogPage
 } // namespace
 
 std::uint32_t IPLUGINAPI_IMPL::ScanPhysicalDrive(CNVMePhysicalDrive& drive, const NVMeDevice& device,
-                                                 const CNVMeAdapter& adapter,
-                                                 const PublishedDrives* published)
+                                                 const CNVMeAdapter& adapter, const CScanContext& context)
 {
     drive.m_Type = PI::TYPE_PHYSICAL_DRIVE;
     drive.m_DeviceIndex = adapter.m_DeviceIndex;
@@ -58,13 +57,13 @@ std::uint32_t IPLUGINAPI_IMPL::ScanPhysicalDrive(CNVMePhysicalDrive& drive, cons
         drive.m_ProductName = intelProductName(drive.m_Model, page);
     }
 
-    if (published == nullptr || !carryIdentity(drive, *published)) {
+    if (!context.m_PublishedDrives || !carryIdentity(drive, *context.m_PublishedDrives)) {
         drive.m_ID = NextObjectID();
-        if (published != nullptr) {
+        if (context.m_PublishedDrives) {
             OSTREL_TRACE(TRACE_FLOW) << "The drive is not found yet!";
         }
     }
-    drive.m_Location = driveLocation(adapter);
+    drive.m_Location = driveLocation(adapter.m_Location);
     return PI::ERR_SUCCESS;
 }
 

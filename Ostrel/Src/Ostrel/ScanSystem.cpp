@@ -3,9 +3,9 @@
 #include "Ostrel/Vendor.h"
 
 #include <PI/ErrorCode.h>
+#include <TLXX/NvmeQuery.h>
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,9 +18,10 @@ namespace {
 bool isExcluded(const NVMeDevice& device)
 {
     constexpr std::size_t MAKER = 6;
+    if (device.identifyController.VID != PCI_VENDOR_INTEL)
+        return false;
     const std::string model = device.identifyController.sModelNumber();
-    return device.identifyController.VID == PCI_VENDOR_INTEL && model.size() > MAKER &&
-           std::string_view(model).substr(MAKER).starts_with("SSDPF21Q");
+    return model.size() > MAKER && std::string_view(model).substr(MAKER).starts_with("SSDPF21Q");
 }
 
 } // namespace
@@ -33,22 +34,24 @@ std::uint32_t IPLUGINAPI_IMPL::ScanSystem(std::vector<CNVMeAdapter>& adapters,
     adapters.clear();
     physicalDrives.clear();
     std::erase_if(m_NVMeDevices, isExcluded);
-    std::optional<PublishedAdapters> publishedAdapters;
-    std::optional<PublishedDrives> publishedDrives;
+    adapters.reserve(m_NVMeDevices.size());
+    physicalDrives.reserve(m_NVMeDevices.size());
+    CScanContext context(m_AdapterIDs);
     if (!initial) {
-        publishedAdapters.emplace(std::as_const(m_Adapters));
-        publishedDrives.emplace(std::as_const(m_PhysicalDrives));
+        context.m_PublishedAdapters.emplace(std::as_const(m_Adapters));
+        context.m_PublishedDrives.emplace(std::as_const(m_PhysicalDrives));
     }
     std::uint32_t deviceIndex = 0;
     for (const NVMeDevice& device : m_NVMeDevices) {
+        const TLXX::CQuerySession session(device.deviceName);
         CNVMeAdapter adapter;
-        ScanAdpater(adapter, deviceIndex++, device, publishedAdapters ? &*publishedAdapters : nullptr);
+        ScanAdpater(adapter, deviceIndex++, device, context);
         CNVMePhysicalDrive drive;
-        ScanPhysicalDrive(drive, device, adapter, publishedDrives ? &*publishedDrives : nullptr);
+        ScanPhysicalDrive(drive, device, adapter, context);
         adapter.m_Children.push_back(drive.m_ID);
         drive.m_Parents.push_back(adapter.m_ID);
-        adapters.push_back(adapter);
-        physicalDrives.push_back(drive);
+        adapters.push_back(std::move(adapter));
+        physicalDrives.push_back(std::move(drive));
     }
     OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, Non-Intel NVMe AdapterCount = %d" << adapters.size();
     return PI::ERR_SUCCESS;

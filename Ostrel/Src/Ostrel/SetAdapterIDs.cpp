@@ -1,4 +1,4 @@
-#include "Ostrel/Location.h"
+#include "Ostrel/IdentityIndex.h"
 #include "Ostrel/PluginApi.h"
 #include "Ostrel/Trace.h"
 #include "Ostrel/Vendor.h"
@@ -17,8 +17,9 @@ std::uint32_t IPLUGINAPI_IMPL::SetAdapterIDs(const std::vector<PI::CAdapterID>& 
         const TLX::Threading::CScopedGuard guard(m_DataLock);
         // Added behind what is there: the identity that came first for a location stays in force.
         m_AdapterIDs.insert(m_AdapterIDs.end(), adapterIDs.begin(), adapterIDs.end());
+        const CIdentityIndex identities(m_AdapterIDs);
         for (CNVMeAdapter& adapter : m_Adapters) {
-            const PI::CAdapterID* const identity = findIdentity(m_AdapterIDs, adapter);
+            const PI::CAdapterID* const identity = identities.Find(adapter);
             if (identity == nullptr)
                 continue;
             adapter.m_Name = adapterDisplayName(adapter.m_Vendor, std::to_string(identity->m_AdapterNumber));

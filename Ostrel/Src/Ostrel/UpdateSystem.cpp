@@ -5,7 +5,11 @@
 #include <PI/ErrorCode.h>
 #include <TLX/Clock.h>
 
-#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace NAMESPACE_Ostrel {
@@ -24,6 +28,22 @@ PI::CEvent adapterEvent(const CNVMeAdapter& adapter, EventCode id, EventSeverity
     return event;
 }
 
+/** The numbers of the adapters that are where they were, or new; `changed` holds records as they were. */
+std::unordered_set<std::int32_t> numbersInPlace(const std::vector<CNVMeAdapter>& adapters,
+                                                const std::vector<CNVMeAdapter>& changed)
+{
+    std::unordered_map<std::string_view, std::int32_t> former;
+    for (const CNVMeAdapter& adapter : changed)
+        former.emplace(adapter.m_SerialNumber, adapter.m_GlobalAdapterNumber);
+    std::unordered_set<std::int32_t> numbers;
+    for (const CNVMeAdapter& adapter : adapters) {
+        const auto found = former.find(adapter.m_SerialNumber);
+        if (found == former.end() || found->second == adapter.m_GlobalAdapterNumber)
+            numbers.insert(adapter.m_GlobalAdapterNumber);
+    }
+    return numbers;
+}
+
 } // namespace
 
 std::uint32_t IPLUGINAPI_IMPL::UpdateSystem(std::vector<CNVMeAdapter>& adapters,
@@ -34,10 +54,11 @@ std::uint32_t IPLUGINAPI_IMPL::UpdateSystem(std::vector<CNVMeAdapter>& adapters,
     const CChanges changes = Compare(adapters, physicalDrives);
     LinkAdapters(adapters);
     // Hosts have always seen the adapters of every scan but the first from the last to the first.
-    std::vector<CNVMeAdapter> reversed(adapters.rbegin(), adapters.rend());
+    std::vector<CNVMeAdapter> reversed(std::make_move_iterator(adapters.rbegin()),
+                                       std::make_move_iterator(adapters.rend()));
     if (!changes.m_Events.empty())
         AddEvents(changes.m_Events);
-    // Nothing fails from here on: an event that was not published with its change would come again, or never.
+    // Neither of these fails: an event that was not published with its change would come again, or never.
     m_Adapters = std::move(reversed);
     m_PhysicalDrives = std::move(physicalDrives);
     Persist(changes);
@@ -92,26 +113,38 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
 
 void IPLUGINAPI_IMPL::Persist(const CChanges& changes)
 {
-    // What a failure of the database leaves behind is traced there, and the next change of the object mends
-    // it.
-    for (const CNVMeAdapter& adapter : changes.m_AddedAdapters)
+    // What a failure of the database leaves behind is traced there. The next change of the object mends a row
+    // that was not updated, unless the object has moved; the next start mends any.
+    std::unordered_set<std::int32_t> taken;
+    for (const CNVMeAdapter& adapter : changes.m_AddedAdapters) {
         (void)InsertObjectToDatabase(adapter);
-    for (const CNVMeAdapter& adapter : changes.m_ChangedAdapters)
-        (void)UpdateObjectInDatabase(adapter);
-    for (const CNVMeAdapter& adapter : changes.m_RemovedAdapters) {
-        // An adapter that took the slot of a removed one has taken its row by the same number.
-        const bool replaced =
-            std::any_of(m_Adapters.begin(), m_Adapters.end(), [&](const CNVMeAdapter& live) {
-                return live.m_GlobalAdapterNumber == adapter.m_GlobalAdapterNumber;
-            });
-        if (!replaced)
-            (void)DeleteObjectFromDatabase(adapter);
+        taken.insert(adapter.m_GlobalAdapterNumber);
     }
+    // A newcomer in the slot of another has replaced its row, for slots have numbers. That row is the
+    // newcomer's, whether the other one was removed or has moved.
+    const auto hasRow = [&taken](const CNVMeAdapter& former) {
+        return !taken.contains(former.m_GlobalAdapterNumber);
+    };
+    for (const CNVMeAdapter& adapter : changes.m_ChangedAdapters)
+        if (hasRow(adapter))
+            (void)UpdateObjectInDatabase(adapter);
+    DeleteRemoved(changes);
     for (const CNVMePhysicalDrive& drive : changes.m_AddedDrives)
         (void)InsertObjectToDatabase(drive);
     for (const CNVMePhysicalDrive& drive : changes.m_ChangedDrives)
         (void)UpdateObjectInDatabase(drive);
     (void)UpdateObjectInDatabase(m_Plugin);
+}
+
+void IPLUGINAPI_IMPL::DeleteRemoved(const CChanges& changes)
+{
+    if (changes.m_RemovedAdapters.empty())
+        return;
+    // Places that differ in their segment alone share a number, and so a row.
+    const auto numbers = numbersInPlace(m_Adapters, changes.m_ChangedAdapters);
+    for (const CNVMeAdapter& adapter : changes.m_RemovedAdapters)
+        if (!numbers.contains(adapter.m_GlobalAdapterNumber))
+            (void)DeleteObjectFromDatabase(adapter);
 }
 
 void IPLUGINAPI_IMPL::LinkAdapters(std::vector<CNVMeAdapter>& adapters)

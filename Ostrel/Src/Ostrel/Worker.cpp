@@ -2,9 +2,9 @@
 #include "Ostrel/Trace.h"
 
 #include <PI/ErrorCode.h>
+#include <TLX/ForcedEnd.h>
 #include <TLX/Waiter.h>
-
-#include <cxxabi.h>
+#include <TLXX/NvmeQuery.h>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -60,7 +60,7 @@ void IPLUGINAPI_IMPL::RunCycle()
             return;
         try {
             result = Refresh();
-        } catch (abi::__forced_unwind&) {
+        } catch (TLX::Threading::CForcedEnd&) {
             throw; // the thread is being ended; the process would be aborted if that stopped here
         } catch (...) {
             result = PI::ERR_GENERAL_FAILURE;
@@ -76,6 +76,7 @@ std::uint32_t IPLUGINAPI_IMPL::Refresh()
 {
     (void)m_NVMeDevices.scan();
     for (NVMeDevice& device : m_NVMeDevices) {
+        const TLXX::CQuerySession session(device.deviceName);
         if (!device.queryIdentifyController()) {
             OSTREL_TRACE(TRACE_LOCK) << "Worker() Update skipped";
             return PI::ERR_GENERAL_FAILURE;
@@ -105,7 +106,7 @@ void IPLUGINAPI_IMPL::NotifyHost()
         return;
     try {
         m_HostCallback(m_HostContext, this);
-    } catch (abi::__forced_unwind&) {
+    } catch (TLX::Threading::CForcedEnd&) {
         throw;
     } catch (...) {
         return;

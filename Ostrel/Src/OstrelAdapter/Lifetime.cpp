@@ -6,18 +6,13 @@
 #include <TLX/Clock.h>
 #include <TLXX/SystemTime.h>
 
-#include <algorithm>
-
 namespace NAMESPACE_Ostrel {
 
 std::uint64_t lifetimeRating(const std::vector<PI::CNVMeLifeTimeData>& table, std::string_view model)
 {
     constexpr std::uint64_t UNRATED = 1;
-    const auto family = std::find_if(table.begin(), table.end(), [&](const PI::CNVMeLifeTimeData& row) {
-        const std::string_view key = std::string_view(row.m_Model).substr(0, row.m_Characters);
-        return model.find(key) != std::string_view::npos;
-    });
-    return family == table.end() ? UNRATED : family->m_Endurance;
+    const PI::CNVMeLifeTimeData* family = PI::findLifeTimeData(table, model);
+    return family == nullptr ? UNRATED : family->m_Endurance;
 }
 
 std::string endOfLifeDate(const CNVMeAdapter& adapter)

@@ -2,6 +2,7 @@
 #include "Support/RowFixture.h"
 #include "Support/VirtualClock.h"
 
+#include <PI/AdapterNumbers.h>
 #include <PI/ErrorCode.h>
 
 #include <numeric>
@@ -20,6 +21,9 @@ const std::string COUNTS =
 class InitializeRows : public CRowFixture
 {
 protected:
+    /** The first adapter is number 1, whatever earlier tests of this process have numbered. */
+    InitializeRows() { PI::restoreAdapterNumbers(m_File.File().parent_path() / "missing"); }
+
     std::uint32_t Run()
     {
         testing::internal::CaptureStdout();

@@ -179,10 +179,18 @@ TEST(PluginApi, RunningOutOfMemoryInAHandlerIsOutOfMemoryWithAnEmptyList)
     EXPECT_TRUE(std::get<AdapterIDs>(data).empty());
 }
 
+TEST(PluginApi, DevicesThatCannotBeLookedForCountAsNone)
+{
+    CRequestData data = AdapterIDs(2);
+    EXPECT_EQ(initializeWhile([] { throw std::runtime_error("bus reset"); }, data),
+              PI::ERR_NO_SUPPORTED_HARDWARE);
+    EXPECT_TRUE(std::get<AdapterIDs>(data).empty());
+}
+
 TEST(PluginApi, AnyOtherExceptionInAHandlerIsAGeneralFailureWithAnEmptyList)
 {
     CRequestData data = AdapterIDs(2);
-    EXPECT_EQ(initializeWhile([] { throw std::runtime_error("bus reset"); }, data), PI::ERR_GENERAL_FAILURE);
+    EXPECT_EQ(initializeWhile([] { throw std::logic_error("bus reset"); }, data), PI::ERR_GENERAL_FAILURE);
     EXPECT_TRUE(std::get<AdapterIDs>(data).empty());
 
     data = AdapterIDs(2);

@@ -1,4 +1,5 @@
 #include "ScanFixture.h"
+#include "Support/SourceTree.h"
 
 #include <PI/AdapterID.h>
 #include <PI/LifeTimeData.h>
@@ -290,7 +291,7 @@ TEST_F(CScanAdapter, RaisesNoAlarmWhenTheLegacyPageFails)
 
 TEST_F(CScanAdapter, TakesTheRatingFromTheHostsTable)
 {
-    PI::SetLifeTimeFolder(std::filesystem::path(OSTREL_TEST_DATA) / "Scan");
+    PI::SetLifeTimeFolder(TestSupport::sourceTree("Tests/Data/Scan"));
     m_Fakes.Add(CFakeDrive(1).Model("INTEL SSDPF2KX038TZ"));
     EXPECT_EQ(Again().m_LifetimeRating, 100U);
     m_Fakes.At(0).Model("INTEL SSDPF2KX019T");

@@ -88,6 +88,21 @@ TEST_F(SetAdapterIDs, AnAdapterThatTheHostDidNotListKeepsItsName)
     EXPECT_THAT(Names(), ElementsAre("as it was", "NVMe PCI Adapter (4)"));
 }
 
+TEST_F(SetAdapterIDs, WritesTheNamesOfTheListedAdaptersAlone)
+{
+    for (std::uint32_t bus = 1; bus < 4; ++bus)
+        m_Drives.Add(CFakeDrive(bus));
+    Initialize();
+    const auto line = [this](std::size_t adapter, const std::string& name) {
+        return "Adapter (" + name + ") (" + std::to_string(m_Api.m_Adapters[adapter].m_GlobalAdapterNumber) +
+               ") updated in db.";
+    };
+    const CTraceCapture capture(128);
+    EXPECT_EQ(Request({Identity(3, 30), Identity(2, 0xFFFFFFFF), Identity(1, 10)}), PI::ERR_SUCCESS);
+    EXPECT_THAT(capture.Texts(),
+                ElementsAre(line(0, "NVMe PCI Adapter (10)"), line(2, "NVMe PCI Adapter (30)")));
+}
+
 TEST_F(SetAdapterIDs, EachLaterScanNamesAdaptersBySerialNumber)
 {
     m_Drives.Add(CFakeDrive(1));

@@ -1,15 +1,11 @@
 #include "DeInitializeFixture.h"
-
-#include <TLX/Thread.h>
+#include "Support/SilentPipe.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <string>
 #include <vector>
-
-#include <unistd.h>
 
 // GCC's address sanitizer does not know forced unwinds and reports them as errors.
 #if !defined(__SANITIZE_ADDRESS__)
@@ -27,43 +23,18 @@ using TLX::Threading::WaitResult::TimedOut;
 class ForcedEnd : public TestSupport::DeInitialize
 {};
 
-/** A pipe to which nobody writes. */
-class CSilentPipe
-{
-public:
-    CSilentPipe() { EXPECT_EQ(pipe(m_Ends.data()), 0); }
-    ~CSilentPipe()
-    {
-        for (const int end : m_Ends)
-            close(end);
-    }
-    CSilentPipe(const CSilentPipe&) = delete;
-    CSilentPipe& operator=(const CSilentPipe&) = delete;
-
-    void Read() const
-    {
-        TLX::Threading::interruptibly([descriptor = m_Ends[0]] {
-            char byte = 0;
-            return static_cast<int>(read(descriptor, &byte, 1));
-        });
-    }
-
-private:
-    std::array<int, 2> m_Ends{};
-};
-
 } // namespace
 
 TEST_F(ForcedEnd, EndsAWorkerByForceThatIsStuckInADeviceQuery)
 {
-    const CSilentPipe pipe;
+    const TestSupport::CSilentPipe pipe;
     m_Drives.Add(CFakeDrive(0));
     Start();
     CGate reached;
     m_Drives.OnQuery([&](const std::string& query) {
         if (query == "health /dev/nvme0n1") {
             reached.Set();
-            pipe.Read();
+            pipe.ReadInterruptibly();
         }
     });
     m_Api.m_ForceWorker.Set();

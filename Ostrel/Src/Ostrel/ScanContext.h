@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Ostrel/IdentityIndex.h"
+#include "Ostrel/SerialIndex.h"
+#include "OstrelAdapter/Lifetime.h"
+#include "OstrelAdapter/Record.h"
+#include "OstrelPhysicalDrive/Record.h"
+
+#include <PI/LifeTimeData.h>
+#include <TLXX/System.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace NAMESPACE_Ostrel {
+
+/** What one scan looks up again and again. Lists that it was made from must outlive it, unchanged. */
+class CScanContext
+{
+public:
+    explicit CScanContext(const std::vector<PI::CAdapterID>& identities) : m_Identities(identities) {}
+
+    /** The version of a driver, asked for once. */
+    const std::string& DriverVersion(const std::string& driver)
+    {
+        const auto known = m_DriverVersions.find(driver);
+        if (known != m_DriverVersions.end())
+            return known->second;
+        return m_DriverVersions[driver] = TLXX::CSystem::GetModuleVersion(driver);
+    }
+
+    /** The rating of a model, looked up once. */
+    std::uint64_t LifetimeRating(const std::string& model)
+    {
+        const auto known = m_LifetimeRatings.find(model);
+        if (known != m_LifetimeRatings.end())
+            return known->second;
+        return m_LifetimeRatings[model] = lifetimeRating(PI::GetLifeTimeDataNVMe(), model);
+    }
+
+    /** The identities that the host handed over. */
+    const CIdentityIndex m_Identities;
+
+    /** What records take their identifiers from; none when nothing is published yet. */
+    std::optional<CSerialIndex<const CNVMeAdapter>> m_PublishedAdapters;
+    std::optional<CSerialIndex<const CNVMePhysicalDrive>> m_PublishedDrives;
+
+private:
+    std::unordered_map<std::string, std::string> m_DriverVersions;
+    std::unordered_map<std::string, std::uint64_t> m_LifetimeRatings;
+};
+
+} // namespace NAMESPACE_Ostrel
