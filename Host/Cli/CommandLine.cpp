@@ -1,11 +1,13 @@
 #include "Cli/CommandLine.h"
 
 #include "Core/Failure.h"
+#include "Core/Suggestion.h"
 #include "Core/Text.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 
 namespace Host::Cli {
@@ -52,6 +54,32 @@ Examples:
   sudo ostrel show /dev/nvme0n1 temperature
   sudo ostrel show "PCI:Bus=1&Device=0&Function=0" 30017 --json)";
 
+constexpr char SET_FOOTER[] =
+    R"(PROPERTY is a number or caption; case and blanks do not matter. A value beyond
+the property's limits is taken to the next limit. Today there is one property
+that can be set, the plug-in's poll interval (2 to 255 seconds), which is kept
+in "Ostrel.ini" in the data folder (--data DIR, otherwise the system's folder).
+A "watch" that is running does not notice it; it counts from its next start.
+All options of "ostrel --help" may be given, too.
+
+Examples:
+  sudo ostrel set plugin pollinterval 60
+  sudo ostrel --data /srv/ostrel set plugin 30005 10)";
+
+constexpr char WATCH_FOOTER[] =
+    R"(A line for each event: local time, severity, what happened, and to which drive.
+With --json each line is one JSON object. Ends with Ctrl+C or a termination
+signal, or after the SECONDS. Database, adapter numbers and "Ostrel.ini" are in
+the data folder (--data DIR, otherwise the system's folder). "Ostrel.ini" is
+read at the start: "set", or anybody else who changes it meanwhile, is not
+noticed before the next one.
+All options of "ostrel --help" may be given, too.
+
+Examples:
+  sudo ostrel watch
+  sudo ostrel watch --json | jq 'select(.severity > 2).text'
+  ostrel watch --for 60 --simulate fleet.json)";
+
 constexpr char DOCTOR_FOOTER[] =
     R"(A line for each thing that was looked at: OK, NOTE, or PROBLEM with what to do
 about it. The exit code is that of the first problem.
@@ -61,10 +89,29 @@ Examples:
   sudo ostrel doctor
   ostrel doctor --simulate fleet.json)";
 
+std::optional<std::uint32_t> fitting(std::optional<std::uint64_t> number)
+{
+    return number && *number <= std::numeric_limits<std::uint32_t>::max()
+               ? std::optional(static_cast<std::uint32_t>(*number))
+               : std::nullopt;
+}
+
+std::optional<std::uint32_t> parseSeconds(const std::string& text)
+{
+    return fitting(parseNumber(text, 10));
+}
+
 std::string refuseBadMask(const std::string& text)
 {
-    return parseMask(text) ? std::string()
-                           : "\"" + text + "\" is no number from 0 to 4294967295 or 0x0 to 0xFFFFFFFF";
+    TraceOptions ignored;
+    return addTraceMask(text, ignored)
+               ? std::string()
+               : "\"" + text + "\" is no number from 0 to 4294967295 or 0x0 to 0xFFFFFFFF";
+}
+
+std::string refuseBadSeconds(const std::string& text)
+{
+    return parseSeconds(text) ? std::string() : "\"" + text + "\" is no number from 0 to 4294967295";
 }
 
 /** The parser and what it parses into. */
@@ -94,8 +141,8 @@ public:
         } catch (const CLI::CallForVersion& version) {
             throw TextAsked(std::string(version.what()) + '\n');
         } catch (const CLI::ParseError& error) {
-            throw Failure(ExitCode::WrongUsage,
-                          printable(complaint(error)) + ". \"ostrel --help\" tells what there is.");
+            throw Failure(ExitCode::WrongUsage, printable(complaint(error)) + "." + suggestion() +
+                                                    " \"ostrel --help\" tells what there is.");
         }
         return std::move(m_Options);
     }
@@ -108,28 +155,48 @@ private:
             name, [&path](const std::string& text) { path = pathFromUtf8(text); }, description);
     }
 
+    /** An option that may be given several times, each time with one value. */
+    CLI::Option* addList(const char* name, const std::function<void(const std::string&)>& add,
+                         const char* description)
+    {
+        return m_App
+            .add_option_function<std::vector<std::string>>(
+                name,
+                [add](const std::vector<std::string>& texts) {
+                    std::for_each(texts.begin(), texts.end(), add);
+                },
+                description)
+            ->allow_extra_args(false);
+    }
+
     void addOptions()
     {
-        addPath("--plugin", m_Options.m_Plugin, "Plug-in to load instead of the installed one")
+        addList(
+            "--plugin",
+            [this](const std::string& text) { m_Options.m_Plugins.push_back(pathFromUtf8(text)); },
+            "Plug-in to load beside the installed one")
             ->option_text("FILE");
         addPath("--data", m_Options.m_Data, "Folder of database, adapter numbers and settings")
             ->option_text("DIR");
         addPath("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
             ->option_text("FLEET.json");
         CLI::Option* trace =
-            m_App
-                .add_option_function<std::string>(
-                    "--trace", [this](const std::string& text) { m_Options.m_TraceMask = *parseMask(text); },
-                    "Write trace lines of these levels, decimal or 0x..")
-                ->option_text("MASK")
+            addList(
+                "--trace", [this](const std::string& text) { addTraceMask(text, m_Options.m_Trace); },
+                "Write trace lines of these levels (of module N)")
+                ->option_text("[N=]MASK")
                 ->check(refuseBadMask);
-        addPath("--trace-file", m_Options.m_TraceFile, "Where trace lines go instead of standard error")
+        addPath("--trace-file", m_Options.m_Trace.m_File, "Where trace lines go instead of standard error")
             ->option_text("FILE")
             ->needs(trace);
         addJson(m_App);
     }
 
-    void addJson(CLI::App& app) { app.add_flag("--json", m_Options.m_Json, "Print one JSON document"); }
+    void addJson(CLI::App& app)
+    {
+        app.add_flag("--json", m_Options.m_Json, "Print one JSON document (watch: one object a line)")
+            ->disable_flag_override();
+    }
 
     CLI::App* addCommand(Command command, const char* name, const char* description, const char* footer)
     {
@@ -154,17 +221,72 @@ private:
             ->option_text(" ");
         show->add_option("PROPERTY", m_Options.m_Property, "Number or caption of one property")
             ->option_text(" ");
+        addSetCommand();
+        addWatchCommand();
         addCommand(Command::Doctor, "doctor", "What can be seen here, what not, and why", DOCTOR_FOOTER);
+    }
+
+    void addSetCommand()
+    {
+        CLI::App* set = addCommand(Command::Set, "set", "Give a property another value", SET_FOOTER);
+        set->add_option("OBJECT", m_Options.m_Object, "As in \"show\"; today \"plugin\"")
+            ->required()
+            ->option_text(" ");
+        set->add_option("PROPERTY", m_Options.m_Property, "Number or caption of the property")
+            ->required()
+            ->option_text(" ");
+        set->add_option("VALUE", m_Options.m_Value, "The new value")->required()->option_text(" ");
+    }
+
+    void addWatchCommand()
+    {
+        CLI::App* watch =
+            addCommand(Command::Watch, "watch", "Each event of the drives as it comes", WATCH_FOOTER);
+        watch
+            ->add_option_function<std::string>(
+                "--for", [this](const std::string& text) { m_Options.m_Seconds = parseSeconds(text); },
+                "End after so many seconds")
+            ->option_text("SECONDS")
+            ->check(refuseBadSeconds);
     }
 
     /** The library would call for a command even where there is a word that is none. */
     std::string complaint(const CLI::ParseError& error) const
     {
-        const std::vector<std::string> unknown = m_App.remaining();
+        const std::vector<std::string> unknown = m_App.remaining(true);
+        if (!unknown.empty() && isOption(unknown.front()))
+            return "There is no option \"" + unknown.front() + "\"";
         if (m_App.get_subcommands().empty())
             return unknown.empty() ? "A command is missing"
                                    : "There is no command \"" + unknown.front() + "\"";
         return error.what();
+    }
+
+    static bool isOption(const std::string& word) { return word.starts_with('-'); }
+
+    /** What the first word that is not understood may have been meant to be. */
+    std::string suggestion() const
+    {
+        const std::vector<std::string> unknown = m_App.remaining(true);
+        if (unknown.empty())
+            return {};
+        std::vector<std::string> known;
+        if (isOption(unknown.front()))
+            for (const CLI::App* app : appsInUse())
+                for (const CLI::Option* option : app->get_options())
+                    known.push_back(option->get_name());
+        else if (m_App.get_subcommands().empty())
+            for (const CLI::App* command : m_App.get_subcommands(nullptr))
+                known.push_back(command->get_name());
+        return didYouMean(unknown.front(), known);
+    }
+
+    std::vector<const CLI::App*> appsInUse() const
+    {
+        std::vector<const CLI::App*> apps = {&m_App};
+        for (const CLI::App* command : m_App.get_subcommands())
+            apps.push_back(command);
+        return apps;
     }
 
     std::string help() const
@@ -181,10 +303,27 @@ private:
 
 std::optional<std::uint32_t> parseMask(std::string_view text)
 {
-    const auto mask = startsWithIgnoringCase(text, "0x") ? parseHexadecimal(text) : parseNumber(text, 10);
-    return mask && *mask <= std::numeric_limits<std::uint32_t>::max()
-               ? std::optional(static_cast<std::uint32_t>(*mask))
-               : std::nullopt;
+    return fitting(startsWithIgnoringCase(text, "0x") ? parseHexadecimal(text) : parseNumber(text, 10));
+}
+
+bool keepsData(Command command)
+{
+    return command == Command::Set || command == Command::Watch;
+}
+
+bool addTraceMask(std::string_view text, TraceOptions& trace)
+{
+    const std::size_t sign = text.find('=');
+    const bool named = sign != std::string_view::npos;
+    const auto mask = parseMask(named ? text.substr(sign + 1) : text);
+    const auto module = named ? parseMask(text.substr(0, sign)) : std::nullopt;
+    if (!mask || (named && !module))
+        return false;
+    if (module)
+        trace.m_ModuleMasks[*module] = *mask;
+    else
+        trace.m_Mask = *mask;
+    return true;
 }
 
 Options parseCommandLine(const std::vector<std::string>& words)

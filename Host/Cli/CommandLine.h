@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Core/HostSetup.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -15,21 +17,27 @@ enum class Command
     List,
     Topology,
     Show,
+    Set,
+    Watch,
     Doctor,
 };
 
 struct Options
 {
     Command m_Command = Command::List;
-    std::optional<std::filesystem::path> m_Plugin;
+    std::vector<std::filesystem::path> m_Plugins; ///< to load beside the installed one
     std::optional<std::filesystem::path> m_Data;
     std::optional<std::filesystem::path> m_Fleet;
-    std::uint32_t m_TraceMask = 0;
-    std::optional<std::filesystem::path> m_TraceFile;
+    TraceOptions m_Trace;
     bool m_Json = false;
-    std::string m_Object;                  ///< of `show`
-    std::optional<std::string> m_Property; ///< of `show`
+    std::string m_Object;                   ///< of `show` and `set`
+    std::optional<std::string> m_Property;  ///< of `show` and `set`
+    std::string m_Value;                    ///< of `set`
+    std::optional<std::uint32_t> m_Seconds; ///< of `watch`
 };
+
+/** Whether a command keeps what it learns, in the default folder when none is named. */
+bool keepsData(Command command);
 
 /** The user asked for help or the version: `what()` is the text to print. */
 class TextAsked : public std::runtime_error
@@ -39,6 +47,10 @@ class TextAsked : public std::runtime_error
 
 /** A trace mask: decimal, or hexadecimal behind "0x". */
 std::optional<std::uint32_t> parseMask(std::string_view text);
+
+/** Takes "MASK" for every module, or "MODULE=MASK" for the one of that number. False when `text` is neither.
+ */
+bool addTraceMask(std::string_view text, TraceOptions& trace);
 
 /**
  * What the words of a command line, the program's name first, ask for. Throws `TextAsked`, or `Failure`

@@ -2,8 +2,7 @@
 
 #include "Core/DataFolder.h"
 #include "Core/DeviceAccess.h"
-#include "Core/FileText.h"
-#include "Core/PluginLibrary.h"
+#include "Core/PluginSet.h"
 #include "Core/Text.h"
 
 #include <Database/Maintenance.h>
@@ -14,7 +13,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <memory>
 #include <optional>
 #include <utility>
 
@@ -30,17 +28,15 @@ void append(Checks& checks, const Checks& more)
     checks.insert(checks.end(), more.begin(), more.end());
 }
 
-std::unique_ptr<PluginLibrary> checkPlugin(const Session& session, Checks& checks)
+Check checkPlugin(PluginSet& plugins, const std::filesystem::path& file)
 {
     try {
-        auto plugin = std::make_unique<PluginLibrary>(session.m_Plugin);
-        checks.push_back(ok("plug-in", session.m_Plugin.string() + ", interface version " +
-                                           std::to_string(plugin->version()) + ", module " +
-                                           std::to_string(plugin->module())));
-        return plugin;
+        const PluginLibrary& plugin = plugins.load(file);
+        return ok("plug-in", file.string() + ", interface version " + std::to_string(plugin.version()) +
+                                 ", module " + std::to_string(plugin.module()));
     } catch (const Failure& failure) {
-        checks.push_back(problem(failure.exitCode(), "plug-in", failure.what(), REINSTALL));
-        return nullptr;
+        return problem(failure.exitCode(), "plug-in", failure.what(),
+                       failure.exitCode() == ExitCode::WrongUsage ? "Name each plug-in once." : REINSTALL);
     }
 }
 
@@ -75,8 +71,12 @@ std::string counted(std::size_t number, const std::string& things)
 
 Check checkRows(const HostFolders& folders)
 {
+    std::error_code error;
     if (!folders.m_KeepsRows)
-        return ok("database", "in memory for this run; --data DIR keeps one");
+        return ok("database", std::filesystem::exists(databaseFile(folders.m_Data), error)
+                                  ? "in memory for this run; --data " + folders.m_Data.string() +
+                                        " has the one there looked at"
+                                  : "in memory for this run; --data DIR keeps one");
     try {
         checkDatabase();
         return ok("database", databaseFile(folders.m_Data).string());
@@ -86,13 +86,18 @@ Check checkRows(const HostFolders& folders)
     }
 }
 
-void checkRequests(PluginLibrary& plugin, const std::vector<TLXX::CControllerState>& states, Checks& checks)
+void checkRequests(PluginSet& plugins, const std::vector<TLXX::CControllerState>& states,
+                   const Session& session, Checks& checks)
 {
     try {
-        const std::size_t adapters = plugin.initialize().size();
-        const ObjectStore store(plugin.topology());
-        checks.push_back(
-            ok("inventory", counted(adapters, "adapter") + ", " + counted(store.objects().size(), "object")));
+        const Progress progress = signOfLife(states, session);
+        const ObjectStore store(plugins.inventory());
+        const auto adapters =
+            std::count_if(store.objects().begin(), store.objects().end(),
+                          [](const PI::CObject& object) { return object.m_Type == PI::TYPE_ADAPTER; });
+        checks.push_back(ok("inventory", counted(static_cast<std::size_t>(adapters), "adapter") + ", " +
+                                             counted(store.objects().size(), "object")));
+        append(checks, checkVersions(store));
         append(checks, checkInventory(states, store));
     } catch (const Failure& failure) {
         checks.push_back(problem(failure.exitCode(), "inventory", failure.what(),
@@ -119,50 +124,28 @@ Check problem(ExitCode exitCode, std::string subject, std::string message, std::
     return {Finding::Problem, std::move(subject), std::move(message), std::move(remedy), exitCode};
 }
 
-Check checkSettings(const std::filesystem::path& folder)
-{
-    const std::filesystem::path file = folder / "Ostrel.ini";
-    std::error_code error;
-    if (!std::filesystem::exists(file, error) && !error)
-        return ok("settings", "no " + file.string() + ", so the usual values hold");
-    const std::optional<std::string> text = readFile(file);
-    if (!text)
-        return problem(ExitCode::RequestFailed, "settings",
-                       file.string() + " cannot be read, so the usual values hold",
-                       "Make it a file that this user may read, or delete it.");
-    if (text->find('\0') != std::string::npos)
-        return problem(ExitCode::RequestFailed, "settings",
-                       file.string() + " holds zero bytes, as a write that was cut off leaves them; it is " +
-                           "ignored, and the usual values hold",
-                       "Write it again, or delete it.");
-    return ok("settings", file.string());
-}
-
 Checks examine(const Session& session)
 {
     Checks checks;
-    const std::unique_ptr<PluginLibrary> plugin = checkPlugin(session, checks);
+    PluginSet plugins;
+    for (const std::filesystem::path& file : session.m_Plugins)
+        checks.push_back(checkPlugin(plugins, file));
     // The catalogue is the plug-in's, and known as long as that is loaded.
-    if (plugin)
+    if (!plugins.empty())
         checks.push_back(checkTexts(session.m_Folders));
     checks.push_back(checkEndurance(session.m_Folders));
     checks.push_back(checkSettings(session.m_Folders.m_Data));
     checks.push_back(checkRows(session.m_Folders));
 
-    if (!session.simulated())
-        for (const Platform::UnservedFunction& function : Platform::unservedFunctions())
-            checks.push_back(
-                problem(ExitCode::NoHardware, function.m_Address,
-                        "an NVMe controller that the NVMe driver does not serve; it has " +
-                            (function.m_Driver.empty() ? "no driver" : "the driver " + function.m_Driver),
-                        std::string(Platform::driverRemedy())));
     const std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
+    if (!session.simulated()) {
+        append(checks, checkSystem(Platform::runningSystem(), Platform::isDriverThere(), states));
+        append(checks, checkUnserved(Platform::unservedFunctions()));
+    }
     append(checks, checkControllers(states));
-    const bool anyOpen = std::any_of(states.begin(), states.end(), [](const TLXX::CControllerState& state) {
-        return !state.m_DeviceName.empty() && !isRefused(state);
-    });
-    if (plugin && anyOpen)
-        checkRequests(*plugin, states, checks);
+    // Other plug-ins may look for other devices.
+    if (!plugins.empty() && (anyDiskOpens(states) || session.m_Plugins.size() > 1))
+        checkRequests(plugins, states, session, checks);
     return checks;
 }
 

@@ -4,6 +4,7 @@
 #include "Cli/Session.h"
 #include "Core/Failure.h"
 #include "Core/ObjectStore.h"
+#include "Core/Platform.h"
 
 #include <TLXX/Diagnosis.h>
 
@@ -39,8 +40,18 @@ Check problem(ExitCode exitCode, std::string subject, std::string message, std::
 /** Looks at everything from the plug-in's file to each drive's answers. Throws nothing for what it finds. */
 std::vector<Check> examine(const Session& session);
 
-/** Whether the settings in `folder` are taken into account. */
+/** Whether the settings in `folder` are taken into account, each as it stands. */
 Check checkSettings(const std::filesystem::path& folder);
+
+/** Whether the system, its NVMe driver and this user's rights let drives be asked. */
+std::vector<Check> checkSystem(const Platform::System& system, bool driverIsThere,
+                               const std::vector<TLXX::CControllerState>& states);
+
+/** What no enumeration finds, for another driver or none has it. */
+std::vector<Check> checkUnserved(const std::vector<Platform::UnservedFunction>& functions);
+
+/** The release of each plug-in, and whether it is this program's. */
+std::vector<Check> checkVersions(const ObjectStore& store);
 
 /** What the system says of its controllers. */
 std::vector<Check> checkControllers(const std::vector<TLXX::CControllerState>& states);

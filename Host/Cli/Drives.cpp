@@ -1,7 +1,8 @@
 #include "Cli/Drives.h"
 
+#include "Core/AdapterIdentities.h"
+
 #include <PI/PluginHelper.h>
-#include <TLXX/PciLocation.h>
 
 #include <utility>
 
@@ -56,26 +57,17 @@ public:
         return adapters ? adapters : value<float>(PI::PROP_DRIVE_TEMPERATURE);
     }
 
-    /** Empty when all is 0: a location that was not found looks like that, and no drive sits there. */
-    std::string pciAddress() const
-    {
-        TLXX::CPciLocation location;
-        for (const auto& [id, part] : {std::pair(PI::PROP_PCI_SEGMENT, &location.m_Segment),
-                                       std::pair(PI::PROP_PCI_BUS, &location.m_Bus),
-                                       std::pair(PI::PROP_PCI_DEVICE, &location.m_Device),
-                                       std::pair(PI::PROP_PCI_FUNCTION, &location.m_Function)}) {
-            const auto* number = find<std::uint64_t>(id);
-            if (number == nullptr)
-                return {};
-            *part = static_cast<std::int32_t>(*number);
-        }
-        return location == TLXX::CPciLocation{} ? std::string() : location.Text();
-    }
-
 private:
     const PI::CObject& m_Adapter;
     const PI::CObject* m_Drive;
 };
+
+/** Empty when all is 0: a location that was not found looks like that, and no drive sits there. */
+std::string pciAddress(const PI::CObject& adapter)
+{
+    const std::optional<TLXX::CPciLocation> location = pciLocation(adapter);
+    return location && *location != TLXX::CPciLocation{} ? location->Text() : std::string();
+}
 
 /**
  * Plug-ins show a drive whose health log was not read without temperature and counters, but with the spare,
@@ -100,13 +92,14 @@ Drive join(const PI::CObject& adapter, const PI::CObject* medium)
     drive.m_AdapterId = adapter.m_ID;
     if (medium != nullptr)
         drive.m_DriveId = medium->m_ID;
+    drive.m_Name = textOf(adapter, PI::PROP_NAME);
     drive.m_Device = pair.text(PI::PROP_DEVICE_NAME);
     drive.m_Vendor = pair.text(PI::PROP_VENDOR);
     drive.m_Model = pair.text(PI::PROP_MODEL);
     drive.m_Serial = pair.text(PI::PROP_SERIAL_NUMBER);
     drive.m_Firmware = pair.text(PI::PROP_FIRMWARE);
     drive.m_Location = pair.text(PI::PROP_LOCATION);
-    drive.m_PciAddress = pair.pciAddress();
+    drive.m_PciAddress = pciAddress(adapter);
     drive.m_Driver = pair.text(PI::PROP_DRIVER);
     drive.m_DriverVersion = pair.text(PI::PROP_DRIVER_VERSION);
     drive.m_CapacityMiB = pair.value<std::uint64_t>(PI::PROP_CAPACITY);

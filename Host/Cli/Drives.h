@@ -30,6 +30,8 @@ struct Amount
 {
     float m_Value = 0;
     std::uint32_t m_Unit = 0;
+
+    friend bool operator==(const Amount&, const Amount&) = default;
 };
 
 /** An adapter and the drive behind it, as one line of `list`. Empty: the plug-in does not report it. */
@@ -37,6 +39,7 @@ struct Drive
 {
     std::optional<std::uint64_t> m_AdapterId;
     std::optional<std::uint64_t> m_DriveId;
+    std::string m_Name; ///< the adapter's
     std::string m_Device;
     std::string m_Vendor;
     std::string m_Model;

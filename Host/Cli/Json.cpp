@@ -1,5 +1,6 @@
 #include "Cli/Json.h"
 
+#include "Cli/JsonNumber.h"
 #include "Cli/PropertyText.h"
 
 #include <PI/ErrorCode.h>
@@ -7,23 +8,16 @@
 
 #include <nlohmann/json.hpp>
 
-#include <charconv>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <string>
 #include <variant>
 
 namespace Host::Cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/** The shortest decimal number that stands for `number`, so that 1.6 does not print as 1.60000002384. */
-double shortest(float number)
-{
-    char buffer[64];
-    const char* end = std::to_chars(buffer, buffer + sizeof buffer, number).ptr;
-    double result = 0;
-    (void)std::from_chars(buffer, end, result);
-    return result;
-}
 
 /** Adds a value, and the bounds and codes that come with it. */
 struct ValueToJson
@@ -32,8 +26,8 @@ struct ValueToJson
 
     void operator()(std::monostate) const {}
     void operator()(const std::string& text) const { m_Json["value"] = text; }
-    void operator()(std::uint64_t number) const { m_Json["value"] = number; }
-    void operator()(float number) const { m_Json["value"] = shortest(number); }
+    void operator()(std::uint64_t number) const { addNumber(m_Json, "value", number); }
+    void operator()(float number) const { addNumber(m_Json, "value", number); }
     void operator()(const PI::CBoundedValue& value) const { m_Json["value"] = value.m_Value; }
     void operator()(const PI::CCodeValue& value) const { m_Json["value"] = value.m_Code; }
     void operator()(const PI::CCodeListValue& value) const { m_Json["value"] = value.m_Codes; }
@@ -66,20 +60,43 @@ void add(Json& json, const char* name, const std::string& text)
         json[name] = text;
 }
 
-template<typename Number>
-void add(Json& json, const char* name, const std::optional<Number>& number)
+/** Milliseconds since 1970 as "2026-01-01T00:00:00.000Z". */
+std::string utcText(std::uint64_t milliseconds)
 {
-    if (number)
-        json[name] = *number;
+    using namespace std::chrono;
+    const sys_time<std::chrono::milliseconds> time{std::chrono::milliseconds(milliseconds)};
+    const sys_days day = floor<days>(time);
+    const year_month_day date(day);
+    const hh_mm_ss clock(time - day);
+    std::array<char, 64> buffer{};
+    const int size = std::snprintf(
+        buffer.data(), buffer.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
+        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+        static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
+    return {buffer.data(), static_cast<std::size_t>(size)};
 }
 
-void add(Json& json, const char* name, const std::optional<Amount>& amount)
+/** What a drive is known by; how it fares changes too often to stand in an event. */
+Json identityJson(const Drive& drive)
 {
-    if (!amount)
-        return;
-    Json& entry = json[name] = Json{{"value", shortest(amount->m_Value)}};
-    if (amount->m_Unit > PI::UNIT_NONE)
-        entry["unit"] = PI::PropertyValueToString(amount->m_Unit);
+    Json json = Json::object();
+    add(json, "device", drive.m_Device);
+    add(json, "vendor", drive.m_Vendor);
+    add(json, "model", drive.m_Model);
+    add(json, "serial", drive.m_Serial);
+    add(json, "pciAddress", drive.m_PciAddress);
+    add(json, "location", drive.m_Location);
+    return json;
+}
+
+Json documentJson(const Json& content, bool simulated)
+{
+    Json document = {{"format", FORMAT}};
+    if (simulated)
+        document["simulated"] = true;
+    document.update(content);
+    return document;
 }
 
 } // namespace
@@ -107,10 +124,10 @@ Json objectJson(const PI::CObject& object)
     Json json = {{"id", identifierText(object.m_ID)},
                  {"type", object.m_Type},
                  {"parents", identifiers(object.m_Parents)},
-                 {"children", identifiers(object.m_Children)},
-                 {"updateCount", object.m_UpdateCount},
-                 {"properties", Json::array()},
-                 {"operations", Json::array()}};
+                 {"children", identifiers(object.m_Children)}};
+    addNumber(json, "updateCount", object.m_UpdateCount);
+    json["properties"] = Json::array();
+    json["operations"] = Json::array();
     for (const PI::CProperty& property : object.m_Properties)
         json["properties"].push_back(propertyJson(property));
     for (const PI::COperation& operation : object.m_Operations)
@@ -126,14 +143,14 @@ Json driveJson(const Drive& drive)
     add(json, "model", drive.m_Model);
     add(json, "serial", drive.m_Serial);
     add(json, "firmware", drive.m_Firmware);
-    add(json, "capacityMiB", drive.m_CapacityMiB);
-    add(json, "blockSize", drive.m_BlockSize);
-    if (drive.m_Temperature)
-        json["temperature"] = shortest(*drive.m_Temperature);
-    add(json, "wear", drive.m_Wear);
+    addNumber(json, "capacityMiB", drive.m_CapacityMiB);
+    addNumber(json, "blockSize", drive.m_BlockSize);
+    addNumber(json, "temperature", drive.m_Temperature);
+    addNumber(json, "wear", drive.m_Wear);
     if (drive.m_Health) {
         json["health"] = drive.m_Health->m_Text;
-        add(json, "healthCode", drive.m_Health->m_Code);
+        if (drive.m_Health->m_Code)
+            json["healthCode"] = *drive.m_Health->m_Code;
     }
     for (const CodeText& reason : drive.m_Reasons) {
         json["reasons"].push_back(reason.m_Text);
@@ -143,16 +160,31 @@ Json driveJson(const Drive& drive)
     add(json, "location", drive.m_Location);
     add(json, "driver", drive.m_Driver);
     add(json, "driverVersion", drive.m_DriverVersion);
-    add(json, "spare", drive.m_Spare);
-    add(json, "spareThreshold", drive.m_SpareThreshold);
-    add(json, "dataRead", drive.m_DataRead);
-    add(json, "dataWritten", drive.m_DataWritten);
-    add(json, "powerOnHours", drive.m_PowerOnHours);
-    add(json, "mediaErrors", drive.m_MediaErrors);
+    addNumber(json, "spare", drive.m_Spare);
+    addNumber(json, "spareThreshold", drive.m_SpareThreshold);
+    addNumber(json, "dataRead", drive.m_DataRead);
+    addNumber(json, "dataWritten", drive.m_DataWritten);
+    addNumber(json, "powerOnHours", drive.m_PowerOnHours);
+    addNumber(json, "mediaErrors", drive.m_MediaErrors);
     if (drive.m_AdapterId)
         json["adapterId"] = identifierText(*drive.m_AdapterId);
     if (drive.m_DriveId)
         json["driveId"] = identifierText(*drive.m_DriveId);
+    return json;
+}
+
+Json eventJson(const DriveEvent& event)
+{
+    Json json = {{"time", utcText(event.m_Event.m_Time)},
+                 {"id", event.m_Event.m_Id},
+                 {"severity", event.m_Event.m_Severity},
+                 {"text", eventText(event)},
+                 {"source", identifierText(event.m_Event.m_Source)},
+                 {"sourceName", event.m_Event.SourceText()},
+                 {"placeholder1", event.m_Event.PlaceHolder1()},
+                 {"placeholder2", event.m_Event.PlaceHolder2()}};
+    if (event.m_Drive)
+        json["drive"] = identityJson(*event.m_Drive);
     return json;
 }
 
@@ -168,9 +200,16 @@ Json failureJson(const std::string& message, const std::optional<RequestResult>&
     return Json{{"error", error}};
 }
 
-std::string documentText(const Json& document)
+std::string documentText(const Json& content, bool simulated)
 {
-    return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    constexpr int indent = 2;
+    return documentJson(content, simulated).dump(indent, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+std::string lineText(const Json& content, bool simulated)
+{
+    constexpr int oneLine = -1;
+    return documentJson(content, simulated).dump(oneLine, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
 } // namespace Host::Cli

@@ -3,13 +3,17 @@
 #include "Cli/CommandLine.h"
 #include "Cli/DoctorCommand.h"
 #include "Cli/Drives.h"
+#include "Cli/EndOfLife.h"
+#include "Cli/Explanation.h"
 #include "Cli/Json.h"
 #include "Cli/ListCommand.h"
 #include "Cli/PropertyText.h"
 #include "Cli/Screen.h"
 #include "Cli/Session.h"
+#include "Cli/SetCommand.h"
 #include "Cli/ShowCommand.h"
 #include "Cli/TopologyCommand.h"
+#include "Cli/WatchCommand.h"
 #include "Core/Failure.h"
 #include "Core/Platform.h"
 #include "Core/Text.h"
@@ -18,6 +22,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <optional>
 
 namespace Host::Cli {
 namespace {
@@ -49,6 +54,12 @@ public:
             break;
         case Command::Show:
             show();
+            break;
+        case Command::Set:
+            set();
+            break;
+        case Command::Watch:
+            watch(m_Session, m_Results, m_Screen);
             break;
         case Command::Doctor:
             return doctor();
@@ -87,15 +98,35 @@ private:
         const ObjectStore& store = inventory.objects();
         const std::vector<const PI::CObject*> objects = store.named(m_Session.m_Options.m_Object);
         if (m_Session.m_Options.m_Property) {
-            const PI::CProperty& property = namedProperty(objects, *m_Session.m_Options.m_Property);
-            return wantsJson() ? print(propertyJson(property)) : print(printable(valueText(property)) + '\n');
+            const PI::CProperty& property =
+                namedProperty(objects, *m_Session.m_Options.m_Property).m_Property;
+            return wantsJson() ? print(Json{{"property", propertyJson(property)}})
+                               : print(printable(valueText(property)) + '\n');
         }
         if (!wantsJson())
             return print(showText(objects, m_Screen));
         Json document = {{"objects", Json::array()}};
         for (const PI::CObject* object : objects)
             document["objects"].push_back(objectJson(*object));
+        document["explanations"] = explanationsJson(objects);
+        document["endOfLife"] = endOfLifeJson(objects);
         print(document);
+    }
+
+    void set()
+    {
+        // The rows that this leaves shall be those of a host at work, which hands out names.
+        Watched watched(m_Session);
+        const ObjectStore store = watched.objects();
+        const Options& options = m_Session.m_Options;
+        const NamedProperty named =
+            namedProperty(store.named(options.m_Object), options.m_Property.value_or(""));
+        const PI::CProperty property = setProperty(watched.plugins().showing(named.m_Object.m_ID),
+                                                   named.m_Object, named.m_Property, options.m_Value);
+        if (wantsJson())
+            print(Json{{"property", propertyJson(property)}});
+        else
+            print(setText(property, options.m_Value));
     }
 
     ExitCode doctor()
@@ -120,14 +151,7 @@ private:
         m_Results.write(marked);
     }
 
-    void print(const Json& document)
-    {
-        if (!m_Session.simulated())
-            return m_Results.write(documentText(document));
-        Json marked = {{"simulated", true}};
-        marked.update(document);
-        m_Results.write(documentText(marked));
-    }
+    void print(const Json& content) { m_Results.write(documentText(content, m_Session.simulated())); }
 
     const Session& m_Session;
     Platform::ResultChannel& m_Results;
@@ -138,28 +162,35 @@ ExitCode execute(const Options& options, Platform::ResultChannel& results)
 {
     // Plug-ins print to standard output. That belongs to whoever reads errors and traces, but on a terminal
     // it would only stand between the results.
-    results.divertOthers(Platform::errorsGoToTerminal() && options.m_TraceMask == 0
+    results.divertOthers(Platform::errorsGoToTerminal() && !options.m_Trace.wanted()
                              ? Platform::Elsewhere::Nowhere
                              : Platform::Elsewhere::StandardError);
     const std::filesystem::path programFolder = Platform::programFolder();
     const HostFolders folders = {shareFolder(programFolder),
                                  options.m_Data.value_or(Platform::defaultDataFolder()),
-                                 options.m_Data.has_value()};
-    const HostSetup setup(folders, {options.m_TraceMask, options.m_TraceFile}, options.m_Fleet, tell);
-    const Session session = {options, setup, folders,
-                             options.m_Plugin.value_or(Platform::pluginFile(programFolder)), tell};
+                                 options.m_Data || keepsData(options.m_Command)};
+    const HostSetup setup(folders, options.m_Trace, options.m_Fleet, tell);
+    std::vector<std::filesystem::path> plugins = options.m_Plugins;
+    plugins.insert(plugins.begin(), installedPlugin(programFolder));
+    const Session session = {options, setup, folders, plugins, tell};
     return Execution(session, results).execute();
 }
 
-ExitCode report(Platform::ResultChannel& results, bool json, ExitCode exitCode, const std::string& message,
+/** How a document is written. */
+using Writer = std::string (*)(const Json& content, bool simulated);
+
+/** Tells a failure, with `json` also those who read the results. */
+ExitCode report(Platform::ResultChannel& results, Writer json, ExitCode exitCode, const std::string& message,
                 const std::optional<RequestResult>& result = std::nullopt)
 {
     tell(message);
     try {
-        if (json)
-            results.write(documentText(failureJson(message, result)));
+        if (json != nullptr)
+            results.write(json(failureJson(message, result), false));
     } catch (const std::exception& error) {
-        tell(error.what());
+        // That the results cannot be written may be just what was told.
+        if (error.what() != message)
+            tell(error.what());
     }
     return exitCode;
 }
@@ -170,15 +201,19 @@ int run(const std::vector<std::string>& words)
 {
     Platform::ResultChannel results;
     // A command line that cannot be understood may still have asked for JSON.
-    const bool json = std::find(words.begin(), words.end(), "--json") != words.end();
+    Writer json = nullptr;
+    if (std::any_of(words.begin(), words.end(),
+                    [](const std::string& word) { return word == "--json" || word == "--json=true"; }))
+        json = std::find(words.begin(), words.end(), "watch") != words.end() ? lineText : documentText;
     ExitCode exitCode = ExitCode::Done;
     try {
-        exitCode = execute(parseCommandLine(words), results);
+        const Options options = parseCommandLine(words);
+        exitCode = execute(options, results);
     } catch (const TextAsked& asked) {
         try {
             results.write(asked.what());
         } catch (const std::exception& error) {
-            exitCode = report(results, false, ExitCode::RequestFailed, error.what());
+            exitCode = report(results, nullptr, ExitCode::RequestFailed, error.what());
         }
     } catch (const Failure& failure) {
         exitCode = report(results, json, failure.exitCode(), failure.what(), failure.result());

@@ -18,7 +18,14 @@ struct ValueToText
 
     std::string operator()(std::monostate) const { return {}; }
     std::string operator()(const std::string& text) const { return text; }
-    std::string operator()(std::uint64_t number) const { return withUnit(std::to_string(number), m_Unit); }
+    std::string operator()(std::uint64_t number) const
+    {
+        if (m_Unit == PI::UNIT_MIB)
+            return sizeText(number);
+        if (m_Unit == PI::UNIT_HOURS)
+            return hoursText(number);
+        return withUnit(std::to_string(number), m_Unit);
+    }
     std::string operator()(float number) const
     {
         return withUnit(numberText(static_cast<double>(number)), m_Unit);
@@ -78,6 +85,27 @@ std::string withUnit(const std::string& number, std::uint32_t unit)
     if (unit <= PI::UNIT_NONE)
         return number;
     return number + (unit == PI::UNIT_PERCENT ? "" : " ") + PI::PropertyValueToString(unit);
+}
+
+std::string durationText(std::uint64_t hours)
+{
+    constexpr double hoursPerDay = 24;
+    constexpr double daysPerYear = 365.25;
+    constexpr double daysPerMonth = daysPerYear / 12;
+    const double days = static_cast<double>(hours) / hoursPerDay;
+    if (days >= 2 * daysPerYear)
+        return decimalText(days / daysPerYear, 1) + " years";
+    if (days >= 2 * daysPerMonth)
+        return decimalText(days / daysPerMonth, 0) + " months";
+    const std::string whole = decimalText(days, 0);
+    return whole + (whole == "1" ? " day" : " days");
+}
+
+std::string hoursText(std::uint64_t hours)
+{
+    constexpr std::uint64_t hoursPerDay = 24;
+    const std::string text = withUnit(std::to_string(hours), PI::UNIT_HOURS);
+    return hours < hoursPerDay ? text : text + " (" + durationText(hours) + ")";
 }
 
 std::string sizeText(std::uint64_t mebibytes)

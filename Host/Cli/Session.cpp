@@ -3,15 +3,26 @@
 #include "Core/DataFolder.h"
 #include "Core/DeviceAccess.h"
 
+#include <utility>
+
 namespace Host::Cli {
 
 namespace {
 
-ObjectStore takeInventory(PluginLibrary& plugin, const Session& session)
+/** Loads the plug-ins and says which devices refuse. */
+Progress beginInventory(PluginSet& plugins, const Session& session)
 {
-    checkAccess(TLXX::controllerStates(), session.m_Warn);
-    plugin.initialize();
-    ObjectStore inventory(plugin.topology());
+    for (const std::filesystem::path& file : session.m_Plugins)
+        plugins.load(file);
+    const std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
+    checkAccess(states, session.m_Warn);
+    return signOfLife(states, session);
+}
+
+ObjectStore takeInventory(PluginSet& plugins, const Session& session)
+{
+    const Progress progress = beginInventory(plugins, session);
+    ObjectStore inventory(plugins.inventory());
     if (session.m_Folders.m_KeepsRows)
         keepInventory(session.m_Folders.m_Data, inventory, session.m_Warn);
     return inventory;
@@ -19,8 +30,34 @@ ObjectStore takeInventory(PluginLibrary& plugin, const Session& session)
 
 } // namespace
 
-Inventory::Inventory(const Session& session)
-    : m_Plugin(session.m_Plugin), m_Objects(takeInventory(m_Plugin, session))
-{}
+Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Session& session)
+{
+    // Trace lines are a sign of life themselves, and must not be torn.
+    const TraceOptions& trace = session.m_Options.m_Trace;
+    const bool traced = trace.wanted() && !trace.m_File;
+    return Progress(countDisks(states), traced ? nullptr : terminalWriter());
+}
+
+Inventory::Inventory(const Session& session) : m_Objects(takeInventory(m_Plugins, session)) {}
+
+Watched::Watched(const Session& session)
+{
+    const Progress progress = beginInventory(m_Plugins, session);
+    for (EquippedPlugin& plugin : m_Plugins.initialize())
+        m_Monitors.emplace_back(std::move(plugin), session.m_Folders.m_Data, session.m_Warn);
+    keepInventory(session.m_Folders.m_Data, objects(), session.m_Warn);
+    for (Monitor& monitor : m_Monitors)
+        monitor.start();
+}
+
+ObjectStore Watched::objects() const
+{
+    std::vector<PI::CObject> all;
+    for (const Monitor& monitor : m_Monitors) {
+        const std::vector<PI::CObject>& objects = monitor.objects().objects();
+        all.insert(all.end(), objects.begin(), objects.end());
+    }
+    return ObjectStore(std::move(all));
+}
 
 } // namespace Host::Cli

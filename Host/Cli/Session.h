@@ -1,11 +1,17 @@
 #pragma once
 
 #include "Cli/CommandLine.h"
+#include "Cli/Progress.h"
 #include "Core/HostSetup.h"
+#include "Core/Monitor.h"
 #include "Core/ObjectStore.h"
-#include "Core/PluginLibrary.h"
+#include "Core/PluginSet.h"
+
+#include <TLXX/Diagnosis.h>
 
 #include <filesystem>
+#include <list>
+#include <vector>
 
 namespace Host::Cli {
 
@@ -17,24 +23,49 @@ struct Session
     const Options& m_Options;
     const HostSetup& m_Setup;
     HostFolders m_Folders;
-    std::filesystem::path m_Plugin;
+    std::vector<std::filesystem::path> m_Plugins; ///< the installed one first
     Warn m_Warn;
 
     bool simulated() const { return m_Setup.fleet() != nullptr; }
 };
 
-/** What the plug-in shows. It stays loaded meanwhile, for the texts of its codes go with it. */
+/** Lives while request 1 runs: on a terminal it tells when the disks among `states` take their time. */
+Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Session& session);
+
+/** What the plug-ins show. They stay loaded meanwhile, for the texts of their codes go with them. */
 class Inventory
 {
 public:
-    /** Loads the plug-in and asks it. Throws `Failure`. */
+    /** Loads the plug-ins and asks them. Throws `Failure`. */
     explicit Inventory(const Session& session);
 
     const ObjectStore& objects() const { return m_Objects; }
 
 private:
-    PluginLibrary m_Plugin;
+    PluginSet m_Plugins;
     ObjectStore m_Objects;
+};
+
+/** The plug-ins at work on their own, each with the numbers of its adapters, until destruction at the latest.
+ */
+class Watched
+{
+public:
+    /** Loads the plug-ins, takes their inventory, which is kept in the data folder, and starts them. Throws
+     * `Failure`. */
+    explicit Watched(const Session& session);
+
+    PluginSet& plugins() { return m_Plugins; }
+
+    /** Of the plug-ins that found drives, at least one. */
+    std::list<Monitor>& monitors() { return m_Monitors; }
+
+    /** What all of them showed at the last look. */
+    ObjectStore objects() const;
+
+private:
+    PluginSet m_Plugins;
+    std::list<Monitor> m_Monitors;
 };
 
 } // namespace Host::Cli

@@ -1,40 +1,104 @@
 #include "Cli/ShowCommand.h"
 
+#include "Cli/EndOfLife.h"
+#include "Cli/Explanation.h"
 #include "Cli/PropertyText.h"
 #include "Cli/TopologyCommand.h"
 #include "Core/Failure.h"
+#include "Core/Suggestion.h"
 #include "Core/Text.h"
 
+#include <PI/PluginHelper.h>
+
+#include <algorithm>
+#include <optional>
+
 namespace Host::Cli {
+namespace {
+
+std::string withoutBlanks(std::string_view text)
+{
+    std::string result(text);
+    std::erase(result, ' ');
+    return result;
+}
+
+constexpr std::size_t STEP = 2;
+
+/** `text` behind `indent` blanks, on a terminal in lines that fit. */
+std::string paragraph(const std::string& text, std::size_t indent, const Screen& screen)
+{
+    const std::string blanks(indent, ' ');
+    std::string lines;
+    std::string line = blanks;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = std::min(text.find(' ', start), text.size());
+        const std::string word = text.substr(start, end - start);
+        start = end + 1;
+        const bool first = line.size() == indent;
+        if (screen.m_Width && !first && displayWidth(line) + 1 + displayWidth(word) > *screen.m_Width) {
+            lines += line + '\n';
+            line = blanks + word;
+        } else {
+            line += (first ? "" : " ") + word;
+        }
+    }
+    return lines + line + '\n';
+}
+
+std::string explanationText(const PI::CObject& object, const Screen& screen)
+{
+    std::string text;
+    for (const ExplainedCode& each : explainedCodes(object)) {
+        const std::uint32_t code = each.m_Explanation->m_Code;
+        text += std::string(STEP, ' ') +
+                toned(screen, Tone::Heading,
+                      printable(captionText(*each.m_Property) + ": " + PI::PropertyValueToString(code))) +
+                '\n' +
+                paragraph(std::string(each.m_Explanation->m_Meaning) + " " + each.m_Explanation->m_Advice,
+                          2 * STEP, screen);
+    }
+    if (const std::optional<EndOfLife> end = explainEndOfLife(object))
+        text += std::string(STEP, ' ') +
+                toned(screen, Tone::Heading, "Estimated end of life: " + end->m_Date) + '\n' +
+                paragraph(endOfLifeText(*end), 2 * STEP, screen);
+    return text.empty() ? text : '\n' + text;
+}
+
+} // namespace
 
 std::string showText(const std::vector<const PI::CObject*>& objects, const Screen& screen)
 {
-    constexpr std::size_t indent = 2;
     std::string text;
     for (const PI::CObject* object : objects)
-        text += headingText(*object, screen) + propertiesText(*object, screen, indent);
+        text += (text.empty() ? "" : "\n") + headingText(*object, screen) +
+                propertiesText(*object, screen, STEP) + explanationText(*object, screen);
     return text;
 }
 
-const PI::CProperty& namedProperty(const std::vector<const PI::CObject*>& objects, std::string_view name)
+NamedProperty namedProperty(const std::vector<const PI::CObject*>& objects, std::string_view name)
 {
     std::string known;
-    const PI::CProperty* empty = nullptr;
+    std::vector<std::string> captions;
+    std::optional<NamedProperty> empty;
     for (const PI::CObject* object : objects)
         for (const PI::CProperty& property : object->m_Properties) {
             const std::string caption = captionText(property);
+            captions.push_back(caption);
             known += "\n  " + std::to_string(property.Id()) + "  " + printable(caption);
-            if (!equalIgnoringCase(caption, name) && std::to_string(property.Id()) != name)
+            if (!equalIgnoringCase(withoutBlanks(caption), withoutBlanks(name)) &&
+                std::to_string(property.Id()) != name)
                 continue;
+            const NamedProperty found = {*object, property};
             if (!valueText(property).empty())
-                return property;
-            if (empty == nullptr)
-                empty = &property;
+                return found;
+            if (!empty)
+                empty.emplace(found);
         }
-    if (empty != nullptr)
+    if (empty)
         return *empty;
-    throw Failure(ExitCode::WrongUsage,
-                  "There is no property \"" + printable(name) + "\" here. These are there:" + known);
+    throw Failure(ExitCode::WrongUsage, "There is no property \"" + printable(name) + "\" here." +
+                                            didYouMean(name, captions) + " These are there:" + known);
 }
 
 } // namespace Host::Cli

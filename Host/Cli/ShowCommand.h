@@ -10,14 +10,21 @@
 
 namespace Host::Cli {
 
-/** Headings and properties of the objects. */
+/** A property and the object that has it. */
+struct NamedProperty
+{
+    const PI::CObject& m_Object;
+    const PI::CProperty& m_Property;
+};
+
+/** Headings and properties of the objects, with what their states mean and where their dates come from. */
 std::string showText(const std::vector<const PI::CObject*>& objects, const Screen& screen);
 
 /**
- * The property of the objects with this number or caption, case aside: the first that has a value, for an
- * adapter without a name must not hide that of its drive. Throws `Failure` (wrong usage),
- * listing what there is, when there is none.
+ * The property of the objects with this number or caption, case and blanks aside: the first that has a value,
+ * for an adapter without a name must not hide that of its drive. Throws `Failure` (wrong usage), listing what
+ * there is, when there is none.
  */
-const PI::CProperty& namedProperty(const std::vector<const PI::CObject*>& objects, std::string_view name);
+NamedProperty namedProperty(const std::vector<const PI::CObject*>& objects, std::string_view name);
 
 } // namespace Host::Cli

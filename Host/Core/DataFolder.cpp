@@ -75,6 +75,11 @@ void keepInventory(const std::filesystem::path& folder, const ObjectStore& inven
         warn(std::string("The rows of these objects may not have been kept: ") + printable(exception.what()) +
              ".");
     }
+    keepAdapterNumbers(folder, warn);
+}
+
+void keepAdapterNumbers(const std::filesystem::path& folder, const Warn& warn)
+{
     try {
         PI::storeAdapterNumbers(numbersFile(folder));
     } catch (const std::runtime_error& wrong) {

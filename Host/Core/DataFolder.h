@@ -25,4 +25,8 @@ void openDataFolder(const std::filesystem::path& folder, const std::function<voi
 void keepInventory(const std::filesystem::path& folder, const ObjectStore& inventory,
                    const std::function<void(const std::string&)>& warn);
 
+/** Keeps the numbers that adapters were given so far; what fails is told to `warn`. */
+void keepAdapterNumbers(const std::filesystem::path& folder,
+                        const std::function<void(const std::string&)>& warn);
+
 } // namespace Host

@@ -14,6 +14,20 @@ bool isRefused(const TLXX::CControllerState& state)
     return !state.m_DeviceName.empty() && TLXX::isPermissionStatus(state.m_AccessStatus);
 }
 
+std::size_t countDisks(const std::vector<TLXX::CControllerState>& states)
+{
+    return static_cast<std::size_t>(
+        std::count_if(states.begin(), states.end(),
+                      [](const TLXX::CControllerState& state) { return !state.m_DeviceName.empty(); }));
+}
+
+bool anyDiskOpens(const std::vector<TLXX::CControllerState>& states)
+{
+    return std::any_of(states.begin(), states.end(), [](const TLXX::CControllerState& state) {
+        return !state.m_DeviceName.empty() && !isRefused(state);
+    });
+}
+
 void checkAccess(const std::vector<TLXX::CControllerState>& states,
                  const std::function<void(const std::string&)>& warn)
 {
@@ -23,12 +37,9 @@ void checkAccess(const std::vector<TLXX::CControllerState>& states,
             refused += (refused.empty() ? "" : ", ") + state.m_AccessPath;
     if (refused.empty())
         return;
-    const bool anyOpen = std::any_of(states.begin(), states.end(), [](const TLXX::CControllerState& state) {
-        return !state.m_DeviceName.empty() && !isRefused(state);
-    });
     const std::string message =
         "No permission to open " + refused + ". " + std::string(Platform::permissionRemedy());
-    if (!anyOpen)
+    if (!anyDiskOpens(states))
         throw Failure(ExitCode::NoPermission, message);
     warn(message);
 }

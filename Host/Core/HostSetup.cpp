@@ -10,6 +10,7 @@
 #include <TLX/LanguageSupport.h>
 #include <TLX/TraceSink.h>
 
+#include <algorithm>
 #include <system_error>
 
 namespace Host {
@@ -17,7 +18,7 @@ namespace {
 
 void startTrace(const TraceOptions& trace)
 {
-    if (trace.m_Mask == 0 && !trace.m_File)
+    if (!trace.wanted() && !trace.m_File)
         return;
     try {
         TLX::Trace::setSink(trace.m_File ? TLX::Trace::rotatingFileSink(*trace.m_File)
@@ -27,18 +28,31 @@ void startTrace(const TraceOptions& trace)
                                                 " cannot be written: " + error.code().message() + ".");
     }
     TLX::Trace::setDefaultMask(trace.m_Mask);
+    for (const auto& [module, mask] : trace.m_ModuleMasks)
+        TLX::Trace::setMask(module, mask);
 }
 
 } // namespace
+
+bool TraceOptions::wanted() const
+{
+    return m_Mask != 0 || std::any_of(m_ModuleMasks.begin(), m_ModuleMasks.end(),
+                                      [](const auto& entry) { return entry.second != 0; });
+}
 
 std::filesystem::path shareFolder(const std::filesystem::path& programFolder)
 {
     return programFolder.parent_path() / "share" / "ostrel";
 }
 
+std::filesystem::path installedPlugin(const std::filesystem::path& programFolder)
+{
+    return programFolder.parent_path() / OSTREL_PLUGIN_FILE;
+}
+
 HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
                      const std::optional<std::filesystem::path>& fleetFile, const SimulatedFleet::Warn& warn)
-    : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr)
+    : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr), m_Trace(trace)
 {
     if (folders.m_KeepsRows)
         openDataFolder(folders.m_Data, warn);
@@ -55,6 +69,8 @@ HostSetup::~HostSetup()
     if (m_Fleet)
         TLXX::setDeviceBackend(nullptr);
     TLX::Trace::setDefaultMask(0);
+    for (const auto& [module, mask] : m_Trace.m_ModuleMasks)
+        TLX::Trace::setMask(module, 0);
     TLX::Trace::setSink(nullptr);
     setDatabaseFile({});
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -19,12 +20,19 @@ struct HostFolders
 
 struct TraceOptions
 {
-    std::uint32_t m_Mask = 0;
-    std::optional<std::filesystem::path> m_File; ///< none: standard error
+    std::uint32_t m_Mask = 0;                             ///< of every module that has none of its own
+    std::map<std::uint32_t, std::uint32_t> m_ModuleMasks; ///< by module number
+    std::optional<std::filesystem::path> m_File;          ///< none: standard error
+
+    /** Whether any line is to be written. */
+    bool wanted() const;
 };
 
 /** The share folder that belongs to a program in `programFolder`. */
 std::filesystem::path shareFolder(const std::filesystem::path& programFolder);
+
+/** The plug-in that was installed with a program in `programFolder`. */
+std::filesystem::path installedPlugin(const std::filesystem::path& programFolder);
 
 /**
  * The process as plug-ins expect it: folders known, traces going where they should, a simulated fleet in the
@@ -45,6 +53,7 @@ public:
 
 private:
     std::shared_ptr<SimulatedFleet> m_Fleet;
+    const TraceOptions m_Trace;
 };
 
 } // namespace Host

@@ -1,6 +1,7 @@
 #include "Core/ObjectStore.h"
 
 #include "Core/Failure.h"
+#include "Core/Suggestion.h"
 #include "Core/Text.h"
 
 #include <algorithm>
@@ -98,8 +99,9 @@ std::vector<const PI::CObject*> ObjectStore::named(std::string_view name) const
             matches.push_back(child);
     }
     if (adapters == 0)
-        throw Failure(ExitCode::WrongUsage,
-                      "There is no object \"" + printable(name) + "\". These are there:\n" + listing());
+        throw Failure(ExitCode::WrongUsage, "There is no object \"" + printable(name) + "\"." +
+                                                didYouMean(name, names()) + " These are there:\n" +
+                                                listing());
     if (adapters > 1)
         throw Failure(ExitCode::WrongUsage, "More than one adapter goes by \"" + printable(name) +
                                                 "\"; name the one by its identifier. These are there:\n" +
@@ -117,6 +119,18 @@ std::vector<const PI::CObject*> ObjectStore::namedExactly(std::string_view name)
             return {&object};
     }
     return {};
+}
+
+std::vector<std::string> ObjectStore::names() const
+{
+    std::vector<std::string> names = {"plugin"};
+    for (const PI::CObject& object : m_Objects) {
+        names.emplace_back(shortDeviceName(textOf(object, PI::PROP_DEVICE_NAME)));
+        names.push_back(textOf(object, PI::PROP_SERIAL_NUMBER));
+        names.push_back(textOf(object, PI::PROP_LOCATION));
+        names.push_back(identifierText(object.m_ID));
+    }
+    return names;
 }
 
 std::string ObjectStore::listing() const

@@ -48,6 +48,7 @@ public:
 
 private:
     std::vector<const PI::CObject*> namedExactly(std::string_view name) const;
+    std::vector<std::string> names() const;
     std::string listing() const;
 
     std::vector<PI::CObject> m_Objects;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <TLX/Event.h>
+
 #include <cstdint>
+#include <ctime>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -15,9 +18,6 @@ std::vector<std::string> commandLine(int argc, char** argv);
 
 /** The folder of the running program. */
 std::filesystem::path programFolder();
-
-/** Where the plug-in lies, seen from the program's folder. */
-std::filesystem::path pluginFile(const std::filesystem::path& programFolder);
 
 /** Where settings are kept when the user names no folder. */
 std::filesystem::path defaultDataFolder();
@@ -74,6 +74,31 @@ private:
     std::unique_ptr<Native> m_Native;
 };
 
+/**
+ * While it lives, who asks the program to end (an interrupt, a closed terminal, a shutdown) fires `asked()`,
+ * once; who asks again ends it at once. From then on, a write to an output that nobody reads any more fails,
+ * and does not end the program either. One at a time, made while the process has a single thread.
+ */
+class TerminationRequest
+{
+public:
+    /** Throws `std::system_error`. */
+    TerminationRequest();
+    ~TerminationRequest();
+    TerminationRequest(const TerminationRequest&) = delete;
+    TerminationRequest& operator=(const TerminationRequest&) = delete;
+
+    /** A manual-reset event. */
+    TLX::Threading::CEvent& asked();
+
+private:
+    struct Native;
+    std::unique_ptr<Native> m_Native;
+};
+
+/** `time` on the clock on this machine's wall. */
+std::tm localTime(std::time_t time);
+
 /** Whether standard error is a terminal. */
 bool errorsGoToTerminal();
 
@@ -86,6 +111,24 @@ struct UnservedFunction
 
 /** Controllers that no enumeration can find, because another driver or none has them. */
 std::vector<UnservedFunction> unservedFunctions();
+
+/** The running system. */
+struct System
+{
+    std::string m_Name;       ///< with its version
+    bool m_Supported = false; ///< whether it has what the search for drives needs
+};
+
+System runningSystem();
+
+/** What a user does whose system is not supported. */
+std::string_view systemRemedy();
+
+/** The NVMe driver that the system has. */
+std::string_view driverName();
+
+/** Whether that driver is there, for the case that no controller shows it. */
+bool isDriverThere();
 
 /** What a user does who may not open the drives. */
 std::string_view permissionRemedy();

@@ -23,11 +23,6 @@ std::filesystem::path programFolder()
     return std::filesystem::read_symlink("/proc/self/exe").parent_path();
 }
 
-std::filesystem::path pluginFile(const std::filesystem::path& programFolder)
-{
-    return programFolder.parent_path() / "lib" / "libOstrel.so";
-}
-
 std::filesystem::path defaultDataFolder()
 {
     if (geteuid() == 0)
@@ -116,6 +111,13 @@ bool ResultChannel::showsColours() const
 {
     const char* const terminal = std::getenv("TERM");
     return isTerminal() && terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
+}
+
+std::tm localTime(std::time_t time)
+{
+    std::tm result{};
+    (void)localtime_r(&time, &result);
+    return result;
 }
 
 bool errorsGoToTerminal()

@@ -39,6 +39,7 @@ std::string utf8(const wchar_t* text)
 
 HANDLE systemHandle(int descriptor)
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the runtime's way to say it
     return descriptor < 0 ? INVALID_HANDLE_VALUE : reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
 }
 
@@ -51,6 +52,7 @@ std::vector<std::string> commandLine(int /*argc*/, char** /*argv*/)
     if (!words)
         throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "command line");
     std::vector<std::string> result;
+    result.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         result.push_back(utf8(words[static_cast<std::size_t>(i)]));
     return result;
@@ -69,11 +71,6 @@ std::filesystem::path programFolder()
         }
         file.resize(file.size() * 2);
     }
-}
-
-std::filesystem::path pluginFile(const std::filesystem::path& programFolder)
-{
-    return programFolder / L"Ostrel.dll";
 }
 
 std::filesystem::path defaultDataFolder()
@@ -172,6 +169,13 @@ unsigned ResultChannel::terminalWidth() const
 bool ResultChannel::showsColours() const
 {
     return m_Native->m_Console.showsColours();
+}
+
+std::tm localTime(std::time_t time)
+{
+    std::tm result{};
+    (void)localtime_s(&result, &time);
+    return result;
 }
 
 bool errorsGoToTerminal()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Host/Built.h"
+
 #include <TLX/ModuleInfo.h>
 
 namespace HostTest {
@@ -8,7 +10,7 @@ namespace HostTest {
 class Catalogue
 {
 public:
-    Catalogue() { TLX::Language_Support::CLanguageSupport::SetFolder(OSTREL_SHARE); }
+    Catalogue() { TLX::Language_Support::CLanguageSupport::SetFolder(Built::SHARE); }
 
 private:
     TLX::Language_Support::CLanguageSupport::CLngFile m_File{"Ostrel.nls", 25966, "utf-8", 1, {}};

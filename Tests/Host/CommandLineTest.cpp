@@ -6,8 +6,10 @@ namespace {
 
 using namespace Host::Cli;
 using testing::AllOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
+using testing::Pair;
 
 Options parse(std::vector<std::string> words)
 {
@@ -46,6 +48,14 @@ TEST(CommandLine, KnowsTheCommands)
     EXPECT_EQ(show.m_Object, "nvme0n1");
     EXPECT_EQ(show.m_Property, std::nullopt);
     EXPECT_EQ(parse({"show", "nvme0n1", "30017"}).m_Property, "30017");
+    const Options set = parse({"set", "plugin", "pollinterval", "-60"});
+    EXPECT_EQ(set.m_Command, Command::Set);
+    EXPECT_EQ(set.m_Object, "plugin");
+    EXPECT_EQ(set.m_Property, "pollinterval");
+    EXPECT_EQ(set.m_Value, "-60");
+    EXPECT_EQ(parse({"watch"}).m_Command, Command::Watch);
+    EXPECT_EQ(parse({"watch"}).m_Seconds, std::nullopt);
+    EXPECT_EQ(parse({"watch", "--for", "4294967295", "--json"}).m_Seconds, 4294967295U);
 }
 
 TEST(CommandLine, TakesOptionsBeforeAndAfterTheCommand)
@@ -60,20 +70,40 @@ TEST(CommandLine, TakesOptionsBeforeAndAfterTheCommand)
     for (const auto& words : {before, after}) {
         const Options parsed = parse(words);
         EXPECT_EQ(parsed.m_Command, Command::List);
-        EXPECT_EQ(parsed.m_Plugin, "p.so");
+        EXPECT_THAT(parsed.m_Plugins, ElementsAre("p.so"));
         EXPECT_EQ(parsed.m_Data, ".");
         EXPECT_EQ(parsed.m_Fleet, "f.json");
-        EXPECT_EQ(parsed.m_TraceMask, 31U);
-        EXPECT_EQ(parsed.m_TraceFile, "t.log");
+        EXPECT_EQ(parsed.m_Trace.m_Mask, 31U);
+        EXPECT_EQ(parsed.m_Trace.m_File, "t.log");
         EXPECT_TRUE(parsed.m_Json);
     }
+}
+
+TEST(CommandLine, TakesSeveralPluginsAndMasks)
+{
+    const Options options = parse({"--plugin", "a.so", "--trace", "7=0x2", "--plugin", "b.so", "list",
+                                   "--trace", "4", "--trace", "313=1", "--trace", "7=3"});
+    EXPECT_EQ(options.m_Command, Command::List);
+    EXPECT_THAT(options.m_Plugins, ElementsAre("a.so", "b.so"));
+    EXPECT_EQ(options.m_Trace.m_Mask, 4U);
+    EXPECT_THAT(options.m_Trace.m_ModuleMasks, ElementsAre(Pair(7U, 3U), Pair(313U, 1U)));
+    EXPECT_TRUE(options.m_Trace.wanted());
+    EXPECT_FALSE(parse({"list", "--trace", "313=0"}).m_Trace.wanted());
+}
+
+TEST(CommandLine, OnlySetAndWatchKeepDataUnasked)
+{
+    EXPECT_TRUE(keepsData(Command::Set) && keepsData(Command::Watch));
+    for (const Command command : {Command::List, Command::Topology, Command::Show, Command::Doctor})
+        EXPECT_FALSE(keepsData(command));
 }
 
 TEST(CommandLine, HasQuietDefaults)
 {
     const Options options = parse({"list"});
-    EXPECT_FALSE(options.m_Plugin || options.m_Data || options.m_Fleet || options.m_TraceFile);
-    EXPECT_EQ(options.m_TraceMask, 0U);
+    EXPECT_FALSE(options.m_Data || options.m_Fleet || options.m_Trace.m_File);
+    EXPECT_TRUE(options.m_Plugins.empty());
+    EXPECT_FALSE(options.m_Trace.wanted());
     EXPECT_FALSE(options.m_Json);
 }
 
@@ -81,16 +111,35 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
 {
     EXPECT_THAT(refusalOf({}), HasSubstr("A command is missing"));
     EXPECT_THAT(refusalOf({"lst"}), HasSubstr("There is no command \"lst\""));
-    EXPECT_THAT(refusalOf({"set", "plugin", "pollinterval", "60"}), HasSubstr("There is no command \"set\""));
-    EXPECT_THAT(refusalOf({"watch"}), HasSubstr("There is no command \"watch\""));
+    EXPECT_THAT(refusalOf({"set", "plugin"}), HasSubstr("PROPERTY is required"));
+    EXPECT_THAT(refusalOf({"set", "plugin", "pollinterval"}), HasSubstr("VALUE is required"));
+    for (const char* seconds : {"", "x", "-1", "1.5", "4294967296"})
+        EXPECT_THAT(refusalOf({"watch", "--for", seconds}), HasSubstr("is no number from 0 to 4294967295"));
+    EXPECT_THAT(refusalOf({"list", "--for", "1"}), HasSubstr("--for"));
     EXPECT_THAT(refusalOf({"list", "extra"}), HasSubstr("extra"));
     EXPECT_THAT(refusalOf({"list", "--colour"}), HasSubstr("--colour"));
     EXPECT_THAT(refusalOf({"show"}), HasSubstr("OBJECT is required"));
     EXPECT_THAT(refusalOf({"list", "topology"}), HasSubstr("topology"));
     EXPECT_THAT(refusalOf({"list", "--simulate"}), HasSubstr("--simulate"));
     EXPECT_THAT(refusalOf({"list", "--trace", "7x"}), HasSubstr("\"7x\" is no number"));
+    for (const char* mask : {"=1", "313=", "313=x", "-1=1", "1=2=3", "4294967296=1"})
+        EXPECT_THAT(refusalOf({"list", "--trace", mask}), HasSubstr("is no number")) << mask;
     EXPECT_THAT(refusalOf({"list", "--trace-file", "t.log"}), HasSubstr("requires --trace"));
     EXPECT_THAT(refusalOf({"list", "--data"}), HasSubstr("--data"));
+}
+
+TEST(CommandLine, SuggestsWhatWasMeant)
+{
+    const std::string help = " \"ostrel --help\" tells what there is.";
+    EXPECT_EQ(refusalOf({"lst"}), "There is no command \"lst\". Did you mean \"list\"?" + help);
+    EXPECT_EQ(refusalOf({"remove"}), "There is no command \"remove\"." + help);
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"--simulte", "f.json", "list"},
+                                                  {"list", "--simulte", "f.json"},
+                                                  {"--simulte"}})
+        EXPECT_EQ(refusalOf(words), "There is no option \"--simulte\". Did you mean \"--simulate\"?" + help);
+    EXPECT_EQ(refusalOf({"show", "plugin", "--jsn"}),
+              "There is no option \"--jsn\". Did you mean \"--json\"?" + help);
+    EXPECT_EQ(refusalOf({"list", "--colour"}), "There is no option \"--colour\"." + help);
 }
 
 TEST(CommandLine, AWordForgesNoLineOfARefusal)
@@ -115,13 +164,11 @@ TEST(CommandLine, ReadsMasksInBothBases)
 TEST(CommandLine, HelpIsThereForTheProgramAndEveryCommand)
 {
     const std::string help = textFor({"--help"});
-    for (const char* word :
-         {"list", "topology", "show", "doctor", "--plugin FILE", "--data DIR", "--simulate FLEET.json",
-          "--trace MASK", "--trace-file FILE", "--json", "--version", "Exit codes", "Examples:"})
+    for (const char* word : {"list", "topology", "show", "set", "watch", "doctor", "--plugin FILE",
+                             "--data DIR", "--simulate FLEET.json", "--trace [N=]MASK", "--trace-file FILE",
+                             "--json", "--version", "Exit codes", "Examples:"})
         EXPECT_THAT(help, HasSubstr(word));
-    for (const char* later : {" set ", "watch"})
-        EXPECT_THAT(help, Not(HasSubstr(later)));
-    for (const char* command : {"list", "topology", "show", "doctor"}) {
+    for (const char* command : {"list", "topology", "show", "set", "watch", "doctor"}) {
         const std::string text = textFor({command, "--help"});
         EXPECT_THAT(text, HasSubstr(std::string("Usage: ostrel ") + command));
         EXPECT_THAT(text, HasSubstr("Examples:"));
@@ -136,6 +183,8 @@ TEST(CommandLine, HelpFits80Columns)
                                                   {"list", "-h"},
                                                   {"topology", "-h"},
                                                   {"show", "-h"},
+                                                  {"set", "-h"},
+                                                  {"watch", "-h"},
                                                   {"doctor", "-h"}}) {
         const std::string text = textFor(words);
         for (std::size_t start = 0; start < text.size();) {

@@ -293,6 +293,79 @@ TEST(CheckSettings, TellsOfAFileThatIsIgnored)
     EXPECT_THAT(unreadable.m_Remedy, HasSubstr("may read"));
 }
 
+TEST(CheckSettings, TellsOfAnIntervalThatIsNotTakenAsItStands)
+{
+    const TestSupport::CTemporaryFolder folder;
+    for (const char* good : {"2", "30", "255"}) {
+        folder.Write("Ostrel.ini", std::string("PollInterval=") + good + "\r\n");
+        EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Ok, "Ostrel.ini")) << good;
+    }
+    for (const char* bad : {"", "abc", "30 s", "-5", "1.5"}) {
+        folder.Write("Ostrel.ini", std::string("PollInterval=") + bad + "\n");
+        const Check check = checkSettings(folder.Path());
+        EXPECT_THAT(check, finding(Finding::Problem, "PollInterval is \"" + std::string(bad) + "\"")) << bad;
+        EXPECT_THAT(check.m_Remedy, HasSubstr("from 2 to 255"));
+    }
+    for (const char* far : {"0", "1", "256", "4294967296"}) {
+        folder.Write("Ostrel.ini", std::string("PollInterval=") + far + "\n");
+        EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Problem, "nearest possible value")) << far;
+    }
+    folder.Write("Ostrel.ini", "PolInterval=45\n");
+    EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Note, "no line \"PollInterval=...\""));
+}
+
+TEST(CheckSystem, HasALineForSystemDriverAndPermissions)
+{
+    EXPECT_THAT(checkSystem({"Linux 6.1", true}, true, {stateOf(0), stateOf(1)}),
+                ElementsAre(finding(Finding::Ok, "Linux 6.1"), finding(Finding::Ok, "nvme"),
+                            finding(Finding::Ok, "may open every drive, 2 in all")));
+    EXPECT_THAT(checkSystem({"Linux 6.1", true}, true, {}),
+                ElementsAre(finding(Finding::Ok, "Linux 6.1"),
+                            finding(Finding::Ok, std::string(Host::Platform::driverName()))));
+}
+
+TEST(CheckUnserved, NamesThePlaceAndTheDriver)
+{
+    EXPECT_TRUE(checkUnserved({}).empty());
+    const std::vector<Check> checks = checkUnserved({{"0000:03:00.0", ""}, {"0000:05:00.0", "vfio-pci"}});
+    EXPECT_THAT(checks, ElementsAre(finding(Finding::Problem, "it has no driver"),
+                                    finding(Finding::Problem, "it has the driver vfio-pci")));
+    EXPECT_EQ(checks[0].m_Subject, "0000:03:00.0");
+    EXPECT_EQ(exitCodeOf(checks), ExitCode::NoHardware);
+}
+
+TEST(CheckSystem, TellsWhatIsMissing)
+{
+    const std::vector<Check> checks = checkSystem({"Linux 3.2", false}, false, {});
+    ASSERT_GE(checks.size(), 2U);
+    EXPECT_THAT(checks[0], finding(Finding::Problem, "Linux 3.2 lacks"));
+    EXPECT_EQ(checks[0].m_Remedy, Host::Platform::systemRemedy());
+    EXPECT_THAT(checks[1], finding(Finding::Problem, "is not loaded"));
+    EXPECT_EQ(checks[1].m_Remedy, Host::Platform::driverRemedy());
+    // A driver that serves a controller is there, wherever it comes from.
+    EXPECT_THAT(checkSystem({"Linux 6.1", true}, false, {stateOf(0)})[1], finding(Finding::Ok, "nvme"));
+}
+
+TEST(CheckSystem, LeavesRefusalsToTheLinesOfTheDrives)
+{
+    TLXX::CControllerState refused = stateOf(1);
+    refused.m_AccessStatus = NO_PERMISSION;
+    for (const Check& check : checkSystem({"Linux 6.1", true}, true, {stateOf(0), refused}))
+        EXPECT_NE(check.m_Subject, "permissions");
+}
+
+TEST(CheckVersions, ComparesThePluginsReleaseWithTheProgramsOwn)
+{
+    std::vector<PI::CObject> objects = HostTest::topologyOf({});
+    EXPECT_TRUE(checkVersions(Host::ObjectStore(objects)).empty());
+    objects.front().m_Properties.push_back(HostTest::property(PI::PROP_VERSION, 1, "7.16.3"));
+    EXPECT_THAT(checkVersions(Host::ObjectStore(objects)),
+                ElementsAre(finding(Finding::Ok, "NVMe-Plugin 7.16.3, the same as this program")));
+    objects.front().m_Properties.back().SetValue("7.16.2");
+    EXPECT_THAT(checkVersions(Host::ObjectStore(objects)),
+                ElementsAre(finding(Finding::Note, "NVMe-Plugin 7.16.2, but this program is 7.16.3")));
+}
+
 TEST(DoctorText, HasALineForEachCheck)
 {
     const std::vector<Check> checks = {ok("a", "fine"), note("b", "hm\n"),

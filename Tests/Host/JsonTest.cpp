@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <limits>
+
 namespace {
 
 using namespace Host::Cli;
@@ -32,7 +34,8 @@ TEST_F(JsonTest, WritesAPropertyOfEachKind)
               parsed(R"({"id": 30007, "value": "x", "text": "x", "settable": false})"));
 
     EXPECT_EQ(propertyJson(property(PI::PROP_CAPACITY, PI::UNIT_MIB, std::uint64_t{18446744073709551615ULL})),
-              parsed(R"({"id": 30059, "value": 18446744073709551615, "text": "18446744073709551615 MiB",
+              parsed(R"({"id": 30059, "value": 18446744073709551615,
+                         "valueText": "18446744073709551615", "text": "16777216 EiB",
                          "unit": 21002, "unitText": "MiB", "settable": false})"));
 
     PI::CProperty interval(PI::PROP_POLL_INTERVAL, true);
@@ -95,6 +98,29 @@ TEST_F(JsonTest, LeavesOutWhatADriveDoesNotReport)
     EXPECT_EQ(driveJson(unread), parsed(R"({"health": "Unknown"})"));
 }
 
+TEST_F(JsonTest, WritesAnEventInOneLine)
+{
+    DriveEvent event;
+    event.m_Event.m_Time = 1'767'225'600'007;
+    event.m_Event.m_Id = 11093;
+    event.m_Event.m_Severity = 2;
+    event.m_Event.m_Source = 19002;
+    event.m_Event.SetSource("name");
+    event.m_Event.SetPlaceHolder1("first\n");
+    event.m_Event.SetPlaceHolder2(" ");
+    EXPECT_EQ(
+        lineText(eventJson(event)),
+        R"({"format":1,"time":"2026-01-01T00:00:00.007Z","id":11093,"severity":2,"text":"first\n was added.",)"
+        R"("source":"0x0000000000004a3a","sourceName":"name","placeholder1":"first\n",)"
+        R"("placeholder2":" "})"
+        "\n");
+    const Host::ObjectStore store(HostTest::topologyOf({{0x81, "SERIAL", "/dev/nvme0n1"}}));
+    event.m_Drive = joinDrives(store).at(0);
+    EXPECT_EQ(eventJson(event)["drive"], parsed(R"({"device": "/dev/nvme0n1", "vendor": "INTEL",
+        "model": "MODEL-OF-THE-ADAPTER", "serial": "SERIAL", "pciAddress": "0000:81:1f.1",
+        "location": "PCI:Bus=129&Device=0&Function=0"})"));
+}
+
 TEST_F(JsonTest, WritesFailures)
 {
     EXPECT_EQ(failureJson("m", Host::RequestResult{1, 20001}),
@@ -103,9 +129,46 @@ TEST_F(JsonTest, WritesFailures)
     EXPECT_EQ(failureJson("m", std::nullopt), parsed(R"({"error": {"message": "m"}})"));
 }
 
+TEST_F(JsonTest, WritesNumbersThatNoDoubleHoldsAsTextToo)
+{
+    constexpr std::uint64_t largestExact = 9007199254740992ULL;
+    const auto hours = [](std::uint64_t number) {
+        return propertyJson(property(PI::PROP_POWER_ON_HOURS, PI::UNIT_HOURS, number));
+    };
+    EXPECT_FALSE(hours(largestExact).contains("valueText"));
+    EXPECT_EQ(hours(largestExact + 1)["valueText"], "9007199254740993");
+    EXPECT_EQ(hours(largestExact + 1)["value"].dump(), "9007199254740993");
+
+    Drive drive;
+    drive.m_MediaErrors = largestExact + 1;
+    EXPECT_EQ(driveJson(drive), parsed(R"({"mediaErrors": 9007199254740993,
+                                           "mediaErrorsText": "9007199254740993"})"));
+    PI::CObject object;
+    object.m_UpdateCount = largestExact + 1;
+    EXPECT_EQ(objectJson(object)["updateCountText"], "9007199254740993");
+}
+
+TEST_F(JsonTest, LeavesOutMeasurementsThatAreNoNumbers)
+{
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    const float infinite = std::numeric_limits<float>::infinity();
+    EXPECT_FALSE(propertyJson(property(1, 1, none)).contains("value"));
+    EXPECT_FALSE(propertyJson(property(1, 1, infinite)).contains("value"));
+    Drive drive;
+    drive.m_Temperature = none;
+    drive.m_DataRead = Amount{infinite, PI::UNIT_TIB};
+    EXPECT_EQ(driveJson(drive).dump(), "{}");
+}
+
+TEST_F(JsonTest, ADocumentBeginsWithItsFormat)
+{
+    EXPECT_EQ(documentText({{"drives", Json::array()}}), "{\n  \"format\": 1,\n  \"drives\": []\n}\n");
+    EXPECT_EQ(lineText({{"id", 1}}, true), "{\"format\":1,\"simulated\":true,\"id\":1}\n");
+}
+
 TEST_F(JsonTest, ReplacesBytesThatAreNoUtf8)
 {
-    EXPECT_EQ(Json::parse(documentText({{"a", "x\xFF"}})), Json({{"a", "x\uFFFD"}}));
+    EXPECT_EQ(Json::parse(documentText({{"a", "x\xFF"}}))["a"], "x\uFFFD");
 }
 
 } // namespace

@@ -67,6 +67,14 @@ TEST_F(ObjectStoreTest, AnUnknownNameGetsAListOfWhatThereIs)
     }
 }
 
+TEST_F(ObjectStoreTest, SuggestsTheNearestName)
+{
+    EXPECT_THAT(refusalOf("nvme0n"), HasSubstr("\"nvme0n\". Did you mean \"nvme0n1\"? These are there:\n"));
+    EXPECT_THAT(refusalOf("plugn"), HasSubstr("Did you mean \"plugin\"?"));
+    EXPECT_THAT(refusalOf("ABC11"), HasSubstr("Did you mean \"ABC1\"?"));
+    EXPECT_THAT(refusalOf("PCI:Bus=16&Device=0"), Not(HasSubstr("Did you mean")));
+}
+
 TEST_F(ObjectStoreTest, ANameForgesNoLineOfARefusal)
 {
     EXPECT_THAT(refusalOf("a\nostrel: all is well\x9B"), HasSubstr("object \"a?ostrel: all is well?\"."));

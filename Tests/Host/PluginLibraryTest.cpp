@@ -2,12 +2,15 @@
 
 #include "Core/Failure.h"
 #include "Core/HostSetup.h"
+#include "Host/Built.h"
 #include "Support/TemporaryFolder.h"
+#include "Support/VirtualClock.h"
 
 namespace {
 
 using Host::ExitCode;
 using Host::PluginLibrary;
+namespace Built = HostTest::Built;
 using testing::AllOf;
 using testing::HasSubstr;
 
@@ -31,26 +34,26 @@ TEST(PluginLibrary, SaysWhyAFileCannotBeLoaded)
 
 TEST(PluginLibrary, RefusesALibraryThatIsNoPlugin)
 {
-    EXPECT_THAT(failureOf([] { PluginLibrary plugin(OSTREL_NO_PLUGIN); }).what(),
+    EXPECT_THAT(failureOf([] { PluginLibrary plugin(Built::NO_PLUGIN); }).what(),
                 HasSubstr("is no plug-in: it does not export \"createIf\""));
 }
 
 TEST(PluginLibrary, RefusesAnotherInterfaceVersion)
 {
-    const Host::Failure failure = failureOf([] { PluginLibrary plugin(OSTREL_WRONG_VERSION_PLUGIN); });
+    const Host::Failure failure = failureOf([] { PluginLibrary plugin(Built::WRONG_VERSION_PLUGIN); });
     EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
     EXPECT_THAT(failure.what(), HasSubstr("speaks interface version 3, this program version 2"));
 }
 
 TEST(PluginLibrary, RefusesAPluginThatCannotBeCreated)
 {
-    EXPECT_THAT(failureOf([] { PluginLibrary plugin(OSTREL_NO_MEMORY_PLUGIN); }).what(),
+    EXPECT_THAT(failureOf([] { PluginLibrary plugin(Built::NO_MEMORY_PLUGIN); }).what(),
                 HasSubstr("could not be created: 20007 ERR_OUT_OF_MEMORY"));
 }
 
 TEST(PluginLibrary, NamesTheRequestThatFailed)
 {
-    PluginLibrary plugin(OSTREL_REFUSING_PLUGIN);
+    PluginLibrary plugin(Built::REFUSING_PLUGIN);
     EXPECT_TRUE(plugin.initialize().empty());
     const Host::Failure failure = failureOf([&] { plugin.topology(); });
     EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
@@ -59,12 +62,34 @@ TEST(PluginLibrary, NamesTheRequestThatFailed)
     EXPECT_THAT(failure.what(), HasSubstr("request 4 (GetTopology) failed with 20000 ERR_GENERAL_FAILURE"));
 }
 
+TEST(PluginLibrary, ReleasesAPluginThatEndedInTime)
+{
+    TestSupport::CVirtualClock clock;
+    {
+        PluginLibrary plugin(Built::SLOW_PLUGIN);
+        EXPECT_TRUE(plugin.deInitialize());
+    }
+    EXPECT_THAT(clock.Sleeps(), testing::ElementsAre(24'999, 1));
+}
+
+TEST(PluginLibrary, LeavesAPluginAloneThatMayStillRun)
+{
+    TestSupport::CVirtualClock clock;
+    {
+        PluginLibrary plugin(Built::SLOW_PLUGIN);
+        clock.OnSleep([&] { clock.Advance(25'000); });
+        EXPECT_FALSE(plugin.deInitialize());
+    }
+    // It would have slept once more when it was released.
+    EXPECT_EQ(clock.Sleeps().size(), 1U);
+}
+
 class RealPluginTest : public testing::Test
 {
 protected:
     std::unique_ptr<Host::HostSetup> setupOf(const std::string& fleet)
     {
-        return std::make_unique<Host::HostSetup>(Host::HostFolders{OSTREL_SHARE, m_Folder.Path()},
+        return std::make_unique<Host::HostSetup>(Host::HostFolders{Built::SHARE, m_Folder.Path()},
                                                  Host::TraceOptions{}, m_Folder.Write("fleet.json", fleet),
                                                  [](const std::string&) { ADD_FAILURE(); });
     }
@@ -77,7 +102,7 @@ TEST_F(RealPluginTest, AnswersWithTheFleetInPlaceOfTheMachine)
     const auto setup = setupOf(R"({"controllers": [{"location": "0000:05:00.0",
         "identify": {"vendorId": 1, "model": "M", "serial": "SER"}, "namespace": {"blocks": 4096},
         "health": {"temperature": 30}}]})");
-    PluginLibrary plugin(OSTREL_PLUGIN);
+    PluginLibrary plugin(Built::PLUGIN);
     EXPECT_EQ(plugin.version(), 2U);
     EXPECT_EQ(plugin.module(), 313U);
     const std::vector<PI::CAdapterID> adapters = plugin.initialize();
@@ -89,7 +114,7 @@ TEST_F(RealPluginTest, AnswersWithTheFleetInPlaceOfTheMachine)
 TEST_F(RealPluginTest, AnEmptyFleetIsNoHardware)
 {
     const auto setup = setupOf(R"({"controllers": []})");
-    PluginLibrary plugin(OSTREL_PLUGIN);
+    PluginLibrary plugin(Built::PLUGIN);
     const Host::Failure failure = failureOf([&] { plugin.initialize(); });
     EXPECT_EQ(failure.exitCode(), ExitCode::NoHardware);
     EXPECT_THAT(failure.what(),

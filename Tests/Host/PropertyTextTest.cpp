@@ -19,6 +19,8 @@ TEST_F(PropertyTextTest, WritesEachKindOfValue)
 {
     EXPECT_EQ(valueText(property(1, 1, "text")), "text");
     EXPECT_EQ(valueText(property(1, PI::UNIT_MIB, std::uint64_t{7})), "7 MiB");
+    EXPECT_EQ(valueText(property(1, PI::UNIT_MIB, std::uint64_t{1907729})), "1.82 TiB");
+    EXPECT_EQ(valueText(property(1, PI::UNIT_HOURS, std::uint64_t{21930})), "21930 h (2.5 years)");
     EXPECT_EQ(valueText(property(1, 1, std::uint64_t{18446744073709551615ULL})), "18446744073709551615");
     EXPECT_EQ(valueText(property(1, PI::UNIT_CELSIUS, 36.0F)), "36 \u00b0C");
     EXPECT_EQ(valueText(property(1, PI::UNIT_PERCENT, 120, 0, 100, 1)), "120%");
@@ -46,6 +48,23 @@ TEST(NumberText, HasTwoDecimalsAtMost)
     EXPECT_EQ(numberText(100), "100");
     EXPECT_EQ(numberText(-0.001), "0");
     EXPECT_EQ(numberText(-272), "-272");
+}
+
+TEST(DurationText, IsInDaysMonthsOrYears)
+{
+    EXPECT_EQ(durationText(0), "0 days");
+    EXPECT_EQ(durationText(24), "1 day");
+    EXPECT_EQ(durationText(60 * 24), "60 days");
+    EXPECT_EQ(durationText(61 * 24), "2 months");
+    EXPECT_EQ(durationText(8766), "12 months");
+    EXPECT_EQ(durationText(2 * 8766), "2.0 years");
+    EXPECT_EQ(durationText(876000), "99.9 years");
+}
+
+TEST_F(PropertyTextTest, HoursGetTheirSpanFromADayOn)
+{
+    EXPECT_EQ(hoursText(23), "23 h");
+    EXPECT_EQ(hoursText(24), "24 h (1 day)");
 }
 
 TEST(SizeText, HasThreeDigitsInTheLargestUnit)

@@ -30,10 +30,10 @@ class Guest:
     """
     One boot. Use it as a context manager: `await_event` and `go` keep step with the job, `qmp` reaches QEMU while
     the job runs, `results` waits for its end. The drives in `later` get their storage and their port now and are
-    plugged in by `plug`.
+    plugged in by `plug`. Of `programs`, those that are in the tree come from there, the others from this machine.
     """
 
-    def __init__(self, kernel, job, log, fleet=(), later=(), tree=None, options=()):
+    def __init__(self, kernel, job, log, fleet=(), later=(), tree=None, options=(), programs=()):
         self._log = pathlib.Path(log)
         shutil.rmtree(self._log, ignore_errors=True)
         self._log.mkdir(parents=True)
@@ -41,11 +41,11 @@ class Guest:
         self._console.write_text("")
         self._kernel, self._drives, self._later, self._options = kernel, fleet, later, options
         self._initramfs = self._log / "initramfs.cpio"
-        self._pack(job, tree)
+        self._pack(job, tree, programs)
         self._buffer = b""
         self.events = []
 
-    def _pack(self, job, tree):
+    def _pack(self, job, tree, programs):
         archive = initramfs.Archive()
         for directory in ("/proc", "/sys", "/dev", "/tmp", "/root"):
             archive.directory(directory)
@@ -59,7 +59,12 @@ class Guest:
         namespaces = sum(drive.namespace_count() for drive in self._drives)
         archive.text("/job/job.sh", f"await_drives {len(self._drives)} {paths} {namespaces}\n{job}")
         if tree is not None:
-            archive.tree("/opt/ostrel", tree, ("bin/ostrel", "lib/*.so*", "share/ostrel/*"))
+            archive.tree("/opt/ostrel", tree, ("bin/ostrel", "lib/**/*.so*", "share/ostrel/*"))
+        for program in programs:
+            if tree is not None and (tree / "bin" / program).exists():
+                archive.tree("/opt/ostrel", tree, (f"bin/{program}",))
+            else:
+                archive.program(program)
         archive.write(self._initramfs)
 
     def _command(self, sockets):

@@ -3,9 +3,9 @@
 The machine test: ostrel in a virtual machine with emulated NVMe controllers, held against nvme-cli, smartctl and
 the kernel.
 
-Needs the Debian packages qemu-system-x86 busybox-static nvme-cli smartmontools sqlite3 python3, and a configured apt to
-download the guest's kernel from (it is unpacked below the work folder, never installed). It needs no special
-rights and no hardware virtualisation.
+Needs the Debian packages qemu-system-x86 busybox-static nvme-cli smartmontools sqlite3 python3 python3-jsonschema,
+and a configured apt to download the guest's kernel from (it is unpacked below the work folder, never installed).
+It needs no special rights and no hardware virtualisation.
 """
 
 import argparse
@@ -14,7 +14,7 @@ import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(HERE))
+sys.path[:0] = [str(HERE), str(HERE.parent / "Docs")]
 
 import progress  # noqa: E402
 import session  # noqa: E402

@@ -4,6 +4,7 @@ import json
 import unittest
 
 import inventory
+import schemas
 import session
 from drives import MIB, Controller, Namespace
 
@@ -57,6 +58,18 @@ class Booted(unittest.TestCase):
 
     def messages(self, name):
         return self.files[f"ostrel/{name}.err"].decode()
+
+    def assert_documents(self):
+        """Every JSON document that ostrel printed fits its schema."""
+        documents = {}
+        for name, content in self.files.items():
+            if name.startswith("ostrel/") and name.endswith(".out") and content.startswith(b"{"):
+                documents[name.removeprefix("ostrel/").removesuffix(".out")] = json.loads(content)
+        self.assertTrue(documents)
+        print(f"      {len(documents)} documents")
+        for name, document in documents.items():
+            schema = "error" if "error" in document else name.split("-")[0]
+            self.assertEqual(schemas.wrong(schema, document), [], name)
 
     def controllers(self, folder):
         """The collected files of each controller, by its name."""
@@ -212,6 +225,10 @@ class Inventory(Booted):
         for name, files in self.controllers("first").items():
             self.assertEqual(f"/dev/{name}" in said, files.first_namespace() is not None, said)
 
+    def test_documents(self):
+        """every JSON document fits its schema"""
+        self.assert_documents()
+
     def test_driverless(self):
         """controllers without a driver give exit code 3, and doctor names each of them"""
         self.output("list-driverless", code=3)
@@ -231,6 +248,10 @@ class AgedDrives(Booted):
         # With a clock that counts instructions and skips sleep, hours pass in a few seconds.
         with session.boot("aged", cls.FLEET, options=("-icount", "shift=3,sleep=off", "-rtc", "clock=vm")) as guest:
             cls.files = guest.results()
+
+    def test_documents(self):
+        """every JSON document fits its schema"""
+        self.assert_documents()
 
     def test_agreement(self):
         """every field agrees for drives that ran for two hours, which their counters show"""
@@ -252,6 +273,10 @@ class EmptyMachine(Booted):
         for name in ("list", "list-json"):
             self.output(name, code=3)
         self.assertNotEqual(self.messages("list").strip(), "")
+
+    def test_documents(self):
+        """an error, too, is a document that fits its schema"""
+        self.assert_documents()
 
     def test_doctor(self):
         """without a controller doctor says that there is none"""

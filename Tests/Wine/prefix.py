@@ -59,10 +59,10 @@ class Prefix:
     def drive_c(self):
         return self.folder / "drive_c"
 
-    def start(self, *command, **options):
+    def start(self, *command, stdin=subprocess.DEVNULL):
         """Starts a program, which is not waited for."""
-        return subprocess.Popen(["wine", *map(str, command)], env=self._environment, stdin=subprocess.DEVNULL,
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options)
+        return subprocess.Popen(["wine", *map(str, command)], env=self._environment, stdin=stdin,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE)
 
     def finish(self, process):
         """Waits for a started program."""
@@ -77,9 +77,9 @@ class Prefix:
             print(f"$ {' '.join(process.args)}\n{run.out}{run.err}[{run.code}]", file=log)
         return run
 
-    def run(self, *command, **options):
+    def run(self, *command):
         """Runs a program to its end."""
-        return self.finish(self.start(*command, **options))
+        return self.finish(self.start(*command))
 
     def control_driver(self, *command):
         """`sc` with the driver's name put behind its first word; it must succeed."""

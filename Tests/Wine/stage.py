@@ -40,6 +40,7 @@ class Machine:
         self.probe = self._beside(standins.probe, self.prefix.drive_c / "Probe", standins)
         self.installed = self.prefix.drive_c / "Ostrel"
         shutil.copytree(product, self.installed)
+        self.console = shutil.copy(standins.console, self.prefix.drive_c)
         self.program = self._beside(self.installed / "bin" / "ostrel.exe", self.installed / "bin", standins)
         drivers = self.prefix.drive_c / "windows" / "system32" / "drivers"
         shutil.copy(standins.versioned, drivers / "stornvme.sys")

@@ -34,6 +34,7 @@ class StandIns:
         self.driver = folder / "storagetest.sys"
         self.device_tree = folder / "devicetree.dll"
         self.probe = folder / "probe.exe"
+        self.console = folder / "console.exe"
         self.versioned = folder / "versioned.sys"
         for command in (
                 (f"{TOOL}gcc-posix", "-std=gnu11", "-O1", *WARNINGS, "-isystem", KERNEL_HEADERS, "-nostdlib", "-shared",
@@ -43,5 +44,6 @@ class StandIns:
                 (*LIBRARY, "-DCMAPI=", "-D_SETUPAPI_", "-shared", "-o", self.device_tree,
                  *_sources("DeviceTree", ".cpp"), *_sources("DeviceTree", ".def")),
                 (*LIBRARY, "-o", self.probe, *_sources("Probe", ".cpp"), "-lcfgmgr32", "-lsetupapi"),
+                (*LIBRARY, "-o", self.console, *_sources("Console", ".cpp")),
                 *_resource(self.versioned)):
             subprocess.run(command, check=True)

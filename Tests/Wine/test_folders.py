@@ -25,7 +25,7 @@ class Folders(unittest.TestCase):
         (self.folder / "Ostrel.ini").write_text("PollInterval=45\r\n")
         data = ("--data", f"C:\\{NAME}")
         run = self.machine.ostrel(*data, "show", "plugin", "30005", "--json")
-        self.assertEqual((run.code, stage.document(run)["value"]), (0, 45), run.err)
+        self.assertEqual((run.code, stage.document(run)["property"]["value"]), (0, 45), run.err)
         run = self.machine.ostrel(*data, "doctor", "--json")
         self.assertEqual(run.code, 0, run.out + run.err)
         settings = [check["message"] for check in stage.document(run)["checks"] if check["subject"] == "settings"]

@@ -1,9 +1,14 @@
 """The zip that users get, in a prefix where nothing else was ever installed."""
 
+import pathlib
+import shutil
+import subprocess
 import unittest
 import zipfile
 
 import stage
+
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
 
 
 class Package(unittest.TestCase):
@@ -41,3 +46,33 @@ class Package(unittest.TestCase):
         run = self.run_program("--simulate", f"Z:{fleet}".replace("/", "\\"), "list", "--json")
         self.assertEqual(run.code, 0, run.err)
         self.assertTrue(stage.document(run)["drives"])
+
+    def test_consumer(self):
+        """a host and a plug-in of somebody else, built against what was unpacked alone, work with it"""
+        (program,) = self.programs
+        unpacked, built = program.parents[1], self.prefix.drive_c / "Consumer"
+        for command in (("cmake", "-G", "Ninja", "-S", SOURCE / "Tests/Consumer", "-B", built,
+                         f"-DCMAKE_TOOLCHAIN_FILE={SOURCE}/cmake/Windows/Toolchain.cmake",
+                         f"-DCMAKE_MODULE_PATH={SOURCE}/cmake/Windows",
+                         f"-DOstrelHost_DIR={unpacked}/lib/cmake/OstrelHost"),
+                        ("cmake", "--build", built)):
+            made = subprocess.run(command, capture_output=True, text=True, timeout=300, check=False)
+            self.assertEqual(made.returncode, 0, made.stdout + made.stderr)
+        # Windows looks for libraries beside the program.
+        shutil.copy(built / "TinyHost.exe", program.parent)
+        host = self.prefix.run(program.parent / "TinyHost.exe")
+        self.assertEqual(host.code, 0, host.err)
+        for line in ("module 313", "  Serial number: CONSUMER-1", "result 0", "row CONSUMER-1", "result 20001"):
+            self.assertIn(line, host.out.splitlines())
+
+        (fleet,) = unpacked.rglob("DemoFleet.json")
+        run = self.run_program("--simulate", f"Z:{fleet}", "--plugin", f"Z:{built}/TinyPlugin.dll", "list", "--json")
+        self.assertEqual(run.code, 0, run.err)
+        serials = [drive["serial"] for drive in stage.document(run)["drives"]]
+        self.assertEqual((len(serials), serials[-1]), (8, "TINY-1"))
+
+    def test_manual(self):
+        """the manual is there as text"""
+        (program,) = self.programs
+        manual = (program.parents[1] / "share/ostrel/Manual.txt").read_text(encoding="ascii")
+        self.assertIn("ostrel - show NVMe drives", manual)

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <csignal>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,5 +24,36 @@ ProgramResult runProgram(const std::vector<std::string>& arguments, const Enviro
 /** Runs the program with both outputs on a terminal of `columns`; `m_Output` is what the terminal got. */
 ProgramResult runOnTerminal(const std::vector<std::string>& arguments, unsigned columns,
                             const Environment& environment = {{"TERM", "xterm"}});
+
+/** A program that runs while the test talks to it. Killed on destruction, if it still runs. */
+class RunningProgram
+{
+public:
+    /** Starts it with both outputs in pipes, or, with `columns`, with its results on a terminal. */
+    explicit RunningProgram(const std::vector<std::string>& arguments, unsigned columns = 0,
+                            const Environment& environment = {{"TERM", "xterm"}});
+    ~RunningProgram();
+    RunningProgram(const RunningProgram&) = delete;
+    RunningProgram& operator=(const RunningProgram&) = delete;
+
+    /**
+     * Waits until its results, or its messages, contain `text` behind what was awaited before; returns what
+     * came up to the end of it. Throws when it ends without, or after a minute.
+     */
+    std::string awaitResult(const std::string& text);
+    std::string awaitMessage(const std::string& text);
+
+    /** Nobody reads its results any more. */
+    void closeResults();
+
+    void send(int signal);
+
+    /** Waits for its end; the outputs hold what nobody has awaited. */
+    ProgramResult finish();
+
+private:
+    struct Native;
+    std::unique_ptr<Native> m_Native;
+};
 
 } // namespace HostTest

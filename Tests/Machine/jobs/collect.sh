@@ -60,3 +60,13 @@ files() {
     find / -xdev ! -path '/results*' ! -path '/' -exec stat -c '%n %F %s %y' {} + >"$1"
     find /dev ! -name 'ttyS*' -exec stat -c '%n %F %s' {} + >>"$1"
 }
+
+# rows DATABASE FOLDER: what another program reads in a database.
+rows() {
+    local to=/results/$2 table
+    mkdir -p "$to"
+    for table in Plugin Adapter PD; do
+        sqlite3 -json "$1" "SELECT * FROM $table ORDER BY ID" >"$to/$table.json"
+    done
+    sqlite3 "$1" "PRAGMA integrity_check" >"$to/integrity"
+}

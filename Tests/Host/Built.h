@@ -1,0 +1,17 @@
+#pragma once
+
+// Where this build has put what the tests load and run. Kept out of every other source, so that those compile
+// to the same objects wherever the build lies.
+namespace HostTest::Built {
+
+extern const char PROGRAM[];
+extern const char PLUGIN[];
+extern const char SHARE[]; ///< the folder of the catalogue and the other data files
+extern const char WRONG_VERSION_PLUGIN[];
+extern const char NO_MEMORY_PLUGIN[];
+extern const char REFUSING_PLUGIN[];
+extern const char SECOND_PLUGIN[]; ///< one of another module
+extern const char SLOW_PLUGIN[];   ///< takes 24,999 ms to end
+extern const char NO_PLUGIN[];     ///< a library that is none
+
+} // namespace HostTest::Built

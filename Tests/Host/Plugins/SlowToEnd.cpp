@@ -1,0 +1,50 @@
+#include <PI/ErrorCode.h>
+#include <PI/IPluginApi.h>
+#include <TLX/Clock.h>
+
+#include <cstdio>
+
+namespace {
+
+void say(const char* where)
+{
+    std::puts(where);
+    (void)std::fflush(stdout);
+}
+
+/** Shows nothing but itself, and takes its time when it is told to end and when it is released. */
+class Plugin : public IPLUGINAPI
+{
+public:
+    ~Plugin() override { TLX::Misc::pause(1); }
+
+    std::uint32_t Request(std::int32_t request, std::uint64_t, PI::CRequestData& data) override
+    {
+        if (request == PI::REQUEST_GET_TOPOLOGY) {
+            auto& objects = std::get<std::vector<PI::CObject>>(data);
+            objects.resize(1);
+            objects[0].m_Type = PI::TYPE_PLUGIN;
+        }
+        if (request == PI::REQUEST_SET_ADAPTER_IDS)
+            say("watching");
+        if (request == PI::REQUEST_DEINITIALIZE) {
+            say("ending");
+            TLX::Misc::pause(24'999);
+        }
+        return PI::ERR_SUCCESS;
+    }
+};
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) std::uint32_t createIf(IPLUGINAPI** plugin)
+{
+    *plugin = new Plugin;
+    return PI::ERR_SUCCESS;
+}
+
+extern "C" __attribute__((visibility("default"))) void releaseIf(IPLUGINAPI** plugin)
+{
+    delete *plugin;
+    *plugin = nullptr;
+}
