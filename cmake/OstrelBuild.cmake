@@ -15,9 +15,9 @@ function(ostrel_sources result folder)
     set(${result} ${sources} PARENT_SCOPE)
 endfunction()
 
-# One of the libraries that a host gives its plug-ins: Include/<name>/, Src/, Src_Linux/ or Src_Win/.
-# ostrel_host_library(NAME [PUBLIC libraries] [PRIVATE libraries])
-function(ostrel_host_library name)
+# One of the libraries that a host gives its plug-ins: Include/<name>/, Src/, and the same with the system's name.
+# ostrel_host_library(NAME DESCRIPTION [PUBLIC libraries] [PRIVATE libraries])
+function(ostrel_host_library name description)
     cmake_parse_arguments(arg "" "" "PUBLIC;PRIVATE" ${ARGN})
     ostrel_sources(sources ${CMAKE_CURRENT_SOURCE_DIR}/Src)
     add_library(${name} SHARED ${sources})
@@ -25,10 +25,28 @@ function(ostrel_host_library name)
     generate_export_header(${name} EXPORT_MACRO_NAME ${upper}_EXPORT
         EXPORT_FILE_NAME ${CMAKE_CURRENT_BINARY_DIR}/Include/${name}/Export.h)
     target_include_directories(${name}
-        PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/Include> $<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}/Include>
-        PRIVATE Src Src_${OSTREL_PLATFORM})
+        PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_BINARY_DIR}/Include> PRIVATE Src Src_${OSTREL_PLATFORM})
     target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE OstrelOptions ${arg_PRIVATE})
-    install(TARGETS ${name} LIBRARY DESTINATION ${OSTREL_LIBRARY_FOLDER} RUNTIME DESTINATION bin)
+    ostrel_version_resource(${name} ${description})
+    ostrel_public_library(${name})
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Include/${name}/Export.h DESTINATION include/ostrel/${name})
+endfunction()
+
+# What outside hosts and plug-ins are built against: installed with its headers, and part of the package OstrelHost.
+# ostrel_public_library(NAME)
+function(ostrel_public_library name)
+    target_include_directories(${name}
+        PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/Include>
+        $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/Include_${OSTREL_PLATFORM}>
+        $<INSTALL_INTERFACE:include/ostrel>)
+    target_compile_features(${name} PUBLIC cxx_std_20)
+    install(TARGETS ${name} EXPORT OstrelHost LIBRARY DESTINATION ${OSTREL_LIBRARY_FOLDER} RUNTIME DESTINATION bin
+        ARCHIVE DESTINATION ${OSTREL_LINK_FOLDER})
+    foreach(folder Include Include_${OSTREL_PLATFORM})
+        if(IS_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
+            install(DIRECTORY ${folder}/ DESTINATION include/ostrel FILES_MATCHING PATTERN "*.h")
+        endif()
+    endforeach()
 endfunction()
 
 # Puts data files into the share folder of the build tree and of the installation.
@@ -49,8 +67,7 @@ function(ostrel_test name)
     file(GLOB platform CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${OSTREL_PLATFORM}/*.cpp)
     add_executable(${name} ${sources} ${platform})
     target_link_libraries(${name} PRIVATE OstrelOptions ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
-    target_compile_definitions(${name} PRIVATE OSTREL_TEST_DATA="${OSTREL_ROOT_NAME}${CMAKE_SOURCE_DIR}/Tests/Data"
-        ${arg_DEFINITIONS})
+    target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
     target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
     if(CMAKE_CROSSCOMPILING)
         # An emulated process starts slowly, so all of the program's tests run in one.

@@ -26,4 +26,6 @@ if(filesystem IN_LIST Boost_FIND_COMPONENTS AND NOT TARGET Boost::filesystem)
     target_compile_definitions(BoostFilesystem PUBLIC BOOST_ALL_NO_LIB BOOST_FILESYSTEM_STATIC_LINK)
     target_compile_options(BoostFilesystem PRIVATE -w)
     target_link_libraries(BoostFilesystem PUBLIC Boost::headers)
+    # Whoever is built against the installed libraries needs nothing of Boost but its headers.
+    install(TARGETS BoostFilesystem EXPORT OstrelHost ARCHIVE DESTINATION ${OSTREL_LINK_FOLDER})
 endif()

@@ -1,0 +1,40 @@
+# bash completion for ostrel
+
+_ostrel() {
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} word command=
+    local commands="list topology show set watch doctor"
+    local options="--plugin --data --simulate --trace --trace-file --json --version --help -h"
+
+    case $previous in
+        --plugin | --simulate | --trace-file)
+            compopt -o filenames
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
+            return
+            ;;
+        --data)
+            compopt -o filenames
+            mapfile -t COMPREPLY < <(compgen -d -- "$current")
+            return
+            ;;
+        --trace | --for) return ;;
+    esac
+
+    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+        [[ " $commands " != *" $word "* ]] || command=$word
+    done
+    [[ $command != watch ]] || options+=" --for"
+    if [[ $current == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
+    elif [[ -z $command ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$commands" -- "$current")
+    elif [[ $command == show ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "plugin $(compgen -G '/dev/nvme*n*')" -- "$current")
+    elif [[ $command == set ]]; then
+        case $previous in
+            set) mapfile -t COMPREPLY < <(compgen -W plugin -- "$current") ;;
+            plugin) mapfile -t COMPREPLY < <(compgen -W pollinterval -- "$current") ;;
+        esac
+    fi
+}
+
+complete -F _ostrel ostrel

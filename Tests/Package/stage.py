@@ -1,0 +1,39 @@
+"""The unpacked package, and how to run things."""
+
+import shutil
+import subprocess
+
+package = None  # the file
+work = None     # everything that the tests make is below it
+root = None     # where the package is unpacked
+
+
+def open(file, folder):
+    global package, work, root
+    package, work, root = file, folder, folder / "root"
+    shutil.rmtree(work, ignore_errors=True)
+    work.mkdir(parents=True)
+    run("dpkg-deb", "--extract", package, root)
+
+
+def run(*command, **options):
+    """Runs a command that must succeed, and returns what it printed."""
+    done = attempt(*command, **options)
+    if done.returncode != 0:
+        raise AssertionError(f"{command} ended with {done.returncode}:\n{done.stdout}{done.stderr}")
+    return done.stdout
+
+
+def attempt(*command, **options):
+    return subprocess.run([str(word) for word in command], capture_output=True, text=True, timeout=300, check=False,
+                          **options)
+
+
+def ostrel(*words):
+    """What the unpacked program prints."""
+    return run(root / "usr/bin/ostrel", *words)
+
+
+def demo():
+    """The words that have it show the fleet that comes with it."""
+    return "--simulate", root / "usr/share/ostrel/DemoFleet.json"

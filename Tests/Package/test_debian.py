@@ -1,0 +1,67 @@
+"""The Debian package as such."""
+
+import os
+import unittest
+
+import stage
+
+PLACES = (
+    "bin/ostrel",
+    "include/ostrel/PI/IPluginApi.h", "include/ostrel/PI/Export.h", "include/ostrel/TLX/Trace*.h",
+    "include/ostrel/TLXX/DeviceBackend.h", "include/ostrel/Database/Database.h", "include/ostrel/DatabaseORM/Storage.h",
+    "lib/*/ostrel/libOstrel.so", "lib/*/ostrel/libPI.so", "lib/*/ostrel/libTLX.so", "lib/*/ostrel/libTLXX.so",
+    "lib/*/ostrel/libDatabase.so", "lib/*/cmake/OstrelHost/OstrelHostConfig.cmake",
+    "lib/*/cmake/OstrelHost/OstrelHostConfigVersion.cmake",
+    "share/ostrel/Ostrel.nls", "share/ostrel/Endurance.txt", "share/ostrel/DemoFleet.json",
+    "share/man/man1/ostrel.1.gz", "share/doc/ostrel/copyright", "share/doc/ostrel/changelog.gz",
+    "share/bash-completion/completions/ostrel", "share/zsh/vendor-completions/_ostrel",
+    "share/fish/vendor_completions.d/ostrel.fish",
+)
+
+
+class Debian(unittest.TestCase):
+    """What dpkg and the policy say of it."""
+
+    def test_policy(self):
+        """lintian has neither an error nor a warning to tell"""
+        checked = stage.attempt("lintian", "--allow-root", "--fail-on", "error,warning",
+                                stage.package)
+        self.assertEqual((checked.returncode, checked.stdout), (0, ""), checked.stderr)
+
+    def test_places(self):
+        """everything is where Debian has it"""
+        missing = [place for place in PLACES if not list((stage.root / "usr").glob(place))]
+        self.assertEqual(missing, [])
+
+    def test_versions(self):
+        """package, change log and program agree on the version"""
+        version = stage.run("dpkg-deb", "--field", stage.package, "Version").strip()
+        changes = stage.run("zcat", stage.root / "usr/share/doc/ostrel/changelog.gz")
+        self.assertEqual(stage.ostrel("--version"), f"ostrel {version}\n")
+        self.assertTrue(changes.startswith(f"ostrel ({version}) "), changes)
+
+    def test_libraries(self):
+        """it depends on the packages of the libraries that it uses, and on none for building"""
+        depends = stage.run("dpkg-deb", "--field", stage.package, "Depends")
+        for library in ("libc6", "libsqlite3-0", "libboost-filesystem", "libstdc++6"):
+            self.assertIn(library, depends)
+        self.assertNotIn("-dev", depends)
+
+    def test_removal(self):
+        """kept data outlives a removal and an upgrade, and goes with a purge"""
+        control, tools = stage.work / "control", stage.work / "tools"
+        stage.run("dpkg-deb", "--control", stage.package, control)
+        tools.mkdir()
+        (tools / "rm").write_text('#!/bin/sh\necho rm "$@"\n')
+        (tools / "rm").chmod(0o755)
+        environment = {**os.environ, "PATH": f"{tools}:{os.environ['PATH']}"}
+        done = {action: stage.run("sh", control / "postrm", action, env=environment)
+                for action in ("remove", "upgrade", "purge")}
+        self.assertEqual(done, {"remove": "", "upgrade": "", "purge": "rm -rf /var/lib/ostrel\n"})
+
+    def test_program(self):
+        """unpacked anywhere, the program finds its plug-in, its catalogue and its table"""
+        report = stage.ostrel(*stage.demo(), "doctor")
+        for line in (f"OK       plug-in: {stage.root}/usr/lib/", f"OK       texts: catalogue in {stage.root}/usr/share/",
+                     "OK       endurance: ", "OK       inventory: 7 adapters"):
+            self.assertIn(line, report)
