@@ -2,6 +2,7 @@
  * What a start costs with so many simulated controllers, each adapter's row followed by every drive's, beside
  * plain prepared statements that insert the same rows into such a database. The last column is the ratio.
  */
+#include "Results.h"
 #include "Support/FakeDrives.h"
 #include "Support/PluginUnderTest.h"
 #include "Support/TemporaryFolder.h"
@@ -13,21 +14,17 @@
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include <unistd.h>
-
 namespace {
 
+using Benchmarks::secondsOf;
 using RaidDataModels::Adapter;
 using RaidDataModels::PD;
 using RaidDataModels::Plugin;
@@ -117,14 +114,6 @@ private:
     sqlite3_stmt* m_Statement = nullptr;
 };
 
-template<class Work>
-double secondsOf(Work work)
-{
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 double startSeconds(CRows& rows)
 {
     const CDatabaseFile database;
@@ -209,14 +198,5 @@ int main(int argc, char** argv)
     registerBenchmark(8, 20);
     registerBenchmark(64, 3);
     registerBenchmark(256, 1);
-    benchmark::Initialize(&argc, argv);
-    // The plug-in prints a line at each start; standard output is for the results.
-    std::ofstream results("/dev/fd/" + std::to_string(dup(STDOUT_FILENO)));
-    if (!results || std::freopen("/dev/null", "w", stdout) == nullptr)
-        return 1;
-    benchmark::ConsoleReporter reporter(benchmark::ConsoleReporter::OO_Tabular);
-    reporter.SetOutputStream(&results);
-    reporter.SetErrorStream(&results);
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    return 0;
+    return Benchmarks::run(argc, argv);
 }

@@ -1,0 +1,48 @@
+# What looking at this machine's drives costs, in instructions. Each file in /results has one number a line.
+set -e
+export PATH=$PATH:/opt/ostrel/bin
+
+drives=$(count /sys/class/nvme/nvme*)
+
+Instructions >/results/calibration
+BareMinimum "$drives" >/results/bare
+mkdir /tmp/data
+CycleCost /opt/ostrel/share/ostrel /tmp/data /results/cycle /results/steps
+
+# Every command runs twice, and the second run counts: it finds its files in memory.
+measured() {
+    local name=$1
+    shift
+    Instructions run "$@" >/dev/null
+    Instructions run "$@" >>"/results/$name"
+}
+
+measured start ostrel --version
+measured list ostrel list --json
+number=0
+while [ $number -lt "$drives" ]; do
+    measured nvme nvme id-ctrl "/dev/nvme$number"
+    measured nvme nvme id-ns "/dev/nvme${number}n1"
+    measured nvme nvme smart-log "/dev/nvme$number"
+    echo "/dev/nvme$number -a" >>/tmp/smartd.conf
+    number=$((number + 1))
+done
+measured onecheck smartd -q onecheck -c /tmp/smartd.conf
+
+# A check of a daemon that has already started. Asleep it costs nothing, so how long it is given does not matter.
+smartd -n -i 86400 -c /tmp/smartd.conf -p /tmp/smartd.pid &
+while ! [ -s /tmp/smartd.pid ]; do
+    sleep 1
+done
+resident=$(cat /tmp/smartd.pid)
+sleep 30
+former=$(Instructions of "$resident")
+for round in 1 2 3; do
+    kill -USR1 "$resident"
+    sleep 30
+    now=$(Instructions of "$resident")
+    echo $((now - former)) >>/results/resident
+    former=$now
+done
+kill "$resident"
+wait

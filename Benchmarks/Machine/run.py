@@ -1,0 +1,114 @@
+#!/usr/bin/env python3
+"""
+What looking at NVMe drives costs, counted in instructions in a virtual machine: a cycle of the worker in which
+nothing changed and `ostrel list --json`, beside the bare minimum, smartd and nvme-cli.
+
+The machine's clock goes one nanosecond an instruction (QEMU's `-icount shift=0`), and the kernel charges every
+process by that clock. So a process's processor time is the number of instructions that it, and the kernel in its
+service, executed; waiting for a drive counts nothing. A loop of known length checks that first.
+"""
+
+import argparse
+import pathlib
+import statistics
+import sys
+
+HERE = pathlib.Path(__file__).resolve().parent
+ROOT = HERE.parents[1]
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(ROOT / "Tests" / "Machine"))
+
+import kernel  # noqa: E402
+from drives import MIB, Controller  # noqa: E402
+from guest import Guest  # noqa: E402
+
+COUNTS = (1, 8, 32, 64)
+LOOP = 20_000_000
+PROGRAMS = ("BareMinimum", "CycleCost", "Instructions", "smartd")
+OPTIONS = ("-icount", "shift=0,sleep=off", "-rtc", "clock=vm")
+LINE = "{:>6}  {:<22}{:>10}  {:<44}{:>10}{:>8}  {}"
+
+
+def fleet(count):
+    """Functions of the root complex, eight to a slot."""
+    return tuple(Controller(f"drive-{number}", f"SERIAL-{number}", size=16 * MIB,
+                            address=f"{2 + number // 8:x}.{number % 8}", options={"multifunction": True})
+                 for number in range(count))
+
+
+class Measured:
+    """The instructions that one machine counted, in millions."""
+
+    def __init__(self, files):
+        self._files = files
+        (loop,) = self.numbers("calibration")
+        if abs(loop * 1e6 / LOOP - 1) > 0.01:
+            raise RuntimeError(f"the clock does not count instructions: a loop of {LOOP} took {loop * 1e6:.0f}")
+        self.bare = statistics.median(self.numbers("bare"))
+        self.cycle = statistics.median(self.numbers("cycle"))
+        self.resident = statistics.median(self.numbers("resident"))
+        (self.list,), (self.onecheck,), (self.start,) = map(self.numbers, ("list", "onecheck", "start"))
+        self.nvme = sum(self.numbers("nvme"))
+
+    def numbers(self, name):
+        return [int(line) / 1e6 for line in self._files[name].split()]
+
+    def steps(self):
+        """What the steps of a cycle took, and those of a list that are known by themselves."""
+        return {name: int(number) / 1e6 for name, number in
+                (line.split() for line in self._files["steps"].decode().splitlines())}
+
+
+def measure(tree, work, count):
+    image = kernel.fetch(work / "kernel")
+    print(f"Measuring with {count} drives ...", file=sys.stderr, flush=True)
+    with Guest(image, (HERE / "cost.sh").read_text(), work / f"cost-{count}", fleet(count), tree=tree,
+               options=OPTIONS, programs=PROGRAMS) as guest:
+        return Measured(guest.results(timeout=1800))
+
+
+def comparisons(count, here, one):
+    """What is held against what, and how much of it it may be."""
+    if count > 1:
+        yield ("each further drive", (here.cycle - one.cycle) / (count - 1), "bare minimum of each further drive",
+               (here.bare - one.bare) / (count - 1), 1.5)
+    yield "worker's cycle", here.cycle, "1.5 x bare minimum + 0.3 M", 1.5 * here.bare + 0.3, 1
+    if count >= 8:
+        yield "worker's cycle", here.cycle, "check of a resident smartd", here.resident, 1
+    yield "ostrel list --json", here.list, "smartd -q onecheck", here.onecheck, 1
+    yield "ostrel list --json", here.list, "nvme id-ctrl, id-ns, smart-log for each", here.nvme, 1 / 20
+
+
+def table(results):
+    """The comparisons as lines of text."""
+    yield LINE.format("drives", "what", "M instr.", "beside", "M instr.", "ratio", "at most")
+    for count, here in results.items():
+        for what, cost, beside, other, limit in comparisons(count, here, results[1]):
+            verdict = "met" if cost <= limit * other else "MISSED"
+            yield LINE.format(count, what, f"{cost:.3f}", beside, f"{other:.3f}", f"{cost / other:.3f}",
+                              f"{limit:<5.4g} {verdict}")
+
+
+def shares(results):
+    """Where the instructions go."""
+    yield "\nWhere the instructions go, in millions:"
+    for count, here in results.items():
+        steps = ", ".join(f"{name} {cost:.3f}" for name, cost in here.steps().items())
+        yield f"{count:>6}  cycle {here.cycle:.3f}: {steps}"
+        yield (f"{'':>6}  list {here.list:.3f}: start and end of the program {here.start:.3f}, "
+               f"the rest {here.list - here.start:.3f}")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--tree", type=pathlib.Path, required=True,
+                        help="a build with benchmarks: a folder with bin/, lib/ and share/ostrel/")
+    parser.add_argument("--work", type=pathlib.Path, default=ROOT / "build" / "machine",
+                        help="folder for the kernel and the logs (default: build/machine)")
+    options = parser.parse_args()
+    results = {count: measure(options.tree.resolve(), options.work.resolve(), count) for count in COUNTS}
+    print("\n".join((*table(results), *shares(results))))
+
+
+if __name__ == "__main__":
+    sys.exit(main())
