@@ -1,0 +1,156 @@
+#!/usr/bin/env python3
+"""
+What the program prints with --json fits the schemas in Docs/Schemas, and the schemas are strict enough to notice
+when it would not.
+
+usage: test_schemas.py PROGRAM SHARE REFUSING_PLUGIN [unittest arguments]
+"""
+
+import copy
+import json
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import jsonschema
+
+import schemas
+
+PROGRAM, SHARE, REFUSING_PLUGIN = sys.argv[1:4]
+DEMO = str(pathlib.Path(SHARE) / "DemoFleet.json")
+LARGEST = 18446744073709551614
+SMALLEST_INEXACT = (1 << 53) + 1
+
+# Drives at the limits: counters that no double holds, one that answers as little as possible, one without texts.
+LIMITS = {"controllers": [
+    {"location": "0000:01:00.0",
+     "identify": {"vendorId": 1, "model": "M", "serial": "LARGEST"},
+     "namespace": {"blocks": LARGEST, "blockSize": 512},
+     "health": {"temperature": -272, "criticalWarning": 31, "spare": 0, "threshold": 0, "dataUnitsRead": LARGEST,
+                "dataUnitsWritten": LARGEST, "powerOnHours": LARGEST, "mediaErrors": SMALLEST_INEXACT}},
+    {"location": "0000:02:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "SILENT"}},
+    {"location": "0000:03:00.0", "identify": {"vendorId": 32902, "model": "INTEL SSDPE2KX020T8", "serial": "RATED"},
+     "health": {"temperature": 30, "dataUnitsWritten": LARGEST, "powerOnHours": 1000}},
+    {"identify": {"vendorId": 1, "model": "", "serial": ""}, "health": {"temperature": 0}},
+    {"identify": "ff" * 4096, "namespace": "ff" * 128, "health": "ff" * 512}]}
+
+
+def run(*words):
+    return subprocess.run([PROGRAM, *words], capture_output=True, text=True, env={}, timeout=60)
+
+
+def places(value, path=()):
+    """Every value in a document, with the path to it."""
+    yield path, value
+    for key, each in value.items() if isinstance(value, dict) else enumerate(value) if isinstance(value, list) else ():
+        yield from places(each, (*path, key))
+
+
+def changed(document, path, change):
+    """A copy of the document in which `change` was called on what holds the last step of the path."""
+    result = copy.deepcopy(document)
+    holder = result
+    for step in path[:-1]:
+        holder = holder[step]
+    change(holder, path[-1])
+    return result
+
+
+def replace(holder, step):
+    holder[step] = {"of another": "type"}
+
+
+class Documents(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.folder.cleanup)
+        cls.limits = str(pathlib.Path(cls.folder.name) / "limits.json")
+        pathlib.Path(cls.limits).write_text(json.dumps(LIMITS))
+        cls.empty = str(pathlib.Path(cls.folder.name) / "empty.json")
+        pathlib.Path(cls.empty).write_text('{"controllers": []}')
+
+    def document(self, schema, *words, fleet=DEMO, code=0):
+        """The document that the program prints; it fits the schema and begins with its format."""
+        result = run(*words, "--simulate", fleet, "--json")
+        self.assertEqual(result.returncode, code, result.stderr)
+        document = json.loads(result.stdout)
+        self.assertEqual(schemas.wrong(schema, document), [])
+        self.assertEqual(next(iter(document)), "format")
+        return document
+
+    def error(self, *words, fleet=DEMO, code):
+        document = self.document("error", *words, fleet=fleet, code=code)
+        self.assertIn(document["error"]["message"].splitlines()[0],
+                      run(*words, "--simulate", fleet, "--json").stderr)
+        return document["error"]
+
+    def test_results(self):
+        for fleet in DEMO, self.limits:
+            for command in "list", "topology":
+                self.assertTrue(self.document(command, command, fleet=fleet)["simulated"])
+        for thing in "plugin", "nvme0n1", "nvme6n1", "DEMO-0006":
+            for each in self.document("show", "show", thing)["objects"]:
+                for number in {str(one["id"]) for one in each["properties"]}:
+                    self.document("property", "show", each["id"], number)
+        self.document("property", "set", "plugin", "pollinterval", "60", "--data", self.folder.name)
+        (end,) = self.document("show", "show", "RATED", fleet=self.limits)["endOfLife"]
+        self.assertEqual(end["limit"], "writing")
+        self.document("doctor", "doctor")
+        self.document("doctor", "doctor", fleet=self.limits, code=1)
+        self.document("doctor", "doctor", fleet=self.empty, code=3)
+
+    def test_failures(self):
+        refused = self.error("list", fleet=self.empty, code=3)
+        self.assertEqual((refused["request"], refused["code"], refused["name"]),
+                         (1, 20001, "ERR_NO_SUPPORTED_HARDWARE"))
+        self.assertEqual(self.error("topology", "--plugin", REFUSING_PLUGIN, code=1)["request"], 4)
+        for words in ((), ("lst",), ("show",), ("list", "--colour"), ("show", "no such"), ("show", "plugin", "none"),
+                      ("list", "--trace", "x"), ("list", "--trace", "1", "--trace-file", "/no/such/file")):
+            self.assertNotIn("request", self.error(*words, code=2), words)
+        self.error("list", "--plugin", "/no/such.so", code=1)
+        self.error("list", "--data", "/dev/null/x", code=2)
+        self.error("list", fleet="/no/such/fleet", code=2)
+        self.assertEqual(run("list", "--json=false").returncode, 2)
+
+    def test_numbers_stay_exact(self):
+        drive = self.document("list", "list", fleet=self.limits)["drives"][0]
+        self.assertEqual((drive["powerOnHours"], drive["powerOnHoursText"]), (LARGEST, str(LARGEST)))
+        self.assertEqual((drive["mediaErrors"], drive["mediaErrorsText"]), (SMALLEST_INEXACT, str(SMALLEST_INEXACT)))
+        self.assertNotIn("capacityMiBText", drive)
+        hours = self.document("property", "show", "LARGEST", "30498", fleet=self.limits)["property"]
+        self.assertEqual((hours["value"], hours["valueText"]), (LARGEST, str(LARGEST)))
+
+    def test_schemas_notice_what_is_wrong(self):
+        event = {"format": 1, "time": "2026-01-01T00:00:00.000Z", "id": 11093, "severity": 2, "text": "x was added.",
+                 "source": "0x0000000000004a3a", "sourceName": "x", "placeholder1": "x", "placeholder2": "",
+                 "drive": {"device": "/dev/nvme0n1", "serial": "S"}}
+        self.assertEqual(schemas.wrong("event", event), [])
+        documents = [("event", event),
+                     ("list", self.document("list", "list")),
+                     ("topology", {"format": 1, "objects": self.document("topology", "topology")["objects"][:2]}),
+                     ("show", self.document("show", "show", "nvme6n1")),
+                     ("property", self.document("property", "show", "plugin", "30005")),
+                     ("doctor", self.document("doctor", "doctor", fleet=self.limits, code=1)),
+                     ("error", self.document("error", "list", fleet=self.empty, code=3))]
+        for name, document in documents:
+            for path, value in places(document):
+                with self.subTest(schema=name, path=path):
+                    if path:
+                        self.assertTrue(schemas.wrong(name, changed(document, path, replace)))
+                    if isinstance(value, dict):
+                        self.assertTrue(schemas.wrong(name, changed(document, (*path, "unknown"), replace)))
+            for required in schemas.SCHEMAS[name]["required"]:
+                self.assertTrue(schemas.wrong(name, {k: v for k, v in document.items() if k != required}), required)
+        self.assertEqual({name for name, _ in documents}, set(schemas.SCHEMAS) - {"common"})
+
+    def test_schemas_are_schemas(self):
+        for name, schema in schemas.SCHEMAS.items():
+            with self.subTest(schema=name):
+                jsonschema.Draft202012Validator.check_schema(schema)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *sys.argv[4:]])
