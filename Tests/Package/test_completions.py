@@ -6,10 +6,13 @@ import unittest
 import stage
 from usage import Usage
 
+# Keys count only once the line editor reads them: before that, the terminal itself would take Ctrl+U as "forget the
+# line". Without a baud rate the editor shows a list at once instead of waiting for the keys to stop.
 ZSH = r"""
 zmodload zsh/zpty
 zpty -b shell zsh -f -i
-zpty -w shell "PS1=; fpath=($1 \$fpath); autoload -U compinit; compinit -u -D; print RE''ADY"
+zpty -w shell "PS1=; BAUD=0; fpath=($1 \$fpath); autoload -U compinit; compinit -u -D
+zle-line-init() { print RE''ADY }; zle -N zle-line-init"
 zpty -r shell text '*READY*'
 zpty -w -n shell "$2"$'\t\t\C-uprint EN""D\n'
 zpty -r shell text '*END*'
