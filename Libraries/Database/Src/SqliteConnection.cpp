@@ -3,8 +3,9 @@
 #include <DatabaseORM/DatabaseException.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <new>
-#include <utility>
+#include <variant>
 
 namespace Database {
 
@@ -78,25 +79,56 @@ std::vector<std::string> CSqliteConnection::Run(std::string_view sql)
 
 void CSqliteConnection::RunAll(std::string_view sql, std::vector<std::string>& values)
 {
-    if (sqlite3_stmt* const kept = m_Kept.Find(sql)) {
-        Step(kept, values);
-        return;
+    if (const auto shape = shapeOf(sql)) {
+        if (sqlite3_stmt* const statement = PrepareShape(shape->m_Text)) {
+            Bind(statement, shape->m_Values);
+            Step(statement, values);
+            return;
+        }
     }
-    const std::string_view whole = sql;
     while (!sql.empty()) {
-        sqlite3_stmt* prepared = nullptr;
         const char* tail = nullptr;
-        if (sqlite3_prepare_v2(m_Connection.get(), sql.data(), static_cast<int>(sql.size()), &prepared,
-                               &tail) != SQLITE_OK)
-            Fail();
-        CStatement statement(prepared);
-        const bool isWhole = sql.size() == whole.size() && tail == whole.data() + whole.size();
+        const CStatement statement = Prepare(sql, &tail);
         sql.remove_prefix(static_cast<std::size_t>(tail - sql.data()));
-        if (!statement)
-            continue;
-        Step(prepared, values);
-        if (isWhole)
-            m_Kept.Keep(whole, std::move(statement));
+        if (statement)
+            Step(statement.get(), values);
+    }
+}
+
+CStatement CSqliteConnection::Prepare(std::string_view sql, const char** tail)
+{
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_prepare_v2(m_Connection.get(), sql.data(), static_cast<int>(sql.size()), &statement, tail) !=
+        SQLITE_OK)
+        Fail();
+    return CStatement(statement);
+}
+
+sqlite3_stmt* CSqliteConnection::PrepareShape(const std::string& text)
+{
+    if (sqlite3_stmt* const kept = m_Kept.Find(text))
+        return kept;
+    sqlite3_stmt* statement = nullptr;
+    // What is wrong with a statement is told by its own text, where nothing was taken out.
+    if (sqlite3_prepare_v2(m_Connection.get(), text.data(), static_cast<int>(text.size()), &statement,
+                           nullptr) != SQLITE_OK)
+        return nullptr;
+    return m_Kept.Keep(text, CStatement(statement));
+}
+
+void CSqliteConnection::Bind(sqlite3_stmt* statement, const std::vector<CStatementShape::Value>& values)
+{
+    int position = 0;
+    for (const CStatementShape::Value& value : values) {
+        ++position;
+        const auto* const text = std::get_if<std::string>(&value);
+        // The values stay until the statement has run; those of a later run take their places.
+        const int result = text == nullptr
+                               ? sqlite3_bind_int64(statement, position, std::get<std::int64_t>(value))
+                               : sqlite3_bind_text(statement, position, text->data(),
+                                                   static_cast<int>(text->size()), SQLITE_STATIC);
+        if (result != SQLITE_OK)
+            Fail();
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "BusyPolicy.h"
 #include "StatementCache.h"
+#include "StatementShape.h"
 
 #include <sqlite3.h>
 
@@ -33,6 +34,10 @@ private:
     };
 
     void RunAll(std::string_view sql, std::vector<std::string>& values);
+    CStatement Prepare(std::string_view sql, const char** tail);
+    /** The kept statement of a shape; null when SQLite does not understand it. */
+    sqlite3_stmt* PrepareShape(const std::string& text);
+    void Bind(sqlite3_stmt* statement, const std::vector<CStatementShape::Value>& values);
     /** Runs a statement to its end and appends the values of its rows. */
     void Step(sqlite3_stmt* statement, std::vector<std::string>& values);
     [[noreturn]] void Fail() const;

@@ -1,37 +1,27 @@
 #include "StatementCache.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace Database {
-namespace {
 
-/** Settings, some of which take effect while their text is understood, are not among these. */
-constexpr std::string_view KEPT[] = {"SELECT ", "INSERT ", "UPDATE ", "DELETE "};
-
-} // namespace
-
-sqlite3_stmt* CStatementCache::Find(std::string_view text)
+sqlite3_stmt* CStatementCache::Find(std::string_view shape)
 {
-    const auto found = m_ByText.find(text);
-    if (found == m_ByText.end())
+    const auto found = m_ByShape.find(shape);
+    if (found == m_ByShape.end())
         return nullptr;
     m_Entries.splice(m_Entries.begin(), m_Entries, found->second);
     return found->second->m_Statement.get();
 }
 
-void CStatementCache::Keep(std::string_view text, CStatement statement)
+sqlite3_stmt* CStatementCache::Keep(std::string_view shape, CStatement statement)
 {
-    if (std::none_of(std::begin(KEPT), std::end(KEPT),
-                     [text](std::string_view verb) { return text.starts_with(verb); }))
-        return;
     if (m_Entries.size() == CAPACITY) {
-        m_ByText.erase(m_Entries.back().m_Text);
+        m_ByShape.erase(m_Entries.back().m_Shape);
         m_Entries.pop_back();
     }
-    m_Entries.push_front({std::string(text), std::move(statement)});
-    m_ByText[m_Entries.front().m_Text] = m_Entries.begin();
+    m_Entries.push_front({std::string(shape), std::move(statement)});
+    m_ByShape[m_Entries.front().m_Shape] = m_Entries.begin();
+    return m_Entries.front().m_Statement.get();
 }
 
 } // namespace Database

@@ -19,31 +19,32 @@ struct CFinalize
 using CStatement = std::unique_ptr<sqlite3_stmt, CFinalize>;
 
 /**
- * Statements kept prepared, by their text, for understanding a text costs far more than running it. The one
+ * Statements kept prepared, by their shapes, for understanding a text costs far more than running it. The one
  * that was not used for the longest time goes first. A statement must be finalized before its connection is
  * closed.
  */
 class CStatementCache
 {
 public:
-    /** Two texts for each of a hundred drives; some kilobytes each. */
-    static constexpr std::size_t CAPACITY = 200;
+    /** A table takes five statements or so, and another for each column that is unknown here and known there;
+     * some kilobytes each. */
+    static constexpr std::size_t CAPACITY = 50;
 
-    /** The statement of this text; null when there is none. It is reset, and must be again after use. */
-    sqlite3_stmt* Find(std::string_view text);
+    /** The statement of this shape; null when there is none. It is reset, and must be again after use. */
+    sqlite3_stmt* Find(std::string_view shape);
 
-    /** Takes over a statement that is reset, unless each run has to understand the text anew. */
-    void Keep(std::string_view text, CStatement statement);
+    /** Takes over a statement, which stays at least until the next one comes. */
+    sqlite3_stmt* Keep(std::string_view shape, CStatement statement);
 
 private:
     struct CEntry
     {
-        std::string m_Text;
+        std::string m_Shape;
         CStatement m_Statement;
     };
 
     std::list<CEntry> m_Entries; ///< the last used one first
-    std::unordered_map<std::string_view, std::list<CEntry>::iterator> m_ByText;
+    std::unordered_map<std::string_view, std::list<CEntry>::iterator> m_ByShape;
 };
 
 } // namespace Database
