@@ -32,7 +32,7 @@ protected:
 TEST_F(Migration, AFreshFileGetsThePresentTables)
 {
     EXPECT_THAT(Tables(), ElementsAre("Adapter", "PD", "Plugin"));
-    EXPECT_THAT(Query("PRAGMA user_version"), ElementsAre("1"));
+    EXPECT_THAT(Query("PRAGMA user_version"), ElementsAre("2"));
 }
 
 TEST_F(Migration, APresentFileIsLeftAlone)
@@ -73,7 +73,7 @@ TEST_F(Migration, AFormerTableWithOtherColumnsStays)
     EXPECT_THAT(Query("SELECT DriveKey FROM PD"), ElementsAre("S1"));
     EXPECT_THAT(Tables(), ElementsAre("Adapter", "PD", "PD_version7", "Plugin"));
     EXPECT_THAT(Query("SELECT Colour FROM PD_version7"), ElementsAre("red"));
-    EXPECT_THAT(Query("PRAGMA user_version"), ElementsAre("1"));
+    EXPECT_THAT(Query("PRAGMA user_version"), ElementsAre("2"));
 }
 
 TEST_F(Migration, AFormerTableWithRowsOfOneKeyStays)
@@ -104,7 +104,9 @@ TEST_F(Migration, TheFormerTriggersEndAndThePresentOnesWork)
     DatabaseORM::insert(*m_Storage, makeDrive("S1"));
     Reopen();
     EXPECT_THAT(Query("SELECT DriveKey FROM PD; SELECT SerialNumber FROM Adapter"), ElementsAre("S1", "S1"));
-    EXPECT_THAT(Query("SELECT tbl_name FROM sqlite_master WHERE type = 'trigger'"), ElementsAre("Adapter"));
+    EXPECT_THAT(Query("SELECT name FROM sqlite_master WHERE type = 'trigger' ORDER BY name"),
+                ElementsAre("DeleteDriveOfAdapter", "IgnoreUnchangedAdapter", "IgnoreUnchangedPD",
+                            "IgnoreUnchangedPlugin"));
     DatabaseORM::remove(*m_Storage, condition_t(&Adapter::m_AdapterNumber, 1));
     EXPECT_THAT(Query("SELECT DriveKey FROM PD"), IsEmpty());
 }

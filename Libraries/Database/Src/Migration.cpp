@@ -64,11 +64,11 @@ void migrate(CSqliteConnection& connection)
     // Somebody else may have done it before the lock was ours.
     const std::string version = connection.Run("PRAGMA user_version").front();
     if (version != present) {
-        connection.Run(DROP_TRIGGERS);
         const DatabaseORM::storage_t storage = makeStorage();
+        connection.Run(dropTriggersText(storage));
         for (const auto& table : storage.m_Tables)
             rebuild(connection, *table, version);
-        connection.Run(CREATE_TRIGGERS);
+        connection.Run(createTriggersText(storage));
         connection.Run("PRAGMA user_version = " + present);
     }
     connection.Run("COMMIT");

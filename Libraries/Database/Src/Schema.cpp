@@ -124,16 +124,33 @@ void add(DatabaseORM::storage_t& storage, const std::string& name,
     storage.m_Tables.push_back(std::make_shared<DatabaseORM::table_t<Model>>(name, std::move(columns)));
 }
 
-} // namespace
-
 // An adapter that is deleted, or replaced by another in its slot, takes its drive's row along.
-const char* const CREATE_TRIGGERS =
+constexpr const char* DELETE_DRIVE_OF_ADAPTER =
     "CREATE TRIGGER DeleteDriveOfAdapter AFTER DELETE ON Adapter BEGIN "
     "DELETE FROM PD WHERE HostName = OLD.HostName AND DriveKey = OLD.SerialNumber AND NOT EXISTS "
     "(SELECT 1 FROM Adapter WHERE HostName = OLD.HostName AND SerialNumber = OLD.SerialNumber); "
     "END;";
 
-const char* const DROP_TRIGGERS = "DROP TRIGGER IF EXISTS DeleteDriveOfAdapter;";
+std::string unchangedTrigger(const DatabaseORM::tableBase_t& table)
+{
+    return "IgnoreUnchanged" + table.Name();
+}
+
+// Rows are updated at every poll, and mostly with what they hold: nothing has to reach the disk for that.
+std::string ignoreUnchangedText(const DatabaseORM::tableBase_t& table)
+{
+    std::string fresh;
+    std::string present;
+    for (const DatabaseORM::column_t& column : table.Columns()) {
+        const std::string separator = fresh.empty() ? "" : ", ";
+        fresh += separator + "NEW." + column.m_Name;
+        present += separator + "OLD." + column.m_Name;
+    }
+    return "CREATE TRIGGER " + unchangedTrigger(table) + " BEFORE UPDATE ON " + table.Name() + " WHEN (" +
+           fresh + ") IS (" + present + ") BEGIN SELECT RAISE(IGNORE); END;";
+}
+
+} // namespace
 
 DatabaseORM::storage_t makeStorage()
 {
@@ -162,6 +179,22 @@ std::string createTableText(const DatabaseORM::tableBase_t& table)
         text += ", ";
     }
     return text + "UNIQUE (" + key + ") ON CONFLICT REPLACE);";
+}
+
+std::string createTriggersText(const DatabaseORM::storage_t& storage)
+{
+    std::string text = DELETE_DRIVE_OF_ADAPTER;
+    for (const auto& table : storage.m_Tables)
+        text += ignoreUnchangedText(*table);
+    return text;
+}
+
+std::string dropTriggersText(const DatabaseORM::storage_t& storage)
+{
+    std::string text = "DROP TRIGGER IF EXISTS DeleteDriveOfAdapter;";
+    for (const auto& table : storage.m_Tables)
+        text += "DROP TRIGGER IF EXISTS " + unchangedTrigger(*table) + ";";
+    return text;
 }
 
 } // namespace Database

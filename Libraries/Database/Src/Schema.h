@@ -7,7 +7,7 @@
 namespace Database {
 
 /** Counts up with every change to the tables' columns or rules; the file carries the one it was made with. */
-inline constexpr int SCHEMA_VERSION = 1;
+inline constexpr int SCHEMA_VERSION = 2;
 
 /** The present field maps and tables, without an access object. */
 DatabaseORM::storage_t makeStorage();
@@ -16,8 +16,10 @@ DatabaseORM::storage_t makeStorage();
  * its row. */
 std::string createTableText(const DatabaseORM::tableBase_t& table);
 
-/** Creates what keeps rows in step with one another. */
-extern const char* const CREATE_TRIGGERS;
-extern const char* const DROP_TRIGGERS;
+/** The statements that create what keeps rows in step with one another, and from being written for nothing.
+ */
+std::string createTriggersText(const DatabaseORM::storage_t& storage);
+/** The statements that remove them, as far as they are there. */
+std::string dropTriggersText(const DatabaseORM::storage_t& storage);
 
 } // namespace Database
