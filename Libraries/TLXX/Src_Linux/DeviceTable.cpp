@@ -21,6 +21,8 @@ void CDeviceTable::SetRoot(std::filesystem::path root)
     m_Names.reset();
     m_Owners.clear();
     m_Locations.clear();
+    m_DriverVersions.clear();
+    ++m_Walks;
 }
 
 std::vector<CDeviceEntry> CDeviceTable::Enumerate()
@@ -55,6 +57,8 @@ std::vector<CDeviceEntry> CDeviceTable::Enumerate()
     m_Entries = entries;
     m_Owners = std::move(owners);
     m_Locations = std::move(locations);
+    m_DriverVersions.clear();
+    ++m_Walks;
     return entries;
 }
 
@@ -80,6 +84,23 @@ std::optional<CDiskOwner> CDeviceTable::Owner(const std::string& path)
         return owner;
     }
     return std::nullopt;
+}
+
+std::string CDeviceTable::DriverVersion(const std::string& driver, std::string (*read)(const std::string&))
+{
+    std::uint64_t walks = 0;
+    {
+        const std::scoped_lock guard(m_Lock);
+        if (const auto found = m_DriverVersions.find(driver); found != m_DriverVersions.end())
+            return found->second;
+        walks = m_Walks;
+    }
+    std::string version = read(driver);
+    const std::scoped_lock guard(m_Lock);
+    // Only names that can be relied upon will tell when it has to be read again.
+    if (m_Names && walks == m_Walks)
+        m_DriverVersions.insert({driver, version});
+    return version;
 }
 
 std::optional<CPciLocation> CDeviceTable::Location(std::uint32_t number) const

@@ -39,6 +39,10 @@ public:
     /** The owner of a disk, looked up in sysfs when no enumeration has met the path yet. */
     std::optional<CDiskOwner> Owner(const std::string& path);
 
+    /** What `read` tells of a driver, asked again only when a controller has come or gone: before that the
+     * driver cannot have been exchanged. */
+    std::string DriverVersion(const std::string& driver, std::string (*read)(const std::string& driver));
+
     /** Of the `number`-th entry of the last enumeration, counted from 1. */
     std::optional<CPciLocation> Location(std::uint32_t number) const;
 
@@ -49,6 +53,8 @@ private:
     std::vector<CDeviceEntry> m_Entries;
     std::unordered_map<std::string, CDiskOwner> m_Owners;
     std::vector<std::optional<CPciLocation>> m_Locations;
+    std::unordered_map<std::string, std::string> m_DriverVersions; ///< since that walk
+    std::uint64_t m_Walks = 0;
 };
 
 /** The table of this process. */

@@ -25,12 +25,8 @@ std::string kernelRelease()
     return ::uname(&system) == 0 ? system.release : "";
 }
 
-} // namespace
-
-std::string Platform::moduleVersion(const std::string& module)
+std::string readVersion(const std::string& module)
 {
-    if (!isPlainName(module))
-        return {};
     const std::string root = Linux::deviceTable().Root().native();
     const std::string folder = root + "/module/" + module;
     if (std::string version = Linux::readAttribute((folder + "/version").c_str()); !version.empty())
@@ -40,6 +36,13 @@ std::string Platform::moduleVersion(const std::string& module)
     if (fs::exists(folder, error) || fs::exists(root + "/bus/pci/drivers/" + module, error))
         return kernelRelease();
     return {};
+}
+
+} // namespace
+
+std::string Platform::moduleVersion(const std::string& module)
+{
+    return isPlainName(module) ? Linux::deviceTable().DriverVersion(module, readVersion) : std::string();
 }
 
 } // namespace TLXX

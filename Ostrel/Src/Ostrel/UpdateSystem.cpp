@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -74,7 +75,7 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
     CChanges changes;
     const CSerialIndex<const CNVMeAdapter> freshAdapters(adapters);
     const CSerialIndex<const CNVMeAdapter> liveAdapters(m_Adapters);
-    const CSerialIndex<const CNVMePhysicalDrive> freshDrives(physicalDrives);
+    std::optional<CSerialIndex<const CNVMePhysicalDrive>> freshDrives; // for newcomers, which are rare
     const CSerialIndex<CNVMePhysicalDrive> liveDrives(m_PhysicalDrives);
 
     for (const CNVMeAdapter& fresh : adapters) {
@@ -83,7 +84,9 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
             ++m_Plugin.m_UpdateCount;
             changes.m_Events.push_back(adapterEvent(fresh, EVENT_ADAPTER_ADDED, SEVERITY_INFORMATION));
             changes.m_AddedAdapters.push_back(fresh);
-            if (const CNVMePhysicalDrive* const drive = freshDrives.Find(fresh.m_SerialNumber))
+            if (!freshDrives)
+                freshDrives.emplace(physicalDrives);
+            if (const CNVMePhysicalDrive* const drive = freshDrives->Find(fresh.m_SerialNumber))
                 changes.m_AddedDrives.push_back(*drive);
         } else if (*live != fresh) {
             live->Update(fresh, changes.m_Events);

@@ -3,6 +3,7 @@
 
 #include <TLXX/ConfigManager.h>
 #include <TLXX/NvmeQuery.h>
+#include <TLXX/System.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -136,6 +137,24 @@ TEST_F(EnumerationTest, LooksAnewAfterADiskDidNotIdentifyItself)
               static_cast<std::uint32_t>(ENOENT));
     (void)enumerated();
     EXPECT_EQ(busOfTheFirst(), 2);
+}
+
+TEST_F(EnumerationTest, ReadsADriversVersionAnewWhenAControllerHasComeOrGone)
+{
+    const auto version = [this](const std::string& text) {
+        m_Tree.Attribute("../../module/nvme/version", text);
+        (void)enumerated();
+        return TLXX::CSystem::GetModuleVersion("nvme");
+    };
+    EXPECT_EQ(version("1.0"), "1.0");
+    EXPECT_EQ(version("1.1"), "1.0");
+    Controller(1, "0000:03:00.0");
+    EXPECT_EQ(version("1.2"), "1.2");
+    m_Tree.Remove(1);
+    EXPECT_EQ(version("1.3"), "1.3");
+    g_EverythingIsSysfs = false;
+    EXPECT_EQ(version("1.4"), "1.4");
+    EXPECT_EQ(version("1.5"), "1.5");
 }
 
 TEST_F(EnumerationTest, ForgetsTheNamesOfAnotherTree)
