@@ -105,8 +105,7 @@ TEST_F(Migration, TheFormerTriggersEndAndThePresentOnesWork)
     Reopen();
     EXPECT_THAT(Query("SELECT DriveKey FROM PD; SELECT SerialNumber FROM Adapter"), ElementsAre("S1", "S1"));
     EXPECT_THAT(Query("SELECT name FROM sqlite_master WHERE type = 'trigger' ORDER BY name"),
-                ElementsAre("DeleteDriveOfAdapter", "IgnoreUnchangedAdapter", "IgnoreUnchangedPD",
-                            "IgnoreUnchangedPlugin"));
+                ElementsAre("DeleteDriveOfAdapter", "IgnoreUnchangedAdapter", "IgnoreUnchangedPlugin"));
     DatabaseORM::remove(*m_Storage, condition_t(&Adapter::m_AdapterNumber, 1));
     EXPECT_THAT(Query("SELECT DriveKey FROM PD"), IsEmpty());
 }

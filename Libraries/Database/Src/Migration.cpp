@@ -32,9 +32,12 @@ std::string freeName(CSqliteConnection& connection, const std::string& wanted)
 void rebuild(CSqliteConnection& connection, const DatabaseORM::tableBase_t& table, const std::string& version)
 {
     const std::vector<std::string> formerColumns = columnsOf(connection, table.Name());
+    if (formerColumns.empty()) {
+        connection.Run(createTableText(table));
+        return;
+    }
     const std::string former = freeName(connection, table.Name() + "_version" + version);
-    if (!formerColumns.empty())
-        connection.Run("ALTER TABLE " + table.Name() + " RENAME TO " + former);
+    connection.Run("ALTER TABLE " + table.Name() + " RENAME TO " + former);
     connection.Run(createTableText(table));
 
     std::string common;
@@ -48,8 +51,7 @@ void rebuild(CSqliteConnection& connection, const DatabaseORM::tableBase_t& tabl
     if (!common.empty())
         connection.Run("INSERT INTO " + table.Name() + " (" + common + ") SELECT " + common + " FROM " +
                        former);
-    if (!formerColumns.empty() && taken == formerColumns.size() &&
-        countRows(connection, table.Name()) == countRows(connection, former))
+    if (taken == formerColumns.size() && countRows(connection, table.Name()) == countRows(connection, former))
         connection.Run("DROP TABLE " + former);
 }
 

@@ -131,12 +131,18 @@ constexpr const char* DELETE_DRIVE_OF_ADAPTER =
     "(SELECT 1 FROM Adapter WHERE HostName = OLD.HostName AND SerialNumber = OLD.SerialNumber); "
     "END;";
 
+// The plug-in's row is updated at every poll, an adapter's whenever one of its counters has moved, and mostly
+// with what they hold: nothing has to reach the disk for that. A drive's row changes with every update.
+bool isUpdatedForNothing(const DatabaseORM::tableBase_t& table)
+{
+    return table.Name() == "Plugin" || table.Name() == "Adapter";
+}
+
 std::string unchangedTrigger(const DatabaseORM::tableBase_t& table)
 {
     return "IgnoreUnchanged" + table.Name();
 }
 
-// Rows are updated at every poll, and mostly with what they hold: nothing has to reach the disk for that.
 std::string ignoreUnchangedText(const DatabaseORM::tableBase_t& table)
 {
     std::string fresh;
@@ -185,7 +191,8 @@ std::string createTriggersText(const DatabaseORM::storage_t& storage)
 {
     std::string text = DELETE_DRIVE_OF_ADAPTER;
     for (const auto& table : storage.m_Tables)
-        text += ignoreUnchangedText(*table);
+        if (isUpdatedForNothing(*table))
+            text += ignoreUnchangedText(*table);
     return text;
 }
 

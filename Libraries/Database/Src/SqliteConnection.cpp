@@ -121,7 +121,7 @@ void CSqliteConnection::Bind(sqlite3_stmt* statement, const std::vector<CStateme
     int position = 0;
     for (const CStatementShape::Value& value : values) {
         ++position;
-        const auto* const text = std::get_if<std::string>(&value);
+        const auto* const text = std::get_if<std::string_view>(&value);
         // The values stay until the statement has run; those of a later run take their places.
         const int result = text == nullptr
                                ? sqlite3_bind_int64(statement, position, std::get<std::int64_t>(value))

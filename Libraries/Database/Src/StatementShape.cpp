@@ -1,6 +1,7 @@
 #include "StatementShape.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstddef>
 #include <iterator>
@@ -18,20 +19,33 @@ constexpr std::string_view ORDINAL_CLAUSES[] = {"ORDER", "GROUP"};
 /** Any number of so few digits is a 64-bit integer. */
 constexpr std::size_t DIGITS = 18;
 
-bool isDigit(char character)
+/** What a character is at the begin of a part of a statement. */
+enum class EPart : std::uint8_t
 {
-    return character >= '0' && character <= '9';
-}
+    Unknown, ///< of comments, other quotes, parameters, further statements: not worth telling apart
+    Harmless,
+    Word, ///< a name or a number
+    Text
+};
 
-bool isLetter(char character)
-{
-    return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
-           character == '_' || static_cast<unsigned char>(character) >= 0x80;
-}
+constexpr auto PARTS = [] {
+    std::array<EPart, 256> parts{};
+    for (const char character : std::string_view(" (),=<>*+-|"))
+        parts[static_cast<unsigned char>(character)] = EPart::Harmless;
+    for (unsigned character = 0; character < parts.size(); ++character) {
+        const unsigned letter = character | 0x20U;
+        if (character >= 0x80 || (letter >= 'a' && letter <= 'z') || (character >= '0' && character <= '9'))
+            parts[character] = EPart::Word;
+    }
+    for (const char character : std::string_view("_$."))
+        parts[static_cast<unsigned char>(character)] = EPart::Word;
+    parts['\''] = EPart::Text;
+    return parts;
+}();
 
-bool isWordCharacter(char character)
+EPart partOf(char character)
 {
-    return isLetter(character) || isDigit(character) || character == '$' || character == '.';
+    return PARTS[static_cast<unsigned char>(character)];
 }
 
 bool isOrdinalClause(std::string_view word)
@@ -45,79 +59,92 @@ bool isOrdinalClause(std::string_view word)
 class CReader
 {
 public:
-    explicit CReader(std::string_view sql) : m_Rest(sql) { m_Shape.m_Text.reserve(sql.size()); }
+    explicit CReader(std::string_view sql) : m_Sql(sql)
+    {
+        constexpr std::size_t MANY_COLUMNS = 32;
+        m_Shape.m_Text.reserve(sql.size());
+        m_Shape.m_Values.reserve(MANY_COLUMNS);
+    }
 
     std::optional<CStatementShape> Read()
     {
-        while (!m_Rest.empty())
+        while (m_Position < m_Sql.size())
             if (!Take())
                 return std::nullopt;
+        m_Shape.m_Text += m_Sql.substr(m_Taken);
         return std::move(m_Shape);
     }
 
 private:
     bool Take()
     {
-        constexpr std::string_view HARMLESS = " (),=<>*.+|";
-        const char first = m_Rest.front();
-        if (first == '\'')
-            return TakeText();
-        if (isDigit(first) || isLetter(first))
+        const char first = m_Sql[m_Position];
+        switch (partOf(first)) {
+        case EPart::Harmless:
+            ++m_Position;
+            return first != '-' || !m_Sql.substr(m_Position).starts_with('-');
+        case EPart::Word:
             return TakeWord();
-        // Comments, other quotes, parameters and further statements are not worth telling apart.
-        const bool isEnd = first == ';' && m_Rest.size() == 1;
-        const bool isMinus = first == '-' && !m_Rest.substr(1).starts_with('-');
-        if (!isEnd && !isMinus && HARMLESS.find(first) == std::string_view::npos)
-            return false;
-        m_Shape.m_Text += first;
-        m_Rest.remove_prefix(1);
-        return true;
+        case EPart::Text:
+            return TakeText();
+        default:
+            // The end of the statement may be marked.
+            return first == ';' && ++m_Position == m_Sql.size();
+        }
     }
 
     bool TakeText()
     {
-        std::string text;
-        for (std::size_t begin = 1;;) {
-            const std::size_t quote = m_Rest.find('\'', begin);
-            if (quote == std::string_view::npos)
+        const std::size_t begin = m_Position;
+        std::string unquoted;
+        for (;;) {
+            const std::size_t from = m_Position + 1;
+            m_Position = m_Sql.find('\'', from);
+            if (m_Position == std::string_view::npos)
                 return false;
-            text += m_Rest.substr(begin, quote - begin);
-            begin = quote + 1;
-            if (!m_Rest.substr(begin).starts_with('\'')) {
-                m_Rest.remove_prefix(begin);
-                break;
+            const std::string_view text = m_Sql.substr(from, m_Position++ - from);
+            const bool isDoubled = m_Sql.substr(m_Position).starts_with('\'');
+            if (!isDoubled && unquoted.empty()) {
+                Add(begin, text);
+                return true;
             }
-            text += '\'';
-            ++begin;
+            unquoted += text;
+            if (!isDoubled) {
+                Add(begin, m_Shape.m_Unquoted.emplace_front(std::move(unquoted)));
+                return true;
+            }
+            unquoted += '\'';
         }
-        Add(std::move(text));
-        return true;
     }
 
     bool TakeWord()
     {
-        const auto end = std::find_if_not(m_Rest.begin(), m_Rest.end(), isWordCharacter);
-        const std::string_view word = m_Rest.substr(0, static_cast<std::size_t>(end - m_Rest.begin()));
-        m_Rest.remove_prefix(word.size());
+        const std::size_t begin = m_Position;
+        while (m_Position < m_Sql.size() && partOf(m_Sql[m_Position]) == EPart::Word)
+            ++m_Position;
+        const std::string_view word = m_Sql.substr(begin, m_Position - begin);
         // A text right behind a word is of another kind, such as x'00'.
-        if (m_Rest.starts_with('\'') || isOrdinalClause(word))
+        if (m_Sql.substr(m_Position).starts_with('\'') || isOrdinalClause(word))
             return false;
         std::int64_t number = 0;
         const auto [stop, error] = std::from_chars(word.data(), word.data() + word.size(), number);
         if (word.size() <= DIGITS && error == std::errc() && stop == word.data() + word.size())
-            Add(number);
-        else
-            m_Shape.m_Text += word;
+            Add(begin, number);
         return true;
     }
 
-    void Add(CStatementShape::Value value)
+    /** Puts a parameter into the place of all from `begin` to here. */
+    void Add(std::size_t begin, CStatementShape::Value value)
     {
+        m_Shape.m_Text += m_Sql.substr(m_Taken, begin - m_Taken);
         m_Shape.m_Text += '?';
-        m_Shape.m_Values.push_back(std::move(value));
+        m_Shape.m_Values.push_back(value);
+        m_Taken = m_Position;
     }
 
-    std::string_view m_Rest;
+    const std::string_view m_Sql;
+    std::size_t m_Position = 0;
+    std::size_t m_Taken = 0; ///< all before this is in the shape
     CStatementShape m_Shape;
 };
 
