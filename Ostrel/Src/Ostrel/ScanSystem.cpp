@@ -44,14 +44,12 @@ std::uint32_t IPLUGINAPI_IMPL::ScanSystem(std::vector<CNVMeAdapter>& adapters,
     std::uint32_t deviceIndex = 0;
     for (const NVMeDevice& device : m_NVMeDevices) {
         const TLXX::CQuerySession session(device.deviceName);
-        CNVMeAdapter adapter;
+        CNVMeAdapter& adapter = adapters.emplace_back();
         ScanAdpater(adapter, deviceIndex++, device, context);
-        CNVMePhysicalDrive drive;
+        CNVMePhysicalDrive& drive = physicalDrives.emplace_back();
         ScanPhysicalDrive(drive, device, adapter, context);
         adapter.m_Children.push_back(drive.m_ID);
         drive.m_Parents.push_back(adapter.m_ID);
-        adapters.push_back(std::move(adapter));
-        physicalDrives.push_back(std::move(drive));
     }
     OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, Non-Intel NVMe AdapterCount = %d" << adapters.size();
     return PI::ERR_SUCCESS;

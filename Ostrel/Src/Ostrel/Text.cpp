@@ -36,7 +36,8 @@ bool equalIgnoringCase(std::string_view left, std::string_view right)
 std::string formattedText(std::string_view format, std::initializer_list<CFormatArgument> arguments)
 {
     std::string result;
-    result.reserve(2 * format.size());
+    // What stands in for a conversion is mostly as short.
+    result.reserve(format.size());
     for (const CFormatArgument& argument : arguments) {
         const std::size_t conversion = std::min(format.find('%'), format.size());
         result += format.substr(0, conversion);
