@@ -33,8 +33,9 @@ class Transcripts(unittest.TestCase):
 
     def test_stale(self):
         """a transcript that is not is noticed"""
-        watch = "$ ostrel --simulate DemoFleet.json --data kept watch\n"
-        for shown in ("$ ostrel --version\nostrel 0.0.0\n", f"{watch}# nvme2n1 is unplugged\n"):
+        words = "$ ostrel --simulate DemoFleet.json --data kept"
+        quick = f"{words} set plugin pollinterval 2\nSimulated fleet: DemoFleet.json\nPoll interval is now 2 s.\n"
+        for shown in ("$ ostrel --version\nostrel 0.0.0\n", f"{quick}\n{words} watch\n# nvme2n1 is unplugged\n"):
             stale = stage.work / "stale.md"
             stale.write_text(f"```console\n{shown}```\n")
             checked = self.check(stale)
