@@ -1,3 +1,4 @@
+#include "Support/TryElsewhere.h"
 #include "WorkerFixture.h"
 
 #include <gmock/gmock.h>
@@ -13,6 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using TestSupport::CFakeDrive;
 using TestSupport::CGate;
+using TestSupport::tryElsewhere;
 using TLX::Threading::WaitResult::Taken;
 using TLX::Threading::WaitResult::TimedOut;
 
@@ -35,8 +37,8 @@ TEST_F(WorkerCallback, APrivateEventCallsTheHostAtOnceWithoutALock)
     CountEnumerations();
     m_Api.m_PrivateEvent.Set();
     reached.Pass();
-    EXPECT_EQ(Try(m_Api.m_DataLock), Taken);
-    EXPECT_EQ(Try(m_Api.m_EventsLock), Taken);
+    EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken);
+    EXPECT_EQ(tryElsewhere(m_Api.m_EventsLock), Taken);
     go.Set();
     EXPECT_EQ(AwaitWorker(), INTERVAL);
     EXPECT_EQ(m_Calls, 1);
@@ -55,11 +57,11 @@ TEST_F(WorkerCallback, CallsTheHostAfterAnUpdateWithTheDataLockAlone)
     Start();
     m_Api.m_ForceWorker.Set(); // the adapter's name changes
     reached.Pass();
-    EXPECT_EQ(Try(m_Api.m_DataLock), TimedOut);
-    EXPECT_EQ(Try(m_Api.m_EventsLock), Taken);
+    EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), TimedOut);
+    EXPECT_EQ(tryElsewhere(m_Api.m_EventsLock), Taken);
     go.Set();
     EXPECT_EQ(AwaitWorker(), INTERVAL);
-    EXPECT_EQ(Try(m_Api.m_DataLock), Taken);
+    EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken);
 }
 
 TEST_F(WorkerCallback, CallsNobodyWhenNothingHasChanged)
@@ -143,7 +145,7 @@ TEST_F(WorkerCallback, SurvivesACallbackThatThrows)
     Start();
     m_Drives.Add(CFakeDrive(1));
     Force();
-    EXPECT_EQ(Try(m_Api.m_DataLock), Taken);
+    EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken);
     m_Api.m_PrivateEvent.Set();
     EXPECT_EQ(AwaitWorker(), INTERVAL);
     Force();

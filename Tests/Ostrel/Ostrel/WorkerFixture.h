@@ -17,7 +17,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <future>
 #include <string>
 #include <vector>
 
@@ -113,19 +112,6 @@ protected:
         m_Calls = 0;
     }
 
-    /** What another thread gets that tries to take the lock at once. */
-    static std::uint32_t Try(TLX::Threading::Native_OS::CFastMutex& lock)
-    {
-        return std::async(std::launch::async,
-                          [&lock] {
-                              const std::uint32_t result = lock.Wait(0);
-                              if (result == TLX::Threading::WaitResult::Taken)
-                                  lock.Release();
-                              return result;
-                          })
-            .get();
-    }
-
     /** Operation 50002: the identifiers of the pending events, in order. */
     std::vector<std::uint32_t> CollectEvents()
     {
@@ -136,6 +122,19 @@ protected:
         for (const PI::CEvent& event : std::get<PI::COperation>(data).Events())
             ids.push_back(event.m_Id);
         return ids;
+    }
+
+    /** Holds the worker at its next query of the first drive's health log. */
+    void HoldWorkerInAQuery(CGate& reached, CGate& go)
+    {
+        m_Drives.OnQuery([&](const std::string& query) {
+            if (query == "health /dev/nvme0n1") {
+                reached.Set();
+                go.Pass();
+            }
+        });
+        m_Api.m_ForceWorker.Set();
+        reached.Pass();
     }
 
     /** From now on; takes the place of what the test does at each query. */

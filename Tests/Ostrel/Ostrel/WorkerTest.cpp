@@ -1,3 +1,4 @@
+#include "Support/TryElsewhere.h"
 #include "WorkerFixture.h"
 
 #include <gmock/gmock.h>
@@ -14,6 +15,7 @@ using testing::IsEmpty;
 using TestSupport::CFakeDrive;
 using TestSupport::CGate;
 using TestSupport::CTraceCapture;
+using TestSupport::tryElsewhere;
 using TestSupport::workersLines;
 using TLX::Threading::WaitResult::Taken;
 using TLX::Threading::WaitResult::TimedOut;
@@ -115,14 +117,7 @@ TEST_F(Worker, StopDuringAScanEndsItAfterThatCycle)
     CGate reached;
     CGate go;
     Start();
-    m_Drives.OnQuery([&](const std::string& query) {
-        if (query == "health /dev/nvme0n1") {
-            reached.Set();
-            go.Pass();
-        }
-    });
-    m_Api.m_ForceWorker.Set();
-    reached.Pass();
+    HoldWorkerInAQuery(reached, go);
     m_Api.m_StopRequest.Set();
     EXPECT_EQ(m_Api.m_WorkerThread->Wait(0), TimedOut);
     go.Set();
@@ -169,8 +164,8 @@ TEST_F(Worker, SurvivesACycleThatThrows)
         });
         Force();
         EXPECT_EQ(m_Calls, 0);
-        EXPECT_EQ(Try(m_Api.m_DataLock), Taken);
-        EXPECT_EQ(Try(m_Api.m_EventsLock), Taken);
+        EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken);
+        EXPECT_EQ(tryElsewhere(m_Api.m_EventsLock), Taken);
         EXPECT_EQ(m_Api.m_Adapters.size(), 1U);
     }
     m_Drives.OnQuery([](const std::string&) { throw 7; });
@@ -265,7 +260,7 @@ TEST_F(Worker, GivesTheDataLockBackInACycleWithoutTheEventsLock)
                 ElementsAre("Before m_DataLock.Wait(INFINITE)", "After m_DataLock.Wait(INFINITE)",
                             "Before m_EventsLock.Wait(INFINITE)", "After m_EventsLock.Wait(INFINITE)",
                             "Before m_DataLock.Release ()", "After m_DataLock.Release ()"));
-    EXPECT_EQ(Try(m_Api.m_DataLock), Taken);
+    EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken);
     EXPECT_EQ(m_Enumerations, 0);
     EXPECT_EQ(m_Calls, 0);
     EXPECT_EQ(m_Api.m_Plugin.m_UpdateCount, 0U);
