@@ -64,6 +64,7 @@ def watched(command, changes, started, folder):
                           **started) as running:
         process = int(running.stderr.readline())
         limit = threading.Timer(PATIENCE, os.kill, (process, signal.SIGKILL))
+        limit.daemon = True
         limit.start()
         while LOOKED not in (line := running.stderr.readline()):
             if not line:
