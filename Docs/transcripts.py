@@ -3,33 +3,107 @@
 Puts into documents what the program really prints.
 
 A transcript is a block that begins with ```console. Each of its lines that begins with "$ " is a command for a shell;
-what stands below it is replaced by what it prints to standard output. Commands run in the folder of the installed fleet
-file, with the installed program first in the path, at a fixed date: some figures depend on the day.
+what stands below it is replaced by what it prints to standard output. A line that begins with "# " is a change of the
+fleet, one of those in CHANGES: it happens while the command above it runs, and makes that print one line. Such a
+command is told to end when the last change has shown.
+
+The commands of a block run one after the other in an empty folder with a copy of the demonstration fleet in it, with
+the installed program first in the path, at a fixed date: some figures depend on the day.
 
 Needs the Debian package faketime.
 """
 
 import argparse
+import json
 import os
 import pathlib
 import re
+import shutil
+import signal
 import subprocess
 import sys
+import tempfile
+import threading
 
-DATE = "2026-01-01 12:00:00"
+# The clock stands still; only waiting takes its time.
+CLOCK = ("faketime", "--exclude-monotonic", "-f", "2026-01-01 12:00:00")
 BLOCK = re.compile(r"(?<=^```console\n).*?(?=^```$)", re.MULTILINE | re.DOTALL)
+FLEET = "DemoFleet.json"
+# Names are what they stay only after a first look, which the trace tells of.
+TRACE, LOOKED = "--trace 2", "LEAVE UpdateSystem"
+PATIENCE = 60
 
 
-def printed(command, tree):
+def unplugged(device):
+    return lambda fleet: [each for each in fleet if each["device"] != device]
+
+
+def warning(device, bits):
+    return lambda fleet: [each | {"health": each["health"] | {"criticalWarning": bits}} if each["device"] == device
+                          else each for each in fleet]
+
+
+CHANGES = {
+    "# nvme2n1 is unplugged": unplugged("/dev/nvme2n1"),
+    "# nvme4n1 runs out of spare blocks": warning("/dev/nvme4n1", 0x01),
+    "# nvme4n1 has spare blocks again": warning("/dev/nvme4n1", 0x00),
+}
+
+
+def change(file, changed):
+    """Makes the fleet another one, at once and as a whole."""
+    fleet = json.loads(file.read_text(encoding="utf-8"))
+    following = file.with_name("following.json")
+    following.write_text(json.dumps({"controllers": changed(fleet["controllers"])}), encoding="utf-8")
+    following.replace(file)
+
+
+def watched(command, changes, started, folder):
+    """What a command prints that runs while the fleet changes."""
+    with subprocess.Popen([*CLOCK, "sh", "-c", f"echo $$ >&2; exec {command} {TRACE}"], stderr=subprocess.PIPE,
+                          **started) as running:
+        process = int(running.stderr.readline())
+        limit = threading.Timer(PATIENCE, os.kill, (process, signal.SIGKILL))
+        limit.daemon = True
+        limit.start()
+        while LOOKED not in (line := running.stderr.readline()):
+            if not line:
+                raise RuntimeError(f"{command} does not look at the fleet")
+        threading.Thread(target=running.stderr.read, daemon=True).start()
+        for sentence, changed in changes.items():
+            change(folder / FLEET, changed)
+            line = running.stdout.readline()
+            if not line:
+                raise RuntimeError(f"{sentence}: {command} prints nothing")
+            yield f"{sentence}\n{line}"
+        os.kill(process, signal.SIGTERM)
+        yield running.stdout.read()
+        limit.cancel()
+    if running.returncode != 0:
+        raise RuntimeError(f"{command} ended with {running.returncode}")
+
+
+def printed(command, changes, folder, tree):
     environment = {"PATH": f"{tree}/bin:{os.environ['PATH']}", "LANG": "C.UTF-8", "TZ": "UTC", "HOME": "/nonexistent"}
-    return subprocess.run(["faketime", "-f", DATE, "sh", "-c", command], cwd=tree / "share/ostrel", env=environment,
-                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True, timeout=60, check=True).stdout
+    started = {"cwd": folder, "env": environment, "stdout": subprocess.PIPE, "text": True}
+    if changes:
+        return "".join(watched(command, changes, started, folder))
+    return subprocess.run([*CLOCK, "sh", "-c", command], stderr=subprocess.DEVNULL, timeout=PATIENCE, check=True,
+                          **started).stdout
 
 
 def renewed(document, tree):
     def block(match):
-        commands = [line for line in match[0].splitlines() if line.startswith("$ ")]
-        return "\n".join(f"{command}\n{printed(command[2:], tree)}" for command in commands)
+        with tempfile.TemporaryDirectory() as folder:
+            shutil.copy(tree / "share/ostrel" / FLEET, folder)
+            steps = []
+            for line in match[0].splitlines():
+                if line.startswith("$ "):
+                    steps.append((line, {}))
+                elif line.startswith("# "):
+                    steps[-1][1][line] = CHANGES[line]
+            return "\n".join(f"{command}\n{printed(command[2:], changes, pathlib.Path(folder), tree)}"
+                             for command, changes in steps)
 
     return BLOCK.sub(block, document)
 

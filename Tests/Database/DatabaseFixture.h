@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Support/DatabaseError.h"
 #include "Support/TemporaryFolder.h"
 
 #include <Database/Database.h>
@@ -41,18 +42,5 @@ protected:
 /** Rows as the plug-in fills them: on this host, all else telling the rows apart by `serial`. */
 RaidDataModels::Adapter makeAdapter(std::int32_t number, const std::string& serial);
 RaidDataModels::PD makeDrive(const std::string& serial);
-
-/** The message of the database exception that `operation` throws; a failed test when it throws none. */
-template<class Operation>
-std::string databaseError(Operation operation)
-{
-    try {
-        operation();
-    } catch (const DBEXCEPTION::DatabaseException& exception) {
-        return exception.what();
-    }
-    ADD_FAILURE() << "no DatabaseException was thrown";
-    return {};
-}
 
 } // namespace TestSupport

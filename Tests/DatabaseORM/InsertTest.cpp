@@ -3,6 +3,8 @@
 #include <DatabaseORM/StatementBuilder.h>
 
 #include <limits>
+#include <string>
+#include <utility>
 
 using namespace TestSupport;
 using testing::ElementsAre;
@@ -12,9 +14,10 @@ namespace {
 class Insert : public StatementFixture
 {};
 
-/** The identifier that an insert gives when the database answers `maximum` for its key's. */
-class InsertKey : public StatementFixture,
-                  public testing::WithParamInterface<std::pair<const char*, std::int32_t>>
+/** What the database answers for the maximum of the key, and the identifier that an insert then gives. */
+using Maximum = std::pair<std::string, std::int32_t>;
+
+class InsertKey : public StatementFixture, public testing::WithParamInterface<Maximum>
 {};
 
 } // namespace
@@ -124,11 +127,11 @@ TEST_P(InsertKey, FollowsTheMaximum)
 }
 
 INSTANTIATE_TEST_SUITE_P(Maxima, InsertKey,
-                         testing::Values(std::pair{"NULL", 1}, std::pair{"0", 1}, std::pair{"7", 8},
-                                         std::pair{"2147483646", 2147483647},
-                                         std::pair{"2147483647", std::numeric_limits<std::int32_t>::min()},
-                                         std::pair{"4294967294", -1}, std::pair{"4294967295", 1},
-                                         std::pair{"5000000000", 1}));
+                         testing::Values(Maximum{"NULL", 1}, Maximum{"0", 1}, Maximum{"7", 8},
+                                         Maximum{"2147483646", 2147483647},
+                                         Maximum{"2147483647", std::numeric_limits<std::int32_t>::min()},
+                                         Maximum{"4294967294", -1}, Maximum{"4294967295", 1},
+                                         Maximum{"5000000000", 1}));
 
 TEST_F(Insert, GivesOneWhenTheMaximumHasNoValue)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "RecordingDatabase.h"
+#include "Support/DatabaseError.h"
 
 #include <DatabaseORM/Storage.h>
 
@@ -77,18 +78,5 @@ protected:
     Sample m_Sample{
         .m_ID = 5, .m_Count = -3, .m_Size = 9'000'000'000, .m_Ratio = 1.5, .m_Name = "disk", .m_Unbound = ""};
 };
-
-/** The message of the database exception that `operation` throws; a failed test when it throws none. */
-template<class Operation>
-std::string databaseError(Operation operation)
-{
-    try {
-        operation();
-    } catch (const DBEXCEPTION::DatabaseException& exception) {
-        return exception.what();
-    }
-    ADD_FAILURE() << "no DatabaseException was thrown";
-    return {};
-}
 
 } // namespace TestSupport

@@ -1,10 +1,14 @@
 """The Debian package as such."""
 
+import json
 import os
+import pathlib
+import re
 import unittest
 
 import stage
 
+SCHEMAS = pathlib.Path(__file__).resolve().parents[2] / "Docs/Schemas"
 PLACES = (
     "bin/ostrel",
     "include/ostrel/PI/IPluginApi.h", "include/ostrel/PI/Export.h", "include/ostrel/TLX/Trace*.h",
@@ -14,6 +18,7 @@ PLACES = (
     "lib/*/cmake/OstrelHost/OstrelHostConfigVersion.cmake",
     "share/ostrel/Ostrel.nls", "share/ostrel/Endurance.txt", "share/ostrel/DemoFleet.json",
     "share/man/man1/ostrel.1.gz", "share/doc/ostrel/copyright", "share/doc/ostrel/changelog.gz",
+    "share/doc/ostrel/Interfaces.md.gz", "share/doc/ostrel/Tracing.md.gz",
     "share/bash-completion/completions/ostrel", "share/zsh/vendor-completions/_ostrel",
     "share/fish/vendor_completions.d/ostrel.fish",
 )
@@ -32,6 +37,25 @@ class Debian(unittest.TestCase):
         """everything is where Debian has it"""
         missing = [place for place in PLACES if not list((stage.root / "usr").glob(place))]
         self.assertEqual(missing, [])
+
+    def test_documents(self):
+        """documents refer only to what is installed beside them"""
+        folder = stage.root / "usr/share/doc/ostrel"
+        for name in ("Interfaces.md", "Tracing.md"):
+            text = stage.run("zcat", folder / f"{name}.gz")
+            self.assertTrue(text.startswith("# "), name)
+            for other in re.findall(r"`([\w/]+\.md)`", text):
+                self.assertTrue((folder / f"{other}.gz").is_file(), f"{name}: {other}")
+
+    def test_schemas(self):
+        """the schemas are all there, and refer only to one another"""
+        folder = stage.root / "usr/share/doc/ostrel/Schemas"
+        schemas = {file.name: file.read_text() for file in folder.iterdir()}
+        self.assertEqual(schemas, {file.name: file.read_text() for file in SCHEMAS.glob("*.json")})
+        for name, text in schemas.items():
+            self.assertTrue(json.loads(text), name)
+            for other in re.findall(r'"\$ref": "([^#"]+)', text):
+                self.assertIn(other, schemas, name)
 
     def test_versions(self):
         """package, change log and program agree on the version"""

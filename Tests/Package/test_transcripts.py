@@ -1,6 +1,7 @@
 """The documents' transcripts against the program in the package."""
 
 import pathlib
+import re
 import sys
 import unittest
 
@@ -8,6 +9,7 @@ import stage
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 SCRIPT = SOURCE / "Docs/transcripts.py"
+DOCUMENTS = (SOURCE / "README.md", SOURCE / "CONTRIBUTING.md", *sorted((SOURCE / "Docs").glob("*.md")))
 
 
 class Transcripts(unittest.TestCase):
@@ -18,14 +20,24 @@ class Transcripts(unittest.TestCase):
 
     def test_current(self):
         """every transcript is what its command prints now"""
-        documents = [SOURCE / "README.md", *sorted((SOURCE / "Docs").glob("*.md"))]
-        self.assertTrue(any("```console\n$ " in file.read_text() for file in documents))
-        checked = self.check(*documents)
+        self.assertTrue(any("```console\n$ " in file.read_text() for file in DOCUMENTS))
+        checked = self.check(*DOCUMENTS)
         self.assertEqual((checked.returncode, checked.stdout), (0, ""), checked.stderr)
+
+    def test_others(self):
+        """no other block looks like one"""
+        for file in DOCUMENTS:
+            for kind, block in re.findall(r"^```(\w*)\n(.*?)^```$", file.read_text(), re.MULTILINE | re.DOTALL):
+                if kind != "console":
+                    self.assertNotRegex(block, r"(?m)^\$ ", file.name)
 
     def test_stale(self):
         """a transcript that is not is noticed"""
-        stale = stage.work / "stale.md"
-        stale.write_text("```console\n$ ostrel --version\nostrel 0.0.0\n```\n")
-        self.assertEqual((self.check(stale).returncode, self.check(stale).stdout),
-                         (1, "not current: stale.md; ./dev docs renews them\n"))
+        words = "$ ostrel --simulate DemoFleet.json --data kept"
+        quick = f"{words} set plugin pollinterval 2\nSimulated fleet: DemoFleet.json\nPoll interval is now 2 s.\n"
+        for shown in ("$ ostrel --version\nostrel 0.0.0\n", f"{quick}\n{words} watch\n# nvme2n1 is unplugged\n"):
+            stale = stage.work / "stale.md"
+            stale.write_text(f"```console\n{shown}```\n")
+            checked = self.check(stale)
+            self.assertEqual((checked.returncode, checked.stdout),
+                             (1, "not current: stale.md; ./dev docs renews them\n"), checked.stderr)

@@ -71,8 +71,10 @@ class Package(unittest.TestCase):
         serials = [drive["serial"] for drive in stage.document(run)["drives"]]
         self.assertEqual((len(serials), serials[-1]), (8, "TINY-1"))
 
-    def test_manual(self):
-        """the manual is there as text"""
+    def test_documents(self):
+        """the manual is there as text, and with it what the sources have on interfaces, traces and JSON documents"""
         (program,) = self.programs
-        manual = (program.parents[1] / "share/ostrel/Manual.txt").read_text(encoding="ascii")
-        self.assertIn("ostrel - show NVMe drives", manual)
+        folder, sources = program.parents[1] / "share/doc/ostrel", SOURCE / "Docs"
+        self.assertIn("ostrel - show NVMe drives", (folder / "Manual.txt").read_text(encoding="ascii"))
+        for file in (sources / "Interfaces.md", sources / "Tracing.md", *(sources / "Schemas").glob("*.json")):
+            self.assertEqual((folder / file.relative_to(sources)).read_bytes(), file.read_bytes(), file.name)

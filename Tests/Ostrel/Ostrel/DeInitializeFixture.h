@@ -13,19 +13,6 @@ inline const std::string WAITING = "Wait for termination... (Worker)";
 class DeInitialize : public CWorkerFixture
 {
 protected:
-    /** Holds the worker at its next query of a health log. */
-    void HoldWorkerInAQuery(CGate& reached, CGate& go)
-    {
-        m_Drives.OnQuery([&](const std::string& query) {
-            if (query == "health /dev/nvme0n1") {
-                reached.Set();
-                go.Pass();
-            }
-        });
-        m_Api.m_ForceWorker.Set();
-        reached.Pass();
-    }
-
     std::uint32_t Request()
     {
         PI::CRequestData nothing;

@@ -1,5 +1,6 @@
 #include "DeInitializeFixture.h"
 #include "Support/SilentPipe.h"
+#include "Support/TryElsewhere.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@ using testing::SizeIs;
 using TestSupport::CFakeDrive;
 using TestSupport::CGate;
 using TestSupport::CTraceCapture;
+using TestSupport::tryElsewhere;
 using TestSupport::WAITING;
 using TLX::Threading::WaitResult::Taken;
 using TLX::Threading::WaitResult::TimedOut;
@@ -39,7 +41,7 @@ TEST_F(ForcedEnd, EndsAWorkerByForceThatIsStuckInADeviceQuery)
     });
     m_Api.m_ForceWorker.Set();
     reached.Pass();
-    EXPECT_EQ(Try(m_Api.m_DataLock), TimedOut);
+    EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), TimedOut);
 
     const CTraceCapture capture(~0U);
     EXPECT_EQ(Request(), PI::ERR_SUCCESS);
@@ -53,8 +55,8 @@ TEST_F(ForcedEnd, EndsAWorkerByForceThatIsStuckInADeviceQuery)
     EXPECT_EQ(OwnLines(capture), lines);
 
     EXPECT_EQ(m_Api.m_WorkerThread->Wait(), Taken);
-    EXPECT_EQ(Try(m_Api.m_DataLock), Taken) << "the locks are released as the worker unwinds";
-    EXPECT_EQ(Try(m_Api.m_EventsLock), Taken);
+    EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken) << "the locks are released as the worker unwinds";
+    EXPECT_EQ(tryElsewhere(m_Api.m_EventsLock), Taken);
     EXPECT_EQ(m_Calls, 0);
     PI::CRequestData objects = std::vector<PI::CObject>();
     EXPECT_EQ(m_Api.Request(PI::REQUEST_GET_TOPOLOGY, 0, objects), PI::ERR_SUCCESS);

@@ -1,6 +1,7 @@
 #include "Support/FakeDrives.h"
 #include "Support/PluginUnderTest.h"
 #include "Support/TraceCapture.h"
+#include "Support/TryElsewhere.h"
 #include "Support/VirtualClock.h"
 
 #include <PI/ErrorCode.h>
@@ -10,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <deque>
-#include <future>
 #include <string>
 #include <vector>
 
@@ -82,15 +82,7 @@ public:
     /** Whether another thread can have the lock that guards the lists. */
     bool DataLockIsFree()
     {
-        return std::async(std::launch::async,
-                          [this] {
-                              const bool taken =
-                                  m_Api.m_DataLock.Wait(0) == TLX::Threading::WaitResult::Taken;
-                              if (taken)
-                                  m_Api.m_DataLock.Release();
-                              return taken;
-                          })
-            .get();
+        return TestSupport::tryElsewhere(m_Api.m_DataLock) == TLX::Threading::WaitResult::Taken;
     }
 
     TestSupport::CVirtualClock m_Clock;

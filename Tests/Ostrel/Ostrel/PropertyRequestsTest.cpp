@@ -1,5 +1,6 @@
 #include "Support/ExpectedProperty.h"
 #include "Support/TraceCapture.h"
+#include "Support/TryElsewhere.h"
 #include "WorkerFixture.h"
 
 #include <gmock/gmock.h>
@@ -190,7 +191,7 @@ TEST_F(PropertyRequests, AFailureGivesTheLockBack)
     m_Api.m_Adapters[1].m_Model = "INTEL";
     EXPECT_EQ(GetAll(m_Adapter), PI::ERR_GENERAL_FAILURE);
     EXPECT_THAT(m_Properties, IsEmpty());
-    EXPECT_EQ(Try(m_Api.m_DataLock), TLX::Threading::WaitResult::Taken);
+    EXPECT_EQ(TestSupport::tryElsewhere(m_Api.m_DataLock), TLX::Threading::WaitResult::Taken);
 }
 
 TEST_P(PropertyRequestsTrace, GetProperties)

@@ -1,6 +1,7 @@
 #include "Support/FakeDrives.h"
 #include "Support/PluginUnderTest.h"
 #include "Support/TraceCapture.h"
+#include "Support/TryElsewhere.h"
 
 #include <PI/ErrorCode.h>
 #include <TLX/Event.h>
@@ -56,18 +57,6 @@ public:
     CPluginUnderTest m_Api;
     std::vector<PI::CObject> m_Objects;
 };
-
-std::uint32_t waitElsewhere(TLX::Threading::Native_OS::CFastMutex& mutex)
-{
-    return std::async(std::launch::async,
-                      [&mutex] {
-                          const std::uint32_t result = mutex.Wait(0);
-                          if (result == TLX::Threading::WaitResult::Taken)
-                              mutex.Release();
-                          return result;
-                      })
-        .get();
-}
 
 /** Calls a function with the text of each trace line of the module, on the thread that traces, while it
  * lives. */
@@ -170,7 +159,7 @@ TEST_F(Topology, AModelThatIsNothingButAMakerIsAGeneralFailureAndThePluginLivesO
     EXPECT_EQ(Get(), PI::ERR_GENERAL_FAILURE);
     EXPECT_THAT(m_Objects, IsEmpty());
 
-    EXPECT_EQ(waitElsewhere(m_Api.m_DataLock), TLX::Threading::WaitResult::Taken)
+    EXPECT_EQ(TestSupport::tryElsewhere(m_Api.m_DataLock), TLX::Threading::WaitResult::Taken)
         << "the failure must not keep the lock";
 
     m_Api.m_Adapters[0].m_Model = "INTEL SSDPE2KX010T8";
@@ -213,7 +202,7 @@ TEST_F(Topology, HoldsTheDataLockFromTheFirstObjectToTheLast)
     std::vector<std::string> free;
     std::vector<std::string> held;
     const CTraceWatch watch([&](const std::string& text) {
-        const bool taken = waitElsewhere(m_Api.m_DataLock) == TLX::Threading::WaitResult::Taken;
+        const bool taken = TestSupport::tryElsewhere(m_Api.m_DataLock) == TLX::Threading::WaitResult::Taken;
         (taken ? free : held).push_back(text);
     });
     ASSERT_EQ(Get(), PI::ERR_SUCCESS);

@@ -1,13 +1,12 @@
 #include "Ostrel/Trace.h"
 
 #include "Support/TraceCapture.h"
+#include "Support/TryElsewhere.h"
 
 #include <TLX/WaitResult.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <future>
 
 namespace {
 
@@ -16,22 +15,10 @@ using TestSupport::CCapturedLine;
 using TestSupport::CTraceCapture;
 using TLX::Threading::Native_OS::CFastMutex;
 
-std::uint32_t waitElsewhere(CFastMutex& mutex)
-{
-    return std::async(std::launch::async,
-                      [&mutex] {
-                          const std::uint32_t result = mutex.Wait(0);
-                          if (result == TLX::Threading::WaitResult::Taken)
-                              mutex.Release();
-                          return result;
-                      })
-        .get();
-}
-
 void underLock(CFastMutex& mutex)
 {
     const CTracedGuard guard(mutex, "m_DataLock", OSTREL_HERE);
-    EXPECT_EQ(waitElsewhere(mutex), TLX::Threading::WaitResult::TimedOut);
+    EXPECT_EQ(TestSupport::tryElsewhere(mutex), TLX::Threading::WaitResult::TimedOut);
 }
 
 int counted(int& count)
@@ -86,7 +73,7 @@ TEST(TracedGuard, HoldsTheLockAndTracesBothSidesOfTheWaitAsTheCallers)
     ASSERT_EQ(mutex.Init(), TLX::Threading::WaitResult::Taken);
     const CTraceCapture capture(8);
     underLock(mutex);
-    EXPECT_EQ(waitElsewhere(mutex), TLX::Threading::WaitResult::Taken);
+    EXPECT_EQ(TestSupport::tryElsewhere(mutex), TLX::Threading::WaitResult::Taken);
     ASSERT_EQ(capture.Lines().size(), 2U);
     for (const CCapturedLine& line : capture.Lines()) {
         EXPECT_EQ(line.m_Level, 8U);

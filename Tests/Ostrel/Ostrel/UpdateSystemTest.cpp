@@ -1,112 +1,30 @@
-#include "ScanFixture.h"
 #include "Support/TraceCapture.h"
-
-#include <TLX/WaitResult.h>
+#include "UpdateSystemFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <functional>
 #include <string>
 #include <vector>
 
 namespace {
 
-using NAMESPACE_Ostrel::CChanges;
 using NAMESPACE_Ostrel::CNVMeAdapter;
 using NAMESPACE_Ostrel::CNVMePhysicalDrive;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 using TestSupport::CCapturedLine;
 using TestSupport::CFakeDrive;
+using TestSupport::identifiers;
+using TestSupport::serials;
+using TestSupport::UpdateSystem;
 
 constexpr std::uint32_t CHANGED = 0;
 constexpr std::uint32_t UNCHANGED = 20000;
-
-template<typename Record>
-std::vector<std::string> serials(const std::vector<Record>& records)
-{
-    std::vector<std::string> texts;
-    for (const Record& record : records)
-        texts.push_back(record.m_SerialNumber);
-    return texts;
-}
-
-std::vector<std::uint32_t> identifiers(const std::vector<PI::CEvent>& events)
-{
-    std::vector<std::uint32_t> ids;
-    for (const PI::CEvent& event : events)
-        ids.push_back(event.m_Id);
-    return ids;
-}
-
-/** Publishes scans as the worker does, with both locks held. */
-class UpdateSystem : public TestSupport::CScanFixture
-{
-protected:
-    UpdateSystem()
-    {
-        for (auto* lock : {&m_Plugin.m_DataLock, &m_Plugin.m_EventsLock}) {
-            EXPECT_EQ(lock->Init(), TLX::Threading::WaitResult::Taken);
-            EXPECT_EQ(lock->Wait(), TLX::Threading::WaitResult::Taken);
-        }
-        m_Plugin.m_Plugin.m_ID = FIRST_ID | 0xFFFF;
-        for (std::uint32_t bus = 0; bus < 10; ++bus) {
-            PI::CAdapterID identity;
-            identity.m_Bus = bus;
-            identity.m_AdapterNumber = bus;
-            m_Plugin.m_AdapterIDs.push_back(identity);
-        }
-    }
-
-    ~UpdateSystem() override
-    {
-        m_Plugin.m_EventsLock.Release();
-        m_Plugin.m_DataLock.Release();
-    }
-
-    /** The machine's drives as they are now become the first inventory. */
-    void PublishFirst()
-    {
-        Scan();
-        Publish();
-    }
-
-    /** A later scan. */
-    std::uint32_t Update()
-    {
-        Scan(false);
-        return m_Plugin.UpdateSystem(m_Adapters, m_Drives);
-    }
-
-    CChanges Compare()
-    {
-        Scan(false);
-        return m_Plugin.Compare(m_Adapters, m_Drives);
-    }
-
-    CNVMeAdapter Adapter(const std::string& serial, std::uint64_t id)
-    {
-        CNVMeAdapter adapter;
-        adapter.m_SerialNumber = serial;
-        adapter.m_ID = id;
-        return adapter;
-    }
-
-    CNVMePhysicalDrive Drive(const std::string& serial, std::uint64_t id)
-    {
-        CNVMePhysicalDrive drive;
-        drive.m_SerialNumber = serial;
-        drive.m_ID = id;
-        return drive;
-    }
-};
 
 } // namespace
 
@@ -268,51 +186,6 @@ TEST_F(UpdateSystem, EventsOfOneScanComeBehindEarlierOnesAndLastMadeFirst)
     EXPECT_EQ(m_Plugin.m_Plugin.m_UpdateCount, 2U);
 }
 
-TEST_F(UpdateSystem, NotesWhatItAddedChangedAndRemoved)
-{
-    for (std::uint32_t number = 1; number < 6; ++number)
-        m_Fakes.Add(CFakeDrive(number));
-    PublishFirst();
-    m_Fakes.At(0).Kelvin(300);
-    m_Fakes.At(3).m_Namespace.LBAF[0].LBADS = 12;
-    m_Fakes.Remove("/dev/nvme2n1");
-    m_Fakes.Remove("/dev/nvme5n1");
-    m_Fakes.Add(CFakeDrive(6));
-    m_Fakes.Add(CFakeDrive(7));
-    const CChanges changes = Compare();
-    EXPECT_THAT(serials(changes.m_AddedAdapters), ElementsAre("SN6", "SN7"));
-    EXPECT_THAT(serials(changes.m_AddedDrives), ElementsAre("SN6", "SN7"));
-    // The third and fourth moved up in the list of devices.
-    EXPECT_THAT(serials(changes.m_ChangedAdapters), ElementsAre("SN1", "SN3", "SN4"));
-    EXPECT_THAT(serials(changes.m_RemovedAdapters), ElementsAre("SN2", "SN5"));
-    EXPECT_THAT(serials(changes.m_ChangedDrives), ElementsAre("SN1", "SN3", "SN4"));
-    EXPECT_TRUE(changes.Any());
-}
-
-TEST_F(UpdateSystem, AChangedAdapterIsNotedAsItWas)
-{
-    m_Fakes.Add(CFakeDrive(1));
-    PublishFirst();
-    m_Fakes.At(0).Kelvin(300);
-    const CChanges changes = Compare();
-    ASSERT_EQ(changes.m_ChangedAdapters.size(), 1U);
-    EXPECT_EQ(changes.m_ChangedAdapters[0].m_Temperature, 25.0F);
-}
-
-TEST_F(UpdateSystem, AChangedDriveIsNotedAsItWasWithItsAdaptersNumber)
-{
-    m_Fakes.Add(CFakeDrive(1));
-    PublishFirst();
-    m_Fakes.At(0).Kelvin(300);
-    Scan(false);
-    m_Adapters[0].m_GlobalAdapterNumber = 4711;
-    const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
-    ASSERT_EQ(changes.m_ChangedDrives.size(), 1U);
-    EXPECT_EQ(changes.m_ChangedDrives[0].m_Temperature, 25.0F);
-    EXPECT_EQ(changes.m_ChangedDrives[0].m_DeviceIndex, 4711U);
-    EXPECT_EQ(changes.m_ChangedDrives[0].m_UpdateCount, 1U);
-}
-
 TEST_F(UpdateSystem, ADriveThatAppearsOrVanishesAloneIsNoChange)
 {
     m_Fakes.Add(CFakeDrive(1));
@@ -334,74 +207,6 @@ TEST_F(UpdateSystem, AChangedDriveWithoutAnAdapterIsNoChange)
     EXPECT_EQ(m_Plugin.UpdateSystem(m_Adapters, m_Drives), UNCHANGED);
     EXPECT_THAT(m_Plugin.m_Events, IsEmpty());
     EXPECT_EQ(m_Plugin.m_PhysicalDrives[0].m_BlockSize, 4096U);
-}
-
-TEST_F(UpdateSystem, ANewAdapterWithTwoDrivesIsOneEventAndItsFirstDrive)
-{
-    m_Adapters = {Adapter("A", 1)};
-    m_Drives = {Drive("A", 2), Drive("A", 3)};
-    const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
-    ASSERT_EQ(changes.m_Events.size(), 1U);
-    EXPECT_EQ(changes.m_Events[0].m_Id, 11093U);
-    EXPECT_EQ(changes.m_Events[0].m_Severity, 2U);
-    ASSERT_EQ(changes.m_AddedDrives.size(), 1U);
-    EXPECT_EQ(changes.m_AddedDrives[0].m_ID, 2U);
-}
-
-TEST_F(UpdateSystem, ANewAdapterWithoutADriveAddsNone)
-{
-    m_Adapters = {Adapter("A", 1)};
-    m_Drives = {Drive("a", 2), Drive("AB", 3)};
-    const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
-    EXPECT_EQ(changes.m_AddedAdapters.size(), 1U);
-    EXPECT_THAT(changes.m_AddedDrives, IsEmpty());
-}
-
-TEST_F(UpdateSystem, OfEqualSerialNumbersTheFirstLiveAdapterIsCompared)
-{
-    m_Plugin.m_Adapters = {Adapter("A", 1), Adapter("A", 2)};
-    m_Plugin.m_Adapters[1].m_WarningFlags = 4;
-    m_Adapters = {Adapter("A", 1), Adapter("A", 1)};
-    m_Adapters[1].m_WarningFlags = 4;
-    const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
-    // The second fresh one differs from the first live one, and nothing was removed.
-    EXPECT_THAT(identifiers(changes.m_Events), ElementsAre(11088U));
-    ASSERT_EQ(changes.m_ChangedAdapters.size(), 1U);
-    EXPECT_EQ(changes.m_ChangedAdapters[0].m_ID, 1U);
-    EXPECT_THAT(changes.m_RemovedAdapters, IsEmpty());
-}
-
-TEST_F(UpdateSystem, EachNewAndEachVanishedAdapterOfOneSerialNumberHasItsEvent)
-{
-    m_Plugin.m_Adapters = {Adapter("A", 1), Adapter("A", 2)};
-    m_Adapters = {Adapter("B", 3), Adapter("B", 4)};
-    const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
-    EXPECT_THAT(identifiers(changes.m_Events), ElementsAre(11093U, 11093U, 11094U, 11094U));
-}
-
-TEST_F(UpdateSystem, OfEqualSerialNumbersTheFirstLiveDriveAndTheFirstFreshAdapterCount)
-{
-    m_Plugin.m_Adapters = {Adapter("A", 1)};
-    m_Plugin.m_PhysicalDrives = {Drive("A", 5), Drive("A", 6)};
-    m_Plugin.m_PhysicalDrives[1].m_BlockSize = 4096;
-    m_Adapters = {Adapter("A", 1), Adapter("A", 2)};
-    m_Adapters[0].m_Name = "first";
-    m_Adapters[1].m_Name = "second";
-    m_Drives = {Drive("A", 5)};
-    m_Drives[0].m_BlockSize = 4096;
-    const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
-    ASSERT_EQ(changes.m_ChangedDrives.size(), 1U);
-    EXPECT_EQ(changes.m_ChangedDrives[0].m_ID, 5U);
-    ASSERT_EQ(changes.m_Events.size(), 1U);
-    EXPECT_EQ(changes.m_Events[0].PlaceHolder1(), "first");
-}
-
-TEST_F(UpdateSystem, SerialNumbersAreComparedToTheLastByte)
-{
-    m_Plugin.m_Adapters = {Adapter("A", 1), Adapter("", 2)};
-    m_Adapters = {Adapter(std::string("A\0", 2), 3), Adapter("a", 4), Adapter("", 2)};
-    const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
-    EXPECT_THAT(identifiers(changes.m_Events), ElementsAre(11093U, 11093U, 11094U));
 }
 
 TEST_F(UpdateSystem, TracesItsWay)
@@ -473,88 +278,4 @@ TEST_F(UpdateSystem, ASwapInOneSlotLeavesTheNewDrivesRow)
     EXPECT_THAT(capture.Texts(), Not(Contains(HasSubstr("removed from db."))));
     EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(m_Plugin.m_Adapters[0]), 0U);
     EXPECT_THAT(capture.Texts(), Contains(HasSubstr("updated in db.")));
-}
-
-// A record differs when any single member of its own does, and never by its place in the topology.
-
-TEST(RecordComparison, EveryMemberOfAnAdapterCounts)
-{
-    const std::vector<std::function<void(CNVMeAdapter&)>> changes = {
-        [](auto& a) { a.m_DeviceIndex++; },
-        [](auto& a) { a.m_GlobalAdapterNumber++; },
-        [](auto& a) { a.m_SerialNumber = "x"; },
-        [](auto& a) { a.m_Vendor = "x"; },
-        [](auto& a) { a.m_Model = "x"; },
-        [](auto& a) { a.m_Name = "x"; },
-        [](auto& a) { a.m_Location = "x"; },
-        [](auto& a) { a.m_Driver = "x"; },
-        [](auto& a) { a.m_DriverVersion = "x"; },
-        [](auto& a) { a.m_FirmwareRevision = "x"; },
-        [](auto& a) { a.m_VendorTag = "x"; },
-        [](auto& a) { a.m_DeviceName = "x"; },
-        [](auto& a) { a.m_Segment++; },
-        [](auto& a) { a.m_Bus++; },
-        [](auto& a) { a.m_Device++; },
-        [](auto& a) { a.m_Function++; },
-        [](auto& a) { a.m_WarningFlags++; },
-        [](auto& a) { a.m_EANormalized++; },
-        [](auto& a) { a.m_ADNormalized++; },
-        [](auto& a) { a.m_UnsafeShutdowns++; },
-        [](auto& a) { a.m_CorrectableErrors++; },
-        [](auto& a) { a.m_Temperature = 7; },
-        [](auto& a) { a.m_HealthStatus++; },
-        [](auto& a) { a.m_HealthReasons.push_back(1); },
-        [](auto& a) { a.m_UncorrectableErrors++; },
-        [](auto& a) { a.m_SpareStatus++; },
-        [](auto& a) { a.m_DataUnitsRead = 7; },
-        [](auto& a) { a.m_DataUnitsWritten = 7; },
-        [](auto& a) { a.m_PowerOnHours = 7; },
-        [](auto& a) { a.m_ReserveSpace++; },
-        [](auto& a) { a.m_LifetimeRating = 7; },
-        [](auto& a) { a.m_SpareState++; },
-        [](auto& a) { a.m_WarningThreshold++; },
-        [](auto& a) { a.m_ModelName = "x"; },
-        [](auto& a) { a.m_EndOfLifeDate = "x"; }};
-    for (std::size_t index = 0; index < changes.size(); ++index) {
-        CNVMeAdapter changed;
-        changes[index](changed);
-        EXPECT_FALSE(changed == CNVMeAdapter()) << "member " << index;
-        EXPECT_TRUE(changed == changed); // NOLINT
-    }
-}
-
-TEST(RecordComparison, EveryMemberOfADriveCounts)
-{
-    const std::vector<std::function<void(CNVMePhysicalDrive&)>> changes = {
-        [](auto& d) { d.m_DeviceIndex = 7; },     [](auto& d) { d.m_SerialNumber = "x"; },
-        [](auto& d) { d.m_Vendor = "x"; },        [](auto& d) { d.m_Model = "x"; },
-        [](auto& d) { d.m_ProductName = "x"; },   [](auto& d) { d.m_Location = "x"; },
-        [](auto& d) { d.m_DeviceName = "x"; },    [](auto& d) { d.m_Status++; },
-        [](auto& d) { d.m_BlockSize++; },         [](auto& d) { d.m_ReservedMiB++; },
-        [](auto& d) { d.m_ReservedPercent++; },   [](auto& d) { d.m_CapacityMiB++; },
-        [](auto& d) { d.m_UsableCapacityMiB++; }, [](auto& d) { d.m_Temperature = 7; }};
-    for (std::size_t index = 0; index < changes.size(); ++index) {
-        CNVMePhysicalDrive changed;
-        changes[index](changed);
-        EXPECT_FALSE(changed == CNVMePhysicalDrive()) << "member " << index;
-    }
-}
-
-TEST(RecordComparison, ThePlaceInTheTopologyDoesNotCount)
-{
-    const auto move = [](PI::CObject& object) {
-        object.m_ID = 7;
-        object.m_Type = 8;
-        object.m_UpdateCount = 9;
-        object.m_Parents = {1};
-        object.m_Children = {2};
-        object.m_Properties.resize(1);
-        object.m_Operations.resize(1);
-    };
-    CNVMeAdapter adapter;
-    move(adapter);
-    EXPECT_TRUE(adapter == CNVMeAdapter());
-    CNVMePhysicalDrive drive;
-    move(drive);
-    EXPECT_TRUE(drive == CNVMePhysicalDrive());
 }

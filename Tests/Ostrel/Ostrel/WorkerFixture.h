@@ -3,6 +3,7 @@
 #include "Support/FakeDrives.h"
 #include "Support/PluginUnderTest.h"
 #include "Support/TemporaryFolder.h"
+#include "Support/TraceCapture.h"
 #include "Support/VirtualClock.h"
 
 #include <PI/ConfigFile.h>
@@ -11,11 +12,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <future>
+#include <string>
 #include <vector>
 
 namespace TestSupport {
@@ -110,19 +112,6 @@ protected:
         m_Calls = 0;
     }
 
-    /** What another thread gets that tries to take the lock at once. */
-    static std::uint32_t Try(TLX::Threading::Native_OS::CFastMutex& lock)
-    {
-        return std::async(std::launch::async,
-                          [&lock] {
-                              const std::uint32_t result = lock.Wait(0);
-                              if (result == TLX::Threading::WaitResult::Taken)
-                                  lock.Release();
-                              return result;
-                          })
-            .get();
-    }
-
     /** Operation 50002: the identifiers of the pending events, in order. */
     std::vector<std::uint32_t> CollectEvents()
     {
@@ -135,14 +124,51 @@ protected:
         return ids;
     }
 
+    /** Holds the worker at its next query of the first drive's health log. */
+    void HoldWorkerInAQuery(CGate& reached, CGate& go)
+    {
+        m_Drives.OnQuery([&](const std::string& query) {
+            if (query == "health /dev/nvme0n1") {
+                reached.Set();
+                go.Pass();
+            }
+        });
+        m_Api.m_ForceWorker.Set();
+        reached.Pass();
+    }
+
+    /** From now on; takes the place of what the test does at each query. */
+    void CountEnumerations()
+    {
+        m_Drives.OnQuery([this](const std::string& query) {
+            if (query == "enumerate")
+                ++m_Enumerations;
+        });
+    }
+
     CTemporaryFolder m_Folder;
     CVirtualClock m_Clock;
     CFakeDrives m_Drives;
+    std::atomic<int> m_Enumerations = 0;
     std::atomic<int> m_Calls = 0;   ///< of the host
     std::function<void()> m_OnCall; ///< set before the worker starts
     std::vector<PI::CAdapterID> m_Identities;
     std::size_t m_Waits = 0; ///< of the worker that the test knows of
     CPluginUnderTest m_Api;
 };
+
+/** The lines of the worker itself, as "level text". */
+inline std::vector<std::string> workersLines(const CTraceCapture& capture)
+{
+    static const std::vector<std::string> functions = {"Worker", "RunCycle", "Refresh", "UpdateSystem",
+                                                       "AddEvents"};
+    std::vector<std::string> lines;
+    for (const CCapturedLine& line : capture.Lines()) {
+        const std::string name = line.m_Function.substr(line.m_Function.rfind(':') + 1);
+        if (std::find(functions.begin(), functions.end(), name) != functions.end())
+            lines.push_back(std::to_string(line.m_Level) + ' ' + line.m_Text);
+    }
+    return lines;
+}
 
 } // namespace TestSupport

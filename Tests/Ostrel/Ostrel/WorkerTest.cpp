@@ -1,10 +1,9 @@
-#include "Support/TraceCapture.h"
+#include "Support/TryElsewhere.h"
 #include "WorkerFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -12,46 +11,17 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
-using TestSupport::CCapturedLine;
 using TestSupport::CFakeDrive;
 using TestSupport::CGate;
-using TestSupport::CPluginUnderTest;
 using TestSupport::CTraceCapture;
+using TestSupport::tryElsewhere;
+using TestSupport::workersLines;
 using TLX::Threading::WaitResult::Taken;
 using TLX::Threading::WaitResult::TimedOut;
 
 class Worker : public TestSupport::CWorkerFixture
-{
-protected:
-    int Enumerations() const { return m_Enumerations; }
-
-    void CountEnumerations()
-    {
-        m_Drives.OnQuery([this](const std::string& query) {
-            if (query == "enumerate")
-                ++m_Enumerations;
-        });
-    }
-
-private:
-    std::atomic<int> m_Enumerations = 0;
-};
-
-/** The lines of the worker itself, as "level text". */
-std::vector<std::string> workersLines(const CTraceCapture& capture)
-{
-    static const std::vector<std::string> functions = {"Worker", "RunCycle", "Refresh", "UpdateSystem",
-                                                       "AddEvents"};
-    std::vector<std::string> lines;
-    for (const CCapturedLine& line : capture.Lines()) {
-        const std::string name = line.m_Function.substr(line.m_Function.rfind(':') + 1);
-        if (std::find(functions.begin(), functions.end(), name) != functions.end())
-            lines.push_back(std::to_string(line.m_Level) + ' ' + line.m_Text);
-    }
-    return lines;
-}
+{};
 
 } // namespace
 
@@ -60,17 +30,17 @@ TEST_F(Worker, WakesAfter100MillisecondsAndThenAfterEachInterval)
     m_Drives.Add(CFakeDrive(0));
     CountEnumerations();
     Initialize();
-    EXPECT_EQ(Enumerations(), 1);
+    EXPECT_EQ(m_Enumerations, 1);
     StartWorker();
     EXPECT_EQ(AwaitWorker(), 100U);
-    EXPECT_EQ(Enumerations(), 1);
+    EXPECT_EQ(m_Enumerations, 1);
     m_Clock.Advance(100);
     EXPECT_EQ(AwaitWorker(), 30'000U);
-    EXPECT_EQ(Enumerations(), 2);
+    EXPECT_EQ(m_Enumerations, 2);
     for (int cycle = 3; cycle < 6; ++cycle) {
         m_Clock.Advance(30'000);
         EXPECT_EQ(AwaitWorker(), 30'000U);
-        EXPECT_EQ(Enumerations(), cycle);
+        EXPECT_EQ(m_Enumerations, cycle);
     }
 }
 
@@ -96,10 +66,10 @@ TEST_F(Worker, AForcedScanPostponesTheNextTimedOneByAFullInterval)
     CountEnumerations();
     m_Clock.Advance(40);
     Force();
-    EXPECT_EQ(Enumerations(), 1);
+    EXPECT_EQ(m_Enumerations, 1);
     m_Clock.Advance(29'999);
     Force();
-    EXPECT_EQ(Enumerations(), 2);
+    EXPECT_EQ(m_Enumerations, 2);
 }
 
 TEST_F(Worker, TwoForcesBeforeACycleAreOneAndASecondDuringItIsAnother)
@@ -127,82 +97,6 @@ TEST_F(Worker, TwoForcesBeforeACycleAreOneAndASecondDuringItIsAnother)
     EXPECT_EQ(enumerations, 2);
 }
 
-TEST_F(Worker, APrivateEventCallsTheHostAtOnceWithoutALock)
-{
-    m_Drives.Add(CFakeDrive(0));
-    CGate reached;
-    CGate go;
-    m_OnCall = [&] {
-        reached.Set();
-        go.Pass();
-    };
-    Start();
-    CountEnumerations();
-    m_Api.m_PrivateEvent.Set();
-    reached.Pass();
-    EXPECT_EQ(Try(m_Api.m_DataLock), Taken);
-    EXPECT_EQ(Try(m_Api.m_EventsLock), Taken);
-    go.Set();
-    EXPECT_EQ(AwaitWorker(), INTERVAL);
-    EXPECT_EQ(m_Calls, 1);
-    EXPECT_EQ(Enumerations(), 0);
-}
-
-TEST_F(Worker, CallsTheHostAfterAnUpdateWithTheDataLockAlone)
-{
-    m_Drives.Add(CFakeDrive(0));
-    CGate reached;
-    CGate go;
-    m_OnCall = [&] {
-        reached.Set();
-        go.Pass();
-    };
-    Start();
-    m_Api.m_ForceWorker.Set(); // the adapter's name changes
-    reached.Pass();
-    EXPECT_EQ(Try(m_Api.m_DataLock), TimedOut);
-    EXPECT_EQ(Try(m_Api.m_EventsLock), Taken);
-    go.Set();
-    EXPECT_EQ(AwaitWorker(), INTERVAL);
-    EXPECT_EQ(Try(m_Api.m_DataLock), Taken);
-}
-
-TEST_F(Worker, CallsNobodyWhenNothingHasChanged)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    Force();
-    EXPECT_EQ(m_Calls, 0);
-    EXPECT_THAT(CollectEvents(), IsEmpty());
-}
-
-TEST_F(Worker, CallsTheHostForAChangeWithoutAnEvent)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    m_Drives.Change(0, [](CFakeDrive& drive) { drive.Kelvin(310); });
-    Force();
-    EXPECT_EQ(m_Calls, 1);
-    EXPECT_THAT(CollectEvents(), IsEmpty());
-}
-
-TEST_F(Worker, CallsTheHostAsLongAsEventsArePending)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    m_Drives.Add(CFakeDrive(1));
-    Force();
-    Force();
-    EXPECT_EQ(m_Calls, 2);
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
-    Force();
-    EXPECT_EQ(m_Calls, 2);
-    EXPECT_THAT(CollectEvents(), IsEmpty());
-}
-
 TEST_F(Worker, StopWhileItWaitsEndsItWithoutAnotherCycle)
 {
     m_Drives.Add(CFakeDrive(0));
@@ -213,7 +107,7 @@ TEST_F(Worker, StopWhileItWaitsEndsItWithoutAnotherCycle)
     EXPECT_EQ(m_Api.m_WorkerThread->Wait(), Taken);
     EXPECT_THAT(workersLines(capture),
                 ElementsAre("4 Worker() something else perhaps m_StopRequest", "2 LEAVE Worker()"));
-    EXPECT_EQ(Enumerations(), 0);
+    EXPECT_EQ(m_Enumerations, 0);
     EXPECT_EQ(m_Calls, 0);
 }
 
@@ -223,14 +117,7 @@ TEST_F(Worker, StopDuringAScanEndsItAfterThatCycle)
     CGate reached;
     CGate go;
     Start();
-    m_Drives.OnQuery([&](const std::string& query) {
-        if (query == "health /dev/nvme0n1") {
-            reached.Set();
-            go.Pass();
-        }
-    });
-    m_Api.m_ForceWorker.Set();
-    reached.Pass();
+    HoldWorkerInAQuery(reached, go);
     m_Api.m_StopRequest.Set();
     EXPECT_EQ(m_Api.m_WorkerThread->Wait(0), TimedOut);
     go.Set();
@@ -265,20 +152,6 @@ TEST_F(Worker, SkipsACycleInWhichADriveDoesNotIdentify)
     EXPECT_EQ(m_Api.m_Adapters.back().m_Temperature, 37.0F);
 }
 
-TEST_F(Worker, CallsTheHostInASkippedCycleWhenEventsArePending)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    m_Drives.Add(CFakeDrive(1));
-    Force();
-    EXPECT_EQ(m_Calls, 1);
-    m_Drives.Change(0, [](CFakeDrive& drive) { drive.m_ControllerStatuses = {5}; });
-    Force();
-    EXPECT_EQ(m_Calls, 2);
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
-}
-
 TEST_F(Worker, SurvivesACycleThatThrows)
 {
     m_Drives.Add(CFakeDrive(0));
@@ -291,8 +164,8 @@ TEST_F(Worker, SurvivesACycleThatThrows)
         });
         Force();
         EXPECT_EQ(m_Calls, 0);
-        EXPECT_EQ(Try(m_Api.m_DataLock), Taken);
-        EXPECT_EQ(Try(m_Api.m_EventsLock), Taken);
+        EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken);
+        EXPECT_EQ(tryElsewhere(m_Api.m_EventsLock), Taken);
         EXPECT_EQ(m_Api.m_Adapters.size(), 1U);
     }
     m_Drives.OnQuery([](const std::string&) { throw 7; });
@@ -302,66 +175,6 @@ TEST_F(Worker, SurvivesACycleThatThrows)
     Force();
     EXPECT_EQ(m_Calls, 1);
     EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
-}
-
-TEST_F(Worker, CallsTheHostAfterACycleThatThrewWhenEventsArePending)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    m_Drives.Add(CFakeDrive(1));
-    Force();
-    m_Drives.OnQuery([](const std::string&) { throw std::bad_alloc(); });
-    Force();
-    EXPECT_EQ(m_Calls, 2);
-}
-
-TEST_F(Worker, NeedsNoCallback)
-{
-    m_Drives.Add(CFakeDrive(0));
-    m_Api.m_HostCallback = nullptr;
-    Start();
-    m_Drives.Add(CFakeDrive(1));
-    Force();
-    m_Api.m_PrivateEvent.Set();
-    EXPECT_EQ(AwaitWorker(), INTERVAL);
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
-}
-
-TEST_F(Worker, SurvivesACallbackThatThrows)
-{
-    m_Drives.Add(CFakeDrive(0));
-    m_OnCall = [] { throw std::runtime_error("the host's own"); };
-    Start();
-    m_Drives.Add(CFakeDrive(1));
-    Force();
-    EXPECT_EQ(Try(m_Api.m_DataLock), Taken);
-    m_Api.m_PrivateEvent.Set();
-    EXPECT_EQ(AwaitWorker(), INTERVAL);
-    Force();
-    EXPECT_EQ(m_Calls, 3);
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
-}
-
-TEST_F(Worker, GoesOnWhenACallbackThatBlockedReturns)
-{
-    m_Drives.Add(CFakeDrive(0));
-    CGate reached;
-    CGate go;
-    m_OnCall = [&] {
-        reached.Set();
-        go.Pass();
-    };
-    Start();
-    m_Api.m_ForceWorker.Set();
-    reached.Pass();
-    m_Clock.Advance(1'000'000);
-    go.Set();
-    EXPECT_EQ(AwaitWorker(), INTERVAL);
-    m_Drives.Add(CFakeDrive(1));
-    m_Clock.Advance(INTERVAL);
-    EXPECT_EQ(AwaitWorker(), INTERVAL);
-    EXPECT_EQ(m_Calls, 2);
 }
 
 TEST_F(Worker, LinksAdaptersAndPluginAndCountsItsUpdates)
@@ -413,102 +226,6 @@ TEST_F(Worker, SettingTheIntervalWakesItAndIsInForceAtOnce)
     EXPECT_EQ(m_Calls, 1);
 }
 
-namespace {
-
-const std::vector<std::string> LOCKED = {
-    "8 Before m_DataLock.Wait(INFINITE)", "8 After m_DataLock.Wait(INFINITE)",
-    "8 Before m_EventsLock.Wait(INFINITE)", "8 After m_EventsLock.Wait(INFINITE)"};
-const std::vector<std::string> RELEASED = {
-    "8 Before m_EventsLock.Release ()", "8 After m_EventsLock.Release ()", "8 Before m_DataLock.Release ()",
-    "8 After m_DataLock.Release ()", "2 Worker() before restart interval"};
-
-std::vector<std::string> cycleLines(const std::string& reason, const std::vector<std::string>& inside)
-{
-    std::vector<std::string> lines = {reason};
-    for (const auto* part : {&LOCKED, &inside, &RELEASED})
-        lines.insert(lines.end(), part->begin(), part->end());
-    return lines;
-}
-
-} // namespace
-
-TEST_F(Worker, TracesACycleWithoutAChange)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Initialize();
-    {
-        const CTraceCapture capture(~0U);
-        StartWorker();
-        EXPECT_EQ(AwaitWorker(), FIRST_WAIT);
-        EXPECT_THAT(workersLines(capture), ElementsAre("2 ENTER Worker()"));
-    }
-    Settle();
-    const CTraceCapture capture(~0U);
-    m_Clock.Advance(INTERVAL);
-    AwaitWorker();
-    EXPECT_THAT(workersLines(capture),
-                ElementsAreArray(cycleLines(
-                    "4 Worker() timeout event received",
-                    {"16 Before ScanSystem()", "16 After ScanSystem() ret = 0", "16 Before UpdateSystem()",
-                     "2 ENTER UpdateSystem for 1 adapter, 1 physicalDrives",
-                     "2 LEAVE UpdateSystem ret = 20000", "16 After UpdateSystem() ret = 20000"})));
-}
-
-TEST_F(Worker, TracesAForcedCycleWithAnEvent)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    m_Drives.Add(CFakeDrive(1));
-    const CTraceCapture capture(~0U);
-    Force();
-    EXPECT_THAT(workersLines(capture),
-                ElementsAreArray(cycleLines(
-                    "4 Worker() m_ForceWorker event received, force scan",
-                    {"16 Before ScanSystem()", "16 After ScanSystem() ret = 0", "16 Before UpdateSystem()",
-                     "2 ENTER UpdateSystem for 2 adapter, 2 physicalDrives",
-                     "8 Before m_EventsLock.Wait (sg)", "8 After m_EventsLock.Wait (sg)",
-                     "2 LEAVE UpdateSystem ret = 0", "16 After UpdateSystem() ret = 0"})));
-}
-
-TEST_F(Worker, TracesASkippedCycle)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    m_Drives.Change(0, [](CFakeDrive& drive) { drive.m_ControllerStatuses = {5}; });
-    const CTraceCapture capture(~0U);
-    Force();
-    EXPECT_THAT(workersLines(capture),
-                ElementsAreArray(cycleLines("4 Worker() m_ForceWorker event received, force scan",
-                                            {"8 Worker() Update skipped"})));
-}
-
-TEST_F(Worker, TracesAPrivateEvent)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    const CTraceCapture capture(~0U);
-    m_Api.m_PrivateEvent.Set();
-    AwaitWorker();
-    EXPECT_THAT(workersLines(capture), ElementsAre("4 Worker() m_PrivateEvent event received",
-                                                   "2 Worker() before restart interval"));
-}
-
-TEST_F(Worker, ShowsLockLinesAndSkippedUpdatesAtMask8)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    m_Drives.Change(0, [](CFakeDrive& drive) { drive.m_ControllerStatuses = {5}; });
-    const CTraceCapture capture(8);
-    Force();
-    EXPECT_THAT(capture.Texts(),
-                ElementsAre("Before m_DataLock.Wait(INFINITE)", "After m_DataLock.Wait(INFINITE)",
-                            "Before m_EventsLock.Wait(INFINITE)", "After m_EventsLock.Wait(INFINITE)",
-                            "Worker() Update skipped", "Before m_EventsLock.Release ()",
-                            "After m_EventsLock.Release ()", "Before m_DataLock.Release ()",
-                            "After m_DataLock.Release ()"));
-}
-
 // The body alone, on an object whose locks were never made ready.
 
 TEST_F(Worker, DoesNothingInACycleWithoutTheDataLock)
@@ -525,7 +242,7 @@ TEST_F(Worker, DoesNothingInACycleWithoutTheDataLock)
                             "Before m_DataLock.Wait(INFINITE)", "After m_DataLock.Wait(INFINITE)",
                             "Worker() before restart interval",
                             "Worker() something else perhaps m_StopRequest", "LEAVE Worker()"));
-    EXPECT_EQ(Enumerations(), 0);
+    EXPECT_EQ(m_Enumerations, 0);
     EXPECT_EQ(m_Calls, 0);
 }
 
@@ -543,8 +260,8 @@ TEST_F(Worker, GivesTheDataLockBackInACycleWithoutTheEventsLock)
                 ElementsAre("Before m_DataLock.Wait(INFINITE)", "After m_DataLock.Wait(INFINITE)",
                             "Before m_EventsLock.Wait(INFINITE)", "After m_EventsLock.Wait(INFINITE)",
                             "Before m_DataLock.Release ()", "After m_DataLock.Release ()"));
-    EXPECT_EQ(Try(m_Api.m_DataLock), Taken);
-    EXPECT_EQ(Enumerations(), 0);
+    EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken);
+    EXPECT_EQ(m_Enumerations, 0);
     EXPECT_EQ(m_Calls, 0);
     EXPECT_EQ(m_Api.m_Plugin.m_UpdateCount, 0U);
 }

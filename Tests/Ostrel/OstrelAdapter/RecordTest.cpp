@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 using NAMESPACE_Ostrel::CNVMeAdapter;
 
@@ -69,6 +72,65 @@ TEST(AdapterRecord, IsAnObjectWithAVirtualDestructor)
 {
     EXPECT_TRUE((std::is_base_of_v<PI::CObject, CNVMeAdapter>));
     EXPECT_TRUE(std::has_virtual_destructor_v<CNVMeAdapter>);
+}
+
+TEST(AdapterRecord, DiffersWhenAnyMemberOfItsOwnDoes)
+{
+    const std::vector<std::function<void(CNVMeAdapter&)>> changes = {
+        [](auto& a) { a.m_DeviceIndex++; },
+        [](auto& a) { a.m_GlobalAdapterNumber++; },
+        [](auto& a) { a.m_SerialNumber = "x"; },
+        [](auto& a) { a.m_Vendor = "x"; },
+        [](auto& a) { a.m_Model = "x"; },
+        [](auto& a) { a.m_Name = "x"; },
+        [](auto& a) { a.m_Location = "x"; },
+        [](auto& a) { a.m_Driver = "x"; },
+        [](auto& a) { a.m_DriverVersion = "x"; },
+        [](auto& a) { a.m_FirmwareRevision = "x"; },
+        [](auto& a) { a.m_VendorTag = "x"; },
+        [](auto& a) { a.m_DeviceName = "x"; },
+        [](auto& a) { a.m_Segment++; },
+        [](auto& a) { a.m_Bus++; },
+        [](auto& a) { a.m_Device++; },
+        [](auto& a) { a.m_Function++; },
+        [](auto& a) { a.m_WarningFlags++; },
+        [](auto& a) { a.m_EANormalized++; },
+        [](auto& a) { a.m_ADNormalized++; },
+        [](auto& a) { a.m_UnsafeShutdowns++; },
+        [](auto& a) { a.m_CorrectableErrors++; },
+        [](auto& a) { a.m_Temperature = 7; },
+        [](auto& a) { a.m_HealthStatus++; },
+        [](auto& a) { a.m_HealthReasons.push_back(1); },
+        [](auto& a) { a.m_UncorrectableErrors++; },
+        [](auto& a) { a.m_SpareStatus++; },
+        [](auto& a) { a.m_DataUnitsRead = 7; },
+        [](auto& a) { a.m_DataUnitsWritten = 7; },
+        [](auto& a) { a.m_PowerOnHours = 7; },
+        [](auto& a) { a.m_ReserveSpace++; },
+        [](auto& a) { a.m_LifetimeRating = 7; },
+        [](auto& a) { a.m_SpareState++; },
+        [](auto& a) { a.m_WarningThreshold++; },
+        [](auto& a) { a.m_ModelName = "x"; },
+        [](auto& a) { a.m_EndOfLifeDate = "x"; }};
+    for (std::size_t index = 0; index < changes.size(); ++index) {
+        CNVMeAdapter changed;
+        changes[index](changed);
+        EXPECT_FALSE(changed == CNVMeAdapter()) << "member " << index;
+        EXPECT_TRUE(changed == changed); // NOLINT
+    }
+}
+
+TEST(AdapterRecord, DoesNotDifferByItsPlaceInTheTopology)
+{
+    CNVMeAdapter moved;
+    moved.m_ID = 7;
+    moved.m_Type = 8;
+    moved.m_UpdateCount = 9;
+    moved.m_Parents = {1};
+    moved.m_Children = {2};
+    moved.m_Properties.resize(1);
+    moved.m_Operations.resize(1);
+    EXPECT_TRUE(moved == CNVMeAdapter());
 }
 
 } // namespace

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <type_traits>
 #include <vector>
 
@@ -52,6 +54,36 @@ TEST(PhysicalDriveRecord, IsAnObjectWithAVirtualDestructor)
 {
     EXPECT_TRUE((std::is_base_of_v<PI::CObject, CNVMePhysicalDrive>));
     EXPECT_TRUE(std::has_virtual_destructor_v<CNVMePhysicalDrive>);
+}
+
+TEST(PhysicalDriveRecord, DiffersWhenAnyMemberOfItsOwnDoes)
+{
+    const std::vector<std::function<void(CNVMePhysicalDrive&)>> changes = {
+        [](auto& d) { d.m_DeviceIndex = 7; },     [](auto& d) { d.m_SerialNumber = "x"; },
+        [](auto& d) { d.m_Vendor = "x"; },        [](auto& d) { d.m_Model = "x"; },
+        [](auto& d) { d.m_ProductName = "x"; },   [](auto& d) { d.m_Location = "x"; },
+        [](auto& d) { d.m_DeviceName = "x"; },    [](auto& d) { d.m_Status++; },
+        [](auto& d) { d.m_BlockSize++; },         [](auto& d) { d.m_ReservedMiB++; },
+        [](auto& d) { d.m_ReservedPercent++; },   [](auto& d) { d.m_CapacityMiB++; },
+        [](auto& d) { d.m_UsableCapacityMiB++; }, [](auto& d) { d.m_Temperature = 7; }};
+    for (std::size_t index = 0; index < changes.size(); ++index) {
+        CNVMePhysicalDrive changed;
+        changes[index](changed);
+        EXPECT_FALSE(changed == CNVMePhysicalDrive()) << "member " << index;
+    }
+}
+
+TEST(PhysicalDriveRecord, DoesNotDifferByItsPlaceInTheTopology)
+{
+    CNVMePhysicalDrive moved;
+    moved.m_ID = 7;
+    moved.m_Type = 8;
+    moved.m_UpdateCount = 9;
+    moved.m_Parents = {1};
+    moved.m_Children = {2};
+    moved.m_Properties.resize(1);
+    moved.m_Operations.resize(1);
+    EXPECT_TRUE(moved == CNVMePhysicalDrive());
 }
 
 } // namespace

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <DatabaseORM/DatabaseException.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace TestSupport {
+
+/** The message of the database exception that `operation` throws; a failed test when it throws none. */
+template<class Operation>
+std::string databaseError(Operation operation)
+{
+    try {
+        operation();
+    } catch (const DBEXCEPTION::DatabaseException& exception) {
+        return exception.what();
+    }
+    ADD_FAILURE() << "no DatabaseException was thrown";
+    return {};
+}
+
+} // namespace TestSupport
