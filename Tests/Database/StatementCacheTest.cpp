@@ -68,14 +68,12 @@ TEST_F(StatementCache, ATextOfSeveralStatementsRunsThemAllEveryTime)
 TEST_F(StatementCache, MoreTextsThanItKeepsAllRun)
 {
     Query("CREATE TABLE T (X)");
-    constexpr int texts = 500;
-    for (int round = 1; round <= 2; ++round) {
+    Query("INSERT INTO T VALUES (1)");
+    constexpr int texts = 2500;
+    for (int round = 1; round <= 2; ++round)
         for (int text = 0; text < texts; ++text)
-            Query("INSERT INTO T VALUES (" + std::to_string(text) + ")");
-        EXPECT_THAT(
-            Query("SELECT COUNT(*), SUM(X) FROM T"),
-            ElementsAre(std::to_string(round * texts), std::to_string(round * texts * (texts - 1) / 2)));
-    }
+            ASSERT_THAT(Query("SELECT X + " + std::to_string(text) + " FROM T"),
+                        ElementsAre(std::to_string(1 + text)));
 }
 
 TEST_F(StatementCache, LeavesTheFileFreeForOthersBetweenStatements)

@@ -19,20 +19,21 @@ struct CFinalize
 using CStatement = std::unique_ptr<sqlite3_stmt, CFinalize>;
 
 /**
- * Statements kept prepared, by their text, for understanding a text costs far more than running it. The one
- * that was not used for the longest time goes first. A statement must be finalized before its connection is
- * closed.
+ * Statements kept prepared, by their text, for understanding a look-up costs several times what running it
+ * does. The one that was not used for the longest time goes first: more drives than there is room for, which
+ * come in the same order every time, would find none of theirs kept. A statement must be finalized before its
+ * connection is closed.
  */
 class CStatementCache
 {
 public:
-    /** Two texts for each of a hundred drives; some kilobytes each. */
-    static constexpr std::size_t CAPACITY = 200;
+    /** Look-up and update of adapter and drive, for 250 drives; 5 to 11 kilobytes each. */
+    static constexpr std::size_t CAPACITY = 1024;
 
     /** The statement of this text; null when there is none. It is reset, and must be again after use. */
     sqlite3_stmt* Find(std::string_view text);
 
-    /** Takes over a statement that is reset, unless each run has to understand the text anew. */
+    /** Takes over a statement that is reset, if it is one that comes again. */
     void Keep(std::string_view text, CStatement statement);
 
 private:

@@ -34,9 +34,7 @@ public:
     /** 0, or why it could not be opened. */
     std::uint32_t Status() const { return m_Status; }
 
-    /** Sends a control code with `input`. Returns 0, having written `returned` bytes to `output`, or the
-     * error.
-     */
+    /** Sends a control code with `input`; writes `returned` bytes to `output`. Returns 0 or the error. */
     std::uint32_t Control(std::uint32_t code, std::span<std::uint8_t> input, std::span<std::uint8_t> output,
                           DWORD& returned) const
     {
