@@ -85,7 +85,7 @@ private:
             events.push_back(&monitor.notified());
             callers.push_back(&monitor);
         }
-        TLX::Threading::CWaiter waiter(std::move(events));
+        TLX::Threading::CWaiter waiter(events);
         for (;;) {
             showStatus();
             const std::uint32_t fired = waiter.Wait(TLX::Threading::CWaitInterval(patience()));

@@ -123,8 +123,18 @@ TEST(LifeTimeData, AMissingOrDamagedFileIsAnEmptyTable)
     PI::SetLifeTimeFolder(folder.Path());
     EXPECT_TRUE(PI::GetLifeTimeDataNVMe().empty());
     folder.Write("Endurance.txt", "a|100\nb|0\n");
-    PI::SetLifeTimeFolder(folder.Path());
     EXPECT_TRUE(PI::GetLifeTimeDataNVMe().empty());
+}
+
+TEST(LifeTimeData, AFileThatCouldNotBeReadIsTriedAgain)
+{
+    const TestSupport::CTemporaryFolder folder;
+    PI::SetLifeTimeFolder(folder.Path());
+    const auto& missing = PI::GetLifeTimeDataNVMe();
+    EXPECT_EQ(&PI::GetLifeTimeDataNVMe(), &missing);
+    folder.Write("Endurance.txt", "a|100\n");
+    EXPECT_EQ(PI::GetLifeTimeDataNVMe().size(), 1U);
+    EXPECT_TRUE(missing.empty()) << "it was handed out for good";
 }
 
 TEST(LifeTimeData, ThreadsShareOneTable)

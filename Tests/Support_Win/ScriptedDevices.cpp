@@ -92,6 +92,8 @@ std::string CScriptedDevices::Instance(Node node)
 bool CScriptedDevices::Fails(const std::string& call)
 {
     m_Calls.push_back(call);
+    if (m_Before)
+        m_Before(call);
     return m_CallCount++ == m_FailAt;
 }
 

@@ -77,6 +77,9 @@ public:
     /** Answers control calls other than for the device number; returns the error, 0: success. */
     std::function<DWORD(const CControlCall&)> m_Control;
 
+    /** Told of every call that can fail before it does anything, with what tells it apart. */
+    std::function<void(const std::string& call)> m_Before;
+
     bool m_HasRoot = true;
     /** The call with this number fails, counted from 0; negative: none. Releases are not counted. */
     long m_FailAt = -1;

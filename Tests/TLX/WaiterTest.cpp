@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <future>
+#include <stdexcept>
+#include <vector>
 
 namespace {
 
@@ -108,6 +110,17 @@ TEST_F(Waiter, FailsWithAnEventThatIsNotReady)
     m_First.Set();
     EXPECT_EQ(CWaiter({&m_First, &neverInitialised}).Wait(m_NoTime), WaitResult::Failed);
     EXPECT_EQ(m_First.Wait(0), WaitResult::Taken) << "a failed wait takes no signal";
+}
+
+TEST_F(Waiter, TakesAsManyEventsAsASystemWaitsForAtOnceAndNoMore)
+{
+    std::vector<CEvent*> events(MOST_EVENTS, &m_First);
+    events.back() = &m_Second;
+    m_Second.Set();
+    EXPECT_EQ(CWaiter(events).Wait(m_NoTime), MOST_EVENTS);
+    EXPECT_EQ(CWaiter(events).Wait(m_NoTime), WaitResult::TimedOut);
+    events.push_back(&m_Third);
+    EXPECT_THROW(CWaiter{events}, std::length_error);
 }
 
 TEST(WaiterOnTheSystemClock, TimesItselfOut)

@@ -111,14 +111,13 @@ const std::vector<CNVMeLifeTimeData>& GetLifeTimeDataNVMe()
     auto& all = tables();
     const std::lock_guard guard(all.m_Lock);
     if (!all.m_Current) {
-        std::vector<CNVMeLifeTimeData> table;
         try {
-            table = readLifeTimeData(all.m_Folder / FILE_NAME);
+            all.m_Read.push_back(readLifeTimeData(all.m_Folder / FILE_NAME));
         } catch (const std::runtime_error&) {
             // Drives without a rating can still be shown; whoever asks `readLifeTimeData` hears the reason.
-            table.clear();
+            static const auto& none = *new std::vector<CNVMeLifeTimeData>;
+            return none;
         }
-        all.m_Read.push_back(std::move(table));
         all.m_Current = true;
     }
     return all.m_Read.back();

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <limits>
+#include <new>
 #include <thread>
 
 namespace TLX::Misc {
@@ -52,8 +54,10 @@ IClock* setClock(IClock* clock)
 
 IClock& clock()
 {
-    // Never destroyed: threads may still ask for the time while the process ends.
-    static IClock& systemClock = *new CSystemClock;
+    // Never destroyed: threads may still ask for the time while the process ends. Nor does it want memory,
+    // for a wait must not.
+    alignas(CSystemClock) static std::byte room[sizeof(CSystemClock)];
+    static IClock& systemClock = *new (room) CSystemClock;
     IClock* const replacement = g_Clock.load(std::memory_order_acquire);
     return replacement != nullptr ? *replacement : systemClock;
 }

@@ -1,10 +1,11 @@
 #include "EventNative.h"
 
 #include <TLX/Clock.h>
+#include <TLX/Waiter.h>
 
+#include <array>
 #include <cerrno>
 #include <memory>
-#include <vector>
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -41,12 +42,12 @@ bool CEvent::Native::Clear()
 
 std::uint32_t CEvent::Native::WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval)
 {
-    std::vector<pollfd> entries;
-    entries.reserve(events.size() + 1);
+    std::array<pollfd, MOST_EVENTS + 1> entries{};
+    nfds_t count = 0;
     for (const CEvent* event : events) {
         if (!event->m_Native)
             return WaitResult::Failed;
-        entries.push_back({event->m_Native->m_Descriptor.Get(), POLLIN, 0});
+        entries.at(count++) = {event->m_Native->m_Descriptor.Get(), POLLIN, 0};
     }
 
     // A clock that does not run by itself says when the time is over; the system's timer does otherwise.
@@ -54,14 +55,14 @@ std::uint32_t CEvent::Native::WaitForAny(std::span<CEvent* const> events, const 
     if (interval != nullptr)
         alarm = Misc::clock().AlarmAt(interval->End());
     if (alarm)
-        entries.push_back({alarm->m_Native->m_Descriptor.Get(), POLLIN, 0});
+        entries.at(count++) = {alarm->m_Native->m_Descriptor.Get(), POLLIN, 0};
 
     for (;;) {
         timespec limit{};
         const bool limited = interval != nullptr && !alarm;
         if (limited)
             limit = remainingTime(*interval);
-        const int ready = ppoll(entries.data(), entries.size(), limited ? &limit : nullptr, nullptr);
+        const int ready = ppoll(entries.data(), count, limited ? &limit : nullptr, nullptr);
         if (ready < 0 && errno == EINTR)
             continue;
         if (ready < 0)
@@ -69,7 +70,7 @@ std::uint32_t CEvent::Native::WaitForAny(std::span<CEvent* const> events, const 
         for (std::uint32_t index = 0; index < events.size(); ++index)
             if (entries[index].revents != 0 && events[index]->m_Native->Accept())
                 return index + 1;
-        if (ready == 0 || (alarm && entries.back().revents != 0))
+        if (ready == 0 || (alarm && entries.at(count - 1).revents != 0))
             return WaitResult::TimedOut;
     }
 }

@@ -2,7 +2,10 @@
 
 #include "Wait.h"
 
-#include <vector>
+#include <TLX/Waiter.h>
+
+#include <array>
+#include <functional>
 
 namespace TLX::Threading {
 
@@ -14,15 +17,16 @@ bool CEvent::Native::Clear()
 
 std::uint32_t CEvent::Native::WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval)
 {
-    std::vector<HANDLE> handles;
-    handles.reserve(events.size());
+    std::array<HANDLE, MOST_EVENTS> handles{};
+    std::size_t count = 0;
     for (const CEvent* event : events) {
-        handles.push_back(Handle(*event));
-        if (handles.back() == nullptr)
+        const HANDLE handle = Handle(*event);
+        if (handle == nullptr)
             return WaitResult::Failed;
+        handles.at(count++) = handle;
     }
-    return Win::waitForAny(handles, interval,
-                           [events](std::size_t index) { return events[index]->m_Native->Accept(); });
+    const auto accept = [events](std::size_t index) { return events[index]->m_Native->Accept(); };
+    return Win::waitForAny(std::span(handles).first(count), interval, std::ref(accept));
 }
 
 } // namespace TLX::Threading

@@ -37,8 +37,8 @@ struct CEvent::Native
     }
 
     /**
-     * Waits for the first of `events` that fires and takes its signal. Returns its position, counted from 1;
-     * `TimedOut` at the end of `interval` (null: no end); `Failed`.
+     * Waits for the first of `events`, `MOST_EVENTS` at most, that fires and takes its signal. Returns its
+     * position, counted from 1; `TimedOut` at the end of `interval` (null: no end); `Failed`.
      */
     static std::uint32_t WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval);
 

@@ -125,10 +125,11 @@ std::uint32_t CThread::Wait(std::uint32_t timeout)
 {
     const HANDLE thread = m_Native->m_Thread.Get();
     const auto ended = [](std::size_t) { return true; };
-    if (timeout == NO_TIME_LIMIT)
-        return Win::waitForAny({&thread, 1}, nullptr, ended);
     const CWaitInterval interval(timeout);
-    return Win::waitForAny({&thread, 1}, &interval, ended);
+    const std::uint32_t result =
+        Win::waitForAny({&thread, 1}, timeout == NO_TIME_LIMIT ? nullptr : &interval, ended);
+    // What could not be looked at must not pass for ended.
+    return result == WaitResult::Taken ? WaitResult::Taken : WaitResult::TimedOut;
 }
 
 void CThread::Cancel()

@@ -18,7 +18,7 @@ void CDeviceTable::SetRoot(std::filesystem::path root)
 {
     const std::scoped_lock guard(m_Lock);
     m_Root = std::move(root);
-    m_Names.reset();
+    Doubt();
     m_Owners.clear();
     m_Locations.clear();
     m_DriverVersions.clear();
@@ -29,10 +29,12 @@ std::vector<CDeviceEntry> CDeviceTable::Enumerate()
 {
     const std::filesystem::path root = Root();
     std::optional<CNvmeNames> names = CNvmeNames::Read(root);
+    std::uint64_t doubts = 0;
     {
         const std::scoped_lock guard(m_Lock);
         if (names && names == m_Names)
             return m_Entries;
+        doubts = m_Doubts;
     }
 
     std::vector<CDeviceEntry> entries;
@@ -53,7 +55,7 @@ std::vector<CDeviceEntry> CDeviceTable::Enumerate()
         names.reset();
 
     const std::scoped_lock guard(m_Lock);
-    m_Names = std::move(names);
+    m_Names = doubts == m_Doubts ? std::move(names) : std::nullopt;
     m_Entries = entries;
     m_Owners = std::move(owners);
     m_Locations = std::move(locations);
@@ -65,7 +67,13 @@ std::vector<CDeviceEntry> CDeviceTable::Enumerate()
 void CDeviceTable::LookAnew()
 {
     const std::scoped_lock guard(m_Lock);
+    Doubt();
+}
+
+void CDeviceTable::Doubt()
+{
     m_Names.reset();
+    ++m_Doubts;
 }
 
 std::optional<CDiskOwner> CDeviceTable::Owner(const std::string& path)

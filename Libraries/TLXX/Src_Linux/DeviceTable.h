@@ -33,7 +33,7 @@ public:
     /** Walks sysfs, unless a look at its names tells that nothing has come or gone since the last walk. */
     std::vector<CDeviceEntry> Enumerate();
 
-    /** Has the next enumeration walk in any case. */
+    /** Has the next enumeration that begins walk in any case. */
     void LookAnew();
 
     /** The owner of a disk, looked up in sysfs when no enumeration has met the path yet. */
@@ -47,9 +47,13 @@ public:
     std::optional<CPciLocation> Location(std::uint32_t number) const;
 
 private:
+    /** With the lock held: neither the last walk nor one under way is relied upon any more. */
+    void Doubt();
+
     mutable std::mutex m_Lock; ///< never held while sysfs is read
     std::filesystem::path m_Root = "/sys";
     std::optional<CNvmeNames> m_Names; ///< as they were at the last walk, when that can be relied upon
+    std::uint64_t m_Doubts = 0;        ///< counted, so that a walk notices those during it
     std::vector<CDeviceEntry> m_Entries;
     std::unordered_map<std::string, CDiskOwner> m_Owners;
     std::vector<std::optional<CPciLocation>> m_Locations;

@@ -1,6 +1,6 @@
-#include "DeviceFile.h"
 #include "Platform.h"
 
+#include <TLXX/Win/DeviceFile.h>
 #include <TLXX/Win/DeviceNodes.h>
 
 #include <boost/algorithm/string/predicate.hpp>

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "DeviceFile.h"
-
 #include <TLXX/NvmeStructures.h>
+#include <TLXX/Win/DeviceFile.h>
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,6 @@
 #include "Disk.h"
 #include "NvmeStatus.h"
 
-#include <TLX/Thread.h>
-
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
@@ -94,12 +92,10 @@ std::uint32_t read(const Win::CDeviceFile& device, STORAGE_PROPERTY_ID property,
     protocol.ProtocolDataLength = sizeof(Block);
 
     DWORD returned = 0;
-    const int done = TLX::Threading::interruptibly([&exchange, &returned, handle = device.Get()] {
-        return DeviceIoControl(handle, IOCTL_STORAGE_QUERY_PROPERTY, &exchange, sizeof exchange, &exchange,
-                               sizeof exchange, &returned, nullptr);
-    });
-    if (done == FALSE)
-        return GetLastError();
+    const std::uint32_t error =
+        device.Control(IOCTL_STORAGE_QUERY_PROPERTY, exchange.m_Bytes, exchange.m_Bytes, returned);
+    if (error != STATUS_SUCCESS)
+        return error;
     std::uint32_t offset = 0;
     const std::uint32_t status =
         locate(exchange.m_Answer, std::min<std::uint32_t>(returned, sizeof exchange), sizeof(Block), offset);

@@ -38,7 +38,10 @@ public:
         const auto known = m_LifetimeRatings.find(model);
         if (known != m_LifetimeRatings.end())
             return known->second;
-        return m_LifetimeRatings[model] = lifetimeRating(PI::GetLifeTimeDataNVMe(), model);
+        // Once a scan, for a table that cannot be read is tried again at each call.
+        if (m_LifetimeTable == nullptr)
+            m_LifetimeTable = &PI::GetLifeTimeDataNVMe();
+        return m_LifetimeRatings[model] = lifetimeRating(*m_LifetimeTable, model);
     }
 
     /** The identities that the host handed over. */
@@ -50,6 +53,7 @@ public:
 
 private:
     std::unordered_map<std::string, std::string> m_DriverVersions;
+    const std::vector<PI::CNVMeLifeTimeData>* m_LifetimeTable = nullptr;
     std::unordered_map<std::string, std::uint64_t> m_LifetimeRatings;
 };
 

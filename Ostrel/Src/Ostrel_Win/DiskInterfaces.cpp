@@ -1,6 +1,7 @@
 #include "Ostrel_Win/DiskInterfaces.h"
 
 #include <TLX/Win/UniqueHandle.h>
+#include <TLXX/Win/DeviceFile.h>
 
 #include <cstddef>
 #include <cstring>
@@ -19,9 +20,6 @@ namespace {
 
 using DetailData = SP_DEVICE_INTERFACE_DETAIL_DATA_A;
 
-static_assert(IOCTL_STORAGE_GET_DEVICE_NUMBER == 0x2D1080);
-static_assert(sizeof(STORAGE_DEVICE_NUMBER) == 12);
-static_assert(offsetof(STORAGE_DEVICE_NUMBER, DeviceNumber) == 4);
 static_assert(sizeof(DetailData) == 8);
 static_assert(sizeof(SP_DEVINFO_DATA) == 32);
 static_assert((DIGCF_PRESENT | DIGCF_DEVICEINTERFACE) == 0x12);
@@ -53,21 +51,6 @@ std::optional<std::string> devicePath(HDEVINFO set, SP_DEVICE_INTERFACE_DATA& en
     return std::string(detail->DevicePath, strnlen(detail->DevicePath, room));
 }
 
-std::optional<std::uint32_t> deviceNumber(const std::string& path)
-{
-    const TLX::Win::CFileHandle device(CreateFileA(path.c_str(), GENERIC_READ,
-                                                   FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-                                                   FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!device.Valid())
-        return std::nullopt;
-    STORAGE_DEVICE_NUMBER number{};
-    DWORD returned = 0;
-    if (DeviceIoControl(device.Get(), IOCTL_STORAGE_GET_DEVICE_NUMBER, nullptr, 0, &number, sizeof number,
-                        &returned, nullptr) == FALSE)
-        return std::nullopt;
-    return number.DeviceNumber;
-}
-
 } // namespace
 
 void forEachDiskInterface(const char* instance, const std::function<void(std::uint32_t)>& found)
@@ -84,7 +67,7 @@ void forEachDiskInterface(const char* instance, const std::function<void(std::ui
         const auto path = devicePath(set.Get(), entry);
         if (!path)
             continue;
-        if (const auto number = deviceNumber(*path))
+        if (const auto number = TLXX::Win::CDeviceFile(*path, GENERIC_READ).DiskNumber())
             found(*number);
     }
 }

@@ -1,5 +1,7 @@
+#include "Ostrel/ScanContext.h"
 #include "ScanFixture.h"
 #include "Support/SourceTree.h"
+#include "Support/TemporaryFolder.h"
 
 #include <PI/AdapterID.h>
 #include <PI/LifeTimeData.h>
@@ -298,6 +300,19 @@ TEST_F(CScanAdapter, TakesTheRatingFromTheHostsTable)
     EXPECT_EQ(Again().m_LifetimeRating, 50U);
     m_Fakes.At(0).Model("Another");
     EXPECT_EQ(Again().m_LifetimeRating, 1U);
+    PI::SetLifeTimeFolder({});
+}
+
+TEST(CScanContext, TriesATableThatCannotBeReadOnceAScan)
+{
+    const TestSupport::CTemporaryFolder folder;
+    PI::SetLifeTimeFolder(folder.Path());
+    const std::vector<PI::CAdapterID> none;
+    NAMESPACE_Ostrel::CScanContext scan(none);
+    EXPECT_EQ(scan.LifetimeRating("First"), 1U);
+    folder.Write("Endurance.txt", "First|100\nSecond|100\n");
+    EXPECT_EQ(scan.LifetimeRating("Second"), 1U);
+    EXPECT_EQ(NAMESPACE_Ostrel::CScanContext(none).LifetimeRating("Second"), 90U);
     PI::SetLifeTimeFolder({});
 }
 

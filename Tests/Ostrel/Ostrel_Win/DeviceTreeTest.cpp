@@ -1,8 +1,11 @@
 #include "NothrowBuffers.h"
 #include "Ostrel/NVMeDevices.h"
+#include "Support/SilentPipe.h"
 #include "Support/TraceCapture.h"
 #include "Support_Win/ScriptedDevices.h"
 
+#include <TLX/Event.h>
+#include <TLX/Thread.h>
 #include <TLXX/ConfigManager.h>
 
 #include <gmock/gmock.h>
@@ -101,6 +104,30 @@ TEST_F(DeviceTree, MakesExactlyTheseCalls)
                             // On with the walk.
                             "Child 2", "Property 3 5 200", "Child 3", "Sibling 3", "Parent 3", "Sibling 2",
                             "Parent 2", "Sibling 1", "Parent 1"));
+}
+
+TEST_F(DeviceTree, EndsTheThreadWhoseDiskDoesNotAnswer)
+{
+    m_Tree.AddController(ROOT, {Disk(7), Disk(8)});
+    for (const std::string silent : {R"(Open \\?\scsi#disk&ven_nvme#7)", "Control 2953344"}) {
+        SCOPED_TRACE(silent);
+        const TestSupport::CSilentPipe pipe;
+        TLX::Threading::CEvent reached;
+        ASSERT_EQ(reached.Init(false, true), TLX::Threading::WaitResult::Taken);
+        m_Tree.m_Before = [&](const std::string& call) {
+            if (call != silent)
+                return;
+            reached.Set();
+            EXPECT_FALSE(pipe.ReadByte());
+        };
+        TLX::Threading::CThread thread([this] { (void)m_Devices.scan(); });
+        EXPECT_EQ(reached.Wait(), TLX::Threading::WaitResult::Taken);
+        thread.Cancel();
+        EXPECT_EQ(thread.Wait(), TLX::Threading::WaitResult::Taken);
+        EXPECT_THAT(m_Devices, IsEmpty());
+        EXPECT_EQ(m_Tree.m_Calls.back(), "CloseSet");
+        ExpectNothingOpen();
+    }
 }
 
 TEST_F(DeviceTree, VisitsParentsBeforeChildrenAndSiblingsInOrder)

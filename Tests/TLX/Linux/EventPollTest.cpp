@@ -1,6 +1,7 @@
 #include "SystemCalls.h"
 
 #include <TLX/Event.h>
+#include <TLX/Thread.h>
 
 #include <gtest/gtest.h>
 
@@ -66,6 +67,18 @@ TEST_F(EventPoll, FailsWhenTheSystemRefuses)
         return -1;
     };
     EXPECT_EQ(m_Event.Wait(), WaitResult::Failed);
+}
+
+TEST_F(EventPoll, OfAThreadThatFailsDoesNotPassForItsEnd)
+{
+    CThread thread([this] { (void)m_Event.Wait(); });
+    EXPECT_EQ(thread.Wait(), WaitResult::Taken);
+    SystemCalls::g_Poll = [](const auto&) {
+        errno = ENOMEM;
+        return -1;
+    };
+    EXPECT_EQ(thread.Wait(), WaitResult::TimedOut);
+    EXPECT_EQ(thread.Wait(0), WaitResult::TimedOut);
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <functional>
 
 #include <dlfcn.h>
 #include <linux/magic.h>
@@ -20,6 +21,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 bool g_EverythingIsSysfs = false;
+/** Called with each look at the file system below which names are read. */
+std::function<void()> g_AtLook;
 
 std::vector<std::string> enumerated()
 {
@@ -47,7 +50,11 @@ protected:
         g_EverythingIsSysfs = true;
         Controller(0, "0000:01:00.0");
     }
-    ~EnumerationTest() override { g_EverythingIsSysfs = false; }
+    ~EnumerationTest() override
+    {
+        g_EverythingIsSysfs = false;
+        g_AtLook = nullptr;
+    }
 
     void Controller(std::uint32_t instance, const std::string& address)
     {
@@ -59,6 +66,14 @@ protected:
     }
 
     void MoveTheFirst() const { m_Tree.Attribute("nvme0/address", "0000:02:00.0"); }
+    void MoveTheFirstBack() const { m_Tree.Attribute("nvme0/address", "0000:01:00.0"); }
+
+    static void FailToIdentifyTheFirst()
+    {
+        TLXX::NVME_IDENTIFY_CONTROLLER controller{};
+        EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyController("/dev/nvme0n1", controller),
+                  static_cast<std::uint32_t>(ENOENT));
+    }
 
     TLXXTest::CTemporarySysfs m_Tree;
     TLXXTest::CSysfsScope m_Scope{m_Tree.Root()};
@@ -132,9 +147,7 @@ TEST_F(EnumerationTest, LooksAnewAfterADiskDidNotIdentifyItself)
     const TLXXTest::CScriptedKernel kernel;
     (void)enumerated();
     MoveTheFirst();
-    TLXX::NVME_IDENTIFY_CONTROLLER controller{};
-    EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyController("/dev/nvme0n1", controller),
-              static_cast<std::uint32_t>(ENOENT));
+    FailToIdentifyTheFirst();
     (void)enumerated();
     EXPECT_EQ(busOfTheFirst(), 2);
 }
@@ -157,6 +170,25 @@ TEST_F(EnumerationTest, ReadsADriversVersionAnewWhenAControllerHasComeOrGone)
     EXPECT_EQ(version("1.5"), "1.5");
 }
 
+TEST_F(EnumerationTest, LooksAnewAfterADiskDidNotIdentifyItselfDuringAWalk)
+{
+    const TLXXTest::CScriptedKernel kernel;
+    // Names are read from two folders, before the walk and after it.
+    int looks = 0;
+    g_AtLook = [&] {
+        if (++looks == 4)
+            FailToIdentifyTheFirst();
+    };
+    (void)enumerated();
+    ASSERT_EQ(looks, 4);
+    MoveTheFirst();
+    (void)enumerated();
+    EXPECT_EQ(busOfTheFirst(), 2);
+    MoveTheFirstBack();
+    (void)enumerated();
+    EXPECT_EQ(busOfTheFirst(), 2) << "once is enough";
+}
+
 TEST_F(EnumerationTest, ForgetsTheNamesOfAnotherTree)
 {
     (void)enumerated();
@@ -171,6 +203,8 @@ extern "C" __attribute__((visibility("default"))) int fstatfs(int descriptor, st
 {
     using Function = int (*)(int, struct statfs*);
     static const auto real = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "fstatfs"));
+    if (g_AtLook)
+        g_AtLook();
     const int result = real(descriptor, status);
     if (result == 0 && g_EverythingIsSysfs)
         status->f_type = SYSFS_MAGIC;

@@ -21,8 +21,9 @@ struct CNVMeLifeTimeData
 
 /**
  * The endurance table, longer texts before shorter ones that they contain. Read once from the folder given to
- * `SetLifeTimeFolder`; a missing or damaged file gives an empty table (`readLifeTimeData` says what is wrong
- * with it). A table stays valid for good, also after another folder is set. Safe from any thread.
+ * `SetLifeTimeFolder`; a file that cannot be read or is damaged gives an empty table (`readLifeTimeData` says
+ * what is wrong with it) and is tried again by the next call. A table stays valid for good, also after
+ * another folder is set. Safe from any thread.
  */
 PI_EXPORT const std::vector<CNVMeLifeTimeData>& GetLifeTimeDataNVMe();
 

@@ -1,5 +1,5 @@
-#include "AllocationFailure.h"
 #include "PluginLibrary.h"
+#include "Support/AllocationFailure/AllocationFailure.h"
 
 #include <PI/ErrorCode.h>
 
