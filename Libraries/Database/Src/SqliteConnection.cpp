@@ -77,6 +77,13 @@ std::vector<std::string> CSqliteConnection::Run(std::string_view sql)
     return values;
 }
 
+bool CSqliteConnection::HasMoved() const
+{
+    int moved = 0; // and stays so where SQLite cannot tell
+    sqlite3_file_control(m_Connection.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    return moved != 0;
+}
+
 void CSqliteConnection::RunAll(std::string_view sql, std::vector<std::string>& values)
 {
     if (const auto shape = shapeOf(sql)) {

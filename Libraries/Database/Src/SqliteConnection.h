@@ -27,6 +27,12 @@ public:
      */
     std::vector<std::string> Run(std::string_view sql);
 
+    /**
+     * Whether its path leads to another file by now, or to none. Costs a look at the path alone. Never so on
+     * Windows, where nobody can delete or replace a file that SQLite has open.
+     */
+    bool HasMoved() const;
+
 private:
     struct CClose
     {

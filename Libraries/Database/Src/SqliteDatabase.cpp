@@ -3,6 +3,8 @@
 #include "Identifiers.h"
 #include "Migration.h"
 
+#include <DatabaseORM/DatabaseException.h>
+
 #include <utility>
 
 namespace Database {
@@ -31,9 +33,22 @@ CSqliteDatabase::CSqliteDatabase(std::filesystem::path file) : m_File(std::move(
 std::vector<std::string> CSqliteDatabase::query(const std::string& sql)
 {
     const std::lock_guard guard(m_Lock);
+    if (m_Connection && m_Connection->HasMoved())
+        LeaveMovedFile();
     if (!m_Connection)
         m_Connection.emplace(open(m_File, m_BusyPolicy));
     return m_Connection->Run(sql);
+}
+
+void CSqliteDatabase::LeaveMovedFile()
+{
+    try {
+        // A log that stayed behind would be played into the file that stands there now.
+        m_Connection->Run("PRAGMA wal_checkpoint(TRUNCATE)");
+    } catch (const DBEXCEPTION::DatabaseException&) {
+        // The file that is there now is still the one to use.
+    }
+    m_Connection.reset(); // which leaves another one's log alone
 }
 
 } // namespace Database

@@ -1,6 +1,9 @@
 #include "SysfsTree.h"
 
+#include <TLXX/Diagnosis.h>
 #include <TLXX/Linux/Sysfs.h>
+#include <TLXX/NvmeQuery.h>
+#include <TLXX/System.h>
 
 #include <gtest/gtest.h>
 
@@ -60,6 +63,17 @@ TEST(ExhaustionTest, NoDiskPassesForMissingWhenDescriptorsRunOut)
         ++descriptors;
     for (rlim_t more = descriptors; more < descriptors + 3; ++more)
         EXPECT_EQ(disks(more), all) << more;
+}
+
+TEST(ExhaustionTest, NothingPassesForUnknownWhenDescriptorsRunOut)
+{
+    const TLXXTest::CSysfsScope scope(TLXXTest::recordedSysfs("plain"));
+    const CDescriptorLimit limit(0);
+    EXPECT_THROW(TLXX::controllerStates(), std::runtime_error);
+    EXPECT_THROW(TLXX::CSystem::GetModuleVersion("nvme"), std::runtime_error);
+    TLXX::NVME_IDENTIFY_CONTROLLER controller{};
+    EXPECT_THROW(TLXX::NVMeStorageQueryPropertyIdentifyController("/dev/nvme0n1", controller),
+                 std::runtime_error);
 }
 
 } // namespace

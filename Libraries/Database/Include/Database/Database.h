@@ -16,6 +16,7 @@ DATABASE_EXPORT void setDatabaseFile(const std::filesystem::path& file);
 /**
  * The storage that the process's plug-ins share, with the field maps and tables of `Plugin`, `Adapter` and
  * `PD`. Touches no file: that is opened by the first query, and what is wrong with it is that query's
- * failure. A query that could not open the file leaves the next one to try again.
+ * failure. A query that could not open the file leaves the next one to try again. A file that was deleted or
+ * replaced meanwhile is opened anew by the next query: rows are then those of the file that is there.
  */
 DATABASE_EXPORT std::shared_ptr<DatabaseORM::storage_t> getDatabasePointer();

@@ -23,7 +23,11 @@ struct CControllerState
     std::string m_AccessPath;         ///< the path whose opening `m_AccessStatus` is about
 };
 
-/** Every NVMe controller that the system knows, those that yield no disk included, in enumeration order. */
+/**
+ * Every NVMe controller that the system knows, those that yield no disk included, in enumeration order.
+ * Throws `std::runtime_error` or `std::bad_alloc` when descriptors or memory run out: none passes for
+ * missing.
+ */
 TLXX_EXPORT std::vector<CControllerState> controllerStates();
 
 } // namespace TLXX

@@ -10,7 +10,8 @@
 
 // The only commands ever sent to a drive; nothing is ever written to one. Each takes the path of a disk as
 // the enumeration gave it, blocks until the drive has answered, and returns a status: 0 when the whole block
-// was transferred. On any other status the caller's block stays as it was. Safe from any thread.
+// was transferred. On any other status the caller's block stays as it was. Safe from any thread. Throws
+// `std::runtime_error` or `std::bad_alloc` when descriptors or memory run out before there is a status.
 namespace TLXX {
 
 TLXX_EXPORT std::uint32_t NVMeStorageQueryPropertyIdentifyController(const std::string& path,
