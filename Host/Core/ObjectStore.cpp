@@ -8,6 +8,7 @@
 #include <charconv>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace Host {
 namespace {
@@ -55,11 +56,16 @@ std::string identifierText(std::uint64_t id)
     return "0x" + std::string(digits - text.size(), '0') + text;
 }
 
+ObjectStore::ObjectStore(std::vector<PI::CObject> objects) : m_Objects(std::move(objects))
+{
+    for (std::size_t place = 0; place < m_Objects.size(); ++place)
+        m_Places.emplace(m_Objects[place].m_ID, place);
+}
+
 const PI::CObject* ObjectStore::byId(std::uint64_t id) const
 {
-    const auto found = std::find_if(m_Objects.begin(), m_Objects.end(),
-                                    [&](const PI::CObject& object) { return object.m_ID == id; });
-    return found == m_Objects.end() ? nullptr : &*found;
+    const auto found = m_Places.find(id);
+    return found == m_Places.end() ? nullptr : &m_Objects[found->second];
 }
 
 std::vector<const PI::CObject*> ObjectStore::childrenOf(const PI::CObject& object) const

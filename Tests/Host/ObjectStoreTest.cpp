@@ -107,6 +107,19 @@ TEST_F(ObjectStoreTest, KnowsRootsAndChildren)
     EXPECT_TRUE(Host::ObjectStore({orphan}).childrenOf(orphan).empty());
 }
 
+TEST(ObjectStore, OfTwoObjectsWithOneIdentifierTheFirstIsMeantAlsoInACopy)
+{
+    std::vector<PI::CObject> objects(2);
+    objects[0].m_ID = objects[1].m_ID = 7;
+    objects[0].m_Type = PI::TYPE_ADAPTER;
+    Host::ObjectStore store{{}};
+    EXPECT_EQ(store.byId(7), nullptr);
+    store = Host::ObjectStore(objects);
+    const Host::ObjectStore copy = store;
+    EXPECT_EQ(store.byId(7), &store.objects()[0]);
+    EXPECT_EQ(copy.byId(7), &copy.objects()[0]);
+}
+
 TEST(IdentifierText, HasSixteenDigits)
 {
     EXPECT_EQ(Host::identifierText(0), "0x0000000000000000");
