@@ -1,5 +1,6 @@
 #include "Cli/Progress.h"
 
+#include "Cli/Seconds.h"
 #include "Core/Platform.h"
 
 #include <TLX/Clock.h>
@@ -15,7 +16,6 @@ namespace Host::Cli {
 namespace {
 
 constexpr std::uint64_t PATIENCE = 500;
-constexpr std::uint64_t SECOND = 1000;
 
 } // namespace
 
@@ -47,11 +47,11 @@ void Progress::run(const std::string& what)
     for (std::uint64_t wait = PATIENCE;
          m_Done.Wait(static_cast<std::uint32_t>(wait)) == TLX::Threading::WaitResult::TimedOut;) {
         const std::uint64_t elapsed = TLX::Misc::monotonic() - start;
-        const std::uint64_t seconds = elapsed / SECOND;
+        const std::uint64_t seconds = elapsed / MILLISECONDS_A_SECOND;
         const std::string line = what + (seconds > 0 ? ", " + std::to_string(seconds) + " s" : "") + " ...";
         m_Write(line + '\r');
         shown = std::max(shown, line.size());
-        wait = SECOND - elapsed % SECOND;
+        wait = MILLISECONDS_A_SECOND - elapsed % MILLISECONDS_A_SECOND;
     }
     if (shown > 0)
         m_Write(std::string(shown, ' ') + '\r');

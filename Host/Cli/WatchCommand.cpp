@@ -3,6 +3,7 @@
 #include "Cli/DriveEvent.h"
 #include "Cli/Json.h"
 #include "Cli/PollForecast.h"
+#include "Cli/Seconds.h"
 #include "Cli/Session.h"
 #include "Cli/StatusLine.h"
 #include "Core/Failure.h"
@@ -23,7 +24,6 @@
 namespace Host::Cli {
 namespace {
 
-constexpr std::uint64_t MILLISECONDS_A_SECOND = 1000;
 constexpr std::uint64_t NEVER = std::numeric_limits<std::uint64_t>::max();
 
 /** How often the plug-in polls, in milliseconds; 0 when it does not say. */
