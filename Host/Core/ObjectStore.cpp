@@ -1,5 +1,6 @@
 #include "Core/ObjectStore.h"
 
+#include "Core/AdapterIdentities.h"
 #include "Core/Failure.h"
 #include "Core/Suggestion.h"
 #include "Core/Text.h"
@@ -12,6 +13,32 @@
 
 namespace Host {
 namespace {
+
+/** The address that `name` is, as `lspci` writes it; without a segment, that of a place in any of them. */
+struct Address
+{
+    explicit Address(std::string_view name) : m_Location(TLXX::CPciLocation::Parse(name))
+    {
+        if (m_Location)
+            return;
+        m_Location = TLXX::CPciLocation::Parse("0:" + std::string(name));
+        m_AnySegment = true;
+    }
+
+    bool isOf(const PI::CObject& adapter) const
+    {
+        std::optional<TLXX::CPciLocation> location = pciLocation(adapter);
+        // One that was not found looks like that.
+        if (!m_Location || !location || *location == TLXX::CPciLocation{})
+            return false;
+        if (m_AnySegment)
+            location->m_Segment = 0;
+        return *location == *m_Location;
+    }
+
+    std::optional<TLXX::CPciLocation> m_Location;
+    bool m_AnySegment = false;
+};
 
 bool goesBySerialOrDevice(const PI::CObject& object, std::string_view name)
 {
@@ -94,10 +121,12 @@ std::vector<const PI::CObject*> ObjectStore::named(std::string_view name) const
     if (std::vector<const PI::CObject*> exact = namedExactly(name); !exact.empty())
         return exact;
 
+    const Address address(name);
     std::vector<const PI::CObject*> matches;
     std::size_t adapters = 0;
     for (const PI::CObject& object : m_Objects) {
-        if (object.m_Type != PI::TYPE_ADAPTER || !goesBySerialOrDevice(object, name))
+        if (object.m_Type != PI::TYPE_ADAPTER ||
+            (!goesBySerialOrDevice(object, name) && !address.isOf(object)))
             continue;
         ++adapters;
         matches.push_back(&object);

@@ -42,8 +42,8 @@ public:
 
     /**
      * The objects that go by `name`: one when it is an identifier, a location, or "plugin"; an adapter and
-     * its drives when it is a serial number or a device. Throws `Failure`, listing what there is, when
-     * nothing or more than one adapter goes by that name.
+     * its drives when it is a serial number, a device or a PCI address. Throws `Failure`, listing what there
+     * is, when nothing or more than one adapter goes by that name.
      */
     std::vector<const PI::CObject*> named(std::string_view name) const;
 
