@@ -43,7 +43,7 @@ public:
     Watch(const Session& session, Platform::ResultChannel& results, const Screen& screen)
         : m_Session(session),
           m_Screen(screen),
-          m_Status(results, results.showsColours() && !session.m_Options.m_Json),
+          m_Status(results, session.m_Messages, results.showsColours() && !session.m_Options.m_Json),
           m_Watched(session)
     {
         if (session.m_Options.m_Seconds)
@@ -73,7 +73,7 @@ private:
         if (monitor.stop())
             report(monitor);
         else
-            m_Session.m_Warn("The plug-in did not end in time; a drive may not answer any more.");
+            m_Session.m_Messages.tell("The plug-in did not end in time; a drive may not answer any more.");
     }
 
     void watchUntil(TLX::Threading::CEvent& askedToEnd)

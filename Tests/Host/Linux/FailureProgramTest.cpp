@@ -39,6 +39,7 @@ TEST(ProgramFailure, ReportsMissingHardwareWithItsRequest)
                 HasSubstr(" refused request 1 (Initialize) with 20001 ERR_NO_SUPPORTED_HARDWARE"));
     const ProgramResult document = runProgram(simulated({"--json", "topology"}, fleet));
     EXPECT_EQ(document.m_ExitCode, 3);
+    EXPECT_EQ(json::parse(document.m_Output)["simulated"], true);
     const json error = json::parse(document.m_Output)["error"];
     EXPECT_EQ(error["request"], 1);
     EXPECT_EQ(error["code"], 20001);
@@ -53,7 +54,8 @@ TEST(ProgramFailure, ReportsAFailedRequest)
     EXPECT_EQ(result.m_ExitCode, 1);
     EXPECT_EQ(json::parse(result.m_Output)["error"]["request"], 4);
     EXPECT_EQ(json::parse(result.m_Output)["error"]["name"], "ERR_GENERAL_FAILURE");
-    EXPECT_THAT(result.m_Errors, HasSubstr(" refused request 4 (GetTopology) with 20000 ERR_GENERAL_FAILURE"));
+    EXPECT_THAT(result.m_Errors,
+                HasSubstr(" refused request 4 (GetTopology) with 20000 ERR_GENERAL_FAILURE"));
 }
 
 TEST(ProgramFailure, ReportsAModelThatThePluginCannotCutAsAFailedRequest)
@@ -86,6 +88,8 @@ TEST(ProgramFailure, RefusesWrongUsage)
     EXPECT_EQ(document.m_ExitCode, 2);
     EXPECT_TRUE(json::parse(document.m_Output)["error"].contains("message"));
     EXPECT_FALSE(json::parse(document.m_Output)["error"].contains("request"));
+    EXPECT_FALSE(json::parse(document.m_Output).contains("simulated"));
+    EXPECT_EQ(json::parse(runProgram({"lst", "--simulate=x", "--json"}).m_Output)["simulated"], true);
 }
 
 TEST(ProgramFailure, RefusesAWrongFleetFile)

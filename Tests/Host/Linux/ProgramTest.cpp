@@ -105,8 +105,10 @@ TEST(Program, ShowsObjectsAndProperties)
         json::parse(
             runProgram(simulated({"show", "DEMO-0006", "30059", "--json"})).m_Output)["property"]["value"],
         1024);
-    const json both = json::parse(runProgram(simulated({"show", "/dev/nvme0n1", "--json"})).m_Output);
-    EXPECT_EQ(both["objects"].size(), 2U);
+    const std::string both = runProgram(simulated({"show", "/dev/nvme0n1", "--json"})).m_Output;
+    EXPECT_EQ(json::parse(both)["objects"].size(), 2U);
+    for (const char* name : {"nvme0", "/dev/nvme0", "0000:01:00.0", "01:00.0"})
+        EXPECT_EQ(runProgram(simulated({"show", name, "--json"})).m_Output, both) << name;
     const json one =
         json::parse(runProgram(simulated({"show", "PCI:Bus=1&Device=0&Function=0&ID=0", "--json"})).m_Output);
     ASSERT_EQ(one["objects"].size(), 1U);

@@ -190,6 +190,19 @@ TEST_F(WatchProgram, ATerminalHasAStatusLineBelowTheEvents)
     EXPECT_THAT(end.m_Output, EndsWith("\033[K")) << "the line is gone";
 }
 
+TEST_F(WatchProgram, AWarningTakesTheStatusLinesPlace)
+{
+    fleet({{1, "A"}});
+    RunningProgram program(arguments(), 60, {{"TERM", "xterm"}}, true);
+    program.awaitResult("Simulated: 1 drive, next poll at ");
+    m_Fleet.Write("fleet.json", "torn");
+    EXPECT_THAT(program.awaitResult("ostrel: The fleet file "), HasSubstr(std::string(41, ' ') + "ostrel: "));
+    // Polls go on, and so does the line.
+    program.awaitResult("Simulated: 1 drive, next poll at ");
+    program.send(SIGTERM);
+    EXPECT_EQ(program.finish().m_ExitCode, 0);
+}
+
 TEST_F(WatchProgram, ATerminalWithoutEscapesHasNoStatusLine)
 {
     fleet({{1, "A"}});
