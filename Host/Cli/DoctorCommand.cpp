@@ -138,11 +138,14 @@ Checks examine(const Session& session)
     checks.push_back(checkRows(session.m_Folders));
 
     const std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
+    Checks unserved;
     if (!session.simulated()) {
         append(checks, checkSystem(Platform::runningSystem(), Platform::isDriverThere(), states));
-        append(checks, checkUnserved(Platform::unservedFunctions()));
+        unserved = checkUnserved(Platform::unservedFunctions());
     }
+    append(checks, unserved);
     append(checks, checkControllers(states));
+    append(checks, checkAnyDisk(states, !unserved.empty(), session.m_Setup.fleet().get()));
     // Other plug-ins may look for other devices.
     if (!plugins.empty() && (anyDiskOpens(states) || session.m_Plugins.size() > 1))
         checkRequests(plugins, states, session, checks);

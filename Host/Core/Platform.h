@@ -112,6 +112,12 @@ struct UnservedFunction
 /** Controllers that no enumeration can find, because another driver or none has them. */
 std::vector<UnservedFunction> unservedFunctions();
 
+/** Whether a driver holds devices for others, such as virtual machines, and has no use for them itself. */
+bool isPassThrough(std::string_view driver);
+
+/** What a user does who wants such a device back. */
+std::string_view passThroughRemedy();
+
 /** The running system. */
 struct System
 {

@@ -102,11 +102,22 @@ TEST(CheckControllers, NamesEachReasonWhyOneIsNotShown)
 
 TEST(CheckControllers, HavingNoneOrNoDiskIsAProblem)
 {
-    EXPECT_EQ(exitCodeOf(checkControllers({})), ExitCode::NoHardware);
     TLXX::CControllerState state = stateOf(0);
     state.m_DeviceName.clear();
-    EXPECT_EQ(exitCodeOf(checkControllers({state})), ExitCode::NoHardware);
-    EXPECT_EQ(exitCodeOf(checkControllers({stateOf(0), state})), ExitCode::Done);
+    const auto reason = [](const std::string& part) {
+        return ElementsAre(
+            AllOf(finding(Finding::Problem, part), Field(&Check::m_ExitCode, ExitCode::NoHardware)));
+    };
+    EXPECT_THAT(checkAnyDisk({}, false, nullptr), reason("the system knows no NVMe controller"));
+    EXPECT_THAT(checkAnyDisk({}, true, nullptr), reason("none that the NVMe driver serves"));
+    EXPECT_THAT(checkAnyDisk({state}, true, nullptr), reason("none of them yields a disk"));
+    EXPECT_TRUE(checkAnyDisk({stateOf(0), state}, true, nullptr).empty());
+
+    const TestSupport::CTemporaryFolder folder;
+    const Host::SimulatedFleet fleet(folder.Write("empty.json", R"({"controllers": []})"), nullptr);
+    const std::vector<Check> empty = checkAnyDisk({}, false, &fleet);
+    EXPECT_THAT(empty, reason("empty.json holds no controller"));
+    EXPECT_THAT(empty[0].m_Remedy, HasSubstr("DemoFleet.json"));
 }
 
 /** Drives "/dev/nvme0n1" and up. */
@@ -327,11 +338,22 @@ TEST(CheckSystem, HasALineForSystemDriverAndPermissions)
 TEST(CheckUnserved, NamesThePlaceAndTheDriver)
 {
     EXPECT_TRUE(checkUnserved({}).empty());
-    const std::vector<Check> checks = checkUnserved({{"0000:03:00.0", ""}, {"0000:05:00.0", "vfio-pci"}});
+    const std::vector<Check> checks = checkUnserved({{"0000:03:00.0", ""}, {"0000:05:00.0", "vendor"}});
     EXPECT_THAT(checks, ElementsAre(finding(Finding::Problem, "it has no driver"),
-                                    finding(Finding::Problem, "it has the driver vfio-pci")));
+                                    finding(Finding::Problem, "it has the driver vendor")));
     EXPECT_EQ(checks[0].m_Subject, "0000:03:00.0");
     EXPECT_EQ(exitCodeOf(checks), ExitCode::NoHardware);
+}
+
+TEST(CheckUnserved, IsNoProblemWhenTheDriveWasGivenAway)
+{
+    const char* const driver = Host::Platform::isPassThrough("pcip") ? "pcip" : "vfio-pci";
+    const std::vector<Check> checks = checkUnserved({{"0000:05:00.0", driver}});
+    EXPECT_THAT(checks, ElementsAre(finding(Finding::Note, std::string("it has the driver ") + driver)));
+    EXPECT_THAT(checks[0].m_Message, HasSubstr(std::string(Host::Platform::passThroughRemedy())));
+    EXPECT_EQ(exitCodeOf(checks), ExitCode::Done);
+    // But what there is to see remains nothing.
+    EXPECT_EQ(exitCodeOf(checkAnyDisk({}, true, nullptr)), ExitCode::NoHardware);
 }
 
 TEST(CheckSystem, TellsWhatIsMissing)
