@@ -64,6 +64,12 @@ Check checkEndurance(const HostFolders& folders)
     }
 }
 
+Check badDatabase(const std::string& message)
+{
+    return problem(ExitCode::RequestFailed, "database", message,
+                   "See to the file and its folder, or name another folder with --data.");
+}
+
 std::string counted(std::size_t number, const std::string& things)
 {
     return std::to_string(number) + " " + things + (number == 1 ? "" : "s");
@@ -71,18 +77,13 @@ std::string counted(std::size_t number, const std::string& things)
 
 Check checkRows(const HostFolders& folders)
 {
-    std::error_code error;
     if (!folders.m_KeepsRows)
-        return ok("database", std::filesystem::exists(databaseFile(folders.m_Data), error)
-                                  ? "in memory for this run; --data " + folders.m_Data.string() +
-                                        " has the one there looked at"
-                                  : "in memory for this run; --data DIR keeps one");
+        return checkKeptRows(databaseFile(folders.m_Data));
     try {
         checkDatabase();
         return ok("database", databaseFile(folders.m_Data).string());
     } catch (const DBEXCEPTION::DatabaseException& exception) {
-        return problem(ExitCode::RequestFailed, "database", exception.what(),
-                       "See to the file and its folder, or name another folder with --data.");
+        return badDatabase(exception.what());
     }
 }
 
@@ -122,6 +123,29 @@ Check note(std::string subject, std::string message)
 Check problem(ExitCode exitCode, std::string subject, std::string message, std::string remedy)
 {
     return {Finding::Problem, std::move(subject), std::move(message), std::move(remedy), exitCode};
+}
+
+Check checkKeptRows(const std::filesystem::path& file)
+{
+    std::error_code error;
+    if (!std::filesystem::exists(file, error) && !error)
+        return ok("database", "there is no " + file.string() + " yet; \"watch\" and \"set\" make one");
+    if (!std::filesystem::is_regular_file(file, error))
+        return badDatabase(file.string() + (error ? ": " + error.message() : " is no file"));
+    try {
+        switch (inspectDatabase(file)) {
+        case EDatabaseTables::Present:
+            return ok("database", file.string() + ", which this run leaves as it is");
+        case EDatabaseTables::None:
+            return ok("database", file.string() + " is empty; \"watch\" and \"set\" fill it");
+        case EDatabaseTables::Foreign:
+            break;
+        }
+        return note("database", file.string() + " holds the tables of another release; the next \"watch\" or "
+                                                "\"set\" rebuilds them");
+    } catch (const DBEXCEPTION::DatabaseException& exception) {
+        return badDatabase(exception.what());
+    }
 }
 
 Checks examine(const Session& session)

@@ -43,6 +43,9 @@ std::vector<Check> examine(const Session& session);
 /** Whether the settings in `folder` are taken into account, each as it stands. */
 Check checkSettings(const std::filesystem::path& folder);
 
+/** Whether `file`, where commands that keep rows have them, can be read and is sound; changes nothing. */
+Check checkKeptRows(const std::filesystem::path& file);
+
 /** Whether the system, its NVMe driver and this user's rights let drives be asked. */
 std::vector<Check> checkSystem(const Platform::System& system, bool driverIsThere,
                                const std::vector<TLXX::CControllerState>& states);

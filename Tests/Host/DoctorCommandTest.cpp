@@ -8,9 +8,13 @@
 #include "Support/SystemStatus.h"
 #include "Support/TemporaryFolder.h"
 
+#include <Database/Database.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <fstream>
 
 namespace {
 
@@ -323,6 +327,91 @@ TEST(CheckSettings, TellsOfAnIntervalThatIsNotTakenAsItStands)
     }
     folder.Write("Ostrel.ini", "PolInterval=45\n");
     EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Note, "no line \"PollInterval=...\""));
+}
+
+class CheckKeptRows : public testing::Test
+{
+protected:
+    ~CheckKeptRows() override { setDatabaseFile({}); }
+
+    std::filesystem::path file() const { return m_Folder.Path() / "a?b#c%41" / "Ostrel.db"; }
+
+    void make(const std::string& sql) const
+    {
+        std::filesystem::create_directories(file().parent_path());
+        setDatabaseFile(file());
+        (void)getDatabasePointer()->m_Access->query(sql);
+        setDatabaseFile({});
+    }
+
+    /** Names, sizes and times. */
+    std::vector<std::string> folder() const
+    {
+        std::vector<std::string> entries;
+        for (const auto& entry : std::filesystem::directory_iterator(file().parent_path()))
+            entries.push_back(entry.path().filename().string() + " " + std::to_string(entry.file_size()) +
+                              " " + std::to_string(entry.last_write_time().time_since_epoch().count()));
+        std::sort(entries.begin(), entries.end());
+        return entries;
+    }
+
+    TestSupport::CTemporaryFolder m_Folder;
+};
+
+TEST_F(CheckKeptRows, SaysWhenThereAreNoneYet)
+{
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "Ostrel.db yet"));
+    EXPECT_TRUE(std::filesystem::is_empty(m_Folder.Path()));
+}
+
+TEST_F(CheckKeptRows, LooksAndLeavesNothingBehind)
+{
+    make("SELECT 1");
+    const std::vector<std::string> before = folder();
+    EXPECT_THAT(before, testing::SizeIs(1));
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, file().string() + ", which this run leaves"));
+    EXPECT_EQ(folder(), before);
+}
+
+TEST_F(CheckKeptRows, ReadsBesideWhoeverWrites)
+{
+    std::filesystem::create_directories(file().parent_path());
+    setDatabaseFile(file());
+    const auto database = getDatabasePointer();
+    (void)database->m_Access->query("BEGIN IMMEDIATE; CREATE TABLE Other (ID INTEGER)");
+    // What is not yet in the file itself counts: the tables are only in what stands beside it.
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "which this run leaves"));
+    (void)database->m_Access->query("COMMIT; DROP TABLE Plugin");
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "there is no table Plugin"));
+}
+
+TEST_F(CheckKeptRows, KnowsTablesOfAnotherReleaseAndEmptyFiles)
+{
+    make("PRAGMA user_version = 4711");
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Note, "tables of another release"));
+    std::ofstream(file(), std::ios::trunc).close();
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "is empty"));
+}
+
+TEST_F(CheckKeptRows, NamesWhatIsWrongWithTheFile)
+{
+    make("SELECT 1");
+    std::ofstream(file(), std::ios::trunc) << std::string(4096, 'x');
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "file is not a database"));
+    std::filesystem::remove(file());
+    std::filesystem::create_directory(file());
+    const Check check = checkKeptRows(file());
+    EXPECT_THAT(check, finding(Finding::Problem, "Ostrel.db is no file"));
+    EXPECT_EQ(check.m_ExitCode, ExitCode::RequestFailed);
+}
+
+TEST_F(CheckKeptRows, FindsDamage)
+{
+    // A page that no table or index has any more.
+    make("CREATE TABLE Other (Text TEXT UNIQUE); PRAGMA writable_schema = ON; "
+         "UPDATE sqlite_master SET sql = 'CREATE TABLE Other (Text TEXT)' WHERE name = 'Other'; "
+         "DELETE FROM sqlite_master WHERE tbl_name = 'Other' AND type = 'index'");
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "Ostrel.db': damaged: "));
 }
 
 TEST(CheckSystem, HasALineForSystemDriverAndPermissions)
