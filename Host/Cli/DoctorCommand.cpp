@@ -75,13 +75,14 @@ std::string counted(std::size_t number, const std::string& things)
     return std::to_string(number) + " " + things + (number == 1 ? "" : "s");
 }
 
-Check checkRows(const HostFolders& folders)
+Check checkRows(const Session& session)
 {
-    if (!folders.m_KeepsRows)
-        return checkKeptRows(databaseFile(folders.m_Data));
+    const std::filesystem::path file = databaseFile(session.m_Folders.m_Data);
+    if (!session.keepsRows())
+        return checkKeptRows(file);
     try {
         checkDatabase();
-        return ok("database", databaseFile(folders.m_Data).string());
+        return ok("database", file.string());
     } catch (const DBEXCEPTION::DatabaseException& exception) {
         return badDatabase(exception.what());
     }
@@ -159,7 +160,7 @@ Checks examine(const Session& session)
         checks.push_back(checkTexts(session.m_Folders));
     checks.push_back(checkEndurance(session.m_Folders));
     checks.push_back(checkSettings(session.m_Folders.m_Data));
-    checks.push_back(checkRows(session.m_Folders));
+    checks.push_back(checkRows(session));
 
     const std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
     Checks unserved;

@@ -23,6 +23,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <optional>
 
@@ -30,6 +31,9 @@ namespace Host::Cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+// Commands that look and keep what they see are done by then, in milliseconds.
+constexpr std::uint64_t WATCH_PATIENCE = 3000;
 
 /** What a command line asks for even where it cannot be understood. */
 bool asksFor(const std::vector<std::string>& words, const std::string& option)
@@ -166,6 +170,24 @@ private:
     Screen m_Screen;
 };
 
+/** A command that shows what there is works without rows, and `set` does not need them. */
+void refuseOrWarn(Command command, const DataFolderClaim& claim, Messages& messages)
+{
+    switch (command) {
+    case Command::Watch:
+        throw Failure(ExitCode::RequestFailed,
+                      claim.refusal() + ". End it, or name another folder with --data.");
+    case Command::List:
+    case Command::Topology:
+    case Command::Show:
+        messages.tell(claim.refusal() + ". This run leaves them as they are.");
+        return;
+    case Command::Set:
+    case Command::Doctor:
+        return;
+    }
+}
+
 ExitCode execute(const Options& options, Platform::ResultChannel& results, Messages& messages)
 {
     // Plug-ins print to standard output. That belongs to whoever reads errors and traces, but on a terminal
@@ -176,9 +198,12 @@ ExitCode execute(const Options& options, Platform::ResultChannel& results, Messa
     const std::filesystem::path programFolder = Platform::programFolder();
     const HostFolders folders = {shareFolder(programFolder),
                                  options.m_Data.value_or(Platform::defaultDataFolder()),
-                                 options.m_Data || keepsData(options.m_Command)};
+                                 options.m_Data || keepsData(options.m_Command),
+                                 options.m_Command == Command::Watch ? WATCH_PATIENCE : 0};
     const HostSetup setup(folders, options.m_Trace, options.m_Fleet,
                           [&](const std::string& warning) { messages.tell(warning); });
+    if (setup.claim() && !setup.claim()->granted())
+        refuseOrWarn(options.m_Command, *setup.claim(), messages);
     std::vector<std::filesystem::path> plugins = options.m_Plugins;
     plugins.insert(plugins.begin(), installedPlugin(programFolder));
     const Session session = {options, setup, folders, plugins, messages};

@@ -23,8 +23,8 @@ ObjectStore takeInventory(PluginSet& plugins, const Session& session)
 {
     const Progress progress = beginInventory(plugins, session);
     ObjectStore inventory(plugins.inventory());
-    if (session.m_Folders.m_KeepsRows)
-        keepInventory(session.m_Folders.m_Data, inventory, session.warn());
+    if (session.keepsRows())
+        keepInventory(session.keptData(), inventory, session.warn());
     return inventory;
 }
 
@@ -44,8 +44,8 @@ Watched::Watched(const Session& session)
 {
     const Progress progress = beginInventory(m_Plugins, session);
     for (EquippedPlugin& plugin : m_Plugins.initialize())
-        m_Monitors.emplace_back(std::move(plugin), session.m_Folders.m_Data, session.warn());
-    keepInventory(session.m_Folders.m_Data, objects(), session.warn());
+        m_Monitors.emplace_back(std::move(plugin), session.keptData(), session.warn());
+    keepInventory(session.keptData(), objects(), session.warn());
     for (Monitor& monitor : m_Monitors)
         monitor.start();
 }

@@ -32,6 +32,15 @@ struct Session
     }
 
     bool simulated() const { return m_Setup.fleet() != nullptr; }
+
+    /** Whether what is seen is kept in the data folder. */
+    bool keepsRows() const { return m_Setup.claim() && m_Setup.claim()->granted(); }
+
+    /** Where that is; empty when it is nowhere. */
+    std::filesystem::path keptData() const
+    {
+        return keepsRows() ? m_Folders.m_Data : std::filesystem::path();
+    }
 };
 
 /** Lives while request 1 runs: on a terminal it tells when the disks among `states` take their time. */
