@@ -150,7 +150,8 @@ public:
             throw TextAsked(std::string(version.what()) + '\n');
         } catch (const CLI::ParseError& error) {
             throw Failure(ExitCode::WrongUsage, printable(complaint(error)) + "." + suggestion() +
-                                                    " \"ostrel --help\" tells what there is.");
+                                                    " \"ostrel " + commandInQuestion(error) +
+                                                    "--help\" tells what there is.");
         }
         return std::move(m_Options);
     }
@@ -283,11 +284,12 @@ private:
                                    : "There is no command \"" + unknown.front() + "\"";
         if (!unknown.empty())
             return "\"" + unknown.front() + "\" is one word too many";
-        // "--for: 1 required TEXT missing"
+        // "--for: 1 required TEXT missing", "--data: At most 1 required but received 2"
         const std::string text = error.what();
-        return dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr
-                   ? text.substr(0, text.find(':')) + " needs a value"
-                   : text;
+        if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr)
+            return text;
+        return text.substr(0, text.find(':')) +
+               (text.ends_with("missing") ? " needs a value" : " may be given once");
     }
 
     /** The command that has this option for itself; null when none has. */
@@ -298,6 +300,18 @@ private:
             if (command->get_option_no_throw(option) != nullptr)
                 return command;
         return nullptr;
+    }
+
+    /** The command whose own words are wrong, and a blank; empty when it is an option that may be anybody's.
+     */
+    std::string commandInQuestion(const CLI::ParseError& error) const
+    {
+        const std::vector<CLI::App*> commands = m_App.get_subcommands();
+        const std::vector<std::string> unknown = m_App.remaining(true);
+        const bool concernsWords = unknown.empty()
+                                       ? dynamic_cast<const CLI::RequiredError*>(&error) != nullptr
+                                       : !isOption(unknown.front());
+        return commands.empty() || !concernsWords ? "" : commands.front()->get_name() + ' ';
     }
 
     static bool isOption(const std::string& word) { return word.starts_with('-'); }

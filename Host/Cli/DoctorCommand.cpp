@@ -1,5 +1,6 @@
 #include "Cli/DoctorCommand.h"
 
+#include "Cli/Paragraph.h"
 #include "Core/DataFolder.h"
 #include "Core/DeviceAccess.h"
 #include "Core/PluginSet.h"
@@ -109,6 +110,19 @@ void checkRequests(PluginSet& plugins, const std::vector<TLXX::CControllerState>
     }
 }
 
+std::pair<std::string, Tone> wordOf(Finding finding)
+{
+    switch (finding) {
+    case Finding::Ok:
+        return {"OK", Tone::Good};
+    case Finding::Note:
+        return {"NOTE", Tone::Warning};
+    case Finding::Problem:
+        return {"PROBLEM", Tone::Bad};
+    }
+    return {};
+}
+
 } // namespace
 
 Check ok(std::string subject, std::string message)
@@ -186,22 +200,14 @@ ExitCode exitCodeOf(const Checks& checks)
 
 std::string doctorText(const Checks& checks, const Screen& screen)
 {
+    constexpr std::size_t column = 9; // the longest word and a gap
     std::string text;
     for (const Check& check : checks) {
-        switch (check.m_Finding) {
-        case Finding::Ok:
-            text += toned(screen, Tone::Good, "OK") + "       ";
-            break;
-        case Finding::Note:
-            text += toned(screen, Tone::Warning, "NOTE") + "     ";
-            break;
-        case Finding::Problem:
-            text += toned(screen, Tone::Bad, "PROBLEM") + "  ";
-            break;
-        }
-        text += printable(check.m_Subject + ": " + check.m_Message +
-                          (check.m_Remedy.empty() ? "" : " -> " + check.m_Remedy)) +
-                '\n';
+        const auto [word, tone] = wordOf(check.m_Finding);
+        const std::string what = check.m_Subject + ": " + check.m_Message +
+                                 (check.m_Remedy.empty() ? "" : " -> " + check.m_Remedy);
+        text += toned(screen, tone, word) + std::string(column - word.size(), ' ') +
+                paragraph(printable(what), column, screen);
     }
     return text;
 }

@@ -17,10 +17,10 @@ Table newTable()
     // Widths that keep what a person tells drives apart by; the device's name is never cut.
     return Table({{"Device"},
                   {"Vendor", false, 0, 2},
-                  {"Model", false, 10},
+                  {"Model", false, 10, 6},
                   {"Serial", false, 8},
                   {"Firmware", false, 0, 1},
-                  {"Capacity", true},
+                  {"Capacity", true, 0, 5},
                   {"Temp", true, 0, 4},
                   {"Wear", true, 0, 3},
                   {"Health"}});

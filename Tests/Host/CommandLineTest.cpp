@@ -124,6 +124,7 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
     EXPECT_THAT(refusalOf({"list", "topology"}), HasSubstr("topology"));
     EXPECT_THAT(refusalOf({"list", "--simulate"}), StartsWith("--simulate needs a value."));
     EXPECT_THAT(refusalOf({"watch", "--for"}), StartsWith("--for needs a value."));
+    EXPECT_THAT(refusalOf({"list", "--data", "a", "--data", "b"}), StartsWith("--data may be given once."));
     EXPECT_THAT(refusalOf({"list", "--trace", "7x"}), HasSubstr("\"7x\" is no number"));
     for (const char* mask : {"=1", "313=", "313=x", "-1=1", "1=2=3", "4294967296=1"})
         EXPECT_THAT(refusalOf({"list", "--trace", mask}), HasSubstr("is no number")) << mask;
@@ -143,6 +144,13 @@ TEST(CommandLine, SuggestsWhatWasMeant)
     EXPECT_EQ(refusalOf({"show", "plugin", "--jsn"}),
               "There is no option \"--jsn\". Did you mean \"--json\"?" + help);
     EXPECT_EQ(refusalOf({"list", "--colour"}), "There is no option \"--colour\"." + help);
+}
+
+TEST(CommandLine, PointsToTheHelpOfTheCommandWhoseWordsAreWrong)
+{
+    EXPECT_THAT(refusalOf({"show"}), EndsWith(" \"ostrel show --help\" tells what there is."));
+    EXPECT_THAT(refusalOf({"list", "--trace", "x"}), EndsWith(" \"ostrel --help\" tells what there is."));
+    EXPECT_THAT(refusalOf({"list", "extra"}), EndsWith(" \"ostrel list --help\" tells what there is."));
 }
 
 TEST(CommandLine, SaysWhereACommandsOwnOptionBelongs)

@@ -23,6 +23,7 @@ using namespace TestSupport::SystemStatus;
 using Host::ExitCode;
 using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::Field;
 using testing::HasSubstr;
 
@@ -482,6 +483,7 @@ TEST(DoctorText, HasALineForEachCheck)
     const std::vector<Check> checks = {ok("a", "fine"), note("b", "hm\n"),
                                        problem(ExitCode::NoHardware, "c", "bad", "Do it.")};
     EXPECT_EQ(doctorText(checks, {}), "OK       a: fine\nNOTE     b: hm?\nPROBLEM  c: bad -> Do it.\n");
+    EXPECT_THAT(doctorText(checks, {20, false}), EndsWith("\nPROBLEM  c: bad ->\n         Do it.\n"));
     EXPECT_EQ(doctorJson(checks), nlohmann::ordered_json::parse(R"({"checks": [
         {"subject": "a", "result": "ok", "message": "fine"},
         {"subject": "b", "result": "note", "message": "hm\n"},
