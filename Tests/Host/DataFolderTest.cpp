@@ -106,7 +106,8 @@ TEST_F(DataFolder, IsKeptByOneAtATime)
         EXPECT_FALSE(second.granted());
         EXPECT_GE(clock.Monotonic() - start, 3000U);
         EXPECT_THAT(second.refusal(),
-                    testing::MatchesRegex("Another ostrel, process [0-9]+, keeps its data in .*"));
+                    testing::AllOf(testing::StartsWith("Another ostrel, process "),
+                                   testing::EndsWith(", keeps its data in " + m_Folder.Path().string())));
     }
     m_Claim.reset();
     EXPECT_TRUE(Host::DataFolderClaim(m_Folder.Path(), 0).granted());
@@ -160,6 +161,8 @@ TEST_F(DataFolder, LosesTheRowsOfWhatIsGone)
 TEST_F(DataFolder, WarnsWhenNothingCanBeKept)
 {
     Open(m_Folder.Path());
+    // Not every system lets a file go that somebody holds.
+    m_Claim.reset();
     std::filesystem::remove_all(m_Folder.Path());
     Keep(m_Folder.Path(), topologyOf({Objects(10, 2, "S")}));
     EXPECT_THAT(m_Warnings, ElementsAre(HasSubstr("unable to open database file"),
