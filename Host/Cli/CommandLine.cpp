@@ -16,8 +16,8 @@ namespace {
 constexpr char PROGRAM_HELP[] = "Shows NVMe drives: what they are, how they fare, what is wrong with them.";
 
 constexpr char PROGRAM_FOOTER[] =
-    R"(Options may stand before or after the command. "ostrel COMMAND --help" tells
-more about a command.
+    R"(These options may stand before or after the command, a command's own options
+only after it. "ostrel COMMAND --help" tells more about a command.
 
 Exit codes: 0 done, 1 a request failed, 2 wrong usage, 3 no supported hardware,
 4 no permission.
@@ -44,8 +44,10 @@ Examples:
   sudo ostrel topology --json | jq '.objects[].id')";
 
 constexpr char SHOW_FOOTER[] =
-    R"(A serial number or a device stands for the adapter and its drive, an identifier
-or a location for one object. With PROPERTY just its value is printed.
+    R"(A serial number, a device (nvme0n1), its controller (nvme0) or a PCI address
+(0000:01:00.0, 01:00.0) stands for the adapter and its drive, an identifier or a
+location for one object, "plugin" for the plug-in's own. With PROPERTY just its
+value is printed.
 All options of "ostrel --help" may be given, too.
 
 Examples:
@@ -101,6 +103,11 @@ std::optional<std::uint32_t> parseSeconds(const std::string& text)
     return fitting(parseNumber(text, 10));
 }
 
+std::string refuseNoPath(const std::string& text)
+{
+    return text.empty() ? "needs a name behind it, not an empty text" : std::string();
+}
+
 std::string refuseBadMask(const std::string& text)
 {
     TraceOptions ignored;
@@ -132,6 +139,7 @@ public:
 
     Options parse(std::vector<std::string> words)
     {
+        refuseEmptyValues(words);
         try {
             std::reverse(words.begin(), words.end());
             words.pop_back();
@@ -142,17 +150,28 @@ public:
             throw TextAsked(std::string(version.what()) + '\n');
         } catch (const CLI::ParseError& error) {
             throw Failure(ExitCode::WrongUsage, printable(complaint(error)) + "." + suggestion() +
-                                                    " \"ostrel --help\" tells what there is.");
+                                                    " \"ostrel " + commandInQuestion(error) +
+                                                    "--help\" tells what there is.");
         }
         return std::move(m_Options);
     }
 
 private:
+    /** The library would take the next word for the value, and miss it where it belongs. */
+    static void refuseEmptyValues(const std::vector<std::string>& words)
+    {
+        for (const std::string& word : words)
+            if (word.starts_with("--") && word.find('=') == word.size() - 1)
+                throw Failure(ExitCode::WrongUsage, "There is nothing behind \"" + printable(word) + "\".");
+    }
+
     CLI::Option* addPath(const char* name, std::optional<std::filesystem::path>& path,
                          const char* description)
     {
-        return m_App.add_option_function<std::string>(
-            name, [&path](const std::string& text) { path = pathFromUtf8(text); }, description);
+        return m_App
+            .add_option_function<std::string>(
+                name, [&path](const std::string& text) { path = pathFromUtf8(text); }, description)
+            ->check(refuseNoPath);
     }
 
     /** An option that may be given several times, each time with one value. */
@@ -175,7 +194,8 @@ private:
             "--plugin",
             [this](const std::string& text) { m_Options.m_Plugins.push_back(pathFromUtf8(text)); },
             "Plug-in to load beside the installed one")
-            ->option_text("FILE");
+            ->option_text("FILE")
+            ->check(refuseNoPath);
         addPath("--data", m_Options.m_Data, "Folder of database, adapter numbers and settings")
             ->option_text("DIR");
         addPath("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
@@ -215,8 +235,7 @@ private:
         addCommand(Command::List, "list", "One line a drive", LIST_FOOTER);
         addCommand(Command::Topology, "topology", "Every object with its properties", TOPOLOGY_FOOTER);
         CLI::App* show = addCommand(Command::Show, "show", "The properties of one object", SHOW_FOOTER);
-        show->add_option("OBJECT", m_Options.m_Object,
-                         "Identifier, serial number, device, location or \"plugin\"")
+        show->add_option("OBJECT", m_Options.m_Object, "A drive or another object; see below")
             ->required()
             ->option_text(" ");
         show->add_option("PROPERTY", m_Options.m_Property, "Number or caption of one property")
@@ -254,12 +273,45 @@ private:
     std::string complaint(const CLI::ParseError& error) const
     {
         const std::vector<std::string> unknown = m_App.remaining(true);
-        if (!unknown.empty() && isOption(unknown.front()))
+        if (!unknown.empty() && isOption(unknown.front())) {
+            if (const CLI::App* command = commandWith(unknown.front()))
+                return "The option \"" + unknown.front() + "\" belongs behind the command \"" +
+                       command->get_name() + "\"";
             return "There is no option \"" + unknown.front() + "\"";
+        }
         if (m_App.get_subcommands().empty())
             return unknown.empty() ? "A command is missing"
                                    : "There is no command \"" + unknown.front() + "\"";
-        return error.what();
+        if (!unknown.empty())
+            return "\"" + unknown.front() + "\" is one word too many";
+        // "--for: 1 required TEXT missing", "--data: At most 1 required but received 2"
+        const std::string text = error.what();
+        if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr)
+            return text;
+        return text.substr(0, text.find(':')) +
+               (text.ends_with("missing") ? " needs a value" : " may be given once");
+    }
+
+    /** The command that has this option for itself; null when none has. */
+    const CLI::App* commandWith(const std::string& word) const
+    {
+        const std::string option = word.substr(0, word.find('='));
+        for (const CLI::App* command : m_App.get_subcommands(nullptr))
+            if (command->get_option_no_throw(option) != nullptr)
+                return command;
+        return nullptr;
+    }
+
+    /** The command whose own words are wrong, and a blank; empty when it is an option that may be anybody's.
+     */
+    std::string commandInQuestion(const CLI::ParseError& error) const
+    {
+        const std::vector<CLI::App*> commands = m_App.get_subcommands();
+        const std::vector<std::string> unknown = m_App.remaining(true);
+        const bool concernsWords = unknown.empty()
+                                       ? dynamic_cast<const CLI::RequiredError*>(&error) != nullptr
+                                       : !isOption(unknown.front());
+        return commands.empty() || !concernsWords ? "" : commands.front()->get_name() + ' ';
     }
 
     static bool isOption(const std::string& word) { return word.starts_with('-'); }
@@ -268,7 +320,7 @@ private:
     std::string suggestion() const
     {
         const std::vector<std::string> unknown = m_App.remaining(true);
-        if (unknown.empty())
+        if (unknown.empty() || commandWith(unknown.front()) != nullptr)
             return {};
         std::vector<std::string> known;
         if (isOption(unknown.front()))
@@ -292,7 +344,8 @@ private:
     std::string help() const
     {
         const std::vector<CLI::App*> commands = m_App.get_subcommands();
-        return commands.empty() ? m_App.help() : commands.front()->help("ostrel");
+        const std::string text = commands.empty() ? m_App.help() : commands.front()->help("ostrel");
+        return text.ends_with('\n') ? text : text + '\n';
     }
 
     CLI::App m_App{PROGRAM_HELP, "ostrel"};

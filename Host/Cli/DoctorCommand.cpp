@@ -1,5 +1,6 @@
 #include "Cli/DoctorCommand.h"
 
+#include "Cli/Paragraph.h"
 #include "Core/DataFolder.h"
 #include "Core/DeviceAccess.h"
 #include "Core/PluginSet.h"
@@ -64,25 +65,27 @@ Check checkEndurance(const HostFolders& folders)
     }
 }
 
+Check badDatabase(const std::string& message)
+{
+    return problem(ExitCode::RequestFailed, "database", message,
+                   "See to the file and its folder, or name another folder with --data.");
+}
+
 std::string counted(std::size_t number, const std::string& things)
 {
     return std::to_string(number) + " " + things + (number == 1 ? "" : "s");
 }
 
-Check checkRows(const HostFolders& folders)
+Check checkRows(const Session& session)
 {
-    std::error_code error;
-    if (!folders.m_KeepsRows)
-        return ok("database", std::filesystem::exists(databaseFile(folders.m_Data), error)
-                                  ? "in memory for this run; --data " + folders.m_Data.string() +
-                                        " has the one there looked at"
-                                  : "in memory for this run; --data DIR keeps one");
+    const std::filesystem::path file = databaseFile(session.m_Folders.m_Data);
+    if (!session.keepsRows())
+        return checkKeptRows(file);
     try {
         checkDatabase();
-        return ok("database", databaseFile(folders.m_Data).string());
+        return ok("database", file.string());
     } catch (const DBEXCEPTION::DatabaseException& exception) {
-        return problem(ExitCode::RequestFailed, "database", exception.what(),
-                       "See to the file and its folder, or name another folder with --data.");
+        return badDatabase(exception.what());
     }
 }
 
@@ -107,6 +110,19 @@ void checkRequests(PluginSet& plugins, const std::vector<TLXX::CControllerState>
     }
 }
 
+std::pair<std::string, Tone> wordOf(Finding finding)
+{
+    switch (finding) {
+    case Finding::Ok:
+        return {"OK", Tone::Good};
+    case Finding::Note:
+        return {"NOTE", Tone::Warning};
+    case Finding::Problem:
+        return {"PROBLEM", Tone::Bad};
+    }
+    return {};
+}
+
 } // namespace
 
 Check ok(std::string subject, std::string message)
@@ -124,6 +140,29 @@ Check problem(ExitCode exitCode, std::string subject, std::string message, std::
     return {Finding::Problem, std::move(subject), std::move(message), std::move(remedy), exitCode};
 }
 
+Check checkKeptRows(const std::filesystem::path& file)
+{
+    std::error_code error;
+    if (!std::filesystem::exists(file, error) && !error)
+        return ok("database", "there is no " + file.string() + " yet; \"watch\" and \"set\" make one");
+    if (!std::filesystem::is_regular_file(file, error))
+        return badDatabase(file.string() + (error ? ": " + error.message() : " is no file"));
+    try {
+        switch (inspectDatabase(file)) {
+        case EDatabaseTables::Present:
+            return ok("database", file.string() + ", which this run leaves as it is");
+        case EDatabaseTables::None:
+            return ok("database", file.string() + " is empty; \"watch\" and \"set\" fill it");
+        case EDatabaseTables::Foreign:
+            break;
+        }
+        return note("database", file.string() + " holds the tables of another release; the next \"watch\" or "
+                                                "\"set\" rebuilds them");
+    } catch (const DBEXCEPTION::DatabaseException& exception) {
+        return badDatabase(exception.what());
+    }
+}
+
 Checks examine(const Session& session)
 {
     Checks checks;
@@ -135,14 +174,17 @@ Checks examine(const Session& session)
         checks.push_back(checkTexts(session.m_Folders));
     checks.push_back(checkEndurance(session.m_Folders));
     checks.push_back(checkSettings(session.m_Folders.m_Data));
-    checks.push_back(checkRows(session.m_Folders));
+    checks.push_back(checkRows(session));
 
     const std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
+    Checks unserved;
     if (!session.simulated()) {
         append(checks, checkSystem(Platform::runningSystem(), Platform::isDriverThere(), states));
-        append(checks, checkUnserved(Platform::unservedFunctions()));
+        unserved = checkUnserved(Platform::unservedFunctions());
     }
+    append(checks, unserved);
     append(checks, checkControllers(states));
+    append(checks, checkAnyDisk(states, !unserved.empty(), session.m_Setup.fleet().get()));
     // Other plug-ins may look for other devices.
     if (!plugins.empty() && (anyDiskOpens(states) || session.m_Plugins.size() > 1))
         checkRequests(plugins, states, session, checks);
@@ -158,22 +200,14 @@ ExitCode exitCodeOf(const Checks& checks)
 
 std::string doctorText(const Checks& checks, const Screen& screen)
 {
+    constexpr std::size_t column = 9; // the longest word and a gap
     std::string text;
     for (const Check& check : checks) {
-        switch (check.m_Finding) {
-        case Finding::Ok:
-            text += toned(screen, Tone::Good, "OK") + "       ";
-            break;
-        case Finding::Note:
-            text += toned(screen, Tone::Warning, "NOTE") + "     ";
-            break;
-        case Finding::Problem:
-            text += toned(screen, Tone::Bad, "PROBLEM") + "  ";
-            break;
-        }
-        text += printable(check.m_Subject + ": " + check.m_Message +
-                          (check.m_Remedy.empty() ? "" : " -> " + check.m_Remedy)) +
-                '\n';
+        const auto [word, tone] = wordOf(check.m_Finding);
+        const std::string what = check.m_Subject + ": " + check.m_Message +
+                                 (check.m_Remedy.empty() ? "" : " -> " + check.m_Remedy);
+        text += toned(screen, tone, word) + std::string(column - word.size(), ' ') +
+                paragraph(printable(what), column, screen);
     }
     return text;
 }

@@ -43,11 +43,14 @@ std::vector<Check> examine(const Session& session);
 /** Whether the settings in `folder` are taken into account, each as it stands. */
 Check checkSettings(const std::filesystem::path& folder);
 
+/** Whether `file`, where commands that keep rows have them, can be read and is sound; changes nothing. */
+Check checkKeptRows(const std::filesystem::path& file);
+
 /** Whether the system, its NVMe driver and this user's rights let drives be asked. */
 std::vector<Check> checkSystem(const Platform::System& system, bool driverIsThere,
                                const std::vector<TLXX::CControllerState>& states);
 
-/** What no enumeration finds, for another driver or none has it. */
+/** What no enumeration finds, for another driver or none has it; no problem when it was given away. */
 std::vector<Check> checkUnserved(const std::vector<Platform::UnservedFunction>& functions);
 
 /** The release of each plug-in, and whether it is this program's. */
@@ -55,6 +58,13 @@ std::vector<Check> checkVersions(const ObjectStore& store);
 
 /** What the system says of its controllers. */
 std::vector<Check> checkControllers(const std::vector<TLXX::CControllerState>& states);
+
+/**
+ * Why there is no disk to show at all; nothing when there is one. `anyUnserved`: there are controllers that
+ * the NVMe driver does not serve. `fleet`: what stands in the machine's place, or null.
+ */
+std::vector<Check> checkAnyDisk(const std::vector<TLXX::CControllerState>& states, bool anyUnserved,
+                                const SimulatedFleet* fleet);
 
 /** Whether every disk became an adapter, at its own place, and what its drive left unanswered. */
 std::vector<Check> checkInventory(const std::vector<TLXX::CControllerState>& states,

@@ -157,17 +157,30 @@ void checkTexts(const Drive& drive, const std::string& device, Checks& checks)
 
 Checks checkControllers(const std::vector<TLXX::CControllerState>& states)
 {
-    if (states.empty())
-        return {problem(ExitCode::NoHardware, "controllers", "the system knows no NVMe controller",
-                        "Plug one in, or look at a simulated fleet with --simulate.")};
     Checks checks;
     for (const TLXX::CControllerState& state : states)
         checks.push_back(checkController(state));
-    if (std::all_of(states.begin(), states.end(),
-                    [](const TLXX::CControllerState& state) { return state.m_DeviceName.empty(); }))
-        checks.push_back(problem(ExitCode::NoHardware, "controllers",
-                                 "none of them yields a disk that could be shown", "See the lines above."));
     return checks;
+}
+
+Checks checkAnyDisk(const std::vector<TLXX::CControllerState>& states, bool anyUnserved,
+                    const SimulatedFleet* fleet)
+{
+    if (countDisks(states) > 0)
+        return {};
+    const auto none = [](const std::string& message, const std::string& remedy) {
+        return Checks{problem(ExitCode::NoHardware, "controllers", message, remedy)};
+    };
+    if (!states.empty())
+        return none("none of them yields a disk that could be shown", "See the lines above.");
+    if (fleet != nullptr)
+        return none("the fleet file " + fleet->file().string() + " holds no controller",
+                    "Describe one in it; DemoFleet.json in the program's share folder is an example.");
+    if (anyUnserved)
+        return none("there is a controller, but none that the NVMe driver serves, so no drive can be shown",
+                    "See the lines above.");
+    return none("the system knows no NVMe controller",
+                "Plug one in, or look at a simulated fleet with --simulate.");
 }
 
 Checks checkInventory(const std::vector<TLXX::CControllerState>& states, const ObjectStore& store)

@@ -66,11 +66,18 @@ Checks checkUnserved(const std::vector<Platform::UnservedFunction>& functions)
 {
     Checks checks;
     for (const Platform::UnservedFunction& function : functions)
-        checks.push_back(
-            problem(ExitCode::NoHardware, function.m_Address,
-                    "an NVMe controller that the NVMe driver does not serve; it has " +
-                        (function.m_Driver.empty() ? "no driver" : "the driver " + function.m_Driver),
-                    std::string(Platform::driverRemedy())));
+        if (Platform::isPassThrough(function.m_Driver))
+            checks.push_back(note(function.m_Address,
+                                  "an NVMe controller that is given to a virtual machine or a program of its "
+                                  "own; it has the driver " +
+                                      function.m_Driver + ". Its drive is to be seen there alone. " +
+                                      std::string(Platform::passThroughRemedy())));
+        else
+            checks.push_back(
+                problem(ExitCode::NoHardware, function.m_Address,
+                        "an NVMe controller that the NVMe driver does not serve; it has " +
+                            (function.m_Driver.empty() ? "no driver" : "the driver " + function.m_Driver),
+                        std::string(Platform::driverRemedy())));
     return checks;
 }
 

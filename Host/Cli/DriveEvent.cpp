@@ -1,5 +1,6 @@
 #include "Cli/DriveEvent.h"
 
+#include "Cli/Seconds.h"
 #include "Core/Platform.h"
 #include "Core/Text.h"
 
@@ -15,7 +16,6 @@ namespace {
 
 constexpr std::uint32_t ADAPTER_ADDED = 11093;
 constexpr std::uint32_t ADAPTER_REMOVED = 11094;
-constexpr std::uint64_t MILLISECONDS_A_SECOND = 1000;
 
 /** The drives whose serial number none of `others` has: plug-ins tell drives apart by it. */
 std::vector<const Drive*> missingFrom(const std::vector<Drive>& others, const std::vector<Drive>& drives)

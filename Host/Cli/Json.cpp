@@ -137,11 +137,7 @@ Json objectJson(const PI::CObject& object)
 
 Json driveJson(const Drive& drive)
 {
-    Json json = Json::object();
-    add(json, "device", drive.m_Device);
-    add(json, "vendor", drive.m_Vendor);
-    add(json, "model", drive.m_Model);
-    add(json, "serial", drive.m_Serial);
+    Json json = identityJson(drive);
     add(json, "firmware", drive.m_Firmware);
     addNumber(json, "capacityMiB", drive.m_CapacityMiB);
     addNumber(json, "blockSize", drive.m_BlockSize);
@@ -156,8 +152,6 @@ Json driveJson(const Drive& drive)
         json["reasons"].push_back(reason.m_Text);
         json["reasonCodes"].push_back(reason.m_Code);
     }
-    add(json, "pciAddress", drive.m_PciAddress);
-    add(json, "location", drive.m_Location);
     add(json, "driver", drive.m_Driver);
     add(json, "driverVersion", drive.m_DriverVersion);
     addNumber(json, "spare", drive.m_Spare);

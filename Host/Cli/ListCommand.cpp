@@ -1,5 +1,6 @@
 #include "Cli/ListCommand.h"
 
+#include "Cli/Paragraph.h"
 #include "Cli/PropertyText.h"
 #include "Cli/Table.h"
 #include "Core/Text.h"
@@ -16,10 +17,10 @@ Table newTable()
     // Widths that keep what a person tells drives apart by; the device's name is never cut.
     return Table({{"Device"},
                   {"Vendor", false, 0, 2},
-                  {"Model", false, 10},
+                  {"Model", false, 10, 6},
                   {"Serial", false, 8},
                   {"Firmware", false, 0, 1},
-                  {"Capacity", true},
+                  {"Capacity", true, 0, 5},
                   {"Temp", true, 0, 4},
                   {"Wear", true, 0, 3},
                   {"Health"}});
@@ -44,23 +45,10 @@ std::string reasonsText(const Drive& drive)
     return text;
 }
 
-/** The reasons behind the device's name, in lines of `width` columns as far as single reasons allow. */
-std::string reasonLines(const std::string& device, const Drive& drive, std::size_t width)
+std::string reasonsNote(const std::string& device, const Drive& drive, const Screen& screen)
 {
-    const std::string indent(displayWidth(device) + 2, ' ');
-    std::string lines;
-    std::string line = device + ": ";
-    for (std::size_t i = 0; i < drive.m_Reasons.size(); ++i) {
-        const std::string reason =
-            printable(drive.m_Reasons[i].m_Text) + (i + 1 < drive.m_Reasons.size() ? ";" : "");
-        if (i > 0 && displayWidth(line) + 1 + displayWidth(reason) > width) {
-            lines += line + '\n';
-            line = indent + reason;
-        } else {
-            line += (i > 0 ? " " : "") + reason;
-        }
-    }
-    return lines + line + '\n';
+    const std::string head = device + ": ";
+    return head + paragraph(printable(reasonsText(drive)), displayWidth(head), screen);
 }
 
 Cell healthCell(const Drive& drive, bool withReasons)
@@ -91,7 +79,7 @@ std::string listText(const std::vector<Drive>& drives, const Screen& screen)
                    {orUnknown(drive.m_Wear, PI::UNIT_PERCENT)},
                    healthCell(drive, !terminal)});
         if (terminal && !drive.m_Reasons.empty())
-            notes += reasonLines(printable(device), drive, *screen.m_Width);
+            notes += reasonsNote(printable(device), drive, screen);
     }
     return table.text(screen) + (notes.empty() ? "" : "\n" + notes);
 }

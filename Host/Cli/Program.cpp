@@ -7,6 +7,7 @@
 #include "Cli/Explanation.h"
 #include "Cli/Json.h"
 #include "Cli/ListCommand.h"
+#include "Cli/Messages.h"
 #include "Cli/PropertyText.h"
 #include "Cli/Screen.h"
 #include "Cli/Session.h"
@@ -14,6 +15,7 @@
 #include "Cli/ShowCommand.h"
 #include "Cli/TopologyCommand.h"
 #include "Cli/WatchCommand.h"
+#include "Core/ControllerNames.h"
 #include "Core/Failure.h"
 #include "Core/Platform.h"
 #include "Core/Text.h"
@@ -21,6 +23,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <optional>
 
@@ -29,10 +32,15 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-void tell(const std::string& message)
+// Commands that look and keep what they see are done by then, in milliseconds.
+constexpr std::uint64_t WATCH_PATIENCE = 3000;
+
+/** What a command line asks for even where it cannot be understood. */
+bool asksFor(const std::vector<std::string>& words, const std::string& option)
 {
-    const std::string line = "ostrel: " + printableLines(message) + '\n';
-    (void)std::fputs(line.c_str(), stderr);
+    return std::any_of(words.begin(), words.end(), [&](const std::string& word) {
+        return word == option || word.starts_with(option + '=');
+    });
 }
 
 /** Runs one command and prints what it gives. */
@@ -96,7 +104,7 @@ private:
     {
         const Inventory inventory(m_Session);
         const ObjectStore& store = inventory.objects();
-        const std::vector<const PI::CObject*> objects = store.named(m_Session.m_Options.m_Object);
+        const std::vector<const PI::CObject*> objects = objectsNamed(store);
         if (m_Session.m_Options.m_Property) {
             const PI::CProperty& property =
                 namedProperty(objects, *m_Session.m_Options.m_Property).m_Property;
@@ -119,8 +127,7 @@ private:
         Watched watched(m_Session);
         const ObjectStore store = watched.objects();
         const Options& options = m_Session.m_Options;
-        const NamedProperty named =
-            namedProperty(store.named(options.m_Object), options.m_Property.value_or(""));
+        const NamedProperty named = namedProperty(objectsNamed(store), options.m_Property.value_or(""));
         const PI::CProperty property = setProperty(watched.plugins().showing(named.m_Object.m_ID),
                                                    named.m_Object, named.m_Property, options.m_Value);
         if (wantsJson())
@@ -137,6 +144,11 @@ private:
         else
             print(doctorText(checks, m_Screen));
         return exitCodeOf(checks);
+    }
+
+    std::vector<const PI::CObject*> objectsNamed(const ObjectStore& store) const
+    {
+        return store.named(diskOfController(TLXX::controllerStates(), m_Session.m_Options.m_Object));
     }
 
     bool wantsJson() const { return m_Session.m_Options.m_Json; }
@@ -158,41 +170,86 @@ private:
     Screen m_Screen;
 };
 
-ExitCode execute(const Options& options, Platform::ResultChannel& results)
+/** A command that shows what there is works without rows, and `set` does not need them. */
+void refuseOrWarn(Command command, const DataFolderClaim& claim, Messages& messages)
+{
+    switch (command) {
+    case Command::Watch:
+        throw Failure(ExitCode::RequestFailed,
+                      claim.refusal() + ". End it, or name another folder with --data.");
+    case Command::List:
+    case Command::Topology:
+    case Command::Show:
+        messages.tell(claim.refusal() + ". This run leaves them as they are.");
+        return;
+    case Command::Set:
+    case Command::Doctor:
+        return;
+    }
+}
+
+ExitCode execute(const Options& options, Platform::ResultChannel& results, Messages& messages)
 {
     // Plug-ins print to standard output. That belongs to whoever reads errors and traces, but on a terminal
     // it would only stand between the results.
-    results.divertOthers(Platform::errorsGoToTerminal() && !options.m_Trace.wanted()
+    results.divertOthers(messages.onTerminal() && !options.m_Trace.wanted()
                              ? Platform::Elsewhere::Nowhere
                              : Platform::Elsewhere::StandardError);
     const std::filesystem::path programFolder = Platform::programFolder();
     const HostFolders folders = {shareFolder(programFolder),
                                  options.m_Data.value_or(Platform::defaultDataFolder()),
-                                 options.m_Data || keepsData(options.m_Command)};
-    const HostSetup setup(folders, options.m_Trace, options.m_Fleet, tell);
+                                 options.m_Data || keepsData(options.m_Command),
+                                 options.m_Command == Command::Watch ? WATCH_PATIENCE : 0};
+    const HostSetup setup(folders, options.m_Trace, options.m_Fleet,
+                          [&](const std::string& warning) { messages.tell(warning); });
+    if (setup.claim() && !setup.claim()->granted())
+        refuseOrWarn(options.m_Command, *setup.claim(), messages);
     std::vector<std::filesystem::path> plugins = options.m_Plugins;
     plugins.insert(plugins.begin(), installedPlugin(programFolder));
-    const Session session = {options, setup, folders, plugins, tell};
+    const Session session = {options, setup, folders, plugins, messages};
     return Execution(session, results).execute();
 }
 
-/** How a document is written. */
-using Writer = std::string (*)(const Json& content, bool simulated);
-
-/** Tells a failure, with `json` also those who read the results. */
-ExitCode report(Platform::ResultChannel& results, Writer json, ExitCode exitCode, const std::string& message,
-                const std::optional<RequestResult>& result = std::nullopt)
+/** Tells failures; those who asked for documents get one, too. */
+class FailureReport
 {
-    tell(message);
-    try {
-        if (json != nullptr)
-            results.write(json(failureJson(message, result), false));
-    } catch (const std::exception& error) {
-        // That the results cannot be written may be just what was told.
-        if (error.what() != message)
-            tell(error.what());
+public:
+    FailureReport(const std::vector<std::string>& words, Platform::ResultChannel& results, Messages& messages)
+        : m_Results(results),
+          m_Messages(messages),
+          m_Json(asksFor(words, "--json")),
+          m_InLines(std::find(words.begin(), words.end(), "watch") != words.end()),
+          m_Simulated(asksFor(words, "--simulate"))
+    {}
+
+    ExitCode report(ExitCode exitCode, const std::string& message,
+                    const std::optional<RequestResult>& result = std::nullopt) const
+    {
+        m_Messages.tell(message);
+        try {
+            if (m_Json)
+                m_Results.write(
+                    (m_InLines ? lineText : documentText)(failureJson(message, result), m_Simulated));
+        } catch (const std::exception& error) {
+            // That the results cannot be written may be just what was told.
+            if (error.what() != message)
+                m_Messages.tell(error.what());
+        }
+        return exitCode;
     }
-    return exitCode;
+
+private:
+    Platform::ResultChannel& m_Results;
+    Messages& m_Messages;
+    const bool m_Json;
+    const bool m_InLines;
+    const bool m_Simulated;
+};
+
+void writeErrors(const std::string& text)
+{
+    (void)std::fputs(text.c_str(), stderr);
+    (void)std::fflush(stderr);
 }
 
 } // namespace
@@ -200,25 +257,19 @@ ExitCode report(Platform::ResultChannel& results, Writer json, ExitCode exitCode
 int run(const std::vector<std::string>& words)
 {
     Platform::ResultChannel results;
-    // A command line that cannot be understood may still have asked for JSON.
-    Writer json = nullptr;
-    if (std::any_of(words.begin(), words.end(),
-                    [](const std::string& word) { return word == "--json" || word == "--json=true"; }))
-        json = std::find(words.begin(), words.end(), "watch") != words.end() ? lineText : documentText;
+    Messages messages(Platform::errorsGoToTerminal(), writeErrors);
+    const FailureReport failures(words, results, messages);
     ExitCode exitCode = ExitCode::Done;
     try {
-        const Options options = parseCommandLine(words);
-        exitCode = execute(options, results);
-    } catch (const TextAsked& asked) {
         try {
+            exitCode = execute(parseCommandLine(words), results, messages);
+        } catch (const TextAsked& asked) {
             results.write(asked.what());
-        } catch (const std::exception& error) {
-            exitCode = report(results, nullptr, ExitCode::RequestFailed, error.what());
         }
     } catch (const Failure& failure) {
-        exitCode = report(results, json, failure.exitCode(), failure.what(), failure.result());
+        exitCode = failures.report(failure.exitCode(), failure.what(), failure.result());
     } catch (const std::exception& error) {
-        exitCode = report(results, json, ExitCode::RequestFailed, error.what());
+        exitCode = failures.report(ExitCode::RequestFailed, error.what());
     }
     return static_cast<int>(exitCode);
 }

@@ -1,27 +1,24 @@
 #include "Cli/Progress.h"
 
-#include "Core/Platform.h"
+#include "Cli/Seconds.h"
 
 #include <TLX/Clock.h>
 #include <TLX/WaitResult.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <cstdio>
 #include <system_error>
-#include <utility>
 
 namespace Host::Cli {
 namespace {
 
 constexpr std::uint64_t PATIENCE = 500;
-constexpr std::uint64_t SECOND = 1000;
 
 } // namespace
 
-Progress::Progress(std::size_t drives, Write write) : m_Write(std::move(write))
+Progress::Progress(std::size_t drives, Messages* messages) : m_Messages(messages)
 {
-    if (!m_Write || m_Done.Init(false, true) != TLX::Threading::WaitResult::Taken)
+    if (m_Messages == nullptr || !m_Messages->onTerminal() ||
+        m_Done.Init(false, true) != TLX::Threading::WaitResult::Taken)
         return;
     try {
         m_Thread = std::thread(&Progress::run, this,
@@ -42,29 +39,14 @@ Progress::~Progress()
 void Progress::run(const std::string& what)
 {
     const std::uint64_t start = TLX::Misc::monotonic();
-    std::size_t shown = 0;
-    // The cursor waits at the line's beginning, so that others' messages overwrite the line.
     for (std::uint64_t wait = PATIENCE;
          m_Done.Wait(static_cast<std::uint32_t>(wait)) == TLX::Threading::WaitResult::TimedOut;) {
         const std::uint64_t elapsed = TLX::Misc::monotonic() - start;
-        const std::uint64_t seconds = elapsed / SECOND;
-        const std::string line = what + (seconds > 0 ? ", " + std::to_string(seconds) + " s" : "") + " ...";
-        m_Write(line + '\r');
-        shown = std::max(shown, line.size());
-        wait = SECOND - elapsed % SECOND;
+        const std::uint64_t seconds = elapsed / MILLISECONDS_A_SECOND;
+        m_Messages->pass(what + (seconds > 0 ? ", " + std::to_string(seconds) + " s" : "") + " ...");
+        wait = MILLISECONDS_A_SECOND - elapsed % MILLISECONDS_A_SECOND;
     }
-    if (shown > 0)
-        m_Write(std::string(shown, ' ') + '\r');
-}
-
-Progress::Write terminalWriter()
-{
-    if (!Platform::errorsGoToTerminal())
-        return nullptr;
-    return [](const std::string& text) {
-        (void)std::fputs(text.c_str(), stderr);
-        (void)std::fflush(stderr);
-    };
+    m_Messages->pass({});
 }
 
 } // namespace Host::Cli

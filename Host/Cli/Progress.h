@@ -1,9 +1,10 @@
 #pragma once
 
+#include "Cli/Messages.h"
+
 #include <TLX/Event.h>
 
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <thread>
 
@@ -16,10 +17,8 @@ namespace Host::Cli {
 class Progress
 {
 public:
-    using Write = std::function<void(const std::string&)>;
-
-    /** `write` prints to the terminal, from the thread; null: there is no terminal, and nothing is shown. */
-    Progress(std::size_t drives, Write write);
+    /** Shown by `messages`; without any, or where they reach no terminal, nothing is. */
+    Progress(std::size_t drives, Messages* messages);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -27,12 +26,9 @@ public:
 private:
     void run(const std::string& what);
 
-    Write m_Write;
+    Messages* m_Messages;
     TLX::Threading::CEvent m_Done;
     std::thread m_Thread;
 };
-
-/** Prints to standard error; null when that is no terminal. */
-Progress::Write terminalWriter();
 
 } // namespace Host::Cli

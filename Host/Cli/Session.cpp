@@ -15,7 +15,7 @@ Progress beginInventory(PluginSet& plugins, const Session& session)
     for (const std::filesystem::path& file : session.m_Plugins)
         plugins.load(file);
     const std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
-    checkAccess(states, session.m_Warn);
+    checkAccess(states, session.warn());
     return signOfLife(states, session);
 }
 
@@ -23,8 +23,8 @@ ObjectStore takeInventory(PluginSet& plugins, const Session& session)
 {
     const Progress progress = beginInventory(plugins, session);
     ObjectStore inventory(plugins.inventory());
-    if (session.m_Folders.m_KeepsRows)
-        keepInventory(session.m_Folders.m_Data, inventory, session.m_Warn);
+    if (session.keepsRows())
+        keepInventory(session.keptData(), inventory, session.warn());
     return inventory;
 }
 
@@ -35,7 +35,7 @@ Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Ses
     // Trace lines are a sign of life themselves, and must not be torn.
     const TraceOptions& trace = session.m_Options.m_Trace;
     const bool traced = trace.wanted() && !trace.m_File;
-    return Progress(countDisks(states), traced ? nullptr : terminalWriter());
+    return Progress(countDisks(states), traced ? nullptr : &session.m_Messages);
 }
 
 Inventory::Inventory(const Session& session) : m_Objects(takeInventory(m_Plugins, session)) {}
@@ -44,8 +44,8 @@ Watched::Watched(const Session& session)
 {
     const Progress progress = beginInventory(m_Plugins, session);
     for (EquippedPlugin& plugin : m_Plugins.initialize())
-        m_Monitors.emplace_back(std::move(plugin), session.m_Folders.m_Data, session.m_Warn);
-    keepInventory(session.m_Folders.m_Data, objects(), session.m_Warn);
+        m_Monitors.emplace_back(std::move(plugin), session.keptData(), session.warn());
+    keepInventory(session.keptData(), objects(), session.warn());
     for (Monitor& monitor : m_Monitors)
         monitor.start();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Cli/CommandLine.h"
+#include "Cli/Messages.h"
 #include "Cli/Progress.h"
 #include "Core/HostSetup.h"
 #include "Core/Monitor.h"
@@ -18,15 +19,28 @@ namespace Host::Cli {
 /** What the commands work with: the prepared process, and who to tell what is not a result. */
 struct Session
 {
-    using Warn = SimulatedFleet::Warn;
-
     const Options& m_Options;
     const HostSetup& m_Setup;
     HostFolders m_Folders;
     std::vector<std::filesystem::path> m_Plugins; ///< the installed one first
-    Warn m_Warn;
+    Messages& m_Messages;
+
+    /** Tells what is not to end the command. */
+    SimulatedFleet::Warn warn() const
+    {
+        return [&messages = m_Messages](const std::string& message) { messages.tell(message); };
+    }
 
     bool simulated() const { return m_Setup.fleet() != nullptr; }
+
+    /** Whether what is seen is kept in the data folder. */
+    bool keepsRows() const { return m_Setup.claim() && m_Setup.claim()->granted(); }
+
+    /** Where that is; empty when it is nowhere. */
+    std::filesystem::path keptData() const
+    {
+        return keepsRows() ? m_Folders.m_Data : std::filesystem::path();
+    }
 };
 
 /** Lives while request 1 runs: on a terminal it tells when the disks among `states` take their time. */

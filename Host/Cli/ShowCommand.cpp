@@ -2,6 +2,7 @@
 
 #include "Cli/EndOfLife.h"
 #include "Cli/Explanation.h"
+#include "Cli/Paragraph.h"
 #include "Cli/PropertyText.h"
 #include "Cli/TopologyCommand.h"
 #include "Core/Failure.h"
@@ -10,7 +11,6 @@
 
 #include <PI/PluginHelper.h>
 
-#include <algorithm>
 #include <optional>
 
 namespace Host::Cli {
@@ -25,25 +25,11 @@ std::string withoutBlanks(std::string_view text)
 
 constexpr std::size_t STEP = 2;
 
-/** `text` behind `indent` blanks, on a terminal in lines that fit. */
-std::string paragraph(const std::string& text, std::size_t indent, const Screen& screen)
+/** A heading, and below it what there is to say. */
+std::string section(const std::string& heading, const std::string& text, const Screen& screen)
 {
-    const std::string blanks(indent, ' ');
-    std::string lines;
-    std::string line = blanks;
-    for (std::size_t start = 0; start < text.size();) {
-        const std::size_t end = std::min(text.find(' ', start), text.size());
-        const std::string word = text.substr(start, end - start);
-        start = end + 1;
-        const bool first = line.size() == indent;
-        if (screen.m_Width && !first && displayWidth(line) + 1 + displayWidth(word) > *screen.m_Width) {
-            lines += line + '\n';
-            line = blanks + word;
-        } else {
-            line += (first ? "" : " ") + word;
-        }
-    }
-    return lines + line + '\n';
+    return std::string(STEP, ' ') + toned(screen, Tone::Heading, heading) + '\n' +
+           std::string(2 * STEP, ' ') + paragraph(text, 2 * STEP, screen);
 }
 
 std::string explanationText(const PI::CObject& object, const Screen& screen)
@@ -51,17 +37,12 @@ std::string explanationText(const PI::CObject& object, const Screen& screen)
     std::string text;
     for (const ExplainedCode& each : explainedCodes(object)) {
         const std::uint32_t code = each.m_Explanation->m_Code;
-        text += std::string(STEP, ' ') +
-                toned(screen, Tone::Heading,
-                      printable(captionText(*each.m_Property) + ": " + PI::PropertyValueToString(code))) +
-                '\n' +
-                paragraph(std::string(each.m_Explanation->m_Meaning) + " " + each.m_Explanation->m_Advice,
-                          2 * STEP, screen);
+        text +=
+            section(printable(captionText(*each.m_Property) + ": " + PI::PropertyValueToString(code)),
+                    std::string(each.m_Explanation->m_Meaning) + " " + each.m_Explanation->m_Advice, screen);
     }
     if (const std::optional<EndOfLife> end = explainEndOfLife(object))
-        text += std::string(STEP, ' ') +
-                toned(screen, Tone::Heading, "Estimated end of life: " + end->m_Date) + '\n' +
-                paragraph(endOfLifeText(*end), 2 * STEP, screen);
+        text += section("Estimated end of life: " + end->m_Date, endOfLifeText(*end), screen);
     return text.empty() ? text : '\n' + text;
 }
 

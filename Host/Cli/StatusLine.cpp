@@ -16,8 +16,10 @@ constexpr char CLEAR[] = "\r\033[K";
 StatusLine::~StatusLine()
 {
     try {
-        if (!m_Text.empty())
-            m_Results.write(CLEAR);
+        if (m_Text.empty())
+            return;
+        m_Messages.passesElsewhere(0);
+        m_Results.write(CLEAR);
     } catch (const std::exception&) {
         // Nobody is left to see it.
         return;
@@ -36,10 +38,10 @@ void StatusLine::printAbove(const std::string& lines)
         m_Results.write(lines);
         return;
     }
-    // The cursor waits at the line's beginning, so that others' messages overwrite the line. A terminal's
-    // last column is left free, for some wrap there.
-    const std::size_t width = std::max(m_Results.terminalWidth(), 1U) - 1;
-    m_Results.write(CLEAR + lines + (m_Text.empty() ? "" : shortened(m_Text, width) + '\r'));
+    // A terminal's last column is left free, for some wrap there.
+    const std::string text = shortened(m_Text, std::max(m_Results.terminalWidth(), 1U) - 1);
+    m_Messages.passesElsewhere(displayWidth(text));
+    m_Results.write(CLEAR + lines + text + (text.empty() ? "" : "\r"));
 }
 
 } // namespace Host::Cli

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Cli/Messages.h"
+
 #include <string>
 
 namespace Host::Platform {
@@ -12,8 +14,10 @@ namespace Host::Cli {
 class StatusLine
 {
 public:
-    /** Shows nothing yet. Without `shown` it never does. */
-    StatusLine(Platform::ResultChannel& results, bool shown) : m_Results(results), m_Shown(shown) {}
+    /** Shows nothing yet. Without `shown` it never does. `messages` take its place as they come. */
+    StatusLine(Platform::ResultChannel& results, Messages& messages, bool shown)
+        : m_Results(results), m_Messages(messages), m_Shown(shown)
+    {}
     /** Takes the line away. */
     ~StatusLine();
     StatusLine(const StatusLine&) = delete;
@@ -29,6 +33,7 @@ public:
 
 private:
     Platform::ResultChannel& m_Results;
+    Messages& m_Messages;
     const bool m_Shown;
     std::string m_Text;
 };

@@ -1,5 +1,6 @@
 #include "Cli/TopologyCommand.h"
 
+#include "Cli/Paragraph.h"
 #include "Cli/PropertyText.h"
 #include "Core/Text.h"
 
@@ -78,7 +79,8 @@ std::string propertiesText(const PI::CObject& object, const Screen& screen, std:
         const std::string caption = printable(captionText(property));
         const auto* code = std::get_if<PI::CCodeValue>(&property.GetValue());
         text += std::string(indent, ' ') + caption + std::string(width - displayWidth(caption) + STEP, ' ') +
-                toned(screen, code != nullptr ? toneOfCode(code->m_Code) : Tone::Plain, value) + '\n';
+                (code != nullptr ? toned(screen, toneOfCode(code->m_Code), value) + '\n'
+                                 : paragraph(value, indent + width + STEP, screen));
     }
     return text;
 }

@@ -3,6 +3,7 @@
 #include "Cli/DriveEvent.h"
 #include "Cli/Json.h"
 #include "Cli/PollForecast.h"
+#include "Cli/Seconds.h"
 #include "Cli/Session.h"
 #include "Cli/StatusLine.h"
 #include "Core/Failure.h"
@@ -23,7 +24,6 @@
 namespace Host::Cli {
 namespace {
 
-constexpr std::uint64_t MILLISECONDS_A_SECOND = 1000;
 constexpr std::uint64_t NEVER = std::numeric_limits<std::uint64_t>::max();
 
 /** How often the plug-in polls, in milliseconds; 0 when it does not say. */
@@ -43,7 +43,7 @@ public:
     Watch(const Session& session, Platform::ResultChannel& results, const Screen& screen)
         : m_Session(session),
           m_Screen(screen),
-          m_Status(results, results.showsColours() && !session.m_Options.m_Json),
+          m_Status(results, session.m_Messages, results.showsColours() && !session.m_Options.m_Json),
           m_Watched(session)
     {
         if (session.m_Options.m_Seconds)
@@ -73,7 +73,7 @@ private:
         if (monitor.stop())
             report(monitor);
         else
-            m_Session.m_Warn("The plug-in did not end in time; a drive may not answer any more.");
+            m_Session.m_Messages.tell("The plug-in did not end in time; a drive may not answer any more.");
     }
 
     void watchUntil(TLX::Threading::CEvent& askedToEnd)

@@ -1,15 +1,18 @@
 #include "Core/DataFolder.h"
 
 #include "Core/Failure.h"
+#include "Core/FileText.h"
 #include "Core/Text.h"
 
 #include <Database/Database.h>
 #include <Database/Maintenance.h>
 #include <DatabaseORM/DatabaseException.h>
 #include <PI/AdapterNumbers.h>
+#include <TLX/Clock.h>
 
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 namespace Host {
 namespace {
@@ -19,6 +22,22 @@ using Warn = std::function<void(const std::string&)>;
 std::filesystem::path numbersFile(const std::filesystem::path& folder)
 {
     return folder / "AdapterNumbers.txt";
+}
+
+std::filesystem::path lockFile(const std::filesystem::path& folder)
+{
+    return folder / "Ostrel.lock";
+}
+
+void makeFolder(const std::filesystem::path& folder)
+{
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (!error && !std::filesystem::is_directory(folder, error) && !error)
+        error = std::make_error_code(std::errc::not_a_directory);
+    if (error)
+        throw Failure(ExitCode::WrongUsage, "The data folder " + printable(folder.string()) +
+                                                " cannot be used: " + error.message() + ".");
 }
 
 /** Null for what is no adapter. */
@@ -50,16 +69,34 @@ std::filesystem::path databaseFile(const std::filesystem::path& folder)
     return folder / "Ostrel.db";
 }
 
-void openDataFolder(const std::filesystem::path& folder, const Warn& warn)
+DataFolderClaim::DataFolderClaim(std::filesystem::path folder, std::uint64_t patience)
+    : m_Folder(std::move(folder))
 {
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (!error && !std::filesystem::is_directory(folder, error) && !error)
-        error = std::make_error_code(std::errc::not_a_directory);
-    if (error)
-        throw Failure(ExitCode::WrongUsage, "The data folder " + printable(folder.string()) +
-                                                " cannot be used: " + error.message() + ".");
+    constexpr std::uint32_t step = 100;
+    makeFolder(m_Folder);
+    m_Lock = std::make_unique<Platform::LockFile>(lockFile(m_Folder));
+    for (const std::uint64_t start = TLX::Misc::monotonic(); !(m_Granted = m_Lock->take());) {
+        if (TLX::Misc::monotonic() - start >= patience)
+            return;
+        TLX::Misc::pause(step);
+    }
+}
+
+std::string DataFolderClaim::refusal() const
+{
+    const std::string text = readFile(lockFile(m_Folder)).value_or("");
+    const auto process = parseNumber(text.substr(0, text.find_first_of("\r\n")), 10);
+    return "Another ostrel" + (process ? ", process " + std::to_string(*process) + "," : "") +
+           " keeps its data in " + printable(m_Folder.string());
+}
+
+void keepRows(const std::filesystem::path& folder)
+{
     setDatabaseFile(databaseFile(folder));
+}
+
+void restoreNumbers(const std::filesystem::path& folder, const Warn& warn)
+{
     try {
         PI::restoreAdapterNumbers(numbersFile(folder));
     } catch (const std::runtime_error& wrong) {
@@ -80,6 +117,8 @@ void keepInventory(const std::filesystem::path& folder, const ObjectStore& inven
 
 void keepAdapterNumbers(const std::filesystem::path& folder, const Warn& warn)
 {
+    if (folder.empty())
+        return;
     try {
         PI::storeAdapterNumbers(numbersFile(folder));
     } catch (const std::runtime_error& wrong) {

@@ -1,6 +1,5 @@
 #include "Core/HostSetup.h"
 
-#include "Core/DataFolder.h"
 #include "Core/Failure.h"
 #include "Core/Text.h"
 
@@ -54,8 +53,12 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
                      const std::optional<std::filesystem::path>& fleetFile, const SimulatedFleet::Warn& warn)
     : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr), m_Trace(trace)
 {
-    if (folders.m_KeepsRows)
-        openDataFolder(folders.m_Data, warn);
+    if (folders.m_KeepsRows) {
+        m_Claim.emplace(folders.m_Data, folders.m_Patience);
+        if (m_Claim->granted())
+            keepRows(folders.m_Data);
+        restoreNumbers(folders.m_Data, warn);
+    }
     TLX::Language_Support::CLanguageSupport::SetFolder(folders.m_Share);
     PI::SetLifeTimeFolder(folders.m_Share);
     PI::CConfigFile::SetFolder(folders.m_Data.native());

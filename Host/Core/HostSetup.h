@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/DataFolder.h"
 #include "Core/SimulatedFleet.h"
 
 #include <cstdint>
@@ -16,6 +17,7 @@ struct HostFolders
     std::filesystem::path m_Share; ///< catalogue and endurance table
     std::filesystem::path m_Data;  ///< settings
     bool m_KeepsRows = false;      ///< the data folder holds the database, too; otherwise it is in memory
+    std::uint64_t m_Patience = 0;  ///< milliseconds to wait for another process that keeps rows there
 };
 
 struct TraceOptions
@@ -48,11 +50,15 @@ public:
     HostSetup(const HostSetup&) = delete;
     HostSetup& operator=(const HostSetup&) = delete;
 
+    /** The right to keep rows; none when nobody wanted to. A refused one leaves the rows in memory. */
+    const std::optional<DataFolderClaim>& claim() const { return m_Claim; }
+
     /** The simulated fleet; null when the machine's own drives are shown. */
     const std::shared_ptr<SimulatedFleet>& fleet() const { return m_Fleet; }
 
 private:
     std::shared_ptr<SimulatedFleet> m_Fleet;
+    std::optional<DataFolderClaim> m_Claim;
     const TraceOptions m_Trace;
 };
 

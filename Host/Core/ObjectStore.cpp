@@ -1,5 +1,6 @@
 #include "Core/ObjectStore.h"
 
+#include "Core/AdapterIdentities.h"
 #include "Core/Failure.h"
 #include "Core/Suggestion.h"
 #include "Core/Text.h"
@@ -8,9 +9,36 @@
 #include <charconv>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace Host {
 namespace {
+
+/** The address that `name` is, as `lspci` writes it; without a segment, that of a place in any of them. */
+struct Address
+{
+    explicit Address(std::string_view name) : m_Location(TLXX::CPciLocation::Parse(name))
+    {
+        if (m_Location)
+            return;
+        m_Location = TLXX::CPciLocation::Parse("0:" + std::string(name));
+        m_AnySegment = true;
+    }
+
+    bool isOf(const PI::CObject& adapter) const
+    {
+        std::optional<TLXX::CPciLocation> location = pciLocation(adapter);
+        // One that was not found looks like that.
+        if (!m_Location || !location || *location == TLXX::CPciLocation{})
+            return false;
+        if (m_AnySegment)
+            location->m_Segment = 0;
+        return *location == *m_Location;
+    }
+
+    std::optional<TLXX::CPciLocation> m_Location;
+    bool m_AnySegment = false;
+};
 
 bool goesBySerialOrDevice(const PI::CObject& object, std::string_view name)
 {
@@ -55,11 +83,16 @@ std::string identifierText(std::uint64_t id)
     return "0x" + std::string(digits - text.size(), '0') + text;
 }
 
+ObjectStore::ObjectStore(std::vector<PI::CObject> objects) : m_Objects(std::move(objects))
+{
+    for (std::size_t place = 0; place < m_Objects.size(); ++place)
+        m_Places.emplace(m_Objects[place].m_ID, place);
+}
+
 const PI::CObject* ObjectStore::byId(std::uint64_t id) const
 {
-    const auto found = std::find_if(m_Objects.begin(), m_Objects.end(),
-                                    [&](const PI::CObject& object) { return object.m_ID == id; });
-    return found == m_Objects.end() ? nullptr : &*found;
+    const auto found = m_Places.find(id);
+    return found == m_Places.end() ? nullptr : &m_Objects[found->second];
 }
 
 std::vector<const PI::CObject*> ObjectStore::childrenOf(const PI::CObject& object) const
@@ -88,10 +121,12 @@ std::vector<const PI::CObject*> ObjectStore::named(std::string_view name) const
     if (std::vector<const PI::CObject*> exact = namedExactly(name); !exact.empty())
         return exact;
 
+    const Address address(name);
     std::vector<const PI::CObject*> matches;
     std::size_t adapters = 0;
     for (const PI::CObject& object : m_Objects) {
-        if (object.m_Type != PI::TYPE_ADAPTER || !goesBySerialOrDevice(object, name))
+        if (object.m_Type != PI::TYPE_ADAPTER ||
+            (!goesBySerialOrDevice(object, name) && !address.isOf(object)))
             continue;
         ++adapters;
         matches.push_back(&object);

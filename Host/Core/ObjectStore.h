@@ -2,10 +2,11 @@
 
 #include <PI/Object.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
+#include <unordered_map>
 #include <vector>
 
 namespace Host {
@@ -26,7 +27,7 @@ std::string identifierText(std::uint64_t id);
 class ObjectStore
 {
 public:
-    explicit ObjectStore(std::vector<PI::CObject> objects) : m_Objects(std::move(objects)) {}
+    explicit ObjectStore(std::vector<PI::CObject> objects);
 
     const std::vector<PI::CObject>& objects() const { return m_Objects; }
 
@@ -41,8 +42,8 @@ public:
 
     /**
      * The objects that go by `name`: one when it is an identifier, a location, or "plugin"; an adapter and
-     * its drives when it is a serial number or a device. Throws `Failure`, listing what there is, when
-     * nothing or more than one adapter goes by that name.
+     * its drives when it is a serial number, a device or a PCI address. Throws `Failure`, listing what there
+     * is, when nothing or more than one adapter goes by that name.
      */
     std::vector<const PI::CObject*> named(std::string_view name) const;
 
@@ -52,6 +53,8 @@ private:
     std::string listing() const;
 
     std::vector<PI::CObject> m_Objects;
+    std::unordered_map<std::uint64_t, std::size_t>
+        m_Places; ///< by identifier, the first object's in m_Objects
 };
 
 } // namespace Host

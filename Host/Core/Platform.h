@@ -39,6 +39,27 @@ private:
     void* m_Handle;
 };
 
+/**
+ * A file that one process holds at a time, at the longest until it ends, and in which others read its process
+ * identifier. Where the system gives no such file nobody is kept out.
+ */
+class LockFile
+{
+public:
+    /** Makes `file` when it is missing. */
+    explicit LockFile(std::filesystem::path file);
+    ~LockFile();
+    LockFile(const LockFile&) = delete;
+    LockFile& operator=(const LockFile&) = delete;
+
+    /** Whether this process holds it from now on: no other one does. */
+    bool take();
+
+private:
+    struct Native;
+    std::unique_ptr<Native> m_Native;
+};
+
 /** Where the rest of the process writes that believes to write to standard output. */
 enum class Elsewhere
 {
@@ -111,6 +132,12 @@ struct UnservedFunction
 
 /** Controllers that no enumeration can find, because another driver or none has them. */
 std::vector<UnservedFunction> unservedFunctions();
+
+/** Whether a driver holds devices for others, such as virtual machines, and has no use for them itself. */
+bool isPassThrough(std::string_view driver);
+
+/** What a user does who wants such a device back. */
+std::string_view passThroughRemedy();
 
 /** The running system. */
 struct System

@@ -44,15 +44,13 @@ std::string resultText(std::uint32_t code)
 
 Failure refused(const std::string& plugin, std::int32_t request, std::uint32_t code)
 {
-    const std::string which = "request " + std::to_string(request) + " (" +
-                              std::string(requestName(request)) + ") failed with " + resultText(code);
+    const std::string refusal = "The plug-in " + plugin + " refused request " + std::to_string(request) +
+                                " (" + std::string(requestName(request)) + ") with " + resultText(code) + ".";
     if (code == PI::ERR_NO_SUPPORTED_HARDWARE)
         return {ExitCode::NoHardware,
-                "No NVMe drive was found: " + which + ". \"ostrel doctor\" says why.",
+                "No NVMe drive was found. " + refusal + " \"ostrel doctor\" says why.",
                 {request, code}};
-    return {ExitCode::RequestFailed,
-            "The plug-in " + plugin + " could not answer: " + which + ".",
-            {request, code}};
+    return {ExitCode::RequestFailed, refusal, {request, code}};
 }
 
 } // namespace

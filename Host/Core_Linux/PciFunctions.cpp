@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -11,6 +12,10 @@ namespace {
 
 /** Class, subclass and programming interface of an NVM Express I/O controller. */
 constexpr std::string_view NVME_CLASS = "0x010802";
+
+/** For virtual machines, and for programs that bring their own driver. */
+constexpr std::string_view PASS_THROUGH[] = {"vfio-pci",    "pci-stub",        "pciback",
+                                             "xen-pciback", "uio_pci_generic", "igb_uio"};
 
 } // namespace
 
@@ -33,6 +38,17 @@ std::vector<UnservedFunction> unservedFunctionsBelow(const std::filesystem::path
     std::sort(functions.begin(), functions.end(),
               [](const UnservedFunction& a, const UnservedFunction& b) { return a.m_Address < b.m_Address; });
     return functions;
+}
+
+bool isPassThrough(std::string_view driver)
+{
+    return std::find(std::begin(PASS_THROUGH), std::end(PASS_THROUGH), driver) != std::end(PASS_THROUGH);
+}
+
+std::string_view passThroughRemedy()
+{
+    return "To have it back, end what uses it and bind it to the driver nvme, as \"driverctl unset-override "
+           "ADDRESS\" does.";
 }
 
 std::vector<UnservedFunction> unservedFunctions()

@@ -38,6 +38,18 @@ std::string addressOf(DeviceNode node)
 
 } // namespace
 
+bool isPassThrough(std::string_view driver)
+{
+    // The proxy that Hyper-V puts in the place of what it gives a virtual machine.
+    return boost::iequals(driver, "pcip", std::locale::classic());
+}
+
+std::string_view passThroughRemedy()
+{
+    return "To have it back, take it from the virtual machine (Remove-VMAssignableDevice), mount it "
+           "(Mount-VMHostAssignableDevice), and enable it in the Device Manager.";
+}
+
 std::vector<UnservedFunction> unservedFunctions()
 {
     std::vector<UnservedFunction> functions;

@@ -7,9 +7,11 @@ namespace {
 using namespace Host::Cli;
 using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::Pair;
+using testing::StartsWith;
 
 Options parse(std::vector<std::string> words)
 {
@@ -116,11 +118,13 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
     for (const char* seconds : {"", "x", "-1", "1.5", "4294967296"})
         EXPECT_THAT(refusalOf({"watch", "--for", seconds}), HasSubstr("is no number from 0 to 4294967295"));
     EXPECT_THAT(refusalOf({"list", "--for", "1"}), HasSubstr("--for"));
-    EXPECT_THAT(refusalOf({"list", "extra"}), HasSubstr("extra"));
+    EXPECT_THAT(refusalOf({"list", "extra"}), StartsWith("\"extra\" is one word too many."));
     EXPECT_THAT(refusalOf({"list", "--colour"}), HasSubstr("--colour"));
     EXPECT_THAT(refusalOf({"show"}), HasSubstr("OBJECT is required"));
     EXPECT_THAT(refusalOf({"list", "topology"}), HasSubstr("topology"));
-    EXPECT_THAT(refusalOf({"list", "--simulate"}), HasSubstr("--simulate"));
+    EXPECT_THAT(refusalOf({"list", "--simulate"}), StartsWith("--simulate needs a value."));
+    EXPECT_THAT(refusalOf({"watch", "--for"}), StartsWith("--for needs a value."));
+    EXPECT_THAT(refusalOf({"list", "--data", "a", "--data", "b"}), StartsWith("--data may be given once."));
     EXPECT_THAT(refusalOf({"list", "--trace", "7x"}), HasSubstr("\"7x\" is no number"));
     for (const char* mask : {"=1", "313=", "313=x", "-1=1", "1=2=3", "4294967296=1"})
         EXPECT_THAT(refusalOf({"list", "--trace", mask}), HasSubstr("is no number")) << mask;
@@ -140,6 +144,32 @@ TEST(CommandLine, SuggestsWhatWasMeant)
     EXPECT_EQ(refusalOf({"show", "plugin", "--jsn"}),
               "There is no option \"--jsn\". Did you mean \"--json\"?" + help);
     EXPECT_EQ(refusalOf({"list", "--colour"}), "There is no option \"--colour\"." + help);
+}
+
+TEST(CommandLine, PointsToTheHelpOfTheCommandWhoseWordsAreWrong)
+{
+    EXPECT_THAT(refusalOf({"show"}), EndsWith(" \"ostrel show --help\" tells what there is."));
+    EXPECT_THAT(refusalOf({"list", "--trace", "x"}), EndsWith(" \"ostrel --help\" tells what there is."));
+    EXPECT_THAT(refusalOf({"list", "extra"}), EndsWith(" \"ostrel list --help\" tells what there is."));
+}
+
+TEST(CommandLine, SaysWhereACommandsOwnOptionBelongs)
+{
+    const std::string help = " \"ostrel --help\" tells what there is.";
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"--for", "1", "watch"}, {"--for", "1"}, {"list", "--for", "1"}})
+        EXPECT_EQ(refusalOf(words), "The option \"--for\" belongs behind the command \"watch\"." + help);
+    EXPECT_EQ(refusalOf({"--for=1", "watch"}),
+              "The option \"--for=1\" belongs behind the command \"watch\"." + help);
+}
+
+TEST(CommandLine, RefusesPathsWithoutAName)
+{
+    for (const char* option : {"--data", "--simulate", "--plugin", "--trace-file"})
+        EXPECT_THAT(refusalOf({"list", option, "", "--trace", "1"}),
+                    StartsWith(std::string(option) + ": needs a name behind it"));
+    EXPECT_EQ(refusalOf({"--data=", "list"}), "There is nothing behind \"--data=\".");
+    EXPECT_EQ(refusalOf({"list", "--trace="}), "There is nothing behind \"--trace=\".");
 }
 
 TEST(CommandLine, AWordForgesNoLineOfARefusal)
@@ -172,6 +202,7 @@ TEST(CommandLine, HelpIsThereForTheProgramAndEveryCommand)
         const std::string text = textFor({command, "--help"});
         EXPECT_THAT(text, HasSubstr(std::string("Usage: ostrel ") + command));
         EXPECT_THAT(text, HasSubstr("Examples:"));
+        EXPECT_THAT(text, EndsWith("\n"));
         EXPECT_THAT(text, HasSubstr("--json "));
         EXPECT_THAT(text, HasSubstr("All options of \"ostrel --help\""));
     }

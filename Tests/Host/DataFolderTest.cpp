@@ -3,12 +3,14 @@
 #include "Core/Failure.h"
 #include "Host/Objects.h"
 #include "Support/TemporaryFolder.h"
+#include "Support/VirtualClock.h"
 
 #include <Database/Database.h>
 #include <DatabaseORM/Models.h>
 #include <DatabaseORM/StatementBuilder.h>
 
 #include <fstream>
+#include <optional>
 
 namespace {
 
@@ -25,7 +27,9 @@ protected:
 
     void Open(const std::filesystem::path& folder)
     {
-        Host::openDataFolder(folder, [this](const std::string& text) { m_Warnings.push_back(text); });
+        m_Claim.emplace(folder, 0U);
+        Host::keepRows(folder);
+        Host::restoreNumbers(folder, [this](const std::string& text) { m_Warnings.push_back(text); });
     }
 
     void Keep(const std::filesystem::path& folder, const std::vector<PI::CObject>& objects)
@@ -62,6 +66,7 @@ protected:
     }
 
     TestSupport::CTemporaryFolder m_Folder;
+    std::optional<Host::DataFolderClaim> m_Claim;
     std::vector<std::string> m_Warnings;
 };
 
@@ -88,6 +93,38 @@ TEST_F(DataFolder, ThatCannotBeMadeIsWrongUsage)
                         HasSubstr("The data folder " + folder.string() + " cannot be used: "));
         }
     }
+}
+
+TEST_F(DataFolder, IsKeptByOneAtATime)
+{
+    TestSupport::CVirtualClock clock;
+    m_Claim.emplace(m_Folder.Path(), 0U);
+    EXPECT_TRUE(m_Claim->granted());
+    {
+        const std::uint64_t start = clock.Monotonic();
+        const Host::DataFolderClaim second(m_Folder.Path(), 3000);
+        EXPECT_FALSE(second.granted());
+        EXPECT_GE(clock.Monotonic() - start, 3000U);
+        EXPECT_THAT(second.refusal(),
+                    testing::AllOf(testing::StartsWith("Another ostrel, process "),
+                                   testing::EndsWith(", keeps its data in " + m_Folder.Path().string())));
+    }
+    m_Claim.reset();
+    EXPECT_TRUE(Host::DataFolderClaim(m_Folder.Path(), 0).granted());
+}
+
+TEST_F(DataFolder, IsWaitedForWhileAnotherOneKeepsIt)
+{
+    TestSupport::CVirtualClock clock;
+    m_Claim.emplace(m_Folder.Path(), 0U);
+    clock.OnSleep([this] { m_Claim.reset(); });
+    EXPECT_TRUE(Host::DataFolderClaim(m_Folder.Path(), 3000).granted());
+}
+
+TEST_F(DataFolder, IsNobodysWhereItTakesNoLock)
+{
+    std::filesystem::create_directory(m_Folder.Path() / "Ostrel.lock");
+    EXPECT_TRUE(Host::DataFolderClaim(m_Folder.Path(), 0).granted());
 }
 
 TEST_F(DataFolder, ForgesNoLineOfARefusal)
@@ -124,6 +161,8 @@ TEST_F(DataFolder, LosesTheRowsOfWhatIsGone)
 TEST_F(DataFolder, WarnsWhenNothingCanBeKept)
 {
     Open(m_Folder.Path());
+    // Not every system lets a file go that somebody holds.
+    m_Claim.reset();
     std::filesystem::remove_all(m_Folder.Path());
     Keep(m_Folder.Path(), topologyOf({Objects(10, 2, "S")}));
     EXPECT_THAT(m_Warnings, ElementsAre(HasSubstr("unable to open database file"),

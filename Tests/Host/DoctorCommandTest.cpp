@@ -8,9 +8,13 @@
 #include "Support/SystemStatus.h"
 #include "Support/TemporaryFolder.h"
 
+#include <Database/Database.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <fstream>
 
 namespace {
 
@@ -19,6 +23,7 @@ using namespace TestSupport::SystemStatus;
 using Host::ExitCode;
 using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::Field;
 using testing::HasSubstr;
 
@@ -102,11 +107,22 @@ TEST(CheckControllers, NamesEachReasonWhyOneIsNotShown)
 
 TEST(CheckControllers, HavingNoneOrNoDiskIsAProblem)
 {
-    EXPECT_EQ(exitCodeOf(checkControllers({})), ExitCode::NoHardware);
     TLXX::CControllerState state = stateOf(0);
     state.m_DeviceName.clear();
-    EXPECT_EQ(exitCodeOf(checkControllers({state})), ExitCode::NoHardware);
-    EXPECT_EQ(exitCodeOf(checkControllers({stateOf(0), state})), ExitCode::Done);
+    const auto reason = [](const std::string& part) {
+        return ElementsAre(
+            AllOf(finding(Finding::Problem, part), Field(&Check::m_ExitCode, ExitCode::NoHardware)));
+    };
+    EXPECT_THAT(checkAnyDisk({}, false, nullptr), reason("the system knows no NVMe controller"));
+    EXPECT_THAT(checkAnyDisk({}, true, nullptr), reason("none that the NVMe driver serves"));
+    EXPECT_THAT(checkAnyDisk({state}, true, nullptr), reason("none of them yields a disk"));
+    EXPECT_TRUE(checkAnyDisk({stateOf(0), state}, true, nullptr).empty());
+
+    const TestSupport::CTemporaryFolder folder;
+    const Host::SimulatedFleet fleet(folder.Write("empty.json", R"({"controllers": []})"), nullptr);
+    const std::vector<Check> empty = checkAnyDisk({}, false, &fleet);
+    EXPECT_THAT(empty, reason("empty.json holds no controller"));
+    EXPECT_THAT(empty[0].m_Remedy, HasSubstr("DemoFleet.json"));
 }
 
 /** Drives "/dev/nvme0n1" and up. */
@@ -314,6 +330,91 @@ TEST(CheckSettings, TellsOfAnIntervalThatIsNotTakenAsItStands)
     EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Note, "no line \"PollInterval=...\""));
 }
 
+class CheckKeptRows : public testing::Test
+{
+protected:
+    ~CheckKeptRows() override { setDatabaseFile({}); }
+
+    std::filesystem::path file() const { return m_Folder.Path() / "a#b%41" / "Ostrel.db"; }
+
+    void make(const std::string& sql) const
+    {
+        std::filesystem::create_directories(file().parent_path());
+        setDatabaseFile(file());
+        (void)getDatabasePointer()->m_Access->query(sql);
+        setDatabaseFile({});
+    }
+
+    /** Names, sizes and times. */
+    std::vector<std::string> folder() const
+    {
+        std::vector<std::string> entries;
+        for (const auto& entry : std::filesystem::directory_iterator(file().parent_path()))
+            entries.push_back(entry.path().filename().string() + " " + std::to_string(entry.file_size()) +
+                              " " + std::to_string(entry.last_write_time().time_since_epoch().count()));
+        std::sort(entries.begin(), entries.end());
+        return entries;
+    }
+
+    TestSupport::CTemporaryFolder m_Folder;
+};
+
+TEST_F(CheckKeptRows, SaysWhenThereAreNoneYet)
+{
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "Ostrel.db yet"));
+    EXPECT_TRUE(std::filesystem::is_empty(m_Folder.Path()));
+}
+
+TEST_F(CheckKeptRows, LooksAndLeavesNothingBehind)
+{
+    make("SELECT 1");
+    const std::vector<std::string> before = folder();
+    EXPECT_THAT(before, testing::SizeIs(1));
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, file().string() + ", which this run leaves"));
+    EXPECT_EQ(folder(), before);
+}
+
+TEST_F(CheckKeptRows, ReadsBesideWhoeverWrites)
+{
+    std::filesystem::create_directories(file().parent_path());
+    setDatabaseFile(file());
+    const auto database = getDatabasePointer();
+    (void)database->m_Access->query("BEGIN IMMEDIATE; CREATE TABLE Other (ID INTEGER)");
+    // What is not yet in the file itself counts: the tables are only in what stands beside it.
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "which this run leaves"));
+    (void)database->m_Access->query("COMMIT; DROP TABLE Plugin");
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "there is no table Plugin"));
+}
+
+TEST_F(CheckKeptRows, KnowsTablesOfAnotherReleaseAndEmptyFiles)
+{
+    make("PRAGMA user_version = 4711");
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Note, "tables of another release"));
+    std::ofstream(file(), std::ios::trunc).close();
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "is empty"));
+}
+
+TEST_F(CheckKeptRows, NamesWhatIsWrongWithTheFile)
+{
+    make("SELECT 1");
+    std::ofstream(file(), std::ios::trunc) << std::string(4096, 'x');
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "file is not a database"));
+    std::filesystem::remove(file());
+    std::filesystem::create_directory(file());
+    const Check check = checkKeptRows(file());
+    EXPECT_THAT(check, finding(Finding::Problem, "Ostrel.db is no file"));
+    EXPECT_EQ(check.m_ExitCode, ExitCode::RequestFailed);
+}
+
+TEST_F(CheckKeptRows, FindsDamage)
+{
+    // A page that no table or index has any more.
+    make("CREATE TABLE Other (Text TEXT UNIQUE); PRAGMA writable_schema = ON; "
+         "UPDATE sqlite_master SET sql = 'CREATE TABLE Other (Text TEXT)' WHERE name = 'Other'; "
+         "DELETE FROM sqlite_master WHERE tbl_name = 'Other' AND type = 'index'");
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "Ostrel.db': damaged: "));
+}
+
 TEST(CheckSystem, HasALineForSystemDriverAndPermissions)
 {
     EXPECT_THAT(checkSystem({"Linux 6.1", true}, true, {stateOf(0), stateOf(1)}),
@@ -327,11 +428,22 @@ TEST(CheckSystem, HasALineForSystemDriverAndPermissions)
 TEST(CheckUnserved, NamesThePlaceAndTheDriver)
 {
     EXPECT_TRUE(checkUnserved({}).empty());
-    const std::vector<Check> checks = checkUnserved({{"0000:03:00.0", ""}, {"0000:05:00.0", "vfio-pci"}});
+    const std::vector<Check> checks = checkUnserved({{"0000:03:00.0", ""}, {"0000:05:00.0", "vendor"}});
     EXPECT_THAT(checks, ElementsAre(finding(Finding::Problem, "it has no driver"),
-                                    finding(Finding::Problem, "it has the driver vfio-pci")));
+                                    finding(Finding::Problem, "it has the driver vendor")));
     EXPECT_EQ(checks[0].m_Subject, "0000:03:00.0");
     EXPECT_EQ(exitCodeOf(checks), ExitCode::NoHardware);
+}
+
+TEST(CheckUnserved, IsNoProblemWhenTheDriveWasGivenAway)
+{
+    const char* const driver = Host::Platform::isPassThrough("pcip") ? "pcip" : "vfio-pci";
+    const std::vector<Check> checks = checkUnserved({{"0000:05:00.0", driver}});
+    EXPECT_THAT(checks, ElementsAre(finding(Finding::Note, std::string("it has the driver ") + driver)));
+    EXPECT_THAT(checks[0].m_Message, HasSubstr(std::string(Host::Platform::passThroughRemedy())));
+    EXPECT_EQ(exitCodeOf(checks), ExitCode::Done);
+    // But what there is to see remains nothing.
+    EXPECT_EQ(exitCodeOf(checkAnyDisk({}, true, nullptr)), ExitCode::NoHardware);
 }
 
 TEST(CheckSystem, TellsWhatIsMissing)
@@ -371,6 +483,7 @@ TEST(DoctorText, HasALineForEachCheck)
     const std::vector<Check> checks = {ok("a", "fine"), note("b", "hm\n"),
                                        problem(ExitCode::NoHardware, "c", "bad", "Do it.")};
     EXPECT_EQ(doctorText(checks, {}), "OK       a: fine\nNOTE     b: hm?\nPROBLEM  c: bad -> Do it.\n");
+    EXPECT_THAT(doctorText(checks, {20, false}), EndsWith("\nPROBLEM  c: bad ->\n         Do it.\n"));
     EXPECT_EQ(doctorJson(checks), nlohmann::ordered_json::parse(R"({"checks": [
         {"subject": "a", "result": "ok", "message": "fine"},
         {"subject": "b", "result": "note", "message": "hm\n"},

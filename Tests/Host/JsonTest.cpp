@@ -80,10 +80,10 @@ TEST_F(JsonTest, WritesADriveWithAllItsFields)
     const Host::ObjectStore store(HostTest::topologyOf({{0x81, "SERIAL", "/dev/nvme0n1"}}));
     EXPECT_EQ(driveJson(joinDrives(store).at(0)), parsed(R"({
         "device": "/dev/nvme0n1", "vendor": "INTEL", "model": "MODEL-OF-THE-ADAPTER", "serial": "SERIAL",
+        "pciAddress": "0000:81:1f.1", "location": "PCI:Bus=129&Device=0&Function=0",
         "firmware": "FW1", "capacityMiB": 1907729, "blockSize": 4096, "temperature": 36.0, "wear": 120,
         "health": "Critical", "healthCode": 40095,
         "reasons": ["Available spare below its threshold", "Media is read-only"], "reasonCodes": [40460, 40452],
-        "pciAddress": "0000:81:1f.1", "location": "PCI:Bus=129&Device=0&Function=0",
         "driver": "nvme", "driverVersion": "6.1", "spare": 98, "spareThreshold": 7,
         "dataRead": {"value": 1.6, "unit": "TiB"}, "dataWritten": {"value": 2.5, "unit": "GiB"},
         "powerOnHours": 11, "mediaErrors": 13,

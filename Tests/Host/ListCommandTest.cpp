@@ -76,6 +76,15 @@ TEST_F(ListCommandTest, FitsATerminalOf60Columns)
     EXPECT_THAT(text, HasSubstr("Critical"));
 }
 
+TEST_F(ListCommandTest, KeepsDeviceSerialAndHealthOn30Columns)
+{
+    const std::string text = Host::Cli::listText({longDrive()}, {30, false});
+    const std::string table = text.substr(0, text.find("Too narrow for"));
+    expectWidth(table, 30);
+    EXPECT_THAT(table, testing::MatchesRegex("Device +Serial +Health *\nnvme12n1 .*Critical\n"));
+    expectWidth(text.substr(text.find("\n\n") + 2), 30);
+}
+
 TEST_F(ListCommandTest, ShortensNothingOn200Columns)
 {
     const std::string text = Host::Cli::listText({longDrive()}, {200, false});

@@ -57,6 +57,45 @@ TEST_F(ObjectStoreTest, ASerialNumberOrADeviceNamesAdapterAndDrive)
         EXPECT_THAT(named(name), ElementsAre(32, 33)) << name;
 }
 
+TEST_F(ObjectStoreTest, APciAddressNamesAdapterAndDrive)
+{
+    for (const char* name : {"0000:10:1f.1", "10:1f.1", "0000:10:1F.1", "00000:10:1f.1"})
+        EXPECT_THAT(named(name), ElementsAre(16, 17)) << name;
+    for (const char* name : {"0001:10:1f.1", "10:1f.0", "10:1f", "0000:10:1f.1 ", ":10:1f.1", "-1:10:1f.1"})
+        EXPECT_THAT(refusalOf(name), HasSubstr("There is no object")) << name;
+}
+
+TEST_F(ObjectStoreTest, AnAddressWithoutASegmentIsThatOfAnyButHasToTellTheAdapter)
+{
+    DriveObjects first(16, "A", "/dev/nvme0n1");
+    DriveObjects second(32, "B", "/dev/nvme1n1");
+    for (const auto& [objects, bus] : {std::pair(&first, 5), std::pair(&second, 5)}) {
+        objects->remove(PI::PROP_PCI_SEGMENT);
+        objects->remove(PI::PROP_PCI_BUS);
+        objects->m_Adapter.m_Properties.push_back(
+            HostTest::property(PI::PROP_PCI_BUS, 1, static_cast<std::uint64_t>(bus)));
+    }
+    first.m_Adapter.m_Properties.push_back(HostTest::property(PI::PROP_PCI_SEGMENT, 1, std::uint64_t{0}));
+    second.m_Adapter.m_Properties.push_back(
+        HostTest::property(PI::PROP_PCI_SEGMENT, 1, std::uint64_t{0x10000}));
+    m_Store = Host::ObjectStore(HostTest::topologyOf({first, second}));
+    EXPECT_THAT(named("10000:05:1f.1"), ElementsAre(32, 33));
+    EXPECT_THAT(refusalOf("05:1f.1"), HasSubstr("More than one adapter goes by \"05:1f.1\""));
+    m_Store = Host::ObjectStore(HostTest::topologyOf({second}));
+    EXPECT_THAT(named("05:1f.1"), ElementsAre(32, 33));
+}
+
+TEST_F(ObjectStoreTest, ALocationThatWasNotFoundIsNoAddress)
+{
+    DriveObjects lost(0, "A", "/dev/nvme0n1");
+    for (const std::uint32_t id : {PI::PROP_PCI_DEVICE, PI::PROP_PCI_FUNCTION}) {
+        lost.remove(id);
+        lost.m_Adapter.m_Properties.push_back(HostTest::property(id, 1, std::uint64_t{0}));
+    }
+    m_Store = Host::ObjectStore(HostTest::topologyOf({lost}));
+    EXPECT_THAT(refusalOf("0000:00:00.0"), HasSubstr("There is no object"));
+}
+
 TEST_F(ObjectStoreTest, AnUnknownNameGetsAListOfWhatThereIs)
 {
     for (const char* name : {"nvme7n1", "", "0x99", "0x", "0xZZ", "/dev/"}) {
@@ -105,6 +144,19 @@ TEST_F(ObjectStoreTest, KnowsRootsAndChildren)
     orphan.m_ID = 5;
     orphan.m_Children = {6};
     EXPECT_TRUE(Host::ObjectStore({orphan}).childrenOf(orphan).empty());
+}
+
+TEST(ObjectStore, OfTwoObjectsWithOneIdentifierTheFirstIsMeantAlsoInACopy)
+{
+    std::vector<PI::CObject> objects(2);
+    objects[0].m_ID = objects[1].m_ID = 7;
+    objects[0].m_Type = PI::TYPE_ADAPTER;
+    Host::ObjectStore store{{}};
+    EXPECT_EQ(store.byId(7), nullptr);
+    store = Host::ObjectStore(objects);
+    const Host::ObjectStore copy = store;
+    EXPECT_EQ(store.byId(7), &store.objects()[0]);
+    EXPECT_EQ(copy.byId(7), &copy.objects()[0]);
 }
 
 TEST(IdentifierText, HasSixteenDigits)

@@ -59,7 +59,7 @@ TEST(PluginLibrary, NamesTheRequestThatFailed)
     EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
     EXPECT_EQ(failure.result()->m_Request, 4);
     EXPECT_EQ(failure.result()->m_Code, 20000U);
-    EXPECT_THAT(failure.what(), HasSubstr("request 4 (GetTopology) failed with 20000 ERR_GENERAL_FAILURE"));
+    EXPECT_THAT(failure.what(), HasSubstr(" refused request 4 (GetTopology) with 20000 ERR_GENERAL_FAILURE"));
 }
 
 TEST(PluginLibrary, ReleasesAPluginThatEndedInTime)
@@ -118,7 +118,7 @@ TEST_F(RealPluginTest, AnEmptyFleetIsNoHardware)
     const Host::Failure failure = failureOf([&] { plugin.initialize(); });
     EXPECT_EQ(failure.exitCode(), ExitCode::NoHardware);
     EXPECT_THAT(failure.what(),
-                HasSubstr("request 1 (Initialize) failed with 20001 ERR_NO_SUPPORTED_HARDWARE"));
+                HasSubstr(" refused request 1 (Initialize) with 20001 ERR_NO_SUPPORTED_HARDWARE"));
 }
 
 TEST_F(RealPluginTest, TheMachineIsBackWithTheSetupGone)

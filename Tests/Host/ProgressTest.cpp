@@ -11,6 +11,7 @@
 
 namespace {
 
+using Host::Cli::Messages;
 using Host::Cli::Progress;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -19,7 +20,7 @@ using testing::IsEmpty;
 class ProgressTest : public testing::Test
 {
 protected:
-    Progress::Write writer()
+    Messages::Write writer()
     {
         return [this](const std::string& text) {
             const std::scoped_lock guard(m_Lock);
@@ -44,6 +45,7 @@ protected:
     }
 
     TestSupport::CVirtualClock m_Clock;
+    Messages m_Messages{true, writer()};
 
 private:
     std::mutex m_Lock;
@@ -53,7 +55,7 @@ private:
 TEST_F(ProgressTest, ComesAfterHalfASecondCountsSecondsAndGoes)
 {
     {
-        const Progress progress(64, writer());
+        const Progress progress(64, &m_Messages);
         EXPECT_EQ(pass(1), 500U);
         EXPECT_THAT(written(), ElementsAre("Asking 64 drives ...\r"));
         EXPECT_EQ(pass(2), 500U);
@@ -66,7 +68,7 @@ TEST_F(ProgressTest, ComesAfterHalfASecondCountsSecondsAndGoes)
 
 TEST_F(ProgressTest, KeepsToWholeSecondsWhenItIsLate)
 {
-    const Progress progress(1, writer());
+    const Progress progress(1, &m_Messages);
     m_Clock.AwaitWait(1);
     m_Clock.Advance(3700);
     EXPECT_EQ(m_Clock.AwaitWait(2), 300U);
@@ -76,17 +78,30 @@ TEST_F(ProgressTest, KeepsToWholeSecondsWhenItIsLate)
 TEST_F(ProgressTest, ShowsNothingOfShortWork)
 {
     {
-        const Progress progress(64, writer());
+        const Progress progress(64, &m_Messages);
         m_Clock.AwaitWait(1);
         m_Clock.Advance(499);
     }
     EXPECT_THAT(written(), IsEmpty());
 }
 
+TEST_F(ProgressTest, AMessageTakesItsPlaceAndItComesAgainBelow)
+{
+    const Progress progress(64, &m_Messages);
+    pass(1);
+    m_Messages.tell("No.");
+    pass(2);
+    EXPECT_THAT(written(), ElementsAre("Asking 64 drives ...\r", std::string(20, ' ') + "\rostrel: No.\n",
+                                       "Asking 64 drives, 1 s ...\r"));
+}
+
 TEST_F(ProgressTest, NeedsATerminal)
 {
-    const Progress progress(64, nullptr);
-    m_Clock.Advance(10'000);
+    Messages elsewhere(false, writer());
+    for (Messages* messages : {static_cast<Messages*>(nullptr), &elsewhere}) {
+        const Progress progress(64, messages);
+        m_Clock.Advance(10'000);
+    }
     EXPECT_THAT(written(), IsEmpty());
 }
 

@@ -97,12 +97,9 @@ TEST_F(SetCommandTest, NoOtherPropertyCanBeSet)
             EXPECT_EQ(failure.result()->m_Code, 20004U);
             EXPECT_THAT(failure.what(), HasSubstr("Property " + std::to_string(each.Id()) + ", "));
         }
-    EXPECT_THAT(
-        failureOf(0, PI::PROP_NAME, "x").what(),
-        AllOf(
-            HasSubstr("Property 30007, Name, cannot be set. The plug-in "),
-            HasSubstr(
-                " could not answer: request 7 (SetProperty) failed with 20004 ERR_PROPERTY_NOT_SETTABLE.")));
+    EXPECT_THAT(failureOf(0, PI::PROP_NAME, "x").what(),
+                AllOf(HasSubstr("Property 30007, Name, cannot be set. The plug-in "),
+                      HasSubstr(" refused request 7 (SetProperty) with 20004 ERR_PROPERTY_NOT_SETTABLE.")));
 }
 
 TEST_F(SetCommandTest, SaysWhenTheSettingsCannotBeWritten)
@@ -110,7 +107,7 @@ TEST_F(SetCommandTest, SaysWhenTheSettingsCannotBeWritten)
     std::filesystem::create_directories(m_Folder.Path() / "Ostrel.ini" / "full");
     const Host::Failure failure = failureOf(0, PI::PROP_POLL_INTERVAL, "60");
     EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
-    EXPECT_THAT(failure.what(), HasSubstr("request 7 (SetProperty) failed with 20000 ERR_GENERAL_FAILURE"));
+    EXPECT_THAT(failure.what(), HasSubstr(" refused request 7 (SetProperty) with 20000 ERR_GENERAL_FAILURE"));
 }
 
 } // namespace

@@ -57,6 +57,15 @@ TEST_F(TopologyCommandTest, ShowsObjectsThatNameOneAnotherInACircleOnce)
     EXPECT_EQ(topologyText(store, {}), "Adapter  0x0000000000000001\n  Adapter  0x0000000000000002\n");
 }
 
+TEST_F(TopologyCommandTest, KeepsLongValuesInTheirColumnOnATerminal)
+{
+    const Host::ObjectStore store(
+        {objectOf(1, PI::TYPE_ADAPTER, {}, {property(PI::PROP_DRIVER, 1, "one two three")})});
+    EXPECT_EQ(topologyText(store, {25, false}), "Adapter  0x0000000000000001\n"
+                                                "  Property 30266  one two\n"
+                                                "                  three\n");
+}
+
 TEST_F(TopologyCommandTest, ColoursStates)
 {
     const Host::ObjectStore store({objectOf(

@@ -17,6 +17,7 @@ PLACES = (
     "lib/*/ostrel/libDatabase.so", "lib/*/cmake/OstrelHost/OstrelHostConfig.cmake",
     "lib/*/cmake/OstrelHost/OstrelHostConfigVersion.cmake",
     "share/ostrel/Ostrel.nls", "share/ostrel/Endurance.txt", "share/ostrel/DemoFleet.json",
+    "share/ostrel/Schemas/list.json", "share/ostrel/Schemas/common.json",
     "share/man/man1/ostrel.1.gz", "share/doc/ostrel/copyright", "share/doc/ostrel/changelog.gz",
     "share/doc/ostrel/Interfaces.md.gz", "share/doc/ostrel/Tracing.md.gz",
     "share/bash-completion/completions/ostrel", "share/zsh/vendor-completions/_ostrel",

@@ -68,9 +68,10 @@ class Kept:
                 [(disk.serial, disk.serial, str(disk.kelvin - 273)) for disk in shown])
 
     def test_sound(self):
-        """PRAGMA integrity_check finds nothing, and nothing but the file is left"""
+        """PRAGMA integrity_check finds nothing, and nothing is left but the files that the manual names"""
         self.assertEqual(self.sound, [[{"integrity_check": "ok"}]] * 3)
-        self.assertCountEqual([path.name for path in self.file.parent.iterdir()], ["Ostrel.db", "AdapterNumbers.txt"])
+        self.assertCountEqual([path.name for path in self.file.parent.iterdir()],
+                              ["Ostrel.db", "AdapterNumbers.txt", "Ostrel.lock"])
 
     def test_numbers(self):
         """adapters keep their numbers when others go"""

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
+#include <system_error>
+#include <utility>
 #include <variant>
 
 namespace Database {
@@ -30,6 +32,36 @@ std::string utf8(const std::filesystem::path& path)
     return {text.begin(), text.end()};
 }
 
+std::string nameOf(const std::filesystem::path& file)
+{
+    return file.empty() ? "database in memory" : "database '" + utf8(file) + "'";
+}
+
+bool hasCompanion(const std::filesystem::path& file, const char* suffix)
+{
+    std::error_code error;
+    return std::filesystem::exists(std::filesystem::path(file) += suffix, error);
+}
+
+/** The absolute path `file` as SQLite takes it together with settings. */
+std::string uriOf(const std::filesystem::path& file)
+{
+    constexpr char hexadecimal[] = "0123456789ABCDEF";
+    const std::u8string path = file.generic_u8string();
+    // A drive's letter stands behind a slash of its own.
+    std::string uri = path.starts_with(u8'/') ? "file://" : "file:///";
+    for (const char8_t byte : path) {
+        if (byte == u8'%' || byte == u8'?' || byte == u8'#') {
+            uri += '%';
+            uri += hexadecimal[byte >> 4U];
+            uri += hexadecimal[byte & 0xFU];
+        } else {
+            uri += static_cast<char>(byte);
+        }
+    }
+    return uri;
+}
+
 int onBusy(void* policy, int)
 {
     return static_cast<CBusyPolicy*>(policy)->Wait() ? 1 : 0;
@@ -49,12 +81,25 @@ std::string columnText(sqlite3_stmt* statement, int column)
 } // namespace
 
 CSqliteConnection::CSqliteConnection(const std::filesystem::path& file, CBusyPolicy& busyPolicy)
-    : m_Name(file.empty() ? "database in memory" : "database '" + utf8(file) + "'")
+    : CSqliteConnection(nameOf(file), file.empty() ? ":memory:" : utf8(file),
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, busyPolicy)
+{}
+
+CSqliteConnection CSqliteConnection::ToRead(const std::filesystem::path& file, CBusyPolicy& busyPolicy)
 {
-    const std::string name = file.empty() ? ":memory:" : utf8(file);
+    // Who opens the file first makes two files beside it, also to read. Where they are missing nobody has it
+    // open, so that it cannot change; where they are there, their content counts.
+    const bool isInUse = hasCompanion(file, "-wal") && hasCompanion(file, "-shm");
+    return {nameOf(file), uriOf(file) + (isInUse ? "" : "?immutable=1"),
+            SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, busyPolicy};
+}
+
+CSqliteConnection::CSqliteConnection(std::string name, const std::string& target, int flags,
+                                     CBusyPolicy& busyPolicy)
+    : m_Name(std::move(name))
+{
     sqlite3* connection = nullptr;
-    const int result = sqlite3_open_v2(
-        name.c_str(), &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int result = sqlite3_open_v2(target.c_str(), &connection, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     m_Connection.reset(connection);
     if (result != SQLITE_OK)
         Fail();

@@ -21,6 +21,9 @@ public:
     /** Opens `file`, or a database in memory when it is empty. `busyPolicy` outlives the connection. */
     CSqliteConnection(const std::filesystem::path& file, CBusyPolicy& busyPolicy);
 
+    /** Opens `file` to be read, and makes no other file beside it. */
+    static CSqliteConnection ToRead(const std::filesystem::path& file, CBusyPolicy& busyPolicy);
+
     /**
      * Runs every statement of `sql`; returns all values, row by row, as texts. After a failure no transaction
      * is open.
@@ -33,12 +36,16 @@ public:
      */
     bool HasMoved() const;
 
+    /** Throws the failure that `reason` is. */
+    [[noreturn]] void Fail(const std::string& reason) const;
+
 private:
     struct CClose
     {
         void operator()(sqlite3* connection) const { sqlite3_close(connection); }
     };
 
+    CSqliteConnection(std::string name, const std::string& target, int flags, CBusyPolicy& busyPolicy);
     void RunAll(std::string_view sql, std::vector<std::string>& values);
     CStatement Prepare(std::string_view sql, const char** tail);
     /** The kept statement of a shape; null when SQLite does not understand it. */
@@ -47,7 +54,6 @@ private:
     /** Runs a statement to its end and appends the values of its rows. */
     void Step(sqlite3_stmt* statement, std::vector<std::string>& values);
     [[noreturn]] void Fail() const;
-    [[noreturn]] void Fail(const std::string& reason) const;
 
     std::string m_Name; ///< for messages
     std::unique_ptr<sqlite3, CClose> m_Connection;

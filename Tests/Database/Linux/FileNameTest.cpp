@@ -1,5 +1,7 @@
 #include "Database/DatabaseFixture.h"
 
+#include <Database/Maintenance.h>
+
 using namespace TestSupport;
 
 namespace {
@@ -17,6 +19,9 @@ TEST_F(FileName, HasNoOtherMeaning)
         setDatabaseFile(name);
         getDatabasePointer()->m_Access->query("SELECT 1");
         EXPECT_TRUE(std::filesystem::exists(Folder() / name)) << name;
+        EXPECT_EQ(inspectDatabase(name), EDatabaseTables::Present) << "beside who has it open";
+        setDatabaseFile({});
+        EXPECT_EQ(inspectDatabase(name), EDatabaseTables::Present) << name;
     }
     std::filesystem::current_path(former);
 }

@@ -155,7 +155,7 @@ TEST_F(MonitorTest, LosesNoEventWhenThePluginDoesNotTellItsStateAnyMore)
     EXPECT_EQ(names().size(), 2U);
     m_Monitor.refresh();
     EXPECT_THAT(std::exchange(m_Warnings, {}),
-                ElementsAre(HasSubstr("request 4 (GetTopology) failed with 20000")));
+                ElementsAre(HasSubstr(" refused request 4 (GetTopology) with 20000")));
     writeFleet(drive(1, "A"));
     poll();
     EXPECT_THAT(collected(), ElementsAre(11094, 11094));

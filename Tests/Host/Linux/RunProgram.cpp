@@ -197,7 +197,7 @@ struct RunningProgram::Native
 };
 
 RunningProgram::RunningProgram(const std::vector<std::string>& arguments, unsigned columns,
-                               const Environment& environment)
+                               const Environment& environment, bool messagesAmongResults)
     : m_Native(std::make_unique<Native>())
 {
     int results[2] = {-1, -1};
@@ -214,7 +214,8 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, unsign
     m_Native->m_Messages.m_Ours = std::make_unique<Descriptor>(messages[0]);
     const Descriptor theirResults(results[1]);
     const Descriptor theirMessages(messages[1]);
-    m_Native->m_Child = start(arguments, environment, theirResults.number(), theirMessages.number());
+    m_Native->m_Child = start(arguments, environment, theirResults.number(),
+                              (messagesAmongResults ? theirResults : theirMessages).number());
 }
 
 RunningProgram::~RunningProgram()

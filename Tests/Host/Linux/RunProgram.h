@@ -29,9 +29,13 @@ ProgramResult runOnTerminal(const std::vector<std::string>& arguments, unsigned 
 class RunningProgram
 {
 public:
-    /** Starts it with both outputs in pipes, or, with `columns`, with its results on a terminal. */
+    /**
+     * Starts it with both outputs in pipes, or, with `columns`, with its results on a terminal, where its
+     * messages may go, too.
+     */
     explicit RunningProgram(const std::vector<std::string>& arguments, unsigned columns = 0,
-                            const Environment& environment = {{"TERM", "xterm"}});
+                            const Environment& environment = {{"TERM", "xterm"}},
+                            bool messagesAmongResults = false);
     ~RunningProgram();
     RunningProgram(const RunningProgram&) = delete;
     RunningProgram& operator=(const RunningProgram&) = delete;

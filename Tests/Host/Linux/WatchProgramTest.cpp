@@ -190,6 +190,19 @@ TEST_F(WatchProgram, ATerminalHasAStatusLineBelowTheEvents)
     EXPECT_THAT(end.m_Output, EndsWith("\033[K")) << "the line is gone";
 }
 
+TEST_F(WatchProgram, AWarningTakesTheStatusLinesPlace)
+{
+    fleet({{1, "A"}});
+    RunningProgram program(arguments(), 60, {{"TERM", "xterm"}}, true);
+    program.awaitResult("Simulated: 1 drive, next poll at ");
+    m_Fleet.Write("fleet.json", "torn");
+    EXPECT_THAT(program.awaitResult("ostrel: The fleet file "), HasSubstr(std::string(41, ' ') + "ostrel: "));
+    // Polls go on, and so does the line.
+    program.awaitResult("Simulated: 1 drive, next poll at ");
+    program.send(SIGTERM);
+    EXPECT_EQ(program.finish().m_ExitCode, 0);
+}
+
 TEST_F(WatchProgram, ATerminalWithoutEscapesHasNoStatusLine)
 {
     fleet({{1, "A"}});
@@ -216,17 +229,47 @@ TEST_F(WatchProgram, SetLeavesARunningWatchAlone)
     fleet({{1, "A"}, {2, "B"}});
     RunningProgram program(arguments({"--json"}));
     awaitInventory(program);
+    const std::vector<std::string> before = query("SELECT ID FROM Plugin; SELECT ID FROM Adapter");
     const ProgramResult set = runProgram({"set", "plugin", "pollinterval", "60", "--data", m_Data.Path(),
                                           "--simulate", m_Fleet.Path() / "fleet.json", "--json"});
     EXPECT_EQ(set.m_ExitCode, 0) << set.m_Errors;
     EXPECT_EQ(json::parse(set.m_Output)["property"]["value"], 60);
     EXPECT_EQ(m_Data.Read("Ostrel.ini"), "PollInterval=60\n");
+    EXPECT_EQ(query("SELECT ID FROM Plugin; SELECT ID FROM Adapter"), before);
     fleet({{1, "A"}});
     EXPECT_EQ(nextEvent(program)["id"], 11094);
     program.send(SIGTERM);
     EXPECT_EQ(program.finish().m_ExitCode, 0);
     EXPECT_THAT(query("SELECT SerialNumber FROM Adapter; SELECT DriveKey FROM PD; PRAGMA integrity_check"),
                 ElementsAre("A", "A", "ok"));
+}
+
+TEST_F(WatchProgram, KeepsTheDataFolderToItself)
+{
+    fleet({{1, "A"}, {2, "B"}});
+    RunningProgram program(arguments({"--json"}));
+    awaitInventory(program);
+    const std::vector<std::string> before = query("SELECT ID FROM Plugin; SELECT ID FROM Adapter");
+
+    const TestSupport::CTemporaryFolder other;
+    const std::string others = other.Write("fleet.json", R"({"controllers": [{"location": "0000:09:00.0",
+        "identify": {"vendorId": 1, "model": "M", "serial": "C"}, "health": {"temperature": 20}}]})");
+    const ProgramResult list = runProgram({"list", "--data", m_Data.Path(), "--simulate", others});
+    EXPECT_EQ(list.m_ExitCode, 0);
+    EXPECT_THAT(list.m_Output, HasSubstr(" C "));
+    EXPECT_THAT(list.m_Errors,
+                testing::ContainsRegex("ostrel: Another ostrel, process [0-9]+, keeps its data in "
+                                       ".*\\. This run leaves them as they are\\.\n"));
+    const ProgramResult doctor = runProgram({"doctor", "--data", m_Data.Path(), "--simulate", others});
+    EXPECT_THAT(doctor.m_Output, HasSubstr("Ostrel.db, which this run leaves as it is\n"));
+    EXPECT_EQ(query("SELECT ID FROM Plugin; SELECT ID FROM Adapter"), before);
+
+    const ProgramResult second = runProgram(arguments({"--for", "0"}));
+    EXPECT_EQ(second.m_ExitCode, 1);
+    EXPECT_THAT(second.m_Errors, HasSubstr(". End it, or name another folder with --data.\n"));
+    program.send(SIGKILL);
+    (void)program.finish();
+    EXPECT_EQ(runProgram(arguments({"--for", "0"})).m_ExitCode, 0);
 }
 
 } // namespace

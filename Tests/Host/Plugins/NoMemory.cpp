@@ -1,13 +1,7 @@
-#include <PI/ErrorCode.h>
-#include <PI/IPluginApi.h>
+#include "Exports.h"
 
-extern "C" __attribute__((visibility("default"))) std::uint32_t createIf(IPLUGINAPI** plugin)
+std::uint32_t HostTest::create(IPLUGINAPI*& plugin)
 {
-    *plugin = nullptr;
+    plugin = nullptr;
     return PI::ERR_OUT_OF_MEMORY;
-}
-
-extern "C" __attribute__((visibility("default"))) void releaseIf(IPLUGINAPI** plugin)
-{
-    *plugin = nullptr;
 }

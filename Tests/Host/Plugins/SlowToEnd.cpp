@@ -1,5 +1,5 @@
-#include <PI/ErrorCode.h>
-#include <PI/IPluginApi.h>
+#include "Exports.h"
+
 #include <TLX/Clock.h>
 
 #include <cstdio>
@@ -37,14 +37,8 @@ public:
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) std::uint32_t createIf(IPLUGINAPI** plugin)
+std::uint32_t HostTest::create(IPLUGINAPI*& plugin)
 {
-    *plugin = new Plugin;
+    plugin = new Plugin;
     return PI::ERR_SUCCESS;
-}
-
-extern "C" __attribute__((visibility("default"))) void releaseIf(IPLUGINAPI** plugin)
-{
-    delete *plugin;
-    *plugin = nullptr;
 }

@@ -1,5 +1,4 @@
-#include <PI/ErrorCode.h>
-#include <PI/IPluginApi.h>
+#include "Exports.h"
 
 namespace {
 
@@ -15,13 +14,8 @@ Plugin g_Plugin;
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) std::uint32_t createIf(IPLUGINAPI** plugin)
+std::uint32_t HostTest::create(IPLUGINAPI*& plugin)
 {
-    *plugin = &g_Plugin;
+    plugin = &g_Plugin;
     return PI::ERR_SUCCESS;
-}
-
-extern "C" __attribute__((visibility("default"))) void releaseIf(IPLUGINAPI** plugin)
-{
-    *plugin = nullptr;
 }
