@@ -285,7 +285,7 @@ private:
         if (!unknown.empty())
             return "\"" + unknown.front() + "\" is one word too many";
         // "--for: 1 required TEXT missing", "--data: At most 1 required but received 2"
-        const std::string text = error.what();
+        std::string text = error.what();
         if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr)
             return text;
         return text.substr(0, text.find(':')) +

@@ -47,7 +47,7 @@ class LockFile
 {
 public:
     /** Makes `file` when it is missing. */
-    explicit LockFile(std::filesystem::path file);
+    explicit LockFile(const std::filesystem::path& file);
     ~LockFile();
     LockFile(const LockFile&) = delete;
     LockFile& operator=(const LockFile&) = delete;

@@ -25,7 +25,7 @@ struct LockFile::Native
     const int m_Descriptor;
 };
 
-LockFile::LockFile(std::filesystem::path file) : m_Native(std::make_unique<Native>(file)) {}
+LockFile::LockFile(const std::filesystem::path& file) : m_Native(std::make_unique<Native>(file)) {}
 LockFile::~LockFile() = default;
 
 bool LockFile::take()

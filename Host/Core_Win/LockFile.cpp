@@ -22,7 +22,7 @@ struct LockFile::Native
     HANDLE m_Handle = INVALID_HANDLE_VALUE;
 };
 
-LockFile::LockFile(std::filesystem::path file) : m_Native(std::make_unique<Native>(std::move(file))) {}
+LockFile::LockFile(const std::filesystem::path& file) : m_Native(std::make_unique<Native>(file)) {}
 LockFile::~LockFile() = default;
 
 bool LockFile::take()
