@@ -74,7 +74,9 @@ class Package(unittest.TestCase):
     def test_documents(self):
         """the manual is there as text, and with it what the sources have on interfaces, traces and JSON documents"""
         (program,) = self.programs
-        folder, sources = program.parents[1] / "share/doc/ostrel", SOURCE / "Docs"
-        self.assertIn("ostrel - show NVMe drives", (folder / "Manual.txt").read_text(encoding="ascii"))
-        for file in (sources / "Interfaces.md", sources / "Tracing.md", *(sources / "Schemas").glob("*.json")):
-            self.assertEqual((folder / file.relative_to(sources)).read_bytes(), file.read_bytes(), file.name)
+        share, sources = program.parents[1] / "share", SOURCE / "Docs"
+        self.assertIn("ostrel - show NVMe drives", (share / "doc/ostrel/Manual.txt").read_text(encoding="ascii"))
+        for folder, files in (("doc/ostrel", (sources / "Interfaces.md", sources / "Tracing.md")),
+                              ("ostrel/Schemas", (sources / "Schemas").glob("*.json"))):
+            for file in files:
+                self.assertEqual((share / folder / file.name).read_bytes(), file.read_bytes(), file.name)
