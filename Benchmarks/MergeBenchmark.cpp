@@ -48,6 +48,7 @@ public:
         TakeAnswers();
         Merge(true);
         Merge(false);
+        Enumerate(); // so that no measurement pays for the first use of the memory
     }
 
     /** Into a list of its own, so that the plug-in keeps what its drives have answered. */
