@@ -36,6 +36,16 @@ TEST_F(Identifiers, StartAgainFromOneWhenHalfAreUsedUp)
     EXPECT_THAT(Query("PRAGMA integrity_check"), ElementsAre("ok"));
 }
 
+TEST_F(Identifiers, StartAgainFromOneWhateverSomebodyHasMadeOfThem)
+{
+    for (const char* serial : {"S1", "S2", "S3", "S4"})
+        DatabaseORM::insert(*m_Storage, makeDrive(serial));
+    Query("UPDATE PD SET ID = 2000000000 WHERE DriveKey = 'S1'; UPDATE PD SET ID = 0 WHERE DriveKey = 'S2';"
+          "UPDATE PD SET ID = -1 WHERE DriveKey = 'S3'; UPDATE PD SET ID = -2 WHERE DriveKey = 'S4';");
+    Reopen();
+    EXPECT_THAT(Drives(), ElementsAre("1", "S4", "2", "S3", "3", "S2", "4", "S1"));
+}
+
 TEST_F(Identifiers, StayWhileThereAreEnough)
 {
     DatabaseORM::insert(*m_Storage, makeDrive("S1"));

@@ -110,6 +110,25 @@ TEST_F(Migration, TheFormerTriggersEndAndThePresentOnesWork)
     EXPECT_THAT(Query("SELECT DriveKey FROM PD"), IsEmpty());
 }
 
+TEST_F(Migration, TheFormerTriggersGoWithATableThatStays)
+{
+    DatabaseORM::insert(*m_Storage, makeAdapter(1, "S1"));
+    Query("ALTER TABLE Adapter ADD COLUMN Colour TEXT; PRAGMA user_version = 1");
+    Reopen();
+    EXPECT_THAT(Query("SELECT SerialNumber FROM Adapter"), ElementsAre("S1"));
+    EXPECT_THAT(
+        Query("SELECT COUNT(*) FROM sqlite_master WHERE type = 'trigger' AND tbl_name = 'Adapter_version1'"),
+        ElementsAre("0"));
+}
+
+TEST_F(Migration, AFormerTableOfAStrangeVersionStays)
+{
+    WriteFile("CREATE TABLE PD (ID INTEGER PRIMARY KEY, DriveKey TEXT, Colour TEXT);"
+              "INSERT INTO PD VALUES (1, 'S1', 'red'); PRAGMA user_version = -5;");
+    EXPECT_THAT(Query("SELECT DriveKey FROM PD"), ElementsAre("S1"));
+    EXPECT_THAT(Query("SELECT Colour FROM \"PD_version-5\""), ElementsAre("red"));
+}
+
 TEST_F(Migration, ThatCannotBeDoneChangesNothing)
 {
     WriteFile("CREATE TABLE Plugin (ID INTEGER PRIMARY KEY, Name TEXT); INSERT INTO Plugin VALUES (1, 'x');"

@@ -48,6 +48,13 @@ TEST_F(StatementShape, ReadsWhatTheStatementAsItStandsReads)
              "SELECT 7/2, 7/2.0, 0x10, 1e2, .5, 1e+2, -1, - 1, 3-1, 3--1\n",
              "SELECT 123456789012345678, 9223372036854775807, -9223372036854775808, 9223372036854775808",
              "SELECT ID || 'x' AS Joined FROM T",
+             "SELECT $a, 1, 'b'",
+             "SELECT ?, 1",
+             "SELECT 0 AND COUNT(*) FROM T",
+             "SELECT (0) AND COUNT(*) FROM T",
+             "SELECT COUNT(*) FROM T WHERE abs(-9223372036854775807-1) OR 1",
+             "SELECT * FROM T WHERE ID BETWEEN 2 AND 3",
+             "SELECT 007, 00, 1 IN (1), NOT 0",
          }) {
         SCOPED_TRACE(statement);
         const Values expected = AsItStands(statement);
@@ -87,6 +94,9 @@ TEST_F(StatementShape, SaysWhatIsWrongInTheWordsOfTheStatement)
     EXPECT_THAT(databaseError([&] { Query("SELECT * FROM T WHERE Name = 'one"); }),
                 HasSubstr("unrecognized token: \"'one\""));
     EXPECT_THAT(databaseError([&] { Query("INSERT INTO T VALUES(1, 'x')"); }), HasSubstr("4 columns"));
+    EXPECT_THAT(databaseError([&] { Query("DELETE FROM T WHERE Name = 'zz'1OR 1"); }),
+                HasSubstr("unrecognized token: \"1OR\""));
+    EXPECT_THAT(Query("SELECT COUNT(*) FROM T"), ElementsAre("4"));
 }
 
 TEST_F(StatementShape, ATextThatHoldsAStatementStaysAText)

@@ -71,6 +71,12 @@ class Package(unittest.TestCase):
         serials = [drive["serial"] for drive in stage.document(run)["drives"]]
         self.assertEqual((len(serials), serials[-1]), (8, "TINY-1"))
 
+    def test_shared_files(self):
+        """of what the program and its users share there is nothing that only other systems read"""
+        (program,) = self.programs
+        folders = sorted(entry.name for entry in (program.parents[1] / "share").iterdir())
+        self.assertEqual(folders, ["doc", "ostrel"])
+
     def test_documents(self):
         """the manual is there as text, and with it what the sources have on interfaces, traces and JSON documents"""
         (program,) = self.programs

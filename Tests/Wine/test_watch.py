@@ -140,7 +140,7 @@ class Watch(unittest.TestCase):
                 self.assertIn("LEAVE Worker()", said)
         # What the database's log held is in the file, and the log is gone.
         self.assertEqual({path.name for path in self.folder.iterdir()} - {"AdapterNumbers.txt"},
-                         {"Ostrel.db", "Ostrel.ini"})
+                         {"Ostrel.db", "Ostrel.ini", "Ostrel.lock"})
 
     def test_stuck(self):
         """a disk that never answers does not keep it from ending"""

@@ -1,16 +1,13 @@
 # Boost for Windows: the machine's own headers, and of Boost.Filesystem the few sources behind `path`.
 include(HeaderPackage)
+include(SourceCache)
 ostrel_header_package(Boost::headers boost)
 set(Boost_FOUND TRUE)
 
 if(filesystem IN_LIST Boost_FIND_COMPONENTS AND NOT TARGET Boost::filesystem)
     # The sources of the version that the package libboost-dev has.
     set(version 1.74.0+ds1-21)
-    set(cache $ENV{XDG_CACHE_HOME})
-    if(NOT cache)
-        set(cache $ENV{HOME}/.cache)
-    endif()
-    set(folder ${cache}/ostrel/boost1.74_${version})
+    ostrel_source_cache(folder boost1.74_${version})
     set(files path.cpp path_traits.cpp codecvt_error_category.cpp windows_file_codecvt.cpp
         windows_file_codecvt.hpp platform_config.hpp)
     list(TRANSFORM files PREPEND libs/filesystem/src/)

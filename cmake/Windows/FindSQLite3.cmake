@@ -1,13 +1,10 @@
 # SQLite for Windows: the sources of the version that the package libsqlite3-dev has, made into its one large file.
+include(SourceCache)
 if(NOT TARGET SQLite::SQLite3)
     enable_language(C)
     execute_process(COMMAND dpkg-query --show --showformat=\${source:Version} libsqlite3-dev
         OUTPUT_VARIABLE version COMMAND_ERROR_IS_FATAL ANY)
-    set(cache $ENV{XDG_CACHE_HOME})
-    if(NOT cache)
-        set(cache $ENV{HOME}/.cache)
-    endif()
-    set(folder ${cache}/ostrel/sqlite3_${version})
+    ostrel_source_cache(folder sqlite3_${version})
     if(NOT EXISTS ${folder})
         message(STATUS "Making SQLite ${version} from its sources")
         set(sources ${CMAKE_BINARY_DIR}/sqlite3-sources)

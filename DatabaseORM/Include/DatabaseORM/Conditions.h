@@ -18,11 +18,14 @@ public:
     condition_t(std::string Model::*member, std::string value) : m_Member(member), m_Value(std::move(value))
     {}
 
+    /** A number is compared by its decimal text. */
     condition_t(std::int32_t Model::*member, std::int32_t value)
         : m_Member(member), m_Value(std::to_string(value))
     {}
 
+    /** The member; its kind is the alternative. */
     const auto& Member() const { return m_Member; }
+    /** The value's text, not quoted. */
     const std::string& Value() const { return m_Value; }
 
 private:

@@ -26,10 +26,13 @@ public:
     explicit dbModelFieldsMapBase(std::string name);
     virtual ~dbModelFieldsMapBase();
 
+    /** The table's alias. */
     const std::string& Name() const { return m_Name; }
+    /** How many columns are bound. */
     std::size_t Columns() const { return m_Columns; }
 
 protected:
+    /** The next column's position. */
     std::size_t AddColumn() { return m_Columns++; }
 
 private:

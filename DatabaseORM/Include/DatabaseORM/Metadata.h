@@ -13,7 +13,8 @@
 #include <variant>
 #include <vector>
 
-/** What the statement builder finds out from a storage about a model. */
+/** What the statement builder finds out from a storage about a model. What a storage lacks is a
+ * `DBEXCEPTION::DatabaseException`. */
 namespace DatabaseORM {
 
 // The differences between these texts are meant.
@@ -23,7 +24,7 @@ inline constexpr const char* NO_MODEL = "Storage query exception thrown! No such
 inline constexpr const char* NO_MODEL_MAP = "Storage query exception thrown! No such model map exist.";
 inline constexpr const char* NO_COLUMN_NAME = "Empty colName exception!";
 
-/** The first element of `list` that is a `Wanted`; throws with `message` when there is none. */
+/** The first element of `list` that is a `Wanted`; the failure's message is `message`. */
 template<class Wanted, class Base>
 std::shared_ptr<const Wanted> firstOf(const std::vector<std::shared_ptr<const Base>>& list,
                                       const char* message)
@@ -42,6 +43,7 @@ struct metadata_t
     std::shared_ptr<const table_t<Model>> m_Table;
 };
 
+/** What `storage` has of the model; the failure's message is `message`. */
 template<class Model>
 metadata_t<Model> findMetadata(const storage_t& storage, const char* message)
 {
@@ -78,6 +80,7 @@ std::vector<slot_t> fillSlots(const RaidDataModels::dbModelFieldsMap<Model>& map
     return slots;
 }
 
+/** The condition as a statement has it. */
 template<class Model>
 std::string conditionText(const storage_t& storage, const RaidDataModels::dbModelFieldsMap<Model>& map,
                           const condition_t<Model>& condition)
@@ -87,6 +90,7 @@ std::string conditionText(const storage_t& storage, const RaidDataModels::dbMode
                      condition.Value());
 }
 
+/** The same for two conditions. */
 template<class Model>
 std::string conditionText(const storage_t& storage, const RaidDataModels::dbModelFieldsMap<Model>& map,
                           const compoundCondition_t<Model>& condition)

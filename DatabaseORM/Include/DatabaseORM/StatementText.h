@@ -8,7 +8,10 @@
 #include <string_view>
 #include <vector>
 
-/** The part of the statement builder that needs no model: texts, and their way to the database. */
+/**
+ * The part of the statement builder that needs no model: texts, and their way to the database. Names and
+ * values go into a text as they are given. Safe from any thread.
+ */
 namespace DatabaseORM {
 
 /** What a statement writes into one column; nothing when the column's name is empty. */
@@ -18,24 +21,37 @@ struct slot_t
     std::string m_Value;
 };
 
+/** Adds a row of these values; column names are listed only when the table has a generated key. */
 std::string insertText(const tableBase_t& table, const std::vector<slot_t>& slots);
+/** Rewrites these columns of the row whose "ID" is `identifier`. */
 std::string updateText(const tableBase_t& table, const std::vector<slot_t>& slots, std::int64_t identifier);
+/** Deletes the rows for which `condition` holds, a text of `equalText` or `bothText`. */
 std::string removeText(const tableBase_t& table, const std::string& condition);
+/** Reads all columns of the rows for which `condition` holds; it may call the table `alias`. */
 std::string selectText(const tableBase_t& table, const std::string& alias, const std::string& condition);
+/** Reads the largest value of a column. */
 std::string maxText(const std::string& table, const std::string& column);
 
 /** The condition "`qualifier`.`column` = `value`"; without the point when `qualifier` is empty. */
 std::string equalText(const std::string& qualifier, const std::string& column, const std::string& value);
+/** The condition that two conditions hold. */
 std::string bothText(const std::string& first, const std::string& second);
 
-/** Runs `statement`; a failure's message begins with `context` and holds the database's in parentheses. */
+/**
+ * Runs `statement` and returns its values as `DatabaseDAO::query` does. Throws
+ * `DBEXCEPTION::DatabaseException`; its message begins with `context` and holds the database's in
+ * parentheses.
+ */
 std::vector<std::string> runStatement(const storage_t& storage, const std::string& statement,
                                       std::string_view context);
 
 /** The number that a maximum's result begins with; 0 when it has none, all ones when it does not fit. */
 std::uint32_t firstNumber(const std::vector<std::string>& result);
 
-/** Takes `slot` out of what an insert writes and returns the value that the database will give its column. */
+/**
+ * Takes `slot` out of what an insert writes and returns the value that the database will give its column: one
+ * more than the largest there is. Throws as `runStatement` does.
+ */
 std::int32_t takeGeneratedKey(const storage_t& storage, const tableBase_t& table, slot_t& slot);
 
 } // namespace DatabaseORM

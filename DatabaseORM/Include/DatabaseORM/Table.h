@@ -26,12 +26,14 @@ struct column_t
 class tableBase_t
 {
 public:
+    /** With `usesForeignKeys`, statements that write switch the checks of foreign keys on first. */
     tableBase_t(std::string name, std::vector<column_t> columns, bool usesForeignKeys = false);
     virtual ~tableBase_t();
 
     const std::string& Name() const { return m_Name; }
     const std::vector<column_t>& Columns() const { return m_Columns; }
     bool UsesForeignKeys() const { return m_UsesForeignKeys; }
+    /** Whether the database assigns the values of a column. */
     bool HasGeneratedKey() const;
 
 private:

@@ -13,11 +13,14 @@ inline constexpr std::int64_t NULL_BIG_INTEGER = -1;
 inline constexpr double NULL_DOUBLE = std::numeric_limits<float>::min();
 inline constexpr std::string_view NULL_TEXT = "NULL";
 
-// A value as SQL text. Only the 32-bit integers' and the texts' NULL is written as NULL. A text is put
-// between single quotes as it stands.
+// A value as SQL text, whatever the process's locale. A text is put between single quotes as it stands.
+/** `NULL_INTEGER` is written as NULL. */
 std::string valueText(std::int32_t value);
+/** Always a number, `NULL_BIG_INTEGER` too. */
 std::string valueText(std::int64_t value);
+/** Six decimals, `NULL_DOUBLE` too. */
 std::string valueText(double value);
+/** `NULL_TEXT` is written as NULL. */
 std::string valueText(const std::string& value);
 
 // A value from a result's text. "NULL", and what is no number of the kind, gives the kind's NULL.

@@ -17,7 +17,8 @@ struct CSharedStorage
 
 CSharedStorage& sharedStorage()
 {
-    static CSharedStorage shared;
+    // Never destroyed: a plug-in's worker may still ask for the storage while the process ends.
+    static CSharedStorage& shared = *new CSharedStorage;
     return shared;
 }
 

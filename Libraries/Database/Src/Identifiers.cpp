@@ -19,9 +19,9 @@ std::string findBeyondText(const std::string& table)
 
 std::string renumberText(const std::string& table)
 {
-    // Below zero first, so that no new identifier meets a former one.
-    return "BEGIN IMMEDIATE; UPDATE " + table + " SET ID = -ID; UPDATE " + table +
-           " SET ID = Fresh FROM (SELECT ID AS Former, ROW_NUMBER() OVER (ORDER BY ID DESC) AS Fresh FROM " +
+    // Far below zero first, so that no new identifier meets a former one.
+    return "BEGIN IMMEDIATE; UPDATE " + table + " SET ID = ID - 1099511627776; UPDATE " + table +
+           " SET ID = Fresh FROM (SELECT ID AS Former, ROW_NUMBER() OVER (ORDER BY ID) AS Fresh FROM " +
            table + ") WHERE ID = Former; COMMIT;";
 }
 

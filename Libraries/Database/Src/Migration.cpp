@@ -36,7 +36,7 @@ void rebuild(CSqliteConnection& connection, const DatabaseORM::tableBase_t& tabl
         connection.Run(createTableText(table));
         return;
     }
-    const std::string former = freeName(connection, table.Name() + "_version" + version);
+    const std::string former = '"' + freeName(connection, table.Name() + "_version" + version) + '"';
     connection.Run("ALTER TABLE " + table.Name() + " RENAME TO " + former);
     connection.Run(createTableText(table));
 

@@ -26,8 +26,8 @@ using CStatement = std::unique_ptr<sqlite3_stmt, CFinalize>;
 class CStatementCache
 {
 public:
-    /** A table takes five statements or so, and another for each column that is unknown here and known there;
-     * some kilobytes each. */
+    /** A table takes five statements or so, and more where different columns are unknown; some kilobytes
+     * each. */
     static constexpr std::size_t CAPACITY = 50;
 
     /** The statement of this shape; null when there is none. It is reset, and must be again after use. */

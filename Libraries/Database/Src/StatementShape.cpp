@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstddef>
 #include <iterator>
+#include <span>
 #include <utility>
 
 namespace Database {
@@ -16,8 +17,8 @@ constexpr std::string_view VERBS[] = {"SELECT ", "INSERT ", "UPDATE ", "DELETE "
 /** Behind these a number may be that of a column. */
 constexpr std::string_view ORDINAL_CLAUSES[] = {"ORDER", "GROUP"};
 
-/** Any number of so few digits is a 64-bit integer. */
-constexpr std::size_t DIGITS = 18;
+/** Beside these a number may decide, before anything runs, what is left out. */
+constexpr std::string_view JUNCTIONS[] = {"AND", "OR"};
 
 /** What a character is at the begin of a part of a statement. */
 enum class EPart : std::uint8_t
@@ -37,7 +38,7 @@ constexpr auto PARTS = [] {
         if (character >= 0x80 || (letter >= 'a' && letter <= 'z') || (character >= '0' && character <= '9'))
             parts[character] = EPart::Word;
     }
-    for (const char character : std::string_view("_$."))
+    for (const char character : std::string_view("_."))
         parts[static_cast<unsigned char>(character)] = EPart::Word;
     parts['\''] = EPart::Text;
     return parts;
@@ -48,11 +49,11 @@ EPart partOf(char character)
     return PARTS[static_cast<unsigned char>(character)];
 }
 
-bool isOrdinalClause(std::string_view word)
+bool isOneOf(std::span<const std::string_view> keywords, std::string_view word)
 {
     const auto same = [](char upper, char any) { return upper == any || (upper | 0x20) == any; };
-    return std::any_of(std::begin(ORDINAL_CLAUSES), std::end(ORDINAL_CLAUSES),
-                       [&](std::string_view clause) { return std::ranges::equal(clause, word, same); });
+    return std::any_of(keywords.begin(), keywords.end(),
+                       [&](std::string_view keyword) { return std::ranges::equal(keyword, word, same); });
 }
 
 /** Goes through a statement from its begin to its end. */
@@ -71,6 +72,8 @@ public:
         while (m_Position < m_Sql.size())
             if (!Take())
                 return std::nullopt;
+        if (m_HasJunction && m_HasNumber)
+            return std::nullopt;
         m_Shape.m_Text += m_Sql.substr(m_Taken);
         return std::move(m_Shape);
     }
@@ -103,35 +106,39 @@ private:
             if (m_Position == std::string_view::npos)
                 return false;
             const std::string_view text = m_Sql.substr(from, m_Position++ - from);
-            const bool isDoubled = m_Sql.substr(m_Position).starts_with('\'');
-            if (!isDoubled && unquoted.empty()) {
+            if (NextIs(EPart::Text)) {
+                unquoted.append(text) += '\'';
+                continue;
+            }
+            if (unquoted.empty())
                 Add(begin, text);
-                return true;
-            }
-            unquoted += text;
-            if (!isDoubled) {
-                Add(begin, m_Shape.m_Unquoted.emplace_front(std::move(unquoted)));
-                return true;
-            }
-            unquoted += '\'';
+            else
+                Add(begin, m_Shape.m_Unquoted.emplace_front(unquoted.append(text)));
+            // A parameter would take what follows for a part of its name.
+            return !NextIs(EPart::Word);
         }
     }
 
     bool TakeWord()
     {
         const std::size_t begin = m_Position;
-        while (m_Position < m_Sql.size() && partOf(m_Sql[m_Position]) == EPart::Word)
+        while (NextIs(EPart::Word))
             ++m_Position;
         const std::string_view word = m_Sql.substr(begin, m_Position - begin);
         // A text right behind a word is of another kind, such as x'00'.
-        if (m_Sql.substr(m_Position).starts_with('\'') || isOrdinalClause(word))
+        if (NextIs(EPart::Text) || isOneOf(ORDINAL_CLAUSES, word))
             return false;
+        m_HasJunction = m_HasJunction || isOneOf(JUNCTIONS, word);
         std::int64_t number = 0;
         const auto [stop, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-        if (word.size() <= DIGITS && error == std::errc() && stop == word.data() + word.size())
+        if (error == std::errc() && stop == word.data() + word.size()) {
+            m_HasNumber = true;
             Add(begin, number);
+        }
         return true;
     }
+
+    bool NextIs(EPart part) const { return m_Position < m_Sql.size() && partOf(m_Sql[m_Position]) == part; }
 
     /** Puts a parameter into the place of all from `begin` to here. */
     void Add(std::size_t begin, CStatementShape::Value value)
@@ -145,6 +152,8 @@ private:
     const std::string_view m_Sql;
     std::size_t m_Position = 0;
     std::size_t m_Taken = 0; ///< all before this is in the shape
+    bool m_HasJunction = false;
+    bool m_HasNumber = false;
     CStatementShape m_Shape;
 };
 

@@ -30,7 +30,8 @@ struct Folder
 
 Folder& folder()
 {
-    static Folder instance;
+    // Never destroyed: a plug-in's worker may still read or write settings while the process ends.
+    static Folder& instance = *new Folder;
     return instance;
 }
 

@@ -1,29 +1,15 @@
 #include "ModuleRegistry.h"
-#include "SinkSlot.h"
 #include "Utf8.h"
+
+#include <TLX/TraceSink.h>
 
 #include <array>
 #include <chrono>
 #include <cstdio>
 #include <exception>
-#include <mutex>
-#include <utility>
 
 namespace TLX::Trace {
 namespace {
-
-struct CSinkSlot
-{
-    std::mutex m_Lock;
-    std::shared_ptr<ISink> m_Sink;
-};
-
-CSinkSlot& sinkSlot()
-{
-    // Never destroyed: threads may still trace while the process ends.
-    static CSinkSlot& slot = *new CSinkSlot;
-    return slot;
-}
 
 std::string timeText(std::uint64_t time)
 {
@@ -71,20 +57,6 @@ std::string formatLine(const CLine& line)
 std::shared_ptr<ISink> standardErrorSink()
 {
     return std::make_shared<CStandardErrorSink>();
-}
-
-void setSink(std::shared_ptr<ISink> sink)
-{
-    // Swapped, so that the former sink is destroyed by the argument, outside the lock.
-    const std::scoped_lock guard(sinkSlot().m_Lock);
-    sinkSlot().m_Sink.swap(sink);
-}
-
-void write(const CLine& line)
-{
-    const std::scoped_lock guard(sinkSlot().m_Lock);
-    if (sinkSlot().m_Sink)
-        sinkSlot().m_Sink->Write(line);
 }
 
 void setMask(std::uint32_t moduleNumber, std::uint32_t mask)

@@ -70,27 +70,26 @@ struct CTraceStreamBuffer::Line
         }
     }
 
-    bool Add(std::string_view text) noexcept
+    void Add(std::string_view text)
     {
-        try {
-            if (m_Format)
-                m_Arguments.emplace_back(escapeControls(text));
-            else
-                m_Format = text;
-            return true;
-        } catch (const std::exception&) {
-            return false;
-        }
+        if (m_Format)
+            m_Arguments.emplace_back(escapeControls(text));
+        else
+            m_Format = text;
     }
 
-    template<typename Number>
-    bool Add(Number value) noexcept
+    void Add(const Argument& number) { m_Arguments.push_back(number); }
+
+    /** Adds `value` to `line`, which is lost when there is no memory for it. */
+    template<typename Value>
+    static void feed(std::unique_ptr<Line>& line, Value value) noexcept
     {
+        if (!line)
+            return;
         try {
-            m_Arguments.emplace_back(value);
-            return true;
+            line->Add(value);
         } catch (const std::exception&) {
-            return false;
+            line.reset();
         }
     }
 
@@ -124,21 +123,18 @@ CTraceStreamBuffer::~CTraceStreamBuffer()
 
 CTraceStreamBuffer& CTraceStreamBuffer::operator<<(std::string_view text) noexcept
 {
-    if (m_Line && !m_Line->Add(text))
-        m_Line.reset();
+    Line::feed(m_Line, text);
     return *this;
 }
 
 void CTraceStreamBuffer::Feed(std::int64_t value) noexcept
 {
-    if (m_Line && !m_Line->Add(value))
-        m_Line.reset();
+    Line::feed(m_Line, value);
 }
 
 void CTraceStreamBuffer::Feed(std::uint64_t value) noexcept
 {
-    if (m_Line && !m_Line->Add(value))
-        m_Line.reset();
+    Line::feed(m_Line, value);
 }
 
 } // namespace TLX::Internals

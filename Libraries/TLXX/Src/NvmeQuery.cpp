@@ -4,8 +4,7 @@
 #include <TLXX/DeviceBackend.h>
 #include <TLXX/NvmeQuery.h>
 
-#include <array>
-#include <cstddef>
+#include <map>
 #include <mutex>
 #include <unordered_map>
 #include <utility>
@@ -13,12 +12,10 @@
 namespace TLXX {
 namespace {
 
-using Statuses = std::array<std::optional<std::uint32_t>, 4>; // by kind of query
-
 struct CLastStatuses
 {
     std::mutex m_Lock;
-    std::unordered_map<std::string, Statuses> m_Statuses;
+    std::unordered_map<std::string, std::map<EQuery, std::uint32_t>> m_Statuses; // by path
 };
 
 // Never destroyed, for a query may still run when the process exits.
@@ -28,15 +25,10 @@ CLastStatuses& lastStatuses()
     return *instance;
 }
 
-constexpr std::size_t placeOf(EQuery query)
-{
-    return static_cast<std::size_t>(query);
-}
-
 std::uint32_t keep(const std::string& path, EQuery query, std::uint32_t status)
 {
     const std::scoped_lock guard(lastStatuses().m_Lock);
-    lastStatuses().m_Statuses[path][placeOf(query)] = status;
+    lastStatuses().m_Statuses[path][query] = status;
     return status;
 }
 
@@ -128,8 +120,11 @@ std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query)
 {
     const std::scoped_lock guard(lastStatuses().m_Lock);
     const auto& statuses = lastStatuses().m_Statuses;
-    const auto found = statuses.find(path);
-    return found == statuses.end() ? std::nullopt : found->second[placeOf(query)];
+    const auto ofPath = statuses.find(path);
+    if (ofPath == statuses.end())
+        return std::nullopt;
+    const auto found = ofPath->second.find(query);
+    return found == ofPath->second.end() ? std::nullopt : std::optional(found->second);
 }
 
 } // namespace TLXX

@@ -5,7 +5,6 @@
 #include <TLX/Clock.h>
 #include <TLXX/NvmeQuery.h>
 
-#include <functional>
 #include <iterator>
 #include <stdexcept>
 
@@ -44,24 +43,17 @@ PI::CAdapterID unassignedIdentity(const CNVMeAdapter& adapter)
 
 std::optional<IPLUGINAPI_IMPL::CLockFailure> IPLUGINAPI_IMPL::InitializeLocks()
 {
-    struct CStep
-    {
-        const char* m_Name;
-        std::function<std::uint32_t()> m_Init;
+    CLockFailure last{};
+    const auto isReady = [&last](const char* name, std::uint32_t result) {
+        last = {name, result};
+        return result == TLX::Threading::WaitResult::Taken;
     };
-    const CStep steps[] = {
-        {"m_DataLock", [this] { return m_DataLock.Init(); }},
-        {"m_PrivateEventsLock", [this] { return m_EventsLock.Init(); }},
-        {"m_ForceWorker", [this] { return m_ForceWorker.Init(false, false); }},
-        {"m_StopRequest", [this] { return m_StopRequest.Init(false, true); }},
-        {"m_PrivateEvent", [this] { return m_PrivateEvent.Init(false, false); }},
-    };
-    for (const CStep& step : steps) {
-        const std::uint32_t result = step.m_Init();
-        if (result != TLX::Threading::WaitResult::Taken)
-            return CLockFailure{step.m_Name, result};
-    }
-    return std::nullopt;
+    if (isReady("m_DataLock", m_DataLock.Init()) && isReady("m_PrivateEventsLock", m_EventsLock.Init()) &&
+        isReady("m_ForceWorker", m_ForceWorker.Init(false, false)) &&
+        isReady("m_StopRequest", m_StopRequest.Init(false, true)) &&
+        isReady("m_PrivateEvent", m_PrivateEvent.Init(false, false)))
+        return std::nullopt;
+    return last;
 }
 
 void IPLUGINAPI_IMPL::IdentifyDevices()

@@ -15,8 +15,10 @@ const TLX::Language_Support::CLanguageSupport::CLngFile
 
 } // namespace
 
-TLX::Misc::CModuleInfo g_ModuleInfo(MODULE_ID, MODULE_NAME, "P:7.16.3 F:7.16.3", g_LanguageFile,
-                                    TLX::Misc::CErrorMessageList());
+const char PLUGIN_VERSION[] = OSTREL_VERSION;
+
+TLX::Misc::CModuleInfo g_ModuleInfo(MODULE_ID, MODULE_NAME, "P:" OSTREL_VERSION " F:" OSTREL_VERSION,
+                                    g_LanguageFile, TLX::Misc::CErrorMessageList());
 
 void consolePrint(const char* format, ...)
 {

@@ -12,7 +12,7 @@ inline constexpr std::uint32_t MODULE_ID = 313;
 inline constexpr char MODULE_NAME[] = "Ostrel";
 
 /** The plug-in's version as its own object and rows show it. */
-inline constexpr char PLUGIN_VERSION[] = "7.16.3";
+extern const char PLUGIN_VERSION[];
 
 /** What the module tells of itself, and the mask of its trace lines. Exists from load to unload. */
 extern TLX::Misc::CModuleInfo g_ModuleInfo;

@@ -78,12 +78,21 @@ protected:
     /** Hands all pending events over; they are pending no more. */
     std::uint32_t GetEvents(CNVMePlugin& plugin, PI::COperation& operation) TLX_REQUIRES(m_DataLock);
 
-    // Scanning. Callers hold m_DataLock, or are alone with the object.
+    // Scanning. Callers hold m_DataLock, or are alone with the object. All three always succeed: what a drive
+    // does not tell is left unknown.
+    /**
+     * Makes the records of all devices afresh, each adapter linked with its drive; drops the devices that
+     * never become objects. Identifiers of published records are kept by serial number, but not `initial`ly:
+     * the lists may then be the published ones.
+     */
     std::uint32_t ScanSystem(std::vector<CNVMeAdapter>& adapters,
                              std::vector<CNVMePhysicalDrive>& physicalDrives, bool initial)
         TLX_REQUIRES(m_DataLock);
+    /** Fills in a new record from what the device has answered, and asks an Intel device for its own logs.
+     * `deviceIndex` counts the devices from 0. */
     std::uint32_t ScanAdpater(CNVMeAdapter& adapter, std::uint32_t deviceIndex, const NVMeDevice& device,
                               CScanContext& context) TLX_REQUIRES(m_DataLock);
+    /** The same for the drive behind `adapter`, whose record is complete. */
     std::uint32_t ScanPhysicalDrive(CNVMePhysicalDrive& drive, const NVMeDevice& device,
                                     const CNVMeAdapter& adapter, const CScanContext& context)
         TLX_REQUIRES(m_DataLock);

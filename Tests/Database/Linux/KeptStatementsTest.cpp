@@ -48,6 +48,17 @@ TEST_F(KeptStatements, ServeAnyNumberOfDrivesWhateverTheirTemperature)
     EXPECT_EQ(Count("sql LIKE 'UPDATE PD %' AND " + runs), "1");
 }
 
+TEST_F(KeptStatements, AreThoseThatWereUsedLast)
+{
+    Query("SELECT 'used again and again'");
+    for (int number = 0; number < 200; ++number) {
+        Query("SELECT 'once' AS N" + std::to_string(number));
+        Query("SELECT 'used again and again'");
+    }
+    EXPECT_EQ(Count("sql LIKE 'SELECT ? AS N%'"), "49");
+    EXPECT_EQ(Count("sql = 'SELECT ?' AND run = 201"), "1");
+}
+
 TEST_F(KeptStatements, AreOneForTheRowsOfATable)
 {
     for (int number = 1; number <= 10; ++number)

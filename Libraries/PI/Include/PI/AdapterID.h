@@ -30,6 +30,7 @@ public:
 class PI_EXPORT CGlobalAdapterID
 {
 public:
+    /** Asks for an adapter of the host `hostName`, at a location of zeros until it is set. */
     explicit CGlobalAdapterID(std::string hostName);
 
     void SetSegment(std::int32_t segment) { m_Segment = segment; }

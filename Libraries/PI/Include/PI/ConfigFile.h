@@ -22,6 +22,7 @@ public:
      * plug-ins. */
     static void SetFolder(const boost::filesystem::path& folder);
 
+    /** Sets the file; nothing is read yet. */
     void SetFileName(const boost::filesystem::path& fileName);
 
     /**

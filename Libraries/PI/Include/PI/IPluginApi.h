@@ -41,6 +41,7 @@ using CRequestData = std::variant<std::monostate, std::vector<CAdapterID>, std::
 class PI_EXPORT IPLUGINAPI
 {
 public:
+    /** Called from a thread of the plug-in's. */
     using HostCallback = void (*)(std::uintptr_t context, IPLUGINAPI* plugin);
 
     /** The interface that this header describes; a host refuses an object with another version word. */

@@ -32,14 +32,17 @@ class COperation
 {
 public:
     COperation() = default;
+    /** Asked for under the identifier of `words`. */
     explicit COperation(const COperationTemplate& words) : m_Words(words), m_RequestedId(words.m_Id) {}
 
     /** The identifier that decides what is done. */
     std::uint32_t Id() const { return m_Words.m_Id; }
     /** The identifier under which the operation was asked for. */
     std::uint32_t RequestedId() const { return m_RequestedId; }
+    /** The constant words that it was made from. */
     const COperationTemplate& Words() const { return m_Words; }
 
+    /** What the operation came to, if it collects events. */
     void SetEvents(std::vector<CEvent> events) { m_Events = std::move(events); }
     const std::vector<CEvent>& Events() const { return m_Events; }
 

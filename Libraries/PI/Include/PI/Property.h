@@ -65,12 +65,19 @@ public:
     /** A property that is built without a description. Its caption, units and kind are set one by one. */
     CProperty(std::uint32_t propertyId, bool settable);
 
+    // The value in place of the former one, whatever type that had; description and kind stay.
+    /** A text; null is an empty one. */
     void SetValue(const char* text);
     void SetValue(std::string text);
+    /** An integer, in the property's units. */
     void SetValue(std::uint64_t number);
+    /** A fraction, in the property's units. */
     void SetValue(float number);
+    /** An integer with its bounds, which are not enforced. */
     void SetValue(std::int32_t value, std::int32_t minimum, std::int32_t maximum, std::int32_t step);
+    /** A code. */
     void SetValue(std::uint32_t code, const std::vector<std::uint32_t>& allowed);
+    /** Several codes. */
     void SetValue(const std::vector<std::uint32_t>& codes, const std::vector<std::uint32_t>& allowed);
 
     /** The bounded integer in it. Returns false, with the four untouched, when the value is of another type.
@@ -78,6 +85,7 @@ public:
     bool GetValue(std::int32_t& value, std::int32_t& minimum, std::int32_t& maximum,
                   std::int32_t& step) const;
 
+    /** The value; empty until it is set. */
     const Value& GetValue() const { return m_Value; }
 
     void SetNlsID(std::uint32_t nlsId) { m_Description.nlsId = nlsId; }

@@ -27,7 +27,9 @@ public:
      */
     [[nodiscard]] std::uint32_t Init(bool initiallySignalled, bool manualReset);
 
+    /** Signals the event. Safe from any thread. */
     void Set();
+    /** Takes the signal back. Safe from any thread. */
     void Reset();
 
     /** Waits at most `timeout` milliseconds. Returns `Taken`, `TimedOut` or `Failed`. */

@@ -24,6 +24,7 @@ struct CErrorMessageList
 class TLX_EXPORT CModuleInfo
 {
 public:
+    /** `languageFile` must outlive it. */
     CModuleInfo(std::uint32_t number, std::string name, std::string version,
                 const Language_Support::CLanguageSupport::CLngFile& languageFile,
                 const CErrorMessageList& errors);

@@ -32,6 +32,7 @@ public:
     ISink(const ISink&) = delete;
     ISink& operator=(const ISink&) = delete;
 
+    /** Takes one line, or drops it. */
     virtual void Write(const CLine& line) noexcept = 0;
 };
 
@@ -54,7 +55,8 @@ TLX_EXPORT std::shared_ptr<ISink> standardErrorSink();
 TLX_EXPORT std::shared_ptr<ISink> rotatingFileSink(const std::filesystem::path& file,
                                                    std::uint64_t maximumSize = 8U << 20U, unsigned keep = 3);
 
-/** Sets where all lines of the process go; null (the initial state): nowhere. */
+/** Sets where all lines of the process go; null (the initial state): nowhere. No line reaches the former sink
+ * after this returns. Safe from any thread. */
 TLX_EXPORT void setSink(std::shared_ptr<ISink> sink);
 
 /** Sets the mask of module `moduleNumber`, loaded already or to be loaded later. */

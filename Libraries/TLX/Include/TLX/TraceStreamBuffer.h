@@ -27,8 +27,10 @@ public:
     CTraceStreamBuffer(const CTraceStreamBuffer&) = delete;
     CTraceStreamBuffer& operator=(const CTraceStreamBuffer&) = delete;
 
+    /** The format, or a text argument. */
     CTraceStreamBuffer& operator<<(std::string_view text) noexcept;
 
+    /** A number, as an argument. */
     template<std::integral T>
     CTraceStreamBuffer& operator<<(T value) noexcept
     {

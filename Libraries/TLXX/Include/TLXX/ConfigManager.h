@@ -8,6 +8,7 @@
 
 namespace TLXX {
 
+/** Where the machine's controllers sit. */
 class TLXX_EXPORT CConfigManager
 {
 public:

@@ -34,6 +34,7 @@ public:
     /** The disks there are now, in the order in which `Location` counts their controllers. */
     virtual std::vector<CDeviceEntry> Enumerate() = 0;
 
+    // What `NvmeQuery.h` asks of the disk at `path`.
     virtual std::uint32_t IdentifyController(const std::string& path,
                                              NVME_IDENTIFY_CONTROLLER& controller) = 0;
     virtual std::uint32_t IdentifyNamespace(const std::string& path, NVME_IDENTIFY_NAMESPACE& name_space) = 0;

@@ -14,16 +14,20 @@
 // `std::runtime_error` or `std::bad_alloc` when descriptors or memory run out before there is a status.
 namespace TLXX {
 
+/** Identify, CNS 01h. */
 TLXX_EXPORT std::uint32_t NVMeStorageQueryPropertyIdentifyController(const std::string& path,
                                                                      NVME_IDENTIFY_CONTROLLER& controller);
 
+/** Identify, CNS 00h, of the disk's namespace. */
 TLXX_EXPORT std::uint32_t NVMeStorageQueryPropertyIdentifyNamespace(const std::string& path,
                                                                     NVME_IDENTIFY_NAMESPACE& name_space);
 
+/** Get Log Page 02h. */
 TLXX_EXPORT std::uint32_t
 NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(const std::string& path,
                                                   NVME_SMART_HEALTH_INFORMATION_LOG& log);
 
+/** Get Log Page `logIdentifier`; what stands in the page is the maker's affair. */
 TLXX_EXPORT std::uint32_t NVMeStorageQueryPropertyGetVendorSpecificLogPage(const std::string& path,
                                                                            std::uint8_t logIdentifier,
                                                                            VendorLogPage& page);
@@ -45,6 +49,7 @@ enum class EQuery : std::uint8_t
 class TLXX_EXPORT CQuerySession
 {
 public:
+    /** Opens nothing yet. */
     explicit CQuerySession(std::string path);
     ~CQuerySession();
     CQuerySession(const CQuerySession&) = delete;
@@ -56,7 +61,7 @@ private:
     std::unique_ptr<Native> m_Native;
 };
 
-/** The status of the last query of this kind of `path`; none when there was none. */
+/** The status of the last query of this kind of `path`; none when there was none. Safe from any thread. */
 TLXX_EXPORT std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query);
 
 /** A status in words, such as "permission denied" or "the drive answered with status 0x2002". */

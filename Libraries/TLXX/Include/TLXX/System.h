@@ -6,6 +6,7 @@
 
 namespace TLXX {
 
+/** The system that runs the drives. */
 class TLXX_EXPORT CSystem
 {
 public:

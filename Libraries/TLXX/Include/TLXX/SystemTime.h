@@ -6,6 +6,7 @@
 
 namespace TLXX {
 
+/** Instants as calendar dates. */
 class TLXX_EXPORT CSystemTime_Win
 {
 public:

@@ -30,7 +30,9 @@ public:
         return *this;
     }
 
+    /** Whether it owns a handle. */
     bool Valid() const { return m_Handle != Policy::none(); }
+    /** The handle, which stays its own. */
     Handle Get() const { return m_Handle; }
 
 private:

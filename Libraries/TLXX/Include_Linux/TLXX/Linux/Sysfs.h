@@ -37,8 +37,10 @@ struct CController
  */
 TLXX_EXPORT std::vector<CController> listControllers(const std::filesystem::path& root);
 
-/** The sysfs that this process reads; "/sys" unless it was set. Recorded trees are read through this. */
+/** The sysfs that this process reads; "/sys" unless it was set. Safe from any thread. */
 TLXX_EXPORT std::filesystem::path sysfsRoot();
+
+/** Lets the process read another sysfs, such as a recorded tree. Safe from any thread. */
 TLXX_EXPORT void setSysfsRoot(std::filesystem::path root);
 
 /**
