@@ -55,7 +55,8 @@ TEST_F(KeptStatements, AreThoseThatWereUsedLast)
         Query("SELECT 'once' AS N" + std::to_string(number));
         Query("SELECT 'used again and again'");
     }
-    EXPECT_EQ(Count("sql LIKE 'SELECT ? AS N%'"), "49");
+    // The one that is used again, and this one that counts, are among the fifty.
+    EXPECT_EQ(Count("sql LIKE 'SELECT ? AS N%'"), "48");
     EXPECT_EQ(Count("sql = 'SELECT ?' AND run = 201"), "1");
 }
 
