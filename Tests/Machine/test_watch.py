@@ -71,7 +71,9 @@ class Watch(unittest.TestCase):
         for step in STEPS:
             if not step.startswith("warned"):
                 continue
-            drives = json.loads(self.files[f"ostrel/list-{step}.out"])["drives"]
+            document = json.loads(self.files[f"ostrel/list-{step}.out"])
+            self.assertEqual(schemas.wrong("list", document), [], step)
+            drives = document["drives"]
             (drive,) = [each for each in drives if each["serial"] == "WARNED"]
             code, reasons = inventory.health(int(step.split("-")[1], 16))
             self.assertEqual((drive["healthCode"], drive.get("reasonCodes", [])), (code, reasons), step)
@@ -96,7 +98,9 @@ class Watch(unittest.TestCase):
     def test_set(self):
         """set writes the settings of the folder that watch runs on"""
         self.assertEqual(self.files["ostrel/set.code"].strip(), b"0", self.files["ostrel/set.err"])
-        self.assertEqual(json.loads(self.files["ostrel/set.out"])["property"]["value"], 60)
+        document = json.loads(self.files["ostrel/set.out"])
+        self.assertEqual(schemas.wrong("property", document), [])
+        self.assertEqual(document["property"]["value"], 60)
         self.assertEqual(self.files["ini"], b"PollInterval=60\n")
         names = [row["Name"] for row in json.loads(self.files["set/Adapter.json"])]
         self.assertEqual(sorted(names), [f"NVMe{maker} PCI Adapter ({number})"

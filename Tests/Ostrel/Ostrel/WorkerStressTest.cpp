@@ -12,6 +12,7 @@
 #include <set>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -29,8 +30,20 @@ constexpr int FEWEST_REQUESTS = 10;        ///< of each thread
 constexpr std::uint32_t STABLE_DRIVES = 4; ///< never unplugged, so that every list has something in it
 constexpr std::uint32_t SLOTS = 12;
 
-/** When an event was made and what it says. The time stands still within a round and moves between them. */
-using EventKey = std::pair<std::uint64_t, std::uint32_t>;
+/**
+ * When an event was made, what it says, and of the drive in which slot. The time stands still within a round
+ * and moves between them, and no slot changes twice in a round: there are no two events of one key.
+ */
+using EventKey = std::tuple<std::uint64_t, std::uint32_t, std::uint32_t>;
+
+/** An adapter is named by its number, one more than its slot, or by its serial number. */
+std::uint32_t slotNamed(const std::string& adapter)
+{
+    const std::string distinction = adapter.substr(adapter.rfind('(') + 1);
+    if (distinction.starts_with("SN"))
+        return static_cast<std::uint32_t>(std::stoul(distinction.substr(2)));
+    return static_cast<std::uint32_t>(std::stoul(distinction)) - 1;
+}
 
 /**
  * Eight host threads send requests 2 and 4 to 10 at random while the worker runs one cycle after another over
@@ -74,7 +87,7 @@ protected:
     {
         const bool raised = m_Raised.erase(slot) == 0 && m_Raised.insert(slot).second;
         m_Drives.Change(slot, [raised](CFakeDrive& drive) { drive.Warning(raised ? 0x04 : 0); });
-        Expect(raised ? 11088 : 10980);
+        Expect(raised ? 11088 : 10980, slot);
     }
 
     /** Puts a drive in, each time a new one, or takes it out. */
@@ -85,15 +98,29 @@ protected:
             m_Plugged.insert(slot);
             m_Drives.Add(
                 CFakeDrive(slot).Serial("SN" + std::to_string(slot) + "-" + std::to_string(++m_Made)));
-            Expect(11093);
+            Expect(11093, slot);
         } else {
             m_Drives.Remove("/dev/nvme" + std::to_string(slot) + "n1");
-            Expect(11094);
+            Expect(11094, slot);
             m_Plugged.erase(plugged);
         }
     }
 
-    void Expect(std::uint32_t id) { m_Expected.emplace_back(m_Clock.Now(), id); }
+    void Expect(std::uint32_t id, std::uint32_t slot) { m_Expected.emplace_back(m_Clock.Now(), id, slot); }
+
+    /** Has the host know the slots that are empty yet, so that every adapter has a name from the first. */
+    void NumberTheEmptySlots()
+    {
+        for (std::uint32_t slot = STABLE_DRIVES; slot < SLOTS; ++slot) {
+            const TLXX::CPciLocation location = *CFakeDrive(slot).m_Location;
+            PI::CAdapterID& identity = m_Identities.emplace_back();
+            identity.m_Segment = static_cast<std::uint32_t>(location.m_Segment);
+            identity.m_Bus = static_cast<std::uint32_t>(location.m_Bus);
+            identity.m_Device = static_cast<std::uint32_t>(location.m_Device);
+            identity.m_Function = static_cast<std::uint32_t>(location.m_Function);
+            identity.m_AdapterNumber = slot + 1;
+        }
+    }
 
     /** The body of one host thread. */
     void SendRequests(unsigned seed)
@@ -215,7 +242,7 @@ protected:
         EXPECT_EQ(m_Api.Request(PI::REQUEST_EXECUTE_OPERATION, m_PluginId, data), PI::ERR_SUCCESS);
         const std::scoped_lock guard(m_Lock);
         for (const PI::CEvent& event : std::get<PI::COperation>(data).Events())
-            m_Collected.emplace_back(event.m_Time, event.m_Id);
+            m_Collected.emplace_back(event.m_Time, event.m_Id, slotNamed(event.SourceText()));
     }
 
     /** An object may be gone by the time it is asked for. */
@@ -248,6 +275,7 @@ protected:
 TEST_F(WorkerStress, EveryEventIsCollectedOnceAndEveryAnswerHoldsTogether)
 {
     Initialize();
+    NumberTheEmptySlots();
     m_PluginId = m_Api.m_Plugin.m_ID;
     EXPECT_TRUE(m_Enumerated.Wait(0) == TLX::Threading::WaitResult::Taken);
     ASSERT_EQ(StartWorker(), PI::ERR_SUCCESS);
