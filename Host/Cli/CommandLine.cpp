@@ -72,8 +72,9 @@ constexpr char WATCH_FOOTER[] =
     R"(A line for each event: local time, severity, what happened, and to which drive.
 With --json each line is one JSON object. Ends with Ctrl+C or a termination
 signal, or after the SECONDS. Database, adapter numbers and "Ostrel.ini" are in
-the data folder (--data DIR, otherwise the system's folder). "Ostrel.ini" is
-read at the start: "set", or anybody else who changes it meanwhile, is not
+the data folder (--data DIR, otherwise the system's folder, but for a simulated
+fleet, of which nothing is kept unless --data is given). "Ostrel.ini" is read at
+the start: "set", or anybody else who changes it meanwhile, is not
 noticed before the next one.
 All options of "ostrel --help" may be given, too.
 
@@ -153,6 +154,10 @@ public:
                                                     " \"ostrel " + commandInQuestion(error) +
                                                     "--help\" tells what there is.");
         }
+        if (m_Options.m_Command == Command::Set && m_Options.m_Fleet && !m_Options.m_Data)
+            throw Failure(ExitCode::WrongUsage,
+                          "A simulated fleet has no settings of its own. Name a folder for "
+                          "them with --data.");
         return std::move(m_Options);
     }
 
@@ -359,9 +364,11 @@ std::optional<std::uint32_t> parseMask(std::string_view text)
     return fitting(startsWithIgnoringCase(text, "0x") ? parseHexadecimal(text) : parseNumber(text, 10));
 }
 
-bool keepsData(Command command)
+bool keepsData(const Options& options)
 {
-    return command == Command::Set || command == Command::Watch;
+    const bool isKeeper = options.m_Command == Command::Set || options.m_Command == Command::Watch;
+    // Drives that are none do not belong among those of the machine.
+    return options.m_Data || (isKeeper && !options.m_Fleet);
 }
 
 bool addTraceMask(std::string_view text, TraceOptions& trace)

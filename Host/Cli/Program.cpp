@@ -198,7 +198,7 @@ ExitCode execute(const Options& options, Platform::ResultChannel& results, Messa
     const std::filesystem::path programFolder = Platform::programFolder();
     const HostFolders folders = {shareFolder(programFolder),
                                  options.m_Data.value_or(Platform::defaultDataFolder()),
-                                 options.m_Data || keepsData(options.m_Command),
+                                 keepsData(options),
                                  options.m_Command == Command::Watch ? WATCH_PATIENCE : 0};
     const HostSetup setup(folders, options.m_Trace, options.m_Fleet,
                           [&](const std::string& warning) { messages.tell(warning); });

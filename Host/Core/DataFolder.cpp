@@ -35,9 +35,12 @@ void makeFolder(const std::filesystem::path& folder)
     std::filesystem::create_directories(folder, error);
     if (!error && !std::filesystem::is_directory(folder, error) && !error)
         error = std::make_error_code(std::errc::not_a_directory);
+    const bool isDenied =
+        error == std::errc::permission_denied || error == std::errc::operation_not_permitted;
     if (error)
-        throw Failure(ExitCode::WrongUsage, "The data folder " + printable(folder.string()) +
-                                                " cannot be used: " + error.message() + ".");
+        throw Failure(isDenied ? ExitCode::NoPermission : ExitCode::WrongUsage,
+                      "The data folder " + printable(folder.string()) +
+                          " cannot be used: " + error.message() + ".");
 }
 
 /** Null for what is no adapter. */

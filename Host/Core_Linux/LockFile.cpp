@@ -9,11 +9,21 @@
 
 namespace Host::Platform {
 
+namespace {
+
+int openToLock(const std::filesystem::path& file)
+{
+    constexpr int flags = O_CLOEXEC | O_NOFOLLOW;
+    const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | flags, 0644);
+    // Somebody else's file can be locked as well, but not written to.
+    return descriptor >= 0 ? descriptor : open(file.c_str(), O_RDONLY | O_NONBLOCK | flags);
+}
+
+} // namespace
+
 struct LockFile::Native
 {
-    explicit Native(const std::filesystem::path& file)
-        : m_Descriptor(open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0644))
-    {}
+    explicit Native(const std::filesystem::path& file) : m_Descriptor(openToLock(file)) {}
     ~Native()
     {
         if (m_Descriptor >= 0)

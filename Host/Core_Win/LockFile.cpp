@@ -30,6 +30,10 @@ bool LockFile::take()
     // Others may read what is in it, but not open it to write.
     m_Native->m_Handle = CreateFileW(m_Native->m_File.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                      CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    // Somebody else's file, which only he may write to, can still tell whether he does.
+    if (m_Native->m_Handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_ACCESS_DENIED)
+        m_Native->m_Handle = CreateFileW(m_Native->m_File.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (m_Native->m_Handle == INVALID_HANDLE_VALUE)
         return GetLastError() != ERROR_SHARING_VIOLATION;
     const std::string identifier = std::to_string(GetCurrentProcessId()) + "\r\n";

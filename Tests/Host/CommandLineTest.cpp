@@ -93,11 +93,28 @@ TEST(CommandLine, TakesSeveralPluginsAndMasks)
     EXPECT_FALSE(parse({"list", "--trace", "313=0"}).m_Trace.wanted());
 }
 
-TEST(CommandLine, OnlySetAndWatchKeepDataUnasked)
+TEST(CommandLine, OnlySetAndWatchOfRealDrivesKeepDataUnasked)
 {
-    EXPECT_TRUE(keepsData(Command::Set) && keepsData(Command::Watch));
-    for (const Command command : {Command::List, Command::Topology, Command::Show, Command::Doctor})
-        EXPECT_FALSE(keepsData(command));
+    EXPECT_TRUE(keepsData(parse({"set", "plugin", "pollinterval", "60"})));
+    EXPECT_TRUE(keepsData(parse({"watch"})));
+    EXPECT_FALSE(keepsData(parse({"watch", "--simulate", "f.json"})));
+    EXPECT_TRUE(keepsData(parse({"watch", "--simulate", "f.json", "--data", "d"})));
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"list"}, {"topology"}, {"show", "plugin"}, {"doctor"}}) {
+        EXPECT_FALSE(keepsData(parse(words)));
+        std::vector<std::string> told = words;
+        told.insert(told.end(), {"--data", "d"});
+        EXPECT_TRUE(keepsData(parse(told)));
+    }
+}
+
+TEST(CommandLine, SimulatedDrivesHaveNoSettingsOfTheMachine)
+{
+    const std::vector<std::string> set = {"set", "plugin", "pollinterval", "60", "--simulate", "f.json"};
+    EXPECT_THAT(refusalOf(set), HasSubstr("Name a folder for them with --data."));
+    std::vector<std::string> told = set;
+    told.insert(told.end(), {"--data", "d"});
+    EXPECT_EQ(refusalOf(told), "accepted");
 }
 
 TEST(CommandLine, HasQuietDefaults)

@@ -113,6 +113,18 @@ TEST_F(DataFolder, IsKeptByOneAtATime)
     EXPECT_TRUE(Host::DataFolderClaim(m_Folder.Path(), 0).granted());
 }
 
+TEST_F(DataFolder, IsKeptByOneAtATimeWhoeverMayWriteToTheLock)
+{
+    using std::filesystem::perms;
+    m_Claim.emplace(m_Folder.Path(), 0U);
+    const std::filesystem::path lock = m_Folder.Path() / "Ostrel.lock";
+    std::filesystem::permissions(lock, perms::owner_read | perms::group_read | perms::others_read);
+    EXPECT_FALSE(Host::DataFolderClaim(m_Folder.Path(), 0).granted());
+    m_Claim.reset();
+    EXPECT_TRUE(Host::DataFolderClaim(m_Folder.Path(), 0).granted());
+    std::filesystem::permissions(lock, perms::owner_read | perms::owner_write);
+}
+
 TEST_F(DataFolder, IsWaitedForWhileAnotherOneKeepsIt)
 {
     TestSupport::CVirtualClock clock;

@@ -41,6 +41,16 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
+// The one of the sanitizers would not come by here.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    try {
+        return operator new(size);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* memory) noexcept
 {
     std::free(memory);
