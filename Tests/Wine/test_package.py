@@ -71,6 +71,13 @@ class Package(unittest.TestCase):
         serials = [drive["serial"] for drive in stage.document(run)["drives"]]
         self.assertEqual((len(serials), serials[-1]), (8, "TINY-1"))
 
+        trace = self.prefix.drive_c / "trace.log"
+        run = self.run_program("--simulate", f"Z:{fleet}", "--plugin", f"Z:{built}/TinyPlugin.dll", "--trace", "313=4",
+                               "--trace", "1000=2", "--trace-file", f"Z:{trace}", "topology")
+        self.assertEqual(run.code, 0, run.err)
+        self.assertEqual({tuple(line.split(" ")[1:3]) for line in trace.read_text().splitlines()},
+                         {("Ostrel", "4"), ("Tiny", "2")})
+
     def test_shared_files(self):
         """of what the program and its users share there is nothing that only other systems read"""
         (program,) = self.programs
