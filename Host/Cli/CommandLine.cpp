@@ -272,6 +272,10 @@ private:
     /** The library would call for a command even where there is a word that is none. */
     std::string complaint(const CLI::ParseError& error) const
     {
+        // "json was given a disallowed flag override", whereupon the words behind are not looked at.
+        const std::string text = error.what();
+        if (text.ends_with("flag override"))
+            return "--" + text.substr(0, text.find(' ')) + " takes no value";
         const std::vector<std::string> unknown = m_App.remaining(true);
         if (!unknown.empty() && isOption(unknown.front())) {
             if (const CLI::App* command = commandWith(unknown.front()))
@@ -285,7 +289,6 @@ private:
         if (!unknown.empty())
             return "\"" + unknown.front() + "\" is one word too many";
         // "--for: 1 required TEXT missing", "--data: At most 1 required but received 2"
-        std::string text = error.what();
         if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr)
             return text;
         return text.substr(0, text.find(':')) +
