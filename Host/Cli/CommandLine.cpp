@@ -141,9 +141,7 @@ public:
     {
         refuseEmptyValues(words);
         try {
-            std::reverse(words.begin(), words.end());
-            words.pop_back();
-            m_App.parse(words);
+            take(std::move(words));
         } catch (const CLI::CallForHelp&) {
             throw TextAsked(help());
         } catch (const CLI::CallForVersion& version) {
@@ -156,7 +154,26 @@ public:
         return std::move(m_Options);
     }
 
+    std::string commandIn(std::vector<std::string> words)
+    {
+        try {
+            take(std::move(words));
+        } catch (const std::exception&) {
+            // The command may have been recognised before.
+        }
+        const std::vector<CLI::App*> commands = m_App.get_subcommands();
+        return commands.empty() ? "" : commands.front()->get_name();
+    }
+
 private:
+    /** The library wants the words in reverse, without the program's. */
+    void take(std::vector<std::string> words)
+    {
+        std::reverse(words.begin(), words.end());
+        words.pop_back();
+        m_App.parse(words);
+    }
+
     /** The library would take the next word for the value, and miss it where it belongs. */
     static void refuseEmptyValues(const std::vector<std::string>& words)
     {
@@ -385,6 +402,11 @@ bool addTraceMask(std::string_view text, TraceOptions& trace)
 Options parseCommandLine(const std::vector<std::string>& words)
 {
     return Parser().parse(words);
+}
+
+std::string commandIn(const std::vector<std::string>& words)
+{
+    return Parser().commandIn(words);
 }
 
 } // namespace Host::Cli
