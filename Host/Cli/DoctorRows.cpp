@@ -66,6 +66,9 @@ Check checkKeptRows(const std::filesystem::path& file)
     std::error_code error;
     if (std::filesystem::symlink_status(file, error).type() == std::filesystem::file_type::not_found)
         return checkPlaceOf(file);
+    if (std::filesystem::status(file, error).type() == std::filesystem::file_type::not_found)
+        return note("database", file.string() + " is a link to nothing; \"watch\" and \"set\" make a file "
+                                                "there if they can");
     const bool isFile = std::filesystem::is_regular_file(file, error);
     if (isFile)
         error = Platform::accessError(file, Platform::Access::Read);

@@ -84,6 +84,14 @@ TEST_F(RowsOfAnOrdinaryUser, CannotBeReadWithoutPermission)
     EXPECT_THAT(check(file), refusal("Ostrel.db: Permission denied"));
 }
 
+TEST(PlaceOfRows, ALinkToNothingIsNoMissingFile)
+{
+    const TestSupport::CTemporaryFolder folder;
+    const std::filesystem::path link = folder.Path() / "Ostrel.db";
+    std::filesystem::create_symlink(folder.Path() / "nothing", link);
+    EXPECT_THAT(checkKeptRows(link), finding(Finding::Note, link.string() + " is a link to nothing"));
+}
+
 TEST(PlaceOfRows, ALinkToNothingIsInTheWayOfAFolder)
 {
     const TestSupport::CTemporaryFolder folder;
