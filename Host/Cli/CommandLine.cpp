@@ -142,9 +142,7 @@ public:
     {
         refuseEmptyValues(words);
         try {
-            std::reverse(words.begin(), words.end());
-            words.pop_back();
-            m_App.parse(words);
+            take(std::move(words));
         } catch (const CLI::CallForHelp&) {
             throw TextAsked(help());
         } catch (const CLI::CallForVersion& version) {
@@ -161,7 +159,26 @@ public:
         return std::move(m_Options);
     }
 
+    std::string commandIn(std::vector<std::string> words)
+    {
+        try {
+            take(std::move(words));
+        } catch (const std::exception&) {
+            // The command may have been recognised before.
+        }
+        const std::vector<CLI::App*> commands = m_App.get_subcommands();
+        return commands.empty() ? "" : commands.front()->get_name();
+    }
+
 private:
+    /** The library wants the words in reverse, without the program's. */
+    void take(std::vector<std::string> words)
+    {
+        std::reverse(words.begin(), words.end());
+        words.pop_back();
+        m_App.parse(words);
+    }
+
     /** The library would take the next word for the value, and miss it where it belongs. */
     static void refuseEmptyValues(const std::vector<std::string>& words)
     {
@@ -277,6 +294,10 @@ private:
     /** The library would call for a command even where there is a word that is none. */
     std::string complaint(const CLI::ParseError& error) const
     {
+        // "json was given a disallowed flag override", whereupon the words behind are not looked at.
+        const std::string text = error.what();
+        if (text.ends_with("flag override"))
+            return "--" + text.substr(0, text.find(' ')) + " takes no value";
         const std::vector<std::string> unknown = m_App.remaining(true);
         if (!unknown.empty() && isOption(unknown.front())) {
             if (const CLI::App* command = commandWith(unknown.front()))
@@ -290,7 +311,6 @@ private:
         if (!unknown.empty())
             return "\"" + unknown.front() + "\" is one word too many";
         // "--for: 1 required TEXT missing", "--data: At most 1 required but received 2"
-        std::string text = error.what();
         if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr)
             return text;
         return text.substr(0, text.find(':')) +
@@ -389,6 +409,11 @@ bool addTraceMask(std::string_view text, TraceOptions& trace)
 Options parseCommandLine(const std::vector<std::string>& words)
 {
     return Parser().parse(words);
+}
+
+std::string commandIn(const std::vector<std::string>& words)
+{
+    return Parser().commandIn(words);
 }
 
 } // namespace Host::Cli

@@ -58,4 +58,7 @@ bool addTraceMask(std::string_view text, TraceOptions& trace);
  */
 Options parseCommandLine(const std::vector<std::string>& words);
 
+/** The name of the command among these words, even where the others are wrong; empty when there is none. */
+std::string commandIn(const std::vector<std::string>& words);
+
 } // namespace Host::Cli

@@ -1,13 +1,10 @@
 #include "Cli/DoctorCommand.h"
 
 #include "Cli/Paragraph.h"
-#include "Core/DataFolder.h"
 #include "Core/DeviceAccess.h"
 #include "Core/PluginSet.h"
 #include "Core/Text.h"
 
-#include <Database/Maintenance.h>
-#include <DatabaseORM/DatabaseException.h>
 #include <PI/LifeTimeData.h>
 #include <TLX/LanguageSupport.h>
 
@@ -65,28 +62,9 @@ Check checkEndurance(const HostFolders& folders)
     }
 }
 
-Check badDatabase(const std::string& message)
-{
-    return problem(ExitCode::RequestFailed, "database", message,
-                   "See to the file and its folder, or name another folder with --data.");
-}
-
 std::string counted(std::size_t number, const std::string& things)
 {
     return std::to_string(number) + " " + things + (number == 1 ? "" : "s");
-}
-
-Check checkRows(const Session& session)
-{
-    const std::filesystem::path file = databaseFile(session.m_Folders.m_Data);
-    if (!session.keepsRows())
-        return checkKeptRows(file);
-    try {
-        checkDatabase();
-        return ok("database", file.string());
-    } catch (const DBEXCEPTION::DatabaseException& exception) {
-        return badDatabase(exception.what());
-    }
 }
 
 void checkRequests(PluginSet& plugins, const std::vector<TLXX::CControllerState>& states,
@@ -138,29 +116,6 @@ Check note(std::string subject, std::string message)
 Check problem(ExitCode exitCode, std::string subject, std::string message, std::string remedy)
 {
     return {Finding::Problem, std::move(subject), std::move(message), std::move(remedy), exitCode};
-}
-
-Check checkKeptRows(const std::filesystem::path& file)
-{
-    std::error_code error;
-    if (!std::filesystem::exists(file, error) && !error)
-        return ok("database", "there is no " + file.string() + " yet; \"watch\" and \"set\" make one");
-    if (!std::filesystem::is_regular_file(file, error))
-        return badDatabase(file.string() + (error ? ": " + error.message() : " is no file"));
-    try {
-        switch (inspectDatabase(file)) {
-        case EDatabaseTables::Present:
-            return ok("database", file.string() + ", which this run leaves as it is");
-        case EDatabaseTables::None:
-            return ok("database", file.string() + " is empty; \"watch\" and \"set\" fill it");
-        case EDatabaseTables::Foreign:
-            break;
-        }
-        return note("database", file.string() + " holds the tables of another release; the next \"watch\" or "
-                                                "\"set\" rebuilds them");
-    } catch (const DBEXCEPTION::DatabaseException& exception) {
-        return badDatabase(exception.what());
-    }
 }
 
 Checks examine(const Session& session)

@@ -43,7 +43,13 @@ std::vector<Check> examine(const Session& session);
 /** Whether the settings in `folder` are taken into account, each as it stands. */
 Check checkSettings(const std::filesystem::path& folder);
 
-/** Whether `file`, where commands that keep rows have them, can be read and is sound; changes nothing. */
+/** Whether the rows can be kept, or, where this run keeps none, could be. */
+Check checkRows(const Session& session);
+
+/**
+ * Whether `file`, where commands that keep rows have them, can be read and is sound, or, where there is none
+ * yet, could be made; changes nothing.
+ */
 Check checkKeptRows(const std::filesystem::path& file);
 
 /** Whether the system, its NVMe driver and this user's rights let drives be asked. */

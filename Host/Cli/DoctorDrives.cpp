@@ -1,5 +1,6 @@
 #include "Cli/DoctorCommand.h"
 #include "Cli/Drives.h"
+#include "Core/AdapterIdentities.h"
 #include "Core/DeviceAccess.h"
 #include "Core/Platform.h"
 
@@ -95,18 +96,6 @@ void checkIdentity(const TLXX::CControllerState& state, Checks& checks)
                                  "Disable or remove that drive; the others are then shown."));
 }
 
-bool isAt(const PI::CObject& adapter, const TLXX::CPciLocation& location)
-{
-    const auto equals = [&](std::uint32_t propertyId, std::int32_t expected) {
-        const PI::CProperty* property = findProperty(adapter, propertyId);
-        const auto* number =
-            property != nullptr ? std::get_if<std::uint64_t>(&property->GetValue()) : nullptr;
-        return number != nullptr && *number == static_cast<std::uint64_t>(expected);
-    };
-    return equals(PI::PROP_PCI_BUS, location.m_Bus) && equals(PI::PROP_PCI_DEVICE, location.m_Device) &&
-           equals(PI::PROP_PCI_FUNCTION, location.m_Function);
-}
-
 /** What a query of `device` that left the plug-in without its data ended with, in brackets. */
 std::string reasonText(const std::string& device, TLXX::EQuery query)
 {
@@ -194,7 +183,7 @@ Checks checkInventory(const std::vector<TLXX::CControllerState>& states, const O
         if (adapter == nullptr) {
             checks.push_back(checkMissing(state));
             dropped = true;
-        } else if (state.m_Location && !isAt(*adapter, *state.m_Location)) {
+        } else if (state.m_Location && pciLocation(*adapter) != state.m_Location) {
             checks.push_back(
                 note(state.m_Name, "sits at " + state.m_Location->Text() + ", but is shown at " +
                                        textOf(*adapter, PI::PROP_LOCATION) +

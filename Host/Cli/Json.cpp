@@ -99,6 +99,32 @@ Json documentJson(const Json& content, bool simulated)
     return document;
 }
 
+/** JSON lets DEL and the C1 controls stand as they are, but a terminal obeys them. */
+std::string withoutControls(const std::string& json)
+{
+    constexpr char lead = '\xC2'; // of U+0080 to U+00BF
+    std::string text;
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        const bool isLead = json[i] == lead && i + 1 < json.size();
+        const auto code = static_cast<unsigned char>(json[isLead ? i + 1 : i]);
+        if (isLead ? code < 0xA0 : code == 0x7F) {
+            std::array<char, 8> escape{};
+            (void)std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(code));
+            text += escape.data();
+            i += isLead ? 1 : 0;
+        } else
+            text += json[i];
+    }
+    return text;
+}
+
+std::string dumped(const Json& content, bool simulated, int indent)
+{
+    return withoutControls(
+               documentJson(content, simulated).dump(indent, ' ', false, Json::error_handler_t::replace)) +
+           '\n';
+}
+
 } // namespace
 
 Json propertyJson(const PI::CProperty& property)
@@ -197,13 +223,13 @@ Json failureJson(const std::string& message, const std::optional<RequestResult>&
 std::string documentText(const Json& content, bool simulated)
 {
     constexpr int indent = 2;
-    return documentJson(content, simulated).dump(indent, ' ', false, Json::error_handler_t::replace) + '\n';
+    return dumped(content, simulated, indent);
 }
 
 std::string lineText(const Json& content, bool simulated)
 {
     constexpr int oneLine = -1;
-    return documentJson(content, simulated).dump(oneLine, ' ', false, Json::error_handler_t::replace) + '\n';
+    return dumped(content, simulated, oneLine);
 }
 
 } // namespace Host::Cli

@@ -6,10 +6,10 @@
 
 namespace Host::Cli {
 
-std::string paragraph(const std::string& text, std::size_t indent, const Screen& screen)
+std::string paragraph(const std::string& text, std::size_t indent, const Screen& screen, Tone tone)
 {
     if (!screen.m_Width)
-        return text + '\n';
+        return toned(screen, tone, text) + '\n';
     std::string lines;
     std::size_t column = indent;
     for (std::size_t start = 0; start < text.size();) {
@@ -27,7 +27,7 @@ std::string paragraph(const std::string& text, std::size_t indent, const Screen&
         column += width;
         start = end + 1;
     }
-    return lines + '\n';
+    return toned(screen, tone, lines) + '\n';
 }
 
 } // namespace Host::Cli

@@ -215,10 +215,10 @@ class FailureReport
 {
 public:
     FailureReport(const std::vector<std::string>& words, Platform::ResultChannel& results, Messages& messages)
-        : m_Results(results),
+        : m_Words(words),
+          m_Results(results),
           m_Messages(messages),
           m_Json(asksFor(words, "--json")),
-          m_InLines(std::find(words.begin(), words.end(), "watch") != words.end()),
           m_Simulated(asksFor(words, "--simulate"))
     {}
 
@@ -227,9 +227,10 @@ public:
     {
         m_Messages.tell(message);
         try {
-            if (m_Json)
-                m_Results.write(
-                    (m_InLines ? lineText : documentText)(failureJson(message, result), m_Simulated));
+            if (m_Json) {
+                const auto text = commandIn(m_Words) == "watch" ? lineText : documentText;
+                m_Results.write(text(failureJson(message, result), m_Simulated));
+            }
         } catch (const std::exception& error) {
             // That the results cannot be written may be just what was told.
             if (error.what() != message)
@@ -239,10 +240,10 @@ public:
     }
 
 private:
+    const std::vector<std::string>& m_Words;
     Platform::ResultChannel& m_Results;
     Messages& m_Messages;
     const bool m_Json;
-    const bool m_InLines;
     const bool m_Simulated;
 };
 

@@ -28,7 +28,7 @@ constexpr std::size_t STEP = 2;
 /** A heading, and below it what there is to say. */
 std::string section(const std::string& heading, const std::string& text, const Screen& screen)
 {
-    return std::string(STEP, ' ') + toned(screen, Tone::Heading, heading) + '\n' +
+    return std::string(STEP, ' ') + paragraph(heading, STEP, screen, Tone::Heading) +
            std::string(2 * STEP, ' ') + paragraph(text, 2 * STEP, screen);
 }
 
@@ -52,7 +52,7 @@ std::string showText(const std::vector<const PI::CObject*>& objects, const Scree
 {
     std::string text;
     for (const PI::CObject* object : objects)
-        text += (text.empty() ? "" : "\n") + headingText(*object, screen) +
+        text += (text.empty() ? "" : "\n") + headingText(*object, screen, 0) +
                 propertiesText(*object, screen, STEP) + explanationText(*object, screen);
     return text;
 }

@@ -1,5 +1,6 @@
 #include "Cli/Table.h"
 
+#include "Cli/Paragraph.h"
 #include "Core/Text.h"
 
 #include <algorithm>
@@ -98,7 +99,7 @@ std::string Table::text(const Screen& screen) const
         if (std::find(shape.m_Shown.begin(), shape.m_Shown.end(), i) == shape.m_Shown.end())
             missing += (missing.empty() ? "" : ", ") + m_Columns[i].m_Title;
     if (!missing.empty())
-        text += toned(screen, Tone::Faint, "Too narrow for: " + missing) + '\n';
+        text += paragraph("Too narrow for: " + missing, 0, screen, Tone::Faint);
     return text;
 }
 

@@ -42,7 +42,7 @@ public:
     {
         if (!m_Shown.insert(&object).second)
             return {};
-        std::string text = std::string(indent, ' ') + headingText(object, m_Screen) +
+        std::string text = headingText(object, m_Screen, indent) +
                            propertiesText(object, m_Screen, indent + STEP) +
                            operationsText(object, indent + STEP);
         for (const PI::CObject* child : m_Store.childrenOf(object))
@@ -58,12 +58,19 @@ private:
 
 } // namespace
 
-std::string headingText(const PI::CObject& object, const Screen& screen)
+std::string headingText(const PI::CObject& object, const Screen& screen, std::size_t indent)
 {
     const std::string name = nameOf(object);
-    return toned(screen, Tone::Heading,
-                 printable(PI::PropertyValueToString(object.m_Type) + (name.empty() ? "" : " " + name))) +
-           "  " + toned(screen, Tone::Faint, identifierText(object.m_ID)) + '\n';
+    const std::string heading =
+        printable(PI::PropertyValueToString(object.m_Type) + (name.empty() ? "" : " " + name));
+    const std::string id = identifierText(object.m_ID);
+    const std::string margin(indent, ' ');
+    const bool fits =
+        !screen.m_Width || indent + displayWidth(heading) + STEP + displayWidth(id) <= *screen.m_Width;
+    return margin +
+           (fits ? toned(screen, Tone::Heading, heading) + std::string(STEP, ' ')
+                 : paragraph(heading, indent, screen, Tone::Heading) + margin) +
+           toned(screen, Tone::Faint, id) + '\n';
 }
 
 std::string propertiesText(const PI::CObject& object, const Screen& screen, std::size_t indent)
@@ -71,6 +78,11 @@ std::string propertiesText(const PI::CObject& object, const Screen& screen, std:
     std::size_t width = 0;
     for (const PI::CProperty& property : object.m_Properties)
         width = std::max(width, displayWidth(printable(captionText(property))));
+    // Beside captions that take most of a line values would stand word below word.
+    std::size_t column = indent + width + STEP;
+    const bool below = screen.m_Width && column > *screen.m_Width / 2;
+    if (below)
+        column = indent + STEP;
     std::string text;
     for (const PI::CProperty& property : object.m_Properties) {
         const std::string value = printable(valueText(property));
@@ -78,9 +90,10 @@ std::string propertiesText(const PI::CObject& object, const Screen& screen, std:
             continue;
         const std::string caption = printable(captionText(property));
         const auto* code = std::get_if<PI::CCodeValue>(&property.GetValue());
-        text += std::string(indent, ' ') + caption + std::string(width - displayWidth(caption) + STEP, ' ') +
-                (code != nullptr ? toned(screen, toneOfCode(code->m_Code), value) + '\n'
-                                 : paragraph(value, indent + width + STEP, screen));
+        text += std::string(indent, ' ') +
+                (below ? paragraph(caption, indent, screen) + std::string(column, ' ')
+                       : caption + std::string(column - indent - displayWidth(caption), ' ')) +
+                paragraph(value, column, screen, code != nullptr ? toneOfCode(code->m_Code) : Tone::Plain);
     }
     return text;
 }

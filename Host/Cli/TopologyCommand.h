@@ -8,7 +8,7 @@
 namespace Host::Cli {
 
 /** What an object is, what it is called, and its identifier. */
-std::string headingText(const PI::CObject& object, const Screen& screen);
+std::string headingText(const PI::CObject& object, const Screen& screen, std::size_t indent);
 
 /** The properties of `object`, a line each, captions aligned, behind `indent` blanks. */
 std::string propertiesText(const PI::CObject& object, const Screen& screen, std::size_t indent);

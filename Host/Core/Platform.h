@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 // What differs from system to system; each has a folder of its own behind this header.
@@ -21,6 +22,17 @@ std::filesystem::path programFolder();
 
 /** Where settings are kept when the user names no folder. */
 std::filesystem::path defaultDataFolder();
+
+/** What a process may want of a file or folder. */
+enum class Access
+{
+    Read,
+    AddFile,   ///< to this folder
+    AddFolder, ///< to this folder
+};
+
+/** Why the system refuses this process that access to what is at `path`; no error when it grants it. */
+std::error_code accessError(const std::filesystem::path& path, Access access);
 
 /** A loaded dynamic library; unloaded on destruction. */
 class DynamicLibrary

@@ -34,6 +34,14 @@ std::filesystem::path defaultDataFolder()
     return std::filesystem::path(home != nullptr ? home : "/") / ".local" / "state" / "ostrel";
 }
 
+std::error_code accessError(const std::filesystem::path& path, Access access)
+{
+    const int mode = access == Access::Read ? R_OK : W_OK | X_OK;
+    return faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0
+               ? std::error_code()
+               : std::error_code(errno, std::generic_category());
+}
+
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& file)
     : m_Handle(dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL))
 {

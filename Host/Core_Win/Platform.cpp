@@ -80,6 +80,21 @@ std::filesystem::path defaultDataFolder()
            L"Ostrel";
 }
 
+std::error_code accessError(const std::filesystem::path& path, Access access)
+{
+    const DWORD right = access == Access::Read      ? GENERIC_READ
+                        : access == Access::AddFile ? FILE_ADD_FILE
+                                                    : FILE_ADD_SUBDIRECTORY;
+    // The flag is what lets folders be opened.
+    const HANDLE handle =
+        CreateFileW(path.c_str(), right, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return {static_cast<int>(GetLastError()), std::system_category()};
+    CloseHandle(handle);
+    return {};
+}
+
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& file)
     : m_Handle(LoadLibraryExW(std::filesystem::absolute(file).make_preferred().c_str(), nullptr,
                               LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS))

@@ -142,6 +142,9 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
     EXPECT_THAT(refusalOf({"list", "--simulate"}), StartsWith("--simulate needs a value."));
     EXPECT_THAT(refusalOf({"watch", "--for"}), StartsWith("--for needs a value."));
     EXPECT_THAT(refusalOf({"list", "--data", "a", "--data", "b"}), StartsWith("--data may be given once."));
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"list", "--json=false"}, {"--json=1", "list"}})
+        EXPECT_THAT(refusalOf(words), StartsWith("--json takes no value."));
     EXPECT_THAT(refusalOf({"list", "--trace", "7x"}), HasSubstr("\"7x\" is no number"));
     for (const char* mask : {"=1", "313=", "313=x", "-1=1", "1=2=3", "4294967296=1"})
         EXPECT_THAT(refusalOf({"list", "--trace", mask}), HasSubstr("is no number")) << mask;

@@ -164,6 +164,14 @@ TEST_F(CheckInventoryTest, TellsOfADroppedDiskAndTheNumbersBehindIt)
                             finding(Finding::Note, "shift the numbers")));
 }
 
+TEST_F(CheckInventoryTest, TellsOfADiskShownInAnotherSegment)
+{
+    TLXX::CControllerState state = stateOf(0);
+    state.m_Location->m_Segment = 1;
+    EXPECT_THAT(check({state}, {m_First}),
+                ElementsAre(finding(Finding::Note, "sits at 0001:10:1f.1, but is shown at PCI:Bus=16&")));
+}
+
 TEST_F(CheckInventoryTest, TellsWhyADiskIsMissingByWhatItAnswered)
 {
     FakesOf drives(2);

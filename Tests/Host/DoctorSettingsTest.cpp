@@ -87,6 +87,18 @@ TEST_F(CheckKeptRows, SaysWhenThereAreNoneYet)
     EXPECT_TRUE(std::filesystem::is_empty(m_Folder.Path()));
 }
 
+TEST_F(CheckKeptRows, SaysWhenNoneCouldBeMade)
+{
+    const std::filesystem::path blocked = m_Folder.Write("file", "");
+    for (const char* name : {"Ostrel.db", "a/Ostrel.db", "a/b/Ostrel.db"}) {
+        const Check check = checkKeptRows(blocked / name);
+        EXPECT_THAT(check,
+                    finding(Finding::Problem, "none can be made: " + blocked.string() + " is no folder"));
+        EXPECT_EQ(check.m_ExitCode, ExitCode::RequestFailed);
+        EXPECT_THAT(check.m_Remedy, HasSubstr("--data"));
+    }
+}
+
 TEST_F(CheckKeptRows, LooksAndLeavesNothingBehind)
 {
     make("SELECT 1");

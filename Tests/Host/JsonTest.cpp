@@ -166,6 +166,16 @@ TEST_F(JsonTest, ADocumentBeginsWithItsFormat)
     EXPECT_EQ(lineText({{"id", 1}}, true), "{\"format\":1,\"simulated\":true,\"id\":1}\n");
 }
 
+TEST_F(JsonTest, EscapesEveryControlThatATerminalObeys)
+{
+    EXPECT_EQ(lineText({{"\u009B", "a\u007Fb\u0080c\u009Fd\x1B"}}),
+              R"({"format":1,"\u009b":"a\u007fb\u0080c\u009fd\u001b"})"
+              "\n");
+    const std::string harmless = "\u00A0\u00C2\u00DF\u2026\U0001F600~";
+    EXPECT_EQ(lineText({{"a", harmless}}), "{\"format\":1,\"a\":\"" + harmless + "\"}\n");
+    EXPECT_THAT(documentText({{"a", "\u009B"}}), testing::HasSubstr("\\u009b"));
+}
+
 TEST_F(JsonTest, ReplacesBytesThatAreNoUtf8)
 {
     EXPECT_EQ(Json::parse(documentText({{"a", "x\xFF"}}))["a"], "x\uFFFD");

@@ -76,6 +76,14 @@ TEST(Table, FitsEveryWidthThatItCanFit)
             EXPECT_LE(Host::displayWidth(line), width) << line;
 }
 
+TEST(Table, TheColumnsLeftOutAreNamedInLinesThatFit)
+{
+    Table table({{"A"}, {"Vendor", false, 0, 1}, {"Location", false, 0, 1}});
+    table.add({{"x"}, {"MAKER"}, {"PCI"}});
+    EXPECT_EQ(table.text({16, true}),
+              "\033[1mA\033[0m\nx\n\033[2mToo narrow for:\nVendor, Location\033[0m\n");
+}
+
 TEST(Table, ColoursTextAloneSoThatColumnsStayAligned)
 {
     Table table({{"A"}, {"B"}});

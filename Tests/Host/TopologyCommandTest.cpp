@@ -60,10 +60,28 @@ TEST_F(TopologyCommandTest, ShowsObjectsThatNameOneAnotherInACircleOnce)
 TEST_F(TopologyCommandTest, KeepsLongValuesInTheirColumnOnATerminal)
 {
     const Host::ObjectStore store(
-        {objectOf(1, PI::TYPE_ADAPTER, {}, {property(PI::PROP_DRIVER, 1, "one two three")})});
-    EXPECT_EQ(topologyText(store, {25, false}), "Adapter  0x0000000000000001\n"
-                                                "  Property 30266  one two\n"
-                                                "                  three\n");
+        {objectOf(1, PI::TYPE_ADAPTER, {}, {property(PI::PROP_DRIVER, 1, "one two three four five")})});
+    EXPECT_EQ(topologyText(store, {40, false}), "Adapter  0x0000000000000001\n"
+                                                "  Property 30266  one two three four\n"
+                                                "                  five\n");
+}
+
+TEST_F(TopologyCommandTest, FitsATerminalThatIsAsNarrowAsItsCaptions)
+{
+    const Host::ObjectStore store({objectOf(
+        1, PI::TYPE_ADAPTER, {},
+        {property(PI::PROP_NAME, 1, "A drive"), property(PI::PROP_DRIVER, 1, "one two three four five"),
+         property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{40460}, std::vector<std::uint32_t>{})})});
+    EXPECT_EQ(topologyText(store, {25, false}), "Adapter A drive\n"
+                                                "0x0000000000000001\n"
+                                                "  Property 30007\n"
+                                                "    A drive\n"
+                                                "  Property 30266\n"
+                                                "    one two three four\n"
+                                                "    five\n"
+                                                "  Property 30017\n"
+                                                "    Available spare below\n"
+                                                "    its threshold\n");
 }
 
 TEST_F(TopologyCommandTest, ColoursStates)

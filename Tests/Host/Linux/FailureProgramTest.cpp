@@ -15,6 +15,7 @@ using nlohmann::json;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 TEST(ProgramFailure, SaysWhatThereIsWhenANameIsUnknown)
 {
@@ -90,6 +91,15 @@ TEST(ProgramFailure, RefusesWrongUsage)
     EXPECT_FALSE(json::parse(document.m_Output)["error"].contains("request"));
     EXPECT_FALSE(json::parse(document.m_Output).contains("simulated"));
     EXPECT_EQ(json::parse(runProgram({"lst", "--simulate=x", "--json"}).m_Output)["simulated"], true);
+}
+
+TEST(ProgramFailure, IsOneLineForTheCommandWatchAlone)
+{
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"watch", "--json", "--for", "x"}, {"--json", "--bogus", "watch"}})
+        EXPECT_EQ(linesOf(runProgram(words).m_Output).size(), 1U);
+    EXPECT_THAT(runProgram(simulated({"show", "watch", "--json"})).m_Output, StartsWith("{\n"));
+    EXPECT_THAT(runProgram({"list", "watch", "--json"}).m_Output, StartsWith("{\n"));
 }
 
 TEST(ProgramFailure, RefusesAWrongFleetFile)

@@ -33,6 +33,20 @@ TEST(Terminal, ListFitsItsColumnsAndIsColoured)
     }
 }
 
+TEST(Terminal, ShowFitsANarrowOne)
+{
+    constexpr unsigned columns = 30;
+    const std::string shown =
+        runOnTerminal(simulated({"show", "DEMO-0006"}), columns, {{"TERM", "dumb"}}).m_Output;
+    EXPECT_THAT(shown, HasSubstr("Estimated end of life"));
+    const std::vector<std::string> lines = linesOf(shown);
+    // The first line names the fleet. A text without a blank cannot be broken.
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        const bool isOneWord = lines[i].find(' ', lines[i].find_first_not_of(' ')) == std::string::npos;
+        EXPECT_TRUE(isOneWord || Host::displayWidth(lines[i]) <= columns) << lines[i];
+    }
+}
+
 TEST(Terminal, HasNoColourWhereNoneIsWanted)
 {
     using HostTest::Environment;
