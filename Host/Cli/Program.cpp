@@ -197,8 +197,7 @@ ExitCode execute(const Options& options, Platform::ResultChannel& results, Messa
                              : Platform::Elsewhere::StandardError);
     const std::filesystem::path programFolder = Platform::programFolder();
     const HostFolders folders = {shareFolder(programFolder),
-                                 options.m_Data.value_or(Platform::defaultDataFolder()),
-                                 keepsData(options),
+                                 options.m_Data.value_or(Platform::defaultDataFolder()), keepsData(options),
                                  options.m_Command == Command::Watch ? WATCH_PATIENCE : 0};
     const HostSetup setup(folders, options.m_Trace, options.m_Fleet,
                           [&](const std::string& warning) { messages.tell(warning); });
