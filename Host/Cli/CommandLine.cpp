@@ -295,7 +295,7 @@ private:
     std::string complaint(const CLI::ParseError& error) const
     {
         // "json was given a disallowed flag override", whereupon the words behind are not looked at.
-        const std::string text = error.what();
+        std::string text = error.what();
         if (text.ends_with("flag override"))
             return "--" + text.substr(0, text.find(' ')) + " takes no value";
         const std::vector<std::string> unknown = m_App.remaining(true);
