@@ -1,5 +1,5 @@
-#include "Cli/Program.h"
-#include "Core/Platform.h"
+#include "Base/Platform.h"
+#include "Commands/Program.h"
 
 int main(int argc, char** argv)
 {

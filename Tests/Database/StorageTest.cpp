@@ -1,4 +1,4 @@
-#include "Core/Platform.h"
+#include "Base/Platform.h"
 #include "DatabaseFixture.h"
 
 #include <DatabaseORM/Keywords.h>

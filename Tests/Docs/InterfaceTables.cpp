@@ -1,7 +1,7 @@
 #include "InterfaceTables.h"
 
-#include "Core/PluginLibrary.h"
 #include "OstrelPlugin/Operations.h"
+#include "Plugins/PluginLibrary.h"
 #include "Support/FakeDrives.h"
 #include "Support/PluginUnderTest.h"
 #include "Support/TemporaryFolder.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Cli/DoctorCommand.h"
+#include "Commands/DoctorCommand.h"
 #include "Support/SystemStatus.h"
 
 #include <gmock/gmock.h>

@@ -1,0 +1,146 @@
+#include "Base/Platform.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <stdexcept>
+#include <system_error>
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace Host::Platform {
+
+std::vector<std::string> commandLine(int argc, char** argv)
+{
+    return {argv, argv + argc};
+}
+
+std::filesystem::path programFolder()
+{
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+}
+
+std::filesystem::path defaultDataFolder()
+{
+    if (geteuid() == 0)
+        return "/var/lib/ostrel";
+    // The XDG base directory specification has relative paths ignored.
+    if (const char* state = std::getenv("XDG_STATE_HOME"); state != nullptr && state[0] == '/')
+        return std::filesystem::path(state) / "ostrel";
+    const char* home = std::getenv("HOME");
+    return std::filesystem::path(home != nullptr ? home : "/") / ".local" / "state" / "ostrel";
+}
+
+std::error_code accessError(const std::filesystem::path& path, Access access)
+{
+    const int mode = access == Access::Read ? R_OK : W_OK | X_OK;
+    return faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0
+               ? std::error_code()
+               : std::error_code(errno, std::generic_category());
+}
+
+DynamicLibrary::DynamicLibrary(const std::filesystem::path& file)
+    : m_Handle(dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL))
+{
+    if (m_Handle == nullptr) {
+        const char* reason = dlerror();
+        throw std::runtime_error(reason != nullptr ? reason : "unknown reason");
+    }
+}
+
+DynamicLibrary::~DynamicLibrary()
+{
+    (void)dlclose(m_Handle);
+}
+
+void* DynamicLibrary::symbol(const char* name) const
+{
+    return dlsym(m_Handle, name);
+}
+
+struct ResultChannel::Native
+{
+    Native() = default;
+    ~Native()
+    {
+        if (m_Descriptor >= 0)
+            (void)close(m_Descriptor);
+    }
+    Native(const Native&) = delete;
+    Native& operator=(const Native&) = delete;
+
+    int m_Descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+};
+
+ResultChannel::ResultChannel() : m_Native(std::make_unique<Native>()) {}
+ResultChannel::~ResultChannel() = default;
+
+void ResultChannel::divertOthers(Elsewhere elsewhere)
+{
+    if (elsewhere == Elsewhere::StandardError && dup2(STDERR_FILENO, STDOUT_FILENO) >= 0)
+        return;
+    const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (null < 0)
+        throw std::system_error(errno, std::generic_category(), "/dev/null");
+    if (null == STDOUT_FILENO)
+        return;
+    (void)dup2(null, STDOUT_FILENO);
+    (void)close(null);
+}
+
+void ResultChannel::write(std::string_view text)
+{
+    while (!text.empty()) {
+        const ssize_t written = ::write(m_Native->m_Descriptor, text.data(), text.size());
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            throw std::system_error(errno, std::generic_category(), "standard output");
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+bool ResultChannel::isTerminal() const
+{
+    return isatty(m_Native->m_Descriptor) == 1;
+}
+
+unsigned ResultChannel::terminalWidth() const
+{
+    constexpr unsigned usual = 80;
+    winsize size{};
+    return ioctl(m_Native->m_Descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
+}
+
+bool ResultChannel::showsColours() const
+{
+    const char* const terminal = std::getenv("TERM");
+    return isTerminal() && terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
+}
+
+std::tm localTime(std::time_t time)
+{
+    std::tm result{};
+    (void)localtime_r(&time, &result);
+    return result;
+}
+
+bool errorsGoToTerminal()
+{
+    return isatty(STDERR_FILENO) == 1;
+}
+
+std::string_view permissionRemedy()
+{
+    return "Run it as root (sudo ostrel ...); NVMe admin commands need it.";
+}
+
+std::string_view driverRemedy()
+{
+    return "Load the kernel's NVMe driver (modprobe nvme), or give the device back to it.";
+}
+
+} // namespace Host::Platform

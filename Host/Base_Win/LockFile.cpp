@@ -1,0 +1,46 @@
+#include "Base/Platform.h"
+
+#include <string>
+#include <utility>
+
+#include <windows.h>
+
+namespace Host::Platform {
+
+struct LockFile::Native
+{
+    explicit Native(std::filesystem::path file) : m_File(std::move(file)) {}
+    ~Native()
+    {
+        if (m_Handle != INVALID_HANDLE_VALUE)
+            CloseHandle(m_Handle);
+    }
+    Native(const Native&) = delete;
+    Native& operator=(const Native&) = delete;
+
+    const std::filesystem::path m_File;
+    HANDLE m_Handle = INVALID_HANDLE_VALUE;
+};
+
+LockFile::LockFile(const std::filesystem::path& file) : m_Native(std::make_unique<Native>(file)) {}
+LockFile::~LockFile() = default;
+
+bool LockFile::take()
+{
+    // Others may read what is in it, but not open it to write.
+    m_Native->m_Handle = CreateFileW(m_Native->m_File.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                     CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    // Somebody else's file, which only he may write to, can still tell whether he does.
+    if (m_Native->m_Handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_ACCESS_DENIED)
+        m_Native->m_Handle = CreateFileW(m_Native->m_File.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (m_Native->m_Handle == INVALID_HANDLE_VALUE)
+        return GetLastError() != ERROR_SHARING_VIOLATION;
+    const std::string identifier = std::to_string(GetCurrentProcessId()) + "\r\n";
+    DWORD written = 0;
+    WriteFile(m_Native->m_Handle, identifier.data(), static_cast<DWORD>(identifier.size()), &written,
+              nullptr);
+    return true;
+}
+
+} // namespace Host::Platform

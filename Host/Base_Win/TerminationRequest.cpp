@@ -1,0 +1,59 @@
+#include "Base/Platform.h"
+
+#include <TLX/WaitResult.h>
+
+#include <system_error>
+
+#include <windows.h>
+
+namespace Host::Platform {
+namespace {
+
+// Where the system's thread finds them that tells of the console; it may come at any time.
+TLX::Threading::CEvent askedToEnd;
+TLX::Threading::CEvent hasEnded;
+
+BOOL WINAPI onConsole(DWORD what)
+{
+    if (askedToEnd.Wait(0) == TLX::Threading::WaitResult::Taken &&
+        (what == CTRL_C_EVENT || what == CTRL_BREAK_EVENT))
+        return FALSE;
+    askedToEnd.Set();
+    // Of a console that closes, and of a shutdown, the process does not survive this function's return.
+    if (what != CTRL_C_EVENT && what != CTRL_BREAK_EVENT)
+        (void)hasEnded.Wait();
+    return TRUE;
+}
+
+} // namespace
+
+struct TerminationRequest::Native
+{
+    Native()
+    {
+        if (askedToEnd.Init(false, true) != TLX::Threading::WaitResult::Taken ||
+            hasEnded.Init(false, true) != TLX::Threading::WaitResult::Taken ||
+            SetConsoleCtrlHandler(onConsole, TRUE) == FALSE)
+            throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "console");
+    }
+
+    ~Native()
+    {
+        // In this order: who takes a handler away waits until none runs.
+        hasEnded.Set();
+        SetConsoleCtrlHandler(onConsole, FALSE);
+    }
+
+    Native(const Native&) = delete;
+    Native& operator=(const Native&) = delete;
+};
+
+TerminationRequest::TerminationRequest() : m_Native(std::make_unique<Native>()) {}
+TerminationRequest::~TerminationRequest() = default;
+
+TLX::Threading::CEvent& TerminationRequest::asked()
+{
+    return askedToEnd;
+}
+
+} // namespace Host::Platform

@@ -1,0 +1,341 @@
+#include "Commands/CommandLine.h"
+
+#include "Base/Failure.h"
+#include "Base/Suggestion.h"
+#include "Base/Text.h"
+#include "Commands/HelpText.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+
+namespace Host::Cli {
+namespace {
+
+std::optional<std::uint32_t> fitting(std::optional<std::uint64_t> number)
+{
+    return number && *number <= std::numeric_limits<std::uint32_t>::max()
+               ? std::optional(static_cast<std::uint32_t>(*number))
+               : std::nullopt;
+}
+
+std::optional<std::uint32_t> parseSeconds(const std::string& text)
+{
+    return fitting(parseNumber(text, 10));
+}
+
+std::string refuseNoPath(const std::string& text)
+{
+    return text.empty() ? "needs a name behind it, not an empty text" : std::string();
+}
+
+std::string refuseBadMask(const std::string& text)
+{
+    TraceOptions ignored;
+    return addTraceMask(text, ignored)
+               ? std::string()
+               : "\"" + text + "\" is no number from 0 to 4294967295 or 0x0 to 0xFFFFFFFF";
+}
+
+std::string refuseBadSeconds(const std::string& text)
+{
+    return parseSeconds(text) ? std::string() : "\"" + text + "\" is no number from 0 to 4294967295";
+}
+
+/** The parser and what it parses into. */
+class Parser
+{
+public:
+    Parser()
+    {
+        m_App.require_subcommand(1);
+        m_App.get_formatter()->column_width(24);
+        m_App.get_formatter()->label("SUBCOMMAND", "COMMAND");
+        m_App.footer(PROGRAM_FOOTER);
+        m_App.set_version_flag("--version", "ostrel " OSTREL_VERSION, "Print the version and exit");
+        m_App.set_help_flag("-h,--help", "Print this help and exit");
+        addOptions();
+        addCommands();
+    }
+
+    Options parse(std::vector<std::string> words)
+    {
+        refuseEmptyValues(words);
+        try {
+            take(std::move(words));
+        } catch (const CLI::CallForHelp&) {
+            throw TextAsked(help());
+        } catch (const CLI::CallForVersion& version) {
+            throw TextAsked(std::string(version.what()) + '\n');
+        } catch (const CLI::ParseError& error) {
+            throw Failure(ExitCode::WrongUsage, printable(complaint(error)) + "." + suggestion() +
+                                                    " \"ostrel " + commandInQuestion(error) +
+                                                    "--help\" tells what there is.");
+        }
+        if (m_Options.m_Command == Command::Set && m_Options.m_Fleet && !m_Options.m_Data)
+            throw Failure(ExitCode::WrongUsage,
+                          "A simulated fleet has no settings of its own. Name a folder for "
+                          "them with --data.");
+        return std::move(m_Options);
+    }
+
+    std::string commandIn(std::vector<std::string> words)
+    {
+        try {
+            take(std::move(words));
+        } catch (const std::exception&) {
+            // The command may have been recognised before.
+        }
+        const std::vector<CLI::App*> commands = m_App.get_subcommands();
+        return commands.empty() ? "" : commands.front()->get_name();
+    }
+
+private:
+    /** The library wants the words in reverse, without the program's. */
+    void take(std::vector<std::string> words)
+    {
+        std::reverse(words.begin(), words.end());
+        words.pop_back();
+        m_App.parse(words);
+    }
+
+    /** The library would take the next word for the value, and miss it where it belongs. */
+    static void refuseEmptyValues(const std::vector<std::string>& words)
+    {
+        for (const std::string& word : words)
+            if (word.starts_with("--") && word.find('=') == word.size() - 1)
+                throw Failure(ExitCode::WrongUsage, "There is nothing behind \"" + printable(word) + "\".");
+    }
+
+    CLI::Option* addPath(const char* name, std::optional<std::filesystem::path>& path,
+                         const char* description)
+    {
+        return m_App
+            .add_option_function<std::string>(
+                name, [&path](const std::string& text) { path = pathFromUtf8(text); }, description)
+            ->check(refuseNoPath);
+    }
+
+    /** An option that may be given several times, each time with one value. */
+    CLI::Option* addList(const char* name, const std::function<void(const std::string&)>& add,
+                         const char* description)
+    {
+        return m_App
+            .add_option_function<std::vector<std::string>>(
+                name,
+                [add](const std::vector<std::string>& texts) {
+                    std::for_each(texts.begin(), texts.end(), add);
+                },
+                description)
+            ->allow_extra_args(false);
+    }
+
+    void addOptions()
+    {
+        addList(
+            "--plugin",
+            [this](const std::string& text) { m_Options.m_Plugins.push_back(pathFromUtf8(text)); },
+            "Plug-in to load beside the installed one")
+            ->option_text("FILE")
+            ->check(refuseNoPath);
+        addPath("--data", m_Options.m_Data, "Folder of database, adapter numbers and settings")
+            ->option_text("DIR");
+        addPath("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
+            ->option_text("FLEET.json");
+        CLI::Option* trace =
+            addList(
+                "--trace", [this](const std::string& text) { addTraceMask(text, m_Options.m_Trace); },
+                "Write trace lines of these levels (of module N)")
+                ->option_text("[N=]MASK")
+                ->check(refuseBadMask);
+        addPath("--trace-file", m_Options.m_Trace.m_File, "Where trace lines go instead of standard error")
+            ->option_text("FILE")
+            ->needs(trace);
+        addJson(m_App);
+    }
+
+    void addJson(CLI::App& app)
+    {
+        app.add_flag("--json", m_Options.m_Json, "Print one JSON document (watch: one object a line)")
+            ->disable_flag_override();
+    }
+
+    CLI::App* addCommand(Command command, const char* name, const char* description, const char* footer)
+    {
+        CLI::App* app = m_App.add_subcommand(name, description);
+        app->fallthrough();
+        app->footer(footer);
+        app->group("Commands");
+        // The help of a command tells its own options alone, and nobody should have to look for this one.
+        addJson(*app);
+        app->parse_complete_callback([this, command] { m_Options.m_Command = command; });
+        return app;
+    }
+
+    void addCommands()
+    {
+        addCommand(Command::List, "list", "One line a drive", LIST_FOOTER);
+        addCommand(Command::Topology, "topology", "Every object with its properties", TOPOLOGY_FOOTER);
+        CLI::App* show = addCommand(Command::Show, "show", "The properties of one object", SHOW_FOOTER);
+        show->add_option("OBJECT", m_Options.m_Object, "A drive or another object; see below")
+            ->required()
+            ->option_text(" ");
+        show->add_option("PROPERTY", m_Options.m_Property, "Number or caption of one property")
+            ->option_text(" ");
+        addSetCommand();
+        addWatchCommand();
+        addCommand(Command::Doctor, "doctor", "What can be seen here, what not, and why", DOCTOR_FOOTER);
+    }
+
+    void addSetCommand()
+    {
+        CLI::App* set = addCommand(Command::Set, "set", "Give a property another value", SET_FOOTER);
+        set->add_option("OBJECT", m_Options.m_Object, "As in \"show\"; today \"plugin\"")
+            ->required()
+            ->option_text(" ");
+        set->add_option("PROPERTY", m_Options.m_Property, "Number or caption of the property")
+            ->required()
+            ->option_text(" ");
+        set->add_option("VALUE", m_Options.m_Value, "The new value")->required()->option_text(" ");
+    }
+
+    void addWatchCommand()
+    {
+        CLI::App* watch =
+            addCommand(Command::Watch, "watch", "Each event of the drives as it comes", WATCH_FOOTER);
+        watch
+            ->add_option_function<std::string>(
+                "--for", [this](const std::string& text) { m_Options.m_Seconds = parseSeconds(text); },
+                "End after so many seconds")
+            ->option_text("SECONDS")
+            ->check(refuseBadSeconds);
+    }
+
+    /** The library would call for a command even where there is a word that is none. */
+    std::string complaint(const CLI::ParseError& error) const
+    {
+        // "json was given a disallowed flag override", whereupon the words behind are not looked at.
+        std::string text = error.what();
+        if (text.ends_with("flag override"))
+            return "--" + text.substr(0, text.find(' ')) + " takes no value";
+        const std::vector<std::string> unknown = m_App.remaining(true);
+        if (!unknown.empty() && isOption(unknown.front())) {
+            if (const CLI::App* command = commandWith(unknown.front()))
+                return "The option \"" + unknown.front() + "\" belongs behind the command \"" +
+                       command->get_name() + "\"";
+            return "There is no option \"" + unknown.front() + "\"";
+        }
+        if (m_App.get_subcommands().empty())
+            return unknown.empty() ? "A command is missing"
+                                   : "There is no command \"" + unknown.front() + "\"";
+        if (!unknown.empty())
+            return "\"" + unknown.front() + "\" is one word too many";
+        // "--for: 1 required TEXT missing", "--data: At most 1 required but received 2"
+        if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr)
+            return text;
+        return text.substr(0, text.find(':')) +
+               (text.ends_with("missing") ? " needs a value" : " may be given once");
+    }
+
+    /** The command that has this option for itself; null when none has. */
+    const CLI::App* commandWith(const std::string& word) const
+    {
+        const std::string option = word.substr(0, word.find('='));
+        for (const CLI::App* command : m_App.get_subcommands(nullptr))
+            if (command->get_option_no_throw(option) != nullptr)
+                return command;
+        return nullptr;
+    }
+
+    /** The command whose own words are wrong, and a blank; empty when it is an option that may be anybody's.
+     */
+    std::string commandInQuestion(const CLI::ParseError& error) const
+    {
+        const std::vector<CLI::App*> commands = m_App.get_subcommands();
+        const std::vector<std::string> unknown = m_App.remaining(true);
+        const bool concernsWords = unknown.empty()
+                                       ? dynamic_cast<const CLI::RequiredError*>(&error) != nullptr
+                                       : !isOption(unknown.front());
+        return commands.empty() || !concernsWords ? "" : commands.front()->get_name() + ' ';
+    }
+
+    static bool isOption(const std::string& word) { return word.starts_with('-'); }
+
+    /** What the first word that is not understood may have been meant to be. */
+    std::string suggestion() const
+    {
+        const std::vector<std::string> unknown = m_App.remaining(true);
+        if (unknown.empty() || commandWith(unknown.front()) != nullptr)
+            return {};
+        std::vector<std::string> known;
+        if (isOption(unknown.front()))
+            for (const CLI::App* app : appsInUse())
+                for (const CLI::Option* option : app->get_options())
+                    known.push_back(option->get_name());
+        else if (m_App.get_subcommands().empty())
+            for (const CLI::App* command : m_App.get_subcommands(nullptr))
+                known.push_back(command->get_name());
+        return didYouMean(unknown.front(), known);
+    }
+
+    std::vector<const CLI::App*> appsInUse() const
+    {
+        std::vector<const CLI::App*> apps = {&m_App};
+        for (const CLI::App* command : m_App.get_subcommands())
+            apps.push_back(command);
+        return apps;
+    }
+
+    std::string help() const
+    {
+        const std::vector<CLI::App*> commands = m_App.get_subcommands();
+        const std::string text = commands.empty() ? m_App.help() : commands.front()->help("ostrel");
+        return text.ends_with('\n') ? text : text + '\n';
+    }
+
+    CLI::App m_App{PROGRAM_HELP, "ostrel"};
+    Options m_Options;
+};
+
+} // namespace
+
+std::optional<std::uint32_t> parseMask(std::string_view text)
+{
+    return fitting(startsWithIgnoringCase(text, "0x") ? parseHexadecimal(text) : parseNumber(text, 10));
+}
+
+bool keepsData(const Options& options)
+{
+    const bool isKeeper = options.m_Command == Command::Set || options.m_Command == Command::Watch;
+    // Drives that are none do not belong among those of the machine.
+    return options.m_Data || (isKeeper && !options.m_Fleet);
+}
+
+bool addTraceMask(std::string_view text, TraceOptions& trace)
+{
+    const std::size_t sign = text.find('=');
+    const bool named = sign != std::string_view::npos;
+    const auto mask = parseMask(named ? text.substr(sign + 1) : text);
+    const auto module = named ? parseMask(text.substr(0, sign)) : std::nullopt;
+    if (!mask || (named && !module))
+        return false;
+    if (module)
+        trace.m_ModuleMasks[*module] = *mask;
+    else
+        trace.m_Mask = *mask;
+    return true;
+}
+
+Options parseCommandLine(const std::vector<std::string>& words)
+{
+    return Parser().parse(words);
+}
+
+std::string commandIn(const std::vector<std::string>& words)
+{
+    return Parser().commandIn(words);
+}
+
+} // namespace Host::Cli

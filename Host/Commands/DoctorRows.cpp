@@ -1,0 +1,93 @@
+#include "Base/Platform.h"
+#include "Commands/DoctorCommand.h"
+#include "Plugins/DataFolder.h"
+
+#include <Database/Maintenance.h>
+#include <DatabaseORM/DatabaseException.h>
+
+#include <system_error>
+
+namespace Host::Cli {
+namespace {
+
+Check badDatabase(const std::string& message, std::error_code error = {})
+{
+    return problem(error == std::errc::permission_denied ? ExitCode::NoPermission : ExitCode::RequestFailed,
+                   "database", message,
+                   "See to the file and its folder, or name another folder with --data.");
+}
+
+/** What is the matter with `path`, which is not `what` it should be or cannot be looked at. */
+std::string complaint(const std::filesystem::path& path, std::error_code error, const std::string& what)
+{
+    return path.string() + (error ? ": " + error.message() : " is no " + what);
+}
+
+/** Folders that are missing are made with the file, so the nearest one there is has to take the next. */
+Check checkPlaceOf(const std::filesystem::path& file)
+{
+    using Platform::Access;
+    std::error_code error;
+    std::filesystem::path folder = std::filesystem::absolute(file).parent_path();
+    Access access = Access::AddFile;
+    // A link to nothing is in the way of a folder.
+    while (folder.has_relative_path() &&
+           std::filesystem::symlink_status(folder, error).type() == std::filesystem::file_type::not_found) {
+        folder = folder.parent_path();
+        access = Access::AddFolder;
+    }
+    const bool isFolder = std::filesystem::is_directory(folder, error);
+    if (isFolder)
+        error = Platform::accessError(folder, access);
+    if (!isFolder || error)
+        return badDatabase("there is no " + file.string() +
+                               " yet, and none can be made: " + complaint(folder, error, "folder"),
+                           error);
+    return ok("database", "there is no " + file.string() + " yet; \"watch\" and \"set\" make one");
+}
+
+} // namespace
+
+Check checkRows(const Session& session)
+{
+    const std::filesystem::path file = databaseFile(session.m_Folders.m_Data);
+    if (!session.keepsRows())
+        return checkKeptRows(file);
+    try {
+        checkDatabase();
+        return ok("database", file.string());
+    } catch (const DBEXCEPTION::DatabaseException& exception) {
+        return badDatabase(exception.what());
+    }
+}
+
+Check checkKeptRows(const std::filesystem::path& file)
+{
+    std::error_code error;
+    if (std::filesystem::symlink_status(file, error).type() == std::filesystem::file_type::not_found)
+        return checkPlaceOf(file);
+    if (std::filesystem::status(file, error).type() == std::filesystem::file_type::not_found)
+        return note("database", file.string() + " is a link to nothing; \"watch\" and \"set\" make a file "
+                                                "there if they can");
+    const bool isFile = std::filesystem::is_regular_file(file, error);
+    if (isFile)
+        error = Platform::accessError(file, Platform::Access::Read);
+    if (!isFile || error)
+        return badDatabase(complaint(file, error, "file"), error);
+    try {
+        switch (inspectDatabase(file)) {
+        case EDatabaseTables::Present:
+            return ok("database", file.string() + ", which this run leaves as it is");
+        case EDatabaseTables::None:
+            return ok("database", file.string() + " is empty; \"watch\" and \"set\" fill it");
+        case EDatabaseTables::Foreign:
+            break;
+        }
+        return note("database", file.string() + " holds the tables of another release; the next \"watch\" or "
+                                                "\"set\" rebuilds them");
+    } catch (const DBEXCEPTION::DatabaseException& exception) {
+        return badDatabase(exception.what());
+    }
+}
+
+} // namespace Host::Cli

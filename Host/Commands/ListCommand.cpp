@@ -1,0 +1,87 @@
+#include "Commands/ListCommand.h"
+
+#include "Base/Text.h"
+#include "Terminal/Paragraph.h"
+#include "Terminal/PropertyText.h"
+#include "Terminal/Table.h"
+
+#include <PI/PropertyId.h>
+
+namespace Host::Cli {
+namespace {
+
+constexpr char UNKNOWN[] = "-";
+
+Table newTable()
+{
+    // Widths that keep what a person tells drives apart by; the device's name is never cut.
+    return Table({{"Device"},
+                  {"Vendor", false, 0, 2},
+                  {"Model", false, 10, 6},
+                  {"Serial", false, 8},
+                  {"Firmware", false, 0, 1},
+                  {"Capacity", true, 0, 5},
+                  {"Temp", true, 0, 4},
+                  {"Wear", true, 0, 3},
+                  {"Health"}});
+}
+
+std::string orUnknown(const std::string& text)
+{
+    return text.empty() ? UNKNOWN : text;
+}
+
+template<typename Number>
+std::string orUnknown(const std::optional<Number>& number, PI::_UNITS unit)
+{
+    return number ? withUnit(numberText(static_cast<double>(*number)), unit) : UNKNOWN;
+}
+
+std::string reasonsText(const Drive& drive)
+{
+    std::string text;
+    for (const CodeText& reason : drive.m_Reasons)
+        text += (text.empty() ? "" : "; ") + reason.m_Text;
+    return text;
+}
+
+std::string reasonsNote(const std::string& device, const Drive& drive, const Screen& screen)
+{
+    const std::string head = device + ": ";
+    return head + paragraph(printable(reasonsText(drive)), displayWidth(head), screen);
+}
+
+Cell healthCell(const Drive& drive, bool withReasons)
+{
+    if (!drive.m_Health)
+        return {UNKNOWN};
+    const std::string reasons = withReasons ? reasonsText(drive) : std::string();
+    return {drive.m_Health->m_Text + (reasons.empty() ? "" : ": " + reasons),
+            drive.m_Health->m_Code ? toneOfCode(*drive.m_Health->m_Code) : Tone::Plain};
+}
+
+} // namespace
+
+std::string listText(const std::vector<Drive>& drives, const Screen& screen)
+{
+    const bool terminal = screen.m_Width.has_value();
+    Table table = newTable();
+    std::string notes;
+    for (const Drive& drive : drives) {
+        const std::string device = orUnknown(std::string(shortDeviceName(drive.m_Device)));
+        table.add({{device},
+                   {orUnknown(drive.m_Vendor)},
+                   {orUnknown(drive.m_Model)},
+                   {orUnknown(drive.m_Serial)},
+                   {orUnknown(drive.m_Firmware)},
+                   {drive.m_CapacityMiB ? sizeText(*drive.m_CapacityMiB) : UNKNOWN},
+                   {orUnknown(drive.m_Temperature, PI::UNIT_CELSIUS)},
+                   {orUnknown(drive.m_Wear, PI::UNIT_PERCENT)},
+                   healthCell(drive, !terminal)});
+        if (terminal && !drive.m_Reasons.empty())
+            notes += reasonsNote(printable(device), drive, screen);
+    }
+    return table.text(screen) + (notes.empty() ? "" : "\n" + notes);
+}
+
+} // namespace Host::Cli

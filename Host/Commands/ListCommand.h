@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Facts/Drives.h"
+#include "Terminal/Screen.h"
+
+#include <string>
+#include <vector>
+
+namespace Host::Cli {
+
+/** One line a drive; on a terminal the reasons of a bad health stand below. */
+std::string listText(const std::vector<Drive>& drives, const Screen& screen);
+
+} // namespace Host::Cli

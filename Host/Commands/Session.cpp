@@ -1,0 +1,63 @@
+#include "Commands/Session.h"
+
+#include "Drives/DeviceAccess.h"
+#include "Plugins/DataFolder.h"
+
+#include <utility>
+
+namespace Host::Cli {
+
+namespace {
+
+/** Loads the plug-ins and says which devices refuse. */
+Progress beginInventory(PluginSet& plugins, const Session& session)
+{
+    for (const std::filesystem::path& file : session.m_Plugins)
+        plugins.load(file);
+    const std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
+    checkAccess(states, session.warn());
+    return signOfLife(states, session);
+}
+
+ObjectStore takeInventory(PluginSet& plugins, const Session& session)
+{
+    const Progress progress = beginInventory(plugins, session);
+    ObjectStore inventory(plugins.inventory());
+    if (session.keepsRows())
+        keepInventory(session.keptData(), inventory, session.warn());
+    return inventory;
+}
+
+} // namespace
+
+Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Session& session)
+{
+    // Trace lines are a sign of life themselves, and must not be torn.
+    const TraceOptions& trace = session.m_Options.m_Trace;
+    const bool traced = trace.wanted() && !trace.m_File;
+    return Progress(countDisks(states), traced ? nullptr : &session.m_Messages);
+}
+
+Inventory::Inventory(const Session& session) : m_Objects(takeInventory(m_Plugins, session)) {}
+
+Watched::Watched(const Session& session)
+{
+    const Progress progress = beginInventory(m_Plugins, session);
+    for (EquippedPlugin& plugin : m_Plugins.initialize())
+        m_Monitors.emplace_back(std::move(plugin), session.keptData(), session.warn());
+    keepInventory(session.keptData(), objects(), session.warn());
+    for (Monitor& monitor : m_Monitors)
+        monitor.start();
+}
+
+ObjectStore Watched::objects() const
+{
+    std::vector<PI::CObject> all;
+    for (const Monitor& monitor : m_Monitors) {
+        const std::vector<PI::CObject>& objects = monitor.objects().objects();
+        all.insert(all.end(), objects.begin(), objects.end());
+    }
+    return ObjectStore(std::move(all));
+}
+
+} // namespace Host::Cli

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Commands/CommandLine.h"
+#include "Plugins/HostSetup.h"
+#include "Plugins/Monitor.h"
+#include "Plugins/ObjectStore.h"
+#include "Plugins/PluginSet.h"
+#include "Terminal/Messages.h"
+#include "Terminal/Progress.h"
+
+#include <TLXX/Diagnosis.h>
+
+#include <filesystem>
+#include <list>
+#include <vector>
+
+namespace Host::Cli {
+
+/** What the commands work with: the prepared process, and who to tell what is not a result. */
+struct Session
+{
+    const Options& m_Options;
+    const HostSetup& m_Setup;
+    HostFolders m_Folders;
+    std::vector<std::filesystem::path> m_Plugins; ///< the installed one first
+    Messages& m_Messages;
+
+    /** Tells what is not to end the command. */
+    SimulatedFleet::Warn warn() const
+    {
+        return [&messages = m_Messages](const std::string& message) { messages.tell(message); };
+    }
+
+    bool simulated() const { return m_Setup.fleet() != nullptr; }
+
+    /** Whether what is seen is kept in the data folder. */
+    bool keepsRows() const { return m_Setup.claim() && m_Setup.claim()->granted(); }
+
+    /** Where that is; empty when it is nowhere. */
+    std::filesystem::path keptData() const
+    {
+        return keepsRows() ? m_Folders.m_Data : std::filesystem::path();
+    }
+};
+
+/** Lives while request 1 runs: on a terminal it tells when the disks among `states` take their time. */
+Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Session& session);
+
+/** What the plug-ins show. They stay loaded meanwhile, for the texts of their codes go with them. */
+class Inventory
+{
+public:
+    /** Loads the plug-ins and asks them. Throws `Failure`. */
+    explicit Inventory(const Session& session);
+
+    const ObjectStore& objects() const { return m_Objects; }
+
+private:
+    PluginSet m_Plugins;
+    ObjectStore m_Objects;
+};
+
+/** The plug-ins at work on their own, each with the numbers of its adapters, until destruction at the latest.
+ */
+class Watched
+{
+public:
+    /** Loads the plug-ins, takes their inventory, which is kept in the data folder, and starts them. Throws
+     * `Failure`. */
+    explicit Watched(const Session& session);
+
+    PluginSet& plugins() { return m_Plugins; }
+
+    /** Of the plug-ins that found drives, at least one. */
+    std::list<Monitor>& monitors() { return m_Monitors; }
+
+    /** What all of them showed at the last look. */
+    ObjectStore objects() const;
+
+private:
+    PluginSet m_Plugins;
+    std::list<Monitor> m_Monitors;
+};
+
+} // namespace Host::Cli

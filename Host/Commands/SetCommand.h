@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Plugins/ObjectStore.h"
+#include "Plugins/PluginLibrary.h"
+
+#include <string>
+#include <string_view>
+
+namespace Host::Cli {
+
+/**
+ * Gives a property of an object another value and returns it as it is then; the plug-in keeps it within its
+ * bounds. Throws `Failure`: wrong usage for what is no such value, a failed request for a property that
+ * cannot be set.
+ */
+PI::CProperty setProperty(PluginLibrary& plugin, const PI::CObject& object, const PI::CProperty& property,
+                          std::string_view value);
+
+/** What a property is now, and why it is not what was asked for. */
+std::string setText(const PI::CProperty& property, std::string_view value);
+
+} // namespace Host::Cli

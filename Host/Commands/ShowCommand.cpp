@@ -1,0 +1,85 @@
+#include "Commands/ShowCommand.h"
+
+#include "Base/Failure.h"
+#include "Base/Suggestion.h"
+#include "Base/Text.h"
+#include "Commands/TopologyCommand.h"
+#include "Facts/EndOfLife.h"
+#include "Facts/Explanation.h"
+#include "Terminal/Paragraph.h"
+#include "Terminal/PropertyText.h"
+
+#include <PI/PluginHelper.h>
+
+#include <optional>
+
+namespace Host::Cli {
+namespace {
+
+std::string withoutBlanks(std::string_view text)
+{
+    std::string result(text);
+    std::erase(result, ' ');
+    return result;
+}
+
+constexpr std::size_t STEP = 2;
+
+/** A heading, and below it what there is to say. */
+std::string section(const std::string& heading, const std::string& text, const Screen& screen)
+{
+    return std::string(STEP, ' ') + paragraph(heading, STEP, screen, Tone::Heading) +
+           std::string(2 * STEP, ' ') + paragraph(text, 2 * STEP, screen);
+}
+
+std::string explanationText(const PI::CObject& object, const Screen& screen)
+{
+    std::string text;
+    for (const ExplainedCode& each : explainedCodes(object)) {
+        const std::uint32_t code = each.m_Explanation->m_Code;
+        text +=
+            section(printable(captionText(*each.m_Property) + ": " + PI::PropertyValueToString(code)),
+                    std::string(each.m_Explanation->m_Meaning) + " " + each.m_Explanation->m_Advice, screen);
+    }
+    if (const std::optional<EndOfLife> end = explainEndOfLife(object))
+        text += section("Estimated end of life: " + end->m_Date, endOfLifeText(*end), screen);
+    return text.empty() ? text : '\n' + text;
+}
+
+} // namespace
+
+std::string showText(const std::vector<const PI::CObject*>& objects, const Screen& screen)
+{
+    std::string text;
+    for (const PI::CObject* object : objects)
+        text += (text.empty() ? "" : "\n") + headingText(*object, screen, 0) +
+                propertiesText(*object, screen, STEP) + explanationText(*object, screen);
+    return text;
+}
+
+NamedProperty namedProperty(const std::vector<const PI::CObject*>& objects, std::string_view name)
+{
+    std::string known;
+    std::vector<std::string> captions;
+    std::optional<NamedProperty> empty;
+    for (const PI::CObject* object : objects)
+        for (const PI::CProperty& property : object->m_Properties) {
+            const std::string caption = captionText(property);
+            captions.push_back(caption);
+            known += "\n  " + std::to_string(property.Id()) + "  " + printable(caption);
+            if (!equalIgnoringCase(withoutBlanks(caption), withoutBlanks(name)) &&
+                std::to_string(property.Id()) != name)
+                continue;
+            const NamedProperty found = {*object, property};
+            if (!valueText(property).empty())
+                return found;
+            if (!empty)
+                empty.emplace(found);
+        }
+    if (empty)
+        return *empty;
+    throw Failure(ExitCode::WrongUsage, "There is no property \"" + printable(name) + "\" here." +
+                                            didYouMean(name, captions) + " These are there:" + known);
+}
+
+} // namespace Host::Cli

@@ -1,0 +1,113 @@
+#include "Commands/TopologyCommand.h"
+
+#include "Base/Text.h"
+#include "Terminal/Paragraph.h"
+#include "Terminal/PropertyText.h"
+
+#include <PI/PluginHelper.h>
+
+#include <algorithm>
+#include <set>
+
+namespace Host::Cli {
+namespace {
+
+constexpr std::size_t STEP = 2;
+
+/** The display name; before the host has handed out identities adapters have none, then maker and model. */
+std::string nameOf(const PI::CObject& object)
+{
+    if (std::string name = textOf(object, PI::PROP_NAME); !name.empty())
+        return name;
+    const std::string vendor = textOf(object, PI::PROP_VENDOR);
+    const std::string model = textOf(object, PI::PROP_MODEL);
+    return vendor + (vendor.empty() || model.empty() ? "" : " ") + model;
+}
+
+std::string operationsText(const PI::CObject& object, std::size_t indent)
+{
+    std::string ids;
+    for (const PI::COperation& operation : object.m_Operations)
+        ids += (ids.empty() ? "" : ", ") + std::to_string(operation.Id());
+    return ids.empty() ? ids : std::string(indent, ' ') + "Operations: " + ids + '\n';
+}
+
+/** Walks down from an object; one that was shown already is not shown again, whatever the lists say. */
+class Tree
+{
+public:
+    Tree(const ObjectStore& store, const Screen& screen) : m_Store(store), m_Screen(screen) {}
+
+    std::string branch(const PI::CObject& object, std::size_t indent)
+    {
+        if (!m_Shown.insert(&object).second)
+            return {};
+        std::string text = headingText(object, m_Screen, indent) +
+                           propertiesText(object, m_Screen, indent + STEP) +
+                           operationsText(object, indent + STEP);
+        for (const PI::CObject* child : m_Store.childrenOf(object))
+            text += branch(*child, indent + STEP);
+        return text;
+    }
+
+private:
+    const ObjectStore& m_Store;
+    const Screen& m_Screen;
+    std::set<const PI::CObject*> m_Shown;
+};
+
+} // namespace
+
+std::string headingText(const PI::CObject& object, const Screen& screen, std::size_t indent)
+{
+    const std::string name = nameOf(object);
+    const std::string heading =
+        printable(PI::PropertyValueToString(object.m_Type) + (name.empty() ? "" : " " + name));
+    const std::string id = identifierText(object.m_ID);
+    const std::string margin(indent, ' ');
+    const bool fits =
+        !screen.m_Width || indent + displayWidth(heading) + STEP + displayWidth(id) <= *screen.m_Width;
+    return margin +
+           (fits ? toned(screen, Tone::Heading, heading) + std::string(STEP, ' ')
+                 : paragraph(heading, indent, screen, Tone::Heading) + margin) +
+           toned(screen, Tone::Faint, id) + '\n';
+}
+
+std::string propertiesText(const PI::CObject& object, const Screen& screen, std::size_t indent)
+{
+    std::size_t width = 0;
+    for (const PI::CProperty& property : object.m_Properties)
+        width = std::max(width, displayWidth(printable(captionText(property))));
+    // Beside captions that take most of a line values would stand word below word.
+    std::size_t column = indent + width + STEP;
+    const bool below = screen.m_Width && column > *screen.m_Width / 2;
+    if (below)
+        column = indent + STEP;
+    std::string text;
+    for (const PI::CProperty& property : object.m_Properties) {
+        const std::string value = printable(valueText(property));
+        if (value.empty())
+            continue;
+        const std::string caption = printable(captionText(property));
+        const auto* code = std::get_if<PI::CCodeValue>(&property.GetValue());
+        text += std::string(indent, ' ') +
+                (below ? paragraph(caption, indent, screen) + std::string(column, ' ')
+                       : caption + std::string(column - indent - displayWidth(caption), ' ')) +
+                paragraph(value, column, screen, code != nullptr ? toneOfCode(code->m_Code) : Tone::Plain);
+    }
+    return text;
+}
+
+std::string topologyText(const ObjectStore& store, const Screen& screen)
+{
+    Tree tree(store, screen);
+    std::string text;
+    for (const PI::CObject* root : store.roots())
+        text += tree.branch(*root, 0);
+    // Objects that name one another in a circle have no root.
+    for (const PI::CObject& object : store.objects())
+        text += tree.branch(object, 0);
+    return text;
+}
+
+} // namespace Host::Cli

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Plugins/ObjectStore.h"
+#include "Terminal/Screen.h"
+
+#include <string>
+
+namespace Host::Cli {
+
+/** What an object is, what it is called, and its identifier. */
+std::string headingText(const PI::CObject& object, const Screen& screen, std::size_t indent);
+
+/** The properties of `object`, a line each, captions aligned, behind `indent` blanks. */
+std::string propertiesText(const PI::CObject& object, const Screen& screen, std::size_t indent);
+
+/** Every object below its parent, with its properties and operations. */
+std::string topologyText(const ObjectStore& store, const Screen& screen);
+
+} // namespace Host::Cli

@@ -1,0 +1,235 @@
+#include "Documents/Json.h"
+
+#include "Documents/JsonNumber.h"
+#include "Terminal/PropertyText.h"
+
+#include <PI/ErrorCode.h>
+#include <PI/PluginHelper.h>
+
+#include <nlohmann/json.hpp>
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <variant>
+
+namespace Host::Cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/** Adds a value, and the bounds and codes that come with it. */
+struct ValueToJson
+{
+    Json& m_Json;
+
+    void operator()(std::monostate) const {}
+    void operator()(const std::string& text) const { m_Json["value"] = text; }
+    void operator()(std::uint64_t number) const { addNumber(m_Json, "value", number); }
+    void operator()(float number) const { addNumber(m_Json, "value", number); }
+    void operator()(const PI::CBoundedValue& value) const { m_Json["value"] = value.m_Value; }
+    void operator()(const PI::CCodeValue& value) const { m_Json["value"] = value.m_Code; }
+    void operator()(const PI::CCodeListValue& value) const { m_Json["value"] = value.m_Codes; }
+};
+
+void addBounds(Json& json, const PI::CProperty::Value& value)
+{
+    if (const auto* bounded = std::get_if<PI::CBoundedValue>(&value)) {
+        json["minimum"] = bounded->m_Minimum;
+        json["maximum"] = bounded->m_Maximum;
+        json["step"] = bounded->m_Step;
+    } else if (const auto* code = std::get_if<PI::CCodeValue>(&value)) {
+        json["allowed"] = code->m_Allowed;
+    } else if (const auto* codes = std::get_if<PI::CCodeListValue>(&value)) {
+        json["allowed"] = codes->m_Allowed;
+    }
+}
+
+Json identifiers(const std::vector<std::uint64_t>& ids)
+{
+    Json list = Json::array();
+    for (const std::uint64_t id : ids)
+        list.push_back(identifierText(id));
+    return list;
+}
+
+void add(Json& json, const char* name, const std::string& text)
+{
+    if (!text.empty())
+        json[name] = text;
+}
+
+/** Milliseconds since 1970 as "2026-01-01T00:00:00.000Z". */
+std::string utcText(std::uint64_t milliseconds)
+{
+    using namespace std::chrono;
+    const sys_time<std::chrono::milliseconds> time{std::chrono::milliseconds(milliseconds)};
+    const sys_days day = floor<days>(time);
+    const year_month_day date(day);
+    const hh_mm_ss clock(time - day);
+    std::array<char, 64> buffer{};
+    const int size = std::snprintf(
+        buffer.data(), buffer.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
+        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+        static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
+    return {buffer.data(), static_cast<std::size_t>(size)};
+}
+
+/** What a drive is known by; how it fares changes too often to stand in an event. */
+Json identityJson(const Drive& drive)
+{
+    Json json = Json::object();
+    add(json, "device", drive.m_Device);
+    add(json, "vendor", drive.m_Vendor);
+    add(json, "model", drive.m_Model);
+    add(json, "serial", drive.m_Serial);
+    add(json, "pciAddress", drive.m_PciAddress);
+    add(json, "location", drive.m_Location);
+    return json;
+}
+
+Json documentJson(const Json& content, bool simulated)
+{
+    Json document = {{"format", FORMAT}};
+    if (simulated)
+        document["simulated"] = true;
+    document.update(content);
+    return document;
+}
+
+/** JSON lets DEL and the C1 controls stand as they are, but a terminal obeys them. */
+std::string withoutControls(const std::string& json)
+{
+    constexpr char lead = '\xC2'; // of U+0080 to U+00BF
+    std::string text;
+    for (std::size_t i = 0; i < json.size(); ++i) {
+        const bool isLead = json[i] == lead && i + 1 < json.size();
+        const auto code = static_cast<unsigned char>(json[isLead ? i + 1 : i]);
+        if (isLead ? code < 0xA0 : code == 0x7F) {
+            std::array<char, 8> escape{};
+            (void)std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(code));
+            text += escape.data();
+            i += isLead ? 1 : 0;
+        } else
+            text += json[i];
+    }
+    return text;
+}
+
+std::string dumped(const Json& content, bool simulated, int indent)
+{
+    return withoutControls(
+               documentJson(content, simulated).dump(indent, ' ', false, Json::error_handler_t::replace)) +
+           '\n';
+}
+
+} // namespace
+
+Json propertyJson(const PI::CProperty& property)
+{
+    Json json = {{"id", property.Id()}};
+    if (property.NlsID() > 1)
+        json["caption"] = PI::PropertyValueToString(property.NlsID());
+    std::visit(ValueToJson{json}, property.GetValue());
+    json["text"] = valueText(property);
+    if (property.Units() > PI::UNIT_NONE) {
+        json["unit"] = property.Units();
+        json["unitText"] = PI::PropertyValueToString(property.Units());
+    }
+    json["settable"] = property.Settable();
+    addBounds(json, property.GetValue());
+    if (property.IconPathID() != 0)
+        json["icon"] = property.IconPathID();
+    return json;
+}
+
+Json objectJson(const PI::CObject& object)
+{
+    Json json = {{"id", identifierText(object.m_ID)},
+                 {"type", object.m_Type},
+                 {"parents", identifiers(object.m_Parents)},
+                 {"children", identifiers(object.m_Children)}};
+    addNumber(json, "updateCount", object.m_UpdateCount);
+    json["properties"] = Json::array();
+    json["operations"] = Json::array();
+    for (const PI::CProperty& property : object.m_Properties)
+        json["properties"].push_back(propertyJson(property));
+    for (const PI::COperation& operation : object.m_Operations)
+        json["operations"].push_back(Json{{"id", operation.Id()}});
+    return json;
+}
+
+Json driveJson(const Drive& drive)
+{
+    Json json = identityJson(drive);
+    add(json, "firmware", drive.m_Firmware);
+    addNumber(json, "capacityMiB", drive.m_CapacityMiB);
+    addNumber(json, "blockSize", drive.m_BlockSize);
+    addNumber(json, "temperature", drive.m_Temperature);
+    addNumber(json, "wear", drive.m_Wear);
+    if (drive.m_Health) {
+        json["health"] = drive.m_Health->m_Text;
+        if (drive.m_Health->m_Code)
+            json["healthCode"] = *drive.m_Health->m_Code;
+    }
+    for (const CodeText& reason : drive.m_Reasons) {
+        json["reasons"].push_back(reason.m_Text);
+        json["reasonCodes"].push_back(reason.m_Code);
+    }
+    add(json, "driver", drive.m_Driver);
+    add(json, "driverVersion", drive.m_DriverVersion);
+    addNumber(json, "spare", drive.m_Spare);
+    addNumber(json, "spareThreshold", drive.m_SpareThreshold);
+    addNumber(json, "dataRead", drive.m_DataRead);
+    addNumber(json, "dataWritten", drive.m_DataWritten);
+    addNumber(json, "powerOnHours", drive.m_PowerOnHours);
+    addNumber(json, "mediaErrors", drive.m_MediaErrors);
+    if (drive.m_AdapterId)
+        json["adapterId"] = identifierText(*drive.m_AdapterId);
+    if (drive.m_DriveId)
+        json["driveId"] = identifierText(*drive.m_DriveId);
+    return json;
+}
+
+Json eventJson(const DriveEvent& event)
+{
+    Json json = {{"time", utcText(event.m_Event.m_Time)},
+                 {"id", event.m_Event.m_Id},
+                 {"severity", event.m_Event.m_Severity},
+                 {"text", eventText(event)},
+                 {"source", identifierText(event.m_Event.m_Source)},
+                 {"sourceName", event.m_Event.SourceText()},
+                 {"placeholder1", event.m_Event.PlaceHolder1()},
+                 {"placeholder2", event.m_Event.PlaceHolder2()}};
+    if (event.m_Drive)
+        json["drive"] = identityJson(*event.m_Drive);
+    return json;
+}
+
+Json failureJson(const std::string& message, const std::optional<RequestResult>& result)
+{
+    Json error = Json::object();
+    if (result) {
+        error["request"] = result->m_Request;
+        error["code"] = result->m_Code;
+        error["name"] = std::string(PI::errorName(result->m_Code));
+    }
+    error["message"] = message;
+    return Json{{"error", error}};
+}
+
+std::string documentText(const Json& content, bool simulated)
+{
+    constexpr int indent = 2;
+    return dumped(content, simulated, indent);
+}
+
+std::string lineText(const Json& content, bool simulated)
+{
+    constexpr int oneLine = -1;
+    return dumped(content, simulated, oneLine);
+}
+
+} // namespace Host::Cli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Base/Failure.h"
+#include "Facts/DriveEvent.h"
+#include "Facts/Drives.h"
+
+#include <PI/Object.h>
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <string>
+
+// The documents that `--json` prints; Docs/Schemas describes them. Members that have nothing to say are left
+// out.
+namespace Host::Cli {
+
+/** What every document begins with. Counts up when a document is no longer what its schema said before. */
+inline constexpr int FORMAT = 1;
+
+nlohmann::ordered_json propertyJson(const PI::CProperty& property);
+nlohmann::ordered_json objectJson(const PI::CObject& object);
+nlohmann::ordered_json driveJson(const Drive& drive);
+nlohmann::ordered_json eventJson(const DriveEvent& event);
+nlohmann::ordered_json failureJson(const std::string& message, const std::optional<RequestResult>& result);
+
+/**
+ * The whole document as text with a line end: its format and, where nothing of it is real, that it is
+ * simulated, then `content`. Bytes that are no UTF-8 are replaced.
+ */
+std::string documentText(const nlohmann::ordered_json& content, bool simulated = false);
+
+/** The same in one line, for documents that follow one another. */
+std::string lineText(const nlohmann::ordered_json& content, bool simulated = false);
+
+} // namespace Host::Cli

@@ -1,0 +1,232 @@
+#include "Drives/Fleet.h"
+
+#include "Base/JsonReader.h"
+#include "Base/Text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <limits>
+#include <set>
+#include <stdexcept>
+
+namespace Host {
+namespace {
+
+constexpr std::uint64_t LARGEST_BYTE = 0xFF;
+constexpr std::uint64_t LARGEST_COUNTER = std::numeric_limits<std::uint64_t>::max();
+constexpr std::int64_t ZERO_CELSIUS = 273;
+
+template<std::size_t Size>
+void setField(std::array<std::uint8_t, Size>& field, const std::string& text)
+{
+    field.fill(' ');
+    std::copy(text.begin(), text.end(), field.begin());
+}
+
+void fill(const JsonReader& reader, TLXX::NVME_IDENTIFY_CONTROLLER& block)
+{
+    constexpr std::size_t tagOffset = 3100 - offsetof(TLXX::NVME_IDENTIFY_CONTROLLER, VS);
+    constexpr std::size_t tagSize = 8;
+    reader.allowOnly({"vendorId", "model", "serial", "firmware", "tag"});
+    block.VID = static_cast<std::uint16_t>(reader.required("vendorId", reader.number("vendorId", 0xFFFF)));
+    setField(block.MN, reader.required("model", reader.text("model", block.MN.size())));
+    setField(block.SN, reader.required("serial", reader.text("serial", block.SN.size())));
+    setField(block.FR, reader.text("firmware", block.FR.size()).value_or(""));
+    const std::string tag = reader.text("tag", tagSize).value_or("");
+    std::copy(tag.begin(), tag.end(), block.VS.begin() + tagOffset);
+}
+
+void fill(const JsonReader& reader, TLXX::NVME_IDENTIFY_NAMESPACE& block)
+{
+    constexpr std::uint64_t smallestBlock = 512;
+    constexpr std::uint64_t largestBlock = 65536;
+    reader.allowOnly({"blocks", "capacity", "blockSize"});
+    const std::uint64_t blockSize = reader.number("blockSize", largestBlock).value_or(smallestBlock);
+    if (blockSize < smallestBlock || !std::has_single_bit(blockSize))
+        reader.fail("blockSize", "has to be a power of two from 512 to 65536");
+    const auto blocks = reader.number("blocks", LARGEST_COUNTER);
+    const auto capacity = reader.number("capacity", LARGEST_COUNTER);
+    if (blocks.has_value() == capacity.has_value())
+        reader.fail("", "needs either \"blocks\" or \"capacity\" (in bytes)");
+    if (capacity && *capacity % blockSize != 0)
+        reader.fail("capacity", "has to be a multiple of the block size, " + std::to_string(blockSize));
+    block.NSZE = blocks ? *blocks : *capacity / blockSize;
+    block.NCAP = block.NSZE;
+    block.NUSE = block.NSZE;
+    block.LBAF[0].LBADS = static_cast<std::uint8_t>(std::countr_zero(blockSize));
+}
+
+void fill(const JsonReader& reader, TLXX::NVME_SMART_HEALTH_INFORMATION_LOG& block)
+{
+    constexpr std::int64_t hottest = 727;
+    constexpr std::uint64_t usualThreshold = 10;
+    reader.allowOnly({"criticalWarning", "temperature", "spare", "threshold", "dataUnitsRead",
+                      "dataUnitsWritten", "powerOnHours", "mediaErrors"});
+    const auto counter = [&](const char* key) { return reader.number(key, LARGEST_COUNTER).value_or(0); };
+    const auto byte = [&](const char* key, std::uint64_t usual) {
+        return static_cast<std::uint8_t>(reader.number(key, LARGEST_BYTE).value_or(usual));
+    };
+    const auto kelvin = static_cast<std::uint16_t>(
+        reader.required("temperature", reader.signedNumber("temperature", 1 - ZERO_CELSIUS, hottest)) +
+        ZERO_CELSIUS);
+    block.Temperature = {static_cast<std::uint8_t>(kelvin & LARGEST_BYTE),
+                         static_cast<std::uint8_t>(kelvin >> 8U)};
+    block.Warning = byte("criticalWarning", 0);
+    block.AvailableSpare = byte("spare", 100);
+    block.AvailableSpareThreshold = byte("threshold", usualThreshold);
+    block.DataUnitsRead[0] = counter("dataUnitsRead");
+    block.DataUnitsWritten[0] = counter("dataUnitsWritten");
+    block.Counter128[0] = counter("powerOnHours");
+    block.Counter160[0] = counter("mediaErrors");
+}
+
+/** The block under `key`: values by name, or a recorded page in hexadecimal digits. */
+template<typename Block>
+std::optional<Block> readBlock(const JsonReader& parent, const char* key)
+{
+    if (!parent.has(key))
+        return std::nullopt;
+    Block block{};
+    if (parent.isText(key)) {
+        const std::vector<std::uint8_t> bytes = parent.hexadecimal(key, sizeof block);
+        std::copy(bytes.begin(), bytes.end(), reinterpret_cast<std::uint8_t*>(&block));
+    } else {
+        fill(parent.object(key), block);
+    }
+    return block;
+}
+
+/** A vendor log whose values this program knows by name. */
+struct NamedLog
+{
+    std::uint8_t m_Identifier;
+    struct Value
+    {
+        const char* m_Name;
+        std::size_t m_Offset;
+    };
+    std::vector<Value> m_Bytes;
+    const char* m_Text; ///< name of the text at its head; null: none
+};
+
+const std::vector<NamedLog>& namedLogs()
+{
+    static const std::vector<NamedLog> logs = {
+        {0xC5, {{"temperature", 0}, {"offset", 104}}, nullptr},
+        {0xCA, {{"attributeAD", 27}, {"attributeEA", 99}}, nullptr},
+        {0xDD, {}, "name"},
+    };
+    return logs;
+}
+
+std::uint8_t logIdentifier(const JsonReader& logs, const std::string& key)
+{
+    constexpr std::uint64_t firstVendorLog = 0xC0;
+    const auto identifier = parseHexadecimal(key);
+    if (identifier && *identifier >= firstVendorLog && *identifier <= LARGEST_BYTE)
+        return static_cast<std::uint8_t>(*identifier);
+    logs.fail(key.c_str(), "is no vendor log; their names go from \"0xC0\" to \"0xFF\"");
+}
+
+TLXX::VendorLogPage readVendorLog(const JsonReader& logs, const std::string& key, std::uint8_t identifier)
+{
+    TLXX::VendorLogPage page{};
+    if (logs.isText(key.c_str())) {
+        const std::vector<std::uint8_t> bytes = logs.hexadecimal(key.c_str(), page.size());
+        std::copy(bytes.begin(), bytes.end(), page.begin());
+        return page;
+    }
+    const auto known = std::find_if(namedLogs().begin(), namedLogs().end(),
+                                    [&](const NamedLog& log) { return log.m_Identifier == identifier; });
+    if (known == namedLogs().end())
+        logs.fail(key.c_str(), "has no values known by name; give it as hexadecimal digits");
+    const JsonReader reader = logs.object(key.c_str());
+    std::vector<std::string> names;
+    for (const NamedLog::Value& value : known->m_Bytes) {
+        names.emplace_back(value.m_Name);
+        page[value.m_Offset] =
+            static_cast<std::uint8_t>(reader.number(value.m_Name, LARGEST_BYTE).value_or(0));
+    }
+    if (known->m_Text != nullptr) {
+        names.emplace_back(known->m_Text);
+        const std::string text = reader.text(known->m_Text, page.size() - 1).value_or("");
+        std::copy(text.begin(), text.end(), page.begin());
+    }
+    reader.allowOnly(names);
+    return page;
+}
+
+SimulatedController readController(const JsonReader& reader, std::size_t index)
+{
+    constexpr std::size_t longestText = 255;
+    reader.allowOnly(
+        {"device", "driver", "driverVersion", "location", "identify", "namespace", "health", "vendorLogs"});
+    SimulatedController controller;
+    controller.m_DeviceName =
+        reader.text("device", longestText).value_or("/dev/nvme" + std::to_string(index) + "n1");
+    controller.m_Driver = reader.text("driver", longestText).value_or("nvme");
+    controller.m_DriverVersion = reader.text("driverVersion", longestText).value_or("");
+    if (const auto address = reader.text("location", longestText)) {
+        controller.m_Location = TLXX::CPciLocation::Parse(*address);
+        if (!controller.m_Location)
+            reader.fail("location", "has to be a PCI address such as \"0000:3b:00.0\"");
+    }
+    controller.m_Identify = readBlock<TLXX::NVME_IDENTIFY_CONTROLLER>(reader, "identify");
+    controller.m_Namespace = readBlock<TLXX::NVME_IDENTIFY_NAMESPACE>(reader, "namespace");
+    controller.m_Health = readBlock<TLXX::NVME_SMART_HEALTH_INFORMATION_LOG>(reader, "health");
+    if (reader.has("vendorLogs")) {
+        const JsonReader logs = reader.object("vendorLogs");
+        for (const std::string& key : logs.keys()) {
+            const std::uint8_t identifier = logIdentifier(logs, key);
+            if (!controller.m_VendorLogs.emplace(identifier, readVendorLog(logs, key, identifier)).second)
+                logs.fail(key.c_str(), "is there in another spelling, too");
+        }
+    }
+    return controller;
+}
+
+/** The document in `text`. The library would take the last of several values of one name without a word. */
+nlohmann::json parseDocument(std::string_view text)
+{
+    using Event = nlohmann::json::parse_event_t;
+    std::vector<std::set<std::string>> names;
+    const auto look = [&](int, Event event, nlohmann::json& parsed) {
+        if (event == Event::object_start)
+            names.emplace_back();
+        else if (event == Event::object_end)
+            names.pop_back();
+        else if (event == Event::key && !names.back().insert(parsed.get<std::string>()).second)
+            throw std::runtime_error("\"" + printable(parsed.get<std::string>()) +
+                                     "\" stands twice in one object");
+        return true;
+    };
+    try {
+        return nlohmann::json::parse(text, look);
+    } catch (const nlohmann::json::exception& error) {
+        // The library's messages begin with its own name in brackets.
+        const std::string message = error.what();
+        throw std::runtime_error(printable(message.substr(message.find(']') + 2)));
+    }
+}
+
+} // namespace
+
+std::vector<SimulatedController> parseFleet(std::string_view text)
+{
+    const nlohmann::json document = parseDocument(text);
+    const JsonReader root(document, "");
+    root.allowOnly({"controllers"});
+    std::vector<SimulatedController> controllers;
+    std::set<std::string> devices;
+    for (const JsonReader& reader : root.list("controllers")) {
+        controllers.push_back(readController(reader, controllers.size()));
+        if (!devices.insert(controllers.back().m_DeviceName).second)
+            reader.fail("device", "stands for two controllers");
+    }
+    return controllers;
+}
+
+} // namespace Host

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "Drives/Fleet.h"
+
+#include <TLXX/DeviceBackend.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Host {
+
+/**
+ * A fleet file in the machine's place. Each enumeration looks at the file again, so drives come, go and
+ * change when it is edited; while it is torn or wrong the fleet stays as it was, with one warning for each
+ * change. Safe from any thread.
+ */
+class SimulatedFleet : public TLXX::IDeviceBackend
+{
+public:
+    using Warn = std::function<void(const std::string&)>;
+
+    /** Throws `Failure` when the file cannot be read or is no fleet. */
+    SimulatedFleet(std::filesystem::path file, Warn warn);
+
+    const std::filesystem::path& file() const { return m_File; }
+
+    std::vector<TLXX::CDeviceEntry> Enumerate() override;
+    std::uint32_t IdentifyController(const std::string& path,
+                                     TLXX::NVME_IDENTIFY_CONTROLLER& controller) override;
+    std::uint32_t IdentifyNamespace(const std::string& path,
+                                    TLXX::NVME_IDENTIFY_NAMESPACE& name_space) override;
+    std::uint32_t SmartHealthLog(const std::string& path,
+                                 TLXX::NVME_SMART_HEALTH_INFORMATION_LOG& log) override;
+    std::uint32_t VendorLogPage(const std::string& path, std::uint8_t logIdentifier,
+                                TLXX::VendorLogPage& page) override;
+    std::optional<TLXX::CPciLocation> Location(std::uint32_t number) override;
+    std::string ModuleVersion(const std::string& driver) override;
+
+private:
+    const SimulatedController* find(const std::string& path) const;
+    void lookAgain();
+
+    template<typename Block>
+    std::uint32_t answer(const std::string& path, std::optional<Block> SimulatedController::*source,
+                         Block& target, std::uint32_t refusal) const;
+
+    const std::filesystem::path m_File;
+    const Warn m_Warn;
+    mutable std::mutex m_Lock;
+    // Under m_Lock.
+    std::optional<std::string>
+        m_LastText; ///< what the file held when it was last looked at; none: unreadable
+    std::vector<SimulatedController> m_Controllers;
+};
+
+} // namespace Host

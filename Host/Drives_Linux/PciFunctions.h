@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Base/Platform.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace Host::Platform {
+
+/** The NVMe functions below `root` (normally "/sys") that the driver "nvme" does not serve. */
+std::vector<UnservedFunction> unservedFunctionsBelow(const std::filesystem::path& root);
+
+} // namespace Host::Platform

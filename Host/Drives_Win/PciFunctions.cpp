@@ -1,0 +1,66 @@
+#include "Base/Platform.h"
+
+#include <TLXX/Win/DeviceNodes.h>
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/format.hpp>
+
+#include <algorithm>
+#include <locale>
+
+#include <windows.h>
+#include <cfgmgr32.h>
+
+namespace Host::Platform {
+namespace {
+
+using TLXX::Win::DeviceNode;
+
+/** Class, subclass and programming interface of an NVM Express I/O controller. */
+constexpr const char* NVME_CLASS = "PCI\\CC_010802";
+
+bool isNvmeFunction(DeviceNode node)
+{
+    const std::vector<std::string> identifiers = TLXX::Win::nodeTexts(node, CM_DRP_COMPATIBLEIDS);
+    return std::any_of(identifiers.begin(), identifiers.end(), [](const std::string& identifier) {
+        return boost::iequals(identifier, NVME_CLASS, std::locale::classic());
+    });
+}
+
+std::string addressOf(DeviceNode node)
+{
+    const auto location = TLXX::Win::nodeLocation(node);
+    if (!location)
+        return "a place that Windows does not tell";
+    return str(boost::format("%04x:%02x:%02x.%x") % location->m_Segment % location->m_Bus %
+               location->m_Device % location->m_Function);
+}
+
+} // namespace
+
+bool isPassThrough(std::string_view driver)
+{
+    // The proxy that Hyper-V puts in the place of what it gives a virtual machine.
+    return boost::iequals(driver, "pcip", std::locale::classic());
+}
+
+std::string_view passThroughRemedy()
+{
+    return "To have it back, take it from the virtual machine (Remove-VMAssignableDevice), mount it "
+           "(Mount-VMHostAssignableDevice), and enable it in the Device Manager.";
+}
+
+std::vector<UnservedFunction> unservedFunctions()
+{
+    std::vector<UnservedFunction> functions;
+    for (const DeviceNode node : TLXX::Win::deviceNodes()) {
+        if (!isNvmeFunction(node))
+            continue;
+        const std::string service = TLXX::Win::nodeService(node);
+        if (!boost::iequals(service, "stornvme", std::locale::classic()))
+            functions.push_back({addressOf(node), service});
+    }
+    return functions;
+}
+
+} // namespace Host::Platform

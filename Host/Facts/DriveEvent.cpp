@@ -1,0 +1,189 @@
+#include "Facts/DriveEvent.h"
+
+#include "Base/Platform.h"
+#include "Base/Seconds.h"
+#include "Base/Text.h"
+
+#include <PI/PluginHelper.h>
+
+#include <algorithm>
+#include <array>
+#include <set>
+#include <utility>
+
+namespace Host::Cli {
+namespace {
+
+constexpr std::uint32_t ADAPTER_ADDED = 11093;
+constexpr std::uint32_t ADAPTER_REMOVED = 11094;
+
+/** The drives whose serial number none of `others` has: plug-ins tell drives apart by it. */
+std::vector<const Drive*> missingFrom(const std::vector<Drive>& others, const std::vector<Drive>& drives)
+{
+    std::set<std::string> serials;
+    for (const Drive& drive : others)
+        serials.insert(drive.m_Serial);
+    std::vector<const Drive*> missing;
+    for (const Drive& drive : drives)
+        if (!serials.contains(drive.m_Serial))
+            missing.push_back(&drive);
+    return missing;
+}
+
+/** Gives the drives to the events with this identifier: by name, and what is left in order. */
+void match(std::vector<DriveEvent>& events, std::uint32_t id, std::vector<const Drive*> drives)
+{
+    std::vector<DriveEvent*> nameless;
+    for (DriveEvent& event : events) {
+        if (event.m_Event.m_Id != id)
+            continue;
+        const std::string& name = event.m_Event.SourceText();
+        const auto named = std::find_if(drives.begin(), drives.end(), [&](const Drive* drive) {
+            return !name.empty() && drive->m_Name == name;
+        });
+        if (named == drives.end()) {
+            nameless.push_back(&event);
+            continue;
+        }
+        event.m_Drive = **named;
+        drives.erase(named);
+    }
+    // With more events than drives, one came and went meanwhile, and nobody knows which event was whose.
+    if (nameless.size() != drives.size())
+        return;
+    for (std::size_t i = 0; i < drives.size(); ++i)
+        nameless[i]->m_Drive = *drives[i];
+}
+
+const Drive* bySource(std::uint64_t source, const std::vector<Drive>& drives)
+{
+    const auto found = std::find_if(drives.begin(), drives.end(), [source](const Drive& drive) {
+        return drive.m_AdapterId == source || drive.m_DriveId == source;
+    });
+    return found == drives.end() ? nullptr : &*found;
+}
+
+std::string modelAndSerial(const Drive& drive)
+{
+    std::string text = drive.m_Vendor;
+    for (const std::string& part : {drive.m_Model, drive.m_Serial.empty() ? "" : "(" + drive.m_Serial + ")"})
+        text += (text.empty() || part.empty() ? "" : " ") + part;
+    return text;
+}
+
+/** The first placeholder. New adapters may have no name yet. */
+std::string subjectText(const DriveEvent& event)
+{
+    if (const std::string& name = event.m_Event.PlaceHolder1(); !name.empty())
+        return name;
+    const std::string drive = event.m_Drive ? modelAndSerial(*event.m_Drive) : std::string();
+    return drive.empty() ? "An adapter" : drive;
+}
+
+/** What the text does not tell already, in parentheses. */
+std::string detailsText(const DriveEvent& event, const std::string& text)
+{
+    if (!event.m_Drive)
+        return {};
+    std::string details;
+    const Drive& drive = *event.m_Drive;
+    for (const std::string& detail :
+         {std::string(shortDeviceName(drive.m_Device)), drive.m_Model, drive.m_Serial})
+        if (!detail.empty() && text.find(detail) == std::string::npos)
+            details += (details.empty() ? "" : ", ") + detail;
+    return details.empty() ? details : " (" + details + ")";
+}
+
+std::string localTimeText(std::uint64_t milliseconds)
+{
+    const std::tm time = Platform::localTime(static_cast<std::time_t>(milliseconds / MILLISECONDS_A_SECOND));
+    std::array<char, 64> buffer{};
+    return {buffer.data(), std::strftime(buffer.data(), buffer.size(), "%Y-%m-%d %H:%M:%S", &time)};
+}
+
+Tone toneOf(std::uint32_t severity)
+{
+    switch (severity) {
+    case 3:
+        return Tone::Warning;
+    case 4:
+        return Tone::Bad;
+    default:
+        return Tone::Plain;
+    }
+}
+
+} // namespace
+
+std::vector<DriveEvent> withDrives(std::vector<PI::CEvent> events, const std::vector<Drive>& before,
+                                   const std::vector<Drive>& after)
+{
+    std::vector<DriveEvent> result;
+    for (PI::CEvent& event : events) {
+        const Drive* drive = bySource(event.m_Source, after);
+        if (drive == nullptr)
+            drive = bySource(event.m_Source, before);
+        result.push_back({std::move(event), drive != nullptr ? std::optional(*drive) : std::nullopt});
+    }
+    // Pending events stand last made first. Adapters do so after a scan, and are looked at from the front for
+    // what is gone.
+    std::vector<const Drive*> removed = missingFrom(after, before);
+    std::reverse(removed.begin(), removed.end());
+    match(result, ADAPTER_ADDED, missingFrom(before, after));
+    match(result, ADAPTER_REMOVED, std::move(removed));
+    return result;
+}
+
+std::string eventText(const DriveEvent& event)
+{
+    std::string format = PI::PropertyValueToString(event.m_Event.m_Id);
+    if (format == std::to_string(event.m_Event.m_Id))
+        format = "Event " + format + " of %1";
+    std::string text;
+    for (std::size_t i = 0; i < format.size(); ++i) {
+        const std::string_view place = std::string_view(format).substr(i, 2);
+        if (place == "%1")
+            text += subjectText(event);
+        else if (place == "%2")
+            text += event.m_Event.PlaceHolder2();
+        else {
+            text += format[i];
+            continue;
+        }
+        ++i;
+    }
+    return text;
+}
+
+std::string severityText(std::uint32_t severity)
+{
+    switch (severity) {
+    case 2:
+        return "Information";
+    case 3:
+        return "Warning";
+    case 4:
+        return "Error";
+    default:
+        return "Severity " + std::to_string(severity);
+    }
+}
+
+std::string timeOfDayText(std::uint64_t milliseconds)
+{
+    constexpr std::size_t date = 11;
+    return localTimeText(milliseconds).substr(date);
+}
+
+std::string eventLine(const DriveEvent& event, const Screen& screen)
+{
+    constexpr std::size_t column = 13; // the longest word and a gap
+    const std::string severity = severityText(event.m_Event.m_Severity);
+    const std::string text = eventText(event);
+    return localTimeText(event.m_Event.m_Time) + "  " +
+           toned(screen, toneOf(event.m_Event.m_Severity), severity) +
+           std::string(severity.size() < column ? column - severity.size() : 1, ' ') +
+           printable(text + detailsText(event, text)) + '\n';
+}
+
+} // namespace Host::Cli

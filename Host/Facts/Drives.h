@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Plugins/ObjectStore.h"
+
+#include <PI/Property.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Host::Cli {
+
+/** A code and its text. */
+struct CodeText
+{
+    std::uint32_t m_Code = 0;
+    std::string m_Text;
+};
+
+/** How a drive fares. Without a code: nobody knows. */
+struct Health
+{
+    std::optional<std::uint32_t> m_Code;
+    std::string m_Text;
+};
+
+/** A measured amount. */
+struct Amount
+{
+    float m_Value = 0;
+    std::uint32_t m_Unit = 0;
+
+    friend bool operator==(const Amount&, const Amount&) = default;
+};
+
+/** An adapter and the drive behind it, as one line of `list`. Empty: the plug-in does not report it. */
+struct Drive
+{
+    std::optional<std::uint64_t> m_AdapterId;
+    std::optional<std::uint64_t> m_DriveId;
+    std::string m_Name; ///< the adapter's
+    std::string m_Device;
+    std::string m_Vendor;
+    std::string m_Model;
+    std::string m_Serial;
+    std::string m_Firmware;
+    std::string m_Location;
+    std::string m_PciAddress;
+    std::string m_Driver;
+    std::string m_DriverVersion;
+    std::optional<std::uint64_t> m_CapacityMiB;
+    std::optional<std::uint64_t> m_BlockSize;
+    std::optional<float> m_Temperature; ///< degrees Celsius
+    std::optional<std::int32_t> m_Wear; ///< percent; above 100 past the rating
+    std::optional<Health> m_Health;
+    std::vector<CodeText> m_Reasons;
+    std::optional<std::int32_t> m_Spare;
+    std::optional<std::int32_t> m_SpareThreshold;
+    std::optional<Amount> m_DataRead;
+    std::optional<Amount> m_DataWritten;
+    std::optional<std::uint64_t> m_PowerOnHours;
+    std::optional<std::uint64_t> m_MediaErrors;
+};
+
+/** Every adapter with each of its drives, in the plug-in's order. */
+std::vector<Drive> joinDrives(const ObjectStore& store);
+
+} // namespace Host::Cli

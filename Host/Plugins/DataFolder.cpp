@@ -1,0 +1,133 @@
+#include "Plugins/DataFolder.h"
+
+#include "Base/Failure.h"
+#include "Base/FileText.h"
+#include "Base/Text.h"
+
+#include <Database/Database.h>
+#include <Database/Maintenance.h>
+#include <DatabaseORM/DatabaseException.h>
+#include <PI/AdapterNumbers.h>
+#include <TLX/Clock.h>
+
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+namespace Host {
+namespace {
+
+using Warn = std::function<void(const std::string&)>;
+
+std::filesystem::path numbersFile(const std::filesystem::path& folder)
+{
+    return folder / "AdapterNumbers.txt";
+}
+
+std::filesystem::path lockFile(const std::filesystem::path& folder)
+{
+    return folder / "Ostrel.lock";
+}
+
+void makeFolder(const std::filesystem::path& folder)
+{
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (!error && !std::filesystem::is_directory(folder, error) && !error)
+        error = std::make_error_code(std::errc::not_a_directory);
+    const bool isDenied =
+        error == std::errc::permission_denied || error == std::errc::operation_not_permitted;
+    if (error)
+        throw Failure(isDenied ? ExitCode::NoPermission : ExitCode::WrongUsage,
+                      "The data folder " + printable(folder.string()) +
+                          " cannot be used: " + error.message() + ".");
+}
+
+/** Null for what is no adapter. */
+const std::uint64_t* adapterNumber(const PI::CObject& object)
+{
+    const PI::CProperty* property = findProperty(object, PI::PROP_ADAPTER_NUMBER);
+    return object.m_Type == PI::TYPE_ADAPTER && property != nullptr
+               ? std::get_if<std::uint64_t>(&property->GetValue())
+               : nullptr;
+}
+
+void removeRowsOfOthers(const ObjectStore& inventory)
+{
+    std::vector<std::int32_t> numbers;
+    std::vector<std::string> serials;
+    for (const PI::CObject& object : inventory.objects()) {
+        if (object.m_Type == PI::TYPE_PHYSICAL_DRIVE)
+            serials.push_back(textOf(object, PI::PROP_SERIAL_NUMBER));
+        else if (const std::uint64_t* number = adapterNumber(object))
+            numbers.push_back(static_cast<std::int32_t>(*number));
+    }
+    removeOtherObjects(numbers, serials);
+}
+
+} // namespace
+
+std::filesystem::path databaseFile(const std::filesystem::path& folder)
+{
+    return folder / "Ostrel.db";
+}
+
+DataFolderClaim::DataFolderClaim(std::filesystem::path folder, std::uint64_t patience)
+    : m_Folder(std::move(folder))
+{
+    constexpr std::uint32_t step = 100;
+    makeFolder(m_Folder);
+    m_Lock = std::make_unique<Platform::LockFile>(lockFile(m_Folder));
+    for (const std::uint64_t start = TLX::Misc::monotonic(); !(m_Granted = m_Lock->take());) {
+        if (TLX::Misc::monotonic() - start >= patience)
+            return;
+        TLX::Misc::pause(step);
+    }
+}
+
+std::string DataFolderClaim::refusal() const
+{
+    const std::string text = readFile(lockFile(m_Folder)).value_or("");
+    const auto process = parseNumber(text.substr(0, text.find_first_of("\r\n")), 10);
+    return "Another ostrel" + (process ? ", process " + std::to_string(*process) + "," : "") +
+           " keeps its data in " + printable(m_Folder.string());
+}
+
+void keepRows(const std::filesystem::path& folder)
+{
+    setDatabaseFile(databaseFile(folder));
+}
+
+void restoreNumbers(const std::filesystem::path& folder, const Warn& warn)
+{
+    try {
+        PI::restoreAdapterNumbers(numbersFile(folder));
+    } catch (const std::runtime_error& wrong) {
+        warn(std::string("The adapters are numbered anew: ") + printable(wrong.what()) + ".");
+    }
+}
+
+void keepInventory(const std::filesystem::path& folder, const ObjectStore& inventory, const Warn& warn)
+{
+    try {
+        removeRowsOfOthers(inventory);
+    } catch (const DBEXCEPTION::DatabaseException& exception) {
+        warn(std::string("The rows of these objects may not have been kept: ") + printable(exception.what()) +
+             ".");
+    }
+    keepAdapterNumbers(folder, warn);
+}
+
+void keepAdapterNumbers(const std::filesystem::path& folder, const Warn& warn)
+{
+    if (folder.empty())
+        return;
+    try {
+        PI::storeAdapterNumbers(numbersFile(folder));
+    } catch (const std::runtime_error& wrong) {
+        warn(std::string("The numbers of the adapters may differ at the next run: ") +
+             printable(wrong.what()) + ".");
+    }
+}
+
+} // namespace Host

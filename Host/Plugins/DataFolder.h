@@ -1,0 +1,61 @@
+#pragma once
+
+#include "Base/Platform.h"
+#include "Plugins/ObjectStore.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+
+// What is kept from one run to the next in a folder: the database of the plug-ins' rows, and the numbers of
+// the adapters.
+namespace Host {
+
+std::filesystem::path databaseFile(const std::filesystem::path& folder);
+
+/**
+ * A process's right to keep its data in a folder, which is made when it is missing. Two that keep theirs in
+ * one folder would take each other's rows for those of drives that are gone.
+ */
+class DataFolderClaim
+{
+public:
+    /**
+     * Waits up to `patience` milliseconds for another process to give its right up. Throws `Failure` when the
+     * folder cannot be made.
+     */
+    DataFolderClaim(std::filesystem::path folder, std::uint64_t patience);
+
+    /** False: another process has the right. */
+    bool granted() const { return m_Granted; }
+
+    /** What to say of that other process. */
+    std::string refusal() const;
+
+private:
+    const std::filesystem::path m_Folder;
+    std::unique_ptr<Platform::LockFile> m_Lock;
+    bool m_Granted = false;
+};
+
+/** Has the process's plug-ins keep their rows in `folder`. */
+void keepRows(const std::filesystem::path& folder);
+
+/** Takes up the numbers that `folder` has; those that cannot be read are told to `warn` and given anew. */
+void restoreNumbers(const std::filesystem::path& folder, const std::function<void(const std::string&)>& warn);
+
+/**
+ * Drops the rows of what `inventory` no longer holds, and keeps the numbers that its adapters were given.
+ * What fails is told to `warn`: it takes nothing away from the inventory.
+ */
+void keepInventory(const std::filesystem::path& folder, const ObjectStore& inventory,
+                   const std::function<void(const std::string&)>& warn);
+
+/** Keeps the numbers that adapters were given so far, unless `folder` is empty; what fails is told to `warn`.
+ */
+void keepAdapterNumbers(const std::filesystem::path& folder,
+                        const std::function<void(const std::string&)>& warn);
+
+} // namespace Host

@@ -1,0 +1,81 @@
+#include "Plugins/HostSetup.h"
+
+#include "Base/Failure.h"
+#include "Base/Text.h"
+
+#include <Database/Database.h>
+#include <PI/ConfigFile.h>
+#include <PI/LifeTimeData.h>
+#include <TLX/LanguageSupport.h>
+#include <TLX/TraceSink.h>
+
+#include <algorithm>
+#include <system_error>
+
+namespace Host {
+namespace {
+
+void startTrace(const TraceOptions& trace)
+{
+    if (!trace.wanted() && !trace.m_File)
+        return;
+    try {
+        TLX::Trace::setSink(trace.m_File ? TLX::Trace::rotatingFileSink(*trace.m_File)
+                                         : TLX::Trace::standardErrorSink());
+    } catch (const std::system_error& error) {
+        throw Failure(ExitCode::WrongUsage, "The trace file " + printable(trace.m_File->string()) +
+                                                " cannot be written: " + error.code().message() + ".");
+    }
+    TLX::Trace::setDefaultMask(trace.m_Mask);
+    for (const auto& [module, mask] : trace.m_ModuleMasks)
+        TLX::Trace::setMask(module, mask);
+}
+
+} // namespace
+
+bool TraceOptions::wanted() const
+{
+    return m_Mask != 0 || std::any_of(m_ModuleMasks.begin(), m_ModuleMasks.end(),
+                                      [](const auto& entry) { return entry.second != 0; });
+}
+
+std::filesystem::path shareFolder(const std::filesystem::path& programFolder)
+{
+    return programFolder.parent_path() / "share" / "ostrel";
+}
+
+std::filesystem::path installedPlugin(const std::filesystem::path& programFolder)
+{
+    return programFolder.parent_path() / OSTREL_PLUGIN_FILE;
+}
+
+HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
+                     const std::optional<std::filesystem::path>& fleetFile, const SimulatedFleet::Warn& warn)
+    : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr), m_Trace(trace)
+{
+    if (folders.m_KeepsRows) {
+        m_Claim.emplace(folders.m_Data, folders.m_Patience);
+        if (m_Claim->granted())
+            keepRows(folders.m_Data);
+        restoreNumbers(folders.m_Data, warn);
+    }
+    TLX::Language_Support::CLanguageSupport::SetFolder(folders.m_Share);
+    PI::SetLifeTimeFolder(folders.m_Share);
+    PI::CConfigFile::SetFolder(folders.m_Data.native());
+    startTrace(trace);
+    if (m_Fleet)
+        TLXX::setDeviceBackend(m_Fleet);
+}
+
+HostSetup::~HostSetup()
+{
+    if (m_Fleet)
+        TLXX::setDeviceBackend(nullptr);
+    TLX::Trace::setDefaultMask(0);
+    for (const auto& [module, mask] : m_Trace.m_ModuleMasks)
+        TLX::Trace::setMask(module, 0);
+    TLX::Trace::setSink(nullptr);
+    setDatabaseFile({});
+}
+
+} // namespace Host

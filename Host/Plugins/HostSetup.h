@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Drives/SimulatedFleet.h"
+#include "Plugins/DataFolder.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+
+namespace Host {
+
+/** What a host prepares before it loads plug-ins. */
+struct HostFolders
+{
+    std::filesystem::path m_Share; ///< catalogue and endurance table
+    std::filesystem::path m_Data;  ///< settings
+    bool m_KeepsRows = false;      ///< the data folder holds the database, too; otherwise it is in memory
+    std::uint64_t m_Patience = 0;  ///< milliseconds to wait for another process that keeps rows there
+};
+
+struct TraceOptions
+{
+    std::uint32_t m_Mask = 0;                             ///< of every module that has none of its own
+    std::map<std::uint32_t, std::uint32_t> m_ModuleMasks; ///< by module number
+    std::optional<std::filesystem::path> m_File;          ///< none: standard error
+
+    /** Whether any line is to be written. */
+    bool wanted() const;
+};
+
+/** The share folder that belongs to a program in `programFolder`. */
+std::filesystem::path shareFolder(const std::filesystem::path& programFolder);
+
+/** The plug-in that was installed with a program in `programFolder`. */
+std::filesystem::path installedPlugin(const std::filesystem::path& programFolder);
+
+/**
+ * The process as plug-ins expect it: folders known, traces going where they should, a simulated fleet in the
+ * machine's place when one was asked for. Traces end and the machine is back on destruction. One at a time.
+ */
+class HostSetup
+{
+public:
+    /** Throws `Failure` for a trace file, a fleet file or a folder to keep rows in that cannot be used. */
+    HostSetup(const HostFolders& folders, const TraceOptions& trace,
+              const std::optional<std::filesystem::path>& fleetFile, const SimulatedFleet::Warn& warn);
+    ~HostSetup();
+    HostSetup(const HostSetup&) = delete;
+    HostSetup& operator=(const HostSetup&) = delete;
+
+    /** The right to keep rows; none when nobody wanted to. A refused one leaves the rows in memory. */
+    const std::optional<DataFolderClaim>& claim() const { return m_Claim; }
+
+    /** The simulated fleet; null when the machine's own drives are shown. */
+    const std::shared_ptr<SimulatedFleet>& fleet() const { return m_Fleet; }
+
+private:
+    std::shared_ptr<SimulatedFleet> m_Fleet;
+    std::optional<DataFolderClaim> m_Claim;
+    const TraceOptions m_Trace;
+};
+
+} // namespace Host

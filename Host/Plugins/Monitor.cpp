@@ -1,0 +1,100 @@
+#include "Plugins/Monitor.h"
+
+#include "Base/Failure.h"
+#include "Plugins/DataFolder.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Host {
+
+Monitor::Monitor(EquippedPlugin plugin, std::filesystem::path data, Warn warn)
+    : m_Plugin(plugin.m_Plugin),
+      m_Locations(std::move(plugin.m_Locations)),
+      m_Data(std::move(data)),
+      m_Warn(std::move(warn)),
+      m_Objects(m_Plugin.topology())
+{}
+
+Monitor::~Monitor()
+{
+    try {
+        if (m_Running)
+            (void)stop();
+    } catch (const std::exception& error) {
+        m_Warn(error.what());
+    }
+}
+
+void Monitor::start()
+{
+    m_Plugin.setAdapterIds(m_Identities.assign(m_Locations));
+    m_Running = true;
+}
+
+std::vector<PI::CEvent> Monitor::collect()
+{
+    // What the plug-in shows belongs to its events only when none came while it was asked.
+    const std::uint64_t plugin = pluginObject().m_ID;
+    std::vector<PI::CEvent> events = m_Plugin.collectEvents(plugin);
+    try {
+        for (bool more = true; more;) {
+            m_Objects = ObjectStore(m_Plugin.topology());
+            std::vector<PI::CEvent> later = m_Plugin.collectEvents(plugin);
+            more = !later.empty();
+            std::move(later.begin(), later.end(), std::back_inserter(events));
+        }
+        nameNewcomers();
+        m_Complaint.clear();
+    } catch (const Failure& failure) {
+        // The events are no longer pending, so they must not go with it.
+        complain(failure);
+    }
+    return events;
+}
+
+void Monitor::refresh()
+{
+    try {
+        m_Objects = ObjectStore(m_Plugin.topology());
+        m_Complaint.clear();
+    } catch (const Failure& failure) {
+        complain(failure);
+    }
+}
+
+void Monitor::nameNewcomers()
+{
+    std::vector<PI::CAdapterID> fresh = m_Identities.assign(adapterLocations(m_Objects));
+    if (!m_Running || fresh.empty())
+        return;
+    m_Plugin.setAdapterIds(std::move(fresh));
+    keepAdapterNumbers(m_Data, m_Warn);
+}
+
+void Monitor::complain(const Failure& failure)
+{
+    if (m_Complaint == failure.what())
+        return;
+    m_Complaint = failure.what();
+    m_Warn(m_Complaint);
+}
+
+bool Monitor::stop()
+{
+    m_Running = false;
+    return m_Plugin.deInitialize();
+}
+
+const PI::CObject& Monitor::pluginObject() const
+{
+    const auto& objects = m_Objects.objects();
+    const auto found = std::find_if(objects.begin(), objects.end(), [](const PI::CObject& object) {
+        return object.m_Type == PI::TYPE_PLUGIN;
+    });
+    if (found == objects.end())
+        throw Failure(ExitCode::RequestFailed, "The plug-in does not show an object of its own.");
+    return *found;
+}
+
+} // namespace Host

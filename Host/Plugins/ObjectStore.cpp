@@ -1,0 +1,185 @@
+#include "Plugins/ObjectStore.h"
+
+#include "Base/Failure.h"
+#include "Base/Suggestion.h"
+#include "Base/Text.h"
+#include "Plugins/AdapterIdentities.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <set>
+#include <utility>
+
+namespace Host {
+namespace {
+
+/** The address that `name` is, as `lspci` writes it; without a segment, that of a place in any of them. */
+struct Address
+{
+    explicit Address(std::string_view name) : m_Location(TLXX::CPciLocation::Parse(name))
+    {
+        if (m_Location)
+            return;
+        m_Location = TLXX::CPciLocation::Parse("0:" + std::string(name));
+        m_AnySegment = true;
+    }
+
+    bool isOf(const PI::CObject& adapter) const
+    {
+        std::optional<TLXX::CPciLocation> location = pciLocation(adapter);
+        // One that was not found looks like that.
+        if (!m_Location || !location || *location == TLXX::CPciLocation{})
+            return false;
+        if (m_AnySegment)
+            location->m_Segment = 0;
+        return *location == *m_Location;
+    }
+
+    std::optional<TLXX::CPciLocation> m_Location;
+    bool m_AnySegment = false;
+};
+
+bool goesBySerialOrDevice(const PI::CObject& object, std::string_view name)
+{
+    const std::string serial = textOf(object, PI::PROP_SERIAL_NUMBER);
+    const std::string device = textOf(object, PI::PROP_DEVICE_NAME);
+    return (!serial.empty() && equalIgnoringCase(serial, name)) ||
+           (!device.empty() && equalIgnoringCase(shortDeviceName(device), shortDeviceName(name)));
+}
+
+} // namespace
+
+const PI::CProperty* findProperty(const PI::CObject& object, std::uint32_t propertyId)
+{
+    const auto found =
+        std::find_if(object.m_Properties.begin(), object.m_Properties.end(),
+                     [&](const PI::CProperty& property) { return property.Id() == propertyId; });
+    return found == object.m_Properties.end() ? nullptr : &*found;
+}
+
+std::string textOf(const PI::CObject& object, std::uint32_t propertyId)
+{
+    const PI::CProperty* property = findProperty(object, propertyId);
+    const std::string* text = property != nullptr ? std::get_if<std::string>(&property->GetValue()) : nullptr;
+    return text != nullptr ? *text : std::string();
+}
+
+std::string_view shortDeviceName(std::string_view device)
+{
+    // Plug-ins drop the backslashes of Windows paths, but for the point that stands between them.
+    for (const std::string_view folder : {"/dev/", "\\\\.\\", "."})
+        if (device.substr(0, folder.size()) == folder)
+            return device.substr(folder.size());
+    return device;
+}
+
+std::string identifierText(std::uint64_t id)
+{
+    constexpr std::size_t digits = 16;
+    char buffer[digits];
+    char* const end = std::to_chars(buffer, buffer + digits, id, 16).ptr;
+    const std::string text(buffer, end);
+    return "0x" + std::string(digits - text.size(), '0') + text;
+}
+
+ObjectStore::ObjectStore(std::vector<PI::CObject> objects) : m_Objects(std::move(objects))
+{
+    for (std::size_t place = 0; place < m_Objects.size(); ++place)
+        m_Places.emplace(m_Objects[place].m_ID, place);
+}
+
+const PI::CObject* ObjectStore::byId(std::uint64_t id) const
+{
+    const auto found = m_Places.find(id);
+    return found == m_Places.end() ? nullptr : &m_Objects[found->second];
+}
+
+std::vector<const PI::CObject*> ObjectStore::childrenOf(const PI::CObject& object) const
+{
+    std::vector<const PI::CObject*> children;
+    for (const std::uint64_t id : object.m_Children)
+        if (const PI::CObject* child = byId(id))
+            children.push_back(child);
+    return children;
+}
+
+std::vector<const PI::CObject*> ObjectStore::roots() const
+{
+    std::set<std::uint64_t> children;
+    for (const PI::CObject& object : m_Objects)
+        children.insert(object.m_Children.begin(), object.m_Children.end());
+    std::vector<const PI::CObject*> roots;
+    for (const PI::CObject& object : m_Objects)
+        if (!children.contains(object.m_ID))
+            roots.push_back(&object);
+    return roots;
+}
+
+std::vector<const PI::CObject*> ObjectStore::named(std::string_view name) const
+{
+    if (std::vector<const PI::CObject*> exact = namedExactly(name); !exact.empty())
+        return exact;
+
+    const Address address(name);
+    std::vector<const PI::CObject*> matches;
+    std::size_t adapters = 0;
+    for (const PI::CObject& object : m_Objects) {
+        if (object.m_Type != PI::TYPE_ADAPTER ||
+            (!goesBySerialOrDevice(object, name) && !address.isOf(object)))
+            continue;
+        ++adapters;
+        matches.push_back(&object);
+        for (const PI::CObject* child : childrenOf(object))
+            matches.push_back(child);
+    }
+    if (adapters == 0)
+        throw Failure(ExitCode::WrongUsage, "There is no object \"" + printable(name) + "\"." +
+                                                didYouMean(name, names()) + " These are there:\n" +
+                                                listing());
+    if (adapters > 1)
+        throw Failure(ExitCode::WrongUsage, "More than one adapter goes by \"" + printable(name) +
+                                                "\"; name the one by its identifier. These are there:\n" +
+                                                listing());
+    return matches;
+}
+
+std::vector<const PI::CObject*> ObjectStore::namedExactly(std::string_view name) const
+{
+    const std::optional<std::uint64_t> id = parseHexadecimal(name);
+    for (const PI::CObject& object : m_Objects) {
+        const std::string location = textOf(object, PI::PROP_LOCATION);
+        if ((id && object.m_ID == *id) || (!location.empty() && equalIgnoringCase(location, name)) ||
+            (object.m_Type == PI::TYPE_PLUGIN && equalIgnoringCase(name, "plugin")))
+            return {&object};
+    }
+    return {};
+}
+
+std::vector<std::string> ObjectStore::names() const
+{
+    std::vector<std::string> names = {"plugin"};
+    for (const PI::CObject& object : m_Objects) {
+        names.emplace_back(shortDeviceName(textOf(object, PI::PROP_DEVICE_NAME)));
+        names.push_back(textOf(object, PI::PROP_SERIAL_NUMBER));
+        names.push_back(textOf(object, PI::PROP_LOCATION));
+        names.push_back(identifierText(object.m_ID));
+    }
+    return names;
+}
+
+std::string ObjectStore::listing() const
+{
+    std::string text;
+    for (const PI::CObject& object : m_Objects) {
+        text += "  " + identifierText(object.m_ID);
+        for (const std::uint32_t id : {PI::PROP_DEVICE_NAME, PI::PROP_SERIAL_NUMBER, PI::PROP_LOCATION})
+            if (const std::string part = textOf(object, id); !part.empty())
+                text += "  " + printable(part);
+        text += '\n';
+    }
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text;
+}
+
+} // namespace Host

@@ -1,0 +1,16 @@
+#include "Terminal/PollForecast.h"
+
+namespace Host::Cli {
+
+void PollForecast::update(std::uint64_t count, std::uint64_t interval, std::uint64_t now)
+{
+    constexpr std::uint64_t patience = 1000;
+    // A poll that is late has not begun, or still goes on.
+    if (m_Count != count)
+        m_Next = now + interval;
+    else if (m_Next <= now)
+        m_Next = now + patience;
+    m_Count = count;
+}
+
+} // namespace Host::Cli

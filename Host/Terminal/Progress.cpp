@@ -1,0 +1,52 @@
+#include "Terminal/Progress.h"
+
+#include "Base/Seconds.h"
+
+#include <TLX/Clock.h>
+#include <TLX/WaitResult.h>
+
+#include <cstdint>
+#include <system_error>
+
+namespace Host::Cli {
+namespace {
+
+constexpr std::uint64_t PATIENCE = 500;
+
+} // namespace
+
+Progress::Progress(std::size_t drives, Messages* messages) : m_Messages(messages)
+{
+    if (m_Messages == nullptr || !m_Messages->onTerminal() ||
+        m_Done.Init(false, true) != TLX::Threading::WaitResult::Taken)
+        return;
+    try {
+        m_Thread = std::thread(&Progress::run, this,
+                               "Asking " + std::to_string(drives) + (drives == 1 ? " drive" : " drives"));
+    } catch (const std::system_error&) {
+        // The drives can be asked without it.
+        return;
+    }
+}
+
+Progress::~Progress()
+{
+    m_Done.Set();
+    if (m_Thread.joinable())
+        m_Thread.join();
+}
+
+void Progress::run(const std::string& what)
+{
+    const std::uint64_t start = TLX::Misc::monotonic();
+    for (std::uint64_t wait = PATIENCE;
+         m_Done.Wait(static_cast<std::uint32_t>(wait)) == TLX::Threading::WaitResult::TimedOut;) {
+        const std::uint64_t elapsed = TLX::Misc::monotonic() - start;
+        const std::uint64_t seconds = elapsed / MILLISECONDS_A_SECOND;
+        m_Messages->pass(what + (seconds > 0 ? ", " + std::to_string(seconds) + " s" : "") + " ...");
+        wait = MILLISECONDS_A_SECOND - elapsed % MILLISECONDS_A_SECOND;
+    }
+    m_Messages->pass({});
+}
+
+} // namespace Host::Cli

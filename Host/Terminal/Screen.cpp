@@ -1,0 +1,67 @@
+#include "Terminal/Screen.h"
+
+#include "Base/Platform.h"
+
+#include <cstdlib>
+
+namespace Host::Cli {
+namespace {
+
+bool userAllowsColour()
+{
+    const char* const noColour = std::getenv("NO_COLOR");
+    return noColour == nullptr || *noColour == '\0';
+}
+
+const char* escapeOf(Tone tone)
+{
+    switch (tone) {
+    case Tone::Plain:
+        return "";
+    case Tone::Heading:
+        return "\033[1m";
+    case Tone::Good:
+        return "\033[32m";
+    case Tone::Warning:
+        return "\033[33m";
+    case Tone::Bad:
+        return "\033[1;31m";
+    case Tone::Faint:
+        return "\033[2m";
+    }
+    return "";
+}
+
+} // namespace
+
+Screen detectScreen(const Platform::ResultChannel& results)
+{
+    if (!results.isTerminal())
+        return {};
+    return {results.terminalWidth(), results.showsColours() && userAllowsColour()};
+}
+
+std::string toned(const Screen& screen, Tone tone, const std::string& text)
+{
+    if (!screen.m_Colour || tone == Tone::Plain || text.empty())
+        return text;
+    return escapeOf(tone) + text + "\033[0m";
+}
+
+Tone toneOfCode(std::uint32_t code)
+{
+    switch (code) {
+    case 40024: // healthy
+    case 40099: // operational
+        return Tone::Good;
+    case 40095: // critical
+        return Tone::Bad;
+    case 40150: // degraded
+    case 40180: // warning
+        return Tone::Warning;
+    default:
+        return Tone::Plain;
+    }
+}
+
+} // namespace Host::Cli

@@ -1,0 +1,152 @@
+#include "Host/Checks.h"
+#include "Support/TemporaryFolder.h"
+
+#include <Database/Database.h>
+
+#include <algorithm>
+#include <fstream>
+
+namespace {
+
+using namespace Host::Cli;
+using Host::ExitCode;
+using HostTest::finding;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST(CheckSettings, TellsOfAFileThatIsIgnored)
+{
+    const TestSupport::CTemporaryFolder folder;
+    EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Ok, "Ostrel.ini, so the usual values hold"));
+    folder.Write("Ostrel.ini", "PollInterval=45\n");
+    EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Ok, "Ostrel.ini"));
+    folder.Write("Ostrel.ini", std::string("PollInterval=45\n\0", 17));
+    const Check torn = checkSettings(folder.Path());
+    EXPECT_THAT(torn, finding(Finding::Problem, "holds zero bytes"));
+    EXPECT_THAT(torn.m_Remedy, HasSubstr("Write it again"));
+    std::filesystem::remove(folder.Path() / "Ostrel.ini");
+    std::filesystem::create_directory(folder.Path() / "Ostrel.ini");
+    const Check unreadable = checkSettings(folder.Path());
+    EXPECT_THAT(unreadable, finding(Finding::Problem, "cannot be read"));
+    EXPECT_THAT(unreadable.m_Remedy, HasSubstr("may read"));
+}
+
+TEST(CheckSettings, TellsOfAnIntervalThatIsNotTakenAsItStands)
+{
+    const TestSupport::CTemporaryFolder folder;
+    for (const char* good : {"2", "30", "255"}) {
+        folder.Write("Ostrel.ini", std::string("PollInterval=") + good + "\r\n");
+        EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Ok, "Ostrel.ini")) << good;
+    }
+    for (const char* bad : {"", "abc", "30 s", "-5", "1.5"}) {
+        folder.Write("Ostrel.ini", std::string("PollInterval=") + bad + "\n");
+        const Check check = checkSettings(folder.Path());
+        EXPECT_THAT(check, finding(Finding::Problem, "PollInterval is \"" + std::string(bad) + "\"")) << bad;
+        EXPECT_THAT(check.m_Remedy, HasSubstr("from 2 to 255"));
+    }
+    for (const char* far : {"0", "1", "256", "4294967296"}) {
+        folder.Write("Ostrel.ini", std::string("PollInterval=") + far + "\n");
+        EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Problem, "nearest possible value")) << far;
+    }
+    folder.Write("Ostrel.ini", "PolInterval=45\n");
+    EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Note, "no line \"PollInterval=...\""));
+}
+
+class CheckKeptRows : public testing::Test
+{
+protected:
+    ~CheckKeptRows() override { setDatabaseFile({}); }
+
+    std::filesystem::path file() const { return m_Folder.Path() / "a#b%41" / "Ostrel.db"; }
+
+    void make(const std::string& sql) const
+    {
+        std::filesystem::create_directories(file().parent_path());
+        setDatabaseFile(file());
+        (void)getDatabasePointer()->m_Access->query(sql);
+        setDatabaseFile({});
+    }
+
+    /** Names, sizes and times. */
+    std::vector<std::string> folder() const
+    {
+        std::vector<std::string> entries;
+        for (const auto& entry : std::filesystem::directory_iterator(file().parent_path()))
+            entries.push_back(entry.path().filename().string() + " " + std::to_string(entry.file_size()) +
+                              " " + std::to_string(entry.last_write_time().time_since_epoch().count()));
+        std::sort(entries.begin(), entries.end());
+        return entries;
+    }
+
+    TestSupport::CTemporaryFolder m_Folder;
+};
+
+TEST_F(CheckKeptRows, SaysWhenThereAreNoneYet)
+{
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "Ostrel.db yet"));
+    EXPECT_TRUE(std::filesystem::is_empty(m_Folder.Path()));
+}
+
+TEST_F(CheckKeptRows, SaysWhenNoneCouldBeMade)
+{
+    const std::filesystem::path blocked = m_Folder.Write("file", "");
+    for (const char* name : {"Ostrel.db", "a/Ostrel.db", "a/b/Ostrel.db"}) {
+        const Check check = checkKeptRows(blocked / name);
+        EXPECT_THAT(check,
+                    finding(Finding::Problem, "none can be made: " + blocked.string() + " is no folder"));
+        EXPECT_EQ(check.m_ExitCode, ExitCode::RequestFailed);
+        EXPECT_THAT(check.m_Remedy, HasSubstr("--data"));
+    }
+}
+
+TEST_F(CheckKeptRows, LooksAndLeavesNothingBehind)
+{
+    make("SELECT 1");
+    const std::vector<std::string> before = folder();
+    EXPECT_THAT(before, testing::SizeIs(1));
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, file().string() + ", which this run leaves"));
+    EXPECT_EQ(folder(), before);
+}
+
+TEST_F(CheckKeptRows, ReadsBesideWhoeverWrites)
+{
+    std::filesystem::create_directories(file().parent_path());
+    setDatabaseFile(file());
+    const auto database = getDatabasePointer();
+    (void)database->m_Access->query("BEGIN IMMEDIATE; CREATE TABLE Other (ID INTEGER)");
+    // What is not yet in the file itself counts: the tables are only in what stands beside it.
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "which this run leaves"));
+    (void)database->m_Access->query("COMMIT; DROP TABLE Plugin");
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "there is no table Plugin"));
+}
+
+TEST_F(CheckKeptRows, KnowsTablesOfAnotherReleaseAndEmptyFiles)
+{
+    make("PRAGMA user_version = 4711");
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Note, "tables of another release"));
+    std::ofstream(file(), std::ios::trunc).close();
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "is empty"));
+}
+
+TEST_F(CheckKeptRows, NamesWhatIsWrongWithTheFile)
+{
+    make("SELECT 1");
+    std::ofstream(file(), std::ios::trunc) << std::string(4096, 'x');
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "file is not a database"));
+    std::filesystem::remove(file());
+    std::filesystem::create_directory(file());
+    const Check check = checkKeptRows(file());
+    EXPECT_THAT(check, finding(Finding::Problem, "Ostrel.db is no file"));
+    EXPECT_EQ(check.m_ExitCode, ExitCode::RequestFailed);
+}
+
+TEST_F(CheckKeptRows, FindsDamage)
+{
+    // A page that no table or index has any more.
+    make("CREATE TABLE Other (Text TEXT UNIQUE); PRAGMA writable_schema = ON; "
+         "UPDATE sqlite_master SET sql = 'CREATE TABLE Other (Text TEXT)' WHERE name = 'Other'; "
+         "DELETE FROM sqlite_master WHERE tbl_name = 'Other' AND type = 'index'");
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "Ostrel.db': damaged: "));
+}
+
+} // namespace

@@ -1,0 +1,110 @@
+#include "Commands/ListCommand.h"
+
+#include "Base/Text.h"
+#include "Host/Catalogue.h"
+#include "Host/Objects.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+class ListCommandTest : public testing::Test
+{
+protected:
+    static Host::Cli::Drive longDrive()
+    {
+        Host::Cli::Drive drive;
+        drive.m_Device = "/dev/nvme12n1";
+        drive.m_Vendor = "SAMSUNG";
+        drive.m_Model = std::string(20, 'A') + std::string(20, 'B');
+        drive.m_Serial = "01234567890123456789";
+        drive.m_Firmware = "FIRMWARE";
+        drive.m_CapacityMiB = 1907729;
+        drive.m_Temperature = 110;
+        drive.m_Wear = 1200;
+        drive.m_Health = {40095, "Critical"};
+        drive.m_Reasons = {{40459, "Temperature outside its limits"},
+                           {40460, "Available spare below its threshold"},
+                           {40452, "Media is read-only"}};
+        return drive;
+    }
+
+    static void expectWidth(const std::string& text, std::size_t width)
+    {
+        for (std::size_t start = 0; start < text.size();) {
+            const std::size_t end = text.find('\n', start);
+            EXPECT_LE(Host::displayWidth(text.substr(start, end - start)), width) << text;
+            start = end + 1;
+        }
+    }
+
+private:
+    HostTest::Catalogue m_Catalogue;
+};
+
+TEST_F(ListCommandTest, HasOneLineADriveWithWholeTextsInAPipe)
+{
+    EXPECT_EQ(
+        Host::Cli::listText({longDrive()}, {}),
+        "Device    Vendor   Model                                     Serial                Firmware  "
+        "Capacity  "
+        "  Temp   Wear  Health\n"
+        "nvme12n1  SAMSUNG  AAAAAAAAAAAAAAAAAAAABBBBBBBBBBBBBBBBBBBB  01234567890123456789  FIRMWARE  1.82 "
+        "TiB  "
+        "110 \u00b0C  1200%  Critical: Temperature outside its limits; Available spare below its threshold; "
+        "Media is read-only\n");
+}
+
+TEST_F(ListCommandTest, FitsATerminalOf80Columns)
+{
+    const std::string text = Host::Cli::listText({longDrive()}, {80, false});
+    expectWidth(text, 80);
+    EXPECT_THAT(text, HasSubstr("\u2026"));
+    EXPECT_THAT(text, HasSubstr("Firmware"));
+    EXPECT_THAT(text, Not(HasSubstr("Too narrow")));
+    EXPECT_THAT(
+        text, HasSubstr("\n\nnvme12n1: Temperature outside its limits; Available spare below its threshold;\n"
+                        "          Media is read-only\n"));
+}
+
+TEST_F(ListCommandTest, FitsATerminalOf60Columns)
+{
+    const std::string text = Host::Cli::listText({longDrive()}, {60, false});
+    expectWidth(text, 60);
+    EXPECT_THAT(text, HasSubstr("Too narrow for: Vendor, Firmware\n"));
+    EXPECT_THAT(text, HasSubstr("Critical"));
+}
+
+TEST_F(ListCommandTest, KeepsDeviceSerialAndHealthOn30Columns)
+{
+    const std::string text = Host::Cli::listText({longDrive()}, {30, false});
+    const std::string table = text.substr(0, text.find("Too narrow for"));
+    expectWidth(table, 30);
+    EXPECT_THAT(table, testing::MatchesRegex("Device +Serial +Health *\nnvme12n1 .*Critical\n"));
+    expectWidth(text.substr(text.find("\n\n") + 2), 30);
+}
+
+TEST_F(ListCommandTest, ShortensNothingOn200Columns)
+{
+    const std::string text = Host::Cli::listText({longDrive()}, {200, false});
+    expectWidth(text, 200);
+    EXPECT_THAT(text, Not(HasSubstr("\u2026")));
+}
+
+TEST_F(ListCommandTest, ShowsADashForWhatIsUnknown)
+{
+    EXPECT_EQ(Host::Cli::listText({Host::Cli::Drive{}}, {}),
+              "Device  Vendor  Model  Serial  Firmware  Capacity  Temp  Wear  Health\n"
+              "-       -       -      -       -                -     -     -  -\n");
+}
+
+TEST_F(ListCommandTest, ColoursTheHealthAndStillSaysIt)
+{
+    EXPECT_THAT(Host::Cli::listText({longDrive()}, {80, true}), HasSubstr("\033[1;31mCritical\033[0m"));
+    Host::Cli::Drive unread = longDrive();
+    unread.m_Health = {std::nullopt, "Unknown"};
+    EXPECT_THAT(Host::Cli::listText({unread}, {200, true}), HasSubstr("  Unknown\n"));
+}
+
+} // namespace

@@ -1,0 +1,264 @@
+#include "Host/Commands_Linux/RunProgram.h"
+
+#include "Host/Built.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace HostTest {
+namespace {
+
+class Descriptor
+{
+public:
+    explicit Descriptor(int number) : m_Number(number)
+    {
+        if (number < 0)
+            throw std::runtime_error("no descriptor");
+        // Children that another test starts meanwhile must not keep it open.
+        (void)fcntl(number, F_SETFD, FD_CLOEXEC);
+    }
+    ~Descriptor() { reset(); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int number() const { return m_Number; }
+
+    void reset()
+    {
+        if (m_Number >= 0)
+            (void)close(m_Number);
+        m_Number = -1;
+    }
+
+private:
+    int m_Number;
+};
+
+/** Passes on what the sanitizers and the dynamic linker need. */
+std::vector<std::string> environmentWords(const Environment& environment)
+{
+    std::vector<std::string> words;
+    for (const char* name :
+         {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS", "LD_LIBRARY_PATH"})
+        if (const char* value = std::getenv(name))
+            words.push_back(std::string(name) + "=" + value);
+    for (const auto& [name, value] : environment)
+        words.push_back(name + "=" + value);
+    return words;
+}
+
+std::vector<char*> pointersTo(std::vector<std::string>& words)
+{
+    std::vector<char*> pointers;
+    for (std::string& word : words)
+        pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+pid_t start(const std::vector<std::string>& arguments, const Environment& environment, int output, int errors)
+{
+    std::vector<std::string> words = {Built::PROGRAM};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<std::string> variables = environmentWords(environment);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, errors, STDERR_FILENO);
+    pid_t child = -1;
+    const int error = posix_spawn(&child, Built::PROGRAM, &actions, nullptr, pointersTo(words).data(),
+                                  pointersTo(variables).data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0)
+        throw std::runtime_error(std::string("cannot start ") + Built::PROGRAM);
+    return child;
+}
+
+int waitFor(pid_t child)
+{
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+std::string readAll(int descriptor)
+{
+    std::string text;
+    char chunk[4096];
+    for (ssize_t size = 0; (size = read(descriptor, chunk, sizeof chunk)) > 0;)
+        text.append(chunk, static_cast<std::size_t>(size));
+    return text;
+}
+
+/** Both ends of a new terminal. */
+struct Terminal
+{
+    explicit Terminal(unsigned columns)
+    {
+        winsize size{};
+        size.ws_row = 25;
+        size.ws_col = static_cast<unsigned short>(columns);
+        if (openpty(&m_Ours, &m_Theirs, nullptr, nullptr, &size) != 0)
+            throw std::runtime_error("no terminal to be had");
+    }
+
+    int m_Ours = -1;
+    int m_Theirs = -1;
+};
+
+} // namespace
+
+ProgramResult runProgram(const std::vector<std::string>& arguments, const Environment& environment)
+{
+    const Descriptor output(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
+    const Descriptor errors(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
+    ProgramResult result;
+    result.m_ExitCode = waitFor(start(arguments, environment, output.number(), errors.number()));
+    (void)lseek(output.number(), 0, SEEK_SET);
+    (void)lseek(errors.number(), 0, SEEK_SET);
+    result.m_Output = readAll(output.number());
+    result.m_Errors = readAll(errors.number());
+    return result;
+}
+
+ProgramResult runOnTerminal(const std::vector<std::string>& arguments, unsigned columns,
+                            const Environment& environment)
+{
+    const Terminal terminal(columns);
+    const Descriptor ours(terminal.m_Ours);
+    Descriptor theirs(terminal.m_Theirs);
+    const pid_t child = start(arguments, environment, theirs.number(), theirs.number());
+    theirs.reset();
+    ProgramResult result;
+    // Reading ends with an error once the last holder of the other side is gone.
+    for (const char character : readAll(ours.number()))
+        if (character != '\r')
+            result.m_Output += character;
+    result.m_ExitCode = waitFor(child);
+    return result;
+}
+
+/** One output of the program. */
+struct Stream
+{
+    /** Reads what is there. Returns false at the end. */
+    bool read()
+    {
+        char chunk[4096];
+        // A terminal that its last writer has left gives an error.
+        const ssize_t size = ::read(m_Ours->number(), chunk, sizeof chunk);
+        for (ssize_t i = 0; i < size; ++i)
+            if (chunk[i] != '\r' || !m_IsTerminal)
+                m_Text += chunk[i];
+        m_Open = size > 0;
+        return m_Open;
+    }
+
+    std::unique_ptr<Descriptor> m_Ours;
+    bool m_IsTerminal = false;
+    bool m_Open = true;
+    std::string m_Text; ///< that nobody has awaited
+};
+
+struct RunningProgram::Native
+{
+    std::string await(Stream& stream, const std::string& text)
+    {
+        constexpr int minute = 60'000;
+        std::size_t found = 0;
+        while ((found = stream.m_Text.find(text)) == std::string::npos) {
+            pollfd ready{stream.m_Ours->number(), POLLIN, 0};
+            if (poll(&ready, 1, minute) == 0)
+                throw std::runtime_error("no \"" + text + "\" in time, but: " + stream.m_Text);
+            if (!stream.read())
+                throw std::runtime_error("the program ended without \"" + text + "\": " + stream.m_Text);
+        }
+        const std::string head = stream.m_Text.substr(0, found + text.size());
+        stream.m_Text.erase(0, head.size());
+        return head;
+    }
+
+    Stream m_Results;
+    Stream m_Messages;
+    pid_t m_Child = -1;
+};
+
+RunningProgram::RunningProgram(const std::vector<std::string>& arguments, unsigned columns,
+                               const Environment& environment, bool messagesAmongResults)
+    : m_Native(std::make_unique<Native>())
+{
+    int results[2] = {-1, -1};
+    int messages[2] = {-1, -1};
+    if (pipe(messages) != 0 || (columns == 0 && pipe(results) != 0))
+        throw std::runtime_error("no pipe to be had");
+    if (columns != 0) {
+        const Terminal terminal(columns);
+        results[0] = terminal.m_Ours;
+        results[1] = terminal.m_Theirs;
+        m_Native->m_Results.m_IsTerminal = true;
+    }
+    m_Native->m_Results.m_Ours = std::make_unique<Descriptor>(results[0]);
+    m_Native->m_Messages.m_Ours = std::make_unique<Descriptor>(messages[0]);
+    const Descriptor theirResults(results[1]);
+    const Descriptor theirMessages(messages[1]);
+    m_Native->m_Child = start(arguments, environment, theirResults.number(),
+                              (messagesAmongResults ? theirResults : theirMessages).number());
+}
+
+RunningProgram::~RunningProgram()
+{
+    if (m_Native->m_Child < 0)
+        return;
+    send(SIGKILL);
+    (void)waitFor(m_Native->m_Child);
+}
+
+std::string RunningProgram::awaitResult(const std::string& text)
+{
+    return m_Native->await(m_Native->m_Results, text);
+}
+
+std::string RunningProgram::awaitMessage(const std::string& text)
+{
+    return m_Native->await(m_Native->m_Messages, text);
+}
+
+void RunningProgram::closeResults()
+{
+    m_Native->m_Results.m_Ours->reset();
+    m_Native->m_Results.m_Open = false;
+}
+
+void RunningProgram::send(int signal)
+{
+    (void)kill(m_Native->m_Child, signal);
+}
+
+ProgramResult RunningProgram::finish()
+{
+    // Little enough is said at an end that neither pipe fills while the other one is read.
+    for (Stream* stream : {&m_Native->m_Results, &m_Native->m_Messages})
+        while (stream->m_Open)
+            (void)stream->read();
+    ProgramResult result;
+    result.m_ExitCode = waitFor(m_Native->m_Child);
+    m_Native->m_Child = -1;
+    result.m_Output = m_Native->m_Results.m_Text;
+    result.m_Errors = m_Native->m_Messages.m_Text;
+    return result;
+}
+
+} // namespace HostTest

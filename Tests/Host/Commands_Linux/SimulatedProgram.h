@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Host/Commands_Linux/RunProgram.h"
+
+#include <string>
+#include <vector>
+
+namespace HostTest {
+
+/** `words` behind the option that has the program show a fleet file's drives. */
+std::vector<std::string> simulated(std::vector<std::string> words, const std::string& fleet);
+
+/** The same with the demonstration fleet. */
+std::vector<std::string> simulated(std::vector<std::string> words);
+
+std::vector<std::string> linesOf(const std::string& text);
+
+} // namespace HostTest

@@ -1,0 +1,184 @@
+#include "Documents/Json.h"
+
+#include "Host/Catalogue.h"
+#include "Host/Objects.h"
+
+#include <nlohmann/json.hpp>
+
+#include <limits>
+
+namespace {
+
+using namespace Host::Cli;
+using HostTest::property;
+using Json = nlohmann::ordered_json;
+
+class JsonTest : public testing::Test
+{
+    HostTest::Catalogue m_Catalogue;
+};
+
+Json parsed(const char* text)
+{
+    return Json::parse(text);
+}
+
+TEST_F(JsonTest, WritesAPropertyOfEachKind)
+{
+    PI::CProperty temperature = property(PI::PROP_TEMPERATURE, PI::UNIT_CELSIUS, 36.5F);
+    temperature.SetNlsID(23024);
+    EXPECT_EQ(propertyJson(temperature), parsed(R"({"id": 30442, "caption": "Temperature", "value": 36.5,
+        "text": "36.5 °C", "unit": 21000, "unitText": "°C", "settable": false})"));
+
+    EXPECT_EQ(propertyJson(property(PI::PROP_NAME, 1, "x")),
+              parsed(R"({"id": 30007, "value": "x", "text": "x", "settable": false})"));
+
+    EXPECT_EQ(propertyJson(property(PI::PROP_CAPACITY, PI::UNIT_MIB, std::uint64_t{18446744073709551615ULL})),
+              parsed(R"({"id": 30059, "value": 18446744073709551615,
+                         "valueText": "18446744073709551615", "text": "16777216 EiB",
+                         "unit": 21002, "unitText": "MiB", "settable": false})"));
+
+    PI::CProperty interval(PI::PROP_POLL_INTERVAL, true);
+    interval.SetValue(30, 2, 255, 1);
+    interval.SetUnits(PI::UNIT_SECONDS);
+    EXPECT_EQ(propertyJson(interval), parsed(R"({"id": 30005, "value": 30, "text": "30 s", "unit": 21007,
+        "unitText": "s", "settable": true, "minimum": 2, "maximum": 255, "step": 1})"));
+
+    PI::CProperty health =
+        property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{40024}, std::vector<std::uint32_t>{40024, 40150});
+    health.SetIconPathID(24000);
+    EXPECT_EQ(propertyJson(health), parsed(R"({"id": 30017, "value": 40024, "text": "Healthy",
+        "settable": false, "allowed": [40024, 40150], "icon": 24000})"));
+
+    EXPECT_EQ(propertyJson(property(PI::PROP_STATUS_REASONS, 1, std::vector<std::uint32_t>{40452, 40460},
+                                    std::vector<std::uint32_t>{40387})),
+              parsed(R"({"id": 30165, "value": [40452, 40460],
+                         "text": "Media is read-only; Available spare below its threshold",
+                         "settable": false, "allowed": [40387]})"));
+}
+
+TEST_F(JsonTest, WritesFloatsAsShortAsTheyAre)
+{
+    EXPECT_EQ(propertyJson(property(1, 1, 1.6F))["value"].dump(), "1.6");
+}
+
+TEST_F(JsonTest, WritesAnObject)
+{
+    PI::CObject object;
+    object.m_ID = 0x0139000000000001;
+    object.m_Type = PI::TYPE_ADAPTER;
+    object.m_Parents = {0x0139000000000000};
+    object.m_UpdateCount = 3;
+    object.m_Operations.emplace_back(PI::COperationTemplate{50002, 0, 0, 0, 0, false, 0, 0, 0});
+    EXPECT_EQ(objectJson(object), parsed(R"({"id": "0x0139000000000001", "type": 19038,
+        "parents": ["0x0139000000000000"], "children": [], "updateCount": 3, "properties": [],
+        "operations": [{"id": 50002}]})"));
+}
+
+TEST_F(JsonTest, WritesADriveWithAllItsFields)
+{
+    const Host::ObjectStore store(HostTest::topologyOf({{0x81, "SERIAL", "/dev/nvme0n1"}}));
+    EXPECT_EQ(driveJson(joinDrives(store).at(0)), parsed(R"({
+        "device": "/dev/nvme0n1", "vendor": "INTEL", "model": "MODEL-OF-THE-ADAPTER", "serial": "SERIAL",
+        "pciAddress": "0000:81:1f.1", "location": "PCI:Bus=129&Device=0&Function=0",
+        "firmware": "FW1", "capacityMiB": 1907729, "blockSize": 4096, "temperature": 36.0, "wear": 120,
+        "health": "Critical", "healthCode": 40095,
+        "reasons": ["Available spare below its threshold", "Media is read-only"], "reasonCodes": [40460, 40452],
+        "driver": "nvme", "driverVersion": "6.1", "spare": 98, "spareThreshold": 7,
+        "dataRead": {"value": 1.6, "unit": "TiB"}, "dataWritten": {"value": 2.5, "unit": "GiB"},
+        "powerOnHours": 11, "mediaErrors": 13,
+        "adapterId": "0x0000000000000081", "driveId": "0x0000000000000082"})"));
+}
+
+TEST_F(JsonTest, LeavesOutWhatADriveDoesNotReport)
+{
+    EXPECT_EQ(driveJson(Drive{}).dump(), "{}");
+    Drive unread;
+    unread.m_Health = {std::nullopt, "Unknown"};
+    EXPECT_EQ(driveJson(unread), parsed(R"({"health": "Unknown"})"));
+}
+
+TEST_F(JsonTest, WritesAnEventInOneLine)
+{
+    DriveEvent event;
+    event.m_Event.m_Time = 1'767'225'600'007;
+    event.m_Event.m_Id = 11093;
+    event.m_Event.m_Severity = 2;
+    event.m_Event.m_Source = 19002;
+    event.m_Event.SetSource("name");
+    event.m_Event.SetPlaceHolder1("first\n");
+    event.m_Event.SetPlaceHolder2(" ");
+    EXPECT_EQ(
+        lineText(eventJson(event)),
+        R"({"format":1,"time":"2026-01-01T00:00:00.007Z","id":11093,"severity":2,"text":"first\n was added.",)"
+        R"("source":"0x0000000000004a3a","sourceName":"name","placeholder1":"first\n",)"
+        R"("placeholder2":" "})"
+        "\n");
+    const Host::ObjectStore store(HostTest::topologyOf({{0x81, "SERIAL", "/dev/nvme0n1"}}));
+    event.m_Drive = joinDrives(store).at(0);
+    EXPECT_EQ(eventJson(event)["drive"], parsed(R"({"device": "/dev/nvme0n1", "vendor": "INTEL",
+        "model": "MODEL-OF-THE-ADAPTER", "serial": "SERIAL", "pciAddress": "0000:81:1f.1",
+        "location": "PCI:Bus=129&Device=0&Function=0"})"));
+}
+
+TEST_F(JsonTest, WritesFailures)
+{
+    EXPECT_EQ(failureJson("m", Host::RequestResult{1, 20001}),
+              parsed(R"({"error": {"request": 1, "code": 20001, "name": "ERR_NO_SUPPORTED_HARDWARE",
+                                   "message": "m"}})"));
+    EXPECT_EQ(failureJson("m", std::nullopt), parsed(R"({"error": {"message": "m"}})"));
+}
+
+TEST_F(JsonTest, WritesNumbersThatNoDoubleHoldsAsTextToo)
+{
+    constexpr std::uint64_t largestExact = 9007199254740992ULL;
+    const auto hours = [](std::uint64_t number) {
+        return propertyJson(property(PI::PROP_POWER_ON_HOURS, PI::UNIT_HOURS, number));
+    };
+    EXPECT_FALSE(hours(largestExact).contains("valueText"));
+    EXPECT_EQ(hours(largestExact + 1)["valueText"], "9007199254740993");
+    EXPECT_EQ(hours(largestExact + 1)["value"].dump(), "9007199254740993");
+
+    Drive drive;
+    drive.m_MediaErrors = largestExact + 1;
+    EXPECT_EQ(driveJson(drive), parsed(R"({"mediaErrors": 9007199254740993,
+                                           "mediaErrorsText": "9007199254740993"})"));
+    PI::CObject object;
+    object.m_UpdateCount = largestExact + 1;
+    EXPECT_EQ(objectJson(object)["updateCountText"], "9007199254740993");
+}
+
+TEST_F(JsonTest, LeavesOutMeasurementsThatAreNoNumbers)
+{
+    const float none = std::numeric_limits<float>::quiet_NaN();
+    const float infinite = std::numeric_limits<float>::infinity();
+    EXPECT_FALSE(propertyJson(property(1, 1, none)).contains("value"));
+    EXPECT_FALSE(propertyJson(property(1, 1, infinite)).contains("value"));
+    Drive drive;
+    drive.m_Temperature = none;
+    drive.m_DataRead = Amount{infinite, PI::UNIT_TIB};
+    EXPECT_EQ(driveJson(drive).dump(), "{}");
+}
+
+TEST_F(JsonTest, ADocumentBeginsWithItsFormat)
+{
+    EXPECT_EQ(documentText({{"drives", Json::array()}}), "{\n  \"format\": 1,\n  \"drives\": []\n}\n");
+    EXPECT_EQ(lineText({{"id", 1}}, true), "{\"format\":1,\"simulated\":true,\"id\":1}\n");
+}
+
+TEST_F(JsonTest, EscapesEveryControlThatATerminalObeys)
+{
+    EXPECT_EQ(lineText({{"\u009B", "a\u007Fb\u0080c\u009Fd\x1B"}}),
+              R"({"format":1,"\u009b":"a\u007fb\u0080c\u009fd\u001b"})"
+              "\n");
+    const std::string harmless = "\u00A0\u00C2\u00DF\u2026\U0001F600~";
+    EXPECT_EQ(lineText({{"a", harmless}}), "{\"format\":1,\"a\":\"" + harmless + "\"}\n");
+    EXPECT_THAT(documentText({{"a", "\u009B"}}), testing::HasSubstr("\\u009b"));
+}
+
+TEST_F(JsonTest, ReplacesBytesThatAreNoUtf8)
+{
+    EXPECT_EQ(Json::parse(documentText({{"a", "x\xFF"}}))["a"], "x\uFFFD");
+}
+
+} // namespace

@@ -1,0 +1,26 @@
+#include "Base/Failure.h"
+#include "Drives/SimulatedFleet.h"
+#include "Support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+// Elsewhere no file can have such a name.
+TEST(SimulatedFleetName, WithALineEndForgesNoLineOfAMessage)
+{
+    const TestSupport::CTemporaryFolder folder;
+    try {
+        const Host::SimulatedFleet fleet(folder.Write("b\nc", "{}"), [](const std::string&) {});
+        FAIL() << "accepted";
+    } catch (const Host::Failure& failure) {
+        EXPECT_THAT(failure.what(), AllOf(HasSubstr("b?c"), Not(HasSubstr("\n"))));
+    }
+}
+
+} // namespace

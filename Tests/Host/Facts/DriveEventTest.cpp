@@ -1,0 +1,157 @@
+#include "Facts/DriveEvent.h"
+
+#include "Host/Catalogue.h"
+
+namespace {
+
+using namespace Host::Cli;
+using testing::AllOf;
+using testing::AnyOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr std::uint32_t ADDED = 11093;
+constexpr std::uint32_t REMOVED = 11094;
+
+class DriveEventTest : public testing::Test
+{
+protected:
+    static Drive drive(std::uint64_t id, const std::string& serial, const std::string& name = {})
+    {
+        Drive result;
+        result.m_AdapterId = id;
+        result.m_DriveId = id + 1;
+        result.m_Serial = serial;
+        result.m_Name = name;
+        result.m_Model = "MODEL";
+        result.m_Device = "/dev/nvme" + serial;
+        return result;
+    }
+
+    static PI::CEvent event(std::uint32_t id, const std::string& name = {}, std::uint64_t source = 19002)
+    {
+        PI::CEvent result;
+        result.m_Id = id;
+        result.m_Severity = 2;
+        result.m_Source = source;
+        result.SetSource(name);
+        result.SetPlaceHolder1(name);
+        result.SetPlaceHolder2(" ");
+        return result;
+    }
+
+    /** The serial number of each event's drive, "-" for none. */
+    static std::vector<std::string> serials(const std::vector<DriveEvent>& events)
+    {
+        std::vector<std::string> result;
+        for (const DriveEvent& each : events)
+            result.push_back(each.m_Drive ? each.m_Drive->m_Serial : "-");
+        return result;
+    }
+
+private:
+    HostTest::Catalogue m_Catalogue;
+};
+
+TEST_F(DriveEventTest, FindsTheSourceAmongAdaptersAndDrives)
+{
+    const std::vector<Drive> before = {drive(0x10, "GONE"), drive(0x20, "B")};
+    const std::vector<Drive> after = {drive(0x20, "B"), drive(0x30, "C")};
+    EXPECT_THAT(serials(withDrives({event(10968, "n", 0x20), event(10985, "n", 0x31), event(10957, "n", 0x10),
+                                    event(10957, "n", 0x99)},
+                                   before, after)),
+                ElementsAre("B", "C", "GONE", "-"));
+}
+
+TEST_F(DriveEventTest, NewAdaptersWithoutANameStandInTheOrderOfTheTopology)
+{
+    const std::vector<Drive> before = {drive(0x10, "A")};
+    const std::vector<Drive> after = {drive(0x40, "D"), drive(0x10, "A"), drive(0x30, "C"), drive(0x20, "B")};
+    EXPECT_THAT(serials(withDrives({event(ADDED), event(ADDED), event(ADDED)}, before, after)),
+                ElementsAre("D", "C", "B"));
+}
+
+TEST_F(DriveEventTest, RemovedAdaptersStandInReverse)
+{
+    const std::vector<Drive> before = {drive(0x40, "D"), drive(0x10, "A"), drive(0x30, "C")};
+    EXPECT_THAT(serials(withDrives({event(REMOVED), event(REMOVED)}, before, {drive(0x10, "A")})),
+                ElementsAre("C", "D"));
+}
+
+TEST_F(DriveEventTest, ANameCountsMoreThanTheOrder)
+{
+    const std::vector<Drive> before = {drive(0x10, "A", "one"), drive(0x20, "B", "two"), drive(0x30, "C")};
+    EXPECT_THAT(
+        serials(withDrives({event(REMOVED, "one"), event(REMOVED, "two"), event(REMOVED)}, before, {})),
+        ElementsAre("A", "B", "C"));
+}
+
+TEST_F(DriveEventTest, ASwapIsOneOfEach)
+{
+    EXPECT_THAT(
+        serials(withDrives({event(REMOVED), event(ADDED)}, {drive(0x10, "OLD")}, {drive(0x20, "NEW")})),
+        ElementsAre("OLD", "NEW"));
+}
+
+TEST_F(DriveEventTest, NobodyGuessesWhenOneCameAndWentMeanwhile)
+{
+    EXPECT_THAT(serials(withDrives({event(ADDED), event(ADDED), event(REMOVED)}, {}, {drive(0x20, "B")})),
+                ElementsAre("-", "-", "-"));
+}
+
+TEST_F(DriveEventTest, ANameInEveryPlaceOfTheText)
+{
+    DriveEvent changed{event(10985, "%2"), std::nullopt};
+    changed.m_Event.SetPlaceHolder2("%1");
+    EXPECT_EQ(eventText(changed), "%2: drive %1 has changed.");
+    EXPECT_EQ(eventText({event(ADDED, "name"), std::nullopt}), "name was added.");
+    EXPECT_EQ(eventText({event(4712, "name"), std::nullopt}), "Event 4712 of name");
+}
+
+TEST_F(DriveEventTest, ANamelessAdapterGoesByModelAndSerialNumber)
+{
+    DriveEvent added{event(ADDED), drive(0x10, "A")};
+    EXPECT_EQ(eventText(added), "MODEL (A) was added.");
+    added.m_Drive->m_Vendor = "INTEL";
+    EXPECT_EQ(eventText(added), "INTEL MODEL (A) was added.");
+    added.m_Drive = Drive{};
+    EXPECT_EQ(eventText(added), "An adapter was added.");
+    added.m_Drive.reset();
+    EXPECT_EQ(eventText(added), "An adapter was added.");
+}
+
+TEST_F(DriveEventTest, TheLineTellsTimeSeverityTextAndDrive)
+{
+    DriveEvent removed{event(REMOVED, "Adapter (A)"), drive(0x10, "A")};
+    removed.m_Event.m_Time = 1'767'225'600'000;
+    const std::string line = eventLine(removed, {});
+    EXPECT_THAT(line, AnyOf(StartsWith("2025-12-31 "), StartsWith("2026-01-01 ")))
+        << "wherever this machine is";
+    EXPECT_EQ(line.substr(19), "  Information  Adapter (A) was removed. (nvmeA, MODEL)\n");
+    EXPECT_EQ(timeOfDayText(removed.m_Event.m_Time), line.substr(11, 8));
+}
+
+TEST_F(DriveEventTest, SeveritiesHaveWordsAndColours)
+{
+    EXPECT_EQ(severityText(2), "Information");
+    EXPECT_EQ(severityText(3), "Warning");
+    EXPECT_EQ(severityText(4), "Error");
+    EXPECT_EQ(severityText(9), "Severity 9");
+    DriveEvent warning{event(10967, "n"), std::nullopt};
+    const Host::Cli::Screen coloured = {80, true};
+    warning.m_Event.m_Severity = 3;
+    EXPECT_THAT(eventLine(warning, coloured), HasSubstr("\033[33mWarning\033[0m      n: "));
+    warning.m_Event.m_Severity = 4;
+    EXPECT_THAT(eventLine(warning, coloured), HasSubstr("\033[1;31mError\033[0m        n: "));
+}
+
+TEST_F(DriveEventTest, ADrivesTextsForgeNothingOnATerminal)
+{
+    DriveEvent forged{event(REMOVED, "a\n2026-01-01 00:00:00  Error  b\033[2J"), drive(0x10, "S\r")};
+    EXPECT_THAT(eventLine(forged, {}), AllOf(HasSubstr("a?2026"), HasSubstr("b?[2J"), HasSubstr("S?)\n"),
+                                             Not(HasSubstr("\033")), Not(HasSubstr("\r"))));
+}
+
+} // namespace

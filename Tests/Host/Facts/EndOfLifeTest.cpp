@@ -1,0 +1,123 @@
+#include "Facts/EndOfLife.h"
+
+#include "Host/Built.h"
+#include "Host/Catalogue.h"
+#include "Host/Objects.h"
+#include "Support/VirtualClock.h"
+
+#include <PI/LifeTimeData.h>
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using namespace Host::Cli;
+using HostTest::property;
+using testing::AllOf;
+using testing::HasSubstr;
+using Limit = EndOfLife::Limit;
+
+/** A drive of a family that may be given 2373 TiB (2610 TB), on 2026-01-01. */
+class EndOfLifeTest : public testing::Test
+{
+protected:
+    EndOfLifeTest() { PI::SetLifeTimeFolder(HostTest::Built::SHARE); }
+
+    static PI::CObject adapter(const std::string& date, std::uint64_t hours, float written,
+                               PI::_UNITS unit = PI::UNIT_TIB, const std::string& model = "SSDPE2KX020T8")
+    {
+        PI::CObject object;
+        object.m_ID = 16;
+        object.m_Properties = {property(PI::PROP_MODEL, 1, model),
+                               property(PI::PROP_END_OF_LIFE_DATE, 1, date),
+                               property(PI::PROP_POWER_ON_HOURS, PI::UNIT_HOURS, hours),
+                               property(PI::PROP_DATA_WRITTEN, unit, written),
+                               property(PI::PROP_ENDURANCE_USED, PI::UNIT_PERCENT, 50, 0, 100, 1)};
+        return object;
+    }
+
+    static EndOfLife explained(const PI::CObject& object) { return explainEndOfLife(object).value(); }
+
+    TestSupport::CVirtualClock m_Clock;
+
+private:
+    HostTest::Catalogue m_Catalogue;
+};
+
+TEST_F(EndOfLifeTest, IsThatOfTheRatingWhereTheDateFollowsFromWriting)
+{
+    // Half of the rating in 8766 hours, one year: the other half lasts another one.
+    const EndOfLife end = explained(adapter("2027-01-01", 8766, 1186.5F));
+    EXPECT_EQ(end.m_Limit, Limit::Writing);
+    EXPECT_EQ(end.m_Date, "2027-01-01");
+    EXPECT_EQ(end.m_RemainingHours, 365U * 24);
+    EXPECT_EQ(end.m_PowerOnHours, 8766U);
+    EXPECT_EQ(end.m_DataWritten->m_Value, 1186.5F);
+    EXPECT_EQ(end.m_Rating, 2373U);
+    EXPECT_EQ(end.m_Endurance, 50);
+    EXPECT_EQ(end.m_Wear, std::nullopt);
+    EXPECT_EQ(explained(adapter("2027-01-01", 8766, 1186.5F / 1024, PI::UNIT_PIB)).m_Limit, Limit::Writing);
+    EXPECT_EQ(endOfLifeText(end),
+              "Computed from 8766 h (12 months) of operation, 1186.5 TiB written, a rating of "
+              "2373 TiB, 50% of it used. If it is written to as up to now, the rating is reached "
+              "in 12 months.");
+}
+
+TEST_F(EndOfLifeTest, IsThatOfTheDrivesOwnCountWhereTheDateComesBefore)
+{
+    // A quarter of a life in three years leaves nine, a little less than what writing would leave.
+    const EndOfLife end = explained(adapter("2028-12-31", 8766, 10));
+    EXPECT_EQ(end.m_Limit, Limit::Wear);
+    EXPECT_EQ(end.m_Wear, 25U);
+    EXPECT_THAT(endOfLifeText(end),
+                HasSubstr("about 25% now, is at its end in 3.0 years, before the rating"));
+    EXPECT_EQ(explained(adapter("2026-01-01", 8766, 10)).m_Wear, 100U);
+    // Without a rating there is nothing else that a date could come from.
+    const EndOfLife unrated = explained(adapter("2027-01-01", 8766, 10, PI::UNIT_TIB, "UNKNOWN"));
+    EXPECT_EQ(unrated.m_Wear, 50U);
+    EXPECT_EQ(unrated.m_Rating, std::nullopt);
+    EXPECT_EQ(unrated.m_Endurance, std::nullopt);
+    EXPECT_THAT(endOfLifeText(unrated),
+                AllOf(HasSubstr("no known rating"), testing::Not(HasSubstr("reached"))));
+}
+
+TEST_F(EndOfLifeTest, HasNoLimitWhereTheDateStandsForNone)
+{
+    const EndOfLife end = explained(adapter("2125-12-08", 12, 0.001F));
+    EXPECT_EQ(end.m_Limit, Limit::None);
+    EXPECT_THAT(endOfLifeText(end), HasSubstr("Too little is known"));
+}
+
+TEST_F(EndOfLifeTest, IsOverWhereTheRatingIsPassed)
+{
+    const EndOfLife end = explained(adapter("2026-01-01", 41002, 3000));
+    EXPECT_EQ(end.m_Limit, Limit::Writing);
+    EXPECT_EQ(end.m_RemainingHours, 0U);
+    EXPECT_THAT(endOfLifeText(end), HasSubstr("has been written; plan to replace it"));
+}
+
+TEST_F(EndOfLifeTest, IsNotExplainedWithoutADateOrHours)
+{
+    for (const char* date : {"", "never", "2026-13-01", "2026-02-30", "2026-1-1", "20260-01-0"})
+        EXPECT_EQ(explainEndOfLife(adapter(date, 1, 1)), std::nullopt) << date;
+    PI::CObject silent = adapter("2027-01-01", 1, 1);
+    std::erase_if(silent.m_Properties,
+                  [](const PI::CProperty& each) { return each.Id() == PI::PROP_POWER_ON_HOURS; });
+    EXPECT_EQ(explainEndOfLife(silent), std::nullopt);
+    EXPECT_EQ(explainEndOfLife(PI::CObject()), std::nullopt);
+}
+
+TEST_F(EndOfLifeTest, StandsInDocumentsWithItsExactFigures)
+{
+    const PI::CObject writing = adapter("2027-01-01", 8766, 1186.5F);
+    const PI::CObject wear = adapter("2027-01-01", 8766, 1.6F, PI::UNIT_TIB, "UNKNOWN");
+    const PI::CObject none;
+    EXPECT_EQ(endOfLifeJson({&writing, &none, &wear}), nlohmann::ordered_json::parse(R"([
+        {"object": "0x0000000000000010", "date": "2027-01-01", "powerOnHours": 8766,
+         "dataWritten": {"value": 1186.5, "unit": "TiB"}, "ratingTiB": 2373, "enduranceUsed": 50,
+         "limit": "writing"},
+        {"object": "0x0000000000000010", "date": "2027-01-01", "powerOnHours": 8766,
+         "dataWritten": {"value": 1.6, "unit": "TiB"}, "wear": 50, "limit": "wear"}])"));
+}
+
+} // namespace

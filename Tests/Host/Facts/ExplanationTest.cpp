@@ -1,0 +1,102 @@
+#include "Facts/Explanation.h"
+
+#include "Host/Catalogue.h"
+#include "Host/Objects.h"
+
+#include <nlohmann/json.hpp>
+
+namespace {
+
+using namespace Host::Cli;
+using HostTest::property;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::uint32_t HEALTHY = 40024;
+constexpr std::uint32_t DEGRADED = 40150;
+constexpr std::uint32_t CRITICAL = 40095;
+
+PI::CObject objectWith(std::uint32_t health, std::vector<PI::CProperty> more)
+{
+    PI::CObject object;
+    object.m_ID = 16;
+    object.m_Properties = {property(PI::PROP_HEALTH_STATUS, 1, health, std::vector<std::uint32_t>{})};
+    object.m_Properties.insert(object.m_Properties.end(), more.begin(), more.end());
+    return object;
+}
+
+PI::CProperty code(std::uint32_t id, std::uint32_t value)
+{
+    return property(id, 1, value, std::vector<std::uint32_t>{});
+}
+
+PI::CProperty reasons(const std::vector<std::uint32_t>& codes)
+{
+    return property(PI::PROP_STATUS_REASONS, 1, codes, std::vector<std::uint32_t>{});
+}
+
+std::vector<std::uint32_t> explained(const PI::CObject& object)
+{
+    std::vector<std::uint32_t> codes;
+    for (const ExplainedCode& each : explainedCodes(object)) {
+        codes.push_back(each.m_Explanation->m_Code);
+        EXPECT_NE(each.m_Property, nullptr);
+    }
+    return codes;
+}
+
+TEST(ExplainedCodes, AreEveryReasonThatADriveCanGive)
+{
+    EXPECT_THAT(explained(objectWith(CRITICAL, {reasons({40459, 40460, 40449, 40487, 40452})})),
+                ElementsAre(40459, 40460, 40449, 40487, 40452));
+}
+
+TEST(ExplainedCodes, AreTheStatesOfSpareAndWear)
+{
+    EXPECT_THAT(
+        explained(objectWith(HEALTHY, {code(PI::PROP_SPARE_STATE, 40473), code(PI::PROP_WEAR_STATE, 40252)})),
+        ElementsAre(40473, 40252));
+    for (const std::uint32_t bad : {40410U, 40411U})
+        EXPECT_THAT(explained(objectWith(HEALTHY, {code(PI::PROP_WEAR_STATE, bad)})), ElementsAre(bad));
+    EXPECT_THAT(explained(objectWith(HEALTHY, {code(PI::PROP_SPARE_STATE, 40474)})), ElementsAre(40474));
+}
+
+TEST(ExplainedCodes, NeverCalmDownAboutADriveInTrouble)
+{
+    EXPECT_THAT(explained(objectWith(CRITICAL, {code(PI::PROP_SPARE_STATE, 40473),
+                                                code(PI::PROP_WEAR_STATE, 40252), reasons({40452})})),
+                ElementsAre(40452));
+}
+
+TEST(ExplainedCodes, AreTheHealthItselfWhereNoReasonTellsMore)
+{
+    EXPECT_THAT(explained(objectWith(DEGRADED, {code(PI::PROP_WEAR_STATE, 40410)})),
+                ElementsAre(DEGRADED, 40410));
+    EXPECT_THAT(explained(objectWith(CRITICAL, {})), ElementsAre(CRITICAL));
+    EXPECT_THAT(explained(objectWith(40180, {})), ElementsAre(40180));
+    EXPECT_THAT(explained(objectWith(HEALTHY, {})), IsEmpty());
+}
+
+TEST(ExplainedCodes, AreNoneOfWhatNobodyKnows)
+{
+    EXPECT_THAT(explained(objectWith(HEALTHY, {reasons({40128, 1}), code(PI::PROP_MODEL_FAMILY, 40480)})),
+                IsEmpty());
+    EXPECT_THAT(explained(PI::CObject()), IsEmpty());
+}
+
+TEST(ExplanationsJson, NameObjectPropertyAndCode)
+{
+    const HostTest::Catalogue catalogue;
+    const PI::CObject object = objectWith(CRITICAL, {reasons({40452})});
+    const nlohmann::ordered_json list = explanationsJson({&object});
+    ASSERT_EQ(list.size(), 1U);
+    EXPECT_EQ(list[0]["object"], "0x0000000000000010");
+    EXPECT_EQ(list[0]["property"], 30165);
+    EXPECT_EQ(list[0]["code"], 40452);
+    EXPECT_EQ(list[0]["text"], "Media is read-only");
+    EXPECT_THAT(list[0]["meaning"].get<std::string>(), testing::HasSubstr("stopped taking data"));
+    EXPECT_THAT(list[0]["advice"].get<std::string>(), testing::HasSubstr("replace it"));
+    EXPECT_EQ(explanationsJson({}).dump(), "[]");
+}
+
+} // namespace

@@ -1,0 +1,139 @@
+#include "Plugins/PluginLibrary.h"
+
+#include "Base/Failure.h"
+#include "Host/Built.h"
+#include "Plugins/HostSetup.h"
+#include "Support/TemporaryFolder.h"
+#include "Support/VirtualClock.h"
+
+namespace {
+
+using Host::ExitCode;
+using Host::PluginLibrary;
+namespace Built = HostTest::Built;
+using testing::AllOf;
+using testing::HasSubstr;
+
+template<typename Action>
+Host::Failure failureOf(const Action& action)
+{
+    try {
+        action();
+    } catch (const Host::Failure& failure) {
+        return failure;
+    }
+    return {ExitCode::Done, "nothing failed"};
+}
+
+TEST(PluginLibrary, SaysWhyAFileCannotBeLoaded)
+{
+    const Host::Failure failure = failureOf([] { PluginLibrary plugin("/no/such/plugin.so"); });
+    EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
+    EXPECT_THAT(failure.what(), AllOf(HasSubstr("/no/such/plugin.so"), HasSubstr("cannot be loaded")));
+}
+
+TEST(PluginLibrary, RefusesALibraryThatIsNoPlugin)
+{
+    EXPECT_THAT(failureOf([] { PluginLibrary plugin(Built::NO_PLUGIN); }).what(),
+                HasSubstr("is no plug-in: it does not export \"createIf\""));
+}
+
+TEST(PluginLibrary, RefusesAnotherInterfaceVersion)
+{
+    const Host::Failure failure = failureOf([] { PluginLibrary plugin(Built::WRONG_VERSION_PLUGIN); });
+    EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
+    EXPECT_THAT(failure.what(), HasSubstr("speaks interface version 3, this program version 2"));
+}
+
+TEST(PluginLibrary, RefusesAPluginThatCannotBeCreated)
+{
+    EXPECT_THAT(failureOf([] { PluginLibrary plugin(Built::NO_MEMORY_PLUGIN); }).what(),
+                HasSubstr("could not be created: 20007 ERR_OUT_OF_MEMORY"));
+}
+
+TEST(PluginLibrary, NamesTheRequestThatFailed)
+{
+    PluginLibrary plugin(Built::REFUSING_PLUGIN);
+    EXPECT_TRUE(plugin.initialize().empty());
+    const Host::Failure failure = failureOf([&] { plugin.topology(); });
+    EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
+    EXPECT_EQ(failure.result()->m_Request, 4);
+    EXPECT_EQ(failure.result()->m_Code, 20000U);
+    EXPECT_THAT(failure.what(), HasSubstr(" refused request 4 (GetTopology) with 20000 ERR_GENERAL_FAILURE"));
+}
+
+TEST(PluginLibrary, ReleasesAPluginThatEndedInTime)
+{
+    TestSupport::CVirtualClock clock;
+    {
+        PluginLibrary plugin(Built::SLOW_PLUGIN);
+        EXPECT_TRUE(plugin.deInitialize());
+    }
+    EXPECT_THAT(clock.Sleeps(), testing::ElementsAre(24'999, 1));
+}
+
+TEST(PluginLibrary, LeavesAPluginAloneThatMayStillRun)
+{
+    TestSupport::CVirtualClock clock;
+    {
+        PluginLibrary plugin(Built::SLOW_PLUGIN);
+        clock.OnSleep([&] { clock.Advance(25'000); });
+        EXPECT_FALSE(plugin.deInitialize());
+    }
+    // It would have slept once more when it was released.
+    EXPECT_EQ(clock.Sleeps().size(), 1U);
+}
+
+class RealPluginTest : public testing::Test
+{
+protected:
+    std::unique_ptr<Host::HostSetup> setupOf(const std::string& fleet)
+    {
+        return std::make_unique<Host::HostSetup>(Host::HostFolders{Built::SHARE, m_Folder.Path()},
+                                                 Host::TraceOptions{}, m_Folder.Write("fleet.json", fleet),
+                                                 [](const std::string&) { ADD_FAILURE(); });
+    }
+
+    TestSupport::CTemporaryFolder m_Folder;
+};
+
+TEST_F(RealPluginTest, AnswersWithTheFleetInPlaceOfTheMachine)
+{
+    const auto setup = setupOf(R"({"controllers": [{"location": "0000:05:00.0",
+        "identify": {"vendorId": 1, "model": "M", "serial": "SER"}, "namespace": {"blocks": 4096},
+        "health": {"temperature": 30}}]})");
+    PluginLibrary plugin(Built::PLUGIN);
+    EXPECT_EQ(plugin.version(), 2U);
+    EXPECT_EQ(plugin.module(), 313U);
+    const std::vector<PI::CAdapterID> adapters = plugin.initialize();
+    ASSERT_EQ(adapters.size(), 1U);
+    EXPECT_EQ(adapters[0].m_Bus, 5U);
+    EXPECT_EQ(plugin.topology().size(), 3U);
+}
+
+TEST_F(RealPluginTest, AnEmptyFleetIsNoHardware)
+{
+    const auto setup = setupOf(R"({"controllers": []})");
+    PluginLibrary plugin(Built::PLUGIN);
+    const Host::Failure failure = failureOf([&] { plugin.initialize(); });
+    EXPECT_EQ(failure.exitCode(), ExitCode::NoHardware);
+    EXPECT_THAT(failure.what(),
+                HasSubstr(" refused request 1 (Initialize) with 20001 ERR_NO_SUPPORTED_HARDWARE"));
+}
+
+TEST_F(RealPluginTest, TheMachineIsBackWithTheSetupGone)
+{
+    setupOf(R"({"controllers": []})");
+    EXPECT_EQ(TLXX::deviceBackend(), nullptr);
+}
+
+TEST(RequestName, CoversEveryRequest)
+{
+    EXPECT_EQ(Host::requestName(1), "Initialize");
+    EXPECT_EQ(Host::requestName(4), "GetTopology");
+    EXPECT_EQ(Host::requestName(10), "ExecuteOperation");
+    EXPECT_EQ(Host::requestName(0), "unknown");
+    EXPECT_EQ(Host::requestName(11), "unknown");
+}
+
+} // namespace
