@@ -122,12 +122,12 @@ def search_folders(root, folder):
     return [place for place in found if not (system and place.name.endswith(OTHER_SYSTEM[system.group(1)]))]
 
 
-def targets(root, path, included):
-    """The folders, from the root, of the files that an include may lead to."""
-    files = [path.parent / included]
+@functools.lru_cache(maxsize=None)
+def targets(root, parent, included):
+    """The folders, from the root, of the files that an include in a folder may lead to."""
+    files = [parent / included]
     if not files[0].is_file():
-        folder = path.parent.relative_to(root).as_posix()
-        files = [place / included for place in search_folders(root, folder)]
+        files = [place / included for place in search_folders(root, parent.relative_to(root).as_posix())]
     found = {file.resolve().parent for file in files if file.is_file()}
     return {folder.relative_to(root).as_posix() if folder.is_relative_to(root) else str(folder) for folder in found}
 
@@ -135,7 +135,7 @@ def targets(root, path, included):
 def complaints(root, path, quote, included):
     """What is wrong with one include of one file."""
     folder = path.parent.relative_to(root).as_posix()
-    found = targets(root, path, included)
+    found = targets(root, path.parent, included)
     if not found and quote == '"' and not GENERATED.fullmatch(included):
         yield f"{included} leads to no file"
     for target in sorted(found - {folder}):
