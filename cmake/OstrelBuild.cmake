@@ -4,7 +4,7 @@ include(GenerateExportHeader)
 add_library(OstrelOptions INTERFACE)
 target_compile_options(OstrelOptions INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-align -Woverloaded-virtual
-    -Wconversion -Wno-sign-conversion -Wformat=2 -Wimplicit-fallthrough -Wextra-semi -Werror)
+    -Wconversion -Wno-sign-conversion -Wformat=2 -Wimplicit-fallthrough -Wextra-semi)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(OstrelOptions INTERFACE -Wduplicated-cond -Wlogical-op -Wuseless-cast)
 endif()
@@ -71,7 +71,7 @@ function(ostrel_test name)
     endforeach()
     target_link_libraries(${name} PRIVATE OstrelOptions ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
     target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
-    target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+    target_precompile_headers(${name} REUSE_FROM OstrelTestHeaders)
     if(CMAKE_CROSSCOMPILING)
         # An emulated process starts slowly, so all of the program's tests run in one.
         add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)

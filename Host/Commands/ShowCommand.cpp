@@ -23,13 +23,13 @@ std::string withoutBlanks(std::string_view text)
     return result;
 }
 
-constexpr std::size_t STEP = 2;
+constexpr std::size_t MARGIN = 2;
 
 /** A heading, and below it what there is to say. */
 std::string section(const std::string& heading, const std::string& text, const Screen& screen)
 {
-    return std::string(STEP, ' ') + paragraph(heading, STEP, screen, Tone::Heading) +
-           std::string(2 * STEP, ' ') + paragraph(text, 2 * STEP, screen);
+    return std::string(MARGIN, ' ') + paragraph(heading, MARGIN, screen, Tone::Heading) +
+           std::string(2 * MARGIN, ' ') + paragraph(text, 2 * MARGIN, screen);
 }
 
 std::string explanationText(const PI::CObject& object, const Screen& screen)
@@ -53,7 +53,7 @@ std::string showText(const std::vector<const PI::CObject*>& objects, const Scree
     std::string text;
     for (const PI::CObject* object : objects)
         text += (text.empty() ? "" : "\n") + headingText(*object, screen, 0) +
-                propertiesText(*object, screen, STEP) + explanationText(*object, screen);
+                propertiesText(*object, screen, MARGIN) + explanationText(*object, screen);
     return text;
 }
 

@@ -16,7 +16,7 @@ struct CWarning
 };
 
 // In this order the last bit that is set decides the status.
-constexpr CWarning WARNINGS[] = {
+constexpr CWarning HEALTH_WARNINGS[] = {
     {1U << 1U, ADAPTER_DEGRADED, REASON_TEMPERATURE},     {1U << 0U, ADAPTER_DEGRADED, REASON_SPARE},
     {1U << 4U, STATUS_CRITICAL, REASON_MEMORY_BACKUP},    {1U << 2U, STATUS_CRITICAL, REASON_RELIABILITY},
     {MEDIA_READ_ONLY, STATUS_CRITICAL, REASON_READ_ONLY},
@@ -44,7 +44,7 @@ void applyCriticalWarning(CNVMeAdapter& adapter, std::uint8_t criticalWarning)
 {
     if (adapter.m_WarningFlags == 0)
         adapter.m_HealthStatus = ADAPTER_HEALTHY;
-    for (const CWarning& warning : WARNINGS) {
+    for (const CWarning& warning : HEALTH_WARNINGS) {
         if ((criticalWarning & warning.m_Bit) == 0)
             continue;
         adapter.m_HealthStatus = warning.m_Status;

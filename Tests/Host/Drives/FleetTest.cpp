@@ -24,7 +24,7 @@ json goodFleet()
     }]})");
 }
 
-std::string refusalOf(const std::string& text)
+std::string refusalOfText(const std::string& text)
 {
     try {
         Host::parseFleet(text);
@@ -36,7 +36,7 @@ std::string refusalOf(const std::string& text)
 
 std::string complaintAbout(const json& fleet)
 {
-    return refusalOf(fleet.dump());
+    return refusalOfText(fleet.dump());
 }
 
 /** What is said of a good fleet after `spoil` has worked on its controller. */
@@ -118,22 +118,22 @@ TEST(Fleet, LeavesOutWhatIsNotThere)
 TEST(Fleet, RefusesTextThatIsNoJson)
 {
     for (const char* text : {"", "{", R"({"controllers": [)", "\xFF\xFE", "{'controllers': []}"})
-        EXPECT_THAT(refusalOf(text), testing::StartsWith("parse error at line 1, column")) << text;
+        EXPECT_THAT(refusalOfText(text), testing::StartsWith("parse error at line 1, column")) << text;
 }
 
 TEST(Fleet, RefusesNumbersBeyondEveryRange)
 {
     for (const char* text : {R"({"controllers": [{"identify": {"vendorId": 1e999}}]})", "[1e999]", "-1e999"})
-        EXPECT_THAT(refusalOf(text), testing::HasSubstr("number overflow parsing")) << text;
+        EXPECT_THAT(refusalOfText(text), testing::HasSubstr("number overflow parsing")) << text;
 }
 
 TEST(Fleet, RefusesANameThatStandsTwiceInOneObject)
 {
-    EXPECT_EQ(refusalOf(R"({"controllers": [], "controllers": []})"),
+    EXPECT_EQ(refusalOfText(R"({"controllers": [], "controllers": []})"),
               "\"controllers\" stands twice in one object");
-    EXPECT_EQ(refusalOf(R"({"controllers": [{"driver": "a"}, {"driver": "b", "driver": "b"}]})"),
+    EXPECT_EQ(refusalOfText(R"({"controllers": [{"driver": "a"}, {"driver": "b", "driver": "b"}]})"),
               "\"driver\" stands twice in one object");
-    EXPECT_THAT(refusalOf(R"({"controllers": [{"vendorLogs": {"0xC5": "00", "0xc5": "00"}}]})"),
+    EXPECT_THAT(refusalOfText(R"({"controllers": [{"vendorLogs": {"0xC5": "00", "0xc5": "00"}}]})"),
                 testing::HasSubstr("is there in another spelling, too"));
 }
 
@@ -141,8 +141,8 @@ TEST(Fleet, LetsNoNameForgeALineOfItsMessages)
 {
     EXPECT_EQ(complaintAbout({{"a\nostrel: all is well\x1B", 1}}),
               "/a?ostrel: all is well? is not known here; known are: controllers");
-    EXPECT_EQ(refusalOf("{\"a\\nb\": 1, \"a\\nb\": 2}"), "\"a?b\" stands twice in one object");
-    EXPECT_THAT(refusalOf("{\"a\": \"\xC3(\n"),
+    EXPECT_EQ(refusalOfText("{\"a\\nb\": 1, \"a\\nb\": 2}"), "\"a?b\" stands twice in one object");
+    EXPECT_THAT(refusalOfText("{\"a\": \"\xC3(\n"),
                 testing::Not(testing::AnyOf(testing::HasSubstr("\n"), testing::HasSubstr("\xC3"))));
 }
 

@@ -30,7 +30,7 @@ using TestSupport::CFakeDrive;
 using TestSupport::CPluginUnderTest;
 using TestSupport::CTraceCapture;
 
-constexpr std::uint64_t MODULE = 0x0139'0000'0000'0000;
+constexpr std::uint64_t PLUGIN_MODULE = 0x0139'0000'0000'0000;
 
 class Topology : public testing::Test
 {
@@ -116,7 +116,8 @@ TEST_F(Topology, ListsThePluginThenTheAdaptersThenTheDrives)
         EXPECT_THAT(object.m_Properties, Not(IsEmpty()));
     }
     EXPECT_THAT(types, ElementsAre(19006U, 19038U, 19038U, 19018U, 19018U));
-    EXPECT_THAT(ids, ElementsAre(MODULE, MODULE | 1U, MODULE | 3U, MODULE | 2U, MODULE | 4U));
+    EXPECT_THAT(ids, ElementsAre(PLUGIN_MODULE, PLUGIN_MODULE | 1U, PLUGIN_MODULE | 3U, PLUGIN_MODULE | 2U,
+                                 PLUGIN_MODULE | 4U));
 
     EXPECT_THAT(m_Objects[0].m_Children, ElementsAre(ids[1], ids[2]));
     EXPECT_THAT(m_Objects[1].m_Parents, ElementsAre(ids[0]));

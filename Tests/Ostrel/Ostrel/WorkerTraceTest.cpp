@@ -17,7 +17,7 @@ using TestSupport::workersLines;
 class WorkerTrace : public TestSupport::CWorkerFixture
 {};
 
-const std::vector<std::string> LOCKED = {
+const std::vector<std::string> LOCKS_TAKEN = {
     "8 Before m_DataLock.Wait(INFINITE)", "8 After m_DataLock.Wait(INFINITE)",
     "8 Before m_EventsLock.Wait(INFINITE)", "8 After m_EventsLock.Wait(INFINITE)"};
 const std::vector<std::string> RELEASED = {
@@ -27,7 +27,7 @@ const std::vector<std::string> RELEASED = {
 std::vector<std::string> cycleLines(const std::string& reason, const std::vector<std::string>& inside)
 {
     std::vector<std::string> lines = {reason};
-    for (const auto* part : {&LOCKED, &inside, &RELEASED})
+    for (const auto* part : {&LOCKS_TAKEN, &inside, &RELEASED})
         lines.insert(lines.end(), part->begin(), part->end());
     return lines;
 }

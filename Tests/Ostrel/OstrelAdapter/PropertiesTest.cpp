@@ -25,7 +25,7 @@ namespace {
 constexpr std::uint32_t ALL_ONES = 0xFFFFFFFF;
 
 /** Every row has something to show. */
-CNVMeAdapter fullAdapter()
+CNVMeAdapter adapterWithEverything()
 {
     CNVMeAdapter adapter;
     adapter.m_Name = "NVMe Intel PCI Adapter (BTFU1)";
@@ -128,19 +128,20 @@ protected:
 
 TEST_F(CAdapterProperties, ShowEveryRowAsTabled)
 {
-    CNVMeAdapter adapter = fullAdapter();
+    CNVMeAdapter adapter = adapterWithEverything();
     TestSupport::expectProperties(Get(adapter), expectedOfFullAdapter());
 }
 
 TEST_F(CAdapterProperties, ComeOneByOneToo)
 {
     for (const CExpectedProperty& expected : expectedOfFullAdapter())
-        TestSupport::expectProperty(One(fullAdapter(), expected.m_Description.propertyId), expected);
+        TestSupport::expectProperty(One(adapterWithEverything(), expected.m_Description.propertyId),
+                                    expected);
 }
 
 TEST_F(CAdapterProperties, AreNoneForAnUnknownIdentifier)
 {
-    CNVMeAdapter adapter = fullAdapter();
+    CNVMeAdapter adapter = adapterWithEverything();
     EXPECT_THAT(Get(adapter, 30005), IsEmpty());
     EXPECT_THAT(Get(adapter, 0), IsEmpty());
     EXPECT_THAT(Get(adapter, 30069), IsEmpty()) << "a drive's temperature is no adapter's";
@@ -157,7 +158,7 @@ TEST_F(CAdapterProperties, OmitEachRowForItsOwnConditionAlone)
 {
     const std::size_t all = expectedOfFullAdapter().size();
     const auto without = [&](std::initializer_list<std::uint32_t> missing, auto change) {
-        CNVMeAdapter adapter = fullAdapter();
+        CNVMeAdapter adapter = adapterWithEverything();
         change(adapter);
         const std::vector<std::uint32_t> ids = Ids(adapter);
         EXPECT_EQ(ids.size(), all - missing.size());
@@ -189,14 +190,14 @@ TEST_F(CAdapterProperties, AreNoneWhenTheOneAskedForHasNothingToShow)
     for (const std::uint32_t id :
          {30020U, 30500U, 30018U, 30442U, 30483U, 30498U, 30489U, 30490U, 30494U, 30165U})
         EXPECT_THAT(Get(adapter, id), IsEmpty()) << id;
-    adapter = fullAdapter();
+    adapter = adapterWithEverything();
     adapter.m_Model = "INTEL SSDPF2KX";
     EXPECT_THAT(Get(adapter, 30442), IsEmpty()) << "its drive shows the temperature";
 }
 
 TEST_F(CAdapterProperties, CountDataInSixtyFourBits)
 {
-    CNVMeAdapter adapter = fullAdapter();
+    CNVMeAdapter adapter = adapterWithEverything();
     adapter.m_DataUnitsRead = 0x8000000000000000ULL;
     const PI::CProperty property = One(adapter, 30489);
     EXPECT_EQ(property.GetValue(), PI::CProperty::Value(0.0F));
@@ -219,7 +220,7 @@ TEST_F(CAdapterProperties, CutTheMakerFromTheModel)
 
 TEST_F(CAdapterProperties, ThrowForAModelThatIsTheMakerAlone)
 {
-    CNVMeAdapter adapter = fullAdapter();
+    CNVMeAdapter adapter = adapterWithEverything();
     adapter.m_Model = "INTEL";
     std::vector<PI::CProperty> properties;
     EXPECT_THROW(m_Plugin.GetAdapterProperties(adapter, properties, 1), std::out_of_range);
@@ -227,7 +228,7 @@ TEST_F(CAdapterProperties, ThrowForAModelThatIsTheMakerAlone)
 
 TEST_F(CAdapterProperties, TellTheKnownFamiliesFromOthers)
 {
-    CNVMeAdapter adapter = fullAdapter();
+    CNVMeAdapter adapter = adapterWithEverything();
     adapter.m_Model = "INTEL SSDPF2KX";
     EXPECT_EQ(One(adapter, 30158).GetValue(), PI::CProperty::Value(PI::CCodeValue{40488, {40480, 40488}}));
     adapter.m_Model = "INTEL SSDPED1K";
@@ -236,7 +237,7 @@ TEST_F(CAdapterProperties, TellTheKnownFamiliesFromOthers)
 
 TEST_F(CAdapterProperties, CarryTheStatusIcon)
 {
-    CNVMeAdapter adapter = fullAdapter();
+    CNVMeAdapter adapter = adapterWithEverything();
     for (const auto& [status, icon] :
          {std::pair{40024U, 24000U}, {40150U, 24002U}, {40095U, 24001U}, {1U, 24000U}}) {
         adapter.m_HealthStatus = status;
@@ -246,7 +247,7 @@ TEST_F(CAdapterProperties, CarryTheStatusIcon)
 
 TEST_F(CAdapterProperties, CountEnduranceInWholeTebibytes)
 {
-    CNVMeAdapter adapter = fullAdapter();
+    CNVMeAdapter adapter = adapterWithEverything();
     const auto used = [&](std::uint64_t units, std::uint64_t rating) {
         adapter.m_DataUnitsWritten = units;
         adapter.m_LifetimeRating = rating;
@@ -262,7 +263,7 @@ TEST_F(CAdapterProperties, CountEnduranceInWholeTebibytes)
 
 TEST_F(CAdapterProperties, ShowValuesOutsideTheirBoundsAsTheyAre)
 {
-    CNVMeAdapter adapter = fullAdapter();
+    CNVMeAdapter adapter = adapterWithEverything();
     adapter.m_ReserveSpace = 255;
     adapter.m_WarningThreshold = 0;
     EXPECT_EQ(One(adapter, 30486).GetValue(), PI::CProperty::Value(PI::CBoundedValue{255, 0, 100, 1}));
@@ -271,7 +272,7 @@ TEST_F(CAdapterProperties, ShowValuesOutsideTheirBoundsAsTheyAre)
 
 TEST_F(CAdapterProperties, RenewTheEndOfLifeDateInTheRecord)
 {
-    CNVMeAdapter adapter = fullAdapter();
+    CNVMeAdapter adapter = adapterWithEverything();
     adapter.m_EndOfLifeDate = "1999-01-01";
     (void)Get(adapter, 30007);
     EXPECT_EQ(adapter.m_EndOfLifeDate, "1999-01-01");
@@ -284,7 +285,7 @@ TEST_F(CAdapterProperties, RenewTheEndOfLifeDateInTheRecord)
 
 TEST_F(CAdapterProperties, TraceEntryAndExit)
 {
-    CNVMeAdapter adapter = fullAdapter();
+    CNVMeAdapter adapter = adapterWithEverything();
     const std::string function = "NAMESPACE_Ostrel::IPLUGINAPI_IMPL::GetAdapterProperties";
     const std::vector<CCapturedLine> expected = {
         {2, "Ostrel/Src/OstrelAdapter", function, "ENTER GetAdapterProperties (17)"},

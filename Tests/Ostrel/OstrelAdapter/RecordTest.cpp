@@ -13,7 +13,7 @@ using NAMESPACE_Ostrel::CNVMeAdapter;
 
 namespace {
 
-constexpr std::uint64_t ALL_ONES = 0xFFFFFFFFFFFFFFFFULL;
+constexpr std::uint64_t ALL_ONES_64 = 0xFFFFFFFFFFFFFFFFULL;
 
 TEST(AdapterRecord, StartsWithDefaults)
 {
@@ -37,11 +37,11 @@ TEST(AdapterRecord, StartsWithDefaults)
     EXPECT_TRUE(adapter.m_HealthReasons.empty());
     EXPECT_EQ(adapter.m_UncorrectableErrors, 0U);
     EXPECT_EQ(adapter.m_SpareStatus, 40252U);
-    EXPECT_EQ(adapter.m_DataUnitsRead, ALL_ONES);
-    EXPECT_EQ(adapter.m_DataUnitsWritten, ALL_ONES);
-    EXPECT_EQ(adapter.m_PowerOnHours, ALL_ONES);
+    EXPECT_EQ(adapter.m_DataUnitsRead, ALL_ONES_64);
+    EXPECT_EQ(adapter.m_DataUnitsWritten, ALL_ONES_64);
+    EXPECT_EQ(adapter.m_PowerOnHours, ALL_ONES_64);
     EXPECT_EQ(adapter.m_ReserveSpace, 100U);
-    EXPECT_EQ(adapter.m_LifetimeRating, ALL_ONES);
+    EXPECT_EQ(adapter.m_LifetimeRating, ALL_ONES_64);
     EXPECT_EQ(adapter.m_SpareState, 40473U);
     EXPECT_EQ(adapter.m_WarningThreshold, 10U);
 }

@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::uint32_t ALL_ONES = 0xFFFFFFFF;
 
-CNVMePhysicalDrive fullDrive()
+CNVMePhysicalDrive driveWithEverything()
 {
     CNVMePhysicalDrive drive;
     drive.m_DeviceIndex = 9;
@@ -80,25 +80,26 @@ protected:
 
 TEST_F(CDriveProperties, ShowEveryRowAsTabled)
 {
-    TestSupport::expectProperties(Get(fullDrive()), expectedOfFullDrive());
+    TestSupport::expectProperties(Get(driveWithEverything()), expectedOfFullDrive());
 }
 
 TEST_F(CDriveProperties, ComeOneByOneToo)
 {
     for (const CExpectedProperty& expected : expectedOfFullDrive())
-        TestSupport::expectProperties(Get(fullDrive(), expected.m_Description.propertyId), {expected});
+        TestSupport::expectProperties(Get(driveWithEverything(), expected.m_Description.propertyId),
+                                      {expected});
 }
 
 TEST_F(CDriveProperties, AreNoneForAnUnknownIdentifier)
 {
-    EXPECT_THAT(Get(fullDrive(), 30442), IsEmpty());
-    EXPECT_THAT(Get(fullDrive(), 0), IsEmpty());
+    EXPECT_THAT(Get(driveWithEverything(), 30442), IsEmpty());
+    EXPECT_THAT(Get(driveWithEverything(), 0), IsEmpty());
 }
 
 TEST_F(CDriveProperties, OmitTheTemperatureAlone)
 {
     const auto without = [&](auto change) {
-        CNVMePhysicalDrive drive = fullDrive();
+        CNVMePhysicalDrive drive = driveWithEverything();
         change(drive);
         const std::vector<std::uint32_t> ids = TestSupport::propertyIds(Get(drive));
         EXPECT_EQ(ids.size(), 14U);
@@ -112,17 +113,17 @@ TEST_F(CDriveProperties, OmitTheTemperatureAlone)
 
 TEST_F(CDriveProperties, AreNoneWhenTheTemperatureAskedForIsNotShown)
 {
-    CNVMePhysicalDrive drive = fullDrive();
+    CNVMePhysicalDrive drive = driveWithEverything();
     drive.m_Temperature = -1.0F;
     EXPECT_THAT(Get(drive, 30069), IsEmpty()) << "unknown";
-    drive = fullDrive();
+    drive = driveWithEverything();
     drive.m_Model = "INTEL SSDPED1K375GA";
     EXPECT_THAT(Get(drive, 30069), IsEmpty()) << "the adapter shows it";
 }
 
 TEST_F(CDriveProperties, CutTheMakerFromTheModel)
 {
-    CNVMePhysicalDrive drive = fullDrive();
+    CNVMePhysicalDrive drive = driveWithEverything();
     drive.m_Vendor = "MICRON";
     drive.m_Model = "MICRON_7450_ABC";
     EXPECT_EQ(Get(drive, 30063).at(0).GetValue(), PI::CProperty::Value(std::string("ABC")));
@@ -136,7 +137,7 @@ TEST_F(CDriveProperties, CutTheMakerFromTheModel)
 
 TEST_F(CDriveProperties, CarryTheStatusIcon)
 {
-    CNVMePhysicalDrive drive = fullDrive();
+    CNVMePhysicalDrive drive = driveWithEverything();
     for (const auto& [status, icon] :
          {std::pair{40099U, 24183U}, {40180U, 24189U}, {40095U, 24177U}, {1U, 24183U}}) {
         drive.m_Status = status;
@@ -151,12 +152,12 @@ TEST_F(CDriveProperties, TraceTheEntryOnly)
          "ENTER GetPhysicalDriveProperties ()"}};
     for (const std::uint32_t mask : {2U, ALL_ONES}) {
         const TestSupport::CTraceCapture capture(mask);
-        (void)Get(fullDrive());
+        (void)Get(driveWithEverything());
         EXPECT_EQ(capture.Lines(), expected) << mask;
     }
     for (const std::uint32_t mask : {0U, 4U, 8U, 16U, 128U}) {
         const TestSupport::CTraceCapture capture(mask);
-        (void)Get(fullDrive());
+        (void)Get(driveWithEverything());
         EXPECT_THAT(capture.Lines(), IsEmpty()) << mask;
     }
 }

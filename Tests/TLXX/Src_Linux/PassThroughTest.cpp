@@ -202,7 +202,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 const CExpectedCommand IDENTIFY_ON_0{"/dev/nvme0", 0x06, 0, 0x01, 4096};
 
-std::uint32_t identify(const std::string& path)
+std::uint32_t identifyOn(const std::string& path)
 {
     TLXX::NVME_IDENTIFY_CONTROLLER controller{};
     return TLXX::NVMeStorageQueryPropertyIdentifyController(path, controller);
@@ -216,7 +216,7 @@ TEST(PassThroughPathTest, SharedNamespacesAreAskedThroughTheirOwnController)
     kernel.Expect({"/dev/nvme1", 0x06, 0, 0x01, 4096}, {pattern(4096), 0, 0});
     kernel.Expect({"/dev/nvme2", 0x06, 0, 0x01, 4096}, {pattern(4096), 0, 0});
     for (const TLXX::CDeviceEntry& entry : TLXX::Linux::enumerateDevices())
-        EXPECT_EQ(identify(entry.m_DeviceName), 0U) << entry.m_DeviceName;
+        EXPECT_EQ(identifyOn(entry.m_DeviceName), 0U) << entry.m_DeviceName;
 }
 
 TEST(PassThroughPathTest, QueriesAfterAnEnumerationDoNotReadSysfsAgain)
@@ -229,7 +229,7 @@ TEST(PassThroughPathTest, QueriesAfterAnEnumerationDoNotReadSysfsAgain)
 
     tree.Remove(0);
     kernel.Expect(IDENTIFY_ON_0, {{}, -1, ENODEV});
-    EXPECT_EQ(identify("/dev/nvme0n1"), static_cast<std::uint32_t>(ENODEV));
+    EXPECT_EQ(identifyOn("/dev/nvme0n1"), static_cast<std::uint32_t>(ENODEV));
 }
 
 TEST(PassThroughPathTest, AnUnknownPathIsLookedUpOnce)
@@ -239,11 +239,11 @@ TEST(PassThroughPathTest, AnUnknownPathIsLookedUpOnce)
     const TLXXTest::CSysfsScope sysfs(tree.Root());
     TLXXTest::CScriptedKernel kernel;
     kernel.Expect(IDENTIFY_ON_0, {pattern(4096), 0, 0});
-    EXPECT_EQ(identify("/dev/nvme0n1"), 0U);
+    EXPECT_EQ(identifyOn("/dev/nvme0n1"), 0U);
 
     tree.Remove(0);
     kernel.Expect(IDENTIFY_ON_0, {pattern(4096), 0, 0});
-    EXPECT_EQ(identify("/dev/nvme0n1"), 0U);
+    EXPECT_EQ(identifyOn("/dev/nvme0n1"), 0U);
 }
 
 TEST(PassThroughPathTest, AnEnumerationForgetsDisksThatAreGone)
@@ -257,7 +257,7 @@ TEST(PassThroughPathTest, AnEnumerationForgetsDisksThatAreGone)
 
     tree.Remove(0);
     EXPECT_TRUE(TLXX::Linux::enumerateDevices().empty());
-    EXPECT_EQ(identify("/dev/nvme0n1"), static_cast<std::uint32_t>(ENODEV));
+    EXPECT_EQ(identifyOn("/dev/nvme0n1"), static_cast<std::uint32_t>(ENODEV));
 }
 
 TEST(PassThroughPathTest, AnotherSysfsForgetsTheFormerDisks)
@@ -267,7 +267,7 @@ TEST(PassThroughPathTest, AnotherSysfsForgetsTheFormerDisks)
     kernel.Provide("/dev/nvme10");
     ASSERT_EQ(TLXX::Linux::enumerateDevices().size(), 3U);
     TLXX::Linux::setSysfsRoot(TLXXTest::recordedSysfs("no-namespace"));
-    EXPECT_EQ(identify("/dev/nvme10n4"), static_cast<std::uint32_t>(ENODEV));
+    EXPECT_EQ(identifyOn("/dev/nvme10n4"), static_cast<std::uint32_t>(ENODEV));
 }
 
 } // namespace

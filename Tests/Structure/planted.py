@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""Plants forbidden includes in a copy of the sources, one at a time, and expects that each is found.
+
+Usage: planted.py SOURCE_DIRECTORY
+"""
+
+import pathlib
+import shutil
+import sys
+import tempfile
+
+import dependencies
+
+# File that is planted -> its include, and what has to be said of it.
+PLANTED = [
+    ("Host/Base/Planted.cpp", '"Commands/Program.h"', "Host/Base may not know Host/Commands"),
+    ("Host/Base/Planted.cpp", '"../Commands/Program.h"', "Host/Base may not know Host/Commands"),
+    ("Host/Base_Linux/Planted.h", "<Commands/Program.h>", "Host/Base_Linux may not know Host/Commands"),
+    ("Host/Plugins/Planted.cpp", '"Ostrel/PluginApi.h"', "Host/Plugins may not know Ostrel/Src/Ostrel"),
+    ("Ostrel/Src/Ostrel/Planted.cpp", '"Plugins/PluginLibrary.h"', "Ostrel/Src/Ostrel may not know Host/Plugins"),
+    ("Ostrel/Src/Ostrel/Planted.cpp", '"../../../Host/Commands/Program.h"',
+     "Ostrel/Src/Ostrel may not know Host/Commands"),
+    ("Ostrel/Src/OstrelAdapter/Planted.h", '"OstrelPlugin/Properties.h"',
+     "Ostrel/Src/OstrelAdapter may not know Ostrel/Src/OstrelPlugin"),
+    ("Ostrel/Src/Records/Planted.h", '"Ostrel/PluginApi.h"', "Ostrel/Src/Records may not know Ostrel/Src/Ostrel"),
+    ("Libraries/TLX/Src/Planted.cpp", "<PI/IPluginApi.h>",
+     "Libraries/TLX/Src may not know Libraries/PI/Include/PI"),
+    ("Libraries/PI/Src/Planted.cpp", '"../../TLX/Src/ModuleRegistry.h"',
+     "Libraries/PI/Src may not know Libraries/TLX/Src"),
+    ("Libraries/PI/Include/PI/Planted.h", "<TLXX/NvmeQuery.h>",
+     "Libraries/PI/Include/PI may not know Libraries/TLXX/Include/TLXX"),
+    ("Host/Commands/Planted.cpp", "<sqlite3.h>", "only Libraries/Database/Src may include sqlite3.h"),
+    ("Host/Commands/Planted.cpp", "<windows.h>", "only Win/ may include windows.h"),
+    ("Host/Commands/Planted.cpp", '"Nowhere.h"', "Nowhere.h leads to no file"),
+    ("Host/Cellar/Planted.cpp", "<vector>", "its folder has no row in the table"),
+]
+
+
+def main():
+    source = pathlib.Path(sys.argv[1])
+    failures = []
+    with tempfile.TemporaryDirectory() as name:
+        copy = pathlib.Path(name)
+        for folder in dependencies.SOURCES:
+            shutil.copytree(source / folder, copy / folder)
+        before = list(dependencies.violations(copy))
+        for file, include, expected in PLANTED:
+            planted = copy / file
+            planted.parent.mkdir(exist_ok=True)
+            planted.write_text(f"#include {include}\n", encoding="utf-8")
+            found = [message for message in dependencies.violations(copy) if message not in before]
+            planted.unlink()
+            if len(found) != 1 or file not in found[0] or expected not in found[0]:
+                failures.append(f"{file} with {include}: expected '{expected}', found {found}")
+    for failure in failures:
+        print(failure)
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
