@@ -17,9 +17,9 @@ ALLOWED = {
     "DatabaseORM": {"DatabaseORM"},
     "Ostrel/Src": {"Ostrel", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive", "PI", "TLXX", "TLX",
                    "Database", "DatabaseORM"},
-    "Host": {"Base", "Drives", "Plugins", "Facts", "Documents", "Terminal", "Commands", "PI", "TLXX", "TLX", "Database", "DatabaseORM"},
+    "Host": {"Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Terminal", "Commands", "PI", "TLXX", "TLX", "Database", "DatabaseORM"},
 }
-PROJECT = {"TLX", "TLXX", "PI", "Database", "DatabaseORM", "Base", "Drives", "Plugins", "Facts", "Documents", "Terminal", "Commands",
+PROJECT = {"TLX", "TLXX", "PI", "Database", "DatabaseORM", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Terminal", "Commands",
            "Ostrel", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive"}
 # Of the interface library the program knows all; of the plug-in, nothing. System headers that only one place may know.
 CONFINED = {
