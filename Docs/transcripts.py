@@ -4,8 +4,8 @@ Puts into documents what the program really prints.
 
 A transcript is a block that begins with ```console. Each of its lines that begins with "$ " is a command for a shell;
 what stands below it is replaced by what it prints to standard output. A line that begins with "# " is a change of the
-fleet, one of those in CHANGES: it happens while the command above it runs, and makes that print one line. Such a
-command is told to end when the last change has shown.
+fleet, one of those in CHANGES: it happens while the command above it runs, and makes that print one line, after those
+that it prints at its start. Such a command is told to end when the last change has shown.
 
 The commands of a block run one after the other in an empty folder with a copy of the demonstration fleet in it, with
 the installed program first in the path, at a fixed date: some figures depend on the day.
@@ -60,6 +60,8 @@ def change(file, changed):
 
 def watched(command, changes, started, folder):
     """What a command prints that runs while the fleet changes."""
+    beginning = subprocess.run([*CLOCK, "sh", "-c", f"{command} --for 0"], stderr=subprocess.DEVNULL, check=True,
+                               **started).stdout.splitlines()
     with subprocess.Popen([*CLOCK, "sh", "-c", f"echo $$ >&2; exec {command} {TRACE}"], stderr=subprocess.PIPE,
                           **started) as running:
         process = int(running.stderr.readline())
@@ -70,6 +72,7 @@ def watched(command, changes, started, folder):
             if not line:
                 raise RuntimeError(f"{command} does not look at the fleet")
         threading.Thread(target=running.stderr.read, daemon=True).start()
+        yield from (running.stdout.readline() for _ in beginning)
         for sentence, changed in changes.items():
             change(folder / FLEET, changed)
             line = running.stdout.readline()

@@ -60,13 +60,14 @@ Examples:
   sudo ostrel --data /srv/ostrel set plugin 30005 10)";
 
 inline constexpr char WATCH_FOOTER[] =
-    R"(A line for each event: local time, severity, what happened, and to which drive.
-With --json each line is one JSON object. Ends with Ctrl+C or a termination
-signal, or after the SECONDS. Database, adapter numbers and "Ostrel.ini" are in
-the data folder (--data DIR, otherwise the system's folder, but for a simulated
-fleet, of which nothing is kept unless --data is given). "Ostrel.ini" is read at
-the start: "set", or anybody else who changes it meanwhile, is not noticed
-before the next one.
+    R"(First a line for each thing that the drives suffer from already, then one for
+each change: local time, severity, what happened, and to which drive. Nothing
+is told twice. With --json each line is one JSON object. Ends with Ctrl+C or a
+termination signal, or after the SECONDS. Database, adapter numbers and
+"Ostrel.ini" are in the data folder (--data DIR, otherwise the system's folder,
+but for a simulated fleet, of which nothing is kept unless --data is given).
+"Ostrel.ini" is read at the start: "set", or anybody else who changes it
+meanwhile, is not noticed before the next one.
 All options of "ostrel --help" may be given, too.
 
 Examples:

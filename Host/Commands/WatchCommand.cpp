@@ -4,8 +4,13 @@
 #include "Base/Platform.h"
 #include "Base/Seconds.h"
 #include "Commands/Session.h"
+#include "Documents/EntryJson.h"
 #include "Documents/Json.h"
 #include "Facts/DriveEvent.h"
+#include "Facts/DriveKey.h"
+#include "Facts/Observation.h"
+#include "Journal/Journal.h"
+#include "Journal/Told.h"
 #include "Terminal/PollForecast.h"
 #include "Terminal/StatusLine.h"
 
@@ -37,6 +42,39 @@ std::uint64_t pollInterval(const PI::CObject& plugin)
                : 0;
 }
 
+/** Whether its health is known to be bad. */
+bool isSick(const Drive& drive)
+{
+    const Tone tone =
+        drive.m_Health && drive.m_Health->m_Code ? toneOfCode(*drive.m_Health->m_Code) : Tone::Plain;
+    return tone == Tone::Warning || tone == Tone::Bad;
+}
+
+std::string entryLine(const Journal::Entry& entry, const Screen& screen)
+{
+    return noticeLine({entry.m_End, static_cast<std::uint32_t>(entry.m_Severity), entry.m_Text},
+                      &entry.m_Drive, screen);
+}
+
+/** Two devices with one serial number are one drive to the plug-in. */
+std::string sharedSerialText(const SharedSerial& shared)
+{
+    std::string devices;
+    for (const std::string& device : shared.m_Devices)
+        devices += (devices.empty() ? "" : ", ") + std::string(shortDeviceName(device));
+    return "The serial number " + shared.m_Serial + " is that of several devices: " + devices +
+           ". They are two ways to one drive, or copies of one another. The plug-in takes them for one "
+           "drive. "
+           "It may repeat their warnings at each poll and not notice when one of them is removed.";
+}
+
+/** The drives of one plug-in. */
+struct WatchedDrives
+{
+    Monitor& m_Monitor;
+    Journal::State m_State;
+};
+
 class Watch
 {
 public:
@@ -49,15 +87,18 @@ public:
         if (session.m_Options.m_Seconds)
             m_End =
                 TLX::Misc::monotonic() + std::uint64_t{*session.m_Options.m_Seconds} * MILLISECONDS_A_SECOND;
+        for (Monitor& monitor : m_Watched.monitors())
+            m_Plugins.push_back({monitor, {}});
     }
 
     void run(TLX::Threading::CEvent& askedToEnd)
     {
+        reportStart();
         watchUntil(askedToEnd);
         std::exception_ptr failed;
-        for (Monitor& monitor : m_Watched.monitors())
+        for (WatchedDrives& plugin : m_Plugins)
             try {
-                end(monitor);
+                end(plugin);
             } catch (const Failure&) {
                 // The other plug-ins' last events are still to come.
                 failed = std::current_exception();
@@ -67,11 +108,11 @@ public:
     }
 
 private:
-    void end(Monitor& monitor)
+    void end(WatchedDrives& plugin)
     {
         // What the last poll found is pending now.
-        if (monitor.stop())
-            report(monitor);
+        if (plugin.m_Monitor.stop())
+            report(plugin);
         else
             m_Session.m_Messages.tell("The plug-in did not end in time; a drive may not answer any more.");
     }
@@ -80,19 +121,16 @@ private:
     {
         constexpr std::uint32_t asked = 1;
         std::vector<TLX::Threading::CEvent*> events = {&askedToEnd};
-        std::vector<Monitor*> callers;
-        for (Monitor& monitor : m_Watched.monitors()) {
-            events.push_back(&monitor.notified());
-            callers.push_back(&monitor);
-        }
+        for (const WatchedDrives& plugin : m_Plugins)
+            events.push_back(&plugin.m_Monitor.notified());
         TLX::Threading::CWaiter waiter(events);
         for (;;) {
             showStatus();
             const std::uint32_t fired = waiter.Wait(TLX::Threading::CWaitInterval(patience()));
             if (fired == asked)
                 return;
-            if (fired > asked && fired <= asked + callers.size())
-                report(*callers[fired - asked - 1]);
+            if (fired > asked && fired <= asked + m_Plugins.size())
+                report(m_Plugins[fired - asked - 1]);
             else if (fired != TLX::Threading::WaitResult::TimedOut)
                 throw Failure(ExitCode::RequestFailed,
                               "The system does not let the program wait for events.");
@@ -114,18 +152,42 @@ private:
         return next <= now ? 0 : std::min(next - now, longest);
     }
 
-    void report(Monitor& monitor)
+    /** Tells what the drives suffer from already. */
+    void reportStart()
     {
-        std::vector<PI::CEvent> events = monitor.collect();
+        for (const SharedSerial& shared : sharedSerials(m_Drives))
+            m_Session.m_Messages.tell(sharedSerialText(shared));
+        for (WatchedDrives& plugin : m_Plugins)
+            for (const Journal::Entry& entry : news(plugin))
+                print(entry);
+    }
+
+    void report(WatchedDrives& plugin)
+    {
+        std::vector<PI::CEvent> events = plugin.m_Monitor.collect();
         std::vector<Drive> after = joinDrives(m_Watched.objects());
-        for (const DriveEvent& event : withDrives(std::move(events), m_Drives, after))
-            m_Status.printAbove(m_Session.m_Options.m_Json ? jsonLine(event) : eventLine(event, m_Screen));
+        const std::vector<DriveEvent> told = withDrives(std::move(events), m_Drives, after);
+        for (const DriveEvent& event : told)
+            m_Status.printAbove(m_Session.m_Options.m_Json ? lineText(eventJson(event), m_Session.simulated())
+                                                           : eventLine(event, m_Screen));
+        for (const Journal::Entry& entry : withoutTold(news(plugin), told))
+            print(entry);
         m_Drives = std::move(after);
     }
 
-    std::string jsonLine(const DriveEvent& event) const
+    /** What the plug-in's objects tell that was not known before. */
+    static std::vector<Journal::Entry> news(WatchedDrives& plugin)
     {
-        return lineText(eventJson(event), m_Session.simulated());
+        Journal::Outcome outcome =
+            Journal::advance(plugin.m_State, observe(plugin.m_Monitor.objects(), TLX::Misc::now()));
+        plugin.m_State = std::move(outcome.m_State);
+        return std::move(outcome.m_Entries);
+    }
+
+    void print(const Journal::Entry& entry)
+    {
+        m_Status.printAbove(m_Session.m_Options.m_Json ? lineText(entryJson(entry), m_Session.simulated())
+                                                       : entryLine(entry, m_Screen));
     }
 
     void showStatus()
@@ -136,8 +198,10 @@ private:
         const PI::CObject& plugin = m_Watched.monitors().front().pluginObject();
         m_Forecast.update(plugin.m_UpdateCount, pollInterval(plugin), now);
         const std::size_t drives = m_Drives.size();
+        const auto sick = std::count_if(m_Drives.begin(), m_Drives.end(), isSick);
         m_Status.show((m_Session.simulated() ? "Simulated: " : "") + std::to_string(drives) +
-                      (drives == 1 ? " drive" : " drives") + ", next poll at " +
+                      (drives == 1 ? " drive" : " drives") +
+                      (sick == 0 ? "" : ", " + std::to_string(sick) + " sick") + ", next poll at " +
                       timeOfDayText(TLX::Misc::now() + m_Forecast.next() - now));
     }
 
@@ -148,6 +212,7 @@ private:
     PollForecast m_Forecast; ///< of the first plug-in
     std::uint64_t m_End = NEVER;
     std::vector<Drive> m_Drives = joinDrives(m_Watched.objects()); ///< as the last report found them
+    std::vector<WatchedDrives> m_Plugins;
 };
 
 } // namespace

@@ -60,36 +60,6 @@ void add(Json& json, const char* name, const std::string& text)
         json[name] = text;
 }
 
-/** Milliseconds since 1970 as "2026-01-01T00:00:00.000Z". */
-std::string utcText(std::uint64_t milliseconds)
-{
-    using namespace std::chrono;
-    const sys_time<std::chrono::milliseconds> time{std::chrono::milliseconds(milliseconds)};
-    const sys_days day = floor<days>(time);
-    const year_month_day date(day);
-    const hh_mm_ss clock(time - day);
-    std::array<char, 64> buffer{};
-    const int size = std::snprintf(
-        buffer.data(), buffer.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
-        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-        static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
-    return {buffer.data(), static_cast<std::size_t>(size)};
-}
-
-/** What a drive is known by; how it fares changes too often to stand in an event. */
-Json identityJson(const Drive& drive)
-{
-    Json json = Json::object();
-    add(json, "device", drive.m_Device);
-    add(json, "vendor", drive.m_Vendor);
-    add(json, "model", drive.m_Model);
-    add(json, "serial", drive.m_Serial);
-    add(json, "pciAddress", drive.m_PciAddress);
-    add(json, "location", drive.m_Location);
-    return json;
-}
-
 Json documentJson(const Json& content, bool simulated)
 {
     Json document = {{"format", FORMAT}};
@@ -126,6 +96,34 @@ std::string dumped(const Json& content, bool simulated, int indent)
 }
 
 } // namespace
+
+std::string utcText(std::uint64_t milliseconds)
+{
+    using namespace std::chrono;
+    const sys_time<std::chrono::milliseconds> time{std::chrono::milliseconds(milliseconds)};
+    const sys_days day = floor<days>(time);
+    const year_month_day date(day);
+    const hh_mm_ss clock(time - day);
+    std::array<char, 64> buffer{};
+    const int size = std::snprintf(
+        buffer.data(), buffer.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
+        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
+        static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
+    return {buffer.data(), static_cast<std::size_t>(size)};
+}
+
+Json identityJson(const DriveIdentity& drive)
+{
+    Json json = Json::object();
+    add(json, "device", drive.m_Device);
+    add(json, "vendor", drive.m_Vendor);
+    add(json, "model", drive.m_Model);
+    add(json, "serial", drive.m_Serial);
+    add(json, "pciAddress", drive.m_PciAddress);
+    add(json, "location", drive.m_Location);
+    return json;
+}
 
 Json propertyJson(const PI::CProperty& property)
 {

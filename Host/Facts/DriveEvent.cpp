@@ -63,30 +63,23 @@ const Drive* bySource(std::uint64_t source, const std::vector<Drive>& drives)
     return found == drives.end() ? nullptr : &*found;
 }
 
-std::string modelAndSerial(const Drive& drive)
-{
-    std::string text = drive.m_Vendor;
-    for (const std::string& part : {drive.m_Model, drive.m_Serial.empty() ? "" : "(" + drive.m_Serial + ")"})
-        text += (text.empty() || part.empty() ? "" : " ") + part;
-    return text;
-}
-
 /** The first placeholder. New adapters may have no name yet. */
-std::string subjectText(const DriveEvent& event)
+std::string subjectOf(const DriveEvent& event)
 {
     if (const std::string& name = event.m_Event.PlaceHolder1(); !name.empty())
         return name;
-    const std::string drive = event.m_Drive ? modelAndSerial(*event.m_Drive) : std::string();
-    return drive.empty() ? "An adapter" : drive;
+    DriveIdentity unnamed;
+    if (event.m_Drive)
+        unnamed = *event.m_Drive;
+    // What the drive is called now may not be what it was called then.
+    unnamed.m_Name.clear();
+    return subjectText(unnamed);
 }
 
 /** What the text does not tell already, in parentheses. */
-std::string detailsText(const DriveEvent& event, const std::string& text)
+std::string detailsText(const DriveIdentity& drive, const std::string& text)
 {
-    if (!event.m_Drive)
-        return {};
     std::string details;
-    const Drive& drive = *event.m_Drive;
     for (const std::string& detail :
          {std::string(shortDeviceName(drive.m_Device)), drive.m_Model, drive.m_Serial})
         if (!detail.empty() && text.find(detail) == std::string::npos)
@@ -143,7 +136,7 @@ std::string eventText(const DriveEvent& event)
     for (std::size_t i = 0; i < format.size(); ++i) {
         const std::string_view place = std::string_view(format).substr(i, 2);
         if (place == "%1")
-            text += subjectText(event);
+            text += subjectOf(event);
         else if (place == "%2")
             text += event.m_Event.PlaceHolder2();
         else {
@@ -177,13 +170,18 @@ std::string timeOfDayText(std::uint64_t milliseconds)
 
 std::string eventLine(const DriveEvent& event, const Screen& screen)
 {
+    return noticeLine({event.m_Event.m_Time, event.m_Event.m_Severity, eventText(event)},
+                      event.m_Drive ? &*event.m_Drive : nullptr, screen);
+}
+
+std::string noticeLine(const Notice& notice, const DriveIdentity* drive, const Screen& screen)
+{
     constexpr std::size_t column = 13; // the longest word and a gap
-    const std::string severity = severityText(event.m_Event.m_Severity);
-    const std::string text = eventText(event);
-    return localTimeText(event.m_Event.m_Time) + "  " +
-           toned(screen, toneOf(event.m_Event.m_Severity), severity) +
+    const std::string severity = severityText(notice.m_Severity);
+    const std::string details = drive != nullptr ? detailsText(*drive, notice.m_Text) : std::string();
+    return localTimeText(notice.m_Time) + "  " + toned(screen, toneOf(notice.m_Severity), severity) +
            std::string(severity.size() < column ? column - severity.size() : 1, ' ') +
-           printable(text + detailsText(event, text)) + '\n';
+           printable(notice.m_Text + details) + '\n';
 }
 
 } // namespace Host::Cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Facts/DriveIdentity.h"
 #include "Plugins/ObjectStore.h"
 
 #include <PI/Property.h>
@@ -35,18 +36,11 @@ struct Amount
 };
 
 /** An adapter and the drive behind it, as one line of `list`. Empty: the plug-in does not report it. */
-struct Drive
+struct Drive : DriveIdentity
 {
     std::optional<std::uint64_t> m_AdapterId;
     std::optional<std::uint64_t> m_DriveId;
-    std::string m_Name; ///< the adapter's
-    std::string m_Device;
-    std::string m_Vendor;
-    std::string m_Model;
-    std::string m_Serial;
     std::string m_Firmware;
-    std::string m_Location;
-    std::string m_PciAddress;
     std::string m_Driver;
     std::string m_DriverVersion;
     std::optional<std::uint64_t> m_CapacityMiB;

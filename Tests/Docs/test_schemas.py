@@ -124,12 +124,28 @@ class Documents(unittest.TestCase):
         hours = self.document("property", "show", "LARGEST", "30498", fleet=self.limits)["property"]
         self.assertEqual((hours["value"], hours["valueText"]), (LARGEST, str(LARGEST)))
 
+    def news(self, fleet):
+        """What watch tells of the drives at its start, a document a line; each fits the schema."""
+        result = run("watch", "--for", "0", "--data", self.folder.name, "--simulate", fleet, "--json")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        documents = [json.loads(line) for line in result.stdout.splitlines()]
+        for document in documents:
+            self.assertEqual(schemas.wrong("news", document), [])
+            self.assertEqual(next(iter(document)), "format")
+        return documents
+
+    def test_news(self):
+        self.assertEqual([each["drive"]["device"] for each in self.news(DEMO)],
+                         ["/dev/nvme1n1"] + ["/dev/nvme6n1"] * 5)
+        self.assertIn("read-only", [each["kind"] for each in self.news(self.limits)])
+
     def test_schemas_notice_what_is_wrong(self):
         event = {"format": 1, "time": "2026-01-01T00:00:00.000Z", "id": 11093, "severity": 2, "text": "x was added.",
                  "source": "0x0000000000004a3a", "sourceName": "x", "placeholder1": "x", "placeholder2": "",
                  "drive": {"device": "/dev/nvme0n1", "serial": "S"}}
         self.assertEqual(schemas.wrong("event", event), [])
         documents = [("event", event),
+                     ("news", next(each for each in self.news(DEMO) if "event" in each)),
                      ("list", self.document("list", "list")),
                      ("topology", {"format": 1, "objects": self.document("topology", "topology")["objects"][:2]}),
                      ("show", self.document("show", "show", "nvme6n1")),

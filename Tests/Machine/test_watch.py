@@ -27,6 +27,8 @@ STEPS = {
     # Several at once are handed over in the reverse of the order in which they are made.
     "warned-15": [(10968, 4, "WARNED"), (11088, 3, "WARNED"), (10957, 4, "WARNED")],
 }
+# What no event tells: a warning that clears while another one stays.
+NEWS = [("memory-backup-failed", "ended", "WARNED")]
 
 
 class Watch(unittest.TestCase):
@@ -48,7 +50,9 @@ class Watch(unittest.TestCase):
                 guest.go(step)
                 guest.await_event(step)
             cls.files = guest.results()
-        cls.events = [json.loads(line) for line in cls.files["watch.out"].splitlines()]
+        lines = [json.loads(line) for line in cls.files["watch.out"].splitlines()]
+        cls.events = [line for line in lines if "id" in line]
+        cls.news = [line for line in lines if "id" not in line]
 
     def serials(self, step, table):
         return sorted(row["SerialNumber"] for row in json.loads(self.files[f"{step}/{table}.json"]))
@@ -65,6 +69,12 @@ class Watch(unittest.TestCase):
             self.assertEqual(event["placeholder2"], " " if comes_or_goes else "", event)
             self.assertEqual(event["placeholder1"], event["sourceName"], event)
         self.assertEqual(sorted(event["time"] for event in self.events), [event["time"] for event in self.events])
+
+    def test_news(self):
+        """what no event tells is told once, and nothing beside an event"""
+        self.assertEqual([(each["kind"], each["phase"], each["drive"]["serial"]) for each in self.news], NEWS)
+        for each in self.news:
+            self.assertEqual(schemas.wrong("news", each), [])
 
     def test_health(self):
         """health and its reasons follow the warnings"""

@@ -183,7 +183,7 @@ TEST_F(WatchProgram, ATerminalHasAStatusLineBelowTheEvents)
     program.awaitResult("\033[K20");
     EXPECT_THAT(program.awaitResult("\n"), HasSubstr(" was added. (nvme1n1)"));
     program.awaitResult("\033[33mWarning\033[0m");
-    program.awaitResult("2 drives, next poll at ");
+    program.awaitResult("2 drives, 1 sick, next poll at ");
     program.send(SIGTERM);
     const ProgramResult end = program.finish();
     EXPECT_EQ(end.m_ExitCode, 0);

@@ -5,8 +5,10 @@ echo PollInterval=2 >"$data/Ostrel.ini"
 : >/results/watch.out
 /opt/ostrel/bin/ostrel watch --json --data "$data" >/results/watch.out 2>/results/watch.err &
 watch=$!
-# Each event goes on to the test at once.
-tail -f /results/watch.out | while read -r line; do event "seen $line"; done &
+# Each event goes on to the test at once. Other lines have no id.
+tail -f /results/watch.out | while read -r line; do
+    case $line in *'"id"'*) event "seen $line" ;; esac
+done &
 
 until grep -q 'adapter count' /results/watch.err; do
     usleep 20000

@@ -1,0 +1,22 @@
+#include "Documents/EntryJson.h"
+
+#include "Documents/Json.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Host::Cli {
+
+nlohmann::ordered_json entryJson(const Journal::Entry& entry)
+{
+    nlohmann::ordered_json json = {{"time", utcText(entry.m_End)},
+                                   {"kind", Journal::kindName(entry.m_Kind)},
+                                   {"phase", Journal::phaseName(entry.m_Phase)},
+                                   {"severity", static_cast<std::uint32_t>(entry.m_Severity)},
+                                   {"text", entry.m_Text}};
+    if (entry.m_Event)
+        json["event"] = *entry.m_Event;
+    json["drive"] = identityJson(entry.m_Drive);
+    return json;
+}
+
+} // namespace Host::Cli

@@ -1,0 +1,97 @@
+#include "Facts/Observation.h"
+
+#include "Facts/DriveKey.h"
+#include "Facts/Drives.h"
+
+#include <PI/LifeTimeData.h>
+#include <PI/PropertyId.h>
+
+#include <limits>
+#include <utility>
+#include <variant>
+
+namespace Host::Cli {
+namespace {
+
+constexpr std::uint32_t WEAR_NORMAL = 40252;
+constexpr std::uint64_t UNKNOWN_COUNTER = std::numeric_limits<std::uint64_t>::max();
+
+// The plug-in shows no warning byte. It shows each of these bits as a reason of the drive's health.
+constexpr std::pair<std::uint32_t, CriticalWarning> REASONS[] = {
+    {40460, WARNING_SPARE},     {40459, WARNING_TEMPERATURE},   {40487, WARNING_RELIABILITY},
+    {40452, WARNING_READ_ONLY}, {40449, WARNING_MEMORY_BACKUP},
+};
+
+/** None when the health log was not read: a warning that nobody heard of has not cleared. */
+std::optional<std::uint8_t> warningsOf(const Drive& drive)
+{
+    if (!drive.m_Health || !drive.m_Health->m_Code)
+        return std::nullopt;
+    std::uint8_t warnings = 0;
+    for (const CodeText& reason : drive.m_Reasons)
+        for (const auto& [code, warning] : REASONS)
+            if (reason.m_Code == code)
+                warnings |= warning;
+    return warnings;
+}
+
+std::optional<bool> belowNew(const PI::CObject* adapter)
+{
+    const PI::CProperty* state = adapter != nullptr ? findProperty(*adapter, PI::PROP_WEAR_STATE) : nullptr;
+    const auto* code = state != nullptr ? std::get_if<PI::CCodeValue>(&state->GetValue()) : nullptr;
+    return code != nullptr ? std::optional(code->m_Code != WEAR_NORMAL) : std::nullopt;
+}
+
+/** Without a rating the plug-in's figure is no percentage of anything. */
+std::optional<std::int32_t> wearOf(const Drive& drive)
+{
+    return PI::findLifeTimeData(PI::GetLifeTimeDataNVMe(), drive.m_Model) != nullptr ? drive.m_Wear
+                                                                                     : std::nullopt;
+}
+
+/** A drive that has used its last spare block up has a threshold; one without either reports neither. */
+std::optional<std::int32_t> spareOf(const Drive& drive)
+{
+    return drive.m_Spare == 0 && drive.m_SpareThreshold == 0 ? std::nullopt : drive.m_Spare;
+}
+
+/** No drive has nothing: then its namespace was not read. */
+std::optional<std::uint64_t> unlessNone(const std::optional<std::uint64_t>& amount)
+{
+    return amount && *amount > 0 ? amount : std::nullopt;
+}
+
+ObservedDrive observed(const Drive& drive, const PI::CObject* adapter, std::string key)
+{
+    ObservedDrive result;
+    static_cast<DriveIdentity&>(result) = drive;
+    result.m_Key = std::move(key);
+    result.m_Firmware = drive.m_Firmware;
+    result.m_CapacityMiB = unlessNone(drive.m_CapacityMiB);
+    // The plug-in gives a namespace that was not read a block size, too.
+    result.m_BlockSize = result.m_CapacityMiB ? unlessNone(drive.m_BlockSize) : std::nullopt;
+    result.m_Warnings = warningsOf(drive);
+    result.m_BelowNew = belowNew(adapter);
+    result.m_Temperature = drive.m_Temperature;
+    if (drive.m_MediaErrors != UNKNOWN_COUNTER)
+        result.m_MediaErrors = drive.m_MediaErrors;
+    result.m_Spare = spareOf(drive);
+    result.m_Wear = wearOf(drive);
+    return result;
+}
+
+} // namespace
+
+Observation observe(const ObjectStore& objects, std::uint64_t time)
+{
+    const std::vector<Drive> drives = joinDrives(objects);
+    std::vector<std::string> keys = driveKeys(drives);
+    Observation result{time, {}};
+    for (std::size_t i = 0; i < drives.size(); ++i)
+        result.m_Drives.push_back(
+            observed(drives[i], drives[i].m_AdapterId ? objects.byId(*drives[i].m_AdapterId) : nullptr,
+                     std::move(keys[i])));
+    return result;
+}
+
+} // namespace Host::Cli

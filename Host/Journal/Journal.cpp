@@ -1,0 +1,184 @@
+#include "Journal/Journal.h"
+
+#include "Journal/DriveMatch.h"
+#include "Journal/Rules.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Host::Journal {
+namespace {
+
+template<typename Value>
+const Value* find(const DriveState& state, Kind kind)
+{
+    const auto found = state.m_Known.find(kind);
+    return found == state.m_Known.end() ? nullptr : std::get_if<Value>(&found->second.m_Value);
+}
+
+/** Compares one drive with what is known of it, and brings that up to date. */
+class Comparison
+{
+public:
+    Comparison(const Cli::ObservedDrive& drive, DriveState& state, std::uint64_t time,
+               std::vector<Entry>& entries)
+        : m_Drive(drive), m_State(state), m_Time(time), m_Entries(entries)
+    {}
+
+    void run()
+    {
+        for (const ConditionRule& rule : conditionRules())
+            compare(rule);
+        for (const StepRule& rule : stepRules())
+            compare(rule);
+        for (const FigureRule& rule : figureRules())
+            compare(rule);
+        for (const TextRule& rule : textRules())
+            compare(rule);
+    }
+
+private:
+    void compare(const ConditionRule& rule)
+    {
+        const bool* before = find<bool>(m_State, rule.m_Kind);
+        const bool held = before != nullptr && *before;
+        const std::optional<bool> holds = rule.m_Holds(m_Drive, held);
+        if (!holds)
+            return;
+        if (*holds && !held) {
+            const Phase phase = before == nullptr ? Phase::Present : Phase::Began;
+            tell(rule.m_Kind, phase, rule.m_Severity, rule.m_Event, rule.m_Text);
+        } else if (!*holds && held)
+            tell(rule.m_Kind, Phase::Ended, Severity::Information, eventOfEnd(rule), rule.m_EndText);
+        remember(rule.m_Kind, *holds);
+    }
+
+    /** The plug-in tells of the end of the last warning alone. */
+    std::optional<std::uint32_t> eventOfEnd(const ConditionRule& rule) const
+    {
+        const bool last = rule.m_Warning && m_Drive.m_Warnings == 0;
+        return last ? std::optional(EVENT_WARNINGS_CLEARED) : std::nullopt;
+    }
+
+    void compare(const StepRule& rule)
+    {
+        const std::optional<std::int32_t>& figure = m_Drive.*rule.m_Figure;
+        if (!figure)
+            return;
+        const auto* before = find<std::uint64_t>(m_State, rule.m_Kind);
+        const std::uint64_t passed = std::max(rule.passed(*figure), before != nullptr ? *before : 0);
+        if (passed > (before != nullptr ? *before : 0) && !holds(rule.m_Unless)) {
+            const Severity severity = rule.m_Steps[passed - 1].m_Severity;
+            // A drive that has aged a little before it was seen is not worth a word.
+            if (before != nullptr || severity != Severity::Information)
+                tell(rule.m_Kind, before == nullptr ? Phase::Present : Phase::Change, severity, std::nullopt,
+                     rule.m_Text(*figure));
+        }
+        remember(rule.m_Kind, passed);
+    }
+
+    bool holds(const std::optional<Kind>& condition) const
+    {
+        const bool* held = condition ? find<bool>(m_State, *condition) : nullptr;
+        return held != nullptr && *held;
+    }
+
+    void compare(const FigureRule& rule)
+    {
+        const std::optional<std::uint64_t>& figure = m_Drive.*rule.m_Figure;
+        if (!figure)
+            return;
+        const auto* before = find<std::uint64_t>(m_State, rule.m_Kind);
+        if (before != nullptr && (rule.m_OnlyGrowth ? *figure > *before : *figure != *before))
+            tell(rule.m_Kind, Phase::Change, rule.m_Severity, rule.m_Event, rule.m_Text(*before, *figure));
+        remember(rule.m_Kind, *figure);
+    }
+
+    void compare(const TextRule& rule)
+    {
+        const std::string& text = rule.m_Of(m_Drive);
+        if (text.empty())
+            return;
+        const auto* before = find<std::string>(m_State, rule.m_Kind);
+        if (before != nullptr && text != *before)
+            tell(rule.m_Kind, Phase::Change, rule.m_Severity, std::nullopt,
+                 rule.m_Text + ("from " + *before + " to " + text + "."));
+        remember(rule.m_Kind, text);
+    }
+
+    void tell(Kind kind, Phase phase, Severity severity, std::optional<std::uint32_t> event,
+              const std::string& text)
+    {
+        const auto known = m_State.m_Known.find(kind);
+        m_Entries.push_back(
+            {kind, phase, severity, event, m_Drive.m_Key, m_Drive, Cli::subjectText(m_Drive) + ": " + text,
+             known != m_State.m_Known.end() ? std::optional(known->second.m_Time) : std::nullopt, m_Time});
+    }
+
+    template<typename Value>
+    void remember(Kind kind, Value value)
+    {
+        m_State.m_Known[kind] = {std::move(value), m_Time};
+    }
+
+    const Cli::ObservedDrive& m_Drive;
+    DriveState& m_State;
+    const std::uint64_t m_Time;
+    std::vector<Entry>& m_Entries;
+};
+
+Entry added(const Cli::ObservedDrive& drive, std::uint64_t before, std::uint64_t now)
+{
+    return {Kind::DriveAdded,
+            Phase::Change,
+            Severity::Information,
+            EVENT_DRIVE_ADDED,
+            drive.m_Key,
+            drive,
+            Cli::subjectText(drive) + " was added.",
+            before,
+            now};
+}
+
+Entry removed(const DriveState& drive, std::uint64_t before, std::uint64_t now)
+{
+    return {Kind::DriveRemoved,
+            Phase::Change,
+            Severity::Warning,
+            EVENT_DRIVE_REMOVED,
+            drive.m_Key,
+            drive.m_Drive,
+            Cli::subjectText(drive.m_Drive) + " was removed.",
+            before,
+            now};
+}
+
+} // namespace
+
+Outcome advance(const State& before, const Cli::Observation& now)
+{
+    const std::vector<std::optional<std::size_t>> matches = matchDrives(before.m_Drives, now.m_Drives);
+    Outcome outcome;
+    std::vector<bool> present(before.m_Drives.size());
+    for (const std::optional<std::size_t>& match : matches)
+        if (match)
+            present[*match] = true;
+    for (std::size_t i = 0; i < present.size(); ++i)
+        if (!present[i])
+            outcome.m_Entries.push_back(removed(before.m_Drives[i], before.m_Time.value_or(0), now.m_Time));
+
+    outcome.m_State.m_Time = now.m_Time;
+    for (std::size_t i = 0; i < matches.size(); ++i) {
+        const Cli::ObservedDrive& drive = now.m_Drives[i];
+        DriveState state = matches[i] ? before.m_Drives[*matches[i]] : DriveState{};
+        if (!matches[i] && before.m_Time)
+            outcome.m_Entries.push_back(added(drive, *before.m_Time, now.m_Time));
+        state.m_Key = drive.m_Key;
+        state.m_Drive = drive;
+        Comparison(drive, state, now.m_Time, outcome.m_Entries).run();
+        outcome.m_State.m_Drives.push_back(std::move(state));
+    }
+    return outcome;
+}
+
+} // namespace Host::Journal

@@ -1,0 +1,179 @@
+#include "Host/Commands_Linux/RunProgram.h"
+#include "Support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+
+namespace {
+
+using HostTest::ProgramResult;
+using HostTest::RunningProgram;
+using HostTest::runProgram;
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::UnorderedElementsAre;
+
+/** What `ostrel watch` tells beside the plug-in's events, of a fleet that the test edits. */
+class WatchNewsTest : public testing::Test
+{
+protected:
+    WatchNewsTest() { m_Data.Write("Ostrel.ini", "PollInterval=2\n"); }
+
+    static json drive(const std::string& serial, int bus, int warnings = 0)
+    {
+        return {{"location", "0000:0" + std::to_string(bus) + ":00.0"},
+                {"identify",
+                 {{"vendorId", 0x8086}, {"model", "INTEL MODEL"}, {"serial", serial}, {"firmware", "1"}}},
+                {"namespace", {{"blocks", 204800}, {"blockSize", 512}}},
+                {"health", {{"temperature", 20}, {"criticalWarning", warnings}, {"mediaErrors", 0}}}};
+    }
+
+    /** Makes the fleet what it is from now on, at once and as a whole. */
+    void fleet(const std::vector<json>& drives) const
+    {
+        const json fleet = {{"controllers", drives}};
+        std::filesystem::rename(m_Fleet.Write("next", fleet.dump()), m_Fleet.Path() / "fleet.json");
+    }
+
+    std::vector<std::string> arguments(std::vector<std::string> words = {}) const
+    {
+        words.insert(words.begin(),
+                     {"watch", "--data", m_Data.Path(), "--simulate", m_Fleet.Path() / "fleet.json"});
+        return words;
+    }
+
+    /** The next line in short: an event's number, or kind and phase, and the drive's serial number. */
+    static std::string next(RunningProgram& program)
+    {
+        const json line = json::parse(program.awaitResult("\n"));
+        const std::string what =
+            line.contains("id") ? std::to_string(line["id"].get<int>())
+                                : line["kind"].get<std::string>() + " " + line["phase"].get<std::string>();
+        return what + " " + line["drive"]["serial"].get<std::string>();
+    }
+
+    static std::vector<std::string> next(RunningProgram& program, int lines)
+    {
+        std::vector<std::string> result;
+        for (; lines > 0; --lines)
+            result.push_back(next(program));
+        return result;
+    }
+
+    static void end(RunningProgram& program)
+    {
+        program.send(SIGTERM);
+        const ProgramResult result = program.finish();
+        EXPECT_EQ(result.m_ExitCode, 0) << result.m_Errors;
+        EXPECT_THAT(result.m_Output, IsEmpty()) << "nothing is told twice";
+    }
+
+    TestSupport::CTemporaryFolder m_Data;
+    TestSupport::CTemporaryFolder m_Fleet;
+};
+
+TEST_F(WatchNewsTest, WhatDrivesSufferFromAtTheStartIsToldOnce)
+{
+    fleet({drive("SOUND", 1), drive("SICK", 2, 0x1F)});
+    RunningProgram program(arguments({"--json"}));
+    EXPECT_THAT(next(program, 5),
+                UnorderedElementsAre("spare-low present SICK", "over-temperature present SICK",
+                                     "reliability-degraded present SICK", "read-only present SICK",
+                                     "memory-backup-failed present SICK"));
+    program.awaitMessage("adapter count is");
+    fleet({drive("SOUND", 1), drive("SICK", 2, 0)});
+    EXPECT_EQ(next(program), "10980 SICK") << "the event says that all is over";
+    end(program);
+}
+
+TEST_F(WatchNewsTest, WhatNoEventTellsIsTold)
+{
+    fleet({drive("A", 1)});
+    RunningProgram program(arguments({"--json"}));
+    program.awaitMessage("adapter count is");
+    fleet({drive("A", 1, 0x0A)});
+    EXPECT_THAT(next(program, 2), UnorderedElementsAre("read-only began A", "over-temperature began A"));
+    // One of the two below has an event.
+    fleet({drive("A", 1, 0x0C)});
+    EXPECT_THAT(next(program, 2), ElementsAre("11088 A", "over-temperature ended A"));
+    fleet({drive("A", 1)});
+    EXPECT_EQ(next(program), "10980 A");
+    json changed = drive("A", 1);
+    changed["health"]["mediaErrors"] = 3;
+    changed["identify"]["firmware"] = "2";
+    changed["namespace"]["blocks"] = 409600;
+    fleet({changed});
+    EXPECT_THAT(next(program, 3),
+                UnorderedElementsAre("media-errors-grew change A", "firmware-changed change A",
+                                     "capacity-changed change A"));
+    changed["location"] = "0000:07:00.0";
+    changed["namespace"]["blockSize"] = 4096;
+    changed["namespace"]["blocks"] = 51200;
+    fleet({changed});
+    EXPECT_THAT(next(program, 2), ElementsAre("10985 A", "moved change A"));
+    end(program);
+}
+
+TEST_F(WatchNewsTest, ASickNewcomerIsAddedByItsEventAndToldSick)
+{
+    fleet({drive("A", 1)});
+    RunningProgram program(arguments({"--json"}));
+    program.awaitMessage("adapter count is");
+    fleet({drive("A", 1), drive("B", 2, 0x04)});
+    EXPECT_THAT(next(program, 2), ElementsAre("11093 B", "reliability-degraded present B"));
+    fleet({drive("A", 1)});
+    EXPECT_EQ(next(program), "11094 B");
+    end(program);
+}
+
+TEST_F(WatchNewsTest, ALineLooksLikeThatOfAnEvent)
+{
+    fleet({drive("A", 1, 0x08)});
+    const ProgramResult result = runProgram(arguments({"--for", "0"}));
+    EXPECT_THAT(
+        result.m_Output,
+        testing::ContainsRegex("^20[0-9-]+ [0-9:]+  Error        INTEL MODEL \\(A\\): the drive is read-only "
+                               "and takes no data any more. \\(nvme0n1\\)\n$"));
+}
+
+TEST_F(WatchNewsTest, TheStatusLineCountsSickDrives)
+{
+    fleet({drive("A", 1, 0x08), drive("B", 2)});
+    RunningProgram program(arguments(), 70);
+    program.awaitResult("2 drives, 1 sick, next poll at ");
+    program.awaitMessage("adapter count is");
+    fleet({drive("A", 1), drive("B", 2)});
+    program.awaitResult("2 drives, next poll at ");
+    program.send(SIGTERM);
+    EXPECT_EQ(program.finish().m_ExitCode, 0);
+}
+
+TEST_F(WatchNewsTest, SharedSerialNumbersAreSaidAtTheStart)
+{
+    fleet({drive("A", 1), drive("B", 2), drive("A", 3)});
+    const ProgramResult result = runProgram(arguments({"--for", "0"}));
+    EXPECT_EQ(result.m_ExitCode, 0);
+    EXPECT_THAT(result.m_Errors,
+                HasSubstr("ostrel: The serial number A is that of several devices: nvme0n1, nvme2n1. "));
+    EXPECT_THAT(result.m_Errors, Not(HasSubstr("serial number B")));
+}
+
+TEST_F(WatchNewsTest, OneOfTwoWithASerialNumberGoesNotUnseen)
+{
+    fleet({drive("A", 1), drive("A", 3)});
+    RunningProgram program(arguments({"--json"}));
+    program.awaitMessage("adapter count is");
+    fleet({drive("A", 1)});
+    const json line = json::parse(program.awaitResult("\n"));
+    EXPECT_EQ(line["kind"], "drive-removed");
+    EXPECT_EQ(line["drive"]["pciAddress"], "0000:03:00.0");
+    end(program);
+}
+
+} // namespace

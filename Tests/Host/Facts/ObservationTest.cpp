@@ -1,0 +1,123 @@
+#include "Facts/Observation.h"
+
+#include "Host/Catalogue.h"
+#include "Host/Objects.h"
+#include "Plugins/ObjectStore.h"
+
+#include <PI/LifeTimeData.h>
+
+#include <gmock/gmock.h>
+
+#include <limits>
+
+namespace {
+
+using namespace Host::Cli;
+using HostTest::DriveObjects;
+using HostTest::property;
+
+class ObservationTest : public testing::Test
+{
+protected:
+    ObservationTest() { PI::SetLifeTimeFolder(HostTest::Built::SHARE); }
+
+    ObservedDrive look() const
+    {
+        const Observation observation = observe(Host::ObjectStore(HostTest::topologyOf({m_Drive})), 77);
+        EXPECT_EQ(observation.m_Time, 77U);
+        EXPECT_EQ(observation.m_Drives.size(), 1U);
+        return observation.m_Drives.at(0);
+    }
+
+    template<typename... Value>
+    void setAdapter(std::uint32_t id, Value... value)
+    {
+        m_Drive.remove(id);
+        m_Drive.m_Adapter.m_Properties.push_back(property(id, 1, value...));
+    }
+
+    HostTest::Catalogue m_Catalogue;
+    DriveObjects m_Drive{0x10, "SERIAL", "/dev/nvme0n1"};
+};
+
+TEST_F(ObservationTest, TellsWhatThePluginShows)
+{
+    const ObservedDrive drive = look();
+    EXPECT_EQ(drive.m_Key, "SERIAL");
+    EXPECT_EQ(drive.m_Serial, "SERIAL");
+    EXPECT_EQ(drive.m_Device, "/dev/nvme0n1");
+    EXPECT_EQ(drive.m_PciAddress, "0000:10:1f.1");
+    EXPECT_EQ(drive.m_Firmware, "FW1");
+    EXPECT_EQ(drive.m_CapacityMiB, 1907729U);
+    EXPECT_EQ(drive.m_BlockSize, 4096U);
+    EXPECT_EQ(drive.m_Warnings, WARNING_SPARE | WARNING_READ_ONLY);
+    EXPECT_EQ(drive.m_Temperature, 36.0F);
+    EXPECT_EQ(drive.m_MediaErrors, 13U);
+    EXPECT_EQ(drive.m_Spare, 98);
+    EXPECT_EQ(drive.m_TemperatureLimit, std::nullopt);
+    EXPECT_EQ(drive.m_CriticalTemperatureLimit, std::nullopt);
+}
+
+TEST_F(ObservationTest, EachReasonIsAWarning)
+{
+    const std::pair<std::uint32_t, int> reasons[] = {{40460, 0x01}, {40459, 0x02}, {40487, 0x04},
+                                                     {40452, 0x08}, {40449, 0x10}, {40400, 0}};
+    for (const auto& [reason, warning] : reasons) {
+        setAdapter(PI::PROP_STATUS_REASONS, std::vector<std::uint32_t>{reason}, std::vector<std::uint32_t>{});
+        EXPECT_EQ(look().m_Warnings, warning) << reason;
+    }
+    m_Drive.remove(PI::PROP_STATUS_REASONS);
+    EXPECT_EQ(look().m_Warnings, 0);
+}
+
+TEST_F(ObservationTest, AHealthLogThatWasNotReadTellsNothing)
+{
+    for (const std::uint32_t id : {PI::PROP_DRIVE_TEMPERATURE, PI::PROP_POWER_ON_HOURS, PI::PROP_DATA_READ,
+                                   PI::PROP_DATA_WRITTEN, PI::PROP_STATUS_REASONS})
+        m_Drive.remove(id);
+    const ObservedDrive drive = look();
+    EXPECT_EQ(drive.m_Warnings, std::nullopt);
+    EXPECT_EQ(drive.m_MediaErrors, std::nullopt);
+    EXPECT_EQ(drive.m_Spare, std::nullopt);
+    EXPECT_EQ(drive.m_Temperature, std::nullopt);
+}
+
+TEST_F(ObservationTest, NoCapacityAndAllOnesAreNotKnown)
+{
+    m_Drive.remove(PI::PROP_CAPACITY);
+    m_Drive.m_Drive.m_Properties.push_back(property(PI::PROP_CAPACITY, 1, std::uint64_t{0}));
+    setAdapter(PI::PROP_MEDIA_ERRORS, std::numeric_limits<std::uint64_t>::max());
+    const ObservedDrive drive = look();
+    EXPECT_EQ(drive.m_CapacityMiB, std::nullopt);
+    EXPECT_EQ(drive.m_BlockSize, std::nullopt);
+    EXPECT_EQ(drive.m_MediaErrors, std::nullopt);
+}
+
+TEST_F(ObservationTest, NeitherSpareNorThresholdIsNoSpareToTell)
+{
+    setAdapter(PI::PROP_AVAILABLE_SPARE, 0, 0, 100, 1);
+    EXPECT_EQ(look().m_Spare, 0);
+    setAdapter(PI::PROP_SPARE_THRESHOLD, 0, 1, 100, 1);
+    EXPECT_EQ(look().m_Spare, std::nullopt);
+    setAdapter(PI::PROP_AVAILABLE_SPARE, 4, 0, 100, 1);
+    EXPECT_EQ(look().m_Spare, 4);
+}
+
+TEST_F(ObservationTest, WearIsKnownOfRatedModelsAlone)
+{
+    EXPECT_EQ(look().m_Wear, std::nullopt);
+    setAdapter(PI::PROP_MODEL, "SSDPE2KX020T8");
+    EXPECT_EQ(look().m_Wear, 120);
+}
+
+TEST_F(ObservationTest, TheWearStateTellsWhetherBlocksAreBelowNew)
+{
+    EXPECT_EQ(look().m_BelowNew, std::nullopt);
+    const std::pair<std::uint32_t, bool> states[] = {{40252, false}, {40410, true}, {40411, true}};
+    for (const auto& [state, below] : states) {
+        setAdapter(PI::PROP_WEAR_STATE, state, std::vector<std::uint32_t>{});
+        EXPECT_EQ(look().m_BelowNew, below) << state;
+    }
+}
+
+} // namespace
