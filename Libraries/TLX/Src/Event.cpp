@@ -1,6 +1,7 @@
 #include "EventNative.h"
 
 #include <new>
+#include <utility>
 
 namespace TLX::Threading {
 
@@ -14,7 +15,11 @@ std::uint32_t CEvent::Init(bool initiallySignalled, bool manualReset)
         std::unique_ptr<Native> native(new (std::nothrow) Native);
         if (!native || !native->Valid())
             return WaitResult::Failed;
-        m_Native = std::move(native);
+        try {
+            m_Native = std::move(native);
+        } catch (const std::bad_alloc&) {
+            return WaitResult::Failed;
+        }
     }
     m_Native->m_ManualReset = manualReset;
     m_Native->Clear();
@@ -33,6 +38,13 @@ void CEvent::Reset()
 {
     if (m_Native)
         m_Native->Clear();
+}
+
+std::function<void()> CEvent::Signaller() const
+{
+    if (!m_Native)
+        return {};
+    return [native = m_Native] { native->Signal(); };
 }
 
 std::uint32_t CEvent::Wait(std::uint32_t timeout)

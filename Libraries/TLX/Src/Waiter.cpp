@@ -19,4 +19,9 @@ std::uint32_t CWaiter::Wait(const CWaitInterval& interval)
     return CEvent::Native::WaitForAny(std::span(m_Events).first(m_Count), &interval);
 }
 
+std::uint32_t CWaiter::Wait()
+{
+    return CEvent::Native::WaitForAny(std::span(m_Events).first(m_Count), nullptr);
+}
+
 } // namespace TLX::Threading

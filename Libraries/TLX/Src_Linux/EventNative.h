@@ -1,8 +1,7 @@
 #pragma once
 
-#include "Descriptor.h"
-
 #include <TLX/Event.h>
+#include <TLX/Linux/Descriptor.h>
 #include <TLX/WaitInterval.h>
 
 #include <atomic>
@@ -34,7 +33,7 @@ struct CEvent::Native
      */
     static std::uint32_t WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval);
 
-    CDescriptor m_Descriptor;
+    Linux::CDescriptor m_Descriptor;
     std::atomic<bool> m_ManualReset = false;
 };
 

@@ -21,7 +21,13 @@ CRegistry& registry()
 
 } // namespace
 
+IAnnouncements::~IAnnouncements() = default;
 IDeviceBackend::~IDeviceBackend() = default;
+
+std::unique_ptr<IAnnouncements> IDeviceBackend::Subscribe(std::function<void()> /*announce*/)
+{
+    return nullptr;
+}
 
 std::shared_ptr<IDeviceBackend> setDeviceBackend(std::shared_ptr<IDeviceBackend> backend)
 {

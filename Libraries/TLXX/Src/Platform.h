@@ -1,9 +1,12 @@
 #pragma once
 
+#include <TLXX/DeviceBackend.h>
 #include <TLXX/Diagnosis.h>
 #include <TLXX/PciLocation.h>
 
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,5 +22,8 @@ std::optional<CPciLocation> location(std::uint32_t number);
 std::string moduleVersion(const std::string& module);
 
 std::vector<CControllerState> controllerStates();
+
+/** As `IDeviceBackend::Subscribe`. Null when the system announces nothing to this process. */
+std::unique_ptr<IAnnouncements> subscribe(std::function<void()> announce);
 
 } // namespace TLXX::Platform

@@ -4,6 +4,7 @@
 #include <TLX/WaitResult.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 
 namespace TLX::Threading {
@@ -35,11 +36,17 @@ public:
     /** Waits at most `timeout` milliseconds. Returns `Taken`, `TimedOut` or `Failed`. */
     [[nodiscard]] std::uint32_t Wait(std::uint32_t timeout = NO_TIME_LIMIT);
 
+    /**
+     * What signals this event from then on, from any thread. It may outlive the event and then does nothing.
+     * Empty before `Init`.
+     */
+    std::function<void()> Signaller() const;
+
     /** What it is to the system; known to this library alone. */
     struct Native;
 
 private:
-    std::unique_ptr<Native> m_Native;
+    std::shared_ptr<Native> m_Native;
 };
 
 } // namespace TLX::Threading

@@ -34,6 +34,9 @@ public:
      */
     [[nodiscard]] std::uint32_t Wait(const CWaitInterval& interval);
 
+    /** The same without a time limit. */
+    [[nodiscard]] std::uint32_t Wait();
+
 private:
     std::array<CEvent*, MOST_EVENTS> m_Events{};
     std::size_t m_Count;

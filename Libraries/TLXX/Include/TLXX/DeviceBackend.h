@@ -5,6 +5,7 @@
 #include <TLXX/PciLocation.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,6 +18,16 @@ struct CDeviceEntry
 {
     std::string m_DeviceName; ///< path of the disk
     std::string m_Driver;     ///< name of the driver that serves its controller
+};
+
+/** Announcements go on while it lives. Its destructor waits for one that is under way. */
+class TLXX_EXPORT IAnnouncements
+{
+public:
+    IAnnouncements() = default;
+    virtual ~IAnnouncements();
+    IAnnouncements(const IAnnouncements&) = delete;
+    IAnnouncements& operator=(const IAnnouncements&) = delete;
 };
 
 /**
@@ -48,6 +59,12 @@ public:
 
     /** The version text of `driver`; empty if unknown. */
     virtual std::string ModuleVersion(const std::string& driver) = 0;
+
+    /**
+     * Has `announce` called from any thread when drives may have come, gone or raised a warning. `announce`
+     * returns at once and never throws. Null, as here: this back-end announces nothing.
+     */
+    virtual std::unique_ptr<IAnnouncements> Subscribe(std::function<void()> announce);
 };
 
 /** Puts `backend` in the machine's place, or the machine back (null, the initial state). Returns the former.

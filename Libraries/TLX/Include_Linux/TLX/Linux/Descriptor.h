@@ -1,0 +1,36 @@
+#pragma once
+
+#include <utility>
+
+#include <unistd.h>
+
+namespace TLX::Linux {
+
+/** Owns a file descriptor and closes it when it goes. */
+class CDescriptor
+{
+public:
+    /** Owns none. */
+    CDescriptor() noexcept = default;
+    /** A negative one is none. */
+    explicit CDescriptor(int descriptor) noexcept : m_Descriptor(descriptor) {}
+    ~CDescriptor()
+    {
+        if (Valid())
+            close(m_Descriptor);
+    }
+    CDescriptor(CDescriptor&& other) noexcept : m_Descriptor(std::exchange(other.m_Descriptor, -1)) {}
+    CDescriptor& operator=(CDescriptor&& other) noexcept
+    {
+        std::swap(m_Descriptor, other.m_Descriptor);
+        return *this;
+    }
+
+    bool Valid() const { return m_Descriptor >= 0; }
+    int Get() const { return m_Descriptor; }
+
+private:
+    int m_Descriptor = -1;
+};
+
+} // namespace TLX::Linux

@@ -1,0 +1,109 @@
+#include "Platform.h"
+
+#include <TLXX/Linux/Uevent.h>
+#include <TLXX/Linux/UeventAnnouncements.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <system_error>
+#include <utility>
+
+#include <linux/netlink.h>
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+
+namespace TLXX::Linux {
+namespace {
+
+constexpr std::size_t LARGEST_MESSAGE = 8192; // the kernel's messages have 2048 bytes at most
+
+union Sender {
+    sockaddr m_Any;
+    sockaddr_nl m_Netlink;
+};
+
+/** Other processes may send to a netlink socket, too. */
+bool isTrusted(const Sender& sender, socklen_t size)
+{
+    const bool netlink = size >= sizeof(sockaddr_nl) && sender.m_Any.sa_family == AF_NETLINK;
+    return !netlink || sender.m_Netlink.nl_pid == 0;
+}
+
+} // namespace
+
+TLX::Linux::CDescriptor openUeventSocket()
+{
+    TLX::Linux::CDescriptor socket(
+        ::socket(AF_NETLINK, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_KOBJECT_UEVENT));
+    sockaddr_nl address{};
+    address.nl_family = AF_NETLINK;
+    address.nl_groups = 1; // what the kernel sends; group 2 is the device manager's
+    if (socket.Valid() && ::bind(socket.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
+        return {};
+    return socket;
+}
+
+CUeventAnnouncements::CUeventAnnouncements(TLX::Linux::CDescriptor messages, std::function<void()> announce)
+    : m_Messages(std::move(messages)),
+      m_Stop(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)),
+      m_Announce(std::move(announce))
+{
+    if (!m_Stop.Valid())
+        throw std::system_error(errno, std::generic_category(), "eventfd");
+    m_Thread.emplace([this] { Run(); });
+}
+
+CUeventAnnouncements::~CUeventAnnouncements()
+{
+    (void)::eventfd_write(m_Stop.Get(), 1);
+    (void)m_Thread->Wait();
+}
+
+void CUeventAnnouncements::Run()
+{
+    std::array<pollfd, 2> entries = {{{m_Messages.Get(), POLLIN, 0}, {m_Stop.Get(), POLLIN, 0}}};
+    for (;;) {
+        if (::poll(entries.data(), entries.size(), -1) < 0 && errno != EINTR)
+            return;
+        if (entries[1].revents != 0)
+            return;
+        if (entries[0].revents != 0 && !ReadAll())
+            entries[0].fd = -1;
+    }
+}
+
+bool CUeventAnnouncements::ReadAll()
+{
+    std::array<char, LARGEST_MESSAGE> message{};
+    for (;;) {
+        Sender sender{};
+        socklen_t senderSize = sizeof sender;
+        const ssize_t size =
+            ::recvfrom(m_Messages.Get(), message.data(), message.size(), 0, &sender.m_Any, &senderSize);
+        if (size > 0) {
+            if (isTrusted(sender, senderSize) &&
+                announcesDrives({message.data(), static_cast<std::size_t>(size)}))
+                m_Announce();
+        } else if (size < 0 && errno == ENOBUFS) {
+            // Messages were lost, and any of them may have been about a drive.
+            m_Announce();
+        } else if (size == 0 || (errno != EINTR))
+            return size < 0 && errno == EAGAIN;
+    }
+}
+
+} // namespace TLXX::Linux
+
+namespace TLXX {
+
+std::unique_ptr<IAnnouncements> Platform::subscribe(std::function<void()> announce)
+{
+    TLX::Linux::CDescriptor socket = Linux::openUeventSocket();
+    if (!socket.Valid())
+        return nullptr;
+    return std::make_unique<Linux::CUeventAnnouncements>(std::move(socket), std::move(announce));
+}
+
+} // namespace TLXX

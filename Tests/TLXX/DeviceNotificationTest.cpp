@@ -1,0 +1,157 @@
+#include "Support/VirtualClock.h"
+
+#include <TLX/Event.h>
+#include <TLXX/DeviceBackend.h>
+#include <TLXX/DeviceNotification.h>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <thread>
+
+namespace {
+
+using TLX::Threading::WaitResult::Taken;
+using TLX::Threading::WaitResult::TimedOut;
+
+/** No drives, and no announcements. */
+class CSilentBackend : public TLXX::IDeviceBackend
+{
+public:
+    std::vector<TLXX::CDeviceEntry> Enumerate() override { return {}; }
+    std::uint32_t IdentifyController(const std::string&, TLXX::NVME_IDENTIFY_CONTROLLER&) override
+    {
+        return 1;
+    }
+    std::uint32_t IdentifyNamespace(const std::string&, TLXX::NVME_IDENTIFY_NAMESPACE&) override { return 1; }
+    std::uint32_t SmartHealthLog(const std::string&, TLXX::NVME_SMART_HEALTH_INFORMATION_LOG&) override
+    {
+        return 1;
+    }
+    std::uint32_t VendorLogPage(const std::string&, std::uint8_t, TLXX::VendorLogPage&) override { return 1; }
+    std::optional<TLXX::CPciLocation> Location(std::uint32_t) override { return std::nullopt; }
+    std::string ModuleVersion(const std::string&) override { return {}; }
+};
+
+/** Announcements as the test makes them. */
+class CAnnouncingBackend : public CSilentBackend
+{
+public:
+    std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()> announce) override
+    {
+        struct CSubscription : TLXX::IAnnouncements
+        {
+            explicit CSubscription(std::function<void()>& announce) : m_Announce(announce) {}
+            ~CSubscription() override { m_Announce = nullptr; }
+            std::function<void()>& m_Announce;
+        };
+        m_Announce = std::move(announce);
+        return std::make_unique<CSubscription>(m_Announce);
+    }
+
+    std::function<void()> m_Announce;
+};
+
+class CBackendInPlace
+{
+public:
+    explicit CBackendInPlace(std::shared_ptr<TLXX::IDeviceBackend> backend)
+    {
+        TLXX::setDeviceBackend(std::move(backend));
+    }
+    ~CBackendInPlace() { TLXX::setDeviceBackend(nullptr); }
+    CBackendInPlace(const CBackendInPlace&) = delete;
+    CBackendInPlace& operator=(const CBackendInPlace&) = delete;
+};
+
+class DeviceNotificationTest : public testing::Test
+{
+protected:
+    DeviceNotificationTest()
+    {
+        EXPECT_EQ(m_Event->Init(false, false), Taken);
+        m_Notification.emplace(*m_Event);
+    }
+
+    void Announce() const { m_Backend->m_Announce(); }
+    bool IsSignalled() { return m_Event->Wait(0) == Taken; }
+
+    TestSupport::CVirtualClock m_Clock;
+    std::shared_ptr<CAnnouncingBackend> m_Backend = std::make_shared<CAnnouncingBackend>();
+    CBackendInPlace m_InPlace{m_Backend};
+    std::optional<TLX::Threading::CEvent> m_Event{std::in_place};
+    std::optional<TLXX::CDeviceNotification> m_Notification;
+};
+
+TEST(DeviceNotificationWithoutAnnouncementsTest, IsInactive)
+{
+    const CBackendInPlace inPlace(std::make_shared<CSilentBackend>());
+    TLX::Threading::CEvent event;
+    ASSERT_EQ(event.Init(false, false), Taken);
+    EXPECT_FALSE(TLXX::CDeviceNotification(event).Active());
+}
+
+TEST_F(DeviceNotificationTest, SignalsAfterADelay)
+{
+    EXPECT_TRUE(m_Notification->Active());
+    Announce();
+    EXPECT_EQ(m_Clock.AwaitWait(1), 200u);
+    m_Clock.Advance(199);
+    EXPECT_FALSE(IsSignalled());
+    m_Clock.Advance(1);
+    EXPECT_EQ(m_Event->Wait(), Taken);
+}
+
+TEST_F(DeviceNotificationTest, SignalsOnceForAStormAndThenOnceASecond)
+{
+    Announce();
+    (void)m_Clock.AwaitWait(1);
+    for (int i = 0; i < 1000; ++i)
+        Announce();
+    m_Clock.Advance(200);
+    EXPECT_EQ(m_Event->Wait(), Taken);
+
+    Announce();
+    EXPECT_EQ(m_Clock.AwaitWait(2), 1000u);
+    EXPECT_FALSE(IsSignalled());
+    m_Clock.Advance(1000);
+    EXPECT_EQ(m_Event->Wait(), Taken);
+}
+
+TEST_F(DeviceNotificationTest, SignalsAtOnceAgainAfterAQuietTime)
+{
+    Announce();
+    (void)m_Clock.AwaitWait(1);
+    m_Clock.Advance(200);
+    EXPECT_EQ(m_Event->Wait(), Taken);
+    m_Clock.Advance(5000);
+    Announce();
+    EXPECT_EQ(m_Clock.AwaitWait(2), 200u);
+}
+
+TEST_F(DeviceNotificationTest, EndsWhileASignalIsDue)
+{
+    Announce();
+    (void)m_Clock.AwaitWait(1);
+    m_Notification.reset();
+    EXPECT_FALSE(IsSignalled());
+    EXPECT_FALSE(m_Backend->m_Announce);
+}
+
+TEST_F(DeviceNotificationTest, OutlivesTheEvent)
+{
+    Announce();
+    (void)m_Clock.AwaitWait(1);
+    m_Event.reset();
+    m_Clock.Advance(200);
+    // Announcements before the signal belong to it, and nothing shows when that was.
+    const std::jthread announcer([this](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            Announce();
+            std::this_thread::yield();
+        }
+    });
+    EXPECT_EQ(m_Clock.AwaitWait(2), 1000u);
+}
+
+} // namespace
