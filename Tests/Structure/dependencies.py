@@ -13,6 +13,7 @@ import re
 import sys
 
 TLX = ("Libraries/TLX/Include/TLX", "Libraries/TLX/Include_Linux/TLX", "Libraries/TLX/Include_Win/TLX")
+TLX_LINUX = ("Libraries/TLX/Include_Linux/TLX/Linux",)
 TLX_WIN = ("Libraries/TLX/Include_Win/TLX/Win",)
 TLXX = ("Libraries/TLXX/Include/TLXX",)
 TLXX_LINUX = ("Libraries/TLXX/Include_Linux/TLXX/Linux",)
@@ -33,22 +34,23 @@ def rooms(parent, *names):
 ALLOWED = {
     "Libraries/TLX/Include/TLX": TLX,
     "Libraries/TLX/Include_Linux/TLX": TLX,
+    "Libraries/TLX/Include_Linux/TLX/Linux": TLX,
     "Libraries/TLX/Include_Win/TLX": TLX,
     "Libraries/TLX/Include_Win/TLX/Win": TLX,
     "Libraries/TLX/Src": TLX + rooms("Libraries/TLX", "Src_Linux", "Src_Win"),
-    "Libraries/TLX/Src_Linux": TLX + rooms("Libraries/TLX", "Src"),
+    "Libraries/TLX/Src_Linux": TLX + TLX_LINUX + rooms("Libraries/TLX", "Src"),
     "Libraries/TLX/Src_Win": TLX + TLX_WIN + rooms("Libraries/TLX", "Src"),
 
     "Libraries/TLXX/Include/TLXX": TLX,
-    "Libraries/TLXX/Include_Linux/TLXX/Linux": TLX + TLXX,
+    "Libraries/TLXX/Include_Linux/TLXX/Linux": TLX + TLX_LINUX + TLXX,
     "Libraries/TLXX/Include_Win/TLXX/Win": TLX + TLX_WIN + TLXX,
     "Libraries/TLXX/Src": TLX + TLXX + rooms("Libraries/TLXX", "Src_Linux", "Src_Win"),
-    "Libraries/TLXX/Src_Linux": TLX + TLXX + TLXX_LINUX + rooms("Libraries/TLXX", "Src"),
+    "Libraries/TLXX/Src_Linux": TLX + TLX_LINUX + TLXX + TLXX_LINUX + rooms("Libraries/TLXX", "Src"),
     "Libraries/TLXX/Src_Win": TLX + TLX_WIN + TLXX + TLXX_WIN + rooms("Libraries/TLXX", "Src"),
 
     "Libraries/PI/Include/PI": TLX,
     "Libraries/PI/Src": TLX + PI + rooms("Libraries/PI", "Src_Linux", "Src_Win"),
-    "Libraries/PI/Src_Linux": TLX + PI + rooms("Libraries/PI", "Src"),
+    "Libraries/PI/Src_Linux": TLX + TLX_LINUX + PI + rooms("Libraries/PI", "Src"),
     "Libraries/PI/Src_Win": TLX + TLX_WIN + PI + rooms("Libraries/PI", "Src"),
 
     "DatabaseORM/Include/DatabaseORM": (),
@@ -58,7 +60,7 @@ ALLOWED = {
     "Libraries/Database/Src": TLX + ORM + DATABASE,
 
     "Ostrel/Src/Records": HOST_LIBRARIES,
-    "Ostrel/Src/Ostrel_Linux": HOST_LIBRARIES + TLXX_LINUX + rooms("Ostrel/Src", "Records"),
+    "Ostrel/Src/Ostrel_Linux": HOST_LIBRARIES + TLX_LINUX + TLXX_LINUX + rooms("Ostrel/Src", "Records"),
     "Ostrel/Src/Ostrel_Win": HOST_LIBRARIES + TLX_WIN + TLXX_WIN + rooms("Ostrel/Src", "Records"),
     "Ostrel/Src/OstrelPlugin": HOST_LIBRARIES + rooms("Ostrel/Src", "Records"),
     "Ostrel/Src/OstrelAdapter": HOST_LIBRARIES + rooms("Ostrel/Src", "Records"),
@@ -67,10 +69,10 @@ ALLOWED = {
         "Ostrel/Src", "Records", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive"),
 
     "Host/Base": HOST_LIBRARIES,
-    "Host/Base_Linux": HOST_LIBRARIES + TLXX_LINUX + rooms("Host", "Base"),
+    "Host/Base_Linux": HOST_LIBRARIES + TLX_LINUX + TLXX_LINUX + rooms("Host", "Base"),
     "Host/Base_Win": HOST_LIBRARIES + TLX_WIN + TLXX_WIN + rooms("Host", "Base"),
     "Host/Drives": HOST_LIBRARIES + rooms("Host", "Base"),
-    "Host/Drives_Linux": HOST_LIBRARIES + TLXX_LINUX + rooms("Host", "Base", "Drives"),
+    "Host/Drives_Linux": HOST_LIBRARIES + TLX_LINUX + TLXX_LINUX + rooms("Host", "Base", "Drives"),
     "Host/Drives_Win": HOST_LIBRARIES + TLX_WIN + TLXX_WIN + rooms("Host", "Base", "Drives"),
     "Host/Plugins": HOST_LIBRARIES + rooms("Host", "Base", "Drives"),
     "Host/Facts": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins"),
