@@ -46,6 +46,13 @@ private:
     bool& m_Destroyed;
 };
 
+/** How a thread is let go, and whether it was; shared with the thread, which may outlive the test. */
+struct CThreadsEnd
+{
+    std::promise<void> m_May;
+    std::promise<bool> m_WasLet;
+};
+
 } // namespace
 
 TEST_F(Lifecycle, TriesADriveAgainAfterEachPauseAndNotBeforeIt)
@@ -104,16 +111,16 @@ TEST_F(Lifecycle, ReleaseIfDestroysTheObject)
 // Request 3 alone ends a worker; who destroys the object has seen to that before.
 TEST_F(Lifecycle, TheDestructorNeitherStopsNorAwaitsAThread)
 {
-    std::promise<void> mayEnd;
-    std::promise<bool> wasLet;
-    std::future<bool> let = wasLet.get_future();
+    const auto end = std::make_shared<CThreadsEnd>();
+    std::future<bool> let = end->m_WasLet.get_future();
     auto plugin = std::make_unique<CPluginUnderTest>();
-    plugin->m_WorkerThread = std::make_unique<TLX::Threading::CThread>([&mayEnd, &wasLet] {
-        wasLet.set_value(mayEnd.get_future().wait_for(std::chrono::seconds(10)) == std::future_status::ready);
+    plugin->m_WorkerThread = std::make_unique<TLX::Threading::CThread>([end] {
+        const auto status = end->m_May.get_future().wait_for(std::chrono::seconds(10));
+        end->m_WasLet.set_value(status == std::future_status::ready);
     });
     const CTraceCapture capture(~0U);
     plugin.reset();
-    mayEnd.set_value();
+    end->m_May.set_value();
     EXPECT_TRUE(let.get()) << "the destructor waited until the thread had ended by itself";
     EXPECT_THAT(m_Clock.Sleeps(), IsEmpty());
     EXPECT_THAT(capture.Texts(), IsEmpty());
