@@ -1,4 +1,5 @@
 #include "StatementFixture.h"
+#include "Support/GroupingLocale.h"
 
 #include <DatabaseORM/StatementBuilder.h>
 
@@ -21,6 +22,14 @@ TEST_F(Max, AsksForTheColumnsMaximum)
     EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_Size), 8U);
     EXPECT_THAT(Statements(),
                 ElementsAre("SELECT MAX(Count) FROM SampleTable", "SELECT MAX(Size) FROM SampleTable"));
+}
+
+TEST_F(Max, IsReadTheSameWhateverTheProcessesLocale)
+{
+    AddSample();
+    const CGroupingLocale locale;
+    m_Database->Answer({"1.234"});
+    EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_ID), 1U);
 }
 
 TEST_F(Max, ReadsAnUnsigned32BitNumberAsATextStreamDoes)

@@ -52,6 +52,12 @@ TEST_F(Settings, AValueThatIsMoreThanANumberLeavesTheDefault)
     EXPECT_EQ(PollInterval("PollInterval=45.5\n"), 30U);
 }
 
+TEST_F(Settings, BlanksBeforeTheNumberDoNotMatter)
+{
+    EXPECT_EQ(PollInterval("PollInterval= 45\n"), 45U);
+    EXPECT_EQ(PollInterval("PollInterval =\t45\n"), 45U);
+}
+
 TEST_F(Settings, AreReadTheSameWhateverTheProcessesLocale)
 {
     const TestSupport::CGroupingLocale locale;

@@ -29,6 +29,7 @@ TEST(Text, IsFormattedAsPrintfDoes)
 {
     EXPECT_EQ(formatted("none"), "none");
     EXPECT_EQ(formatted("%s has %d of %04d", std::string("%d"), -3, 42U), "%d has -3 of 0042");
+    EXPECT_EQ(formatted("%04d, %4d", -7, -7), "-007,   -7");
 }
 
 TEST(Text, IsFormattedTheSameWhateverTheProcessesLocale)

@@ -79,6 +79,14 @@ TEST(Health, TemperatureBitsAloneLeaveTheStatus)
     EXPECT_TRUE(adapter.m_HealthReasons.empty());
 }
 
+TEST(Health, WithoutAnyWarningTheStatusIsHealthy)
+{
+    CNVMeAdapter adapter;
+    adapter.m_HealthStatus = 12345;
+    applyCriticalWarning(adapter, 0);
+    EXPECT_EQ(adapter.m_HealthStatus, 40024U);
+}
+
 CNVMeAdapter worn(const std::string& model, std::uint8_t ad, std::uint8_t ea, std::uint8_t warning = 0)
 {
     CNVMeAdapter adapter;

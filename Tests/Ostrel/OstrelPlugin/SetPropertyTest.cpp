@@ -102,6 +102,7 @@ TEST_F(SetPluginProperty, AValueThatIsNoBoundedNumberIsAGeneralFailure)
     property.SetValue("60");
     EXPECT_EQ(m_Api.SetPluginProperty(m_Api.m_Plugin, property), PI::ERR_GENERAL_FAILURE);
     EXPECT_EQ(m_Api.m_PollInterval, 30U);
+    EXPECT_EQ(m_Api.m_Plugin.m_UpdateCount, 0U);
     EXPECT_EQ(m_Api.m_PrivateEvent.Wait(0), TimedOut);
 }
 

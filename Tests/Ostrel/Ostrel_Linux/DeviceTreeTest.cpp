@@ -57,6 +57,17 @@ TEST_F(DeviceTree, WithoutControllersGivesNothing)
     EXPECT_TRUE(devices.empty());
 }
 
+TEST_F(DeviceTree, KeepsADiskWhoseControllerHasNoDriver)
+{
+    AddController(1);
+    std::filesystem::remove(m_Root.Path() / "devices/pci0000:00/0000:01:00.0/driver");
+    NVMeDevices devices;
+    EXPECT_TRUE(devices.scan());
+    ASSERT_EQ(devices.size(), 1U);
+    EXPECT_EQ(devices[0].deviceName, "/dev/nvme1n1");
+    EXPECT_EQ(devices[0].driver, "");
+}
+
 TEST_F(DeviceTree, GivesOneElementForEachControllerInOrder)
 {
     AddController(1);

@@ -125,6 +125,24 @@ TEST_F(EnumerationTest, DoesNotRelyOnAControllerThatIsHalfThere)
     EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
 }
 
+TEST_F(EnumerationTest, DoesNotRelyOnAControllerThatHasNoDriverYet)
+{
+    const std::filesystem::path link = m_Tree.Root() / "class/nvme/nvme0/device/driver";
+    std::filesystem::remove(link);
+    EXPECT_EQ(TLXX::Linux::enumerateDevices().at(0).m_Driver, "");
+    std::filesystem::create_symlink("../../nvme", link);
+    EXPECT_EQ(TLXX::Linux::enumerateDevices().at(0).m_Driver, "nvme");
+}
+
+TEST_F(EnumerationTest, DoesNotRelyOnAControllerWithoutALocation)
+{
+    m_Tree.Attribute("nvme0/address", "");
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
+    MoveTheFirst();
+    (void)enumerated();
+    EXPECT_EQ(busOfTheFirst(), 2);
+}
+
 TEST_F(EnumerationTest, DoesNotRelyOnANamespaceWithoutItsIdentifier)
 {
     std::filesystem::remove(m_Tree.Root() / "class/nvme/nvme0/nvme0n1/nsid");
