@@ -101,9 +101,11 @@ void keepRows(const std::filesystem::path& folder)
 void restoreNumbers(const std::filesystem::path& folder, const Warn& warn)
 {
     try {
-        PI::restoreAdapterNumbers(numbersFile(folder));
+        if (const auto damage = PI::restoreAdapterNumbers(numbersFile(folder)))
+            warn("Some adapters may get new numbers: " + printable(*damage) + ".");
     } catch (const std::runtime_error& wrong) {
-        warn(std::string("The adapters are numbered anew: ") + printable(wrong.what()) + ".");
+        warn(std::string("Adapters may have other numbers in this run, which are not kept: ") +
+             printable(wrong.what()) + ".");
     }
 }
 
