@@ -126,3 +126,15 @@ TEST_F(Maintenance, FindsDamage)
     Reopen();
     EXPECT_THAT(databaseError(checkDatabase), testing::AnyOf(HasSubstr("damaged"), HasSubstr("malformed")));
 }
+
+TEST_F(Maintenance, TellsWhoseTablesAFileHolds)
+{
+    const auto version = [this](const char* number) {
+        Query(std::string("PRAGMA user_version = ") + number);
+        return inspectDatabase(File());
+    };
+    EXPECT_EQ(version("2"), EDatabaseTables::Present);
+    EXPECT_EQ(version("1"), EDatabaseTables::Foreign);
+    EXPECT_EQ(version("-3"), EDatabaseTables::Foreign);
+    EXPECT_EQ(version("3"), EDatabaseTables::Newer);
+}

@@ -20,6 +20,7 @@ constexpr const char* SETTINGS = "PRAGMA recursive_triggers = ON;"
 CSqliteConnection open(const std::filesystem::path& file, CBusyPolicy& busyPolicy)
 {
     CSqliteConnection connection(file, busyPolicy);
+    refuseNewer(connection);
     connection.Run(SETTINGS);
     migrate(connection);
     renumber(connection);

@@ -18,7 +18,8 @@ enum class EDatabaseTables
 {
     None,    ///< nobody's: it is empty
     Present, ///< those of this release
-    Foreign, ///< those of another release, or somebody else's; who opens the file to write rebuilds them
+    Foreign, ///< those of a former release, or somebody else's; who opens the file to write rebuilds them
+    Newer,   ///< those of a newer release, which every query refuses
 };
 
 /**
