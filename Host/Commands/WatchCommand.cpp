@@ -87,6 +87,7 @@ private:
         }
         TLX::Threading::CWaiter waiter(events);
         for (;;) {
+            m_Watched.tellFailure();
             showStatus();
             const std::uint32_t fired = waiter.Wait(TLX::Threading::CWaitInterval(patience()));
             if (fired == asked)
@@ -107,8 +108,8 @@ private:
     /** How long there may be nothing to do, in milliseconds. */
     std::uint64_t patience() const
     {
-        // Of clocks that count milliseconds in 32 bits none is asked for more.
-        constexpr std::uint64_t longest = 3'600'000;
+        // Nobody calls when the database fails.
+        constexpr std::uint64_t longest = 10'000;
         const std::uint64_t now = TLX::Misc::monotonic();
         const std::uint64_t next = std::min(m_End, m_Status.shown() ? m_Forecast.next() : NEVER);
         return next <= now ? 0 : std::min(next - now, longest);
@@ -116,7 +117,7 @@ private:
 
     void report(Monitor& monitor)
     {
-        std::vector<PI::CEvent> events = monitor.collect();
+        std::vector<PI::CEvent> events = m_Watched.collect(monitor);
         std::vector<Drive> after = joinDrives(m_Watched.objects());
         for (const DriveEvent& event : withDrives(std::move(events), m_Drives, after))
             m_Status.printAbove(m_Session.m_Options.m_Json ? jsonLine(event) : eventLine(event, m_Screen));

@@ -6,6 +6,7 @@
 
 #include <sqlite3.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -35,6 +36,9 @@ public:
 
     /** Runs `sql` within the open transaction, which goes on: the whole of it, or nothing when it fails. */
     bool Attempt(const std::string& sql);
+
+    /** How many rows it has changed since it was opened. */
+    std::int64_t Changes() const { return sqlite3_total_changes(m_Connection.get()); }
 
     /**
      * Whether its path leads to another file by now, or to none. Costs a look at the path alone. Never so on

@@ -86,8 +86,7 @@ CReadNumbers read(const std::string& content)
     return result;
 }
 
-/** Gives the file, which has this content, a second name that lasts when it is replaced; returns that name.
- */
+/** Copies the file, which has this content, to a name beside it that is free; returns that name. */
 std::optional<std::filesystem::path> setAside(const std::filesystem::path& file, const std::string& content)
 {
     constexpr int MOST_NAMES = 1000;
