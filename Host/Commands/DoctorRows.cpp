@@ -80,6 +80,9 @@ Check checkKeptRows(const std::filesystem::path& file)
             return ok("database", file.string() + ", which this run leaves as it is");
         case EDatabaseTables::None:
             return ok("database", file.string() + " is empty; \"watch\" and \"set\" fill it");
+        case EDatabaseTables::Newer:
+            return badDatabase(file.string() +
+                               " holds the tables of a newer release, which this one refuses");
         case EDatabaseTables::Foreign:
             break;
         }

@@ -1,8 +1,11 @@
 #include "Commands/Session.h"
 
+#include "Base/Failure.h"
 #include "Drives/DeviceAccess.h"
 #include "Plugins/DataFolder.h"
 
+#include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace Host::Cli {
@@ -40,14 +43,42 @@ Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Ses
 
 Inventory::Inventory(const Session& session) : m_Objects(takeInventory(m_Plugins, session)) {}
 
-Watched::Watched(const Session& session)
+Watched::Watched(const Session& session) : m_Rows(session.warn())
 {
     const Progress progress = beginInventory(m_Plugins, session);
     for (EquippedPlugin& plugin : m_Plugins.initialize())
         m_Monitors.emplace_back(std::move(plugin), session.keptData(), session.warn());
-    keepInventory(session.keptData(), objects(), session.warn());
+    cleanUp();
+    keepAdapterNumbers(session.keptData(), session.warn());
     for (Monitor& monitor : m_Monitors)
         monitor.start();
+}
+
+std::vector<PI::CEvent> Watched::collect(Monitor& monitor)
+{
+    std::vector<PI::CEvent> events = monitor.collect();
+    cleanUp();
+    return events;
+}
+
+void Watched::cleanUp()
+{
+    const auto look = [this] {
+        std::vector<PI::CObject> all;
+        for (const Monitor& monitor : m_Monitors) {
+            const ObjectStore shown = monitor.look();
+            all.insert(all.end(), shown.objects().begin(), shown.objects().end());
+        }
+        return ObjectStore(std::move(all));
+    };
+    // Who cannot be asked may still have drives, and rows of theirs.
+    if (!std::all_of(m_Monitors.begin(), m_Monitors.end(), std::mem_fn(&Monitor::mayBeAsked)))
+        return;
+    try {
+        m_Rows.cleanUp(look);
+    } catch (const Failure&) {
+        // The monitor has told it.
+    }
 }
 
 ObjectStore Watched::objects() const

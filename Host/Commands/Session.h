@@ -2,6 +2,7 @@
 
 #include "Commands/CommandLine.h"
 #include "Plugins/HostSetup.h"
+#include "Plugins/KeptRows.h"
 #include "Plugins/Monitor.h"
 #include "Plugins/ObjectStore.h"
 #include "Plugins/PluginSet.h"
@@ -74,12 +75,24 @@ public:
     /** Of the plug-ins that found drives, at least one. */
     std::list<Monitor>& monitors() { return m_Monitors; }
 
+    /**
+     * Takes the events that are pending with `monitor`, one of `monitors()`. The rows of what went are gone
+     * then, too.
+     */
+    std::vector<PI::CEvent> collect(Monitor& monitor);
+
+    /** Tells once when rows could not be written; the plug-ins do not say so. Costs next to nothing. */
+    void tellFailure() { m_Rows.tellFailure(); }
+
     /** What all of them showed at the last look. */
     ObjectStore objects() const;
 
 private:
+    void cleanUp();
+
     PluginSet m_Plugins;
     std::list<Monitor> m_Monitors;
+    KeptRows m_Rows;
 };
 
 } // namespace Host::Cli

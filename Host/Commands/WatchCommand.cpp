@@ -125,6 +125,7 @@ private:
             events.push_back(&plugin.m_Monitor.notified());
         TLX::Threading::CWaiter waiter(events);
         for (;;) {
+            m_Watched.tellFailure();
             showStatus();
             const std::uint32_t fired = waiter.Wait(TLX::Threading::CWaitInterval(patience()));
             if (fired == asked)
@@ -145,8 +146,8 @@ private:
     /** How long there may be nothing to do, in milliseconds. */
     std::uint64_t patience() const
     {
-        // Of clocks that count milliseconds in 32 bits none is asked for more.
-        constexpr std::uint64_t longest = 3'600'000;
+        // Nobody calls when the database fails.
+        constexpr std::uint64_t longest = 10'000;
         const std::uint64_t now = TLX::Misc::monotonic();
         const std::uint64_t next = std::min(m_End, m_Status.shown() ? m_Forecast.next() : NEVER);
         return next <= now ? 0 : std::min(next - now, longest);
@@ -164,7 +165,7 @@ private:
 
     void report(WatchedDrives& plugin)
     {
-        std::vector<PI::CEvent> events = plugin.m_Monitor.collect();
+        std::vector<PI::CEvent> events = m_Watched.collect(plugin.m_Monitor);
         std::vector<Drive> after = joinDrives(m_Watched.objects());
         const std::vector<DriveEvent> told = withDrives(std::move(events), m_Drives, after);
         for (const DriveEvent& event : told)

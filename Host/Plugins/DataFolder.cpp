@@ -3,10 +3,9 @@
 #include "Base/Failure.h"
 #include "Base/FileText.h"
 #include "Base/Text.h"
+#include "Plugins/KeptRows.h"
 
 #include <Database/Database.h>
-#include <Database/Maintenance.h>
-#include <DatabaseORM/DatabaseException.h>
 #include <PI/AdapterNumbers.h>
 #include <TLX/Clock.h>
 
@@ -41,28 +40,6 @@ void makeFolder(const std::filesystem::path& folder)
         throw Failure(isDenied ? ExitCode::NoPermission : ExitCode::WrongUsage,
                       "The data folder " + printable(folder.string()) +
                           " cannot be used: " + error.message() + ".");
-}
-
-/** Null for what is no adapter. */
-const std::uint64_t* adapterNumber(const PI::CObject& object)
-{
-    const PI::CProperty* property = findProperty(object, PI::PROP_ADAPTER_NUMBER);
-    return object.m_Type == PI::TYPE_ADAPTER && property != nullptr
-               ? std::get_if<std::uint64_t>(&property->GetValue())
-               : nullptr;
-}
-
-void removeRowsOfOthers(const ObjectStore& inventory)
-{
-    std::vector<std::int32_t> numbers;
-    std::vector<std::string> serials;
-    for (const PI::CObject& object : inventory.objects()) {
-        if (object.m_Type == PI::TYPE_PHYSICAL_DRIVE)
-            serials.push_back(textOf(object, PI::PROP_SERIAL_NUMBER));
-        else if (const std::uint64_t* number = adapterNumber(object))
-            numbers.push_back(static_cast<std::int32_t>(*number));
-    }
-    removeOtherObjects(numbers, serials);
 }
 
 } // namespace
@@ -101,20 +78,17 @@ void keepRows(const std::filesystem::path& folder)
 void restoreNumbers(const std::filesystem::path& folder, const Warn& warn)
 {
     try {
-        PI::restoreAdapterNumbers(numbersFile(folder));
+        if (const auto damage = PI::restoreAdapterNumbers(numbersFile(folder)))
+            warn("Some adapters may get new numbers: " + printable(*damage) + ".");
     } catch (const std::runtime_error& wrong) {
-        warn(std::string("The adapters are numbered anew: ") + printable(wrong.what()) + ".");
+        warn(std::string("Adapters may have other numbers in this run, which are not kept: ") +
+             printable(wrong.what()) + ".");
     }
 }
 
 void keepInventory(const std::filesystem::path& folder, const ObjectStore& inventory, const Warn& warn)
 {
-    try {
-        removeRowsOfOthers(inventory);
-    } catch (const DBEXCEPTION::DatabaseException& exception) {
-        warn(std::string("The rows of these objects may not have been kept: ") + printable(exception.what()) +
-             ".");
-    }
+    KeptRows(warn).cleanUp([&inventory] { return inventory; });
     keepAdapterNumbers(folder, warn);
 }
 

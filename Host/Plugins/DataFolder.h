@@ -43,7 +43,10 @@ private:
 /** Has the process's plug-ins keep their rows in `folder`. */
 void keepRows(const std::filesystem::path& folder);
 
-/** Takes up the numbers that `folder` has; those that cannot be read are told to `warn` and given anew. */
+/**
+ * Takes up the numbers that `folder` has. What is damaged is told to `warn`; so is a file that cannot be
+ * read, and the numbers of this run are not kept then.
+ */
 void restoreNumbers(const std::filesystem::path& folder, const std::function<void(const std::string&)>& warn);
 
 /**

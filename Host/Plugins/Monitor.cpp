@@ -83,7 +83,8 @@ void Monitor::complain(const Failure& failure)
 bool Monitor::stop()
 {
     m_Running = false;
-    return m_Plugin.deInitialize();
+    m_MayBeAsked = m_Plugin.deInitialize();
+    return m_MayBeAsked;
 }
 
 const PI::CObject& Monitor::pluginObject() const

@@ -49,6 +49,12 @@ public:
     /** Looks again what there is, whether the plug-in has called or not; complains as `collect` does. */
     void refresh();
 
+    /** What there is now; `objects()` stays as it was. */
+    ObjectStore look() const { return ObjectStore(m_Plugin.topology()); }
+
+    /** False when the plug-in did not end in time. */
+    bool mayBeAsked() const { return m_MayBeAsked; }
+
     /** What there was at the last look. */
     const ObjectStore& objects() const { return m_Objects; }
 
@@ -73,6 +79,7 @@ private:
     ObjectStore m_Objects;
     std::string m_Complaint; ///< the last one, while it lasts
     bool m_Running = false;
+    bool m_MayBeAsked = true;
 };
 
 } // namespace Host

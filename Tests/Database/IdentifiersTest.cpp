@@ -67,3 +67,23 @@ TEST_F(Identifiers, OfOneTableStartAgainAlone)
     DatabaseORM::remove(*m_Storage, condition_t(&Adapter::m_AdapterNumber, 1));
     EXPECT_THAT(Drives(), ElementsAre("102", "S2"));
 }
+
+TEST_F(Identifiers, StartAgainFromOneAtTheVeryEnds)
+{
+    for (const char* serial : {"S1", "S2", "S3", "S4", "S5"})
+        DatabaseORM::insert(*m_Storage, makeDrive(serial));
+    Query("UPDATE PD SET ID = -9223372036854775807 - 1 WHERE DriveKey = 'S5';"
+          "UPDATE PD SET ID = -9223372036854775807 WHERE DriveKey = 'S1';"
+          "UPDATE PD SET ID = 9223372036854775807 WHERE DriveKey = 'S2';");
+    Reopen();
+    EXPECT_THAT(Drives(), ElementsAre("1", "S5", "2", "S1", "3", "S3", "4", "S4", "5", "S2"));
+}
+
+TEST_F(Identifiers, StartAgainFromOneWhenOneIsTooLowToBeRead)
+{
+    for (const char* serial : {"S1", "S2"})
+        DatabaseORM::insert(*m_Storage, makeDrive(serial));
+    Query("UPDATE PD SET ID = -9000000000 WHERE DriveKey = 'S2'");
+    Reopen();
+    EXPECT_THAT(Drives(), ElementsAre("1", "S2", "2", "S1"));
+}

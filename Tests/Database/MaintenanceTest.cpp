@@ -21,6 +21,11 @@ protected:
         DatabaseORM::insert(*m_Storage, makeDrive(serial));
     }
 
+    static void RemoveOthers(const std::vector<std::int32_t>& numbers, const std::vector<std::string>& keys)
+    {
+        EXPECT_TRUE(removeOtherObjects(numbers, keys, countDatabaseChanges()));
+    }
+
     Values Adapters() { return Query("SELECT SerialNumber FROM Adapter ORDER BY AdapterNumber"); }
     Values Drives() { return Query("SELECT DriveKey FROM PD ORDER BY DriveKey"); }
 };
@@ -34,7 +39,7 @@ TEST_F(Maintenance, RemovesWhatIsNotNamed)
     Insert(3, "S3");
     Insert(4, "NULL");
     DatabaseORM::insert(*m_Storage, makeDrive("alone"));
-    removeOtherObjects({2, 4, 9}, {"x');DROP TABLE PD;--", "NULL", "other"});
+    RemoveOthers({2, 4, 9}, {"x');DROP TABLE PD;--", "NULL", "other"});
     EXPECT_THAT(Adapters(), ElementsAre("x');DROP TABLE PD;--", "NULL"));
     EXPECT_THAT(Drives(), ElementsAre("NULL", "x');DROP TABLE PD;--"));
 }
@@ -45,7 +50,7 @@ TEST_F(Maintenance, RemovesAllWhenNothingIsNamed)
     RaidDataModels::Plugin plugin;
     plugin.m_Name = "NVMe-Plugin";
     DatabaseORM::insert(*m_Storage, plugin);
-    removeOtherObjects({}, {});
+    RemoveOthers({}, {});
     EXPECT_THAT(Adapters(), IsEmpty());
     EXPECT_THAT(Drives(), IsEmpty());
     EXPECT_THAT(Query("SELECT COUNT(*) FROM Plugin"), ElementsAre("1"));
@@ -55,7 +60,7 @@ TEST_F(Maintenance, LeavesOtherHostsAlone)
 {
     Insert(1, "S1");
     Query("UPDATE Adapter SET HostName = 'elsewhere'; UPDATE PD SET HostName = 'elsewhere'");
-    removeOtherObjects({}, {});
+    RemoveOthers({}, {});
     EXPECT_THAT(Adapters(), ElementsAre("S1"));
     EXPECT_THAT(Drives(), ElementsAre("S1"));
 }
@@ -70,7 +75,7 @@ TEST_F(Maintenance, TakesThousandsOfNames)
     }
     Insert(4999, keys.back());
     Insert(5000, "other");
-    removeOtherObjects(numbers, keys);
+    RemoveOthers(numbers, keys);
     EXPECT_THAT(Adapters(), ElementsAre(keys.back()));
     EXPECT_THAT(Drives(), ElementsAre(keys.back()));
 }
@@ -79,7 +84,7 @@ TEST_F(Maintenance, RemovesAllOrNothing)
 {
     Insert(1, "S1");
     Query("CREATE TRIGGER Refuse BEFORE DELETE ON PD BEGIN SELECT RAISE(ABORT, 'refused'); END;");
-    EXPECT_THAT(databaseError([] { removeOtherObjects({}, {}); }), HasSubstr("refused"));
+    EXPECT_THAT(databaseError([] { RemoveOthers({}, {}); }), HasSubstr("refused"));
     EXPECT_THAT(Adapters(), ElementsAre("S1"));
     Insert(2, "S2");
 }
@@ -125,4 +130,48 @@ TEST_F(Maintenance, FindsDamage)
     }
     Reopen();
     EXPECT_THAT(databaseError(checkDatabase), testing::AnyOf(HasSubstr("damaged"), HasSubstr("malformed")));
+}
+
+TEST_F(Maintenance, TellsWhoseTablesAFileHolds)
+{
+    const auto version = [this](const char* number) {
+        Query(std::string("PRAGMA user_version = ") + number);
+        return inspectDatabase(File());
+    };
+    EXPECT_EQ(version("2"), EDatabaseTables::Present);
+    EXPECT_EQ(version("1"), EDatabaseTables::Foreign);
+    EXPECT_EQ(version("-3"), EDatabaseTables::Foreign);
+    EXPECT_EQ(version("3"), EDatabaseTables::Newer);
+}
+
+TEST_F(Maintenance, RemovesNothingWhenRowsCameMeanwhile)
+{
+    Insert(1, "S1");
+    const std::int64_t changes = countDatabaseChanges();
+    Insert(2, "S2");
+    EXPECT_FALSE(removeOtherObjects({}, {}, changes));
+    EXPECT_THAT(Drives(), ElementsAre("S1", "S2"));
+    EXPECT_TRUE(removeOtherObjects({2}, {"S2"}, countDatabaseChanges()));
+    EXPECT_THAT(Drives(), ElementsAre("S2"));
+}
+
+TEST_F(Maintenance, TellsTheLastFailureOnce)
+{
+    Query("SELECT 1");
+    EXPECT_EQ(takeDatabaseFailure(), std::nullopt);
+    const std::string first = databaseError([&] { Query("first"); });
+    EXPECT_EQ(takeDatabaseFailure(), first);
+    EXPECT_EQ(takeDatabaseFailure(), std::nullopt);
+    databaseError([&] { Query("second"); });
+    const std::string third = databaseError([&] { Query("third"); });
+    Query("SELECT 1");
+    EXPECT_EQ(takeDatabaseFailure(), third);
+}
+
+TEST_F(Maintenance, AFileThatCannotBeOpenedIsAFailureToTell)
+{
+    setDatabaseFile(Folder() / "missing" / "Ostrel.db");
+    EXPECT_EQ(takeDatabaseFailure(), std::nullopt) << "nobody has asked it for anything";
+    const std::string error = databaseError([] { countDatabaseChanges(); });
+    EXPECT_EQ(takeDatabaseFailure(), error);
 }

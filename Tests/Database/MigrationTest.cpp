@@ -7,6 +7,7 @@ using DatabaseORM::condition_t;
 using RaidDataModels::Adapter;
 using RaidDataModels::PD;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
@@ -69,10 +70,10 @@ TEST_F(Migration, AFormerTableWithOtherColumnsStays)
 {
     WriteFile("CREATE TABLE PD (ID INTEGER PRIMARY KEY, HostName TEXT, DriveKey TEXT, Colour TEXT);"
               "INSERT INTO PD VALUES (1, 'localhost', 'S1', 'red');"
-              "PRAGMA user_version = 7;");
+              "PRAGMA user_version = 1;");
     EXPECT_THAT(Query("SELECT DriveKey FROM PD"), ElementsAre("S1"));
-    EXPECT_THAT(Tables(), ElementsAre("Adapter", "PD", "PD_version7", "Plugin"));
-    EXPECT_THAT(Query("SELECT Colour FROM PD_version7"), ElementsAre("red"));
+    EXPECT_THAT(Tables(), ElementsAre("Adapter", "PD", "PD_version1", "Plugin"));
+    EXPECT_THAT(Query("SELECT Colour FROM PD_version1"), ElementsAre("red"));
     EXPECT_THAT(Query("PRAGMA user_version"), ElementsAre("2"));
 }
 
@@ -136,4 +137,81 @@ TEST_F(Migration, ThatCannotBeDoneChangesNothing)
     EXPECT_NE(databaseError([&] { Query("SELECT 1"); }), "");
     WriteFile("DROP VIEW PD;");
     EXPECT_THAT(Query("SELECT Name FROM Plugin"), ElementsAre("x"));
+}
+
+TEST_F(Migration, TheTablesOfANewerReleaseAreRefused)
+{
+    Query("PRAGMA user_version = 3; PRAGMA journal_mode = DELETE");
+    Reopen();
+    for (int round = 0; round < 2; ++round)
+        EXPECT_THAT(databaseError([&] { Query("SELECT 1"); }),
+                    HasSubstr("a newer release made its tables (version 3, this release knows 2)"));
+    WriteFile("CREATE TABLE Untouched (Version, Mode);"
+              "INSERT INTO Untouched SELECT * FROM pragma_user_version, pragma_journal_mode;"
+              "PRAGMA user_version = 2;");
+    EXPECT_THAT(Query("SELECT * FROM Untouched"), ElementsAre("3", "delete"));
+}
+
+namespace {
+
+/** What an administrator may have added to a file of the release before. */
+constexpr const char* ADDITIONS =
+    "CREATE TABLE Log (Text);"
+    "CREATE VIEW Serials AS SELECT A.SerialNumber AS Serial FROM Adapter A JOIN PD ON DriveKey = Serial;"
+    "CREATE TRIGGER RenameBySerial INSTEAD OF UPDATE ON Serials BEGIN"
+    " UPDATE PD SET Name = NEW.Serial WHERE DriveKey = OLD.Serial; END;"
+    "CREATE TRIGGER CountDrives AFTER INSERT ON Log BEGIN"
+    " UPDATE Log SET Text = Text || (SELECT COUNT(*) FROM PD); END;"
+    "CREATE UNIQUE INDEX \"By \"\"Name\"\"\" ON PD (Name, DriveKey) /* mine */;"
+    "CREATE TRIGGER LogDrives AFTER INSERT ON PD BEGIN"
+    " INSERT INTO Log VALUES (NEW.DriveKey || ' of '); END;";
+
+constexpr const char* NAMES_OF_ADDITIONS =
+    "SELECT type || ' ' || name || ' ' || tbl_name FROM sqlite_master WHERE type <> 'table' AND sql IS NOT "
+    "NULL"
+    " AND name NOT LIKE 'IgnoreUnchanged%' AND name <> 'DeleteDriveOfAdapter' ORDER BY name";
+
+} // namespace
+
+TEST_F(Migration, WhatTheAdministratorAddedStaysAndWorks)
+{
+    DatabaseORM::insert(*m_Storage, makeAdapter(1, "S1"));
+    DatabaseORM::insert(*m_Storage, makeDrive("S1"));
+    Query(ADDITIONS);
+    const Values before = Query(NAMES_OF_ADDITIONS);
+    ASSERT_EQ(before.size(), 5U);
+    Query("PRAGMA user_version = 1");
+    Reopen();
+    EXPECT_THAT(Query("SELECT Serial FROM Serials"), ElementsAre("S1"));
+    EXPECT_EQ(Query(NAMES_OF_ADDITIONS), before);
+    EXPECT_THAT(Tables(), ElementsAre("Adapter", "Log", "PD", "Plugin"));
+    EXPECT_THAT(Query("SELECT Text FROM Log"), IsEmpty()) << "the migration itself is none of theirs";
+    DatabaseORM::insert(*m_Storage, makeDrive("S2"));
+    EXPECT_THAT(Query("SELECT Text FROM Log"), ElementsAre("S2 of 2"));
+    Query("UPDATE Serials SET Serial = 'renamed'");
+    EXPECT_THAT(Query("SELECT Name FROM PD WHERE DriveKey = 'S1'"), ElementsAre("renamed"));
+    // From here on a table's new name counts for what mentions it, as ever.
+    Query("ALTER TABLE Log RENAME TO Log2");
+    DatabaseORM::insert(*m_Storage, makeDrive("S3"));
+    EXPECT_THAT(Query("SELECT COUNT(*) FROM Log2"), ElementsAre("2"));
+}
+
+TEST_F(Migration, AViewThatIsBrokenStopsNothing)
+{
+    Query("CREATE VIEW Broken AS SELECT Colour FROM PD JOIN Missing; PRAGMA user_version = 1");
+    Reopen();
+    EXPECT_EQ(DatabaseORM::insert(*m_Storage, makeDrive("S1")), 1);
+    EXPECT_THAT(Query(NAMES_OF_ADDITIONS), ElementsAre("view Broken Broken"));
+}
+
+TEST_F(Migration, WhatDoesNotFitTheNewColumnsStaysOnTheFormerTable)
+{
+    WriteFile("CREATE TABLE PD (ID INTEGER PRIMARY KEY, HostName TEXT, DriveKey TEXT, Colour TEXT);"
+              "INSERT INTO PD VALUES (1, 'localhost', 'S1', 'red');"
+              "CREATE INDEX ByColour ON PD (Colour); CREATE INDEX ByKey ON PD (DriveKey);"
+              "CREATE TRIGGER Paint AFTER UPDATE ON PD WHEN NEW.Colour = 'blue' BEGIN SELECT 1; END;");
+    EXPECT_EQ(DatabaseORM::insert(*m_Storage, makeDrive("S2")), 2);
+    Query("UPDATE PD SET Name = 'x'");
+    EXPECT_THAT(Query(NAMES_OF_ADDITIONS),
+                ElementsAre("index ByColour PD_version0", "index ByKey PD", "trigger Paint PD_version0"));
 }

@@ -31,10 +31,16 @@ protected:
 
     std::string Content() const { return m_Folder.Read("Numbers.txt"); }
 
-    /** Why a file with this content is refused. */
-    std::string RefusalOf(const std::string& content) const
+    /** What is told of a file with this content. */
+    std::string ToldOf(const std::string& content) const
     {
         m_Folder.Write("Numbers.txt", content);
+        return PI::restoreAdapterNumbers(m_File).value_or("nothing");
+    }
+
+    /** Why the file is refused. */
+    std::string Refusal() const
+    {
         try {
             PI::restoreAdapterNumbers(m_File);
         } catch (const std::runtime_error& wrong) {
@@ -68,7 +74,7 @@ TEST_F(AdapterNumbers, StayWithTheirLocations)
 
 TEST_F(AdapterNumbers, NewLocationsTakeTheLowestFreeNumber)
 {
-    EXPECT_EQ(RefusalOf("# comment\n\n5 0 1 0 0 localhost\n1 0 2 0 0 localhost\n"), "none");
+    EXPECT_EQ(ToldOf("# comment\n\n5 0 1 0 0 localhost\n1 0 2 0 0 localhost\n"), "nothing");
     EXPECT_EQ(NumberOf(1), 5);
     EXPECT_EQ(NumberOf(2), 1);
     EXPECT_EQ(NumberOf(7), 2);
@@ -89,7 +95,7 @@ TEST_F(AdapterNumbers, AreWrittenOneALine)
 TEST_F(AdapterNumbers, AreKeptWhateverTheProcessesLocale)
 {
     const TestSupport::CGroupingLocale locale("\3", ' ');
-    EXPECT_EQ(RefusalOf("1234 0 2 0 0 localhost\n"), "none");
+    EXPECT_EQ(ToldOf("1234 0 2 0 0 localhost\n"), "nothing");
     EXPECT_EQ(NumberOf(2), 1234);
     PI::storeAdapterNumbers(m_File);
     EXPECT_THAT(Content(), testing::EndsWith("\n1234 0 2 0 0 localhost\n"));
@@ -108,23 +114,53 @@ TEST_F(AdapterNumbers, AnUnchangedFileIsLeftAlone)
     EXPECT_NE(std::filesystem::last_write_time(m_File), then);
 }
 
-TEST_F(AdapterNumbers, ADamagedFileIsRefusedAndChangesNothing)
+TEST_F(AdapterNumbers, OfGoodLinesHoldBesideADamagedOne)
 {
-    EXPECT_EQ(NumberOf(42), 1);
     for (const char* line : {"x", "1", "1 0 1 0 localhost", "1 0 1 0 0", "1 0 1 0 0 ", "0 0 1 0 0 localhost",
                              "-1 0 1 0 0 localhost", "99999999999 0 1 0 0 localhost", "3 0 3 0 0 localhost",
-                             "4 0 2 0 0 localhost"})
-        EXPECT_THAT(RefusalOf("3 0 2 0 0 localhost\n" + std::string(line) + "\n"),
-                    HasSubstr("Numbers.txt is damaged in line 2"))
+                             "4 0 2 0 0 localhost"}) {
+        const std::string content =
+            "3 0 2 0 0 localhost\n" + std::string(line) + "\ny\n1 0 4 0 0 localhost\n";
+        EXPECT_EQ(ToldOf(content), m_File.string() + " is damaged in line 2. It was set aside as " +
+                                       m_File.string() + ".damaged, and its good lines hold")
             << line;
-    EXPECT_EQ(NumberOf(42), 1);
-    EXPECT_EQ(NumberOf(2), 2);
+        EXPECT_EQ(NumberOf(2), 3) << line;
+        EXPECT_EQ(NumberOf(4), 1) << line;
+        EXPECT_EQ(NumberOf(77), 2) << line;
+        PI::storeAdapterNumbers(m_File);
+        EXPECT_THAT(Content(),
+                    testing::EndsWith("\n3 0 2 0 0 localhost\n1 0 4 0 0 localhost\n2 0 77 0 0 localhost\n"));
+        EXPECT_EQ(PI::restoreAdapterNumbers(m_File), std::nullopt);
+        EXPECT_EQ(m_Folder.Read("Numbers.txt.damaged"), content);
+        std::filesystem::remove(m_File.string() + ".damaged");
+    }
 }
 
-TEST_F(AdapterNumbers, AFileThatCannotBeReadIsRefused)
+TEST_F(AdapterNumbers, ThatWereSetAsideAreNotOverwritten)
 {
+    for (const char* content : {"x\n", "y\n", "x\n"})
+        ToldOf(content);
+    EXPECT_EQ(m_Folder.Read("Numbers.txt.damaged"), "x\n");
+    EXPECT_EQ(m_Folder.Read("Numbers.txt.damaged2"), "y\n");
+    EXPECT_FALSE(std::filesystem::exists(m_File.string() + ".damaged3")) << "they are there already";
+}
+
+TEST_F(AdapterNumbers, AFileThatCannotBeReadIsRefusedAndLeftAlone)
+{
+    EXPECT_EQ(NumberOf(42), 1);
     std::filesystem::create_directory(m_File);
-    EXPECT_THROW(PI::restoreAdapterNumbers(m_File), std::runtime_error);
+    EXPECT_EQ(Refusal(), m_File.string() + " cannot be read");
+    EXPECT_EQ(NumberOf(42), 1);
+    EXPECT_EQ(NumberOf(2), 2);
+    // It can be read again, but these are not its numbers.
+    std::filesystem::remove(m_File);
+    m_Folder.Write("Numbers.txt", "5 0 2 0 0 localhost\n");
+    PI::storeAdapterNumbers(m_File);
+    EXPECT_EQ(Content(), "5 0 2 0 0 localhost\n");
+    EXPECT_EQ(PI::restoreAdapterNumbers(m_File), std::nullopt);
+    EXPECT_EQ(NumberOf(3), 1);
+    PI::storeAdapterNumbers(m_File);
+    EXPECT_THAT(Content(), HasSubstr("1 0 3 0 0 localhost\n"));
 }
 
 TEST_F(AdapterNumbers, AFolderThatIsMissingIsReported)

@@ -51,7 +51,7 @@ class Kept:
             self.assertEqual(run.code, 0, run.err)
             self.assertEqual({drive["serial"] for drive in stage.document(run)["drives"]},
                              {disk.serial for disk in disks})
-            self.assertNotIn("rows of these objects", run.err)
+            self.assertNotIn("rows of the drives", run.err)
             self.assertNotIn("numbers of the adapters", run.err)
 
     def test_rows(self):
@@ -109,5 +109,5 @@ class Unusable(unittest.TestCase):
         (machine.prefix.drive_c / "unusable" / "Ostrel.db").mkdir(parents=True)
         run = machine.ostrel("--data", "C:\\unusable", "list", "--json")
         self.assertEqual((run.code, len(stage.document(run)["drives"])), (0, len(DISKS)), run.err)
-        self.assertIn("The rows of these objects may not have been kept: database 'C:\\unusable\\Ostrel.db': "
+        self.assertIn("The rows of the drives may not have been kept: database 'C:\\unusable\\Ostrel.db': "
                       "unable to open database file", run.err)

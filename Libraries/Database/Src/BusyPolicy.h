@@ -12,8 +12,10 @@ namespace Database {
 class CBusyPolicy
 {
 public:
-    /** Waits a moment and returns true, or returns false at once: give up. */
-    bool Wait();
+    static constexpr std::uint64_t STEP = 10; ///< milliseconds between two attempts
+
+    /** Waits up to `longest` milliseconds and returns true, or returns false at once: give up. */
+    bool Wait(std::uint64_t longest = STEP);
 
 private:
     std::uint64_t m_Left = 0;       ///< milliseconds still to wait in this period

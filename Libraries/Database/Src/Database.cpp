@@ -1,5 +1,5 @@
 #include "Schema.h"
-#include "SqliteDatabase.h"
+#include "SharedDatabase.h"
 
 #include <Database/Database.h>
 
@@ -13,6 +13,7 @@ struct CSharedStorage
     std::mutex m_Lock;
     std::filesystem::path m_File;
     std::shared_ptr<DatabaseORM::storage_t> m_Storage;
+    std::shared_ptr<Database::CSqliteDatabase> m_Database; ///< what `m_Storage` was made with
 };
 
 CSharedStorage& sharedStorage()
@@ -30,6 +31,17 @@ std::filesystem::path absolutePath(const std::filesystem::path& file)
     return error ? file : absolute;
 }
 
+/** Makes the storage when there is none. */
+void make(CSharedStorage& shared)
+{
+    if (shared.m_Storage)
+        return;
+    auto storage = std::make_shared<DatabaseORM::storage_t>(Database::makeStorage());
+    shared.m_Database = std::make_shared<Database::CSqliteDatabase>(shared.m_File);
+    storage->m_Access = shared.m_Database;
+    shared.m_Storage = std::move(storage);
+}
+
 } // namespace
 
 void setDatabaseFile(const std::filesystem::path& file)
@@ -38,16 +50,21 @@ void setDatabaseFile(const std::filesystem::path& file)
     const std::lock_guard guard(shared.m_Lock);
     shared.m_File = absolutePath(file);
     shared.m_Storage.reset();
+    shared.m_Database.reset();
 }
 
 std::shared_ptr<DatabaseORM::storage_t> getDatabasePointer()
 {
     CSharedStorage& shared = sharedStorage();
     const std::lock_guard guard(shared.m_Lock);
-    if (!shared.m_Storage) {
-        auto storage = std::make_shared<DatabaseORM::storage_t>(Database::makeStorage());
-        storage->m_Access = std::make_shared<Database::CSqliteDatabase>(shared.m_File);
-        shared.m_Storage = std::move(storage);
-    }
+    make(shared);
     return shared.m_Storage;
+}
+
+std::shared_ptr<Database::CSqliteDatabase> Database::sharedDatabase()
+{
+    CSharedStorage& shared = sharedStorage();
+    const std::lock_guard guard(shared.m_Lock);
+    make(shared);
+    return shared.m_Database;
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace Database {
 
@@ -12,17 +13,36 @@ namespace {
 
 constexpr std::int32_t HIGHEST_IDENTIFIER = std::numeric_limits<std::int32_t>::max() / 2;
 
-std::string findBeyondText(const std::string& table)
+bool hasEnough(CSqliteConnection& connection, const std::string& table)
 {
-    return "SELECT ID FROM " + table + " WHERE ID > " + std::to_string(HIGHEST_IDENTIFIER) + " LIMIT 1";
+    return connection
+        .Run("SELECT ID FROM " + table + " WHERE ID NOT BETWEEN 1 AND " + std::to_string(HIGHEST_IDENTIFIER) +
+             " LIMIT 1")
+        .empty();
 }
 
-std::string renumberText(const std::string& table)
+void moveRow(CSqliteConnection& connection, const std::string& table, std::int64_t former, std::int64_t fresh)
 {
-    // Far below zero first, so that no new identifier meets a former one.
-    return "BEGIN IMMEDIATE; UPDATE " + table + " SET ID = ID - 1099511627776; UPDATE " + table +
-           " SET ID = Fresh FROM (SELECT ID AS Former, ROW_NUMBER() OVER (ORDER BY ID) AS Fresh FROM " +
-           table + ") WHERE ID = Former; COMMIT;";
+    connection.Run("UPDATE " + table + " SET ID = " + std::to_string(fresh) +
+                   " WHERE ID = " + std::to_string(former));
+}
+
+void numberFromOne(CSqliteConnection& connection, const std::string& table)
+{
+    connection.Run("BEGIN IMMEDIATE");
+    std::vector<std::int64_t> formers;
+    for (const std::string& text : connection.Run("SELECT ID FROM " + table + " ORDER BY ID"))
+        formers.push_back(std::stoll(text));
+    // Those that go up begin with the last, the others with the first. So no new identifier meets a former
+    // one.
+    const auto count = static_cast<std::int64_t>(formers.size());
+    for (std::int64_t fresh = count; fresh > 0; --fresh)
+        if (const std::int64_t former = formers[static_cast<std::size_t>(fresh - 1)]; former < fresh)
+            moveRow(connection, table, former, fresh);
+    for (std::int64_t fresh = 1; fresh <= count; ++fresh)
+        if (const std::int64_t former = formers[static_cast<std::size_t>(fresh - 1)]; former > fresh)
+            moveRow(connection, table, former, fresh);
+    connection.Run("COMMIT");
 }
 
 } // namespace
@@ -31,8 +51,8 @@ void renumber(CSqliteConnection& connection)
 {
     const DatabaseORM::storage_t storage = makeStorage();
     for (const auto& table : storage.m_Tables)
-        if (!connection.Run(findBeyondText(table->Name())).empty())
-            connection.Run(renumberText(table->Name()));
+        if (!hasEnough(connection, table->Name()))
+            numberFromOne(connection, table->Name());
 }
 
 } // namespace Database

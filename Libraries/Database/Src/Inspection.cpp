@@ -19,8 +19,9 @@ EDatabaseTables inspectDatabase(const std::filesystem::path& file)
         connection.Run("SELECT name FROM sqlite_master WHERE type = 'table'");
     if (tables.empty())
         return EDatabaseTables::None;
-    if (connection.Run("PRAGMA user_version").front() != std::to_string(Database::SCHEMA_VERSION))
-        return EDatabaseTables::Foreign;
+    const long long version = std::stoll(connection.Run("PRAGMA user_version").front());
+    if (version != Database::SCHEMA_VERSION)
+        return version > Database::SCHEMA_VERSION ? EDatabaseTables::Newer : EDatabaseTables::Foreign;
     const DatabaseORM::storage_t storage = Database::makeStorage();
     for (const auto& table : storage.m_Tables)
         if (std::find(tables.begin(), tables.end(), table->Name()) == tables.end())

@@ -1,3 +1,5 @@
+#include "SharedDatabase.h"
+
 #include <Database/Database.h>
 #include <Database/Maintenance.h>
 #include <DatabaseORM/DatabaseException.h>
@@ -29,12 +31,23 @@ void checkDatabase()
                                              (findings.empty() ? "no answer" : findings.front()));
 }
 
-void removeOtherObjects(const std::vector<std::int32_t>& adapterNumbers,
-                        const std::vector<std::string>& driveKeys)
+std::int64_t countDatabaseChanges()
+{
+    return Database::sharedDatabase()->Changes();
+}
+
+bool removeOtherObjects(const std::vector<std::int32_t>& adapterNumbers,
+                        const std::vector<std::string>& driveKeys, std::int64_t changes)
 {
     const auto quoted = [](const std::string& text) { return "'" + DatabaseORM::escapeQuotes(text) + "'"; };
     const auto decimal = [](std::int32_t number) { return std::to_string(number); };
-    getDatabasePointer()->m_Access->query("BEGIN IMMEDIATE;" +
-                                          deleteOthers("Adapter", "AdapterNumber", adapterNumbers, decimal) +
-                                          deleteOthers("PD", "DriveKey", driveKeys, quoted) + "COMMIT;");
+    return Database::sharedDatabase()->RunUnlessChanged(
+        "BEGIN IMMEDIATE;" + deleteOthers("Adapter", "AdapterNumber", adapterNumbers, decimal) +
+            deleteOthers("PD", "DriveKey", driveKeys, quoted) + "COMMIT;",
+        changes);
+}
+
+std::optional<std::string> takeDatabaseFailure()
+{
+    return Database::sharedDatabase()->TakeFailure();
 }

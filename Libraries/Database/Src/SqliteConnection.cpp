@@ -1,6 +1,10 @@
 #include "SqliteConnection.h"
 
+#include "FailureReason.h"
+#include "PatientVfs.h"
+
 #include <DatabaseORM/DatabaseException.h>
+#include <TLX/TrustedFile.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -62,6 +66,19 @@ std::string uriOf(const std::filesystem::path& file)
     return uri;
 }
 
+/** The file to which `file` leads, by a path without links, as SQLite is told to open it. */
+std::filesystem::path targetOf(const std::filesystem::path& file)
+{
+    if (file.empty())
+        return file;
+    const auto target = TLX::Misc::trustedTarget(file);
+    if (!target)
+        throw DBEXCEPTION::DatabaseException(nameOf(file) + ": it is a link that belongs to another user");
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::weakly_canonical(target->parent_path(), error);
+    return error ? *target : folder / target->filename();
+}
+
 int onBusy(void* policy, int)
 {
     return static_cast<CBusyPolicy*>(policy)->Wait() ? 1 : 0;
@@ -81,7 +98,7 @@ std::string columnText(sqlite3_stmt* statement, int column)
 } // namespace
 
 CSqliteConnection::CSqliteConnection(const std::filesystem::path& file, CBusyPolicy& busyPolicy)
-    : CSqliteConnection(nameOf(file), file.empty() ? ":memory:" : utf8(file),
+    : CSqliteConnection(file, file.empty() ? ":memory:" : utf8(targetOf(file)),
                         SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, busyPolicy)
 {}
 
@@ -89,17 +106,20 @@ CSqliteConnection CSqliteConnection::ToRead(const std::filesystem::path& file, C
 {
     // Who opens the file first makes two files beside it, also to read. Where they are missing nobody has it
     // open, so that it cannot change; where they are there, their content counts.
-    const bool isInUse = hasCompanion(file, "-wal") && hasCompanion(file, "-shm");
-    return {nameOf(file), uriOf(file) + (isInUse ? "" : "?immutable=1"),
-            SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, busyPolicy};
+    const std::filesystem::path target = targetOf(file);
+    const bool isInUse = hasCompanion(target, "-wal") && hasCompanion(target, "-shm");
+    return {file, uriOf(target) + (isInUse ? "" : "?immutable=1"), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI,
+            busyPolicy};
 }
 
-CSqliteConnection::CSqliteConnection(std::string name, const std::string& target, int flags,
+CSqliteConnection::CSqliteConnection(std::filesystem::path file, const std::string& target, int flags,
                                      CBusyPolicy& busyPolicy)
-    : m_Name(std::move(name))
+    : m_File(std::move(file)), m_BusyPolicy(&busyPolicy)
 {
+    const CPolicyInForce inForce(busyPolicy);
     sqlite3* connection = nullptr;
-    const int result = sqlite3_open_v2(target.c_str(), &connection, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int result = sqlite3_open_v2(target.c_str(), &connection,
+                                       flags | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_NOFOLLOW, patientVfs());
     m_Connection.reset(connection);
     if (result != SQLITE_OK)
         Fail();
@@ -111,6 +131,7 @@ std::vector<std::string> CSqliteConnection::Run(std::string_view sql)
     // SQLite would take the text to end there, and run half of it.
     if (sql.find('\0') != std::string_view::npos)
         Fail("the statement holds a zero byte");
+    const CPolicyInForce inForce(*m_BusyPolicy);
     std::vector<std::string> values;
     try {
         RunAll(sql, values);
@@ -120,6 +141,18 @@ std::vector<std::string> CSqliteConnection::Run(std::string_view sql)
         throw;
     }
     return values;
+}
+
+bool CSqliteConnection::Attempt(const std::string& sql)
+{
+    const CPolicyInForce inForce(*m_BusyPolicy);
+    const auto done = [this](const std::string& text) {
+        return sqlite3_exec(m_Connection.get(), text.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+    };
+    if (done("SAVEPOINT Attempt; " + sql))
+        return done("RELEASE Attempt");
+    done("ROLLBACK TO Attempt; RELEASE Attempt");
+    return false;
 }
 
 bool CSqliteConnection::HasMoved() const
@@ -200,12 +233,12 @@ void CSqliteConnection::Fail() const
     // Without a connection there was no memory for one.
     if (!m_Connection)
         throw std::bad_alloc();
-    Fail(sqlite3_errmsg(m_Connection.get()));
+    Fail(failureReason(m_Connection.get(), m_File));
 }
 
 void CSqliteConnection::Fail(const std::string& reason) const
 {
-    throw DBEXCEPTION::DatabaseException(m_Name + ": " + reason);
+    throw DBEXCEPTION::DatabaseException(nameOf(m_File) + ": " + reason);
 }
 
 } // namespace Database

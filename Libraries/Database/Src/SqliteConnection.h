@@ -6,6 +6,7 @@
 
 #include <sqlite3.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -18,7 +19,10 @@ namespace Database {
 class CSqliteConnection
 {
 public:
-    /** Opens `file`, or a database in memory when it is empty. `busyPolicy` outlives the connection. */
+    /**
+     * Opens `file`, or a database in memory when it is empty. `busyPolicy` outlives the connection. A link is
+     * followed when the superuser or this process's user owns it.
+     */
     CSqliteConnection(const std::filesystem::path& file, CBusyPolicy& busyPolicy);
 
     /** Opens `file` to be read, and makes no other file beside it. */
@@ -29,6 +33,12 @@ public:
      * is open.
      */
     std::vector<std::string> Run(std::string_view sql);
+
+    /** Runs `sql` within the open transaction, which goes on: the whole of it, or nothing when it fails. */
+    bool Attempt(const std::string& sql);
+
+    /** How many rows it has changed since it was opened. */
+    std::int64_t Changes() const { return sqlite3_total_changes(m_Connection.get()); }
 
     /**
      * Whether its path leads to another file by now, or to none. Costs a look at the path alone. Never so on
@@ -45,7 +55,8 @@ private:
         void operator()(sqlite3* connection) const { sqlite3_close(connection); }
     };
 
-    CSqliteConnection(std::string name, const std::string& target, int flags, CBusyPolicy& busyPolicy);
+    CSqliteConnection(std::filesystem::path file, const std::string& target, int flags,
+                      CBusyPolicy& busyPolicy);
     void RunAll(std::string_view sql, std::vector<std::string>& values);
     CStatement Prepare(std::string_view sql, const char** tail);
     /** The kept statement of a shape; null when SQLite does not understand it. */
@@ -55,7 +66,8 @@ private:
     void Step(sqlite3_stmt* statement, std::vector<std::string>& values);
     [[noreturn]] void Fail() const;
 
-    std::string m_Name; ///< for messages
+    std::filesystem::path m_File; ///< for messages
+    CBusyPolicy* m_BusyPolicy;    ///< never null
     std::unique_ptr<sqlite3, CClose> m_Connection;
     CStatementCache m_Kept; // behind the connection, for it goes first
 };

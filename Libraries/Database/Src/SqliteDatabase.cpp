@@ -5,6 +5,7 @@
 
 #include <DatabaseORM/DatabaseException.h>
 
+#include <exception>
 #include <utility>
 
 namespace Database {
@@ -20,6 +21,7 @@ constexpr const char* SETTINGS = "PRAGMA recursive_triggers = ON;"
 CSqliteConnection open(const std::filesystem::path& file, CBusyPolicy& busyPolicy)
 {
     CSqliteConnection connection(file, busyPolicy);
+    refuseNewer(connection);
     connection.Run(SETTINGS);
     migrate(connection);
     renumber(connection);
@@ -30,14 +32,46 @@ CSqliteConnection open(const std::filesystem::path& file, CBusyPolicy& busyPolic
 
 CSqliteDatabase::CSqliteDatabase(std::filesystem::path file) : m_File(std::move(file)) {}
 
-std::vector<std::string> CSqliteDatabase::query(const std::string& sql)
+template<class Work>
+auto CSqliteDatabase::WithConnection(Work work)
 {
     const std::lock_guard guard(m_Lock);
-    if (m_Connection && m_Connection->HasMoved())
-        LeaveMovedFile();
-    if (!m_Connection)
-        m_Connection.emplace(open(m_File, m_BusyPolicy));
-    return m_Connection->Run(sql);
+    try {
+        if (m_Connection && m_Connection->HasMoved())
+            LeaveMovedFile();
+        if (!m_Connection)
+            m_Connection.emplace(open(m_File, m_BusyPolicy));
+        return work(*m_Connection);
+    } catch (const std::exception& exception) {
+        m_Failure = exception.what();
+        throw;
+    }
+}
+
+std::vector<std::string> CSqliteDatabase::query(const std::string& sql)
+{
+    return WithConnection([&sql](CSqliteConnection& connection) { return connection.Run(sql); });
+}
+
+std::int64_t CSqliteDatabase::Changes()
+{
+    return WithConnection([](const CSqliteConnection& connection) { return connection.Changes(); });
+}
+
+bool CSqliteDatabase::RunUnlessChanged(const std::string& sql, std::int64_t changes)
+{
+    return WithConnection([&sql, changes](CSqliteConnection& connection) {
+        if (connection.Changes() != changes)
+            return false;
+        connection.Run(sql);
+        return true;
+    });
+}
+
+std::optional<std::string> CSqliteDatabase::TakeFailure()
+{
+    const std::lock_guard guard(m_Lock);
+    return std::exchange(m_Failure, std::nullopt);
 }
 
 void CSqliteDatabase::LeaveMovedFile()

@@ -5,6 +5,7 @@
 
 #include <DatabaseORM/DatabaseDAO.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <mutex>
 #include <optional>
@@ -25,7 +26,19 @@ public:
 
     std::vector<std::string> query(const std::string& sql) override;
 
+    /** How many rows all queries have changed since the file was opened. */
+    std::int64_t Changes();
+
+    /** Runs `sql` and returns true, or returns false when `Changes()` is not `changes` any more. */
+    bool RunUnlessChanged(const std::string& sql, std::int64_t changes);
+
+    /** The message of the last query that failed since this was called last. */
+    std::optional<std::string> TakeFailure();
+
 private:
+    /** Does `work` with the open connection; keeps what it fails of. */
+    template<class Work>
+    auto WithConnection(Work work);
     /** What would be written to a file without a name is lost. */
     void LeaveMovedFile();
 
@@ -33,6 +46,7 @@ private:
     std::mutex m_Lock; ///< guards all that follows: a storage is shared by plug-ins with threads of their own
     CBusyPolicy m_BusyPolicy;
     std::optional<CSqliteConnection> m_Connection;
+    std::optional<std::string> m_Failure;
 };
 
 } // namespace Database

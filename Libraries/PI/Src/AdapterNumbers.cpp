@@ -2,12 +2,11 @@
 #include "ReplaceFile.h"
 
 #include <PI/AdapterNumbers.h>
+#include <TLX/TrustedFile.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <locale>
-#include <optional>
+#include <mutex>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -20,12 +19,18 @@ namespace {
 constexpr char HEADING[] =
     "# The numbers of this host's adapters: number, PCI segment, bus, device, function, host.\n";
 
-/** Nothing when the file cannot be read. */
-std::optional<std::string> contentOf(const std::filesystem::path& file)
+/** The file that could not be restored, which must not be written then; empty when there is none. */
+struct CLeftAlone
 {
-    std::ifstream stream(file, std::ios::binary);
-    std::string content{std::istreambuf_iterator<char>(stream), {}};
-    return stream ? std::optional(std::move(content)) : std::nullopt;
+    std::mutex m_Lock;
+    std::filesystem::path m_File;
+};
+
+CLeftAlone& leftAlone()
+{
+    // Never destroyed, like the numbers themselves.
+    static CLeftAlone& instance = *new CLeftAlone;
+    return instance;
 }
 
 /** False for a line that names no number and location, or one of them for the second time. */
@@ -63,30 +68,85 @@ std::string textOf(const AdapterNumbers& numbers)
     return text.str();
 }
 
+struct CReadNumbers
+{
+    AdapterNumbers m_Numbers;
+    int m_FirstDamaged = 0; ///< its line; 0: none
+};
+
+CReadNumbers read(const std::string& content)
+{
+    CReadNumbers result;
+    std::istringstream lines(content);
+    std::string line;
+    for (int number = 1; std::getline(lines, line); ++number)
+        if (!line.empty() && line.front() != '#' && !addLine(line, result.m_Numbers) &&
+            result.m_FirstDamaged == 0)
+            result.m_FirstDamaged = number;
+    return result;
+}
+
+/** Copies the file, which has this content, to a name beside it that is free; returns that name. */
+std::optional<std::filesystem::path> setAside(const std::filesystem::path& file, const std::string& content)
+{
+    constexpr int MOST_NAMES = 1000;
+    const auto target = TLX::Misc::trustedTarget(file);
+    for (int number = 1; target && number <= MOST_NAMES; ++number) {
+        std::filesystem::path name = *target;
+        name += number == 1 ? ".damaged" : ".damaged" + std::to_string(number);
+        // An earlier run may have set it aside, and then failed to write.
+        if (TLX::Misc::readTrustedFile(name) == content)
+            return name;
+        std::error_code error;
+        if (std::filesystem::copy_file(*target, name, error))
+            return name;
+        if (error != std::errc::file_exists)
+            break;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> restore(const std::filesystem::path& file)
+{
+    std::error_code error;
+    if (!std::filesystem::exists(file, error) && !error) {
+        CAdapterRegistry::Instance().Replace({});
+        return std::nullopt;
+    }
+    if (!TLX::Misc::trustedTarget(file))
+        throw std::runtime_error(file.string() + " is a link that belongs to another user");
+    const auto content = TLX::Misc::readTrustedFile(file);
+    if (!content)
+        throw std::runtime_error(file.string() + " cannot be read");
+    CReadNumbers found = read(*content);
+    CAdapterRegistry::Instance().Replace(std::move(found.m_Numbers));
+    if (found.m_FirstDamaged == 0)
+        return std::nullopt;
+    const std::string damage = file.string() + " is damaged in line " + std::to_string(found.m_FirstDamaged);
+    const auto name = setAside(file, *content);
+    if (!name)
+        throw std::runtime_error(damage + " and cannot be set aside");
+    return damage + ". It was set aside as " + name->string() + ", and its good lines hold";
+}
+
 } // namespace
 
-void restoreAdapterNumbers(const std::filesystem::path& file)
+std::optional<std::string> restoreAdapterNumbers(const std::filesystem::path& file)
 {
-    AdapterNumbers numbers;
-    std::error_code error;
-    const bool there = std::filesystem::exists(file, error);
-    if (there || error) {
-        const std::optional<std::string> content = contentOf(file);
-        if (!content)
-            throw std::runtime_error(file.string() + " cannot be read");
-        std::istringstream lines(*content);
-        std::string line;
-        for (int number = 1; std::getline(lines, line); ++number)
-            if (!line.empty() && line.front() != '#' && !addLine(line, numbers))
-                throw std::runtime_error(file.string() + " is damaged in line " + std::to_string(number));
-    }
-    CAdapterRegistry::Instance().Replace(std::move(numbers));
+    const std::lock_guard guard(leftAlone().m_Lock);
+    leftAlone().m_File = file;
+    std::optional<std::string> damage = restore(file);
+    leftAlone().m_File.clear();
+    return damage;
 }
 
 void storeAdapterNumbers(const std::filesystem::path& file)
 {
+    const std::lock_guard guard(leftAlone().m_Lock);
+    if (file == leftAlone().m_File)
+        return;
     const std::string text = textOf(CAdapterRegistry::Instance().Numbers());
-    if (contentOf(file) != text && !replaceFile(file, text))
+    if (TLX::Misc::readTrustedFile(file) != text && !replaceFile(file, text))
         throw std::runtime_error(file.string() + " cannot be written");
 }
 

@@ -1,5 +1,7 @@
 #include "ReplaceFile.h"
 
+#include <TLX/TrustedFile.h>
+
 #include <cerrno>
 #include <string>
 
@@ -49,7 +51,9 @@ public:
     {
         struct stat former
         {};
-        const mode_t mode = stat(target.c_str(), &former) == 0 ? former.st_mode & ALLPERMS : NEW_FILE_MODE;
+        const mode_t mode = lstat(target.c_str(), &former) == 0 && S_ISREG(former.st_mode)
+                                ? former.st_mode & ALLPERMS
+                                : NEW_FILE_MODE;
         m_Kept = fchmod(m_Descriptor, mode) == 0 && rename(m_Name.c_str(), target.c_str()) == 0;
         return m_Kept;
     }
@@ -76,14 +80,14 @@ void flushFolder(const std::filesystem::path& folder)
 bool replaceFile(const std::filesystem::path& path, std::string_view content)
 {
     // What a link points to is replaced, not the link.
-    std::error_code unresolved;
-    const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, unresolved);
-    const std::filesystem::path& target = unresolved ? path : resolved;
-
-    CTemporaryFile file(target);
-    if (!file.Valid() || !file.Write(content) || !file.TakePlaceOf(target))
+    const auto target = TLX::Misc::trustedTarget(path);
+    if (!target)
         return false;
-    flushFolder(target.parent_path());
+
+    CTemporaryFile file(*target);
+    if (!file.Valid() || !file.Write(content) || !file.TakePlaceOf(*target))
+        return false;
+    flushFolder(target->parent_path());
     return true;
 }
 

@@ -29,7 +29,8 @@ constexpr perms READ_ONLY_FILE = perms::owner_read | perms::group_read | perms::
 TEST_F(ProcessFault, AReadOnlyFolder)
 {
     std::filesystem::permissions(Folder(), READ_ONLY_FOLDER);
-    EXPECT_THAT(InsertErrorOfAnOrdinaryUser(), HasSubstr("unable to open database file"));
+    EXPECT_THAT(InsertErrorOfAnOrdinaryUser(),
+                HasSubstr("unable to open database file (no file can be made in its folder)"));
     std::filesystem::permissions(Folder(), perms::owner_all);
 }
 
@@ -49,6 +50,17 @@ TEST_F(ProcessFault, AReadOnlyFile)
     std::filesystem::permissions(Folder(), perms::all);
     std::filesystem::permissions(File(), READ_ONLY_FILE);
     EXPECT_THAT(InsertErrorOfAnOrdinaryUser(), HasSubstr("attempt to write a readonly database"));
+}
+
+TEST_F(ProcessFault, AReadOnlyFolderIntoWhichTheLogDoesNotGo)
+{
+    Query("PRAGMA journal_mode = DELETE");
+    Reopen();
+    std::filesystem::permissions(Folder(), READ_ONLY_FOLDER);
+    std::filesystem::permissions(File(), READ_ONLY_FILE | perms::others_write);
+    EXPECT_THAT(InsertErrorOfAnOrdinaryUser(),
+                HasSubstr("attempt to write a readonly database (no file can be made in its folder)"));
+    std::filesystem::permissions(Folder(), perms::owner_all);
 }
 
 TEST_F(ProcessFault, AProcessKilledInTheMiddleOfInsertsLeavesASoundDatabase)

@@ -90,7 +90,7 @@ TEST_F(KeptData, ADatabaseThatCannotBeUsedCostsAWarningAlone)
     EXPECT_EQ(result.m_ExitCode, 0);
     EXPECT_THAT(result.m_Output, HasSubstr("S1"));
     EXPECT_THAT(result.m_Errors,
-                AllOf(HasSubstr("ostrel: The rows of these objects may not have been kept: "),
+                AllOf(HasSubstr("ostrel: The rows of the drives may not have been kept: "),
                       HasSubstr(File().string()), HasSubstr("unable to open database file")));
 }
 
@@ -104,7 +104,7 @@ TEST_F(KeptData, DoctorNamesADatabaseThatCannotBeUsed)
     const ProgramResult broken = Run("doctor", fleet);
     EXPECT_EQ(broken.m_ExitCode, 1);
     EXPECT_THAT(broken.m_Output, AllOf(HasSubstr("PROBLEM  database: database '" + File().string() +
-                                                 "': unable to open database file -> "),
+                                                 "': unable to open database file (Is a directory) -> "),
                                        HasSubstr("OK       inventory: 1 adapter, 3 objects")));
 }
 

@@ -272,4 +272,59 @@ TEST_F(WatchProgram, KeepsTheDataFolderToItself)
     EXPECT_EQ(runProgram(arguments({"--for", "0"})).m_ExitCode, 0);
 }
 
+TEST_F(WatchProgram, DropsTheRowsOfDrivesThatWent)
+{
+    fleet({{1, "A"}, {2, "B"}});
+    RunningProgram program(arguments({"--json"}));
+    awaitInventory(program);
+    // Who lost its adapter's row keeps its own: the trigger has nothing to go by.
+    query("DELETE FROM Adapter WHERE SerialNumber = 'B';"
+          "INSERT INTO PD (HostName, DriveKey) VALUES ('localhost', 'B'), ('localhost', 'GHOST')");
+    fleet({{1, "A"}});
+    nextEvent(program);
+    EXPECT_THAT(query("SELECT SerialNumber FROM Adapter; SELECT DriveKey FROM PD"), ElementsAre("A", "A"));
+    program.send(SIGTERM);
+    program.finish();
+}
+
+TEST_F(WatchProgram, LeavesNoGhostsOfDrivesThatDifferInSegmentAlone)
+{
+    const auto drives = [this](const std::vector<std::pair<std::string, std::string>>& places) {
+        json fleet = {{"controllers", json::array()}};
+        for (const auto& [segment, serial] : places)
+            fleet["controllers"].push_back(
+                {{"location", segment + ":01:00.0"},
+                 {"identify", {{"vendorId", 1}, {"model", "M"}, {"serial", serial}}},
+                 {"namespace", {{"blocks", 2048}}},
+                 {"health", {{"temperature", 20}}}});
+        std::filesystem::rename(m_Fleet.Write("next", fleet.dump()), m_Fleet.Path() / "fleet.json");
+    };
+    drives({{"0000", "A"}, {"0001", "B"}, {"0002", "C"}});
+    RunningProgram program(arguments({"--json"}));
+    awaitInventory(program);
+    drives({{"0000", "A"}, {"0002", "D"}});
+    nextEvent(program);
+    EXPECT_THAT(query("SELECT DriveKey FROM PD WHERE DriveKey NOT IN ('A', 'D')"), IsEmpty());
+    program.send(SIGTERM);
+    program.finish();
+}
+
+TEST_F(WatchProgram, TellsOnceThatRowsAreNotKept)
+{
+    fleet({{1, "A"}});
+    RunningProgram program(arguments());
+    awaitInventory(program);
+    // No event goes with it.
+    query(
+        "CREATE TRIGGER Refuse BEFORE UPDATE ON Plugin BEGIN SELECT RAISE(ABORT, 'refused by a test'); END");
+    program.awaitMessage("The rows of the drives may not have been kept: ");
+    program.awaitMessage("refused by a test");
+    fleet({{1, "A"}, {2, "B"}});
+    program.awaitResult("\n");
+    program.send(SIGTERM);
+    const ProgramResult result = program.finish();
+    const std::string::size_type first = result.m_Errors.find("refused by a test");
+    EXPECT_EQ(result.m_Errors.find("refused by a test", first + 1), std::string::npos) << result.m_Errors;
+}
+
 } // namespace

@@ -8,6 +8,7 @@
 #include <Database/Database.h>
 #include <DatabaseORM/Models.h>
 #include <DatabaseORM/StatementBuilder.h>
+#include <PI/AdapterNumbers.h>
 
 #include <fstream>
 #include <optional>
@@ -150,11 +151,28 @@ TEST_F(DataFolder, ForgesNoLineOfARefusal)
     }
 }
 
-TEST_F(DataFolder, WarnsOfNumbersThatMakeNoSense)
+TEST_F(DataFolder, WarnsOfNumbersThatMakeNoSenseAndSetsThemAside)
 {
-    m_Folder.Write("AdapterNumbers.txt", "nonsense\n");
+    m_Folder.Write("AdapterNumbers.txt", "7 0 9 0 0 localhost\nnonsense\n");
     Open(m_Folder.Path());
-    EXPECT_THAT(m_Warnings, ElementsAre(testing::AllOf(HasSubstr("numbered anew"), HasSubstr("line 1"))));
+    EXPECT_THAT(m_Warnings, ElementsAre(testing::AllOf(HasSubstr("may get new numbers"), HasSubstr("line 2"),
+                                                       HasSubstr("AdapterNumbers.txt.damaged"))));
+    Keep(m_Folder.Path(), topologyOf({}));
+    EXPECT_THAT(m_Folder.Read("AdapterNumbers.txt"), testing::EndsWith("host.\n7 0 9 0 0 localhost\n"));
+    EXPECT_THAT(m_Folder.Read("AdapterNumbers.txt.damaged"), HasSubstr("nonsense"));
+}
+
+TEST_F(DataFolder, WarnsOfNumbersThatCannotBeReadAndLeavesThem)
+{
+    std::filesystem::create_directory(m_Folder.Path() / "AdapterNumbers.txt");
+    Open(m_Folder.Path());
+    EXPECT_THAT(m_Warnings,
+                ElementsAre(testing::AllOf(HasSubstr("AdapterNumbers.txt cannot be read"),
+                                           HasSubstr("other numbers in this run, which are not kept"))));
+    std::filesystem::remove(m_Folder.Path() / "AdapterNumbers.txt");
+    Keep(m_Folder.Path(), topologyOf({}));
+    EXPECT_FALSE(std::filesystem::exists(m_Folder.Path() / "AdapterNumbers.txt"));
+    PI::restoreAdapterNumbers(m_Folder.Path() / "missing");
 }
 
 TEST_F(DataFolder, LosesTheRowsOfWhatIsGone)

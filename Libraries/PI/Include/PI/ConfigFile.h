@@ -13,7 +13,8 @@ namespace PI {
  * A settings file of "key=value" lines in the host's configuration folder. Lines that begin with ';' or '#'
  * are comments, "[...]" a section heading that this reader passes over; blanks around the key are dropped,
  * those after the '=' belong to the value, but for a carriage return at the end. The first line of a key
- * counts.
+ * counts. A link in the file's place is followed when it belongs to the superuser or to this process's user;
+ * over any other link the file can be neither read nor written.
  */
 class PI_EXPORT CConfigFile
 {

@@ -1,0 +1,69 @@
+#include "Plugins/KeptRows.h"
+
+#include "Base/Text.h"
+
+#include <Database/Maintenance.h>
+#include <DatabaseORM/DatabaseException.h>
+#include <TLX/Clock.h>
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace Host {
+namespace {
+
+constexpr std::uint64_t HOUR = 3'600'000; ///< milliseconds
+
+/** Null for what is no adapter. */
+const std::uint64_t* adapterNumber(const PI::CObject& object)
+{
+    const PI::CProperty* property = findProperty(object, PI::PROP_ADAPTER_NUMBER);
+    return object.m_Type == PI::TYPE_ADAPTER && property != nullptr
+               ? std::get_if<std::uint64_t>(&property->GetValue())
+               : nullptr;
+}
+
+/** Returns false when rows were written since `changes` were counted. */
+bool removeRowsOfOthers(const ObjectStore& inventory, std::int64_t changes)
+{
+    std::vector<std::int32_t> numbers;
+    std::vector<std::string> serials;
+    for (const PI::CObject& object : inventory.objects()) {
+        if (object.m_Type == PI::TYPE_PHYSICAL_DRIVE)
+            serials.push_back(textOf(object, PI::PROP_SERIAL_NUMBER));
+        else if (const std::uint64_t* number = adapterNumber(object))
+            numbers.push_back(static_cast<std::int32_t>(*number));
+    }
+    return removeOtherObjects(numbers, serials, changes);
+}
+
+} // namespace
+
+KeptRows::KeptRows(std::function<void(const std::string&)> warn) : m_Warn(std::move(warn)) {}
+
+void KeptRows::cleanUp(const std::function<ObjectStore()>& look)
+{
+    constexpr int attempts = 5;
+    try {
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            const std::int64_t changes = countDatabaseChanges();
+            if (removeRowsOfOthers(look(), changes))
+                break;
+        }
+    } catch (const DBEXCEPTION::DatabaseException&) {
+        // The database keeps it as its last failure.
+    }
+    tellFailure();
+}
+
+void KeptRows::tellFailure()
+{
+    const std::uint64_t now = TLX::Misc::monotonic();
+    std::erase_if(m_Told, [now](const auto& told) { return now - told.second >= HOUR; });
+    const std::optional<std::string> failure = takeDatabaseFailure();
+    if (failure && m_Told.insert_or_assign(*failure, now).second)
+        m_Warn("The rows of the drives may not have been kept: " + printable(*failure) + ".");
+}
+
+} // namespace Host

@@ -1,0 +1,76 @@
+#include <TLX/Linux/Descriptor.h>
+#include <TLX/TrustedFile.h>
+
+#include <climits>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace TLX::Misc {
+namespace {
+
+/** Where the open link leads; nothing when it cannot be told. */
+std::optional<std::filesystem::path> contentOf(const Linux::CDescriptor& link)
+{
+    char text[PATH_MAX];
+    const ssize_t size = readlinkat(link.Get(), "", text, sizeof text);
+    if (size <= 0 || size == static_cast<ssize_t>(sizeof text))
+        return std::nullopt;
+    return std::filesystem::path(text, text + size);
+}
+
+bool isTrusted(uid_t owner)
+{
+    return owner == 0 || owner == geteuid();
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> trustedTarget(const std::filesystem::path& path)
+{
+    constexpr int MOST_LINKS = 40; // the kernel's own limit
+    std::filesystem::path target = path;
+    for (int followed = 0; followed <= MOST_LINKS; ++followed) {
+        // Owner and content are those of one link, also when another takes its place meanwhile.
+        const Linux::CDescriptor entry(open(target.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+        struct stat status
+        {};
+        if (!entry.Valid() || fstat(entry.Get(), &status) != 0 || !S_ISLNK(status.st_mode))
+            return target;
+        const auto next = isTrusted(status.st_uid) ? contentOf(entry) : std::nullopt;
+        if (!next)
+            return std::nullopt;
+        target = target.parent_path() / *next;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> readTrustedFile(const std::filesystem::path& path)
+{
+    const auto target = trustedTarget(path);
+    if (!target)
+        return std::nullopt;
+    // A link that took the target's place meanwhile is not followed.
+    const Linux::CDescriptor file(
+        open(target->c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status
+    {};
+    if (!file.Valid() || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    std::string text;
+    char chunk[1U << 14U];
+    for (;;) {
+        const ssize_t size = read(file.Get(), chunk, sizeof chunk);
+        if (size == 0)
+            return text;
+        if (size < 0 && errno != EINTR)
+            return std::nullopt;
+        if (size > 0)
+            text.append(chunk, static_cast<std::size_t>(size));
+    }
+}
+
+} // namespace TLX::Misc
