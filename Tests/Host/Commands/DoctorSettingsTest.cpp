@@ -122,8 +122,12 @@ TEST_F(CheckKeptRows, ReadsBesideWhoeverWrites)
 
 TEST_F(CheckKeptRows, KnowsTablesOfAnotherReleaseAndEmptyFiles)
 {
-    make("PRAGMA user_version = 4711");
+    make("PRAGMA user_version = 1");
     EXPECT_THAT(checkKeptRows(file()), finding(Finding::Note, "tables of another release"));
+    std::filesystem::remove(file());
+    make("PRAGMA user_version = 4711");
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "tables of a newer release"));
+    std::filesystem::remove(file());
     std::ofstream(file(), std::ios::trunc).close();
     EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "is empty"));
 }
