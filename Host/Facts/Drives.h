@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Facts/Measured.h"
 #include "Plugins/ObjectStore.h"
 
 #include <PI/Property.h>
@@ -25,6 +26,9 @@ struct Health
     std::string m_Text;
 };
 
+/** What is said of a health that nobody knows. */
+inline constexpr char UNKNOWN_HEALTH[] = "Unknown";
+
 /** A measured amount. */
 struct Amount
 {
@@ -33,6 +37,9 @@ struct Amount
 
     friend bool operator==(const Amount&, const Amount&) = default;
 };
+
+/** In bytes; none for a unit that is no amount of data. */
+std::optional<double> bytesOf(const Amount& amount);
 
 /** An adapter and the drive behind it, as one line of `list`. Empty: the plug-in does not report it. */
 struct Drive
@@ -46,7 +53,8 @@ struct Drive
     std::string m_Serial;
     std::string m_Firmware;
     std::string m_Location;
-    std::string m_PciAddress;
+    std::string m_PciAddress; ///< where the drive really is; `m_Location` is the plug-in's word
+    ShownPlace m_Place = ShownPlace::Real;
     std::string m_Driver;
     std::string m_DriverVersion;
     std::optional<std::uint64_t> m_CapacityMiB;
@@ -54,6 +62,7 @@ struct Drive
     std::optional<float> m_Temperature; ///< degrees Celsius
     std::optional<std::int32_t> m_Wear; ///< percent; above 100 past the rating
     std::optional<Health> m_Health;
+    std::optional<bool> m_HealthLogRead; ///< none: the plug-in shows nothing from such a log
     std::vector<CodeText> m_Reasons;
     std::optional<std::int32_t> m_Spare;
     std::optional<std::int32_t> m_SpareThreshold;

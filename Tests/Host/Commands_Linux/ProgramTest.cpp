@@ -74,7 +74,7 @@ TEST(Program, ShowsTheTopologyAsJson)
     EXPECT_EQ(objects[0]["id"], "0x0139000000000000");
     EXPECT_EQ(objects[0]["type"], 19006);
     EXPECT_EQ(objects[0]["children"].size(), 7U);
-    EXPECT_EQ(objects[0]["operations"], json::parse(R"([{"id": 50002}])"));
+    EXPECT_EQ(objects[0]["operations"], json::parse(R"([{"id": 50002, "name": "Collect events"}])"));
     EXPECT_EQ(objects[1]["type"], 19038);
     EXPECT_EQ(objects[1]["parents"], json::parse(R"(["0x0139000000000000"])"));
     EXPECT_EQ(objects[8]["type"], 19018);
