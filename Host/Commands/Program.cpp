@@ -135,8 +135,9 @@ private:
         const ObjectStore store = watched.objects();
         const Options& options = m_Session.m_Options;
         const NamedProperty named = namedProperty(objectsNamed(store), options.m_Property.value_or(""));
-        const PI::CProperty property = setProperty(watched.plugins().showing(named.m_Object.m_ID),
-                                                   named.m_Object, named.m_Property, options.m_Value);
+        const PI::CProperty property =
+            setProperty(watched.plugins().showing(named.m_Object.m_ID), named.m_Object, named.m_Property,
+                        options.m_Value, settingsFile(m_Session.m_Folders.m_Data));
         if (wantsJson())
             print(Json{{"property", propertyJson(property)}});
         else
