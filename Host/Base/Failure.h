@@ -15,6 +15,7 @@ enum class ExitCode : int
     WrongUsage = 2,
     NoHardware = 3,
     NoPermission = 4,
+    NoSuchObject = 5,
 };
 
 /** A request that a plug-in refused. */

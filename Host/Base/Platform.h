@@ -27,6 +27,7 @@ std::filesystem::path defaultDataFolder();
 enum class Access
 {
     Read,
+    Write,
     AddFile,   ///< to this folder
     AddFolder, ///< to this folder
 };

@@ -36,7 +36,7 @@ std::filesystem::path defaultDataFolder()
 
 std::error_code accessError(const std::filesystem::path& path, Access access)
 {
-    const int mode = access == Access::Read ? R_OK : W_OK | X_OK;
+    const int mode = access == Access::Read ? R_OK : access == Access::Write ? W_OK : W_OK | X_OK;
     return faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0
                ? std::error_code()
                : std::error_code(errno, std::generic_category());

@@ -83,6 +83,7 @@ std::filesystem::path defaultDataFolder()
 std::error_code accessError(const std::filesystem::path& path, Access access)
 {
     const DWORD right = access == Access::Read      ? GENERIC_READ
+                        : access == Access::Write   ? GENERIC_WRITE
                         : access == Access::AddFile ? FILE_ADD_FILE
                                                     : FILE_ADD_SUBDIRECTORY;
     // The flag is what lets folders be opened.

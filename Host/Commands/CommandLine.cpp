@@ -228,7 +228,7 @@ private:
             return "There is no option \"" + unknown.front() + "\"";
         }
         if (m_App.get_subcommands().empty())
-            return unknown.empty() ? "A command is missing"
+            return unknown.empty() ? "A command is missing" + swallowedCommand()
                                    : "There is no command \"" + unknown.front() + "\"";
         if (!unknown.empty())
             return "\"" + unknown.front() + "\" is one word too many";
@@ -237,6 +237,17 @@ private:
             return text;
         return text.substr(0, text.find(':')) +
                (text.ends_with("missing") ? " needs a value" : " may be given once");
+    }
+
+    /** Where a command went when the value of an option was forgotten. */
+    std::string swallowedCommand() const
+    {
+        for (const CLI::Option* option : m_App.get_options())
+            for (const std::string& value : option->results())
+                for (const CLI::App* command : m_App.get_subcommands(nullptr))
+                    if (command->get_name() == value)
+                        return ": \"" + value + "\" was taken for the value of " + option->get_name();
+        return {};
     }
 
     /** The command that has this option for itself; null when none has. */

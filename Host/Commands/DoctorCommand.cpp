@@ -72,14 +72,14 @@ void checkRequests(PluginSet& plugins, const std::vector<TLXX::CControllerState>
 {
     try {
         const Progress progress = signOfLife(states, session);
-        const ObjectStore store(plugins.inventory());
+        const ObjectStore store(plugins.inventory(), states);
         const auto adapters =
             std::count_if(store.objects().begin(), store.objects().end(),
                           [](const PI::CObject& object) { return object.m_Type == PI::TYPE_ADAPTER; });
         checks.push_back(ok("inventory", counted(static_cast<std::size_t>(adapters), "adapter") + ", " +
                                              counted(store.objects().size(), "object")));
         append(checks, checkVersions(store));
-        append(checks, checkInventory(states, store));
+        append(checks, checkInventory(store));
     } catch (const Failure& failure) {
         checks.push_back(problem(failure.exitCode(), "inventory", failure.what(),
                                  "See the other lines; --trace 31 shows each step."));

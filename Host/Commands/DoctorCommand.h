@@ -72,9 +72,11 @@ std::vector<Check> checkControllers(const std::vector<TLXX::CControllerState>& s
 std::vector<Check> checkAnyDisk(const std::vector<TLXX::CControllerState>& states, bool anyUnserved,
                                 const SimulatedFleet* fleet);
 
-/** Whether every disk became an adapter, at its own place, and what its drive left unanswered. */
-std::vector<Check> checkInventory(const std::vector<TLXX::CControllerState>& states,
-                                  const ObjectStore& store);
+/**
+ * Whether every disk of the store's controllers became an adapter, at its own place, what its drive left
+ * unanswered, and which drives are not to be told apart.
+ */
+std::vector<Check> checkInventory(const ObjectStore& store);
 
 /** Which disks may have made the plug-in refuse a request of the inventory. */
 std::vector<Check> checkRefusal(const std::vector<TLXX::CControllerState>& states,

@@ -2,12 +2,12 @@
 #include "Commands/DoctorCommand.h"
 #include "Drives/DeviceAccess.h"
 #include "Facts/Drives.h"
-#include "Plugins/AdapterIdentities.h"
 
 #include <PI/ErrorCode.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <algorithm>
+#include <map>
 
 namespace Host::Cli {
 namespace {
@@ -38,21 +38,11 @@ Check checkController(const TLXX::CControllerState& state)
                                 (state.m_State.empty() ? "" : ", " + state.m_State));
 }
 
-/** The path by which the drive was asked; plug-ins may show it shortened. */
-std::string askedPath(const std::vector<TLXX::CControllerState>& states, const std::string& shown)
-{
-    const auto found = std::find_if(states.begin(), states.end(), [&](const TLXX::CControllerState& state) {
-        return shortDeviceName(state.m_DeviceName) == shortDeviceName(shown);
-    });
-    return found == states.end() ? shown : found->m_DeviceName;
-}
-
-const PI::CObject* adapterOf(const ObjectStore& store, const std::string& device)
+const PI::CObject* adapterWith(const ObjectStore& store, const TLXX::CControllerState& state)
 {
     const auto found =
         std::find_if(store.objects().begin(), store.objects().end(), [&](const PI::CObject& object) {
-            return object.m_Type == PI::TYPE_ADAPTER &&
-                   shortDeviceName(textOf(object, PI::PROP_DEVICE_NAME)) == shortDeviceName(device);
+            return object.m_Type == PI::TYPE_ADAPTER && store.controllerOf(object) == &state;
         });
     return found == store.objects().end() ? nullptr : &*found;
 }
@@ -123,14 +113,66 @@ void checkNamespace(const Drive& drive, const std::string& device, Checks& check
 
 void checkHealthLog(const Drive& drive, const std::string& device, Checks& checks)
 {
-    if (drive.m_Temperature)
+    if (drive.m_HealthLogRead == true) {
+        if (!drive.m_Temperature)
+            checks.push_back(
+                note(std::string(shortDeviceName(device)), "its health log holds no temperature"));
         return;
+    }
     const std::string what =
         TLXX::lastStatus(device, TLXX::EQuery::SmartHealthLog) == 0U
-            ? "its health log was never filled, for it holds no temperature"
+            ? "its health log was never filled"
             : "its health log was not read" + reasonText(device, TLXX::EQuery::SmartHealthLog);
     checks.push_back(problem(ExitCode::RequestFailed, std::string(shortDeviceName(device)),
                              what + "; health, temperature and counters are unknown", SYSTEM_LOG));
+}
+
+void checkPlace(const ObjectStore& store, const TLXX::CControllerState& state, const PI::CObject& adapter,
+                Checks& checks)
+{
+    const ShownPlace place = shownPlaceOf(store, adapter);
+    if (place == ShownPlace::Real)
+        return;
+    checks.push_back(note(state.m_Name, "sits at " + state.m_Location->Text() + ", but is shown at " +
+                                            textOf(adapter, PI::PROP_LOCATION) +
+                                            (place == ShownPlace::WithoutSegment
+                                                 ? ": locations leave the PCI segment out"
+                                                 : ": locations go by number, and a disk before it was left "
+                                                   "out")));
+}
+
+/** Calls `tell` with each text that more than one of `drives` has, and their devices. */
+template<typename Tell>
+void forEachShared(const std::vector<Drive>& drives, std::string Drive::*text, Tell tell)
+{
+    std::map<std::string, std::vector<std::string>> devices;
+    for (const Drive& drive : drives)
+        if (!(drive.*text).empty())
+            devices[drive.*text].emplace_back(shortDeviceName(drive.m_Device));
+    for (const auto& [shared, names] : devices) {
+        if (names.size() < 2)
+            continue;
+        std::string list;
+        for (const std::string& name : names)
+            list += (list.empty() ? "" : ", ") + name;
+        tell(list, shared);
+    }
+}
+
+void checkShared(const std::vector<Drive>& drives, Checks& checks)
+{
+    forEachShared(drives, &Drive::m_Location, [&](const std::string& devices, const std::string& location) {
+        checks.push_back(note(devices, "share the location " + location +
+                                           " and so an adapter number and a row in the database. Tell them "
+                                           "apart by device, serial number or PCI address"));
+    });
+    forEachShared(drives, &Drive::m_Serial, [&](const std::string& devices, const std::string& serial) {
+        checks.push_back(
+            note(devices, "share the serial number " + serial +
+                              ": they are controllers of one drive, or one is a copy. \"watch\" "
+                              "repeats their warnings at each poll, and does not notice when one "
+                              "of them is removed"));
+    });
 }
 
 void checkTexts(const Drive& drive, const std::string& device, Checks& checks)
@@ -147,8 +189,13 @@ void checkTexts(const Drive& drive, const std::string& device, Checks& checks)
 Checks checkControllers(const std::vector<TLXX::CControllerState>& states)
 {
     Checks checks;
-    for (const TLXX::CControllerState& state : states)
+    for (const TLXX::CControllerState& state : states) {
         checks.push_back(checkController(state));
+        if (!state.m_DeviceName.empty() && state.m_Namespaces > 1)
+            checks.push_back(note(state.m_Name, "has " + std::to_string(state.m_Namespaces) +
+                                                    " namespaces; only the first one is shown, " +
+                                                    state.m_DeviceName));
+    }
     return checks;
 }
 
@@ -172,33 +219,33 @@ Checks checkAnyDisk(const std::vector<TLXX::CControllerState>& states, bool anyU
                 "Plug one in, or look at a simulated fleet with --simulate.");
 }
 
-Checks checkInventory(const std::vector<TLXX::CControllerState>& states, const ObjectStore& store)
+Checks checkInventory(const ObjectStore& store)
 {
     Checks checks;
     bool dropped = false;
-    for (const TLXX::CControllerState& state : states) {
+    for (const TLXX::CControllerState& state : store.controllers()) {
         if (state.m_DeviceName.empty() || isRefused(state))
             continue;
-        const PI::CObject* adapter = adapterOf(store, state.m_DeviceName);
+        const PI::CObject* adapter = adapterWith(store, state);
         if (adapter == nullptr) {
             checks.push_back(checkMissing(state));
             dropped = true;
-        } else if (state.m_Location && pciLocation(*adapter) != state.m_Location) {
-            checks.push_back(
-                note(state.m_Name, "sits at " + state.m_Location->Text() + ", but is shown at " +
-                                       textOf(*adapter, PI::PROP_LOCATION) +
-                                       ": locations go by number, and a disk before it was left out"));
-        }
+        } else
+            checkPlace(store, state, *adapter, checks);
     }
     if (dropped)
         checks.push_back(
             note("numbers", "disks that were left out shift the numbers and locations of those behind"));
-    for (const Drive& drive : joinDrives(store)) {
-        const std::string device = askedPath(states, drive.m_Device);
-        checkNamespace(drive, device, checks);
-        checkHealthLog(drive, device, checks);
-        checkTexts(drive, device, checks);
-    }
+    // Only the system's NVMe drives: those of other plug-ins may be something else.
+    std::vector<Drive> drives;
+    for (const Drive& drive : joinDrives(store))
+        if (const TLXX::CControllerState* controller = store.controllerOf(*store.byId(*drive.m_AdapterId))) {
+            drives.push_back(drive);
+            checkNamespace(drive, controller->m_DeviceName, checks);
+            checkHealthLog(drive, controller->m_DeviceName, checks);
+            checkTexts(drive, controller->m_DeviceName, checks);
+        }
+    checkShared(drives, checks);
     return checks;
 }
 

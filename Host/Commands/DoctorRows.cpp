@@ -75,7 +75,10 @@ Check checkKeptRows(const std::filesystem::path& file)
     if (!isFile || error)
         return badDatabase(complaint(file, error, "file"), error);
     try {
-        switch (inspectDatabase(file)) {
+        const EDatabaseTables tables = inspectDatabase(file);
+        if (const std::error_code refusal = Platform::accessError(file, Platform::Access::Write))
+            return badDatabase(complaint(file, refusal, "file") + ", so no rows can be kept", refusal);
+        switch (tables) {
         case EDatabaseTables::Present:
             return ok("database", file.string() + ", which this run leaves as it is");
         case EDatabaseTables::None:

@@ -1,19 +1,14 @@
 #include "Base/FileText.h"
-#include "Base/Text.h"
 #include "Commands/DoctorCommand.h"
 
 #include <PI/ConfigFile.h>
+#include <PI/PollInterval.h>
 
 #include <optional>
 #include <string>
 
 namespace Host::Cli {
 namespace {
-
-// The one setting there is, and what it may be.
-constexpr char KEY[] = "PollInterval";
-constexpr std::uint64_t SMALLEST = 2;
-constexpr std::uint64_t LARGEST = 255;
 
 Check wrong(const std::string& message, const std::string& remedy)
 {
@@ -25,26 +20,25 @@ Check checkPollInterval(const std::filesystem::path& file)
     PI::CConfigFile settings;
     settings.SetFileName(file.native());
     std::string text;
-    if (settings.ReadKeyValue(KEY, text, -1, -1) != 0)
-        return note("settings", file.string() + " has no line \"" + KEY +
+    if (settings.ReadKeyValue(PI::POLL_INTERVAL_KEY, text, -1, -1) != 0)
+        return note("settings", file.string() + " has no line \"" + PI::POLL_INTERVAL_KEY +
                                     "=...\", the one setting there is, so the usual value holds");
-    const std::string remedy = std::string("Write a whole number of seconds from ") +
-                               std::to_string(SMALLEST) + " to " + std::to_string(LARGEST) +
-                               " behind the '='.";
-    const std::optional<std::uint64_t> seconds = parseNumber(text, 10);
-    if (!seconds)
-        return wrong(file.string() + ": " + KEY + " is \"" + text + "\", no whole number", remedy);
-    if (*seconds < SMALLEST || *seconds > LARGEST)
-        return wrong(file.string() + ": " + KEY + " is " + text + ", so the nearest possible value holds",
-                     remedy);
-    return ok("settings", file.string());
+    const std::optional<std::uint32_t> number = PI::settingNumber(text);
+    const std::uint32_t seconds = PI::pollIntervalOf(text);
+    if (number == seconds)
+        return ok("settings", file.string());
+    return wrong(file.string() + ": " + PI::POLL_INTERVAL_KEY + " is \"" + text + "\", " +
+                     (number ? "so the nearest possible value, " : "no whole number, so the usual value, ") +
+                     std::to_string(seconds) + ", holds",
+                 "Write a whole number of seconds from " + std::to_string(PI::MINIMUM_POLL_INTERVAL) +
+                     " to " + std::to_string(PI::MAXIMUM_POLL_INTERVAL) + " behind the '='.");
 }
 
 } // namespace
 
 Check checkSettings(const std::filesystem::path& folder)
 {
-    const std::filesystem::path file = folder / "Ostrel.ini";
+    const std::filesystem::path file = settingsFile(folder);
     std::error_code error;
     if (!std::filesystem::exists(file, error) && !error)
         return ok("settings", "no " + file.string() + ", so the usual values hold");

@@ -11,7 +11,7 @@ inline constexpr char PROGRAM_FOOTER[] =
 only after it. "ostrel COMMAND --help" tells more about a command.
 
 Exit codes: 0 done, 1 a request failed, 2 wrong usage, 3 no supported hardware,
-4 no permission.
+4 no permission, 5 no such object.
 
 Examples:
   sudo ostrel list

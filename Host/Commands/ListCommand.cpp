@@ -45,10 +45,21 @@ std::string reasonsText(const Drive& drive)
     return text;
 }
 
-std::string reasonsNote(const std::string& device, const Drive& drive, const Screen& screen)
+/** What to say of a drive below the table, a paragraph each. */
+std::string notesText(const std::string& device, const Drive& drive, const Screen& screen)
 {
+    std::vector<std::string> notes;
+    if (!drive.m_Reasons.empty())
+        notes.push_back(printable(reasonsText(drive)));
+    if (drive.m_HealthLogRead == false)
+        notes.emplace_back("its health log was not read");
+    if (drive.m_Place == ShownPlace::Another)
+        notes.push_back("is at " + drive.m_PciAddress + ", but is shown at " + printable(drive.m_Location));
     const std::string head = device + ": ";
-    return head + paragraph(printable(reasonsText(drive)), displayWidth(head), screen);
+    std::string text;
+    for (const std::string& note : notes)
+        text += head + paragraph(note, displayWidth(head), screen);
+    return text;
 }
 
 Cell healthCell(const Drive& drive, bool withReasons)
@@ -78,8 +89,8 @@ std::string listText(const std::vector<Drive>& drives, const Screen& screen)
                    {orUnknown(drive.m_Temperature, PI::UNIT_CELSIUS)},
                    {orUnknown(drive.m_Wear, PI::UNIT_PERCENT)},
                    healthCell(drive, !terminal)});
-        if (terminal && !drive.m_Reasons.empty())
-            notes += reasonsNote(printable(device), drive, screen);
+        if (terminal)
+            notes += notesText(printable(device), drive, screen);
     }
     return table.text(screen) + (notes.empty() ? "" : "\n" + notes);
 }

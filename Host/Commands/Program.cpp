@@ -79,13 +79,10 @@ private:
     void list()
     {
         const Inventory inventory(m_Session);
-        const std::vector<Drive> drives = joinDrives(inventory.objects());
-        if (!wantsJson())
-            return print(listText(drives, m_Screen));
-        Json document = {{"drives", Json::array()}};
-        for (const Drive& drive : drives)
-            document["drives"].push_back(driveJson(drive));
-        print(document);
+        if (wantsJson())
+            print(listJson(inventory.objects()));
+        else
+            print(listText(joinDrives(inventory.objects()), m_Screen));
     }
 
     void topology()
@@ -96,7 +93,7 @@ private:
             return print(topologyText(store, m_Screen));
         Json document = {{"objects", Json::array()}};
         for (const PI::CObject& object : store.objects())
-            document["objects"].push_back(objectJson(object));
+            document["objects"].push_back(objectJson(store, object));
         print(document);
     }
 
@@ -106,19 +103,29 @@ private:
         const ObjectStore& store = inventory.objects();
         const std::vector<const PI::CObject*> objects = objectsNamed(store);
         if (m_Session.m_Options.m_Property) {
-            const PI::CProperty& property =
-                namedProperty(objects, *m_Session.m_Options.m_Property).m_Property;
-            return wantsJson() ? print(Json{{"property", propertyJson(property)}})
-                               : print(printable(valueText(property)) + '\n');
+            const NamedProperty named = namedProperty(objects, *m_Session.m_Options.m_Property);
+            return showProperty(named.m_Property, basisOf(store, named.m_Object, named.m_Property));
         }
         if (!wantsJson())
-            return print(showText(objects, m_Screen));
+            return print(showText(store, objects, m_Screen));
         Json document = {{"objects", Json::array()}};
         for (const PI::CObject* object : objects)
-            document["objects"].push_back(objectJson(*object));
-        document["explanations"] = explanationsJson(objects);
+            document["objects"].push_back(objectJson(store, *object));
+        document["explanations"] = explanationsJson(store, objects);
         document["endOfLife"] = endOfLifeJson(objects);
         print(document);
+    }
+
+    void showProperty(const PI::CProperty& property, Basis basis)
+    {
+        if (wantsJson())
+            return print(Json{{"property", propertyJson(property, basis)}});
+        if (basis != Basis::Measured)
+            m_Session.m_Messages.tell(printable(captionText(property)) + " is not measured: " +
+                                      (basis == Basis::NotRead
+                                           ? "the health log of this drive was not read."
+                                           : "the plug-in shows the same for other drives."));
+        print(printable(valueText(property)) + '\n');
     }
 
     void set()
@@ -128,8 +135,9 @@ private:
         const ObjectStore store = watched.objects();
         const Options& options = m_Session.m_Options;
         const NamedProperty named = namedProperty(objectsNamed(store), options.m_Property.value_or(""));
-        const PI::CProperty property = setProperty(watched.plugins().showing(named.m_Object.m_ID),
-                                                   named.m_Object, named.m_Property, options.m_Value);
+        const PI::CProperty property =
+            setProperty(watched.plugins().showing(named.m_Object.m_ID), named.m_Object, named.m_Property,
+                        options.m_Value, settingsFile(m_Session.m_Folders.m_Data));
         if (wantsJson())
             print(Json{{"property", propertyJson(property)}});
         else

@@ -5,6 +5,7 @@
 #include "Plugins/DataFolder.h"
 
 #include <algorithm>
+#include <exception>
 #include <functional>
 #include <utility>
 
@@ -13,22 +14,33 @@ namespace Host::Cli {
 namespace {
 
 /** Loads the plug-ins and says which devices refuse. */
-Progress beginInventory(PluginSet& plugins, const Session& session)
+std::vector<TLXX::CControllerState> beginInventory(PluginSet& plugins, const Session& session)
 {
     for (const std::filesystem::path& file : session.m_Plugins)
         plugins.load(file);
-    const std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
+    std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
     checkAccess(states, session.warn());
-    return signOfLife(states, session);
+    return states;
 }
 
 ObjectStore takeInventory(PluginSet& plugins, const Session& session)
 {
-    const Progress progress = beginInventory(plugins, session);
-    ObjectStore inventory(plugins.inventory());
+    const std::vector<TLXX::CControllerState> states = beginInventory(plugins, session);
+    const Progress progress = signOfLife(states, session);
+    ObjectStore inventory(plugins.inventory(), states);
     if (session.keepsRows())
         keepInventory(session.keptData(), inventory, session.warn());
     return inventory;
+}
+
+/** None when the system cannot tell just now: events must not be lost because of an address. */
+std::vector<TLXX::CControllerState> controllersNow()
+{
+    try {
+        return TLXX::controllerStates();
+    } catch (const std::exception&) {
+        return {};
+    }
 }
 
 } // namespace
@@ -45,7 +57,7 @@ Inventory::Inventory(const Session& session) : m_Objects(takeInventory(m_Plugins
 
 Watched::Watched(const Session& session) : m_Rows(session.warn())
 {
-    const Progress progress = beginInventory(m_Plugins, session);
+    const Progress progress = signOfLife(beginInventory(m_Plugins, session), session);
     for (EquippedPlugin& plugin : m_Plugins.initialize())
         m_Monitors.emplace_back(std::move(plugin), session.keptData(), session.warn());
     cleanUp();
@@ -88,7 +100,7 @@ ObjectStore Watched::objects() const
         const std::vector<PI::CObject>& objects = monitor.objects().objects();
         all.insert(all.end(), objects.begin(), objects.end());
     }
-    return ObjectStore(std::move(all));
+    return ObjectStore(std::move(all), controllersNow());
 }
 
 } // namespace Host::Cli

@@ -1,6 +1,8 @@
 #include "Commands/SetCommand.h"
 
 #include "Base/Failure.h"
+#include "Base/FileText.h"
+#include "Base/Platform.h"
 #include "Base/Text.h"
 #include "Terminal/PropertyText.h"
 
@@ -42,10 +44,34 @@ void putValue(PI::CProperty& property, std::string_view text)
     property.SetValue(*wanted, minimum, maximum, step);
 }
 
+/** Why `file` cannot be replaced; empty when nothing speaks against it. */
+std::string writeFault(const std::filesystem::path& file)
+{
+    namespace fs = std::filesystem;
+    const auto fault = [&](const std::string& reason) {
+        return printable(file.string()) + " cannot be written: " + reason + ". ";
+    };
+    std::error_code error;
+    const bool there = fs::exists(file, error);
+    if (there && !fs::is_regular_file(file, error))
+        return fault("it is no file");
+    if (there && (error = Platform::accessError(file, Platform::Access::Read)))
+        return fault(error.message());
+    const std::optional<std::string> text = there ? readFile(file) : std::nullopt;
+    if (text && text->find('\0') != std::string::npos)
+        return fault("it holds zero bytes, as a write that was cut off leaves them; delete it");
+    const fs::path folder = file.parent_path();
+    if ((error = Platform::accessError(folder, Platform::Access::AddFile)))
+        return fault(printable(folder.string()) + ": " + error.message());
+    if (const fs::space_info space = fs::space(folder, error); !error && space.available == 0)
+        return fault("no space is left");
+    return {};
+}
+
 } // namespace
 
 PI::CProperty setProperty(PluginLibrary& plugin, const PI::CObject& object, const PI::CProperty& property,
-                          std::string_view value)
+                          std::string_view value, const std::filesystem::path& settings)
 {
     PI::CProperty wanted = plugin.property(object.m_ID, property.Id());
     // What cannot be set goes back as it is: it is the plug-in's to refuse.
@@ -54,9 +80,10 @@ PI::CProperty setProperty(PluginLibrary& plugin, const PI::CObject& object, cons
     try {
         plugin.setProperty(object.m_ID, wanted);
     } catch (const Failure& failure) {
+        const std::string fault = wanted.Settable() ? writeFault(settings) : std::string();
         throw Failure(failure.exitCode(),
                       "Property " + std::to_string(wanted.Id()) + ", " + printable(captionText(wanted)) +
-                          ", cannot be set. " + failure.what(),
+                          ", cannot be set. " + fault + failure.what(),
                       failure.result().value_or(RequestResult{}));
     }
     return plugin.property(object.m_ID, property.Id());

@@ -3,6 +3,7 @@
 #include "Plugins/ObjectStore.h"
 #include "Plugins/PluginLibrary.h"
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -11,10 +12,10 @@ namespace Host::Cli {
 /**
  * Gives a property of an object another value and returns it as it is then; the plug-in keeps it within its
  * bounds. Throws `Failure`: wrong usage for what is no such value, a failed request for a property that
- * cannot be set.
+ * cannot be set, which says what is wrong with the file `settings` where that is the reason.
  */
 PI::CProperty setProperty(PluginLibrary& plugin, const PI::CObject& object, const PI::CProperty& property,
-                          std::string_view value);
+                          std::string_view value, const std::filesystem::path& settings);
 
 /** What a property is now, and why it is not what was asked for. */
 std::string setText(const PI::CProperty& property, std::string_view value);

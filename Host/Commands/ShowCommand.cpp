@@ -9,8 +9,6 @@
 #include "Terminal/Paragraph.h"
 #include "Terminal/PropertyText.h"
 
-#include <PI/PluginHelper.h>
-
 #include <optional>
 
 namespace Host::Cli {
@@ -32,15 +30,12 @@ std::string section(const std::string& heading, const std::string& text, const S
            std::string(2 * MARGIN, ' ') + paragraph(text, 2 * MARGIN, screen);
 }
 
-std::string explanationText(const PI::CObject& object, const Screen& screen)
+std::string explanationText(const ObjectStore& store, const PI::CObject& object, const Screen& screen)
 {
     std::string text;
-    for (const ExplainedCode& each : explainedCodes(object)) {
-        const std::uint32_t code = each.m_Explanation->m_Code;
-        text +=
-            section(printable(captionText(*each.m_Property) + ": " + PI::PropertyValueToString(code)),
-                    std::string(each.m_Explanation->m_Meaning) + " " + each.m_Explanation->m_Advice, screen);
-    }
+    for (const ExplainedCode& each : explainedCodes(store, object))
+        text += section(printable(captionText(*each.m_Property) + ": " + each.m_Text),
+                        std::string(each.m_Meaning) + " " + each.m_Advice, screen);
     if (const std::optional<EndOfLife> end = explainEndOfLife(object))
         text += section("Estimated end of life: " + end->m_Date, endOfLifeText(*end), screen);
     return text.empty() ? text : '\n' + text;
@@ -48,12 +43,13 @@ std::string explanationText(const PI::CObject& object, const Screen& screen)
 
 } // namespace
 
-std::string showText(const std::vector<const PI::CObject*>& objects, const Screen& screen)
+std::string showText(const ObjectStore& store, const std::vector<const PI::CObject*>& objects,
+                     const Screen& screen)
 {
     std::string text;
     for (const PI::CObject* object : objects)
         text += (text.empty() ? "" : "\n") + headingText(*object, screen, 0) +
-                propertiesText(*object, screen, MARGIN) + explanationText(*object, screen);
+                propertiesText(store, *object, screen, MARGIN) + explanationText(store, *object, screen);
     return text;
 }
 

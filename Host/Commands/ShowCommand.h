@@ -1,8 +1,7 @@
 #pragma once
 
+#include "Plugins/ObjectStore.h"
 #include "Terminal/Screen.h"
-
-#include <PI/Object.h>
 
 #include <string>
 #include <string_view>
@@ -18,7 +17,8 @@ struct NamedProperty
 };
 
 /** Headings and properties of the objects, with what their states mean and where their dates come from. */
-std::string showText(const std::vector<const PI::CObject*>& objects, const Screen& screen);
+std::string showText(const ObjectStore& store, const std::vector<const PI::CObject*>& objects,
+                     const Screen& screen);
 
 /**
  * The property of the objects with this number or caption, case and blanks aside: the first that has a value,

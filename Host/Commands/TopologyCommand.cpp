@@ -1,6 +1,7 @@
 #include "Commands/TopologyCommand.h"
 
 #include "Base/Text.h"
+#include "Facts/Measured.h"
 #include "Terminal/Paragraph.h"
 #include "Terminal/PropertyText.h"
 
@@ -24,11 +25,18 @@ std::string nameOf(const PI::CObject& object)
     return vendor + (vendor.empty() || model.empty() ? "" : " ") + model;
 }
 
+std::string operationText(const PI::COperation& operation)
+{
+    const std::string id = std::to_string(operation.Id());
+    const std::string name = PI::PropertyValueToString(operation.Id());
+    return name == id ? id : id + " " + printable(name);
+}
+
 std::string operationsText(const PI::CObject& object, std::size_t indent)
 {
     std::string ids;
     for (const PI::COperation& operation : object.m_Operations)
-        ids += (ids.empty() ? "" : ", ") + std::to_string(operation.Id());
+        ids += (ids.empty() ? "" : ", ") + operationText(operation);
     return ids.empty() ? ids : std::string(indent, ' ') + "Operations: " + ids + '\n';
 }
 
@@ -43,7 +51,7 @@ public:
         if (!m_Shown.insert(&object).second)
             return {};
         std::string text = headingText(object, m_Screen, indent) +
-                           propertiesText(object, m_Screen, indent + STEP) +
+                           propertiesText(m_Store, object, m_Screen, indent + STEP) +
                            operationsText(object, indent + STEP);
         for (const PI::CObject* child : m_Store.childrenOf(object))
             text += branch(*child, indent + STEP);
@@ -73,7 +81,8 @@ std::string headingText(const PI::CObject& object, const Screen& screen, std::si
            toned(screen, Tone::Faint, id) + '\n';
 }
 
-std::string propertiesText(const PI::CObject& object, const Screen& screen, std::size_t indent)
+std::string propertiesText(const ObjectStore& store, const PI::CObject& object, const Screen& screen,
+                           std::size_t indent)
 {
     std::size_t width = 0;
     for (const PI::CProperty& property : object.m_Properties)
@@ -84,16 +93,22 @@ std::string propertiesText(const PI::CObject& object, const Screen& screen, std:
     if (below)
         column = indent + STEP;
     std::string text;
+    for (const std::string& caveat : caveatsOf(store, object))
+        text += std::string(indent, ' ') + paragraph(caveat, indent, screen, Tone::Warning);
     for (const PI::CProperty& property : object.m_Properties) {
-        const std::string value = printable(valueText(property));
+        std::string value = printable(valueText(property));
         if (value.empty())
             continue;
+        const bool measured = basisOf(store, object, property) == Basis::Measured;
+        if (!measured)
+            value += NOT_MEASURED;
         const std::string caption = printable(captionText(property));
         const auto* code = std::get_if<PI::CCodeValue>(&property.GetValue());
         text += std::string(indent, ' ') +
                 (below ? paragraph(caption, indent, screen) + std::string(column, ' ')
                        : caption + std::string(column - indent - displayWidth(caption), ' ')) +
-                paragraph(value, column, screen, code != nullptr ? toneOfCode(code->m_Code) : Tone::Plain);
+                paragraph(value, column, screen,
+                          measured && code != nullptr ? toneOfCode(code->m_Code) : Tone::Plain);
     }
     return text;
 }

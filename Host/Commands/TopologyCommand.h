@@ -10,8 +10,12 @@ namespace Host::Cli {
 /** What an object is, what it is called, and its identifier. */
 std::string headingText(const PI::CObject& object, const Screen& screen, std::size_t indent);
 
-/** The properties of `object`, a line each, captions aligned, behind `indent` blanks. */
-std::string propertiesText(const PI::CObject& object, const Screen& screen, std::size_t indent);
+/**
+ * The properties of `object`, a line each, captions aligned, behind `indent` blanks. Above them is said which
+ * of them are not to be relied on.
+ */
+std::string propertiesText(const ObjectStore& store, const PI::CObject& object, const Screen& screen,
+                           std::size_t indent);
 
 /** Every object below its parent, with its properties and operations. */
 std::string topologyText(const ObjectStore& store, const Screen& screen);

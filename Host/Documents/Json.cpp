@@ -1,6 +1,7 @@
 #include "Documents/Json.h"
 
 #include "Documents/JsonNumber.h"
+#include "Facts/EndOfLife.h"
 #include "Terminal/PropertyText.h"
 
 #include <PI/ErrorCode.h>
@@ -11,6 +12,7 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <limits>
 #include <string>
 #include <variant>
 
@@ -58,6 +60,44 @@ void add(Json& json, const char* name, const std::string& text)
 {
     if (!text.empty())
         json[name] = text;
+}
+
+void addLocationDoubt(Json& json, ShownPlace place)
+{
+    if (place != ShownPlace::Real)
+        json["locationIsReal"] = false;
+}
+
+void addHealthLogDoubt(Json& json, std::optional<bool> healthLogRead)
+{
+    if (healthLogRead == false)
+        json["healthLogRead"] = false;
+}
+
+Json operationJson(const PI::COperation& operation)
+{
+    Json json = {{"id", operation.Id()}};
+    const std::string name = PI::PropertyValueToString(operation.Id());
+    if (name != std::to_string(operation.Id()))
+        json["name"] = name;
+    return json;
+}
+
+/** In its unit and, in a member of its own, in whole bytes. */
+void addAmount(Json& json, const std::string& name, const std::optional<Amount>& amount)
+{
+    addNumber(json, name, amount);
+    const std::optional<double> bytes = amount ? bytesOf(*amount) : std::nullopt;
+    if (bytes && *bytes >= 0 && *bytes < 0x1p64)
+        addNumber(json, name + "Bytes", static_cast<std::uint64_t>(*bytes));
+}
+
+void addCapacity(Json& json, const std::optional<std::uint64_t>& mebibytes)
+{
+    constexpr unsigned shift = 20;
+    addNumber(json, "capacityMiB", mebibytes);
+    if (mebibytes && *mebibytes <= std::numeric_limits<std::uint64_t>::max() >> shift)
+        addNumber(json, "capacityBytes", *mebibytes << shift);
 }
 
 Json documentJson(const Json& content, bool simulated)
@@ -122,10 +162,11 @@ Json identityJson(const DriveIdentity& drive)
     add(json, "serial", drive.m_Serial);
     add(json, "pciAddress", drive.m_PciAddress);
     add(json, "location", drive.m_Location);
+    addLocationDoubt(json, drive.m_Place);
     return json;
 }
 
-Json propertyJson(const PI::CProperty& property)
+Json propertyJson(const PI::CProperty& property, Basis basis)
 {
     Json json = {{"id", property.Id()}};
     if (property.NlsID() > 1)
@@ -136,6 +177,8 @@ Json propertyJson(const PI::CProperty& property)
         json["unit"] = property.Units();
         json["unitText"] = PI::PropertyValueToString(property.Units());
     }
+    if (basis != Basis::Measured)
+        json["measured"] = false;
     json["settable"] = property.Settable();
     addBounds(json, property.GetValue());
     if (property.IconPathID() != 0)
@@ -143,19 +186,25 @@ Json propertyJson(const PI::CProperty& property)
     return json;
 }
 
-Json objectJson(const PI::CObject& object)
+Json objectJson(const ObjectStore& store, const PI::CObject& object)
 {
     Json json = {{"id", identifierText(object.m_ID)},
                  {"type", object.m_Type},
                  {"parents", identifiers(object.m_Parents)},
                  {"children", identifiers(object.m_Children)}};
     addNumber(json, "updateCount", object.m_UpdateCount);
+    if (object.m_Type == PI::TYPE_ADAPTER) {
+        if (const std::optional<TLXX::CPciLocation> address = store.addressOf(object))
+            json["pciAddress"] = address->Text();
+        addLocationDoubt(json, shownPlaceOf(store, object));
+    }
+    addHealthLogDoubt(json, healthLogRead(store, object));
     json["properties"] = Json::array();
     json["operations"] = Json::array();
     for (const PI::CProperty& property : object.m_Properties)
-        json["properties"].push_back(propertyJson(property));
+        json["properties"].push_back(propertyJson(property, basisOf(store, object, property)));
     for (const PI::COperation& operation : object.m_Operations)
-        json["operations"].push_back(Json{{"id", operation.Id()}});
+        json["operations"].push_back(operationJson(operation));
     return json;
 }
 
@@ -163,7 +212,7 @@ Json driveJson(const Drive& drive)
 {
     Json json = identityJson(drive);
     add(json, "firmware", drive.m_Firmware);
-    addNumber(json, "capacityMiB", drive.m_CapacityMiB);
+    addCapacity(json, drive.m_CapacityMiB);
     addNumber(json, "blockSize", drive.m_BlockSize);
     addNumber(json, "temperature", drive.m_Temperature);
     addNumber(json, "wear", drive.m_Wear);
@@ -176,12 +225,13 @@ Json driveJson(const Drive& drive)
         json["reasons"].push_back(reason.m_Text);
         json["reasonCodes"].push_back(reason.m_Code);
     }
+    addHealthLogDoubt(json, drive.m_HealthLogRead);
     add(json, "driver", drive.m_Driver);
     add(json, "driverVersion", drive.m_DriverVersion);
     addNumber(json, "spare", drive.m_Spare);
     addNumber(json, "spareThreshold", drive.m_SpareThreshold);
-    addNumber(json, "dataRead", drive.m_DataRead);
-    addNumber(json, "dataWritten", drive.m_DataWritten);
+    addAmount(json, "dataRead", drive.m_DataRead);
+    addAmount(json, "dataWritten", drive.m_DataWritten);
     addNumber(json, "powerOnHours", drive.m_PowerOnHours);
     addNumber(json, "mediaErrors", drive.m_MediaErrors);
     if (drive.m_AdapterId)
@@ -189,6 +239,19 @@ Json driveJson(const Drive& drive)
     if (drive.m_DriveId)
         json["driveId"] = identifierText(*drive.m_DriveId);
     return json;
+}
+
+Json listJson(const ObjectStore& store)
+{
+    Json document = {{"drives", Json::array()}};
+    for (const Drive& drive : joinDrives(store)) {
+        Json json = driveJson(drive);
+        const PI::CObject* adapter = drive.m_AdapterId ? store.byId(*drive.m_AdapterId) : nullptr;
+        if (const auto end = adapter != nullptr ? explainEndOfLife(*adapter) : std::nullopt)
+            json["endOfLife"] = endOfLifeJson(*end);
+        document["drives"].push_back(std::move(json));
+    }
+    return document;
 }
 
 Json eventJson(const DriveEvent& event)

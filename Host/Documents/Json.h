@@ -17,9 +17,11 @@ namespace Host::Cli {
 /** What every document begins with. Counts up when a document is no longer what its schema said before. */
 inline constexpr int FORMAT = 1;
 
-nlohmann::ordered_json propertyJson(const PI::CProperty& property);
-nlohmann::ordered_json objectJson(const PI::CObject& object);
+nlohmann::ordered_json propertyJson(const PI::CProperty& property, Basis basis = Basis::Measured);
+nlohmann::ordered_json objectJson(const ObjectStore& store, const PI::CObject& object);
 nlohmann::ordered_json driveJson(const Drive& drive);
+/** All drives, as `list` shows them, with the end of their lives. */
+nlohmann::ordered_json listJson(const ObjectStore& store);
 nlohmann::ordered_json eventJson(const DriveEvent& event);
 
 /** What a drive is known by; how it fares changes too often to be part of what `watch` prints. */

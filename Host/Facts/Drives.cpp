@@ -1,10 +1,6 @@
 #include "Facts/Drives.h"
 
-#include "Plugins/AdapterIdentities.h"
-
 #include <PI/PluginHelper.h>
-
-#include <utility>
 
 namespace Host::Cli {
 namespace {
@@ -62,30 +58,21 @@ private:
     const PI::CObject* m_Drive;
 };
 
-/** Empty when all is 0: a location that was not found looks like that, and no drive sits there. */
-std::string pciAddress(const PI::CObject& adapter)
+/** What only a health log tells is not known without one. */
+void dropWhatNobodyRead(const ObjectStore& store, const PI::CObject& adapter, Drive& drive)
 {
-    const std::optional<TLXX::CPciLocation> location = pciLocation(adapter);
-    return location && *location != TLXX::CPciLocation{} ? location->Text() : std::string();
-}
-
-/**
- * Plug-ins show a drive whose health log was not read without temperature and counters, but with the spare,
- * errors and health of a new one, for no warning was heard. None of that is known.
- */
-void dropWhatNobodyRead(Drive& drive)
-{
-    if (drive.m_Temperature || drive.m_PowerOnHours || drive.m_DataRead || drive.m_DataWritten)
+    drive.m_HealthLogRead = healthLogRead(store, adapter);
+    if (drive.m_HealthLogRead != false)
         return;
     drive.m_Spare.reset();
     drive.m_SpareThreshold.reset();
     drive.m_MediaErrors.reset();
-    // What it was found to suffer from stays true, for that came from another log.
-    if (drive.m_Health && drive.m_Reasons.empty())
-        drive.m_Health = Health{std::nullopt, "Unknown"};
+    const PI::CProperty* health = findProperty(adapter, PI::PROP_HEALTH_STATUS);
+    if (health != nullptr && basisOf(store, adapter, *health) == Basis::NotRead)
+        drive.m_Health = Health{std::nullopt, UNKNOWN_HEALTH};
 }
 
-Drive join(const PI::CObject& adapter, const PI::CObject* medium)
+Drive join(const ObjectStore& store, const PI::CObject& adapter, const PI::CObject* medium)
 {
     const Pair pair(adapter, medium);
     Drive drive;
@@ -99,7 +86,9 @@ Drive join(const PI::CObject& adapter, const PI::CObject* medium)
     drive.m_Serial = pair.text(PI::PROP_SERIAL_NUMBER);
     drive.m_Firmware = pair.text(PI::PROP_FIRMWARE);
     drive.m_Location = pair.text(PI::PROP_LOCATION);
-    drive.m_PciAddress = pciAddress(adapter);
+    if (const std::optional<TLXX::CPciLocation> address = store.addressOf(adapter))
+        drive.m_PciAddress = address->Text();
+    drive.m_Place = shownPlaceOf(store, adapter);
     drive.m_Driver = pair.text(PI::PROP_DRIVER);
     drive.m_DriverVersion = pair.text(PI::PROP_DRIVER_VERSION);
     drive.m_CapacityMiB = pair.value<std::uint64_t>(PI::PROP_CAPACITY);
@@ -117,11 +106,24 @@ Drive join(const PI::CObject& adapter, const PI::CObject* medium)
     drive.m_DataWritten = pair.amount(PI::PROP_DATA_WRITTEN);
     drive.m_PowerOnHours = pair.value<std::uint64_t>(PI::PROP_POWER_ON_HOURS);
     drive.m_MediaErrors = pair.value<std::uint64_t>(PI::PROP_MEDIA_ERRORS);
-    dropWhatNobodyRead(drive);
+    dropWhatNobodyRead(store, adapter, drive);
     return drive;
 }
 
 } // namespace
+
+std::optional<double> bytesOf(const Amount& amount)
+{
+    constexpr PI::_UNITS steps[] = {PI::UNIT_BYTES, PI::UNIT_KIB, PI::UNIT_MIB, PI::UNIT_GIB,
+                                    PI::UNIT_TIB,   PI::UNIT_PIB, PI::UNIT_EIB};
+    double scale = 1;
+    for (const PI::_UNITS unit : steps) {
+        if (amount.m_Unit == unit)
+            return static_cast<double>(amount.m_Value) * scale;
+        scale *= 1024;
+    }
+    return std::nullopt;
+}
 
 std::vector<Drive> joinDrives(const ObjectStore& store)
 {
@@ -131,9 +133,9 @@ std::vector<Drive> joinDrives(const ObjectStore& store)
             continue;
         const std::vector<const PI::CObject*> media = store.childrenOf(object);
         for (const PI::CObject* medium : media)
-            drives.push_back(join(object, medium));
+            drives.push_back(join(store, object, medium));
         if (media.empty())
-            drives.push_back(join(object, nullptr));
+            drives.push_back(join(store, object, nullptr));
     }
     return drives;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Facts/DriveIdentity.h"
+#include "Facts/Measured.h"
 #include "Plugins/ObjectStore.h"
 
 #include <PI/Property.h>
@@ -26,6 +27,9 @@ struct Health
     std::string m_Text;
 };
 
+/** What is said of a health that nobody knows. */
+inline constexpr char UNKNOWN_HEALTH[] = "Unknown";
+
 /** A measured amount. */
 struct Amount
 {
@@ -34,6 +38,9 @@ struct Amount
 
     friend bool operator==(const Amount&, const Amount&) = default;
 };
+
+/** In bytes; none for a unit that is no amount of data. */
+std::optional<double> bytesOf(const Amount& amount);
 
 /** An adapter and the drive behind it, as one line of `list`. Empty: the plug-in does not report it. */
 struct Drive : DriveIdentity
@@ -48,6 +55,7 @@ struct Drive : DriveIdentity
     std::optional<float> m_Temperature; ///< degrees Celsius
     std::optional<std::int32_t> m_Wear; ///< percent; above 100 past the rating
     std::optional<Health> m_Health;
+    std::optional<bool> m_HealthLogRead; ///< none: the plug-in shows nothing from such a log
     std::vector<CodeText> m_Reasons;
     std::optional<std::int32_t> m_Spare;
     std::optional<std::int32_t> m_SpareThreshold;

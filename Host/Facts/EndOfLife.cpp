@@ -53,19 +53,6 @@ bool isNear(Days date, std::uint64_t hours)
     return std::chrono::abs(difference) <= TOLERANCE;
 }
 
-std::optional<double> bytesOf(const Amount& amount)
-{
-    constexpr PI::_UNITS steps[] = {PI::UNIT_BYTES, PI::UNIT_KIB, PI::UNIT_MIB, PI::UNIT_GIB,
-                                    PI::UNIT_TIB,   PI::UNIT_PIB, PI::UNIT_EIB};
-    double scale = 1;
-    for (const PI::_UNITS unit : steps) {
-        if (amount.m_Unit == unit)
-            return static_cast<double>(amount.m_Value) * scale;
-        scale *= 1024;
-    }
-    return std::nullopt;
-}
-
 template<typename Value>
 const Value* valueOf(const PI::CObject& adapter, std::uint32_t propertyId)
 {
@@ -187,21 +174,25 @@ std::string endOfLifeText(const EndOfLife& end)
     return figures + ". " + sentenceOf(end);
 }
 
+nlohmann::ordered_json endOfLifeJson(const EndOfLife& end)
+{
+    nlohmann::ordered_json entry = {{"object", identifierText(end.m_AdapterId)}, {"date", end.m_Date}};
+    addNumber(entry, "powerOnHours", end.m_PowerOnHours);
+    addNumber(entry, "dataWritten", end.m_DataWritten);
+    addNumber(entry, "ratingTiB", end.m_Rating);
+    addNumber(entry, "enduranceUsed", end.m_Endurance);
+    addNumber(entry, "wear", end.m_Wear);
+    entry["limit"] = nameOf(end.m_Limit);
+    return entry;
+}
+
 nlohmann::ordered_json endOfLifeJson(const std::vector<const PI::CObject*>& objects)
 {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (const PI::CObject* object : objects) {
         const std::optional<EndOfLife> end = explainEndOfLife(*object);
-        if (!end)
-            continue;
-        nlohmann::ordered_json entry = {{"object", identifierText(end->m_AdapterId)}, {"date", end->m_Date}};
-        addNumber(entry, "powerOnHours", end->m_PowerOnHours);
-        addNumber(entry, "dataWritten", end->m_DataWritten);
-        addNumber(entry, "ratingTiB", end->m_Rating);
-        addNumber(entry, "enduranceUsed", end->m_Endurance);
-        addNumber(entry, "wear", end->m_Wear);
-        entry["limit"] = nameOf(end->m_Limit);
-        list.push_back(std::move(entry));
+        if (end)
+            list.push_back(endOfLifeJson(*end));
     }
     return list;
 }

@@ -44,6 +44,9 @@ std::optional<EndOfLife> explainEndOfLife(const PI::CObject& adapter);
 /** Sentences about them. */
 std::string endOfLifeText(const EndOfLife& end);
 
+/** The figures for the documents of `list`. */
+nlohmann::ordered_json endOfLifeJson(const EndOfLife& end);
+
 /** A list for the documents of `show`. */
 nlohmann::ordered_json endOfLifeJson(const std::vector<const PI::CObject*>& objects);
 

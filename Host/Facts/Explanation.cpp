@@ -1,6 +1,7 @@
 #include "Facts/Explanation.h"
 
-#include "Plugins/ObjectStore.h"
+#include "Facts/Drives.h"
+#include "Facts/Measured.h"
 
 #include <PI/PluginHelper.h>
 
@@ -15,6 +16,13 @@ namespace {
 
 constexpr char NOTHING[] = "Nothing needs to be done.";
 constexpr char REPLACE[] = "Back up what is on the drive now, and replace it.";
+
+struct Explanation
+{
+    std::uint32_t m_Code;
+    const char* m_Meaning;
+    const char* m_Advice;
+};
 
 constexpr Explanation EXPLANATIONS[] = {
     // Reasons of a health status.
@@ -56,6 +64,27 @@ constexpr Explanation HEALTH[] = {
      "Look at the other states of the drive."},
 };
 
+/** What to say of a state that nobody measured, by property; the last row is that of a medium's health. */
+struct Constant
+{
+    std::uint32_t m_Property;
+    const char* m_Meaning;
+    const char* m_Advice;
+};
+
+constexpr Constant CONSTANTS[] = {
+    {PI::PROP_SPARE_STATE, "This state is not measured; every drive is shown with it.",
+     "Look at the available spare and its threshold."},
+    {PI::PROP_WEAR_STATE,
+     "This state is not measured for drives of this maker; all of them are shown with it.",
+     "Look at the endurance used and the available spare."},
+    {PI::PROP_HEALTH_STATUS, "This state is not measured; every drive is shown with it.",
+     "Look at the health of its adapter."},
+};
+
+constexpr char LOG_NOT_READ[] = "The health log of this drive was not read, so nobody knows how it fares.";
+constexpr char ASK_DOCTOR[] = "\"ostrel doctor\" says why the log was not read.";
+
 template<std::size_t Size>
 const Explanation* find(const Explanation (&table)[Size], std::uint32_t code)
 {
@@ -73,9 +102,32 @@ std::vector<std::uint32_t> codesOf(const PI::CProperty& property)
     return {};
 }
 
+ExplainedCode explain(const PI::CProperty& property, const Explanation& explanation)
+{
+    return {&property, explanation.m_Code, PI::PropertyValueToString(explanation.m_Code),
+            explanation.m_Meaning, explanation.m_Advice};
+}
+
+void addUnmeasured(const PI::CProperty& property, Basis basis, std::vector<ExplainedCode>& explained)
+{
+    const std::vector<std::uint32_t> codes = codesOf(property);
+    // Numbers that nobody measured are told of above the rows.
+    if (codes.empty())
+        return;
+    if (basis == Basis::NotRead) {
+        explained.push_back({&property, codes.front(), UNKNOWN_HEALTH, LOG_NOT_READ, ASK_DOCTOR});
+        return;
+    }
+    for (const Constant& row : CONSTANTS)
+        if (row.m_Property == property.Id())
+            explained.push_back({&property, codes.front(),
+                                 PI::PropertyValueToString(codes.front()) + NOT_MEASURED, row.m_Meaning,
+                                 row.m_Advice});
+}
+
 } // namespace
 
-std::vector<ExplainedCode> explainedCodes(const PI::CObject& object)
+std::vector<ExplainedCode> explainedCodes(const ObjectStore& store, const PI::CObject& object)
 {
     const PI::CProperty* health = findProperty(object, PI::PROP_HEALTH_STATUS);
     const std::vector<std::uint32_t> status =
@@ -85,30 +137,37 @@ std::vector<ExplainedCode> explainedCodes(const PI::CObject& object)
 
     std::vector<ExplainedCode> explained;
     if (trouble != nullptr && !hasReasons)
-        explained.push_back({health, trouble});
-    for (const PI::CProperty& property : object.m_Properties)
+        explained.push_back(explain(*health, *trouble));
+    for (const PI::CProperty& property : object.m_Properties) {
+        const Basis basis = basisOf(store, object, property);
+        if (basis != Basis::Measured) {
+            addUnmeasured(property, basis, explained);
+            continue;
+        }
         for (const std::uint32_t code : codesOf(property)) {
             const Explanation* explanation = find(EXPLANATIONS, code);
             // Nobody should read that nothing needs to be done for a drive that is failing.
             const bool hidden =
                 trouble != nullptr && explanation != nullptr && explanation->m_Advice == NOTHING;
             if (explanation != nullptr && !hidden)
-                explained.push_back({&property, explanation});
+                explained.push_back(explain(property, *explanation));
         }
+    }
     return explained;
 }
 
-nlohmann::ordered_json explanationsJson(const std::vector<const PI::CObject*>& objects)
+nlohmann::ordered_json explanationsJson(const ObjectStore& store,
+                                        const std::vector<const PI::CObject*>& objects)
 {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (const PI::CObject* object : objects)
-        for (const ExplainedCode& each : explainedCodes(*object))
+        for (const ExplainedCode& each : explainedCodes(store, *object))
             list.push_back({{"object", identifierText(object->m_ID)},
                             {"property", each.m_Property->Id()},
-                            {"code", each.m_Explanation->m_Code},
-                            {"text", PI::PropertyValueToString(each.m_Explanation->m_Code)},
-                            {"meaning", each.m_Explanation->m_Meaning},
-                            {"advice", each.m_Explanation->m_Advice}});
+                            {"code", each.m_Code},
+                            {"text", each.m_Text},
+                            {"meaning", each.m_Meaning},
+                            {"advice", each.m_Advice}});
     return list;
 }
 

@@ -39,6 +39,11 @@ bool TraceOptions::wanted() const
                                       [](const auto& entry) { return entry.second != 0; });
 }
 
+std::filesystem::path settingsFile(const std::filesystem::path& data)
+{
+    return data / "Ostrel.ini";
+}
+
 std::filesystem::path shareFolder(const std::filesystem::path& programFolder)
 {
     return programFolder.parent_path() / "share" / "ostrel";

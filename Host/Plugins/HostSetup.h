@@ -30,6 +30,9 @@ struct TraceOptions
     bool wanted() const;
 };
 
+/** The file of the settings in a data folder. */
+std::filesystem::path settingsFile(const std::filesystem::path& data);
+
 /** The share folder that belongs to a program in `programFolder`. */
 std::filesystem::path shareFolder(const std::filesystem::path& programFolder);
 

@@ -25,11 +25,9 @@ struct Address
         m_AnySegment = true;
     }
 
-    bool isOf(const PI::CObject& adapter) const
+    bool is(std::optional<TLXX::CPciLocation> location) const
     {
-        std::optional<TLXX::CPciLocation> location = pciLocation(adapter);
-        // One that was not found looks like that.
-        if (!m_Location || !location || *location == TLXX::CPciLocation{})
+        if (!m_Location || !location)
             return false;
         if (m_AnySegment)
             location->m_Segment = 0;
@@ -83,7 +81,8 @@ std::string identifierText(std::uint64_t id)
     return "0x" + std::string(digits - text.size(), '0') + text;
 }
 
-ObjectStore::ObjectStore(std::vector<PI::CObject> objects) : m_Objects(std::move(objects))
+ObjectStore::ObjectStore(std::vector<PI::CObject> objects, std::vector<TLXX::CControllerState> controllers)
+    : m_Objects(std::move(objects)), m_Controllers(std::move(controllers))
 {
     for (std::size_t place = 0; place < m_Objects.size(); ++place)
         m_Places.emplace(m_Objects[place].m_ID, place);
@@ -93,6 +92,26 @@ const PI::CObject* ObjectStore::byId(std::uint64_t id) const
 {
     const auto found = m_Places.find(id);
     return found == m_Places.end() ? nullptr : &m_Objects[found->second];
+}
+
+const TLXX::CControllerState* ObjectStore::controllerOf(const PI::CObject& adapter) const
+{
+    const std::string device = textOf(adapter, PI::PROP_DEVICE_NAME);
+    const auto found = std::find_if(
+        m_Controllers.begin(), m_Controllers.end(), [&](const TLXX::CControllerState& controller) {
+            return !controller.m_DeviceName.empty() &&
+                   equalIgnoringCase(shortDeviceName(controller.m_DeviceName), shortDeviceName(device));
+        });
+    return found == m_Controllers.end() ? nullptr : &*found;
+}
+
+std::optional<TLXX::CPciLocation> ObjectStore::addressOf(const PI::CObject& adapter) const
+{
+    if (const TLXX::CControllerState* controller = controllerOf(adapter))
+        return controller->m_Location;
+    const std::optional<TLXX::CPciLocation> shown = pciLocation(adapter);
+    // One that was not found looks like that, and no drive is there.
+    return shown == TLXX::CPciLocation{} ? std::nullopt : shown;
 }
 
 std::vector<const PI::CObject*> ObjectStore::childrenOf(const PI::CObject& object) const
@@ -121,26 +140,33 @@ std::vector<const PI::CObject*> ObjectStore::named(std::string_view name) const
     if (std::vector<const PI::CObject*> exact = namedExactly(name); !exact.empty())
         return exact;
 
-    const Address address(name);
-    std::vector<const PI::CObject*> matches;
-    std::size_t adapters = 0;
-    for (const PI::CObject& object : m_Objects) {
-        if (object.m_Type != PI::TYPE_ADAPTER ||
-            (!goesBySerialOrDevice(object, name) && !address.isOf(object)))
-            continue;
-        ++adapters;
-        matches.push_back(&object);
-        for (const PI::CObject* child : childrenOf(object))
-            matches.push_back(child);
-    }
-    if (adapters == 0)
-        throw Failure(ExitCode::WrongUsage, "There is no object \"" + printable(name) + "\"." +
-                                                didYouMean(name, names()) + " These are there:\n" +
-                                                listing());
-    if (adapters > 1)
-        throw Failure(ExitCode::WrongUsage, "More than one adapter goes by \"" + printable(name) +
+    std::vector<const PI::CObject*> matches = namedByPlace(name);
+    if (matches.empty())
+        throw Failure(ExitCode::NoSuchObject, "There is no object \"" + printable(name) + "\"." +
+                                                  didYouMean(name, names()) + " These are there:\n" +
+                                                  listing());
+    if (matches.size() > 1)
+        throw Failure(ExitCode::WrongUsage, "More than one object goes by \"" + printable(name) +
                                                 "\"; name the one by its identifier. These are there:\n" +
                                                 listing());
+    const std::vector<const PI::CObject*> children = childrenOf(*matches.front());
+    matches.insert(matches.end(), children.begin(), children.end());
+    return matches;
+}
+
+std::vector<const PI::CObject*> ObjectStore::namedByPlace(std::string_view name) const
+{
+    const Address address(name);
+    std::vector<const PI::CObject*> matches;
+    std::set<std::uint64_t> children;
+    for (const PI::CObject& object : m_Objects)
+        if (goesBySerialOrDevice(object, name) ||
+            (object.m_Type == PI::TYPE_ADAPTER && address.is(addressOf(object)))) {
+            matches.push_back(&object);
+            children.insert(object.m_Children.begin(), object.m_Children.end());
+        }
+    // A drive has the serial number of its adapter, which stands for both.
+    std::erase_if(matches, [&](const PI::CObject* object) { return children.contains(object->m_ID); });
     return matches;
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <PI/Object.h>
+#include <TLXX/Diagnosis.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -23,13 +25,29 @@ std::string_view shortDeviceName(std::string_view device);
 /** An identifier as people read and type it: "0x" and 16 hexadecimal digits. */
 std::string identifierText(std::uint64_t id);
 
-/** The objects that a plug-in answered, in its order. References hold as long as the store. */
+/**
+ * The objects that a plug-in answered, in its order, and what the system says of their controllers.
+ * References hold as long as the store.
+ */
 class ObjectStore
 {
 public:
-    explicit ObjectStore(std::vector<PI::CObject> objects);
+    /** Without `controllers`, adapters are where the plug-in shows them. */
+    explicit ObjectStore(std::vector<PI::CObject> objects,
+                         std::vector<TLXX::CControllerState> controllers = {});
 
     const std::vector<PI::CObject>& objects() const { return m_Objects; }
+
+    const std::vector<TLXX::CControllerState>& controllers() const { return m_Controllers; }
+
+    /** The controller that has the disk of `adapter`; null when the system knows none. */
+    const TLXX::CControllerState* controllerOf(const PI::CObject& adapter) const;
+
+    /**
+     * Where `adapter` really is; none when nobody knows. The system tells it. Only of an adapter that the
+     * system does not know, the plug-in's word is taken: it leaves segments out and goes by number.
+     */
+    std::optional<TLXX::CPciLocation> addressOf(const PI::CObject& adapter) const;
 
     /** Null when there is no such object. */
     const PI::CObject* byId(std::uint64_t id) const;
@@ -42,17 +60,20 @@ public:
 
     /**
      * The objects that go by `name`: one when it is an identifier, a location, or "plugin"; an adapter and
-     * its drives when it is a serial number, a device or a PCI address. Throws `Failure`, listing what there
-     * is, when nothing or more than one adapter goes by that name.
+     * its drives, or another object and its children, when it is a serial number, a device or a PCI address.
+     * Throws `Failure`, listing what there
+     * is: no such object when nothing goes by that name, wrong usage when more than one adapter does.
      */
     std::vector<const PI::CObject*> named(std::string_view name) const;
 
 private:
     std::vector<const PI::CObject*> namedExactly(std::string_view name) const;
+    std::vector<const PI::CObject*> namedByPlace(std::string_view name) const;
     std::vector<std::string> names() const;
     std::string listing() const;
 
     std::vector<PI::CObject> m_Objects;
+    std::vector<TLXX::CControllerState> m_Controllers;
     std::unordered_map<std::uint64_t, std::size_t>
         m_Places; ///< by identifier, the first object's in m_Objects
 };

@@ -53,6 +53,18 @@ Failure refused(const std::string& plugin, std::int32_t request, std::uint32_t c
     return {ExitCode::RequestFailed, refusal, {request, code}};
 }
 
+/** What a plug-in throws would else reach the user without its name. */
+template<typename Call>
+auto guarded(const std::string& plugin, const std::string& where, const Call& call)
+{
+    const std::string what = "The plug-in " + plugin + " failed in " + where;
+    try {
+        return call();
+    } catch (const std::exception& error) {
+        throw Failure(ExitCode::RequestFailed, what + ": " + printable(error.what()) + ".");
+    }
+}
+
 } // namespace
 
 std::string_view requestName(std::int32_t request)
@@ -100,7 +112,7 @@ void PluginLibrary::create()
     const auto createIf = exported<CreateIfFunction>("createIf");
     const auto releaseIf = exported<ReleaseIfFunction>("releaseIf");
     IPLUGINAPI* plugin = nullptr;
-    const std::uint32_t result = createIf(&plugin);
+    const std::uint32_t result = guarded(m_File, "createIf", [&] { return createIf(&plugin); });
     if (result != PI::ERR_SUCCESS || plugin == nullptr)
         throw Failure(ExitCode::RequestFailed,
                       "The plug-in " + m_File + " could not be created: " + resultText(result) + ".");
@@ -117,7 +129,10 @@ void PluginLibrary::create()
 
 void PluginLibrary::request(PI::_REQUEST request, std::uint64_t objectId, PI::CRequestData& data)
 {
-    const std::uint32_t code = m_Plugin->Request(request, objectId, data);
+    const std::string where =
+        "request " + std::to_string(request) + " (" + std::string(requestName(request)) + ")";
+    const std::uint32_t code =
+        guarded(m_File, where, [&] { return m_Plugin->Request(request, objectId, data); });
     if (code != PI::ERR_SUCCESS)
         throw refused(m_File, request, code);
 }

@@ -10,14 +10,29 @@ FOLDER = pathlib.Path(__file__).resolve().parents[2] / "Docs" / "Schemas"
 SCHEMAS = {file.stem: json.loads(file.read_text()) for file in sorted(FOLDER.glob("*.json"))}
 
 
+def closed(schema):
+    """The schema, knowing every member of its release: a stray one is wrong. A condition ("if") stays open."""
+    if isinstance(schema, list):
+        return [closed(each) for each in schema]
+    if not isinstance(schema, dict):
+        return schema
+    result = {key: closed(value) for key, value in schema.items()}
+    if schema.get("type") == "object" and "properties" in schema:
+        result["additionalProperties"] = False
+    return result
+
+
 @functools.cache
 def _validator(name):
-    store = {(FOLDER / f"{each}.json").as_uri(): schema for each, schema in SCHEMAS.items()}
-    resolver = jsonschema.RefResolver((FOLDER / f"{name}.json").as_uri(), SCHEMAS[name], store=store)
-    return jsonschema.Draft202012Validator(SCHEMAS[name], resolver=resolver)
+    return jsonschema.Draft202012Validator(closed(SCHEMAS[name]))
 
 
 def wrong(name, document):
-    """What the schema of that name finds wrong with the document, a line each; empty when it fits."""
+    """What this release's schema of that name finds wrong with the document, a line each; empty when it fits."""
     return [f"{name}: {'/'.join(map(str, each.absolute_path))}: {each.message[:300]}"
             for each in _validator(name).iter_errors(document)]
+
+
+def fits(name, document):
+    """Whether the document fits the schema as users have it, which knows nothing of later releases."""
+    return jsonschema.Draft202012Validator(SCHEMAS[name]).is_valid(document)

@@ -108,13 +108,31 @@ class Documents(unittest.TestCase):
         self.assertEqual((refused["request"], refused["code"], refused["name"]),
                          (1, 20001, "ERR_NO_SUPPORTED_HARDWARE"))
         self.assertEqual(self.error("topology", "--plugin", REFUSING_PLUGIN, code=1)["request"], 4)
-        for words in ((), ("lst",), ("show",), ("list", "--colour"), ("show", "no such"), ("show", "plugin", "none"),
-                      ("list", "--trace", "x"), ("list", "--trace", "1", "--trace-file", "/no/such/file")):
+        for words in ((), ("lst",), ("show",), ("list", "--colour"), ("show", "plugin", "none"), ("list", "--trace", "x"), ("list", "--trace", "1", "--trace-file", "/no/such/file")):
             self.assertNotIn("request", self.error(*words, code=2), words)
+        self.error("show", "no such", code=5)
         self.error("list", "--plugin", "/no/such.so", code=1)
         self.error("list", "--data", "/dev/null/x", code=2)
         self.error("list", fleet="/no/such/fleet", code=2)
         self.assertEqual(run("list", "--json=false").returncode, 2)
+
+    def test_members_that_tell_what_a_row_is_worth(self):
+        fleet = str(pathlib.Path(self.folder.name) / "segments.json")
+        pathlib.Path(fleet).write_text(json.dumps({"controllers": [
+            {"location": "10000:02:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "SILENT"}}]}))
+        (drive,) = self.document("list", "list", fleet=fleet)["drives"]
+        self.assertEqual((drive["healthLogRead"], drive["locationIsReal"], drive["pciAddress"], drive["health"]),
+                         (False, False, "10000:02:00.0", "Unknown"))
+        show = self.document("show", "show", "10000:02:00.0", fleet=fleet)
+        adapter, medium = show["objects"]
+        self.assertEqual((adapter["healthLogRead"], adapter["locationIsReal"], adapter["pciAddress"]),
+                         (False, False, "10000:02:00.0"))
+        self.assertIn("Unknown", [each["text"] for each in show["explanations"]])
+        self.assertIs(self.document("property", "show", adapter["id"], "30017", fleet=fleet)["property"]["measured"],
+                      False)
+        rated = self.document("list", "list")["drives"][0]
+        self.assertEqual(rated["endOfLife"]["object"], rated["adapterId"])
+        self.assertGreater(rated["dataWrittenBytes"], 0)
 
     def test_numbers_stay_exact(self):
         drive = self.document("list", "list", fleet=self.limits)["drives"][0]
@@ -158,15 +176,28 @@ class Documents(unittest.TestCase):
                     if path:
                         self.assertTrue(schemas.wrong(name, changed(document, path, replace)))
                     if isinstance(value, dict):
-                        self.assertTrue(schemas.wrong(name, changed(document, (*path, "unknown"), replace)))
+                        later = changed(document, (*path, "unknown"), replace)
+                        self.assertTrue(schemas.wrong(name, later))
+                        self.assertTrue(schemas.fits(name, later), "members may be added")
             for required in schemas.SCHEMAS[name]["required"]:
                 self.assertTrue(schemas.wrong(name, {k: v for k, v in document.items() if k != required}), required)
-        self.assertEqual({name for name, _ in documents}, set(schemas.SCHEMAS) - {"common", "fleet"})
+        self.assertEqual({name for name, _ in documents}, set(schemas.SCHEMAS) - {"fleet"})
 
     def test_schemas_are_schemas(self):
         for name, schema in schemas.SCHEMAS.items():
             with self.subTest(schema=name):
                 jsonschema.Draft202012Validator.check_schema(schema)
+                self.assertRegex(schema["$id"], rf"^https://[a-z./]+/schemas/1/{name}\.json$")
+
+    def test_each_schema_is_whole_by_itself(self):
+        """So any tool resolves it, with no other file and no network; what several define is the same in all."""
+        shared = {}
+        for name, schema in schemas.SCHEMAS.items():
+            used = {value for path, value in places(schema) if path and path[-1] == "$ref"}
+            defined = schema.get("$defs", {})
+            self.assertEqual(used, {f"#/$defs/{key}" for key in defined}, name)
+            for key, definition in defined.items():
+                self.assertEqual(shared.setdefault(key, definition), definition, (name, key))
 
 
 if __name__ == "__main__":

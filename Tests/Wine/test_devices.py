@@ -156,7 +156,7 @@ class Devices(unittest.TestCase):
             self.assertIn(disk.serial, text)
             self.assertIn(f".PhysicalDrive{disk.number}", text)
             self.assertEqual(self.output("show", disk.serial, "30020"), disk.firmware + "\n")
-        self.assertEqual(self.machine.ostrel("show", EXCLUDED.serial).code, 2)
+        self.assertEqual(self.machine.ostrel("show", EXCLUDED.serial).code, 5)
 
     def test_doctor(self):
         """doctor finds nothing wrong, and tells which controllers are left out and why"""

@@ -1,3 +1,4 @@
+#include "Inspection.h"
 #include "SharedDatabase.h"
 
 #include <Database/Database.h>
@@ -22,13 +23,18 @@ std::string deleteOthers(const char* table, const char* key, const std::vector<V
 
 void checkDatabase()
 {
-    const auto database = getDatabasePointer()->m_Access;
-    // A read-only file refuses the first of these; nothing is changed.
-    database->query("BEGIN IMMEDIATE; ROLLBACK;");
+    const auto storage = getDatabasePointer();
+    const auto database = storage->m_Access;
     const std::vector<std::string> findings = database->query("PRAGMA quick_check");
     if (findings != std::vector<std::string>{"ok"})
         throw DBEXCEPTION::DatabaseException("the database is damaged: " +
                                              (findings.empty() ? "no answer" : findings.front()));
+    const std::string fault =
+        Database::tableFault(*storage, [&](const std::string& sql) { return database->query(sql); });
+    if (!fault.empty())
+        throw DBEXCEPTION::DatabaseException(fault);
+    // A read-only file lets a transaction begin, but no statement write. Nothing is changed.
+    database->query("BEGIN IMMEDIATE; DELETE FROM Plugin WHERE 0; ROLLBACK;");
 }
 
 std::int64_t countDatabaseChanges()

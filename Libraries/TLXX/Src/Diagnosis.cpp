@@ -17,6 +17,7 @@ std::vector<CControllerState> statesOf(IDeviceBackend& backend)
         state.m_Driver = entry.m_Driver;
         state.m_Location = backend.Location(++number);
         state.m_Transport = state.m_Location ? "pcie" : "";
+        state.m_Namespaces = 1;
         state.m_AccessPath = entry.m_DeviceName;
         states.push_back(state);
     }

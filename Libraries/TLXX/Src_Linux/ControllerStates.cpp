@@ -16,6 +16,7 @@ CControllerState stateOf(const Linux::CController& controller)
     state.m_Transport = controller.m_Transport;
     state.m_State = controller.m_State;
     state.m_Location = controller.m_Location;
+    state.m_Namespaces = controller.m_Namespaces;
     state.m_AccessPath = Linux::controllerNode(controller.m_Instance);
     state.m_AccessStatus = Linux::CFileDescriptor(state.m_AccessPath.c_str()).Status();
     return state;

@@ -5,6 +5,7 @@
 #include <TLXX/Linux/Sysfs.h>
 
 #include <algorithm>
+#include <set>
 #include <tuple>
 
 namespace TLXX::Linux {
@@ -40,6 +41,8 @@ std::string devicePath(const CController& controller, const std::string& node, c
 
 void findNamespace(CFolder& folder, CController& controller)
 {
+    // With several paths to it, a namespace has a node for itself and one for the path.
+    std::set<std::uint32_t> identifiers;
     while (const dirent* const entry = folder.Next()) {
         const auto name = namespaceName(entry->d_name);
         if (!name || (name->m_Path && *name->m_Path != controller.m_Instance) || !folder.IsDirectory(*entry))
@@ -48,6 +51,7 @@ void findNamespace(CFolder& folder, CController& controller)
         const auto told = namespaceIdentifier(folder, node);
         // The number in its name counts nodes, and need not be the same.
         const std::uint32_t identifier = told.value_or(name->m_Number);
+        identifiers.insert(identifier);
         std::string path = devicePath(controller, node, *name);
         const bool first = controller.m_DeviceName.empty();
         if (first ||
@@ -58,6 +62,7 @@ void findNamespace(CFolder& folder, CController& controller)
         if (!told)
             controller.m_Whole = false;
     }
+    controller.m_Namespaces = static_cast<std::uint32_t>(identifiers.size());
 }
 
 CController readController(CFolder& folder, const std::string& name, std::uint32_t instance)

@@ -51,6 +51,11 @@ void addDisk(DeviceNode node, CControllerState& state)
     DEVINST child = 0;
     if (CM_Get_Child(&child, node, 0) != CR_SUCCESS || !isServedBy(child, "disk"))
         return;
+    // Each namespace is a disk of its own.
+    DEVINST sibling = child;
+    do
+        state.m_Namespaces += isServedBy(sibling, "disk") ? 1 : 0;
+    while (CM_Get_Sibling(&sibling, sibling, 0) == CR_SUCCESS);
     const std::string path = diskInterface(child);
     if (path.empty())
         return;

@@ -1,14 +1,11 @@
 #pragma once
 
-#include <cstdint>
+#include <PI/PollInterval.h>
 
 namespace NAMESPACE_Ostrel {
 
-/** The bounds of the poll interval, in seconds. */
-inline constexpr std::uint32_t MINIMUM_POLL_INTERVAL = 2;
-inline constexpr std::uint32_t MAXIMUM_POLL_INTERVAL = 255;
-
-/** The poll interval's key in the settings file. */
-inline constexpr char POLL_INTERVAL_KEY[] = "PollInterval";
+using PI::MAXIMUM_POLL_INTERVAL;
+using PI::MINIMUM_POLL_INTERVAL;
+using PI::POLL_INTERVAL_KEY;
 
 } // namespace NAMESPACE_Ostrel

@@ -129,6 +129,9 @@ TEST(CommandLine, HasQuietDefaults)
 TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
 {
     EXPECT_THAT(refusalOf({}), HasSubstr("A command is missing"));
+    EXPECT_THAT(refusalOf({"--simulate", "list"}),
+                StartsWith("A command is missing: \"list\" was taken for the value of --simulate."));
+    EXPECT_THAT(refusalOf({"--data", "folder"}), StartsWith("A command is missing. "));
     EXPECT_THAT(refusalOf({"lst"}), HasSubstr("There is no command \"lst\""));
     EXPECT_THAT(refusalOf({"set", "plugin"}), HasSubstr("PROPERTY is required"));
     EXPECT_THAT(refusalOf({"set", "plugin", "pollinterval"}), HasSubstr("VALUE is required"));

@@ -80,6 +80,18 @@ TEST(CheckControllers, NamesEachReasonWhyOneIsNotShown)
     EXPECT_EQ(exitCodeOf(checks), ExitCode::NoPermission);
 }
 
+TEST(CheckControllers, TellsOfNamespacesThatAreNotShown)
+{
+    TLXX::CControllerState one = stateOf(0);
+    one.m_Namespaces = 1;
+    TLXX::CControllerState three = stateOf(1);
+    three.m_Namespaces = 3;
+    EXPECT_THAT(checkControllers({one, three}),
+                ElementsAre(finding(Finding::Ok, "/dev/nvme0n1"), finding(Finding::Ok, "/dev/nvme1n1"),
+                            finding(Finding::Note, "has 3 namespaces; only the first one is shown, "
+                                                   "/dev/nvme1n1")));
+}
+
 TEST(CheckControllers, HavingNoneOrNoDiskIsAProblem)
 {
     TLXX::CControllerState state = stateOf(0);
@@ -138,7 +150,7 @@ protected:
     static std::vector<Check> check(const std::vector<TLXX::CControllerState>& states,
                                     const std::vector<HostTest::DriveObjects>& drives)
     {
-        return checkInventory(states, Host::ObjectStore(HostTest::topologyOf(drives)));
+        return checkInventory(Host::ObjectStore(HostTest::topologyOf(drives), states));
     }
 
     HostTest::DriveObjects m_First{16, "A", "/dev/nvme0n1"};
@@ -160,7 +172,8 @@ TEST_F(CheckInventoryTest, TellsOfADroppedDiskAndTheNumbersBehindIt)
     HostTest::DriveObjects shifted(16, "B", "/dev/nvme1n1");
     EXPECT_THAT(check({stateOf(0), stateOf(1)}, {shifted}),
                 ElementsAre(finding(Finding::Note, "is left out on purpose"),
-                            finding(Finding::Note, "sits at 0000:20:1f.1, but is shown at PCI:Bus=16&"),
+                            AllOf(finding(Finding::Note, "sits at 0000:20:1f.1, but is shown at PCI:Bus=16&"),
+                                  finding(Finding::Note, "a disk before it was left out")),
                             finding(Finding::Note, "shift the numbers")));
 }
 
@@ -169,7 +182,8 @@ TEST_F(CheckInventoryTest, TellsOfADiskShownInAnotherSegment)
     TLXX::CControllerState state = stateOf(0);
     state.m_Location->m_Segment = 1;
     EXPECT_THAT(check({state}, {m_First}),
-                ElementsAre(finding(Finding::Note, "sits at 0001:10:1f.1, but is shown at PCI:Bus=16&")));
+                ElementsAre(AllOf(finding(Finding::Note, "sits at 0001:10:1f.1, but is shown at PCI:Bus=16&"),
+                                  Not(finding(Finding::Note, "left out")))));
 }
 
 TEST_F(CheckInventoryTest, TellsWhyADiskIsMissingByWhatItAnswered)
@@ -200,7 +214,9 @@ TEST_F(CheckInventoryTest, DoesNotMissADiskThatRefusesThisUser)
 TEST_F(CheckInventoryTest, TellsWhatADriveLeftUnanswered)
 {
     FakesOf drives(1);
-    m_First.remove(PI::PROP_DRIVE_TEMPERATURE);
+    for (const std::uint32_t id :
+         {PI::PROP_DRIVE_TEMPERATURE, PI::PROP_DATA_READ, PI::PROP_DATA_WRITTEN, PI::PROP_POWER_ON_HOURS})
+        m_First.remove(id);
     drives.m_Fakes.At(0).m_HealthStatuses = {5};
     drives.readHealth(0);
     // A vendor log that a drive does not know is no trouble, and must not be taken for its health log.
@@ -212,6 +228,41 @@ TEST_F(CheckInventoryTest, TellsWhatADriveLeftUnanswered)
     drives.readHealth(0);
     EXPECT_THAT(check({stateOf(0)}, {m_First}),
                 ElementsAre(finding(Finding::Problem, "health log was never filled")));
+}
+
+TEST_F(CheckInventoryTest, ALogWithoutATemperatureIsNoLogThatWasNotRead)
+{
+    m_First.remove(PI::PROP_DRIVE_TEMPERATURE);
+    EXPECT_THAT(check({stateOf(0)}, {m_First}),
+                ElementsAre(finding(Finding::Note, "its health log holds no temperature")));
+}
+
+TEST_F(CheckInventoryTest, SaysNothingOfDrivesThatAreNotTheSystems)
+{
+    HostTest::DriveObjects strange(32, "", "");
+    for (const std::uint32_t id : {PI::PROP_DRIVE_TEMPERATURE, PI::PROP_DATA_READ, PI::PROP_DATA_WRITTEN,
+                                   PI::PROP_POWER_ON_HOURS, PI::PROP_BLOCK_SIZE})
+        strange.remove(id);
+    EXPECT_TRUE(check({stateOf(0)}, {m_First, strange}).empty());
+}
+
+TEST_F(CheckInventoryTest, NamesDrivesThatShareALocationOrASerialNumber)
+{
+    TLXX::CControllerState second = stateOf(1);
+    second.m_Location = TLXX::CPciLocation{0x10000, 16, 0x1f, 1};
+    HostTest::DriveObjects same(16, "B", "/dev/nvme1n1");
+    const std::vector<Check> checks = check({stateOf(0), second}, {m_First, same});
+    EXPECT_THAT(
+        checks,
+        ElementsAre(AllOf(finding(Finding::Note, "sits at 10000:10:1f.1, but is shown at PCI:Bus=16&"),
+                          finding(Finding::Note, "locations leave the PCI segment out")),
+                    finding(Finding::Note, "share the location PCI:Bus=16&Device=0&Function=0")));
+    EXPECT_EQ(checks[1].m_Subject, "nvme0n1, nvme1n1");
+
+    const HostTest::DriveObjects twin(32, "A", "/dev/nvme1n1");
+    const std::vector<Check> twins = check({stateOf(0), stateOf(1)}, {m_First, twin});
+    EXPECT_THAT(twins, ElementsAre(finding(Finding::Note, "share the serial number A")));
+    EXPECT_EQ(twins[0].m_Subject, "nvme0n1, nvme1n1");
 }
 
 TEST_F(CheckInventoryTest, TellsOfNamespacesWithoutCapacity)

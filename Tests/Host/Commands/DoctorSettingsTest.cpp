@@ -2,6 +2,8 @@
 #include "Support/TemporaryFolder.h"
 
 #include <Database/Database.h>
+#include <Database/Maintenance.h>
+#include <DatabaseORM/DatabaseException.h>
 
 #include <algorithm>
 #include <fstream>
@@ -34,19 +36,24 @@ TEST(CheckSettings, TellsOfAFileThatIsIgnored)
 TEST(CheckSettings, TellsOfAnIntervalThatIsNotTakenAsItStands)
 {
     const TestSupport::CTemporaryFolder folder;
-    for (const char* good : {"2", "30", "255"}) {
+    for (const char* good : {"2", "30", "255", " 45", "+45"}) {
         folder.Write("Ostrel.ini", std::string("PollInterval=") + good + "\r\n");
         EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Ok, "Ostrel.ini")) << good;
     }
-    for (const char* bad : {"", "abc", "30 s", "-5", "1.5"}) {
+    for (const char* bad : {"", "abc", "30 s", "45 ", "1.5", "4294967296"}) {
         folder.Write("Ostrel.ini", std::string("PollInterval=") + bad + "\n");
         const Check check = checkSettings(folder.Path());
-        EXPECT_THAT(check, finding(Finding::Problem, "PollInterval is \"" + std::string(bad) + "\"")) << bad;
+        EXPECT_THAT(check,
+                    finding(Finding::Problem, "PollInterval is \"" + std::string(bad) +
+                                                  "\", no whole number, so the usual value, 30, holds"))
+            << bad;
         EXPECT_THAT(check.m_Remedy, HasSubstr("from 2 to 255"));
     }
-    for (const char* far : {"0", "1", "256", "4294967296"}) {
+    for (const auto& [far, near] : {std::pair("0", "2"), {"1", "2"}, {"256", "255"}, {"-5", "255"}}) {
         folder.Write("Ostrel.ini", std::string("PollInterval=") + far + "\n");
-        EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Problem, "nearest possible value")) << far;
+        EXPECT_THAT(checkSettings(folder.Path()),
+                    finding(Finding::Problem, "nearest possible value, " + std::string(near) + ", holds"))
+            << far;
     }
     folder.Write("Ostrel.ini", "PolInterval=45\n");
     EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Note, "no line \"PollInterval=...\""));
@@ -130,6 +137,15 @@ TEST_F(CheckKeptRows, KnowsTablesOfAnotherReleaseAndEmptyFiles)
     std::filesystem::remove(file());
     std::ofstream(file(), std::ios::trunc).close();
     EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "is empty"));
+}
+
+TEST_F(CheckKeptRows, NamesAColumnThatIsMissing)
+{
+    make("DROP TRIGGER IgnoreUnchangedAdapter; ALTER TABLE Adapter DROP COLUMN ReserveSpace");
+    EXPECT_THAT(checkKeptRows(file()),
+                finding(Finding::Problem, "the table Adapter has no column ReserveSpace"));
+    setDatabaseFile(file());
+    EXPECT_THROW(checkDatabase(), DBEXCEPTION::DatabaseException);
 }
 
 TEST_F(CheckKeptRows, NamesWhatIsWrongWithTheFile)

@@ -68,6 +68,22 @@ TEST_F(ListCommandTest, FitsATerminalOf80Columns)
                         "          Media is read-only\n"));
 }
 
+TEST_F(ListCommandTest, SaysBelowTheTableWhatIsNotAsItLooks)
+{
+    Host::Cli::Drive drive = longDrive();
+    drive.m_Reasons.clear();
+    drive.m_HealthLogRead = true;
+    drive.m_Place = Host::Cli::ShownPlace::WithoutSegment;
+    EXPECT_THAT(Host::Cli::listText({drive}, {80, false}), Not(HasSubstr("nvme12n1: ")));
+    drive.m_HealthLogRead = false;
+    drive.m_Place = Host::Cli::ShownPlace::Another;
+    drive.m_PciAddress = "0000:03:00.0";
+    drive.m_Location = "PCI:Bus=2";
+    EXPECT_THAT(Host::Cli::listText({drive}, {80, false}),
+                HasSubstr("\n\nnvme12n1: its health log was not read\n"
+                          "nvme12n1: is at 0000:03:00.0, but is shown at PCI:Bus=2\n"));
+}
+
 TEST_F(ListCommandTest, FitsATerminalOf60Columns)
 {
     const std::string text = Host::Cli::listText({longDrive()}, {60, false});

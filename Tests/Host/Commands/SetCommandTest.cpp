@@ -23,7 +23,8 @@ protected:
 
     PI::CProperty set(std::size_t object, std::uint32_t id, std::string_view value)
     {
-        return Host::Cli::setProperty(m_Plugin, m_Objects.at(object), property(object, id), value);
+        return Host::Cli::setProperty(m_Plugin, m_Objects.at(object), property(object, id), value,
+                                      m_Folder.Path() / "Ostrel.ini");
     }
 
     Host::Failure failureOf(std::size_t object, std::uint32_t id, std::string_view value)
@@ -108,6 +109,23 @@ TEST_F(SetCommandTest, SaysWhenTheSettingsCannotBeWritten)
     const Host::Failure failure = failureOf(0, PI::PROP_POLL_INTERVAL, "60");
     EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
     EXPECT_THAT(failure.what(), HasSubstr(" refused request 7 (SetProperty) with 20000 ERR_GENERAL_FAILURE"));
+    EXPECT_THAT(failure.what(), HasSubstr("cannot be set. " + (m_Folder.Path() / "Ostrel.ini").string() +
+                                          " cannot be written: it is no file. The plug-in "));
+}
+
+TEST_F(SetCommandTest, SaysWhenTheSettingsAreTornOrTheirFolderIsMissing)
+{
+    m_Folder.Write("Ostrel.ini", std::string("PollInterval=45\n\0", 17));
+    EXPECT_THAT(failureOf(0, PI::PROP_POLL_INTERVAL, "60").what(), HasSubstr("it holds zero bytes"));
+    std::filesystem::remove_all(m_Folder.Path());
+    EXPECT_THAT(failureOf(0, PI::PROP_POLL_INTERVAL, "60").what(),
+                HasSubstr(m_Folder.Path().string() + ": No such file or directory. The plug-in "));
+}
+
+TEST_F(SetCommandTest, SaysNothingOfTheSettingsWhenThePropertyIsTheReason)
+{
+    std::filesystem::create_directories(m_Folder.Path() / "Ostrel.ini" / "full");
+    EXPECT_THAT(failureOf(0, PI::PROP_NAME, "x").what(), Not(HasSubstr("cannot be written")));
 }
 
 } // namespace

@@ -85,7 +85,7 @@ TEST_F(ShowCommandTest, SuggestsAPropertyWithANearName)
 
 TEST_F(ShowCommandTest, ShowsHeadingsAndProperties)
 {
-    EXPECT_THAT(Host::Cli::showText(m_Both, {}),
+    EXPECT_THAT(Host::Cli::showText(Host::ObjectStore(HostTest::topologyOf({m_Objects})), m_Both, {}),
                 AllOf(HasSubstr("Adapter INTEL MODEL-OF-THE-ADAPTER  0x0000000000000010\n"),
                       HasSubstr("\n\nPhysical drive Product  0x0000000000000011\n"),
                       HasSubstr("  Capacity ")));
@@ -94,7 +94,7 @@ TEST_F(ShowCommandTest, ShowsHeadingsAndProperties)
 TEST_F(ShowCommandTest, SaysWhatIsWrongAndWhatToDo)
 {
     EXPECT_THAT(
-        Host::Cli::showText(m_Both, {}),
+        Host::Cli::showText(Host::ObjectStore(HostTest::topologyOf({m_Objects})), m_Both, {}),
         HasSubstr("\n\n  Property 30165: Available spare below its threshold\n"
                   "    The blocks that the drive keeps to replace worn ones are nearly used up. When they "
                   "are gone it stops taking data. Back up what is on the drive now, and replace it.\n"
@@ -103,7 +103,8 @@ TEST_F(ShowCommandTest, SaysWhatIsWrongAndWhatToDo)
 
 TEST_F(ShowCommandTest, FoldsItsSentencesOnATerminalAlone)
 {
-    EXPECT_THAT(Host::Cli::showText(m_Both, Host::Cli::Screen{40, false}),
+    EXPECT_THAT(Host::Cli::showText(Host::ObjectStore(HostTest::topologyOf({m_Objects})), m_Both,
+                                    Host::Cli::Screen{40, false}),
                 HasSubstr("\n    The blocks that the drive keeps to\n    replace worn ones are nearly used\n"
                           "    up. When they are gone it stops\n"));
 }
@@ -113,7 +114,7 @@ TEST_F(ShowCommandTest, SaysWhereTheEndOfLifeComesFrom)
     m_Objects.m_Adapter.m_Properties.push_back(
         HostTest::property(PI::PROP_END_OF_LIFE_DATE, 1, "2099-01-01"));
     EXPECT_THAT(
-        Host::Cli::showText(m_Both, {}),
+        Host::Cli::showText(Host::ObjectStore(HostTest::topologyOf({m_Objects})), m_Both, {}),
         HasSubstr(
             "  Estimated end of life: 2099-01-01\n    Computed from 11 h of operation, 2.5 GiB written"));
 }

@@ -41,7 +41,7 @@ TEST_F(TopologyCommandTest, ShowsEachObjectBelowItsParent)
     EXPECT_EQ(topologyText(Host::ObjectStore(objects), {}),
               "Plug-in The plug-in  0x0000000000000001\n"
               "  Name  The plug-in\n"
-              "  Operations: 50002\n"
+              "  Operations: 50002 Collect events\n"
               "  Adapter INTEL X  0x0000000000000002\n"
               "    Property 30003  INTEL\n"
               "    Property 30063  X\n"

@@ -1,6 +1,10 @@
 #include "Host/Checks.h"
 #include "Support/TemporaryFolder.h"
 
+#include <Database/Database.h>
+#include <Database/Maintenance.h>
+#include <DatabaseORM/DatabaseException.h>
+
 #include <filesystem>
 #include <stdexcept>
 
@@ -82,6 +86,36 @@ TEST_F(RowsOfAnOrdinaryUser, CannotBeReadWithoutPermission)
     EXPECT_THAT(check(file), refusal("Ostrel.db: Permission denied"));
     mode(m_Data, 0);
     EXPECT_THAT(check(file), refusal("Ostrel.db: Permission denied"));
+}
+
+TEST_F(RowsOfAnOrdinaryUser, CannotBeWrittenWithoutPermission)
+{
+    const std::filesystem::path file = m_Folder.Write("data/Ostrel.db", "");
+    mode(file, 0444);
+    EXPECT_THAT(check(file), refusal("Ostrel.db: Permission denied, so no rows can be kept"));
+    mode(file, 0666);
+    EXPECT_THAT(check(file), finding(Finding::Ok, "is empty"));
+}
+
+TEST_F(RowsOfAnOrdinaryUser, ThatAreKeptMustBeWritable)
+{
+    mode(m_Data, 0777);
+    const std::filesystem::path file = m_Data / "Ostrel.db";
+    setDatabaseFile(file);
+    checkDatabase();
+    setDatabaseFile({});
+    mode(file, 0444);
+    {
+        const OrdinaryUser user;
+        setDatabaseFile(file);
+        try {
+            checkDatabase();
+            ADD_FAILURE() << "a file that cannot be written passes";
+        } catch (const DBEXCEPTION::DatabaseException& exception) {
+            EXPECT_THAT(exception.what(), testing::HasSubstr("readonly"));
+        }
+    }
+    setDatabaseFile({});
 }
 
 TEST(PlaceOfRows, ALinkToNothingIsNoMissingFile)

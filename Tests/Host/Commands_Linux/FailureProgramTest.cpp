@@ -20,7 +20,7 @@ using testing::StartsWith;
 TEST(ProgramFailure, SaysWhatThereIsWhenANameIsUnknown)
 {
     const ProgramResult object = runProgram(simulated({"show", "nvme99n1"}));
-    EXPECT_EQ(object.m_ExitCode, 2);
+    EXPECT_EQ(object.m_ExitCode, 5);
     EXPECT_THAT(object.m_Output, IsEmpty());
     EXPECT_THAT(object.m_Errors, AllOf(HasSubstr("There is no object \"nvme99n1\""), HasSubstr("DEMO-0006")));
     const ProgramResult property = runProgram(simulated({"show", "nvme0n1", "colour", "--json"}));

@@ -74,7 +74,7 @@ TEST(Program, ShowsTheTopologyAsJson)
     EXPECT_EQ(objects[0]["id"], "0x0139000000000000");
     EXPECT_EQ(objects[0]["type"], 19006);
     EXPECT_EQ(objects[0]["children"].size(), 7U);
-    EXPECT_EQ(objects[0]["operations"], json::parse(R"([{"id": 50002}])"));
+    EXPECT_EQ(objects[0]["operations"], json::parse(R"([{"id": 50002, "name": "Collect events"}])"));
     EXPECT_EQ(objects[1]["type"], 19038);
     EXPECT_EQ(objects[1]["parents"], json::parse(R"(["0x0139000000000000"])"));
     EXPECT_EQ(objects[8]["type"], 19018);
@@ -128,6 +128,32 @@ TEST(Program, ShowsADriveWhoseHealthLogWasNotReadAsUnknown)
     EXPECT_EQ(drive["health"], "Unknown");
     EXPECT_FALSE(drive.contains("healthCode"));
     EXPECT_THAT(runProgram(simulated({"doctor"}, fleet)).m_Output, HasSubstr(": 1 adapter, 3 objects\n"));
+
+    const std::string show = runProgram(simulated({"show", "S"}, fleet)).m_Output;
+    EXPECT_THAT(show,
+                AllOf(HasSubstr("  The health log of this drive was not read. "),
+                      HasSubstr("  Health status: Unknown\n"), Not(HasSubstr("Nothing needs to be done"))));
+    const ProgramResult row = runProgram(simulated({"show", "S", "health status"}, fleet));
+    EXPECT_THAT(row.m_Output, testing::EndsWith("\nHealthy\n"));
+    EXPECT_THAT(row.m_Errors,
+                HasSubstr("Health status is not measured: the health log of this drive was not read."));
+}
+
+TEST(Program, FindsADriveOutsideTheFirstSegmentWhereItIs)
+{
+    const TestSupport::CTemporaryFolder folder;
+    const std::string fleet = folder.Write("fleet.json", R"({"controllers": [
+            {"location": "0000:e1:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "S"}},
+            {"location": "10000:e1:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "T"}}]})");
+    const ProgramResult show = runProgram(simulated({"show", "10000:e1:00.0"}, fleet));
+    EXPECT_EQ(show.m_ExitCode, 0) << show.m_Errors;
+    EXPECT_THAT(show.m_Output, AllOf(HasSubstr("  The controller is at 10000:e1:00.0. "),
+                                     HasSubstr("PCI:Bus=225&Device=0&Function=0\n")));
+    const json drives = json::parse(runProgram(simulated({"list", "--json"}, fleet)).m_Output)["drives"];
+    EXPECT_EQ(drives[1]["pciAddress"], "10000:e1:00.0");
+    EXPECT_THAT(
+        runProgram(simulated({"doctor"}, fleet)).m_Output,
+        AllOf(HasSubstr("nvme0n1, nvme1n1: share the location PCI:Bus=225&"), Not(HasSubstr("left out"))));
 }
 
 TEST(Program, PrintsHelpAndVersionToStandardOutput)

@@ -70,9 +70,10 @@ TEST_F(JsonTest, WritesAnObject)
     object.m_Parents = {0x0139000000000000};
     object.m_UpdateCount = 3;
     object.m_Operations.emplace_back(PI::COperationTemplate{50002, 0, 0, 0, 0, false, 0, 0, 0});
-    EXPECT_EQ(objectJson(object), parsed(R"({"id": "0x0139000000000001", "type": 19038,
+    EXPECT_EQ(objectJson(Host::ObjectStore({object}), object),
+              parsed(R"({"id": "0x0139000000000001", "type": 19038,
         "parents": ["0x0139000000000000"], "children": [], "updateCount": 3, "properties": [],
-        "operations": [{"id": 50002}]})"));
+        "operations": [{"id": 50002, "name": "Collect events"}]})"));
 }
 
 TEST_F(JsonTest, WritesADriveWithAllItsFields)
@@ -81,13 +82,68 @@ TEST_F(JsonTest, WritesADriveWithAllItsFields)
     EXPECT_EQ(driveJson(joinDrives(store).at(0)), parsed(R"({
         "device": "/dev/nvme0n1", "vendor": "INTEL", "model": "MODEL-OF-THE-ADAPTER", "serial": "SERIAL",
         "pciAddress": "0000:81:1f.1", "location": "PCI:Bus=129&Device=0&Function=0",
-        "firmware": "FW1", "capacityMiB": 1907729, "blockSize": 4096, "temperature": 36.0, "wear": 120,
+        "firmware": "FW1", "capacityMiB": 1907729, "capacityBytes": 2000398843904, "blockSize": 4096, "temperature": 36.0, "wear": 120,
         "health": "Critical", "healthCode": 40095,
         "reasons": ["Available spare below its threshold", "Media is read-only"], "reasonCodes": [40460, 40452],
         "driver": "nvme", "driverVersion": "6.1", "spare": 98, "spareThreshold": 7,
-        "dataRead": {"value": 1.6, "unit": "TiB"}, "dataWritten": {"value": 2.5, "unit": "GiB"},
+        "dataRead": {"value": 1.6, "unit": "TiB"}, "dataReadBytes": 1759218630656,
+        "dataWritten": {"value": 2.5, "unit": "GiB"}, "dataWrittenBytes": 2684354560,
         "powerOnHours": 11, "mediaErrors": 13,
         "adapterId": "0x0000000000000081", "driveId": "0x0000000000000082"})"));
+}
+
+TEST_F(JsonTest, SaysWhichRowsOfAnAdapterAreNotMeasuredAndWhereItIs)
+{
+    HostTest::DriveObjects objects(16, "SERIAL", "/dev/nvme0n1");
+    for (const std::uint32_t id :
+         {PI::PROP_DRIVE_TEMPERATURE, PI::PROP_DATA_READ, PI::PROP_DATA_WRITTEN, PI::PROP_POWER_ON_HOURS})
+        objects.remove(id);
+    TLXX::CControllerState state;
+    state.m_DeviceName = "/dev/nvme0n1";
+    state.m_Location = TLXX::CPciLocation{0x10000, 16, 0x1f, 1};
+    const Host::ObjectStore store(HostTest::topologyOf({objects}), {state});
+    const Json adapter = objectJson(store, store.objects()[1]);
+    EXPECT_EQ(adapter["healthLogRead"], false);
+    EXPECT_EQ(adapter["pciAddress"], "10000:10:1f.1");
+    EXPECT_EQ(adapter["locationIsReal"], false);
+    std::vector<std::uint32_t> unmeasured;
+    for (const Json& each : adapter["properties"])
+        if (each.contains("measured"))
+            unmeasured.push_back(each["id"].get<std::uint32_t>());
+    EXPECT_THAT(unmeasured, testing::ElementsAre(PI::PROP_AVAILABLE_SPARE, PI::PROP_SPARE_THRESHOLD,
+                                                 PI::PROP_MEDIA_ERRORS));
+    const Json medium = objectJson(store, store.objects()[2]);
+    EXPECT_EQ(medium["healthLogRead"], false);
+    EXPECT_FALSE(medium.contains("pciAddress"));
+    EXPECT_FALSE(objectJson(store, store.objects()[0]).contains("healthLogRead"));
+    const Json drive = driveJson(joinDrives(store).at(0));
+    EXPECT_EQ(drive["healthLogRead"], false);
+    EXPECT_EQ(drive["pciAddress"], "10000:10:1f.1");
+    EXPECT_EQ(drive["locationIsReal"], false);
+}
+
+TEST_F(JsonTest, WritesTheEndOfEachLifeIntoTheList)
+{
+    HostTest::DriveObjects ends(16, "A", "/dev/nvme0n1");
+    ends.m_Adapter.m_Properties.push_back(property(PI::PROP_END_OF_LIFE_DATE, 1, "2099-01-01"));
+    const Json list =
+        listJson(Host::ObjectStore(HostTest::topologyOf({ends, {32, "B", "/dev/nvme1n1"}})))["drives"];
+    ASSERT_EQ(list.size(), 2U);
+    EXPECT_EQ(list[0]["endOfLife"]["date"], "2099-01-01");
+    EXPECT_EQ(list[0]["endOfLife"]["object"], list[0]["adapterId"]);
+    EXPECT_FALSE(list[1].contains("endOfLife"));
+}
+
+TEST_F(JsonTest, AmountsBeyondAllNumbersHaveNoBytes)
+{
+    Drive drive;
+    drive.m_DataRead = Amount{16, PI::UNIT_EIB};
+    drive.m_DataWritten = Amount{1, PI::UNIT_CELSIUS};
+    drive.m_CapacityMiB = 1ULL << 44U;
+    for (const char* name : {"dataReadBytes", "dataWrittenBytes", "capacityBytes"})
+        EXPECT_FALSE(driveJson(drive).contains(name)) << name;
+    drive.m_CapacityMiB = (1ULL << 44U) - 1;
+    EXPECT_EQ(driveJson(drive)["capacityBytes"], 18446744073708503040ULL);
 }
 
 TEST_F(JsonTest, LeavesOutWhatADriveDoesNotReport)
@@ -145,7 +201,7 @@ TEST_F(JsonTest, WritesNumbersThatNoDoubleHoldsAsTextToo)
                                            "mediaErrorsText": "9007199254740993"})"));
     PI::CObject object;
     object.m_UpdateCount = largestExact + 1;
-    EXPECT_EQ(objectJson(object)["updateCountText"], "9007199254740993");
+    EXPECT_EQ(objectJson(Host::ObjectStore({object}), object)["updateCountText"], "9007199254740993");
 }
 
 TEST_F(JsonTest, LeavesOutMeasurementsThatAreNoNumbers)

@@ -83,15 +83,56 @@ TEST_F(DrivesTest, TheHealthOfADriveWithoutAHealthLogIsUnknown)
     for (const std::uint32_t id : {PI::PROP_DRIVE_TEMPERATURE, PI::PROP_DATA_READ, PI::PROP_DATA_WRITTEN,
                                    PI::PROP_ENDURANCE_USED, PI::PROP_POWER_ON_HOURS})
         m_Objects.remove(id);
-    // What the drive was found to suffer from stays true.
-    EXPECT_EQ(joined(m_Objects).m_Health->m_Text, "Critical");
     m_Objects.remove(PI::PROP_STATUS_REASONS);
+    // What the drive was found to suffer from stays true: another log told it.
+    EXPECT_EQ(joined(m_Objects).m_Health->m_Text, "Critical");
+    m_Objects.remove(PI::PROP_HEALTH_STATUS);
+    m_Objects.m_Adapter.m_Properties.push_back(
+        property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{40024}, std::vector<std::uint32_t>{}));
+    EXPECT_EQ(joined(m_Objects).m_HealthLogRead, false);
     EXPECT_EQ(joined(m_Objects).m_Health->m_Text, "Unknown");
     EXPECT_EQ(joined(m_Objects).m_Health->m_Code, std::nullopt);
     EXPECT_FALSE(joined(m_Objects).m_Spare || joined(m_Objects).m_SpareThreshold ||
                  joined(m_Objects).m_MediaErrors);
     m_Objects.m_Adapter.m_Properties.push_back(property(PI::PROP_POWER_ON_HOURS, 1, std::uint64_t{0}));
-    EXPECT_EQ(joined(m_Objects).m_Health->m_Code, 40095U);
+    EXPECT_EQ(joined(m_Objects).m_Health->m_Code, 40024U);
+    EXPECT_EQ(joined(m_Objects).m_HealthLogRead, true);
+}
+
+TEST_F(DrivesTest, AHealthWithoutAnythingFromAHealthLogIsTakenAsItIs)
+{
+    for (const std::uint32_t id :
+         {PI::PROP_DRIVE_TEMPERATURE, PI::PROP_DATA_READ, PI::PROP_DATA_WRITTEN, PI::PROP_POWER_ON_HOURS,
+          PI::PROP_AVAILABLE_SPARE, PI::PROP_SPARE_THRESHOLD, PI::PROP_MEDIA_ERRORS, PI::PROP_STATUS_REASONS})
+        m_Objects.remove(id);
+    EXPECT_EQ(joined(m_Objects).m_HealthLogRead, std::nullopt);
+    EXPECT_EQ(joined(m_Objects).m_Health->m_Text, "Critical");
+}
+
+TEST_F(DrivesTest, TheAddressIsTheSystemsAndTheLocationThePlugins)
+{
+    TLXX::CControllerState state;
+    state.m_DeviceName = "/dev/nvme0n1";
+    state.m_Location = TLXX::CPciLocation{0x10000, 0x81, 0x1f, 1};
+    const auto with = [&] {
+        return joinDrives(Host::ObjectStore(HostTest::topologyOf({m_Objects}), {state})).at(0);
+    };
+    EXPECT_EQ(with().m_PciAddress, "10000:81:1f.1");
+    EXPECT_EQ(with().m_Location, "PCI:Bus=129&Device=0&Function=0");
+    EXPECT_EQ(with().m_Place, Host::Cli::ShownPlace::WithoutSegment);
+    state.m_Location->m_Bus = 0x82;
+    EXPECT_EQ(with().m_PciAddress, "10000:82:1f.1");
+    EXPECT_EQ(with().m_Place, Host::Cli::ShownPlace::Another);
+    state.m_Location = TLXX::CPciLocation{0, 0x81, 0x1f, 1};
+    EXPECT_EQ(with().m_Place, Host::Cli::ShownPlace::Real);
+}
+
+TEST(BytesOf, CountTheUnitAndRefuseWhatIsNone)
+{
+    EXPECT_EQ(Host::Cli::bytesOf({2, PI::UNIT_BYTES}), 2.0);
+    EXPECT_EQ(Host::Cli::bytesOf({1.5F, PI::UNIT_KIB}), 1536.0);
+    EXPECT_EQ(Host::Cli::bytesOf({1, PI::UNIT_EIB}), 0x1p60);
+    EXPECT_EQ(Host::Cli::bytesOf({1, PI::UNIT_CELSIUS}), std::nullopt);
 }
 
 TEST_F(DrivesTest, AnAddressOfZerosIsNone)

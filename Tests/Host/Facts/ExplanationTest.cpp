@@ -38,8 +38,8 @@ PI::CProperty reasons(const std::vector<std::uint32_t>& codes)
 std::vector<std::uint32_t> explained(const PI::CObject& object)
 {
     std::vector<std::uint32_t> codes;
-    for (const ExplainedCode& each : explainedCodes(object)) {
-        codes.push_back(each.m_Explanation->m_Code);
+    for (const ExplainedCode& each : explainedCodes(Host::ObjectStore({object}), object)) {
+        codes.push_back(each.m_Code);
         EXPECT_NE(each.m_Property, nullptr);
     }
     return codes;
@@ -84,11 +84,38 @@ TEST(ExplainedCodes, AreNoneOfWhatNobodyKnows)
     EXPECT_THAT(explained(PI::CObject()), IsEmpty());
 }
 
+TEST(ExplainedCodes, SayWhenNobodyMeasuredAState)
+{
+    const HostTest::Catalogue catalogue;
+    PI::CObject object =
+        objectWith(HEALTHY, {code(PI::PROP_SPARE_STATE, 40473), code(PI::PROP_WEAR_STATE, 40252),
+                             property(PI::PROP_VENDOR, 1, "SAMSUNG"),
+                             property(PI::PROP_POWER_ON_HOURS, 1, std::uint64_t{1})});
+    object.m_Type = PI::TYPE_ADAPTER;
+    object.m_ID = 0x0139000000000001;
+    const auto texts = [&] {
+        std::vector<std::string> result;
+        for (const ExplainedCode& each : explainedCodes(Host::ObjectStore({object}), object))
+            result.push_back(each.m_Text + "|" + each.m_Meaning);
+        return result;
+    };
+    using testing::StartsWith;
+    EXPECT_THAT(texts(),
+                ElementsAre(StartsWith("Sufficient (not measured)|This state is not measured; every"),
+                            StartsWith("OK (not measured)|This state is not measured for drives of")));
+    // Without its health log nobody knows how the drive fares.
+    std::erase_if(object.m_Properties,
+                  [](const PI::CProperty& each) { return each.Id() == PI::PROP_POWER_ON_HOURS; });
+    object.m_Properties.push_back(property(PI::PROP_AVAILABLE_SPARE, PI::UNIT_PERCENT, 100, 0, 100, 1));
+    EXPECT_THAT(texts(), ElementsAre(StartsWith("Unknown|The health log of this drive was not read"),
+                                     StartsWith("Sufficient (not"), StartsWith("OK (not")));
+}
+
 TEST(ExplanationsJson, NameObjectPropertyAndCode)
 {
     const HostTest::Catalogue catalogue;
     const PI::CObject object = objectWith(CRITICAL, {reasons({40452})});
-    const nlohmann::ordered_json list = explanationsJson({&object});
+    const nlohmann::ordered_json list = explanationsJson(Host::ObjectStore({object}), {&object});
     ASSERT_EQ(list.size(), 1U);
     EXPECT_EQ(list[0]["object"], "0x0000000000000010");
     EXPECT_EQ(list[0]["property"], 30165);
@@ -96,7 +123,7 @@ TEST(ExplanationsJson, NameObjectPropertyAndCode)
     EXPECT_EQ(list[0]["text"], "Media is read-only");
     EXPECT_THAT(list[0]["meaning"].get<std::string>(), testing::HasSubstr("stopped taking data"));
     EXPECT_THAT(list[0]["advice"].get<std::string>(), testing::HasSubstr("replace it"));
-    EXPECT_EQ(explanationsJson({}).dump(), "[]");
+    EXPECT_EQ(explanationsJson(Host::ObjectStore({object}), {}).dump(), "[]");
 }
 
 } // namespace

@@ -20,17 +20,18 @@ protected:
         return ids;
     }
 
-    std::string refusalOf(std::string_view name) const
+    std::string refusalOf(std::string_view name)
     {
         try {
             m_Store.named(name);
         } catch (const Host::Failure& failure) {
-            EXPECT_EQ(failure.exitCode(), Host::ExitCode::WrongUsage);
+            m_ExitCode = failure.exitCode();
             return failure.what();
         }
         return "found";
     }
 
+    Host::ExitCode m_ExitCode = Host::ExitCode::Done;
     Host::ObjectStore m_Store{HostTest::topologyOf(
         {{16, "ABC1", "/dev/nvme0n1"}, {32, "TWIN", ".PhysicalDrive1"}, {48, "TWIN", "/dev/nvme2n1"}})};
 };
@@ -80,7 +81,7 @@ TEST_F(ObjectStoreTest, AnAddressWithoutASegmentIsThatOfAnyButHasToTellTheAdapte
         HostTest::property(PI::PROP_PCI_SEGMENT, 1, std::uint64_t{0x10000}));
     m_Store = Host::ObjectStore(HostTest::topologyOf({first, second}));
     EXPECT_THAT(named("10000:05:1f.1"), ElementsAre(32, 33));
-    EXPECT_THAT(refusalOf("05:1f.1"), HasSubstr("More than one adapter goes by \"05:1f.1\""));
+    EXPECT_THAT(refusalOf("05:1f.1"), HasSubstr("More than one object goes by \"05:1f.1\""));
     m_Store = Host::ObjectStore(HostTest::topologyOf({second}));
     EXPECT_THAT(named("05:1f.1"), ElementsAre(32, 33));
 }
@@ -103,6 +104,7 @@ TEST_F(ObjectStoreTest, AnUnknownNameGetsAListOfWhatThereIs)
         EXPECT_THAT(refusal, HasSubstr("There is no object \"" + std::string(name) + "\"")) << name;
         EXPECT_THAT(refusal,
                     HasSubstr("0x0000000000000010  /dev/nvme0n1  ABC1  PCI:Bus=16&Device=0&Function=0\n"));
+        EXPECT_EQ(m_ExitCode, Host::ExitCode::NoSuchObject);
     }
 }
 
@@ -121,8 +123,51 @@ TEST_F(ObjectStoreTest, ANameForgesNoLineOfARefusal)
 
 TEST_F(ObjectStoreTest, ANameOfTwoAdaptersIsRefused)
 {
-    EXPECT_THAT(refusalOf("TWIN"), HasSubstr("More than one adapter goes by \"TWIN\""));
+    EXPECT_THAT(refusalOf("TWIN"), HasSubstr("More than one object goes by \"TWIN\""));
+    EXPECT_EQ(m_ExitCode, Host::ExitCode::WrongUsage);
     EXPECT_THAT(named("nvme2n1"), ElementsAre(48, 49));
+}
+
+TEST_F(ObjectStoreTest, ADriveWithoutAnAdapterGoesByItsSerialNumberToo)
+{
+    std::vector<PI::CObject> objects = HostTest::topologyOf({{16, "ABC1", "/dev/nvme0n1"}});
+    PI::CObject strange;
+    strange.m_ID = 0x1267000000000001;
+    strange.m_Type = PI::TYPE_PHYSICAL_DRIVE;
+    strange.m_Properties = {HostTest::property(PI::PROP_SERIAL_NUMBER, 1, "STRANGE")};
+    objects.push_back(strange);
+    m_Store = Host::ObjectStore(objects);
+    EXPECT_THAT(named("strange"), ElementsAre(0x1267000000000001));
+    EXPECT_THAT(named("ABC1"), ElementsAre(16, 17));
+    strange.m_ID = 0x1267000000000002;
+    strange.m_Children = {0x1267000000000001};
+    objects.push_back(strange);
+    m_Store = Host::ObjectStore(objects);
+    EXPECT_THAT(named("STRANGE"), ElementsAre(0x1267000000000002, 0x1267000000000001));
+}
+
+TEST_F(ObjectStoreTest, AnAdapterIsWhereTheSystemHasItsController)
+{
+    DriveObjects moved(16, "A", "/dev/nvme0n1");
+    DriveObjects stranger(32, "B", "");
+    TLXX::CControllerState state;
+    state.m_DeviceName = "/dev/nvme0n1";
+    state.m_Location = TLXX::CPciLocation{0x10000, 0xe1, 0, 0};
+    TLXX::CControllerState withoutDisk;
+    withoutDisk.m_Location = TLXX::CPciLocation{0, 5, 0, 0};
+    m_Store = Host::ObjectStore(HostTest::topologyOf({moved, stranger}), {withoutDisk, state});
+    const auto& adapters = m_Store.objects();
+    EXPECT_EQ(m_Store.addressOf(adapters[1]), state.m_Location);
+    EXPECT_EQ(m_Store.controllerOf(adapters[2]), nullptr);
+    EXPECT_EQ(m_Store.addressOf(adapters[2]), (TLXX::CPciLocation{0, 32, 0x1f, 1}));
+    for (const char* name : {"10000:e1:00.0", "e1:00.0"})
+        EXPECT_THAT(named(name), ElementsAre(16, 17)) << name;
+    EXPECT_THAT(named("0000:20:1f.1"), ElementsAre(32, 33));
+    // Where the plug-in shows it there is nothing.
+    EXPECT_THAT(refusalOf("0000:10:1f.1"), HasSubstr("There is no object"));
+    state.m_Location.reset();
+    m_Store = Host::ObjectStore(HostTest::topologyOf({moved}), {state});
+    EXPECT_EQ(m_Store.addressOf(m_Store.objects()[1]), std::nullopt);
 }
 
 TEST_F(ObjectStoreTest, AnEmptySerialNumberNamesNothing)

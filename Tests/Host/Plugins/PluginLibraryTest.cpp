@@ -62,6 +62,15 @@ TEST(PluginLibrary, NamesTheRequestThatFailed)
     EXPECT_THAT(failure.what(), HasSubstr(" refused request 4 (GetTopology) with 20000 ERR_GENERAL_FAILURE"));
 }
 
+TEST(PluginLibrary, NamesThePluginAndTheRequestThatThrew)
+{
+    PluginLibrary plugin(Built::THROWING_PLUGIN);
+    const Host::Failure failure = failureOf([&] { plugin.initialize(); });
+    EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
+    EXPECT_EQ(failure.what(),
+              "The plug-in " + plugin.file() + " failed in request 1 (Initialize): bad?luck.");
+}
+
 TEST(PluginLibrary, ReleasesAPluginThatEndedInTime)
 {
     TestSupport::CVirtualClock clock;

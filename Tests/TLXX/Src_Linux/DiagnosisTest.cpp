@@ -29,6 +29,7 @@ TEST(DiagnosisTest, ShowsEveryControllerAndWhetherItOpens)
 
     EXPECT_EQ(states[1].m_Name, "nvme1");
     EXPECT_EQ(states[1].m_DeviceName, "/dev/nvme1n1");
+    EXPECT_EQ(states[1].m_Namespaces, 1U);
     EXPECT_EQ(states[1].m_Location, (TLXX::CPciLocation{0, 2, 0, 0}));
     EXPECT_EQ(states[1].m_AccessStatus, static_cast<std::uint32_t>(EACCES));
     EXPECT_EQ(states[1].m_AccessPath, "/dev/nvme1");

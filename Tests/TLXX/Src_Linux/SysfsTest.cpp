@@ -77,6 +77,7 @@ TEST(SysfsTest, TheLowestNamespaceIdentifierWins)
     const CController controller = byName("plain").at("nvme2");
     EXPECT_EQ(controller.m_DeviceName, "/dev/nvme2n2");
     EXPECT_EQ(controller.m_NamespaceId, 3U);
+    EXPECT_EQ(controller.m_Namespaces, 3U);
 }
 
 TEST(SysfsTest, TheNodeNumberStandsForAMissingIdentifier)
@@ -89,6 +90,8 @@ TEST(SysfsTest, EachPathOfASharedNamespaceHasItsOwnName)
     EXPECT_THAT(enumerate("multipath"),
                 ElementsAre(CDeviceEntry{"/dev/nvme0n1", "nvme"}, CDeviceEntry{"/dev/nvme0c1n1", "nvme"},
                             CDeviceEntry{"/dev/nvme5n1", "nvme"}));
+    EXPECT_EQ(byName("multipath").at("nvme0").m_Namespaces, 2U);
+    EXPECT_EQ(byName("multipath").at("nvme2").m_Namespaces, 1U);
 }
 
 TEST(SysfsTest, FabricsControllersAreListedButYieldNoDisk)

@@ -19,6 +19,7 @@ struct CControllerState
     std::string m_Transport; ///< such as "pcie"
     std::string m_State;     ///< such as "live"; empty if unknown
     std::optional<CPciLocation> m_Location;
+    std::uint32_t m_Namespaces = 0;   ///< how many the system shows; the disk is the first of them
     std::uint32_t m_AccessStatus = 0; ///< 0 when this user may open it, else a status for `statusText`
     std::string m_AccessPath;         ///< the path whose opening `m_AccessStatus` is about
 };

@@ -25,6 +25,7 @@ struct CController
     /** The namespace with the lowest identifier: path of its disk and identifier. Empty and 0: none. */
     std::string m_DeviceName;
     std::uint32_t m_NamespaceId = 0;
+    std::uint32_t m_Namespaces = 0; ///< how many there are
 
     /** Whether nothing was missing that the kernel tells of every controller, as it is while one comes or
      * goes. */

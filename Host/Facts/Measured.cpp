@@ -1,0 +1,120 @@
+#include "Facts/Measured.h"
+
+#include "Plugins/AdapterIdentities.h"
+
+#include <algorithm>
+#include <array>
+
+namespace Host::Cli {
+namespace {
+
+// Only of the plug-in that comes with the program it is known which of its rows are constants. The upper bits
+// of an identifier are the number of its module.
+constexpr std::uint64_t MODULE = 313;
+constexpr unsigned MODULE_SHIFT = 48;
+
+// The one maker whose drives are asked for their wear.
+constexpr char MAKER_WITH_WEAR[] = "INTEL";
+
+constexpr std::uint32_t HEALTHY = 40024;
+
+/** Rows that the plug-in always has, and fills from the health log. */
+constexpr std::array FROM_HEALTH_LOG = {PI::PROP_AVAILABLE_SPARE, PI::PROP_SPARE_THRESHOLD,
+                                        PI::PROP_MEDIA_ERRORS};
+
+/** Rows from the health log that only a drive has whose log was read. */
+constexpr std::array SIGNS_OF_HEALTH_LOG = {PI::PROP_TEMPERATURE, PI::PROP_DRIVE_TEMPERATURE,
+                                            PI::PROP_POWER_ON_HOURS, PI::PROP_DATA_READ,
+                                            PI::PROP_DATA_WRITTEN};
+
+template<typename Ids>
+bool hasAny(const PI::CObject& object, const Ids& ids)
+{
+    return std::any_of(ids.begin(), ids.end(),
+                       [&](std::uint32_t id) { return findProperty(object, id) != nullptr; });
+}
+
+bool isConstant(const PI::CObject& object, std::uint32_t propertyId)
+{
+    if (object.m_ID >> MODULE_SHIFT != MODULE)
+        return false;
+    if (object.m_Type == PI::TYPE_PHYSICAL_DRIVE)
+        return propertyId == PI::PROP_HEALTH_STATUS;
+    if (object.m_Type != PI::TYPE_ADAPTER)
+        return false;
+    return propertyId == PI::PROP_SPARE_STATE ||
+           (propertyId == PI::PROP_WEAR_STATE && textOf(object, PI::PROP_VENDOR) != MAKER_WITH_WEAR);
+}
+
+/** A bad health of a drive whose log was not read comes from another log, and is true. */
+bool isHealthy(const PI::CProperty& property)
+{
+    const auto* code = std::get_if<PI::CCodeValue>(&property.GetValue());
+    return code != nullptr && code->m_Code == HEALTHY;
+}
+
+} // namespace
+
+const PI::CObject* adapterOf(const ObjectStore& store, const PI::CObject& object)
+{
+    if (object.m_Type == PI::TYPE_ADAPTER)
+        return &object;
+    for (const std::uint64_t id : object.m_Parents) {
+        const PI::CObject* parent = store.byId(id);
+        if (parent != nullptr && parent->m_Type == PI::TYPE_ADAPTER)
+            return parent;
+    }
+    return nullptr;
+}
+
+std::optional<bool> healthLogRead(const ObjectStore& store, const PI::CObject& object)
+{
+    const PI::CObject* adapter = adapterOf(store, object);
+    if (adapter == nullptr || !hasAny(*adapter, FROM_HEALTH_LOG))
+        return std::nullopt;
+    const std::vector<const PI::CObject*> media = store.childrenOf(*adapter);
+    return hasAny(*adapter, SIGNS_OF_HEALTH_LOG) ||
+           std::any_of(media.begin(), media.end(),
+                       [](const PI::CObject* medium) { return hasAny(*medium, SIGNS_OF_HEALTH_LOG); });
+}
+
+Basis basisOf(const ObjectStore& store, const PI::CObject& object, const PI::CProperty& property)
+{
+    if (isConstant(object, property.Id()))
+        return Basis::NotMeasured;
+    const bool isFromLog =
+        std::find(FROM_HEALTH_LOG.begin(), FROM_HEALTH_LOG.end(), property.Id()) != FROM_HEALTH_LOG.end() ||
+        (property.Id() == PI::PROP_HEALTH_STATUS && isHealthy(property));
+    return isFromLog && healthLogRead(store, object) == false ? Basis::NotRead : Basis::Measured;
+}
+
+ShownPlace shownPlaceOf(const ObjectStore& store, const PI::CObject& adapter)
+{
+    const std::optional<TLXX::CPciLocation> real = store.addressOf(adapter);
+    std::optional<TLXX::CPciLocation> shown = pciLocation(adapter);
+    if (!real || !shown || *shown == *real)
+        return ShownPlace::Real;
+    const bool hasNoSegment = shown->m_Segment == 0;
+    shown->m_Segment = real->m_Segment;
+    return hasNoSegment && *shown == *real ? ShownPlace::WithoutSegment : ShownPlace::Another;
+}
+
+std::vector<std::string> caveatsOf(const ObjectStore& store, const PI::CObject& object)
+{
+    std::vector<std::string> caveats;
+    const PI::CObject* adapter = adapterOf(store, object);
+    if (adapter == nullptr)
+        return caveats;
+    const ShownPlace place = shownPlaceOf(store, *adapter);
+    if (place != ShownPlace::Real)
+        caveats.push_back("The controller is at " + store.addressOf(*adapter)->Text() + ". " +
+                          (place == ShownPlace::WithoutSegment
+                               ? "The rows below leave its PCI segment out."
+                               : "The rows below show another place; \"ostrel doctor\" says why."));
+    if (object.m_Type == PI::TYPE_ADAPTER && healthLogRead(store, object) == false)
+        caveats.emplace_back("The health log of this drive was not read. What the rows below say of health, "
+                             "spare blocks and errors is true of a new drive, and unknown of this one.");
+    return caveats;
+}
+
+} // namespace Host::Cli
