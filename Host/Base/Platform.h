@@ -6,6 +6,7 @@
 #include <ctime>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -79,9 +80,17 @@ enum class Elsewhere
     Nowhere,
 };
 
+/** Nobody reads the standard output any more. */
+class ReaderGone : public std::runtime_error
+{
+public:
+    ReaderGone() : std::runtime_error("nobody reads the standard output any more") {}
+};
+
 /**
- * The process's standard output, kept for the program's results alone: from construction on, whatever else
- * prints to standard output lands elsewhere.
+ * The process's standard output, kept for the program's results alone: after `divertOthers`, whatever else
+ * prints to standard output lands elsewhere. From construction on, a write to an output that nobody reads any
+ * more fails; it never ends the process.
  */
 class ResultChannel
 {
@@ -93,7 +102,10 @@ public:
 
     void divertOthers(Elsewhere elsewhere);
 
-    /** Writes at once. Throws `std::system_error` when not everything could be written. */
+    /**
+     * Writes everything, and waits where the output takes no more for now. Throws `ReaderGone`, and
+     * `std::system_error` when not everything could be written for another reason.
+     */
     void write(std::string_view text);
 
     bool isTerminal() const;
@@ -109,8 +121,7 @@ private:
 
 /**
  * While it lives, who asks the program to end (an interrupt, a closed terminal, a shutdown) fires `asked()`,
- * once; who asks again ends it at once. From then on, a write to an output that nobody reads any more fails,
- * and does not end the program either. One at a time, made while the process has a single thread.
+ * once; who asks again ends it at once. One at a time, made while the process has a single thread.
  */
 class TerminationRequest
 {

@@ -37,8 +37,6 @@ struct TerminationRequest::Native
             throw std::system_error(errno, std::generic_category(), "event");
         // Every thread that is started from now on leaves the signals alone, too.
         (void)pthread_sigmask(SIG_BLOCK, &m_Signals, &m_FormerMask);
-        // For good: what is said about a failed write may go to the same output.
-        (void)std::signal(SIGPIPE, SIG_IGN);
         m_Thread = std::thread([this] { takeSignals(); });
     }
 

@@ -55,17 +55,4 @@ TEST(TerminationRequest, LeavesAnIgnoredHangUpIgnored)
     (void)std::signal(SIGHUP, former);
 }
 
-TEST(TerminationRequest, AWriteThatNobodyReadsFails)
-{
-    {
-        const TerminationRequest request;
-    }
-    int ends[2] = {-1, -1};
-    ASSERT_EQ(pipe(ends), 0);
-    (void)close(ends[0]);
-    EXPECT_EQ(write(ends[1], "x", 1), -1);
-    EXPECT_EQ(errno, EPIPE);
-    (void)close(ends[1]);
-}
-
 } // namespace

@@ -51,8 +51,9 @@ protected:
 
     std::vector<std::string> arguments(std::vector<std::string> words = {}) const
     {
-        words.insert(words.begin(),
-                     {"watch", "--data", m_Data.Path(), "--simulate", m_Fleet.Path() / "fleet.json"});
+        // Who traces sees the plug-in's own line, which says that it has looked.
+        words.insert(words.begin(), {"watch", "--data", m_Data.Path(), "--simulate",
+                                     m_Fleet.Path() / "fleet.json", "--trace", "1"});
         return words;
     }
 
@@ -143,8 +144,8 @@ TEST_F(WatchProgram, StopsThePluginWhenNobodyReadsItsEvents)
     fleet({{1, "A", 0x04}});
     program.awaitMessage("LEAVE DeInitialize");
     const ProgramResult end = program.finish();
-    EXPECT_EQ(end.m_ExitCode, 1);
-    EXPECT_THAT(end.m_Errors, HasSubstr("ostrel: standard output: Broken pipe\n"));
+    EXPECT_EQ(end.m_ExitCode, 0);
+    EXPECT_THAT(end.m_Errors, Not(HasSubstr("ostrel: ")));
 }
 
 TEST_F(WatchProgram, ReportsMissingHardwareInOneLine)
@@ -216,7 +217,8 @@ TEST_F(WatchProgram, ATerminalWithoutEscapesHasNoStatusLine)
 
 TEST_F(WatchProgram, ASecondSignalEndsAtOnce)
 {
-    RunningProgram program({"watch", "--data", m_Data.Path(), "--plugin", HostTest::Built::SLOW_PLUGIN});
+    RunningProgram program(
+        {"watch", "--data", m_Data.Path(), "--plugin", HostTest::Built::SLOW_PLUGIN, "--trace", "1"});
     program.awaitMessage("watching");
     program.send(SIGTERM);
     program.awaitMessage("ending");
