@@ -10,6 +10,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <poll.h>
+#include <pwd.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -25,6 +26,22 @@ std::filesystem::path programFolder()
     return std::filesystem::read_symlink("/proc/self/exe").parent_path();
 }
 
+namespace {
+
+/** The user's folder; the root folder for a user whom the system does not know. */
+std::filesystem::path homeFolder()
+{
+    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0')
+        return home;
+    std::array<char, 1U << 14U> buffer;
+    passwd entry{};
+    passwd* found = nullptr;
+    (void)getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found);
+    return found != nullptr ? found->pw_dir : "/";
+}
+
+} // namespace
+
 std::filesystem::path defaultDataFolder()
 {
     if (geteuid() == 0)
@@ -32,8 +49,7 @@ std::filesystem::path defaultDataFolder()
     // The XDG base directory specification has relative paths ignored.
     if (const char* state = std::getenv("XDG_STATE_HOME"); state != nullptr && state[0] == '/')
         return std::filesystem::path(state) / "ostrel";
-    const char* home = std::getenv("HOME");
-    return std::filesystem::path(home != nullptr ? home : "/") / ".local" / "state" / "ostrel";
+    return homeFolder() / ".local" / "state" / "ostrel";
 }
 
 std::error_code accessError(const std::filesystem::path& path, Access access)

@@ -98,6 +98,14 @@ void keepRows(const std::filesystem::path& folder)
     setDatabaseFile(databaseFile(folder));
 }
 
+void warnOfSettings(const std::filesystem::path& folder, const Warn& warn)
+{
+    const std::filesystem::path file = folder / "Ostrel.ini";
+    if (TLX::Misc::isSpecialFile(file))
+        warn("The settings file " + printable(file.string()) +
+             " is no regular file. It is not read, and the usual values hold.");
+}
+
 void restoreNumbers(const std::filesystem::path& folder, const Warn& warn)
 {
     try {

@@ -43,6 +43,10 @@ private:
 /** Has the process's plug-ins keep their rows in `folder`. */
 void keepRows(const std::filesystem::path& folder);
 
+/** Tells `warn` when what `folder` has in the place of the settings is no regular file, and so is not read.
+ */
+void warnOfSettings(const std::filesystem::path& folder, const std::function<void(const std::string&)>& warn);
+
 /** Takes up the numbers that `folder` has; those that cannot be read are told to `warn` and given anew. */
 void restoreNumbers(const std::filesystem::path& folder, const std::function<void(const std::string&)>& warn);
 

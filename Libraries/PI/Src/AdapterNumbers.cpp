@@ -2,10 +2,9 @@
 #include "ReplaceFile.h"
 
 #include <PI/AdapterNumbers.h>
+#include <TLX/RegularFile.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <locale>
 #include <optional>
 #include <sstream>
@@ -19,14 +18,6 @@ namespace {
 
 constexpr char HEADING[] =
     "# The numbers of this host's adapters: number, PCI segment, bus, device, function, host.\n";
-
-/** Nothing when the file cannot be read. */
-std::optional<std::string> contentOf(const std::filesystem::path& file)
-{
-    std::ifstream stream(file, std::ios::binary);
-    std::string content{std::istreambuf_iterator<char>(stream), {}};
-    return stream ? std::optional(std::move(content)) : std::nullopt;
-}
 
 /** False for a line that names no number and location, or one of them for the second time. */
 bool addLine(const std::string& line, AdapterNumbers& numbers)
@@ -71,9 +62,10 @@ void restoreAdapterNumbers(const std::filesystem::path& file)
     std::error_code error;
     const bool there = std::filesystem::exists(file, error);
     if (there || error) {
-        const std::optional<std::string> content = contentOf(file);
+        const std::optional<std::string> content = TLX::Misc::readRegularFile(file);
         if (!content)
-            throw std::runtime_error(file.string() + " cannot be read");
+            throw std::runtime_error(
+                file.string() + (TLX::Misc::isSpecialFile(file) ? " is no regular file" : " cannot be read"));
         std::istringstream lines(*content);
         std::string line;
         for (int number = 1; std::getline(lines, line); ++number)
@@ -86,7 +78,7 @@ void restoreAdapterNumbers(const std::filesystem::path& file)
 void storeAdapterNumbers(const std::filesystem::path& file)
 {
     const std::string text = textOf(CAdapterRegistry::Instance().Numbers());
-    if (contentOf(file) != text && !replaceFile(file, text))
+    if (TLX::Misc::readRegularFile(file) != text && !replaceFile(file, text))
         throw std::runtime_error(file.string() + " cannot be written");
 }
 

@@ -3,13 +3,13 @@
 
 #include <PI/ConfigFile.h>
 #include <PI/ErrorCode.h>
+#include <TLX/RegularFile.h>
 
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
-#include <ios>
 #include <mutex>
 #include <optional>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -47,17 +47,15 @@ boost::filesystem::path resolve(const boost::filesystem::path& fileName)
 /** The lines of the file without their line feeds; nothing when it cannot be read to its end or is torn. */
 std::optional<std::vector<std::string>> readLines(const std::filesystem::path& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) {
-        // Zero bytes are what a file system leaves of a file whose writing was cut off.
-        if (line.find('\0') != std::string::npos) {
-            return std::nullopt;
-        }
-        lines.push_back(std::move(line));
-    }
-    if (!file.eof()) {
+    const std::optional<std::string> text = TLX::Misc::readRegularFile(path);
+    // Zero bytes are what a file system leaves of a file whose writing was cut off.
+    if (!text || text->find('\0') != std::string::npos) {
         return std::nullopt;
+    }
+    std::istringstream stream(*text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(std::move(line));
     }
     return lines;
 }

@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <sys/stat.h>
+
 namespace {
 
 namespace Built = HostTest::Built;
@@ -145,6 +147,25 @@ TEST(ProgramFailure, WaitsForAnOutputThatTakesNoMoreForNow)
     const ProgramResult result = runIntoFullPipe(words);
     EXPECT_EQ(result.m_ExitCode, 0);
     EXPECT_EQ(result.m_Output, runProgram(words).m_Output);
+}
+
+TEST(ProgramFailure, RefusesPipesInThePlaceOfFiles)
+{
+    const TestSupport::CTemporaryFolder folder;
+    const std::string pipe = folder.Path() / "pipe";
+    for (const char* name : {"pipe", "Ostrel.ini", "AdapterNumbers.txt"})
+        ASSERT_EQ(mkfifo((folder.Path() / name).c_str(), 0600), 0);
+    const ProgramResult fleet = runProgram(simulated({"list"}, pipe));
+    EXPECT_EQ(fleet.m_ExitCode, 2);
+    EXPECT_EQ(fleet.m_Errors, "ostrel: The fleet file " + pipe + " is no regular file.\n");
+    const ProgramResult trace = runProgram(simulated({"list", "--trace", "2", "--trace-file", pipe}));
+    EXPECT_EQ(trace.m_ExitCode, 2);
+    EXPECT_EQ(trace.m_Errors,
+              "ostrel: The trace file " + pipe + " cannot be written: nobody reads from it.\n");
+    const ProgramResult list = runProgram(simulated({"list", "--data", folder.Path()}));
+    EXPECT_EQ(list.m_ExitCode, 0);
+    for (const char* name : {"Ostrel.ini", "AdapterNumbers.txt"})
+        EXPECT_THAT(list.m_Errors, HasSubstr((folder.Path() / name).string() + " is no regular file"));
 }
 
 TEST(ProgramFailure, SaysWhenResultsCannotBeWritten)
