@@ -54,18 +54,20 @@ private:
 
 /**
  * A file that one process holds at a time, at the longest until it ends, and in which others read its process
- * identifier. Where the system gives no such file nobody is kept out.
+ * identifier. A file that is deleted meanwhile lets nobody else in.
  */
 class LockFile
 {
 public:
-    /** Makes `file` when it is missing. */
     explicit LockFile(const std::filesystem::path& file);
     ~LockFile();
     LockFile(const LockFile&) = delete;
     LockFile& operator=(const LockFile&) = delete;
 
-    /** Whether this process holds it from now on: no other one does. */
+    /**
+     * Makes the file when it is missing. Returns whether this process holds it from now on: no other one
+     * does. Throws `std::system_error` when there is no file to be held, such as where a folder has its name.
+     */
     bool take();
 
 private:
@@ -120,8 +122,9 @@ private:
 };
 
 /**
- * While it lives, who asks the program to end (an interrupt, a closed terminal, a shutdown) fires `asked()`,
- * once; who asks again ends it at once. One at a time, made while the process has a single thread.
+ * While it lives, it takes what asks the program to end: an interrupt, a closed terminal, a shutdown. That
+ * ends the program at once until `defer` is called. From then on the first time fires `asked()`, and the
+ * second time ends the program. One at a time, made while the process has a single thread.
  */
 class TerminationRequest
 {
@@ -131,6 +134,9 @@ public:
     ~TerminationRequest();
     TerminationRequest(const TerminationRequest&) = delete;
     TerminationRequest& operator=(const TerminationRequest&) = delete;
+
+    /** From now on the program ends in its own time. */
+    void defer();
 
     /** A manual-reset event. */
     TLX::Threading::CEvent& asked();

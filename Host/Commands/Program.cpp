@@ -184,8 +184,7 @@ void refuseOrWarn(Command command, const DataFolderClaim& claim, Messages& messa
 {
     switch (command) {
     case Command::Watch:
-        throw Failure(ExitCode::RequestFailed,
-                      claim.refusal() + ". End it, or name another folder with --data.");
+        throw claim.failure();
     case Command::List:
     case Command::Topology:
     case Command::Show:

@@ -26,6 +26,7 @@ TEST(TerminationRequest, FiresForEachSignalThatAsksForAnEnd)
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         TerminationRequest request;
+        request.defer();
         EXPECT_EQ(request.asked().Wait(0), TimedOut);
         kill(getpid(), signal);
         EXPECT_EQ(request.asked().Wait(), Taken);
@@ -47,6 +48,7 @@ TEST(TerminationRequest, LeavesAnIgnoredHangUpIgnored)
     void (*former)(int) = std::signal(SIGHUP, SIG_IGN);
     {
         TerminationRequest request;
+        request.defer();
         kill(getpid(), SIGHUP);
         kill(getpid(), SIGTERM);
         EXPECT_EQ(request.asked().Wait(), Taken);

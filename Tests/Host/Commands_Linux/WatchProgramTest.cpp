@@ -226,6 +226,53 @@ TEST_F(WatchProgram, ASecondSignalEndsAtOnce)
     EXPECT_EQ(program.finish().m_ExitCode, -1);
 }
 
+TEST_F(WatchProgram, ASignalEndsAStartThatTakesItsTime)
+{
+    RunningProgram program({"watch", "--data", m_Data.Path(), "--plugin",
+                            HostTest::Built::SLOW_TO_START_PLUGIN, "--trace", "1"});
+    program.awaitMessage("starting");
+    program.send(SIGTERM);
+    EXPECT_EQ(program.finish().m_ExitCode, -1);
+}
+
+TEST_F(WatchProgram, IsRefusedALockThatCannotBeOpened)
+{
+    fleet({{1, "A"}});
+    const std::filesystem::path lock = m_Data.Path() / "Ostrel.lock";
+    const TestSupport::CTemporaryFolder other;
+    for (const bool isLink : {false, true}) {
+        std::filesystem::remove(lock);
+        if (isLink)
+            std::filesystem::create_symlink(other.Path() / "elsewhere", lock);
+        else
+            std::filesystem::create_directory(lock);
+        const ProgramResult result = runProgram(arguments({"--for", "0"}));
+        EXPECT_EQ(result.m_ExitCode, 1);
+        EXPECT_THAT(result.m_Errors,
+                    HasSubstr("ostrel: The lock file " + lock.string() + " cannot be opened: "));
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(other.Path()));
+    const ProgramResult list =
+        runProgram({"list", "--data", m_Data.Path(), "--simulate", m_Fleet.Path() / "fleet.json"});
+    EXPECT_EQ(list.m_ExitCode, 0);
+    EXPECT_THAT(list.m_Errors, HasSubstr(". This run leaves them as they are.\n"));
+    EXPECT_FALSE(std::filesystem::exists(m_Data.Path() / "Ostrel.db"));
+}
+
+TEST_F(WatchProgram, KeepsTheDataFolderToItselfWhenItsLockFileIsDeleted)
+{
+    fleet({{1, "A"}});
+    RunningProgram program(arguments({"--json"}));
+    awaitInventory(program);
+    std::filesystem::remove(m_Data.Path() / "Ostrel.lock");
+    const ProgramResult second = runProgram(arguments({"--for", "0"}));
+    EXPECT_EQ(second.m_ExitCode, 1);
+    EXPECT_THAT(second.m_Errors, HasSubstr("ostrel: Another ostrel keeps its data in "));
+    program.send(SIGTERM);
+    EXPECT_EQ(program.finish().m_ExitCode, 0);
+    EXPECT_EQ(runProgram(arguments({"--for", "0"})).m_ExitCode, 0);
+}
+
 TEST_F(WatchProgram, SetLeavesARunningWatchAlone)
 {
     fleet({{1, "A"}, {2, "B"}});
