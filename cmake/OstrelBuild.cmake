@@ -21,6 +21,9 @@ function(ostrel_host_library name description)
     cmake_parse_arguments(arg "" "" "PUBLIC;PRIVATE" ${ARGN})
     ostrel_sources(sources ${CMAKE_CURRENT_SOURCE_DIR}/Src)
     add_library(${name} SHARED ${sources})
+    # Hosts and plug-ins of one release belong together, so another release's library is not to be taken for it.
+    set_target_properties(${name} PROPERTIES
+        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
     string(TOUPPER ${name} upper)
     generate_export_header(${name} EXPORT_MACRO_NAME ${upper}_EXPORT
         EXPORT_FILE_NAME ${CMAKE_CURRENT_BINARY_DIR}/Include/${name}/Export.h)
@@ -29,7 +32,8 @@ function(ostrel_host_library name description)
     target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE OstrelOptions ${arg_PRIVATE})
     ostrel_version_resource(${name} ${description})
     ostrel_public_library(${name})
-    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Include/${name}/Export.h DESTINATION include/ostrel/${name})
+    install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Include/${name}/Export.h DESTINATION include/ostrel/${name}
+        COMPONENT development)
 endfunction()
 
 # What outside hosts and plug-ins are built against: installed with its headers, and part of the package OstrelHost.
@@ -40,11 +44,14 @@ function(ostrel_public_library name)
         $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/Include_${OSTREL_PLATFORM}>
         $<INSTALL_INTERFACE:include/ostrel>)
     target_compile_features(${name} PUBLIC cxx_std_20)
-    install(TARGETS ${name} EXPORT OstrelHost LIBRARY DESTINATION ${OSTREL_LIBRARY_FOLDER} RUNTIME DESTINATION bin
-        ARCHIVE DESTINATION ${OSTREL_LINK_FOLDER})
+    install(TARGETS ${name} EXPORT OstrelHost
+        LIBRARY DESTINATION ${OSTREL_LIBRARY_FOLDER} COMPONENT program NAMELINK_COMPONENT development
+        RUNTIME DESTINATION bin
+        ARCHIVE DESTINATION ${OSTREL_LINK_FOLDER} COMPONENT development)
     foreach(folder Include Include_${OSTREL_PLATFORM})
         if(IS_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
-            install(DIRECTORY ${folder}/ DESTINATION include/ostrel FILES_MATCHING PATTERN "*.h")
+            install(DIRECTORY ${folder}/ DESTINATION include/ostrel COMPONENT development
+                FILES_MATCHING PATTERN "*.h")
         endif()
     endforeach()
 endfunction()

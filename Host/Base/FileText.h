@@ -1,12 +1,18 @@
 #pragma once
 
+#include <TLX/RegularFile.h>
+
 #include <filesystem>
 #include <optional>
 #include <string>
 
 namespace Host {
 
-/** The bytes of a file; none when it cannot be read to its end or is larger than 64 MiB. */
-std::optional<std::string> readFile(const std::filesystem::path& file);
+/** The bytes of a file; none when it is no regular file, cannot be read to its end or is larger than 64 MiB.
+ */
+inline std::optional<std::string> readFile(const std::filesystem::path& file)
+{
+    return TLX::Misc::readRegularFile(file);
+}
 
 } // namespace Host

@@ -6,6 +6,7 @@
 #include <ctime>
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -54,18 +55,20 @@ private:
 
 /**
  * A file that one process holds at a time, at the longest until it ends, and in which others read its process
- * identifier. Where the system gives no such file nobody is kept out.
+ * identifier. A file that is deleted meanwhile lets nobody else in.
  */
 class LockFile
 {
 public:
-    /** Makes `file` when it is missing. */
     explicit LockFile(const std::filesystem::path& file);
     ~LockFile();
     LockFile(const LockFile&) = delete;
     LockFile& operator=(const LockFile&) = delete;
 
-    /** Whether this process holds it from now on: no other one does. */
+    /**
+     * Makes the file when it is missing. Returns whether this process holds it from now on: no other one
+     * does. Throws `std::system_error` when there is no file to be held, such as where a folder has its name.
+     */
     bool take();
 
 private:
@@ -80,9 +83,17 @@ enum class Elsewhere
     Nowhere,
 };
 
+/** Nobody reads the standard output any more. */
+class ReaderGone : public std::runtime_error
+{
+public:
+    ReaderGone() : std::runtime_error("nobody reads the standard output any more") {}
+};
+
 /**
- * The process's standard output, kept for the program's results alone: from construction on, whatever else
- * prints to standard output lands elsewhere.
+ * The process's standard output, kept for the program's results alone: after `divertOthers`, whatever else
+ * prints to standard output lands elsewhere. From construction on, a write to an output that nobody reads any
+ * more fails; it never ends the process.
  */
 class ResultChannel
 {
@@ -94,7 +105,10 @@ public:
 
     void divertOthers(Elsewhere elsewhere);
 
-    /** Writes at once. Throws `std::system_error` when not everything could be written. */
+    /**
+     * Writes everything, and waits where the output takes no more for now. Throws `ReaderGone`, and
+     * `std::system_error` when not everything could be written for another reason.
+     */
     void write(std::string_view text);
 
     bool isTerminal() const;
@@ -109,9 +123,9 @@ private:
 };
 
 /**
- * While it lives, who asks the program to end (an interrupt, a closed terminal, a shutdown) fires `asked()`,
- * once; who asks again ends it at once. From then on, a write to an output that nobody reads any more fails,
- * and does not end the program either. One at a time, made while the process has a single thread.
+ * While it lives, it takes what asks the program to end: an interrupt, a closed terminal, a shutdown. That
+ * ends the program at once until `defer` is called. From then on the first time fires `asked()`, and the
+ * second time ends the program. One at a time, made while the process has a single thread.
  */
 class TerminationRequest
 {
@@ -121,6 +135,9 @@ public:
     ~TerminationRequest();
     TerminationRequest(const TerminationRequest&) = delete;
     TerminationRequest& operator=(const TerminationRequest&) = delete;
+
+    /** From now on the program ends in its own time. */
+    void defer();
 
     /** A manual-reset event. */
     TLX::Threading::CEvent& asked();

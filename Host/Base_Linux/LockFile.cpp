@@ -2,49 +2,136 @@
 
 #include <cerrno>
 #include <string>
+#include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Host::Platform {
 
 namespace {
 
-int openToLock(const std::filesystem::path& file)
+class Descriptor
 {
-    constexpr int flags = O_CLOEXEC | O_NOFOLLOW;
-    const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | flags, 0644);
+public:
+    explicit Descriptor(int number = -1) : m_Number(number) {}
+    Descriptor(Descriptor&& other) noexcept : m_Number(std::exchange(other.m_Number, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept
+    {
+        std::swap(m_Number, other.m_Number);
+        return *this;
+    }
+    ~Descriptor()
+    {
+        if (m_Number >= 0)
+            (void)close(m_Number);
+    }
+
+    int number() const { return m_Number; }
+
+private:
+    int m_Number;
+};
+
+[[noreturn]] void fail(const std::filesystem::path& file, int error)
+{
+    throw std::system_error(error, std::generic_category(), file.string());
+}
+
+/** Throws for anything but a regular file: what else is there, a link included, is nothing of ours. */
+Descriptor openToLock(const std::filesystem::path& file)
+{
+    constexpr int flags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+    Descriptor descriptor(open(file.c_str(), O_RDWR | O_CREAT | flags, 0644));
+    const int error = errno;
     // Somebody else's file can be locked as well, but not written to.
-    return descriptor >= 0 ? descriptor : open(file.c_str(), O_RDONLY | O_NONBLOCK | flags);
+    if (descriptor.number() < 0)
+        descriptor = Descriptor(open(file.c_str(), O_RDONLY | flags));
+    struct stat status
+    {};
+    if (descriptor.number() < 0 || fstat(descriptor.number(), &status) != 0)
+        fail(file, error);
+    if (!S_ISREG(status.st_mode))
+        fail(file, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+    return descriptor;
+}
+
+/** False when another process holds it. */
+bool lock(const Descriptor& descriptor)
+{
+    return flock(descriptor.number(), LOCK_EX | LOCK_NB) == 0;
+}
+
+/** Whether `descriptor` still is the file at this path. */
+bool isAt(const std::filesystem::path& file, const Descriptor& descriptor)
+{
+    struct stat ours
+    {};
+    struct stat theirs
+    {};
+    return fstat(descriptor.number(), &ours) == 0 && lstat(file.c_str(), &theirs) == 0 &&
+           ours.st_dev == theirs.st_dev && ours.st_ino == theirs.st_ino;
 }
 
 } // namespace
 
 struct LockFile::Native
 {
-    explicit Native(const std::filesystem::path& file) : m_Descriptor(openToLock(file)) {}
-    ~Native()
+    /** False when another process holds the folder, whose lock outlives a lock file that somebody deletes. */
+    bool takeFolder()
     {
-        if (m_Descriptor >= 0)
-            (void)close(m_Descriptor);
+        Descriptor folder(open(m_File.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        // Not every file system locks folders, and not everybody may open them. The file has the last word.
+        if (!lock(folder) && errno == EWOULDBLOCK)
+            return false;
+        m_Folder = std::move(folder);
+        return true;
     }
-    Native(const Native&) = delete;
-    Native& operator=(const Native&) = delete;
 
-    const int m_Descriptor;
+    bool takeFile()
+    {
+        for (;;) {
+            Descriptor file = openToLock(m_File);
+            if (!lock(file)) {
+                if (errno != EWOULDBLOCK)
+                    fail(m_File, errno);
+                return false;
+            }
+            // Whoever made another file at this place meanwhile may hold that one.
+            if (!isAt(m_File, file))
+                continue;
+            m_Locked = std::move(file);
+            return true;
+        }
+    }
+
+    void writeIdentifier() const
+    {
+        const std::string identifier = std::to_string(getpid()) + '\n';
+        if (ftruncate(m_Locked.number(), 0) == 0)
+            (void)!pwrite(m_Locked.number(), identifier.data(), identifier.size(), 0);
+    }
+
+    const std::filesystem::path m_File;
+    Descriptor m_Folder{};
+    Descriptor m_Locked{};
 };
 
-LockFile::LockFile(const std::filesystem::path& file) : m_Native(std::make_unique<Native>(file)) {}
+LockFile::LockFile(const std::filesystem::path& file) : m_Native(std::make_unique<Native>(Native{file})) {}
 LockFile::~LockFile() = default;
 
 bool LockFile::take()
 {
-    if (flock(m_Native->m_Descriptor, LOCK_EX | LOCK_NB) != 0)
-        return errno != EWOULDBLOCK;
-    const std::string identifier = std::to_string(getpid()) + '\n';
-    if (ftruncate(m_Native->m_Descriptor, 0) == 0)
-        (void)!pwrite(m_Native->m_Descriptor, identifier.data(), identifier.size(), 0);
+    if (!m_Native->takeFolder())
+        return false;
+    if (!m_Native->takeFile()) {
+        m_Native->m_Folder = Descriptor();
+        return false;
+    }
+    m_Native->writeIdentifier();
     return true;
 }
 

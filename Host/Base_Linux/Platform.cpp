@@ -2,12 +2,15 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 #include <system_error>
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <poll.h>
+#include <pwd.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -23,6 +26,22 @@ std::filesystem::path programFolder()
     return std::filesystem::read_symlink("/proc/self/exe").parent_path();
 }
 
+namespace {
+
+/** The user's folder; the root folder for a user whom the system does not know. */
+std::filesystem::path homeFolder()
+{
+    if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0')
+        return home;
+    std::array<char, 1U << 14U> buffer;
+    passwd entry{};
+    passwd* found = nullptr;
+    (void)getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found);
+    return found != nullptr ? found->pw_dir : "/";
+}
+
+} // namespace
+
 std::filesystem::path defaultDataFolder()
 {
     if (geteuid() == 0)
@@ -30,8 +49,7 @@ std::filesystem::path defaultDataFolder()
     // The XDG base directory specification has relative paths ignored.
     if (const char* state = std::getenv("XDG_STATE_HOME"); state != nullptr && state[0] == '/')
         return std::filesystem::path(state) / "ostrel";
-    const char* home = std::getenv("HOME");
-    return std::filesystem::path(home != nullptr ? home : "/") / ".local" / "state" / "ostrel";
+    return homeFolder() / ".local" / "state" / "ostrel";
 }
 
 std::error_code accessError(const std::filesystem::path& path, Access access)
@@ -75,8 +93,29 @@ struct ResultChannel::Native
     int m_Descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
 };
 
-ResultChannel::ResultChannel() : m_Native(std::make_unique<Native>()) {}
+ResultChannel::ResultChannel() : m_Native(std::make_unique<Native>())
+{
+    // For good: what is said about a failed write may go to the same output.
+    (void)std::signal(SIGPIPE, SIG_IGN);
+}
+
 ResultChannel::~ResultChannel() = default;
+
+namespace {
+
+/** Returns when a write that failed with `error` may be tried again; throws when it may not. */
+void awaitRoom(int descriptor, int error)
+{
+    if (error == EPIPE)
+        throw ReaderGone();
+    // Whoever shares the output may have made it one that does not wait.
+    pollfd output{descriptor, POLLOUT, 0};
+    const bool mayWait = error == EAGAIN && (poll(&output, 1, -1) >= 0 || errno == EINTR);
+    if (!mayWait && error != EINTR)
+        throw std::system_error(error, std::generic_category(), "standard output");
+}
+
+} // namespace
 
 void ResultChannel::divertOthers(Elsewhere elsewhere)
 {
@@ -95,10 +134,10 @@ void ResultChannel::write(std::string_view text)
 {
     while (!text.empty()) {
         const ssize_t written = ::write(m_Native->m_Descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR)
+        if (written < 0) {
+            awaitRoom(m_Native->m_Descriptor, errno);
             continue;
-        if (written < 0)
-            throw std::system_error(errno, std::generic_category(), "standard output");
+        }
         text.remove_prefix(static_cast<std::size_t>(written));
     }
 }

@@ -37,8 +37,6 @@ struct TerminationRequest::Native
             throw std::system_error(errno, std::generic_category(), "event");
         // Every thread that is started from now on leaves the signals alone, too.
         (void)pthread_sigmask(SIG_BLOCK, &m_Signals, &m_FormerMask);
-        // For good: what is said about a failed write may go to the same output.
-        (void)std::signal(SIGPIPE, SIG_IGN);
         m_Thread = std::thread([this] { takeSignals(); });
     }
 
@@ -55,12 +53,12 @@ struct TerminationRequest::Native
 
     void takeSignals()
     {
-        for (bool asked = false;; asked = true) {
+        for (bool last = false;; last = true) {
             int signal = 0;
             (void)sigwait(&m_Signals, &signal);
             if (m_Ending)
                 return;
-            if (asked)
+            if (last || !m_Deferred)
                 endBy(signal);
             m_Asked.Set();
         }
@@ -77,12 +75,18 @@ struct TerminationRequest::Native
     const sigset_t m_Signals = endingSignals();
     sigset_t m_FormerMask{};
     std::atomic<bool> m_Ending = false;
+    std::atomic<bool> m_Deferred = false;
     TLX::Threading::CEvent m_Asked;
     std::thread m_Thread;
 };
 
 TerminationRequest::TerminationRequest() : m_Native(std::make_unique<Native>()) {}
 TerminationRequest::~TerminationRequest() = default;
+
+void TerminationRequest::defer()
+{
+    m_Native->m_Deferred = true;
+}
 
 TLX::Threading::CEvent& TerminationRequest::asked()
 {

@@ -1,6 +1,7 @@
 #include "Base/Platform.h"
 
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include <windows.h>
@@ -27,15 +28,19 @@ LockFile::~LockFile() = default;
 
 bool LockFile::take()
 {
-    // Others may read what is in it, but not open it to write.
+    // Others may read what is in it, but neither open it to write nor delete it.
     m_Native->m_Handle = CreateFileW(m_Native->m_File.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                      CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     // Somebody else's file, which only he may write to, can still tell whether he does.
     if (m_Native->m_Handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_ACCESS_DENIED)
         m_Native->m_Handle = CreateFileW(m_Native->m_File.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (m_Native->m_Handle == INVALID_HANDLE_VALUE)
-        return GetLastError() != ERROR_SHARING_VIOLATION;
+    if (m_Native->m_Handle == INVALID_HANDLE_VALUE) {
+        const DWORD error = GetLastError();
+        if (error == ERROR_SHARING_VIOLATION)
+            return false;
+        throw std::system_error(static_cast<int>(error), std::system_category(), m_Native->m_File.string());
+    }
     const std::string identifier = std::to_string(GetCurrentProcessId()) + "\r\n";
     DWORD written = 0;
     WriteFile(m_Native->m_Handle, identifier.data(), static_cast<DWORD>(identifier.size()), &written,

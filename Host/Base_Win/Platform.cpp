@@ -161,6 +161,9 @@ void ResultChannel::write(std::string_view text)
     while (!text.empty()) {
         const auto length = static_cast<unsigned>(std::min<std::size_t>(text.size(), INT_MAX));
         const int written = _write(m_Native->m_Descriptor.m_Number, text.data(), length);
+        // The runtime does not know every number that Windows has for a pipe without a reader.
+        if (written < 0 && (errno == EPIPE || _doserrno == ERROR_NO_DATA))
+            throw ReaderGone();
         if (written < 0)
             throw std::system_error(errno, std::generic_category(), "standard output");
         text.remove_prefix(static_cast<std::size_t>(written));

@@ -2,6 +2,7 @@
 
 #include <TLX/WaitResult.h>
 
+#include <atomic>
 #include <system_error>
 
 #include <windows.h>
@@ -12,9 +13,12 @@ namespace {
 // Where the system's thread finds them that tells of the console; it may come at any time.
 TLX::Threading::CEvent askedToEnd;
 TLX::Threading::CEvent hasEnded;
+std::atomic<bool> isDeferred = false;
 
 BOOL WINAPI onConsole(DWORD what)
 {
+    if (!isDeferred)
+        return FALSE;
     if (askedToEnd.Wait(0) == TLX::Threading::WaitResult::Taken &&
         (what == CTRL_C_EVENT || what == CTRL_BREAK_EVENT))
         return FALSE;
@@ -42,6 +46,7 @@ struct TerminationRequest::Native
         // In this order: who takes a handler away waits until none runs.
         hasEnded.Set();
         SetConsoleCtrlHandler(onConsole, FALSE);
+        isDeferred = false;
     }
 
     Native(const Native&) = delete;
@@ -50,6 +55,11 @@ struct TerminationRequest::Native
 
 TerminationRequest::TerminationRequest() : m_Native(std::make_unique<Native>()) {}
 TerminationRequest::~TerminationRequest() = default;
+
+void TerminationRequest::defer()
+{
+    isDeferred = true;
+}
 
 TLX::Threading::CEvent& TerminationRequest::asked()
 {

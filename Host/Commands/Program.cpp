@@ -168,10 +168,19 @@ private:
             marked.insert(
                 0, printable("Simulated fleet: " + m_Session.m_Setup.fleet()->file().filename().string()) +
                        '\n');
-        m_Results.write(marked);
+        write(marked);
     }
 
-    void print(const Json& content) { m_Results.write(documentText(content, m_Session.simulated())); }
+    void print(const Json& content) { write(documentText(content, m_Session.simulated())); }
+
+    /** Whoever reads no further has read enough. What the command found still makes the exit code. */
+    void write(const std::string& text)
+    {
+        try {
+            m_Results.write(text);
+        } catch (const Platform::ReaderGone&) {
+        }
+    }
 
     const Session& m_Session;
     Platform::ResultChannel& m_Results;
@@ -183,8 +192,7 @@ void refuseOrWarn(Command command, const DataFolderClaim& claim, Messages& messa
 {
     switch (command) {
     case Command::Watch:
-        throw Failure(ExitCode::RequestFailed,
-                      claim.refusal() + ". End it, or name another folder with --data.");
+        throw claim.failure();
     case Command::List:
     case Command::Topology:
     case Command::Show:
@@ -198,11 +206,9 @@ void refuseOrWarn(Command command, const DataFolderClaim& claim, Messages& messa
 
 ExitCode execute(const Options& options, Platform::ResultChannel& results, Messages& messages)
 {
-    // Plug-ins print to standard output. That belongs to whoever reads errors and traces, but on a terminal
-    // it would only stand between the results.
-    results.divertOthers(messages.onTerminal() && !options.m_Trace.wanted()
-                             ? Platform::Elsewhere::Nowhere
-                             : Platform::Elsewhere::StandardError);
+    // Plug-ins print to standard output. Only those who read traces want that.
+    results.divertOthers(options.m_Trace.wanted() ? Platform::Elsewhere::StandardError
+                                                  : Platform::Elsewhere::Nowhere);
     const std::filesystem::path programFolder = Platform::programFolder();
     const HostFolders folders = {shareFolder(programFolder),
                                  options.m_Data.value_or(Platform::defaultDataFolder()), keepsData(options),
@@ -238,6 +244,8 @@ public:
                 const auto text = commandIn(m_Words) == "watch" ? lineText : documentText;
                 m_Results.write(text(failureJson(message, result), m_Simulated));
             }
+        } catch (const Platform::ReaderGone&) {
+            // The exit code tells the failure, too.
         } catch (const std::exception& error) {
             // That the results cannot be written may be just what was told.
             if (error.what() != message)
@@ -274,6 +282,8 @@ int run(const std::vector<std::string>& words)
         } catch (const TextAsked& asked) {
             results.write(asked.what());
         }
+    } catch (const Platform::ReaderGone&) {
+        // Whoever closes a pipe has read enough.
     } catch (const Failure& failure) {
         exitCode = failures.report(failure.exitCode(), failure.what(), failure.result());
     } catch (const std::exception& error) {

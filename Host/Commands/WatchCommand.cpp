@@ -221,7 +221,10 @@ private:
 void watch(const Session& session, Platform::ResultChannel& results, const Screen& screen)
 {
     Platform::TerminationRequest termination;
-    Watch(session, results, screen).run(termination.asked());
+    Watch watch(session, results, screen);
+    // A start that takes its time, such as one beside a drive that does not answer, needs no end of its own.
+    termination.defer();
+    watch.run(termination.asked());
 }
 
 } // namespace Host::Cli

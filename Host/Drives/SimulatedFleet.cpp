@@ -28,7 +28,10 @@ SimulatedFleet::SimulatedFleet(std::filesystem::path file, Warn warn)
     : m_File(std::move(file)), m_Warn(std::move(warn)), m_LastText(readFile(m_File))
 {
     if (!m_LastText)
-        throw Failure(ExitCode::WrongUsage, nameOf(m_File) + " cannot be read, or is larger than 64 MiB.");
+        throw Failure(ExitCode::WrongUsage,
+                      nameOf(m_File) + (TLX::Misc::isSpecialFile(m_File)
+                                            ? " is no regular file."
+                                            : " cannot be read, or is larger than 64 MiB."));
     try {
         m_Controllers = parseFleet(*m_LastText);
     } catch (const std::runtime_error& error) {

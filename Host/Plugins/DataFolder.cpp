@@ -55,15 +55,30 @@ DataFolderClaim::DataFolderClaim(std::filesystem::path folder, std::uint64_t pat
     constexpr std::uint32_t step = 100;
     makeFolder(m_Folder);
     m_Lock = std::make_unique<Platform::LockFile>(lockFile(m_Folder));
-    for (const std::uint64_t start = TLX::Misc::monotonic(); !(m_Granted = m_Lock->take());) {
-        if (TLX::Misc::monotonic() - start >= patience)
-            return;
-        TLX::Misc::pause(step);
+    try {
+        for (const std::uint64_t start = TLX::Misc::monotonic(); !(m_Granted = m_Lock->take());) {
+            if (TLX::Misc::monotonic() - start >= patience)
+                return;
+            TLX::Misc::pause(step);
+        }
+    } catch (const std::system_error& error) {
+        m_Error = error.code();
     }
+}
+
+Failure DataFolderClaim::failure() const
+{
+    if (!m_Error)
+        return {ExitCode::RequestFailed, refusal() + ". End it, or name another folder with --data."};
+    return {m_Error == std::errc::permission_denied ? ExitCode::NoPermission : ExitCode::RequestFailed,
+            refusal() + ". Remove what is there, or name another folder with --data."};
 }
 
 std::string DataFolderClaim::refusal() const
 {
+    if (m_Error)
+        return "The lock file " + printable(lockFile(m_Folder).string()) +
+               " cannot be opened: " + m_Error.message();
     const std::string text = readFile(lockFile(m_Folder)).value_or("");
     const auto process = parseNumber(text.substr(0, text.find_first_of("\r\n")), 10);
     return "Another ostrel" + (process ? ", process " + std::to_string(*process) + "," : "") +
@@ -73,6 +88,14 @@ std::string DataFolderClaim::refusal() const
 void keepRows(const std::filesystem::path& folder)
 {
     setDatabaseFile(databaseFile(folder));
+}
+
+void warnOfSettings(const std::filesystem::path& folder, const Warn& warn)
+{
+    const std::filesystem::path file = folder / "Ostrel.ini";
+    if (TLX::Misc::isSpecialFile(file))
+        warn("The settings file " + printable(file.string()) +
+             " is no regular file. It is not read, and the usual values hold.");
 }
 
 void restoreNumbers(const std::filesystem::path& folder, const Warn& warn)

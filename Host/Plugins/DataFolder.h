@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Failure.h"
 #include "Base/Platform.h"
 #include "Plugins/ObjectStore.h"
 
@@ -8,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <system_error>
 
 // What is kept from one run to the next in a folder: the database of the plug-ins' rows, and the numbers of
 // the adapters.
@@ -24,24 +26,31 @@ class DataFolderClaim
 public:
     /**
      * Waits up to `patience` milliseconds for another process to give its right up. Throws `Failure` when the
-     * folder cannot be made.
+     * folder cannot be made. A lock that cannot be opened is a refusal, too.
      */
     DataFolderClaim(std::filesystem::path folder, std::uint64_t patience);
 
-    /** False: another process has the right. */
     bool granted() const { return m_Granted; }
 
-    /** What to say of that other process. */
+    /** Why it is not granted: a sentence without its full stop. */
     std::string refusal() const;
+
+    /** The same with what to do about it, for a command that needs the right. */
+    Failure failure() const;
 
 private:
     const std::filesystem::path m_Folder;
     std::unique_ptr<Platform::LockFile> m_Lock;
+    std::error_code m_Error; ///< of a lock that cannot be opened
     bool m_Granted = false;
 };
 
 /** Has the process's plug-ins keep their rows in `folder`. */
 void keepRows(const std::filesystem::path& folder);
+
+/** Tells `warn` when what `folder` has in the place of the settings is no regular file, and so is not read.
+ */
+void warnOfSettings(const std::filesystem::path& folder, const std::function<void(const std::string&)>& warn);
 
 /**
  * Takes up the numbers that `folder` has. What is damaged is told to `warn`; so is a file that cannot be

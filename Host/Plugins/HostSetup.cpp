@@ -23,8 +23,10 @@ void startTrace(const TraceOptions& trace)
         TLX::Trace::setSink(trace.m_File ? TLX::Trace::rotatingFileSink(*trace.m_File)
                                          : TLX::Trace::standardErrorSink());
     } catch (const std::system_error& error) {
-        throw Failure(ExitCode::WrongUsage, "The trace file " + printable(trace.m_File->string()) +
-                                                " cannot be written: " + error.code().message() + ".");
+        const bool isUnread = error.code() == std::errc::no_such_device_or_address;
+        throw Failure(ExitCode::WrongUsage,
+                      "The trace file " + printable(trace.m_File->string()) + " cannot be written: " +
+                          (isUnread ? "nobody reads from it" : error.code().message()) + ".");
     }
     TLX::Trace::setDefaultMask(trace.m_Mask);
     for (const auto& [module, mask] : trace.m_ModuleMasks)
@@ -67,6 +69,7 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
     TLX::Language_Support::CLanguageSupport::SetFolder(folders.m_Share);
     PI::SetLifeTimeFolder(folders.m_Share);
     PI::CConfigFile::SetFolder(folders.m_Data.native());
+    warnOfSettings(folders.m_Data, warn);
     startTrace(trace);
     if (m_Fleet)
         TLXX::setDeviceBackend(m_Fleet);

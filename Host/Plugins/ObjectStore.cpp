@@ -46,6 +46,14 @@ bool goesBySerialOrDevice(const PI::CObject& object, std::string_view name)
            (!device.empty() && equalIgnoringCase(shortDeviceName(device), shortDeviceName(name)));
 }
 
+/** "plugin" is any; by its own name each can be told from the others. */
+bool isPluginNamed(const PI::CObject& object, std::string_view name)
+{
+    const std::string own = textOf(object, PI::PROP_NAME);
+    return object.m_Type == PI::TYPE_PLUGIN &&
+           (equalIgnoringCase(name, "plugin") || (!own.empty() && equalIgnoringCase(name, own)));
+}
+
 } // namespace
 
 const PI::CProperty* findProperty(const PI::CObject& object, std::uint32_t propertyId)
@@ -176,7 +184,7 @@ std::vector<const PI::CObject*> ObjectStore::namedExactly(std::string_view name)
     for (const PI::CObject& object : m_Objects) {
         const std::string location = textOf(object, PI::PROP_LOCATION);
         if ((id && object.m_ID == *id) || (!location.empty() && equalIgnoringCase(location, name)) ||
-            (object.m_Type == PI::TYPE_PLUGIN && equalIgnoringCase(name, "plugin")))
+            isPluginNamed(object, name))
             return {&object};
     }
     return {};

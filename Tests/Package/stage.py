@@ -1,19 +1,21 @@
-"""The unpacked package, and how to run things."""
+"""The unpacked packages, and how to run things."""
 
 import shutil
 import subprocess
 
-package = None  # the file
-work = None     # everything that the tests make is below it
-root = None     # where the package is unpacked
+package = None      # the file of the program's package
+development = None  # that of the package for developers
+work = None         # everything that the tests make is below it
+root = None         # where both are unpacked
 
 
-def open(file, folder):
-    global package, work, root
-    package, work, root = file, folder, folder / "root"
+def open(program, developers, folder):
+    global package, development, work, root
+    package, development, work, root = program, developers, folder, folder / "root"
     shutil.rmtree(work, ignore_errors=True)
     work.mkdir(parents=True)
-    run("dpkg-deb", "--extract", package, root)
+    for file in (package, development):
+        run("dpkg-deb", "--extract", file, root)
 
 
 def run(*command, **options):

@@ -38,6 +38,13 @@ class Consumer(unittest.TestCase):
         self.assertEqual([line for line in lines if line.startswith(("module", "result"))],
                          ["module 313", "result 0", "module 313", "result 20001"])
 
+    def test_installed(self):
+        """installed, the host starts, and finds the libraries without being told of their folder"""
+        folder = stage.work / "installed"
+        stage.run("cmake", "--install", self.folder, "--prefix", folder)
+        lines = stage.run(folder / "bin/TinyHost", env={"PATH": "/usr/bin:/bin"}).splitlines()
+        self.assertIn("row CONSUMER-1", [line.strip() for line in lines])
+
     def test_plugin(self):
         """the program shows the objects of the plug-in beside those of its own"""
         objects = json.loads(stage.ostrel(*stage.demo(), "--plugin", self.plugin, "topology", "--json"))["objects"]

@@ -30,8 +30,9 @@ class Watching:
 
     def __init__(self, machine, data, *arguments):
         self._machine = machine
+        # Who traces sees the plug-in's own line, which says that it has looked.
         self._process = machine.prefix.start(machine.console, machine.program, "--data", data, "watch", "--json",
-                                             *arguments, stdin=subprocess.PIPE)
+                                             "--trace", "1", *arguments, stdin=subprocess.PIPE)
         self._events, self.errors = queue.Queue(), []
         self._ready = threading.Event()
         self._readers = [threading.Thread(target=self._read, args=(stream, take), daemon=True)

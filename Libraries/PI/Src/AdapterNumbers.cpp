@@ -2,6 +2,7 @@
 #include "ReplaceFile.h"
 
 #include <PI/AdapterNumbers.h>
+#include <TLX/RegularFile.h>
 #include <TLX/TrustedFile.h>
 
 #include <algorithm>
@@ -117,7 +118,8 @@ std::optional<std::string> restore(const std::filesystem::path& file)
         throw std::runtime_error(file.string() + " is a link that belongs to another user");
     const auto content = TLX::Misc::readTrustedFile(file);
     if (!content)
-        throw std::runtime_error(file.string() + " cannot be read");
+        throw std::runtime_error(
+            file.string() + (TLX::Misc::isSpecialFile(file) ? " is no regular file" : " cannot be read"));
     CReadNumbers found = read(*content);
     CAdapterRegistry::Instance().Replace(std::move(found.m_Numbers));
     if (found.m_FirstDamaged == 0)

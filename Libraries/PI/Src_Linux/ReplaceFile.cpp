@@ -6,7 +6,6 @@
 #include <string>
 
 #include <fcntl.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,8 +19,18 @@ class CTemporaryFile
 {
 public:
     explicit CTemporaryFile(const std::filesystem::path& target)
-        : m_Name(target.string() + ".XXXXXX"), m_Descriptor(mkostemp(m_Name.data(), O_CLOEXEC))
-    {}
+    {
+        struct stat former
+        {};
+        m_Replaces = lstat(target.c_str(), &former) == 0 && S_ISREG(former.st_mode);
+        m_Mode = m_Replaces ? former.st_mode & ALLPERMS : NEW_FILE_MODE;
+        // Another file may have the name, of another thread or left by a process that was killed.
+        constexpr int attempts = 1000;
+        for (int i = 0; i < attempts && (i == 0 || errno == EEXIST) && m_Descriptor < 0; ++i) {
+            m_Name = target.string() + "." + std::to_string(getpid()) + "-" + std::to_string(i);
+            m_Descriptor = open(m_Name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, m_Mode);
+        }
+    }
     ~CTemporaryFile()
     {
         if (m_Descriptor < 0)
@@ -49,18 +58,17 @@ public:
 
     bool TakePlaceOf(const std::filesystem::path& target)
     {
-        struct stat former
-        {};
-        const mode_t mode = lstat(target.c_str(), &former) == 0 && S_ISREG(former.st_mode)
-                                ? former.st_mode & ALLPERMS
-                                : NEW_FILE_MODE;
-        m_Kept = fchmod(m_Descriptor, mode) == 0 && rename(m_Name.c_str(), target.c_str()) == 0;
+        // A new file keeps to the process's mask, which took its part when the file was made.
+        m_Kept =
+            (!m_Replaces || fchmod(m_Descriptor, m_Mode) == 0) && rename(m_Name.c_str(), target.c_str()) == 0;
         return m_Kept;
     }
 
 private:
     std::string m_Name;
-    int m_Descriptor;
+    int m_Descriptor = -1;
+    bool m_Replaces = false;
+    mode_t m_Mode = NEW_FILE_MODE;
     bool m_Kept = false;
 };
 

@@ -1,8 +1,10 @@
+#include "ModuleFolder.h"
 #include "ModuleRegistry.h"
 #include "Utf8.h"
 
 #include <charconv>
 #include <fstream>
+#include <system_error>
 #include <utility>
 
 namespace TLX::Language_Support {
@@ -76,11 +78,22 @@ std::optional<std::string> CLanguageSupport::CLngFile::Text(std::uint32_t number
     const std::filesystem::path folder = currentFolder();
     const std::scoped_lock guard(m_Lock);
     if (m_LoadedFrom != folder) {
-        m_Texts = folder.empty() ? Texts() : readFile(folder / m_FileName);
+        m_Texts = readFile(Find(folder));
         m_LoadedFrom = folder;
     }
     const auto entry = m_Texts.find(number);
     return entry != m_Texts.end() ? std::optional(entry->second) : std::nullopt;
+}
+
+/** Where the file is; what comes with a plug-in of somebody else does not lie in the host's folder. */
+std::filesystem::path CLanguageSupport::CLngFile::Find(const std::filesystem::path& folder) const
+{
+    const std::filesystem::path shared = folder.empty() ? folder : folder / m_FileName;
+    std::error_code error;
+    if (!shared.empty() && std::filesystem::exists(shared, error))
+        return shared;
+    const std::filesystem::path own = Internals::moduleFolder(this);
+    return own.empty() ? own : own / m_FileName;
 }
 
 void CLanguageSupport::SetFolder(std::filesystem::path folder)

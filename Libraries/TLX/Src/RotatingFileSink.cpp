@@ -1,8 +1,10 @@
+#include "TraceFile.h"
+
+#include <TLX/RegularFile.h>
 #include <TLX/TraceSink.h>
 
 #include <cerrno>
 #include <exception>
-#include <fstream>
 #include <system_error>
 #include <utility>
 
@@ -34,9 +36,9 @@ public:
 private:
     bool Open()
     {
-        m_Stream.open(m_Path, std::ios::app | std::ios::binary);
-        if (!m_Stream.is_open())
+        if (!m_File.Open(m_Path))
             return false;
+        m_Rotates = !Misc::isSpecialFile(m_Path);
         MeasureSize();
         return true;
     }
@@ -51,19 +53,23 @@ private:
     void Append(const std::string& text)
     {
         // A line longer than a whole file gets a file of its own.
-        if (m_Stream.is_open() && m_Size > 0 && m_Size + text.size() > m_MaximumSize) {
-            m_Stream.close();
+        if (m_File.IsOpen() && IsFullFor(text)) {
+            m_File.Close();
             Rotate();
         }
-        if (!m_Stream.is_open() && !Open())
+        if (!m_File.IsOpen() && !Open())
             return;
-        if (m_Size > 0 && m_Size + text.size() > m_MaximumSize)
+        if (IsFullFor(text))
             return;
-        m_Stream.clear();
-        if (m_Stream.write(text.data(), static_cast<std::streamsize>(text.size())).flush())
+        if (m_File.Append(text))
             m_Size += text.size();
         else
             MeasureSize();
+    }
+
+    bool IsFullFor(const std::string& text) const
+    {
+        return m_Rotates && m_Size > 0 && m_Size + text.size() > m_MaximumSize;
     }
 
     fs::path Numbered(unsigned number) const
@@ -83,7 +89,8 @@ private:
     fs::path m_Path;
     std::uint64_t m_MaximumSize;
     unsigned m_Keep;
-    std::ofstream m_Stream;
+    CTraceFile m_File;
+    bool m_Rotates = true; ///< a terminal or a pipe has no size, and keeps its name
     std::uint64_t m_Size = 0;
 };
 

@@ -1,9 +1,9 @@
-#include <TLX/Linux/Descriptor.h>
+#include "ReadFile.h"
+
+#include <TLX/RegularFile.h>
 #include <TLX/TrustedFile.h>
 
 #include <climits>
-
-#include <cerrno>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -54,23 +54,8 @@ std::optional<std::string> readTrustedFile(const std::filesystem::path& path)
     if (!target)
         return std::nullopt;
     // A link that took the target's place meanwhile is not followed.
-    const Linux::CDescriptor file(
-        open(target->c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat status
-    {};
-    if (!file.Valid() || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode))
-        return std::nullopt;
-    std::string text;
-    char chunk[1U << 14U];
-    for (;;) {
-        const ssize_t size = read(file.Get(), chunk, sizeof chunk);
-        if (size == 0)
-            return text;
-        if (size < 0 && errno != EINTR)
-            return std::nullopt;
-        if (size > 0)
-            text.append(chunk, static_cast<std::size_t>(size));
-    }
+    return readFile(Linux::CDescriptor(open(target->c_str(), READ_WITHOUT_WAITING | O_NOFOLLOW)),
+                    LARGEST_FILE);
 }
 
 } // namespace TLX::Misc

@@ -4,12 +4,16 @@
 
 #include <nlohmann/json.hpp>
 
+#include <sys/stat.h>
+
 namespace {
 
 namespace Built = HostTest::Built;
 using HostTest::linesOf;
 using HostTest::ProgramResult;
+using HostTest::runIntoFullPipe;
 using HostTest::runProgram;
+using HostTest::runUnread;
 using HostTest::simulated;
 using nlohmann::json;
 using testing::AllOf;
@@ -113,6 +117,55 @@ TEST(ProgramFailure, RefusesAWrongFleetFile)
         EXPECT_THAT(result.m_Output, IsEmpty());
         EXPECT_THAT(result.m_Errors, AllOf(HasSubstr(fleet), HasSubstr("/controllers/0/health/temprature")));
     }
+}
+
+TEST(ProgramFailure, APipeThatIsClosedEarlyIsNone)
+{
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"list"}, {"topology", "--json"}, {"show", "nvme0n1"}}) {
+        const ProgramResult result = runUnread(simulated(words));
+        EXPECT_EQ(result.m_ExitCode, 0);
+        EXPECT_EQ(result.m_Errors, "");
+    }
+    EXPECT_EQ(runUnread({"--help"}).m_ExitCode, 0);
+    EXPECT_EQ(runUnread({"--help"}).m_Errors, "");
+}
+
+TEST(ProgramFailure, KeepsItsExitCodeWhenNobodyReads)
+{
+    const ProgramResult unknown = runUnread(simulated({"show", "nobody", "--json"}));
+    EXPECT_EQ(unknown.m_ExitCode, 2);
+    EXPECT_EQ(linesOf(unknown.m_Errors), linesOf(runProgram(simulated({"show", "nobody"})).m_Errors));
+    const TestSupport::CTemporaryFolder folder;
+    EXPECT_EQ(
+        runUnread(simulated({"doctor"}, folder.Write("empty.json", R"({"controllers": []})"))).m_ExitCode, 3);
+}
+
+TEST(ProgramFailure, WaitsForAnOutputThatTakesNoMoreForNow)
+{
+    const std::vector<std::string> words = simulated({"topology", "--json"});
+    const ProgramResult result = runIntoFullPipe(words);
+    EXPECT_EQ(result.m_ExitCode, 0);
+    EXPECT_EQ(result.m_Output, runProgram(words).m_Output);
+}
+
+TEST(ProgramFailure, RefusesPipesInThePlaceOfFiles)
+{
+    const TestSupport::CTemporaryFolder folder;
+    const std::string pipe = folder.Path() / "pipe";
+    for (const char* name : {"pipe", "Ostrel.ini", "AdapterNumbers.txt"})
+        ASSERT_EQ(mkfifo((folder.Path() / name).c_str(), 0600), 0);
+    const ProgramResult fleet = runProgram(simulated({"list"}, pipe));
+    EXPECT_EQ(fleet.m_ExitCode, 2);
+    EXPECT_EQ(fleet.m_Errors, "ostrel: The fleet file " + pipe + " is no regular file.\n");
+    const ProgramResult trace = runProgram(simulated({"list", "--trace", "2", "--trace-file", pipe}));
+    EXPECT_EQ(trace.m_ExitCode, 2);
+    EXPECT_EQ(trace.m_Errors,
+              "ostrel: The trace file " + pipe + " cannot be written: nobody reads from it.\n");
+    const ProgramResult list = runProgram(simulated({"list", "--data", folder.Path()}));
+    EXPECT_EQ(list.m_ExitCode, 0);
+    for (const char* name : {"Ostrel.ini", "AdapterNumbers.txt"})
+        EXPECT_THAT(list.m_Errors, HasSubstr((folder.Path() / name).string() + " is no regular file"));
 }
 
 TEST(ProgramFailure, SaysWhenResultsCannotBeWritten)

@@ -34,11 +34,14 @@ TEST(Program, ListsTheFleetAndMarksItAsSimulated)
     EXPECT_THAT(result.m_Output, Not(HasSubstr("\033")));
 }
 
-TEST(Program, KeepsThePluginsConsoleLineOutOfTheResults)
+TEST(Program, DropsThePluginsConsoleLineUnlessATraceIsAskedFor)
 {
-    const ProgramResult result = runProgram(simulated({"list"}));
-    EXPECT_THAT(result.m_Output, Not(HasSubstr("adapter count")));
-    EXPECT_EQ(result.m_Errors, "Ostrel:  Initialize:  adapter count is 7\n");
+    const ProgramResult plain = runProgram(simulated({"list"}));
+    EXPECT_THAT(plain.m_Output, Not(HasSubstr("adapter count")));
+    EXPECT_EQ(plain.m_Errors, "");
+    const ProgramResult traced = runProgram(simulated({"list", "--trace", "1"}));
+    EXPECT_EQ(traced.m_Output, plain.m_Output);
+    EXPECT_EQ(traced.m_Errors, "Ostrel:  Initialize:  adapter count is 7\n");
 }
 
 TEST(Program, ListsAsJson)

@@ -134,6 +134,63 @@ ProgramResult runProgram(const std::vector<std::string>& arguments, const Enviro
     return result;
 }
 
+namespace {
+
+/** A small pipe whose writers do not wait. */
+struct Pipe
+{
+    Pipe()
+    {
+        constexpr int smallest = 4096;
+        int ends[2] = {-1, -1};
+        if (pipe2(ends, O_NONBLOCK) != 0 || fcntl(ends[1], F_SETPIPE_SZ, smallest) < 0)
+            throw std::runtime_error("no pipe to be had");
+        m_Reader = std::make_unique<Descriptor>(ends[0]);
+        m_Writer = std::make_unique<Descriptor>(ends[1]);
+    }
+
+    /** Returns how many bytes it took. */
+    std::size_t fill() const
+    {
+        const char byte = ' ';
+        std::size_t bytes = 0;
+        while (write(m_Writer->number(), &byte, 1) == 1)
+            ++bytes;
+        (void)fcntl(m_Reader->number(), F_SETFL, 0);
+        return bytes;
+    }
+
+    std::unique_ptr<Descriptor> m_Reader;
+    std::unique_ptr<Descriptor> m_Writer;
+};
+
+} // namespace
+
+ProgramResult runIntoFullPipe(const std::vector<std::string>& arguments, const Environment& environment)
+{
+    const Pipe output;
+    const std::size_t filler = output.fill();
+    const Descriptor errors(open("/dev/null", O_WRONLY));
+    const pid_t child = start(arguments, environment, output.m_Writer->number(), errors.number());
+    output.m_Writer->reset();
+    ProgramResult result;
+    result.m_Output = readAll(output.m_Reader->number()).substr(filler);
+    result.m_ExitCode = waitFor(child);
+    return result;
+}
+
+ProgramResult runUnread(const std::vector<std::string>& arguments, const Environment& environment)
+{
+    const Pipe output;
+    output.m_Reader->reset();
+    const Descriptor errors(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
+    ProgramResult result;
+    result.m_ExitCode = waitFor(start(arguments, environment, output.m_Writer->number(), errors.number()));
+    (void)lseek(errors.number(), 0, SEEK_SET);
+    result.m_Errors = readAll(errors.number());
+    return result;
+}
+
 ProgramResult runOnTerminal(const std::vector<std::string>& arguments, unsigned columns,
                             const Environment& environment)
 {

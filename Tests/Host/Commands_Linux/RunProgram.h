@@ -21,6 +21,15 @@ using Environment = std::map<std::string, std::string>;
 /** Runs the program with both outputs redirected. `environment` is all that it gets. */
 ProgramResult runProgram(const std::vector<std::string>& arguments, const Environment& environment = {});
 
+/**
+ * The same with a small pipe as standard output, which is full when the program starts and lets nobody wait.
+ * `m_Output` is what the program wrote.
+ */
+ProgramResult runIntoFullPipe(const std::vector<std::string>& arguments, const Environment& environment = {});
+
+/** The same with a pipe as standard output that nobody reads. */
+ProgramResult runUnread(const std::vector<std::string>& arguments, const Environment& environment = {});
+
 /** Runs the program with both outputs on a terminal of `columns`; `m_Output` is what the terminal got. */
 ProgramResult runOnTerminal(const std::vector<std::string>& arguments, unsigned columns,
                             const Environment& environment = {{"TERM", "xterm"}});

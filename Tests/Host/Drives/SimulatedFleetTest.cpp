@@ -52,7 +52,7 @@ TEST_F(SimulatedFleetTest, AFileThatCannotBeReadIsAnErrorAtStart)
 {
     EXPECT_THAT(refusalOf(m_Folder.Path() / "none.json"),
                 AllOf(HasSubstr("none.json"), HasSubstr("cannot be read")));
-    EXPECT_THAT(refusalOf(m_Folder.Path()), HasSubstr("cannot be read"));
+    EXPECT_THAT(refusalOf(m_Folder.Path()), HasSubstr("is no regular file"));
 }
 
 TEST_F(SimulatedFleetTest, AWrongFileIsAnErrorAtStartThatNamesFilePlaceAndRemedy)

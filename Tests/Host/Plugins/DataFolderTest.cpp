@@ -136,8 +136,13 @@ TEST_F(DataFolder, IsWaitedForWhileAnotherOneKeepsIt)
 
 TEST_F(DataFolder, IsNobodysWhereItTakesNoLock)
 {
-    std::filesystem::create_directory(m_Folder.Path() / "Ostrel.lock");
-    EXPECT_TRUE(Host::DataFolderClaim(m_Folder.Path(), 0).granted());
+    const std::filesystem::path lock = m_Folder.Path() / "Ostrel.lock";
+    std::filesystem::create_directory(lock);
+    const Host::DataFolderClaim claim(m_Folder.Path(), 0);
+    EXPECT_FALSE(claim.granted());
+    EXPECT_THAT(claim.refusal(),
+                testing::StartsWith("The lock file " + lock.string() + " cannot be opened: "));
+    EXPECT_THAT(claim.failure().what(), testing::EndsWith("name another folder with --data."));
 }
 
 TEST_F(DataFolder, ForgesNoLineOfARefusal)

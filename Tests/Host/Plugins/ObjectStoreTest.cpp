@@ -47,6 +47,7 @@ TEST_F(ObjectStoreTest, AnIdentifierOrALocationNamesOneObject)
 TEST_F(ObjectStoreTest, ThePluginHasANameOfItsOwn)
 {
     EXPECT_THAT(named("plugin"), ElementsAre(0x0139000000000000));
+    EXPECT_THAT(named("nvme-plugin"), ElementsAre(0x0139000000000000));
     EXPECT_THAT(named("Plugin:ID=313"), ElementsAre(0x0139000000000000));
 }
 

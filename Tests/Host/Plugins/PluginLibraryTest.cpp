@@ -6,6 +6,10 @@
 #include "Support/TemporaryFolder.h"
 #include "Support/VirtualClock.h"
 
+#include <TLX/LanguageSupport.h>
+
+#include <filesystem>
+
 namespace {
 
 using Host::ExitCode;
@@ -49,6 +53,29 @@ TEST(PluginLibrary, RefusesAPluginThatCannotBeCreated)
 {
     EXPECT_THAT(failureOf([] { PluginLibrary plugin(Built::NO_MEMORY_PLUGIN); }).what(),
                 HasSubstr("could not be created: 20007 ERR_OUT_OF_MEMORY"));
+}
+
+TEST(PluginLibrary, HasTheTextsOfACatalogueBesideItself)
+{
+    using TLX::Language_Support::CLanguageSupport;
+    constexpr std::uint32_t number = 4'711'001;
+    const TestSupport::CTemporaryFolder folder;
+    const std::filesystem::path original = Built::SECOND_PLUGIN;
+    std::filesystem::copy_file(original, folder.Path() / original.filename());
+    folder.Write("Second.nls", "4711001 A text of its own\n");
+    {
+        const PluginLibrary plugin(folder.Path() / original.filename());
+        EXPECT_EQ(CLanguageSupport::Find(number), "A text of its own");
+    }
+    EXPECT_EQ(CLanguageSupport::Find(number), std::nullopt) << "it goes with its plug-in";
+    const TestSupport::CTemporaryFolder shared;
+    shared.Write("Second.nls", "4711001 A text of the host's\n");
+    CLanguageSupport::SetFolder(shared.Path());
+    {
+        const PluginLibrary plugin(folder.Path() / original.filename());
+        EXPECT_EQ(CLanguageSupport::Find(number), "A text of the host's");
+    }
+    CLanguageSupport::SetFolder({});
 }
 
 TEST(PluginLibrary, NamesTheRequestThatFailed)

@@ -17,9 +17,10 @@ class TLX_EXPORT CLanguageSupport
 {
 public:
     /**
-     * One module's catalogue file. The file is looked for in the catalogue folder and read at the first
-     * question, and again when the folder has changed; a file that is missing, unreadable or not UTF-8
-     * counts as one without entries. Safe from any thread.
+     * One module's catalogue file. The file is looked for in the catalogue folder, and where that has none,
+     * beside the library that this object is a part of. It is read at the first question, and again when the
+     * folder has changed; a file that is missing, unreadable or not UTF-8 counts as one without entries. Safe
+     * from any thread.
      *
      * Format: UTF-8; a line is a decimal number, blanks and the text; empty lines and lines that begin with
      * '#' are passed over, and so are lines of another shape. The last entry of a number counts.
@@ -47,6 +48,8 @@ public:
         const std::vector<std::string>& DefaultErrors() const { return m_DefaultErrors; }
 
     private:
+        std::filesystem::path Find(const std::filesystem::path& folder) const;
+
         std::string m_FileName;
         std::uint32_t m_LanguageCode;
         std::string m_Encoding;

@@ -49,8 +49,10 @@ TLX_EXPORT std::shared_ptr<ISink> standardErrorSink();
 
 /**
  * Writes lines to `file`, which is renamed to "<file>.1" (and that to "<file>.2", up to `keep`) before it
- * would exceed `maximumSize` bytes; a line that is longer gets a file of its own. Throws `std::system_error`
- * when the file cannot be opened; later failures are dropped, a trace never stops the traced.
+ * would exceed `maximumSize` bytes; a line that is longer gets a file of its own. A terminal, a named pipe or
+ * another special file is written to and never renamed; lines that a pipe does not take at once are dropped.
+ * Throws `std::system_error` when the file cannot be opened, and when it is a named pipe that nobody reads;
+ * later failures are dropped, a trace never stops the traced.
  */
 TLX_EXPORT std::shared_ptr<ISink> rotatingFileSink(const std::filesystem::path& file,
                                                    std::uint64_t maximumSize = 8U << 20U, unsigned keep = 3);

@@ -21,7 +21,8 @@ TLX_EXPORT std::optional<std::filesystem::path> trustedTarget(const std::filesys
 
 /**
  * The content of the regular file to which `path` leads over such links. Nothing when it cannot be read to
- * its end, is of another kind, or is reached over any other link. Never waits, as the reader of a pipe would.
+ * its end, is of another kind, has more than 64 MiB, or is reached over any other link. Never waits, as the
+ * reader of a pipe would.
  */
 TLX_EXPORT std::optional<std::string> readTrustedFile(const std::filesystem::path& path);
 

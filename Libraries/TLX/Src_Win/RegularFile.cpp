@@ -1,14 +1,13 @@
-#include "Base/FileText.h"
+#include <TLX/RegularFile.h>
 
-#include <cstddef>
 #include <fstream>
-#include <utility>
 
-namespace Host {
+namespace TLX::Misc {
 
-std::optional<std::string> readFile(const std::filesystem::path& file)
+std::optional<std::string> readRegularFile(const std::filesystem::path& file, std::size_t largest)
 {
-    constexpr std::size_t largest = 64U << 20U;
+    if (isSpecialFile(file))
+        return std::nullopt;
     std::ifstream stream(file, std::ios::binary);
     std::string text;
     char chunk[1U << 14U];
@@ -17,7 +16,7 @@ std::optional<std::string> readFile(const std::filesystem::path& file)
         if (text.size() > largest)
             return std::nullopt;
     }
-    return stream.eof() ? std::optional(std::move(text)) : std::nullopt;
+    return stream.eof() ? std::optional(text) : std::nullopt;
 }
 
-} // namespace Host
+} // namespace TLX::Misc

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Descriptor.h"
+
+#include <filesystem>
+#include <optional>
+#include <string_view>
+
+namespace TLX::Trace {
+
+/** What trace lines are appended to: anything that can be written. Nothing here waits for another process. */
+class CTraceFile
+{
+public:
+    /** Makes the file when it is missing. When it returns false, `errno` says why. */
+    bool Open(const std::filesystem::path& file);
+    void Close() { m_Descriptor.reset(); }
+    bool IsOpen() const { return m_Descriptor.has_value(); }
+
+    /** Returns false when not everything could be written. */
+    bool Append(std::string_view text) const;
+
+private:
+    std::optional<Threading::CDescriptor> m_Descriptor;
+};
+
+} // namespace TLX::Trace

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+
+namespace TLX::Trace {
+
+/** What trace lines are appended to: anything that can be written. */
+class CTraceFile
+{
+public:
+    /** Makes the file when it is missing. When it returns false, `errno` says why. */
+    bool Open(const std::filesystem::path& file)
+    {
+        m_Stream.open(file, std::ios::app | std::ios::binary);
+        return m_Stream.is_open();
+    }
+    void Close() { m_Stream.close(); }
+    bool IsOpen() const { return m_Stream.is_open(); }
+
+    /** Returns false when not everything could be written. */
+    bool Append(std::string_view text)
+    {
+        m_Stream.clear();
+        return !m_Stream.write(text.data(), static_cast<std::streamsize>(text.size())).flush().fail();
+    }
+
+private:
+    std::ofstream m_Stream;
+};
+
+} // namespace TLX::Trace
