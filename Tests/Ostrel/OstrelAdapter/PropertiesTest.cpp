@@ -257,6 +257,8 @@ TEST_F(CAdapterProperties, CountEnduranceInWholeTebibytes)
     EXPECT_EQ(used(4'294'968, 3), 66);
     EXPECT_EQ(used(0, 1), 0);
     EXPECT_EQ(used(36'028'797'018'963UL, 1), 1'677'721'500) << "the most that 64 bits of bytes give";
+    EXPECT_EQ(used(36'028'797'018'964UL, 1), 1'677'721'500) << "more than 64 bits of bytes";
+    EXPECT_EQ(used(UNKNOWN_COUNTER - 1, 1), 1'677'721'500);
     EXPECT_EQ(used(4'294'968, UNKNOWN_COUNTER), 0);
 }
 
