@@ -194,13 +194,13 @@ TEST_F(CAdapterProperties, AreNoneWhenTheOneAskedForHasNothingToShow)
     EXPECT_THAT(Get(adapter, 30442), IsEmpty()) << "its drive shows the temperature";
 }
 
-TEST_F(CAdapterProperties, CountDataInSixtyFourBits)
+TEST_F(CAdapterProperties, ShowDataBeyondSixtyFourBitsAsTheMostThereIs)
 {
     CNVMeAdapter adapter = fullAdapter();
     adapter.m_DataUnitsRead = 0x8000000000000000ULL;
     const PI::CProperty property = One(adapter, 30489);
-    EXPECT_EQ(property.GetValue(), PI::CProperty::Value(0.0F));
-    EXPECT_EQ(property.Units(), 21025U);
+    EXPECT_EQ(property.GetValue(), PI::CProperty::Value(16.0F));
+    EXPECT_EQ(property.Units(), PI::UNIT_EIB);
 }
 
 TEST_F(CAdapterProperties, CutTheMakerFromTheModel)
