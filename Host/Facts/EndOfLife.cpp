@@ -7,9 +7,11 @@
 #include <PI/LifeTimeData.h>
 #include <PI/PluginHelper.h>
 #include <TLX/Clock.h>
+#include <TLXX/NvmeQuery.h>
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <limits>
@@ -81,17 +83,65 @@ std::optional<std::uint64_t> hoursOfWriting(const EndOfLife& end)
     return hours;
 }
 
-/** A plug-in shows neither the drive's own count of wear nor which of the two decided; the date tells. */
-void findLimit(EndOfLife& end, Days date)
+constexpr std::uint64_t USED_UP = 100; // percent
+
+/** What a drive counts as used of its life, in percent. No plug-in shows it; it is in the drive's pages. */
+struct CountedWear
 {
-    if (isNear(date, PI::CPluginHelper::UNLIMITED_HOURS))
+    std::optional<std::uint64_t> m_Attribute;  ///< of an Intel drive: what its date was computed from
+    std::optional<std::uint64_t> m_Percentage; ///< of any drive, by its health log
+
+    std::uint64_t highest() const { return std::max(m_Attribute.value_or(0), m_Percentage.value_or(0)); }
+};
+
+/** The wear attribute counts what is left, from 100 down; in one product line it counts what is used. */
+std::optional<std::uint64_t> wearAttribute(const PI::CObject& adapter, const std::string& serial)
+{
+    constexpr std::uint8_t legacySmartLog = 0xCA;
+    constexpr std::size_t wearOffset = 27;
+    const auto page = TLXX::lastVendorLogPage(serial, legacySmartLog);
+    if (!page || textOf(adapter, PI::PROP_VENDOR) != "INTEL")
+        return std::nullopt;
+    const std::string model = textOf(adapter, PI::PROP_MODEL);
+    const bool countsUsed = model.starts_with("SSDPED1K") && model.ends_with("GA");
+    const std::uint64_t value = std::min<std::uint64_t>((*page)[wearOffset], USED_UP);
+    return countsUsed ? value : USED_UP - value;
+}
+
+CountedWear countedWear(const PI::CObject& adapter)
+{
+    CountedWear wear;
+    const std::string serial = textOf(adapter, PI::PROP_SERIAL_NUMBER);
+    if (const auto log = TLXX::lastHealthLog(serial))
+        wear.m_Percentage = log->PercentageUsed;
+    wear.m_Attribute = wearAttribute(adapter, serial);
+    return wear;
+}
+
+/** A plug-in does not show which of the two decided; the date tells, unless the drive is used up. */
+void findLimit(EndOfLife& end, Days date, const CountedWear& wear)
+{
+    if (wear.highest() >= USED_UP) {
+        end.m_Limit = EndOfLife::Limit::Worn;
+        end.m_Wear = wear.highest();
         return;
+    }
     const std::optional<std::uint64_t> writing = hoursOfWriting(end);
+    const bool wears = wear.m_Attribute.value_or(0) != 0;
+    if (isNear(date, PI::CPluginHelper::UNLIMITED_HOURS)) {
+        if (writing || wears)
+            end.m_Limit = EndOfLife::Limit::Beyond;
+        return;
+    }
     if (writing && isNear(date, *writing)) {
         end.m_Limit = EndOfLife::Limit::Writing;
         return;
     }
     end.m_Limit = EndOfLife::Limit::Wear;
+    if (wears) {
+        end.m_Wear = wear.m_Attribute;
+        return;
+    }
     const auto hours = static_cast<double>(end.m_PowerOnHours);
     const double all = hours + static_cast<double>(end.m_RemainingHours);
     if (all > 0)
@@ -103,10 +153,14 @@ const char* nameOf(EndOfLife::Limit limit)
     switch (limit) {
     case EndOfLife::Limit::None:
         return "none";
+    case EndOfLife::Limit::Beyond:
+        return "beyond";
     case EndOfLife::Limit::Writing:
         return "writing";
     case EndOfLife::Limit::Wear:
         return "wear";
+    case EndOfLife::Limit::Worn:
+        return "worn";
     }
     return "";
 }
@@ -115,8 +169,10 @@ std::string sentenceOf(const EndOfLife& end)
 {
     switch (end.m_Limit) {
     case EndOfLife::Limit::None:
-        return "Too little is known of this drive to foresee its end; the date stands for a hundred years "
-               "from now.";
+        return "Too little is known of this drive to foresee its end; the date, a hundred years from now, "
+               "says no more than that.";
+    case EndOfLife::Limit::Beyond:
+        return "If it is used as up to now, the drive lasts longer than the hundred years to that date.";
     case EndOfLife::Limit::Writing:
         return end.m_RemainingHours == 0
                    ? "All that its maker lets be written to it has been written; plan to replace it."
@@ -129,6 +185,10 @@ std::string sentenceOf(const EndOfLife& end)
                          std::to_string(end.m_Wear.value_or(0)) + "% now, is at its end in " +
                          durationText(end.m_RemainingHours) +
                          (end.m_Rating ? ", before the rating is reached." : ".");
+    case EndOfLife::Limit::Worn:
+        return "By its own count of wear the drive has used " + std::to_string(end.m_Wear.value_or(0)) +
+               "% of its life: it is fully worn; plan to replace it." +
+               (end.m_RemainingHours == 0 ? "" : " The date does not take this into account.");
     }
     return {};
 }
@@ -155,7 +215,7 @@ std::optional<EndOfLife> explainEndOfLife(const PI::CObject& adapter)
     }
     if (*date > today())
         end.m_RemainingHours = static_cast<std::uint64_t>((*date - today()).count()) * HOURS_PER_DAY;
-    findLimit(end, *date);
+    findLimit(end, *date, countedWear(adapter));
     return end;
 }
 

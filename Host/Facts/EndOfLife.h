@@ -19,9 +19,11 @@ struct EndOfLife
     /** What comes to its end first. */
     enum class Limit
     {
-        None, ///< neither: the drive is unrated or hardly used, and the date stands for "not to be foreseen"
+        None,    ///< nobody knows: nothing is there to compute from, and the date is the latest that is shown
+        Beyond,  ///< neither within the time that is looked ahead; the date is the latest that is shown
         Writing, ///< the amount of data that may be written
         Wear,    ///< what the drive itself counts as wear
+        Worn,    ///< by the drive's own count its life is used up, whatever the date
     };
 
     std::uint64_t m_AdapterId = 0;
@@ -31,14 +33,15 @@ struct EndOfLife
     std::optional<Amount> m_DataWritten;
     std::optional<std::uint64_t> m_Rating;   ///< TiB that may be written; none for a model without a rating
     std::optional<std::int32_t> m_Endurance; ///< percent of the rating that was written
-    std::optional<std::uint64_t>
-        m_Wear; ///< percent of life that the drive counts, about; known when it decides
+    /** Percent of life that the drive counts, about; there when it decides. May pass 100. */
+    std::optional<std::uint64_t> m_Wear;
     Limit m_Limit = Limit::None;
 
     friend bool operator==(const EndOfLife&, const EndOfLife&) = default;
 };
 
-/** The figures behind an adapter's date; none when it shows no date or no hours. */
+/** The figures behind an adapter's date, with what its drive last told the toolkit of its own wear; none when
+ * the adapter shows no date or no hours. */
 std::optional<EndOfLife> explainEndOfLife(const PI::CObject& adapter);
 
 /** Sentences about them. */

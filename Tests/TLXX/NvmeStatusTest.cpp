@@ -28,7 +28,8 @@ TEST(NvmeStatusTest, SaysTheRest)
 {
     EXPECT_EQ(TLXX::statusText(0x20000), "the drive sent less data than was asked for");
     EXPECT_EQ(TLXX::statusText(0x20001), "the driver's answer makes no sense");
-    EXPECT_EQ(TLXX::statusText(0x20002), "unknown status 0x20002");
+    EXPECT_EQ(TLXX::statusText(0x20002), "the page holds zeros alone");
+    EXPECT_EQ(TLXX::statusText(0x20003), "unknown status 0x20003");
     EXPECT_EQ(TLXX::statusText(0xFFFFFFFF), "unknown status 0xFFFFFFFF");
 }
 

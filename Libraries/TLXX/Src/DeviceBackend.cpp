@@ -1,3 +1,5 @@
+#include "PageMemory.h"
+
 #include <TLXX/DeviceBackend.h>
 
 #include <mutex>
@@ -10,6 +12,7 @@ struct CRegistry
 {
     std::mutex m_Lock;
     std::shared_ptr<IDeviceBackend> m_Backend;
+    std::shared_ptr<CPageMemory> m_Memory; ///< of the back-end's drives; null without one
 };
 
 // Never destroyed: a thread that hangs in a drive may outlive the static objects of a process that exits.
@@ -24,6 +27,11 @@ CRegistry& registry()
 IAnnouncements::~IAnnouncements() = default;
 IDeviceBackend::~IDeviceBackend() = default;
 
+std::string IDeviceBackend::Instance(const std::string& path)
+{
+    return path;
+}
+
 std::unique_ptr<IAnnouncements> IDeviceBackend::Subscribe(std::function<void()> /*announce*/)
 {
     return nullptr;
@@ -31,14 +39,37 @@ std::unique_ptr<IAnnouncements> IDeviceBackend::Subscribe(std::function<void()> 
 
 std::shared_ptr<IDeviceBackend> setDeviceBackend(std::shared_ptr<IDeviceBackend> backend)
 {
+    auto memory = backend ? std::make_shared<CPageMemory>() : nullptr;
     const std::scoped_lock guard(registry().m_Lock);
+    registry().m_Memory = std::move(memory);
     return std::exchange(registry().m_Backend, std::move(backend));
 }
 
 std::shared_ptr<IDeviceBackend> deviceBackend()
 {
+    return deviceSource().m_Backend;
+}
+
+std::optional<std::vector<CDeviceEntry>> enumerateBackend()
+{
+    const CDeviceSource source = deviceSource();
+    if (!source.m_Backend)
+        return std::nullopt;
+    std::vector<CDeviceEntry> entries = source.m_Backend->Enumerate();
+    std::vector<std::string> instances;
+    for (const CDeviceEntry& entry : entries)
+        instances.push_back(source.m_Backend->Instance(entry.m_DeviceName));
+    source.m_Memory->Retain(instances);
+    return entries;
+}
+
+CDeviceSource deviceSource()
+{
     const std::scoped_lock guard(registry().m_Lock);
-    return registry().m_Backend;
+    if (registry().m_Backend)
+        return {registry().m_Backend, registry().m_Memory};
+    // The platform's memory has no owner and is never destroyed.
+    return {nullptr, std::shared_ptr<CPageMemory>(std::shared_ptr<void>(), &platformMemory())};
 }
 
 } // namespace TLXX

@@ -1,11 +1,14 @@
 #include "Disk.h"
 #include "NvmeStatus.h"
+#include "PageMemory.h"
 
 #include <TLXX/DeviceBackend.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <map>
 #include <mutex>
+#include <span>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 
@@ -64,17 +67,74 @@ CQuerySession::~CQuerySession()
 
 namespace {
 
-/** Asks the back-end that stands in the machine's place, or else the disk, and keeps the status. */
-template<typename AskBackend, typename AskDisk>
-std::uint32_t ask(const std::string& path, EQuery query, AskBackend askBackend, AskDisk askDisk)
+/** What a drive answered, and which one it was. */
+struct CAnswer
 {
-    if (const auto backend = deviceBackend())
-        return keep(path, query, askBackend(*backend));
+    std::uint32_t m_Status;
+    std::string m_Instance;
+};
+
+/** Asks the back-end that is in the machine's place, or else the disk. */
+template<typename AskBackend, typename AskDisk>
+CAnswer answerOf(const std::string& path, IDeviceBackend* backend, AskBackend askBackend, AskDisk askDisk)
+{
+    if (backend != nullptr) {
+        std::string instance = backend->Instance(path);
+        return {askBackend(*backend), std::move(instance)};
+    }
     CQuerySession::Native* const session = CQuerySession::Native::t_Innermost;
-    if (session != nullptr && session->m_Path == path)
-        return keep(path, query, askDisk(session->Disk()));
+    if (session != nullptr && session->m_Path == path) {
+        Platform::CDisk& disk = session->Disk();
+        return {askDisk(disk), disk.Instance()};
+    }
     Platform::CDisk disk(path);
-    return keep(path, query, askDisk(disk));
+    return {askDisk(disk), disk.Instance()};
+}
+
+template<typename Block>
+std::span<std::uint8_t> bytesOf(Block& block)
+{
+    static_assert(std::is_trivially_copyable_v<Block>);
+    return {reinterpret_cast<std::uint8_t*>(&block), sizeof block};
+}
+
+/** Keeps a good answer, or puts the last good one in the place of one that failed. */
+template<typename Block>
+std::uint32_t remember(const std::string& path, CPageMemory& memory, const CAnswer& answer,
+                       CPageMemory::Page page, Block& block)
+{
+    if (answer.m_Status == STATUS_SUCCESS)
+        memory.Keep(answer.m_Instance, page, bytesOf(block));
+    else
+        (void)memory.Recall(answer.m_Instance, page, bytesOf(block));
+    return keep(path, page.first, answer.m_Status);
+}
+
+constexpr CPageMemory::Page NAMESPACE_PAGE{EQuery::IdentifyNamespace, 0};
+constexpr CPageMemory::Page HEALTH_PAGE{EQuery::SmartHealthLog, 0};
+
+constexpr CPageMemory::Page vendorPage(std::uint8_t logIdentifier)
+{
+    return {EQuery::VendorLog, logIdentifier};
+}
+
+/** The vendor logs that states are told from; texts are not worth remembering. */
+constexpr bool isRemembered(std::uint8_t logIdentifier)
+{
+    constexpr std::uint8_t temperatures = 0xC5;
+    constexpr std::uint8_t legacySmart = 0xCA;
+    return logIdentifier == temperatures || logIdentifier == legacySmart;
+}
+
+template<typename Block>
+std::optional<Block> lastPage(const std::string& serialNumber, CPageMemory::Page page)
+{
+    const CDeviceSource source = deviceSource();
+    const std::optional<std::string> instance = source.m_Memory->InstanceOf(serialNumber);
+    Block block{};
+    if (!instance || !source.m_Memory->Recall(*instance, page, bytesOf(block)))
+        return std::nullopt;
+    return block;
 }
 
 } // namespace
@@ -82,38 +142,65 @@ std::uint32_t ask(const std::string& path, EQuery query, AskBackend askBackend, 
 std::uint32_t NVMeStorageQueryPropertyIdentifyController(const std::string& path,
                                                          NVME_IDENTIFY_CONTROLLER& controller)
 {
-    return ask(
-        path, EQuery::IdentifyController,
+    const CDeviceSource source = deviceSource();
+    const CAnswer answer = answerOf(
+        path, source.m_Backend.get(),
         [&](IDeviceBackend& backend) { return backend.IdentifyController(path, controller); },
         [&](Platform::CDisk& disk) { return disk.IdentifyController(controller); });
+    if (answer.m_Status == STATUS_SUCCESS)
+        source.m_Memory->Identified(answer.m_Instance, controller.sSerialNumber());
+    return keep(path, EQuery::IdentifyController, answer.m_Status);
 }
 
 std::uint32_t NVMeStorageQueryPropertyIdentifyNamespace(const std::string& path,
                                                         NVME_IDENTIFY_NAMESPACE& name_space)
 {
-    return ask(
-        path, EQuery::IdentifyNamespace,
+    const CDeviceSource source = deviceSource();
+    const CAnswer answer = answerOf(
+        path, source.m_Backend.get(),
         [&](IDeviceBackend& backend) { return backend.IdentifyNamespace(path, name_space); },
         [&](Platform::CDisk& disk) { return disk.IdentifyNamespace(name_space); });
+    return remember(path, *source.m_Memory, answer, NAMESPACE_PAGE, name_space);
 }
 
 std::uint32_t NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(const std::string& path,
                                                                 NVME_SMART_HEALTH_INFORMATION_LOG& log)
 {
-    return ask(
-        path, EQuery::SmartHealthLog,
-        [&](IDeviceBackend& backend) { return backend.SmartHealthLog(path, log); },
-        [&](Platform::CDisk& disk) { return disk.SmartHealthLog(log); });
+    const CDeviceSource source = deviceSource();
+    NVME_SMART_HEALTH_INFORMATION_LOG fresh{};
+    CAnswer answer = answerOf(
+        path, source.m_Backend.get(),
+        [&](IDeviceBackend& backend) { return backend.SmartHealthLog(path, fresh); },
+        [&](Platform::CDisk& disk) { return disk.SmartHealthLog(fresh); });
+    if (answer.m_Status == STATUS_SUCCESS && !fresh.Filled())
+        answer.m_Status = STATUS_EMPTY_PAGE;
+    if (answer.m_Status == STATUS_SUCCESS)
+        log = fresh;
+    return remember(path, *source.m_Memory, answer, HEALTH_PAGE, log);
 }
 
 std::uint32_t NVMeStorageQueryPropertyGetVendorSpecificLogPage(const std::string& path,
                                                                std::uint8_t logIdentifier,
                                                                VendorLogPage& page)
 {
-    return ask(
-        path, EQuery::VendorLog,
+    const CDeviceSource source = deviceSource();
+    const CAnswer answer = answerOf(
+        path, source.m_Backend.get(),
         [&](IDeviceBackend& backend) { return backend.VendorLogPage(path, logIdentifier, page); },
         [&](Platform::CDisk& disk) { return disk.VendorLogPage(logIdentifier, page); });
+    if (!isRemembered(logIdentifier))
+        return keep(path, EQuery::VendorLog, answer.m_Status);
+    return remember(path, *source.m_Memory, answer, vendorPage(logIdentifier), page);
+}
+
+std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& serialNumber)
+{
+    return lastPage<NVME_SMART_HEALTH_INFORMATION_LOG>(serialNumber, HEALTH_PAGE);
+}
+
+std::optional<VendorLogPage> lastVendorLogPage(const std::string& serialNumber, std::uint8_t logIdentifier)
+{
+    return lastPage<VendorLogPage>(serialNumber, vendorPage(logIdentifier));
 }
 
 std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query)

@@ -76,6 +76,8 @@ std::string statusText(std::uint32_t status)
         return "the drive sent less data than was asked for";
     if (status == STATUS_BAD_ANSWER)
         return "the driver's answer makes no sense";
+    if (status == STATUS_EMPTY_PAGE)
+        return "the page holds zeros alone";
     switch (status >> 16U) {
     case 0:
         return systemText(status);

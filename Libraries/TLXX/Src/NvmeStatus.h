@@ -17,4 +17,7 @@ constexpr std::uint32_t STATUS_SHORT_TRANSFER = 0x20000;
 /** What the system handed over as the drive's data lies outside of what it wrote. */
 constexpr std::uint32_t STATUS_BAD_ANSWER = 0x20001;
 
+/** The drive reported success, but the page was never filled. */
+constexpr std::uint32_t STATUS_EMPTY_PAGE = 0x20002;
+
 } // namespace TLXX

@@ -1,8 +1,10 @@
 #include <TLXX/NvmeStructures.h>
 #include <TLXX/NvmeText.h>
 
+#include <algorithm>
 #include <limits>
 #include <span>
+#include <type_traits>
 
 namespace TLXX {
 namespace {
@@ -60,6 +62,13 @@ std::uint64_t NVME_IDENTIFY_NAMESPACE::LBASize() const
     if (shift < SMALLEST_BLOCK_SHIFT || shift > LARGEST_BLOCK_SHIFT)
         return 0;
     return std::uint64_t{1} << shift;
+}
+
+bool NVME_SMART_HEALTH_INFORMATION_LOG::Filled() const
+{
+    static_assert(std::has_unique_object_representations_v<NVME_SMART_HEALTH_INFORMATION_LOG>);
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(this);
+    return std::any_of(bytes, bytes + sizeof *this, [](std::uint8_t byte) { return byte != 0; });
 }
 
 } // namespace TLXX

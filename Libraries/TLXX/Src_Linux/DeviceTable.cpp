@@ -1,5 +1,6 @@
 #include "DeviceTable.h"
 
+#include "PageMemory.h"
 #include "Platform.h"
 
 #include <TLXX/Linux/Sysfs.h>
@@ -7,6 +8,19 @@
 #include <utility>
 
 namespace TLXX::Linux {
+namespace {
+
+CDiskOwner ownerOf(const CController& controller)
+{
+    return {controller.m_Instance, controller.m_Node, controller.m_NamespaceId};
+}
+
+} // namespace
+
+std::string CDiskOwner::Instance() const
+{
+    return controllerNode(m_Instance) + ' ' + std::to_string(m_Node) + ' ' + std::to_string(m_NamespaceId);
+}
 
 std::filesystem::path CDeviceTable::Root() const
 {
@@ -23,6 +37,8 @@ void CDeviceTable::SetRoot(std::filesystem::path root)
     m_Locations.clear();
     m_DriverVersions.clear();
     ++m_Walks;
+    // The numbers of another tree's nodes may be the same.
+    platformMemory().Retain({});
 }
 
 std::vector<CDeviceEntry> CDeviceTable::Enumerate()
@@ -40,6 +56,7 @@ std::vector<CDeviceEntry> CDeviceTable::Enumerate()
     std::vector<CDeviceEntry> entries;
     std::unordered_map<std::string, CDiskOwner> owners;
     std::vector<std::optional<CPciLocation>> locations;
+    std::vector<std::string> instances;
     bool reliable = names.has_value();
     for (const CController& controller : listControllers(root)) {
         // What is halfway in or out does not show by its names when that is done.
@@ -48,7 +65,8 @@ std::vector<CDeviceEntry> CDeviceTable::Enumerate()
         if (controller.m_Transport != "pcie" || controller.m_DeviceName.empty())
             continue;
         entries.push_back({controller.m_DeviceName, controller.m_Driver});
-        owners.insert({controller.m_DeviceName, {controller.m_Instance, controller.m_NamespaceId}});
+        owners.insert({controller.m_DeviceName, ownerOf(controller)});
+        instances.push_back(ownerOf(controller).Instance());
         locations.push_back(controller.m_Location);
     }
     if (!reliable || CNvmeNames::Read(root) != names)
@@ -61,6 +79,7 @@ std::vector<CDeviceEntry> CDeviceTable::Enumerate()
     m_Locations = std::move(locations);
     m_DriverVersions.clear();
     ++m_Walks;
+    platformMemory().Retain(instances);
     return entries;
 }
 
@@ -86,7 +105,7 @@ std::optional<CDiskOwner> CDeviceTable::Owner(const std::string& path)
     for (const CController& controller : listControllers(Root())) {
         if (controller.m_DeviceName.empty() || controller.m_DeviceName != path)
             continue;
-        const CDiskOwner owner{controller.m_Instance, controller.m_NamespaceId};
+        const CDiskOwner owner = ownerOf(controller);
         const std::scoped_lock guard(m_Lock);
         m_Owners.insert({path, owner});
         return owner;

@@ -19,7 +19,11 @@ namespace TLXX::Linux {
 struct CDiskOwner
 {
     std::uint32_t m_Instance = 0;
+    std::uint64_t m_Node = 0; ///< the controller's in sysfs; no controller after it has the same
     std::uint32_t m_NamespaceId = 0;
+
+    /** Tells this disk from any that was or will be at its path. */
+    std::string Instance() const;
 };
 
 /** What the last enumeration found, kept so that queries need not walk sysfs. Safe from any thread. */

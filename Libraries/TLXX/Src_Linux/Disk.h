@@ -21,6 +21,9 @@ public:
     /** 0, or why it could not be opened; every query of such a disk gives the same. */
     std::uint32_t Status() const { return m_Node.Status(); }
 
+    /** What tells the controller and its namespace from all others; empty when there are none. */
+    const std::string& Instance() const { return m_Instance; }
+
     std::uint32_t IdentifyController(NVME_IDENTIFY_CONTROLLER& controller);
     std::uint32_t IdentifyNamespace(NVME_IDENTIFY_NAMESPACE& name_space);
     std::uint32_t SmartHealthLog(NVME_SMART_HEALTH_INFORMATION_LOG& log);
@@ -29,6 +32,7 @@ public:
 private:
     explicit CDisk(const std::optional<Linux::CDiskOwner>& owner);
 
+    std::string m_Instance;
     std::uint32_t m_NamespaceId = 0;
     Linux::CFileDescriptor m_Node;
 };

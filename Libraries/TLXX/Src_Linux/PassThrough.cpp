@@ -121,7 +121,9 @@ Linux::CFileDescriptor openOwner(const std::optional<Linux::CDiskOwner>& owner)
 Platform::CDisk::CDisk(const std::string& path) : CDisk(Linux::deviceTable().Owner(path)) {}
 
 Platform::CDisk::CDisk(const std::optional<Linux::CDiskOwner>& owner)
-    : m_NamespaceId(owner ? owner->m_NamespaceId : 0), m_Node(openOwner(owner))
+    : m_Instance(owner ? owner->Instance() : std::string()),
+      m_NamespaceId(owner ? owner->m_NamespaceId : 0),
+      m_Node(openOwner(owner))
 {}
 
 std::uint32_t Platform::CDisk::IdentifyController(NVME_IDENTIFY_CONTROLLER& controller)

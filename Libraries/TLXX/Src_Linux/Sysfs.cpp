@@ -65,11 +65,12 @@ void findNamespace(CFolder& folder, CController& controller)
     controller.m_Namespaces = static_cast<std::uint32_t>(identifiers.size());
 }
 
-CController readController(CFolder& folder, const std::string& name, std::uint32_t instance)
+CController readController(CFolder& folder, const dirent& entry, std::uint32_t instance)
 {
     CController controller;
     controller.m_Instance = instance;
-    controller.m_Name = name;
+    controller.m_Node = entry.d_ino;
+    controller.m_Name = entry.d_name;
     controller.m_Transport = readAttribute("transport", folder.Get());
     controller.m_State = readAttribute("state", folder.Get());
     controller.m_Driver = driverName(folder, controller.m_Transport);
@@ -94,7 +95,7 @@ std::vector<CController> listControllers(const std::filesystem::path& root)
             continue;
         CFolder folder(entry->d_name, classFolder.Get());
         if (folder.IsOpen())
-            controllers.push_back(readController(folder, entry->d_name, *instance));
+            controllers.push_back(readController(folder, *entry, *instance));
     }
     std::sort(controllers.begin(), controllers.end(), [](const CController& left, const CController& right) {
         return left.m_Instance < right.m_Instance;

@@ -1,3 +1,5 @@
+#include "DeviceInstance.h"
+#include "PageMemory.h"
 #include "Platform.h"
 
 #include <TLXX/Win/DeviceNodes.h>
@@ -19,7 +21,7 @@ using Win::DeviceNode;
 struct CEnumeration
 {
     std::mutex m_Lock;
-    std::vector<DeviceNode> m_Controllers;
+    std::vector<Win::CFoundDisk> m_Disks;
 };
 
 // Never destroyed, for a query may still run when the process exits.
@@ -60,10 +62,23 @@ std::optional<std::uint32_t> numberOf(DeviceNode node, std::uint32_t property)
 
 } // namespace
 
-void Win::rememberEnumeration(std::vector<DeviceNode> controllers)
+void Win::rememberEnumeration(std::vector<CFoundDisk> disks)
+{
+    std::vector<std::string> instances;
+    for (const CFoundDisk& disk : disks)
+        instances.push_back(disk.m_Instance);
+    platformMemory().Retain(instances);
+    const std::scoped_lock guard(lastEnumeration().m_Lock);
+    lastEnumeration().m_Disks = std::move(disks);
+}
+
+std::string Win::deviceInstance(const std::string& path)
 {
     const std::scoped_lock guard(lastEnumeration().m_Lock);
-    lastEnumeration().m_Controllers = std::move(controllers);
+    const auto& disks = lastEnumeration().m_Disks;
+    const auto found = std::find_if(disks.begin(), disks.end(),
+                                    [&](const CFoundDisk& disk) { return disk.m_DeviceName == path; });
+    return found == disks.end() ? std::string() : found->m_Instance;
 }
 
 std::vector<DeviceNode> Win::deviceNodes()
@@ -114,10 +129,10 @@ std::optional<CPciLocation> Platform::location(std::uint32_t number)
     DeviceNode node = 0;
     {
         const std::scoped_lock guard(lastEnumeration().m_Lock);
-        const auto& controllers = lastEnumeration().m_Controllers;
-        if (number == 0 || number > controllers.size())
+        const auto& disks = lastEnumeration().m_Disks;
+        if (number == 0 || number > disks.size())
             return std::nullopt;
-        node = controllers[number - 1];
+        node = disks[number - 1].m_Controller;
     }
     return Win::nodeLocation(node);
 }

@@ -18,12 +18,16 @@ public:
     /** 0, or why it could not be opened; every query of such a disk gives the same. */
     std::uint32_t Status() const { return m_Device.Status(); }
 
+    /** What tells the disk from all others; empty when no enumeration has found it. */
+    const std::string& Instance() const { return m_Instance; }
+
     std::uint32_t IdentifyController(NVME_IDENTIFY_CONTROLLER& controller);
     std::uint32_t IdentifyNamespace(NVME_IDENTIFY_NAMESPACE& name_space);
     std::uint32_t SmartHealthLog(NVME_SMART_HEALTH_INFORMATION_LOG& log);
     std::uint32_t VendorLogPage(std::uint8_t logIdentifier, TLXX::VendorLogPage& page);
 
 private:
+    const std::string m_Instance;
     Win::CDeviceFile m_Device;
 };
 

@@ -1,12 +1,15 @@
+#include "DeviceInstance.h"
 #include "Disk.h"
 #include "NvmeStatus.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <type_traits>
 
 #include <windows.h>
+#include <ntddscsi.h>
 #include <winioctl.h>
 
 namespace TLXX {
@@ -28,6 +31,10 @@ static_assert(offsetof(STORAGE_PROTOCOL_SPECIFIC_DATA, ProtocolDataOffset) == 16
 static_assert(offsetof(STORAGE_PROTOCOL_SPECIFIC_DATA, ProtocolDataLength) == 20);
 static_assert(sizeof(STORAGE_PROTOCOL_DATA_DESCRIPTOR) == 48);
 static_assert(offsetof(STORAGE_PROTOCOL_DATA_DESCRIPTOR, ProtocolSpecificData) == 8);
+
+static_assert(IOCTL_SCSI_GET_ADDRESS == 0x41018);
+static_assert(sizeof(SCSI_ADDRESS) == 8);
+static_assert(offsetof(SCSI_ADDRESS, Lun) == 7);
 
 constexpr std::uint32_t CNS_NAMESPACE = 0x00;
 constexpr std::uint32_t CNS_CONTROLLER = 0x01;
@@ -70,7 +77,7 @@ std::uint32_t locate(const STORAGE_PROTOCOL_DATA_DESCRIPTOR& answer, std::uint32
 
 template<typename Block>
 std::uint32_t read(const Win::CDeviceFile& device, STORAGE_PROPERTY_ID property, std::uint32_t dataType,
-                   std::uint32_t request, Block& target)
+                   std::uint32_t request, std::uint32_t subValue, Block& target)
 {
     static_assert(std::is_trivially_copyable_v<Block>);
     static_assert(offsetof(CQuestion<Block>, m_Protocol) ==
@@ -88,6 +95,7 @@ std::uint32_t read(const Win::CDeviceFile& device, STORAGE_PROPERTY_ID property,
     protocol.ProtocolType = ProtocolTypeNvme;
     protocol.DataType = dataType;
     protocol.ProtocolDataRequestValue = request;
+    protocol.ProtocolDataRequestSubValue = subValue;
     protocol.ProtocolDataOffset = sizeof protocol;
     protocol.ProtocolDataLength = sizeof(Block);
 
@@ -104,30 +112,58 @@ std::uint32_t read(const Win::CDeviceFile& device, STORAGE_PROPERTY_ID property,
     return status;
 }
 
+constexpr std::uint32_t NO_SUB_VALUE = 0;
+
+/** The identifier of the disk's namespace: the system numbers logical units as namespaces, but from 0. */
+std::optional<std::uint32_t> namespaceIdentifier(const Win::CDeviceFile& device)
+{
+    if (device.Status() != STATUS_SUCCESS)
+        return std::nullopt;
+    SCSI_ADDRESS address{};
+    DWORD returned = 0;
+    const std::span room(reinterpret_cast<std::uint8_t*>(&address), sizeof address);
+    if (device.Control(IOCTL_SCSI_GET_ADDRESS, {}, room, returned) != ERROR_SUCCESS ||
+        returned < sizeof address)
+        return std::nullopt;
+    return address.Lun + 1U;
+}
+
 } // namespace
 
-Platform::CDisk::CDisk(const std::string& path) : m_Device(path, GENERIC_READ) {}
+Platform::CDisk::CDisk(const std::string& path)
+    : m_Instance(Win::deviceInstance(path)), m_Device(path, GENERIC_READ)
+{}
 
 std::uint32_t Platform::CDisk::IdentifyController(NVME_IDENTIFY_CONTROLLER& controller)
 {
     return read(m_Device, StorageAdapterProtocolSpecificProperty, NVMeDataTypeIdentify, CNS_CONTROLLER,
-                controller);
+                NO_SUB_VALUE, controller);
 }
 
 std::uint32_t Platform::CDisk::IdentifyNamespace(NVME_IDENTIFY_NAMESPACE& name_space)
 {
-    return read(m_Device, StorageDeviceProtocolSpecificProperty, NVMeDataTypeIdentify, CNS_NAMESPACE,
-                name_space);
+    const auto ask = [&](std::uint32_t subValue) {
+        return read(m_Device, StorageDeviceProtocolSpecificProperty, NVMeDataTypeIdentify, CNS_NAMESPACE,
+                    subValue, name_space);
+    };
+    // Some drivers want the namespace to be named, and others refuse any name: the disk has it already.
+    if (const auto identifier = namespaceIdentifier(m_Device)) {
+        if (ask(*identifier) == STATUS_SUCCESS)
+            return STATUS_SUCCESS;
+    }
+    return ask(NO_SUB_VALUE);
 }
 
 std::uint32_t Platform::CDisk::SmartHealthLog(NVME_SMART_HEALTH_INFORMATION_LOG& log)
 {
-    return read(m_Device, StorageAdapterProtocolSpecificProperty, NVMeDataTypeLogPage, LOG_HEALTH, log);
+    return read(m_Device, StorageAdapterProtocolSpecificProperty, NVMeDataTypeLogPage, LOG_HEALTH,
+                NO_SUB_VALUE, log);
 }
 
 std::uint32_t Platform::CDisk::VendorLogPage(std::uint8_t logIdentifier, TLXX::VendorLogPage& page)
 {
-    return read(m_Device, StorageAdapterProtocolSpecificProperty, NVMeDataTypeLogPage, logIdentifier, page);
+    return read(m_Device, StorageAdapterProtocolSpecificProperty, NVMeDataTypeLogPage, logIdentifier,
+                NO_SUB_VALUE, page);
 }
 
 } // namespace TLXX

@@ -37,8 +37,8 @@ bool NVMeDevices::scan()
 {
     OSTREL_TRACE(TRACE_FLOW) << "ENTER NVMeDevices::scan()";
     clear();
-    if (const auto backend = TLXX::deviceBackend()) {
-        for (TLXX::CDeviceEntry& entry : backend->Enumerate())
+    if (auto entries = TLXX::enumerateBackend()) {
+        for (TLXX::CDeviceEntry& entry : *entries)
             addDetected(std::move(entry.m_DeviceName), std::move(entry.m_Driver));
     } else {
         scanDeviceTree();

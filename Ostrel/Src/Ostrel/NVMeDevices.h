@@ -20,8 +20,8 @@ public:
     TLXX::NVME_IDENTIFY_NAMESPACE identifyNamespace{};
     TLXX::NVME_SMART_HEALTH_INFORMATION_LOG smartHealthLog{};
 
-    // Each asks the drive, blocks until it answers, and returns whether the whole block came; otherwise the
-    // block stays as it was.
+    // Each asks the drive, blocks until it answers, and returns whether the whole block came. Otherwise the
+    // block holds the last good one that `TLXX/NvmeQuery.h` has kept, or stays as it was.
     bool queryIdentifyController();
     bool queryIdentifyNamespace();
     bool querySmartHealthLog();

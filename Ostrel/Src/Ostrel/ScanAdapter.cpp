@@ -83,13 +83,12 @@ std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t 
         adapter.m_Name = adapterDisplayName(adapter.m_Vendor, adapter.m_SerialNumber);
     adapter.m_GlobalAdapterNumber = globalAdapterNumber(adapter);
 
-    // No drive is at absolute zero: such a page was never filled, and what it would say is not known.
     const TLXX::NVME_SMART_HEALTH_INFORMATION_LOG& health = device.smartHealthLog;
-    const bool healthKnown = health.CompositeTemperature() != 0;
-    if (healthKnown) {
+    const bool healthKnown = health.Filled();
+    if (health.CompositeTemperature() != 0)
         adapter.m_Temperature = static_cast<float>(health.CompositeTemperature() - FREEZING_POINT);
+    if (healthKnown)
         adapter.m_UnsafeShutdowns = health.Counter160[0];
-    }
     adapter.m_WarningFlags = health.CriticalWarning();
     if (isIntel) {
         TLXX::VendorLogPage page{};
@@ -103,12 +102,14 @@ std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t 
     applyCriticalWarning(adapter, health.CriticalWarning());
     if (isIntel) {
         TLXX::VendorLogPage page{};
-        const bool wearKnown = device.queryVendorLogPage(INTEL_LEGACY_SMART_LOG_PAGE, page);
-        if (wearKnown) {
+        const bool answered = device.queryVendorLogPage(INTEL_LEGACY_SMART_LOG_PAGE, page);
+        if (answered) {
             OSTREL_TRACE(TRACE_PROGRESS)
                 << "ScanSystem, getVendorSpecificLogPage: INTEL_LEGACY_SMART_LOG_PAGE for %s returned: %d"
                 << device.deviceName << true;
         }
+        // A query that failed has left the last good page, if there ever was one.
+        const bool wearKnown = answered || page != TLXX::VendorLogPage{};
         const std::uint32_t adNormalized = wearKnown ? page[27] : adapter.m_ADNormalized;
         const std::uint32_t eaNormalized = wearKnown ? page[99] : adapter.m_EANormalized;
         OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, AD Normalized value = %d" << adNormalized;

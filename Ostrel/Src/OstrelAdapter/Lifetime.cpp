@@ -22,7 +22,7 @@ std::string endOfLifeDate(const CNVMeAdapter& adapter)
         return {};
     std::uint64_t hours = 0;
     (void)PI::CPluginHelper::ComputeRemainingLifeTime(
-        adapter.m_PowerOnHours, adapter.m_DataUnitsWritten * BYTES_PER_DATA_UNIT,
+        adapter.m_PowerOnHours, bytesOfDataUnits(adapter.m_DataUnitsWritten),
         percentLeft(adapter.m_ADNormalized), adapter.m_LifetimeRating, hours);
     std::int32_t year = 0;
     std::int32_t month = 0;

@@ -11,8 +11,18 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** Bytes of one data unit of the health log. */
-inline constexpr std::uint64_t BYTES_PER_DATA_UNIT = 512'000;
+/**
+ * The bytes of so many data units of the health log. An unknown number of units is an unknown number of
+ * bytes; what fits no 64 bits is the highest number that is known.
+ */
+constexpr std::uint64_t bytesOfDataUnits(std::uint64_t units)
+{
+    constexpr std::uint64_t BYTES_PER_DATA_UNIT = 512'000;
+    constexpr std::uint64_t HIGHEST = UNKNOWN_COUNTER - 1;
+    if (units == UNKNOWN_COUNTER)
+        return UNKNOWN_COUNTER;
+    return units > HIGHEST / BYTES_PER_DATA_UNIT ? HIGHEST : units * BYTES_PER_DATA_UNIT;
+}
 
 /** What 100 percent lack of `percent`; 0 for more than 100, as an untrusted drive may claim. */
 constexpr std::uint32_t percentLeft(std::uint32_t percent)

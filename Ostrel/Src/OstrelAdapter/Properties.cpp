@@ -73,7 +73,7 @@ bool setDataAmount(CNVMeAdapter& adapter, PI::CProperty& property)
         return false;
     float amount = 0;
     PI::_UNITS units = PI::UNIT_NONE;
-    if (!PI::CPluginHelper::ConvertBytesToOtherUnit(adapter.*DataUnits * BYTES_PER_DATA_UNIT, amount, units))
+    if (!PI::CPluginHelper::ConvertBytesToOtherUnit(bytesOfDataUnits(adapter.*DataUnits), amount, units))
         return false;
     property.SetUnits(units);
     return setMeasurement(amount, property);
@@ -83,7 +83,7 @@ bool setEnduranceUsed(CNVMeAdapter& adapter, PI::CProperty& property)
 {
     if (adapter.m_DataUnitsWritten == UNKNOWN_COUNTER)
         return false;
-    const std::uint64_t tebibytes = (adapter.m_DataUnitsWritten * BYTES_PER_DATA_UNIT) >> 40U;
+    const std::uint64_t tebibytes = bytesOfDataUnits(adapter.m_DataUnitsWritten) >> 40U;
     property.SetValue(static_cast<std::int32_t>(tebibytes * 100 / adapter.m_LifetimeRating), 0, 100, 1);
     return true;
 }

@@ -17,8 +17,8 @@
 namespace NAMESPACE_Ostrel {
 namespace {
 
-/** Takes the name of a disk and of its controller's service. */
-using DiskFound = std::function<void(std::string, std::string)>;
+/** Takes the name of a disk, of its controller's service, and the disk's instance identifier. */
+using DiskFound = std::function<void(std::string, std::string, std::string)>;
 
 constexpr std::string_view CONTROLLER_SERVICE = "stornvme";
 constexpr std::string_view DISK_SERVICE = "disk";
@@ -66,7 +66,7 @@ void enumerateNVMeDisks(DEVINST controller, const std::string& service, const Di
     if (CM_Get_Device_IDA(disk, instance.data(), instance.size(), 0) != CR_SUCCESS)
         return;
     forEachDiskInterface(instance.data(), [&](std::uint32_t number) {
-        add(formatted(R"(\\.\PhysicalDrive%d)", number), service);
+        add(formatted(R"(\\.\PhysicalDrive%d)", number), service, instance.data());
     });
 }
 
@@ -74,18 +74,19 @@ void enumerateNVMeDisks(DEVINST controller, const std::string& service, const Di
 
 void NVMeDevices::scanDeviceTree()
 {
-    std::vector<TLXX::Win::DeviceNode> controllers;
+    std::vector<TLXX::Win::CFoundDisk> disks;
     DEVINST node = 0;
     bool more = CM_Locate_DevNodeA(&node, nullptr, CM_LOCATE_DEVNODE_NORMAL) == CR_SUCCESS;
     for (; more; more = advance(node)) {
         if (const auto service = matchingService(node, CONTROLLER_SERVICE)) {
-            enumerateNVMeDisks(node, *service, [&](std::string device, std::string driver) {
-                addDetected(std::move(device), std::move(driver));
-                controllers.push_back(node);
-            });
+            enumerateNVMeDisks(node, *service,
+                               [&](std::string device, std::string driver, std::string instance) {
+                                   disks.push_back({node, device, std::move(instance)});
+                                   addDetected(std::move(device), std::move(driver));
+                               });
         }
     }
-    TLXX::Win::rememberEnumeration(std::move(controllers));
+    TLXX::Win::rememberEnumeration(std::move(disks));
 }
 
 } // namespace NAMESPACE_Ostrel

@@ -3,9 +3,11 @@
 #include "Host/Built.h"
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
+#include "Support/FakeDrives.h"
 #include "Support/VirtualClock.h"
 
 #include <PI/LifeTimeData.h>
+#include <TLXX/NvmeQuery.h>
 
 #include <nlohmann/json.hpp>
 
@@ -81,11 +83,103 @@ TEST_F(EndOfLifeTest, IsThatOfTheDrivesOwnCountWhereTheDateComesBefore)
                 AllOf(HasSubstr("no known rating"), testing::Not(HasSubstr("reached"))));
 }
 
-TEST_F(EndOfLifeTest, HasNoLimitWhereTheDateStandsForNone)
+TEST_F(EndOfLifeTest, IsBeyondTheDateWhereWritingWouldGoOnForLonger)
 {
     const EndOfLife end = explained(adapter("2125-12-08", 12, 0.001F));
-    EXPECT_EQ(end.m_Limit, Limit::None);
-    EXPECT_THAT(endOfLifeText(end), HasSubstr("Too little is known"));
+    EXPECT_EQ(end.m_Limit, Limit::Beyond);
+    EXPECT_EQ(end.m_Wear, std::nullopt);
+    EXPECT_THAT(endOfLifeText(end), HasSubstr("longer than the hundred years"));
+}
+
+TEST_F(EndOfLifeTest, HasNoLimitWhereNothingIsThereToComputeFrom)
+{
+    PI::CObject silent = adapter("2125-12-08", 12, 1);
+    std::erase_if(silent.m_Properties,
+                  [](const PI::CProperty& each) { return each.Id() == PI::PROP_DATA_WRITTEN; });
+    for (const PI::CObject& object :
+         {silent, adapter("2125-12-08", 0, 1), adapter("2125-12-08", 12, 1, PI::UNIT_TIB, "UNKNOWN")}) {
+        const EndOfLife end = explained(object);
+        EXPECT_EQ(end.m_Limit, Limit::None);
+        EXPECT_THAT(endOfLifeText(end), HasSubstr("Too little is known"));
+    }
+}
+
+/** The same with a drive that the toolkit has asked for its own count of wear. */
+class EndOfLifeByPagesTest : public EndOfLifeTest
+{
+protected:
+    static constexpr char LAST_DATE[] = "2125-12-08";
+
+    /** An adapter of an unrated model whose drive gave these pages last. */
+    PI::CObject asked(const std::string& vendor, std::uint8_t percentageUsed, std::uint8_t attribute,
+                      const std::string& date = LAST_DATE, const std::string& model = "UNKNOWN")
+    {
+        TestSupport::CFakeDrive drive(0);
+        drive.m_Health.PercentageUsed = percentageUsed;
+        drive.LegacyLog(attribute, 100);
+        m_Drives.Remove(drive.m_DeviceName);
+        m_Drives.Add(drive);
+        TLXX::NVME_IDENTIFY_CONTROLLER controller{};
+        TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+        TLXX::VendorLogPage page{};
+        (void)TLXX::NVMeStorageQueryPropertyIdentifyController(drive.m_DeviceName, controller);
+        (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(drive.m_DeviceName, log);
+        (void)TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage(drive.m_DeviceName, 0xCA, page);
+        PI::CObject object = adapter(date, 8766, 10, PI::UNIT_TIB, model);
+        object.m_Properties.push_back(property(PI::PROP_SERIAL_NUMBER, 1, controller.sSerialNumber()));
+        object.m_Properties.push_back(property(PI::PROP_VENDOR, 1, vendor));
+        return object;
+    }
+
+    TestSupport::CFakeDrives m_Drives;
+};
+
+TEST_F(EndOfLifeByPagesTest, IsOverWhereTheWearAttributeIsUsedUp)
+{
+    const EndOfLife end = explained(asked("INTEL", 0, 0));
+    EXPECT_EQ(end.m_Limit, Limit::Worn);
+    EXPECT_EQ(end.m_Wear, 100U);
+    EXPECT_THAT(endOfLifeText(end), AllOf(HasSubstr("has used 100% of its life: it is fully worn"),
+                                          HasSubstr("The date does not take this into account")));
+    EXPECT_EQ(explained(asked("INTEL", 0, 100, LAST_DATE, "SSDPED1K375GA")).m_Limit, Limit::Worn)
+        << "this line counts upwards";
+    EXPECT_NE(explained(asked("INTEL", 0, 0, LAST_DATE, "SSDPED1K375GA")).m_Limit, Limit::Worn);
+    EXPECT_EQ(explained(asked("SAMSUNG", 0, 0)).m_Limit, Limit::None) << "its log says nothing of the kind";
+}
+
+TEST_F(EndOfLifeByPagesTest, IsOverWhereTheHealthLogSaysSo)
+{
+    for (const std::string date : {LAST_DATE, "2027-01-01"}) {
+        const EndOfLife end = explained(asked("SAMSUNG", 103, 0, date));
+        EXPECT_EQ(end.m_Limit, Limit::Worn);
+        EXPECT_EQ(end.m_Wear, 103U);
+    }
+    EXPECT_THAT(endOfLifeText(explained(asked("SAMSUNG", 100, 0, "2026-01-01"))),
+                testing::Not(HasSubstr("The date does not")));
+    EXPECT_NE(explained(asked("SAMSUNG", 99, 0)).m_Limit, Limit::Worn);
+}
+
+TEST_F(EndOfLifeByPagesTest, IsBeyondTheDateWhereWearWouldGoOnForLonger)
+{
+    EXPECT_EQ(explained(asked("INTEL", 0, 99)).m_Limit, Limit::Beyond);
+    EXPECT_EQ(explained(asked("INTEL", 0, 100)).m_Limit, Limit::None) << "a new drive tells no rate";
+}
+
+TEST_F(EndOfLifeByPagesTest, ShowsTheWearThatTheDateWasComputedFrom)
+{
+    const EndOfLife end = explained(asked("INTEL", 7, 60, "2027-06-01"));
+    EXPECT_EQ(end.m_Limit, Limit::Wear);
+    EXPECT_EQ(end.m_Wear, 40U);
+}
+
+TEST_F(EndOfLifeByPagesTest, StandsInDocuments)
+{
+    const PI::CObject worn = asked("INTEL", 0, 0);
+    const auto list = endOfLifeJson({&worn});
+    EXPECT_EQ(list.at(0).at("limit"), "worn");
+    EXPECT_EQ(list.at(0).at("wear"), 100);
+    const PI::CObject beyond = asked("INTEL", 0, 99);
+    EXPECT_EQ(endOfLifeJson({&beyond}).at(0).at("limit"), "beyond");
 }
 
 TEST_F(EndOfLifeTest, IsOverWhereTheRatingIsPassed)

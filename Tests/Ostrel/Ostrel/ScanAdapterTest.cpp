@@ -231,6 +231,27 @@ TEST_F(CScanAdapter, KeepsTheDefaultsWhenTheHealthPageWasNeverFilled)
     EXPECT_EQ(m_Drives.at(0).m_Temperature, -1.0F);
 }
 
+TEST_F(CScanAdapter, LosesTheTemperatureAloneWhereAFilledPageHasNone)
+{
+    CFakeDrive drive = CFakeDrive(1).Kelvin(0).Warning(0x04);
+    drive.m_Health.AvailableSpare = 0;
+    drive.m_Health.AvailableSpareThreshold = 5;
+    drive.m_Health.DataUnitsRead[0] = 1;
+    drive.m_Health.DataUnitsWritten[0] = 2;
+    drive.m_Health.Counter128[0] = 3;
+    drive.m_Health.Counter160[0] = 4;
+    const CNVMeAdapter& adapter = Adapter(drive);
+    EXPECT_EQ(adapter.m_Temperature, -1.0F);
+    EXPECT_EQ(adapter.m_HealthStatus, 40095U);
+    EXPECT_EQ(adapter.m_ReserveSpace, 0U);
+    EXPECT_EQ(adapter.m_WarningThreshold, 5U);
+    EXPECT_EQ(adapter.m_DataUnitsRead, 1U);
+    EXPECT_EQ(adapter.m_DataUnitsWritten, 2U);
+    EXPECT_EQ(adapter.m_PowerOnHours, 3U);
+    EXPECT_EQ(adapter.m_UnsafeShutdowns, 4U);
+    EXPECT_NE(adapter.m_EndOfLifeDate, "");
+}
+
 TEST_F(CScanAdapter, TheLastTestedWarningBitWinsTheStatus)
 {
     const CNVMeAdapter& adapter = Adapter(CFakeDrive(1).Warning(0x09));

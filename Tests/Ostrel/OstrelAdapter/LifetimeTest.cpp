@@ -45,6 +45,16 @@ TEST(Lifetime, LeavesWhatAHundredLacksAndNeverLessThanNothing)
     EXPECT_EQ(percentLeft(0xFFFFFFFF), 0U);
 }
 
+TEST(Lifetime, CountsDataUnitsInBytesWithoutOverflow)
+{
+    EXPECT_EQ(bytesOfDataUnits(0), 0U);
+    EXPECT_EQ(bytesOfDataUnits(1), 512'000U);
+    EXPECT_EQ(bytesOfDataUnits(36'028'797'018'963), 18'446'744'073'709'056'000U);
+    EXPECT_EQ(bytesOfDataUnits(36'028'797'018'964), UNKNOWN_COUNTER - 1);
+    EXPECT_EQ(bytesOfDataUnits(UNKNOWN_COUNTER - 1), UNKNOWN_COUNTER - 1);
+    EXPECT_EQ(bytesOfDataUnits(UNKNOWN_COUNTER), UNKNOWN_COUNTER);
+}
+
 class CEndOfLife : public testing::Test
 {
 protected:
@@ -85,6 +95,15 @@ TEST_F(CEndOfLife, FollowsTheBytesWritten)
     m_Adapter.m_LifetimeRating = 3;
     m_Adapter.m_DataUnitsWritten = 2'147'484; // 1 TiB in 1000 hours leaves just under 2000 hours
     EXPECT_EQ(endOfLifeDate(m_Adapter), "2026-03-25");
+}
+
+TEST_F(CEndOfLife, DoesNotFollowFromAnUnknownAmountWritten)
+{
+    m_Adapter.m_LifetimeRating = 3;
+    m_Adapter.m_DataUnitsWritten = UNKNOWN_COUNTER;
+    EXPECT_EQ(endOfLifeDate(m_Adapter), "2125-12-08");
+    m_Adapter.m_DataUnitsWritten = UNKNOWN_COUNTER - 1;
+    EXPECT_EQ(endOfLifeDate(m_Adapter), "2026-01-01") << "more than any rating";
 }
 
 TEST_F(CEndOfLife, IsAHundredYearsAheadWhenNothingWearsOut)

@@ -195,13 +195,13 @@ TEST_F(CAdapterProperties, AreNoneWhenTheOneAskedForHasNothingToShow)
     EXPECT_THAT(Get(adapter, 30442), IsEmpty()) << "its drive shows the temperature";
 }
 
-TEST_F(CAdapterProperties, CountDataInSixtyFourBits)
+TEST_F(CAdapterProperties, ShowDataBeyondSixtyFourBitsAsTheMostThereIs)
 {
     CNVMeAdapter adapter = adapterWithEverything();
     adapter.m_DataUnitsRead = 0x8000000000000000ULL;
     const PI::CProperty property = One(adapter, 30489);
-    EXPECT_EQ(property.GetValue(), PI::CProperty::Value(0.0F));
-    EXPECT_EQ(property.Units(), 21025U);
+    EXPECT_EQ(property.GetValue(), PI::CProperty::Value(16.0F));
+    EXPECT_EQ(property.Units(), PI::UNIT_EIB);
 }
 
 TEST_F(CAdapterProperties, CutTheMakerFromTheModel)
@@ -258,6 +258,8 @@ TEST_F(CAdapterProperties, CountEnduranceInWholeTebibytes)
     EXPECT_EQ(used(4'294'968, 3), 66);
     EXPECT_EQ(used(0, 1), 0);
     EXPECT_EQ(used(36'028'797'018'963UL, 1), 1'677'721'500) << "the most that 64 bits of bytes give";
+    EXPECT_EQ(used(36'028'797'018'964UL, 1), 1'677'721'500) << "more than 64 bits of bytes";
+    EXPECT_EQ(used(UNKNOWN_COUNTER - 1, 1), 1'677'721'500);
     EXPECT_EQ(used(4'294'968, UNKNOWN_COUNTER), 0);
 }
 

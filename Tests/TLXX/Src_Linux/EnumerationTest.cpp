@@ -68,6 +68,17 @@ protected:
     void MoveTheFirst() const { m_Tree.Attribute("nvme0/address", "0000:02:00.0"); }
     void MoveTheFirstBack() const { m_Tree.Attribute("nvme0/address", "0000:01:00.0"); }
 
+    /** Another controller of the same names, as after a quick exchange. */
+    void ExchangeTheFirst(const std::string& address)
+    {
+        const auto classes = m_Tree.Root() / "class";
+        Controller(7, address);
+        std::filesystem::rename(classes / "nvme/nvme7/nvme7n1", classes / "nvme/nvme7/nvme0n1");
+        m_Tree.Remove(0);
+        std::filesystem::rename(classes / "nvme/nvme7", classes / "nvme/nvme0");
+        std::filesystem::remove(classes / "block/nvme7n1");
+    }
+
     static void FailToIdentifyTheFirst()
     {
         TLXX::NVME_IDENTIFY_CONTROLLER controller{};
@@ -115,6 +126,81 @@ TEST_F(EnumerationTest, SeesADiskThatComesLaterThanItsController)
     m_Tree.Attribute("nvme1/nvme1n1/nsid", "1");
     std::filesystem::create_directories(m_Tree.Root() / "class/block/nvme1n1");
     EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1", "/dev/nvme1n1"));
+}
+
+TEST_F(EnumerationTest, SeesAnotherControllerUnderTheNameOfTheFormer)
+{
+    (void)enumerated();
+    ExchangeTheFirst("0000:02:00.0");
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
+    EXPECT_EQ(busOfTheFirst(), 2);
+}
+
+TEST_F(EnumerationTest, ShowsNoPageOfTheFormerControllerUnderItsName)
+{
+    TLXXTest::CScriptedKernel kernel;
+    const TLXXTest::CExpectedCommand ask{"/dev/nvme0", 0x02, 0xFFFFFFFF, 0x007F0002, 512};
+    const auto warning = [&](const TLXXTest::CReply& reply) {
+        kernel.Expect(ask, reply);
+        TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+        (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("/dev/nvme0n1", log);
+        return log.Warning;
+    };
+    const TLXXTest::CReply good{std::vector<std::uint8_t>(512, 4), 0, 0};
+    const TLXXTest::CReply failed{{}, -1, EIO};
+    (void)enumerated();
+    EXPECT_EQ(warning(good), 4);
+    EXPECT_EQ(warning(failed), 4);
+    (void)enumerated();
+    EXPECT_EQ(warning(failed), 4) << "still the same controller";
+    ExchangeTheFirst("0000:01:00.0");
+    (void)enumerated();
+    EXPECT_EQ(warning(failed), 0);
+}
+
+TEST_F(EnumerationTest, ForgetsThePagesOfAControllerThatWasAway)
+{
+    TLXXTest::CScriptedKernel kernel;
+    const TLXXTest::CExpectedCommand ask{"/dev/nvme0", 0x06, 1, 0x00, 4096};
+    TLXX::NVME_IDENTIFY_NAMESPACE block{};
+    kernel.Expect(ask, {std::vector<std::uint8_t>(4096, 4), 0, 0});
+    (void)enumerated();
+    EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyNamespace("/dev/nvme0n1", block), 0U);
+    std::filesystem::rename(m_Tree.Root() / "class/nvme/nvme0", m_Tree.Root() / "away");
+    EXPECT_THAT(enumerated(), IsEmpty());
+    std::filesystem::rename(m_Tree.Root() / "away", m_Tree.Root() / "class/nvme/nvme0");
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
+    kernel.Expect(ask, {{}, -1, EIO});
+    block = {};
+    EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyNamespace("/dev/nvme0n1", block),
+              static_cast<std::uint32_t>(EIO));
+    EXPECT_EQ(block.NSZE, 0U);
+}
+
+TEST_F(EnumerationTest, DoesNotRelyOnNamesThatChangedDuringTheWalk)
+{
+    // Names are read from two folders, before the walk and after it.
+    int looks = 0;
+    g_AtLook = [&] {
+        if (++looks == 2)
+            Controller(1, "0000:03:00.0");
+    };
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1", "/dev/nvme1n1"));
+    // Now the names are again those that were read first.
+    m_Tree.Remove(1);
+    EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
+}
+
+TEST_F(EnumerationTest, LooksAnewAfterANamespaceDidNotIdentifyItself)
+{
+    const TLXXTest::CScriptedKernel kernel;
+    (void)enumerated();
+    MoveTheFirst();
+    TLXX::NVME_IDENTIFY_NAMESPACE block{};
+    EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyNamespace("/dev/nvme0n1", block),
+              static_cast<std::uint32_t>(ENOENT));
+    (void)enumerated();
+    EXPECT_EQ(busOfTheFirst(), 2);
 }
 
 TEST_F(EnumerationTest, DoesNotRelyOnAControllerThatIsHalfThere)

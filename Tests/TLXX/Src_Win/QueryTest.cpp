@@ -7,6 +7,7 @@
 #include <array>
 #include <cstring>
 #include <functional>
+#include <optional>
 #include <ostream>
 
 #include <windows.h>
@@ -39,14 +40,18 @@ void putWord(Bytes& bytes, std::size_t offset, std::uint32_t word)
     std::memcpy(bytes.data() + offset, &word, sizeof word);
 }
 
+constexpr DWORD GET_ADDRESS = 0x41018;
+
 /** What the system must be asked. All that is not named here must be zero. */
-Bytes question(std::uint32_t property, std::uint32_t dataType, std::uint32_t request, std::uint32_t length)
+Bytes question(std::uint32_t property, std::uint32_t dataType, std::uint32_t request, std::uint32_t length,
+               std::uint32_t subValue = 0)
 {
     Bytes bytes(DESCRIPTOR + length);
     putWord(bytes, 0, property);
     putWord(bytes, 8, 3); // NVMe
     putWord(bytes, 12, dataType);
     putWord(bytes, 16, request);
+    putWord(bytes, 20, subValue);
     putWord(bytes, 24, 40);
     putWord(bytes, 28, length);
     return bytes;
@@ -115,6 +120,8 @@ protected:
     {
         const CQuery& query = GetParam();
         EXPECT_EQ(call.m_Path, m_Path);
+        if (call.m_Code == GET_ADDRESS)
+            return ERROR_NOT_SUPPORTED; // so the namespace has no name
         EXPECT_EQ(call.m_Code, 0x2D1400U);
         EXPECT_EQ(call.m_Input,
                   question(query.m_Property, query.m_DataType, query.m_Request, query.m_Length));
@@ -159,7 +166,10 @@ protected:
 TEST_P(Query, AsksForTheBlockAndHandsItBack)
 {
     EXPECT_EQ(Ask(), 0U);
-    EXPECT_EQ(m_Devices.m_Calls, (std::vector<std::string>{"Open " + m_Path, "Control 2954240", "Close"}));
+    std::vector<std::string> calls = {"Open " + m_Path, "Control 2954240", "Close"};
+    if (GetParam().m_Kind == TLXX::EQuery::IdentifyNamespace)
+        calls.insert(calls.begin() + 1, "Control 266264");
+    EXPECT_EQ(m_Devices.m_Calls, calls);
 }
 
 TEST_P(Query, KeepsTheBlockWhenTheSystemRefuses)
@@ -227,11 +237,93 @@ TEST_P(Query, TakesNoDescriptorThatIsSmallerThanOne)
 
 TEST_P(Query, LeavesNoHandleWhicheverCallFails)
 {
-    for (const long call : {0L, 1L}) {
+    const long last = GetParam().m_Kind == TLXX::EQuery::IdentifyNamespace ? 2 : 1;
+    for (const long call : {0L, last}) {
         m_Devices.m_CallCount = 0;
         m_Devices.m_FailAt = call;
         EXPECT_NE(Ask(), 0U);
     }
+}
+
+/** A disk whose driver may refuse sub-values, and which sits at a logical unit. */
+class NamespaceQuery : public testing::Test
+{
+protected:
+    NamespaceQuery()
+    {
+        TestSupport::CScriptedDisk disk;
+        disk.m_Path = PATH;
+        m_Devices.AddController(CScriptedDevices::ROOT, {disk});
+        m_Devices.m_Control = [this](const CControlCall& call) { return Control(call); };
+    }
+
+    DWORD Control(const CControlCall& call)
+    {
+        if (call.m_Code == GET_ADDRESS) {
+            EXPECT_EQ(call.m_OutputSize, 8U);
+            *call.m_Returned = m_AddressLength;
+            if (!m_Unit)
+                return ERROR_INVALID_FUNCTION;
+            call.m_Output[7] = *m_Unit;
+            return 0;
+        }
+        std::uint32_t subValue = 0;
+        std::memcpy(&subValue, call.m_Input.data() + 20, sizeof subValue);
+        EXPECT_EQ(call.m_Input, question(50, 1, 0, 4096, subValue));
+        m_SubValues.push_back(subValue);
+        if (m_Accepted && subValue != *m_Accepted)
+            return ERROR_INVALID_PARAMETER;
+        Bytes answer = call.m_Input;
+        putWord(answer, 0, DESCRIPTOR);
+        putWord(answer, 4, DESCRIPTOR);
+        const Bytes data = pattern(4096);
+        std::copy(data.begin(), data.end(), answer.begin() + DESCRIPTOR);
+        std::copy(answer.begin(), answer.end(), call.m_Output);
+        *call.m_Returned = static_cast<DWORD>(answer.size());
+        return 0;
+    }
+
+    std::vector<std::uint32_t> SubValues(std::uint32_t expected = 0)
+    {
+        m_SubValues.clear();
+        TLXX::NVME_IDENTIFY_NAMESPACE block{};
+        EXPECT_EQ(TLXX::NVMeStorageQueryPropertyIdentifyNamespace(PATH, block), expected);
+        return m_SubValues;
+    }
+
+    using Values = std::vector<std::uint32_t>;
+
+    static constexpr char PATH[] = R"(\\.\PhysicalDrive3)";
+    CScriptedDevices m_Devices{L"TLXX.dll"};
+    std::optional<std::uint8_t> m_Unit = std::uint8_t{0};
+    DWORD m_AddressLength = 8;
+    std::optional<std::uint32_t> m_Accepted; ///< none: any
+    Values m_SubValues;
+};
+
+TEST_F(NamespaceQuery, NamesTheNamespaceByItsLogicalUnit)
+{
+    EXPECT_EQ(SubValues(), (Values{1}));
+    m_Unit = std::uint8_t{4};
+    EXPECT_EQ(SubValues(), (Values{5}));
+    m_Accepted = 5;
+    EXPECT_EQ(SubValues(), (Values{5}));
+}
+
+TEST_F(NamespaceQuery, IsAskedOnceMoreWithoutANameThatWasRefused)
+{
+    m_Accepted = 0;
+    EXPECT_EQ(SubValues(), (Values{1, 0}));
+    m_Accepted = 9;
+    EXPECT_EQ(SubValues(ERROR_INVALID_PARAMETER), (Values{1, 0}));
+}
+
+TEST_F(NamespaceQuery, NamesNoneWhereTheLogicalUnitIsNotKnown)
+{
+    m_AddressLength = 7;
+    EXPECT_EQ(SubValues(), (Values{0}));
+    m_Unit.reset();
+    EXPECT_EQ(SubValues(), (Values{0}));
 }
 
 constexpr std::uint32_t OF_ADAPTER = 49;

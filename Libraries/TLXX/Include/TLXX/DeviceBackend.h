@@ -53,6 +53,12 @@ public:
     virtual std::uint32_t VendorLogPage(const std::string& path, std::uint8_t logIdentifier,
                                         TLXX::VendorLogPage& page) = 0;
 
+    /**
+     * What tells the drive at `path` from another one that comes to the same path: two drives never have it
+     * in common. By default the path itself; then only the serial numbers tell them apart.
+     */
+    virtual std::string Instance(const std::string& path);
+
     /** The location of the `number`-th controller of the last enumeration, counted from 1; none if unknown.
      */
     virtual std::optional<CPciLocation> Location(std::uint32_t number) = 0;
@@ -70,6 +76,12 @@ public:
 /** Puts `backend` in the machine's place, or the machine back (null, the initial state). Returns the former.
  */
 TLXX_EXPORT std::shared_ptr<IDeviceBackend> setDeviceBackend(std::shared_ptr<IDeviceBackend> backend);
+
+/**
+ * The disks of what is in the machine's place; nothing without a back-end. Forgets what was kept of drives
+ * that are no longer among them (see `NvmeQuery.h`), so callers enumerate by this function.
+ */
+TLXX_EXPORT std::optional<std::vector<CDeviceEntry>> enumerateBackend();
 
 /** What stands in the machine's place; null: nothing, the platform's own code answers. */
 TLXX_EXPORT std::shared_ptr<IDeviceBackend> deviceBackend();

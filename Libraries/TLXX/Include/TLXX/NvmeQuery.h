@@ -10,8 +10,13 @@
 
 // The only commands ever sent to a drive; nothing is ever written to one. Each takes the path of a disk as
 // the enumeration gave it, blocks until the drive has answered, and returns a status: 0 when the whole block
-// was transferred. On any other status the caller's block stays as it was. Safe from any thread. Throws
-// `std::runtime_error` or `std::bad_alloc` when descriptors or memory run out before there is a status.
+// was transferred. Safe from any thread. Throws `std::runtime_error` or `std::bad_alloc` when descriptors or
+// memory run out before there is a status.
+//
+// A query that fails leaves the last good answer in the caller's block: of Identify Namespace, the health log
+// and the vendor logs C5h and CAh of the same device instance. It is forgotten when Identify Controller shows
+// another serial number, or when an enumeration no longer finds the drive. Any other query that fails, and
+// any before the first good answer, leaves the block as it was.
 namespace TLXX {
 
 /** Identify, CNS 01h. */
@@ -22,7 +27,7 @@ TLXX_EXPORT std::uint32_t NVMeStorageQueryPropertyIdentifyController(const std::
 TLXX_EXPORT std::uint32_t NVMeStorageQueryPropertyIdentifyNamespace(const std::string& path,
                                                                     NVME_IDENTIFY_NAMESPACE& name_space);
 
-/** Get Log Page 02h. */
+/** Get Log Page 02h. A page of zeros alone was never filled; it counts as a query that failed. */
 TLXX_EXPORT std::uint32_t
 NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(const std::string& path,
                                                   NVME_SMART_HEALTH_INFORMATION_LOG& log);
@@ -63,6 +68,14 @@ private:
 
 /** The status of the last query of this kind of `path`; none when there was none. Safe from any thread. */
 TLXX_EXPORT std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query);
+
+/** The health log that the drive with this serial number gave last. None when it gave none, or when several
+ * drives have the number. Asks no drive. Safe from any thread. */
+TLXX_EXPORT std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& serialNumber);
+
+/** The same for one of the vendor logs C5h and CAh. */
+TLXX_EXPORT std::optional<VendorLogPage> lastVendorLogPage(const std::string& serialNumber,
+                                                           std::uint8_t logIdentifier);
 
 /** A status in words, such as "permission denied" or "the drive answered with status 0x2002". */
 TLXX_EXPORT std::string statusText(std::uint32_t status);

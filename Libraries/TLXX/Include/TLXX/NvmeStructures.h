@@ -82,7 +82,8 @@ struct TLXX_EXPORT NVME_SMART_HEALTH_INFORMATION_LOG
     std::array<std::uint8_t, 2> Temperature; ///< kelvin
     std::uint8_t AvailableSpare;             ///< percent
     std::uint8_t AvailableSpareThreshold;    ///< percent
-    std::array<std::uint8_t, 27> Reserved5;
+    std::uint8_t PercentageUsed;             ///< of its life, by the drive's own count; may pass 100
+    std::array<std::uint8_t, 26> Reserved6;
     std::array<std::uint64_t, 2> DataUnitsRead;    ///< bytes 32 to 47, low half first; units of 512,000 bytes
     std::array<std::uint64_t, 2> DataUnitsWritten; ///< bytes 48 to 63
     std::array<std::uint8_t, 64> Reserved64;
@@ -91,10 +92,13 @@ struct TLXX_EXPORT NVME_SMART_HEALTH_INFORMATION_LOG
     std::array<std::uint64_t, 2> Counter160; ///< the counter that the plug-in keeps as its unsafe shutdowns
     std::array<std::uint8_t, 336> Reserved176;
 
+    /** Whether any byte is set; a page of zeros was never filled and says nothing. */
+    bool Filled() const;
+
     /** The critical-warning bit field. */
     std::uint8_t CriticalWarning() const { return Warning; }
 
-    /** Composite temperature in kelvin; 0 in a page that no drive has filled. */
+    /** Composite temperature in kelvin; 0 is none, for no drive is at absolute zero. */
     std::uint16_t CompositeTemperature() const
     {
         return static_cast<std::uint16_t>(Temperature[0] | (Temperature[1] << 8U));
@@ -103,6 +107,7 @@ struct TLXX_EXPORT NVME_SMART_HEALTH_INFORMATION_LOG
 static_assert(sizeof(NVME_SMART_HEALTH_INFORMATION_LOG) == 512);
 static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, AvailableSpare) == 3);
 static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, AvailableSpareThreshold) == 4);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, PercentageUsed) == 5);
 static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, DataUnitsRead) == 32);
 static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, DataUnitsWritten) == 48);
 static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, Counter128) == 128);

@@ -16,6 +16,7 @@ namespace TLXX::Linux {
 struct CController
 {
     std::uint32_t m_Instance = 0; ///< 3 for nvme3
+    std::uint64_t m_Node = 0;     ///< number of its node in sysfs, which the kernel never uses twice
     std::string m_Name;           ///< "nvme3"
     std::string m_Transport;      ///< "pcie", "tcp" ...
     std::string m_State;          ///< "live", "dead" ...; empty if the kernel does not say

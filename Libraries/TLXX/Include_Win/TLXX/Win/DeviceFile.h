@@ -57,8 +57,7 @@ public:
         STORAGE_DEVICE_NUMBER number{};
         DWORD returned = 0;
         const std::span room(reinterpret_cast<std::uint8_t*>(&number), sizeof number);
-        if (Control(IOCTL_STORAGE_GET_DEVICE_NUMBER, {}, room, returned) != ERROR_SUCCESS ||
-            returned != sizeof number)
+        if (Control(IOCTL_STORAGE_GET_DEVICE_NUMBER, {}, room, returned) != ERROR_SUCCESS)
             return std::nullopt;
         return number.DeviceNumber;
     }

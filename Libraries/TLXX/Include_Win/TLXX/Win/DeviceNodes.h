@@ -15,11 +15,19 @@ namespace TLXX::Win {
 /** A node of the device tree, as the configuration manager numbers it. */
 using DeviceNode = std::uint32_t;
 
+/** A disk that an enumeration has found. */
+struct CFoundDisk
+{
+    DeviceNode m_Controller = 0;
+    std::string m_DeviceName;
+    std::string m_Instance; ///< instance identifier of the disk
+};
+
 /**
- * Tells which controllers the last enumeration yielded: one for each disk, in its order. Locations are
- * counted in it.
+ * Tells which disks the last enumeration yielded, in its order. Locations are counted in it, and queries
+ * learn from it which device instance a path stands for.
  */
-TLXX_EXPORT void rememberEnumeration(std::vector<DeviceNode> controllers);
+TLXX_EXPORT void rememberEnumeration(std::vector<CFoundDisk> disks);
 
 /** Every node of the tree, parents before their children. */
 TLXX_EXPORT std::vector<DeviceNode> deviceNodes();
