@@ -1,5 +1,5 @@
-#include "Ostrel/EventCodes.h"
-#include "OstrelAdapter/Health.h"
+#include "Records/EventCodes.h"
+#include "Records/Health.h"
 #include "Support/PluginUnderTest.h"
 #include "Tables.h"
 

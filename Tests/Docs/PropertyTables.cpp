@@ -1,6 +1,6 @@
-#include "OstrelAdapter/Health.h"
 #include "OstrelAdapter/Properties.h"
 #include "OstrelPhysicalDrive/Properties.h"
+#include "Records/Health.h"
 #include "Support/PluginUnderTest.h"
 #include "Tables.h"
 

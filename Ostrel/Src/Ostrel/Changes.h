@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OstrelAdapter/Record.h"
-#include "OstrelPhysicalDrive/Record.h"
+#include "Records/Adapter.h"
+#include "Records/PhysicalDrive.h"
 
 #include <PI/Event.h>
 

@@ -1,6 +1,6 @@
 #include "Ostrel/NVMeDevices.h"
 
-#include "Ostrel/Trace.h"
+#include "Records/Trace.h"
 
 #include <TLXX/DeviceBackend.h>
 #include <TLXX/NvmeQuery.h>

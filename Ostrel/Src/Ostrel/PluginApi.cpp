@@ -1,7 +1,7 @@
 #include "Ostrel/PluginApi.h"
 
 #include "Ostrel/Guarded.h"
-#include "Ostrel/Module.h"
+#include "Records/Module.h"
 
 #include <Database/Database.h>
 

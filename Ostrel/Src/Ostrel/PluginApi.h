@@ -3,10 +3,10 @@
 #include "Ostrel/Changes.h"
 #include "Ostrel/NVMeDevices.h"
 #include "Ostrel/ScanContext.h"
-#include "Ostrel/Trace.h"
-#include "OstrelAdapter/Record.h"
-#include "OstrelPhysicalDrive/Record.h"
-#include "OstrelPlugin/Record.h"
+#include "Records/Adapter.h"
+#include "Records/PhysicalDrive.h"
+#include "Records/Plugin.h"
+#include "Records/Trace.h"
 
 #include <DatabaseORM/Models.h>
 #include <DatabaseORM/Storage.h>

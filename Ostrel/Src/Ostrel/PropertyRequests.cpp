@@ -1,6 +1,6 @@
-#include "Ostrel/Lookup.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
+#include "Records/Lookup.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 

@@ -1,7 +1,7 @@
-#include "Ostrel/IdentityIndex.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
-#include "Ostrel/Vendor.h"
+#include "Records/IdentityIndex.h"
+#include "Records/Trace.h"
+#include "Records/Vendor.h"
 
 #include <PI/ErrorCode.h>
 

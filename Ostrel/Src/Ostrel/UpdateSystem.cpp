@@ -1,6 +1,6 @@
-#include "Ostrel/EventCodes.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
+#include "Records/EventCodes.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 #include <TLX/Clock.h>

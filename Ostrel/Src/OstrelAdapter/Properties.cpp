@@ -1,10 +1,10 @@
 #include "OstrelAdapter/Properties.h"
 
-#include "Ostrel/HostCodes.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
-#include "OstrelAdapter/Lifetime.h"
-#include "OstrelAdapter/Model.h"
+#include "Records/HostCodes.h"
+#include "Records/Lifetime.h"
+#include "Records/Model.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 #include <PI/PluginHelper.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Ostrel/PropertyBuilder.h"
-#include "OstrelAdapter/Record.h"
+#include "Records/Adapter.h"
+#include "Records/PropertyBuilder.h"
 
 #include <span>
 

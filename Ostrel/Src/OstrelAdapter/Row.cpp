@@ -1,8 +1,8 @@
-#include "Ostrel/HostCodes.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/RowBuilder.h"
-#include "OstrelAdapter/Model.h"
 #include "OstrelAdapter/Properties.h"
+#include "Records/HostCodes.h"
+#include "Records/Model.h"
+#include "Records/RowBuilder.h"
 
 #include <DatabaseORM/StatementBuilder.h>
 #include <PI/PluginHelper.h>

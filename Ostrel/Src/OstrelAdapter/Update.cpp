@@ -1,6 +1,6 @@
-#include "Ostrel/EventCodes.h"
-#include "Ostrel/Trace.h"
-#include "OstrelAdapter/Record.h"
+#include "Records/Adapter.h"
+#include "Records/EventCodes.h"
+#include "Records/Trace.h"
 
 #include <TLX/Clock.h>
 

@@ -1,9 +1,9 @@
 #include "OstrelPhysicalDrive/Properties.h"
 
-#include "Ostrel/HostCodes.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
-#include "OstrelAdapter/Model.h"
+#include "Records/HostCodes.h"
+#include "Records/Model.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Ostrel/PropertyBuilder.h"
-#include "OstrelPhysicalDrive/Record.h"
+#include "Records/PhysicalDrive.h"
+#include "Records/PropertyBuilder.h"
 
 #include <span>
 

@@ -1,5 +1,5 @@
-#include "Ostrel/EventCodes.h"
-#include "OstrelPhysicalDrive/Record.h"
+#include "Records/EventCodes.h"
+#include "Records/PhysicalDrive.h"
 
 #include <TLX/Clock.h>
 

@@ -1,7 +1,7 @@
 #include "OstrelPlugin/Operations.h"
 
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 

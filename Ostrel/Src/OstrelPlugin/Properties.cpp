@@ -1,8 +1,8 @@
 #include "OstrelPlugin/Properties.h"
 
-#include "Ostrel/Module.h"
 #include "Ostrel/PluginApi.h"
 #include "OstrelPlugin/Identity.h"
+#include "Records/Module.h"
 
 #include <PI/ErrorCode.h>
 

@@ -1,7 +1,7 @@
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/RowBuilder.h"
 #include "OstrelPlugin/Identity.h"
 #include "OstrelPlugin/Properties.h"
+#include "Records/RowBuilder.h"
 
 #include <DatabaseORM/StatementBuilder.h>
 

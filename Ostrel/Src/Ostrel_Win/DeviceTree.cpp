@@ -1,6 +1,6 @@
 #include "Ostrel/NVMeDevices.h"
-#include "Ostrel/Text.h"
 #include "Ostrel_Win/DiskInterfaces.h"
+#include "Records/Text.h"
 
 #include <TLXX/Win/DeviceNodes.h>
 

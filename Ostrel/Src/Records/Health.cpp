@@ -1,0 +1,70 @@
+#include "Records/Health.h"
+
+#include "Records/HostCodes.h"
+#include "Records/Lifetime.h"
+
+namespace NAMESPACE_Ostrel {
+namespace {
+
+constexpr std::uint8_t MEDIA_READ_ONLY = 1U << 3U;
+
+struct CWarning
+{
+    std::uint8_t m_Bit;
+    HostCode m_Status;
+    HostCode m_Reason;
+};
+
+// In this order the last bit that is set decides the status.
+constexpr CWarning WARNINGS[] = {
+    {1U << 1U, ADAPTER_DEGRADED, REASON_TEMPERATURE},     {1U << 0U, ADAPTER_DEGRADED, REASON_SPARE},
+    {1U << 4U, STATUS_CRITICAL, REASON_MEMORY_BACKUP},    {1U << 2U, STATUS_CRITICAL, REASON_RELIABILITY},
+    {MEDIA_READ_ONLY, STATUS_CRITICAL, REASON_READ_ONLY},
+};
+
+/** One product line counts its wear upwards. */
+bool reportsWearInverted(const std::string& model)
+{
+    return model.starts_with("INTEL SSDPED1K") && model.ends_with("GA");
+}
+
+} // namespace
+
+std::uint32_t temperatureWarnings(const TLXX::VendorLogPage& statistics)
+{
+    const int difference = statistics[0] - statistics[104];
+    if (difference < 78)
+        return 0;
+    if (difference < 80)
+        return 0x20;
+    return difference < 84 ? 0x200U | 0x40U : 0x200U | 0x80U;
+}
+
+void applyCriticalWarning(CNVMeAdapter& adapter, std::uint8_t criticalWarning)
+{
+    if (adapter.m_WarningFlags == 0)
+        adapter.m_HealthStatus = ADAPTER_HEALTHY;
+    for (const CWarning& warning : WARNINGS) {
+        if ((criticalWarning & warning.m_Bit) == 0)
+            continue;
+        adapter.m_HealthStatus = warning.m_Status;
+        adapter.m_HealthReasons.push_back(warning.m_Reason);
+    }
+}
+
+void applyWear(CNVMeAdapter& adapter, std::uint32_t adNormalized, std::uint32_t eaNormalized,
+               std::uint8_t criticalWarning)
+{
+    adapter.m_ADNormalized = reportsWearInverted(adapter.m_Model) ? percentLeft(adNormalized) : adNormalized;
+    adapter.m_EANormalized = eaNormalized;
+    if (eaNormalized < 100 && adapter.m_HealthStatus != STATUS_CRITICAL)
+        adapter.m_HealthStatus = ADAPTER_DEGRADED;
+    if (eaNormalized == 100)
+        adapter.m_SpareStatus = WEAR_NORMAL;
+    else if (eaNormalized < 100 && (criticalWarning & MEDIA_READ_ONLY) == 0)
+        adapter.m_SpareStatus = WEAR_WARNING;
+    else
+        adapter.m_SpareStatus = WEAR_CRITICAL;
+}
+
+} // namespace NAMESPACE_Ostrel
