@@ -8,6 +8,7 @@ import pathlib
 import re
 import sys
 
+PLUGIN_LIBRARIES = {"PI", "TLXX", "TLX", "Database", "DatabaseORM"}
 # Folder of the including file -> first component of what it may include from this project.
 ALLOWED = {
     "Libraries/TLX": {"TLX"},
@@ -15,12 +16,18 @@ ALLOWED = {
     "Libraries/PI": {"PI", "TLX"},
     "Libraries/Database": {"Database", "DatabaseORM", "TLX"},
     "DatabaseORM": {"DatabaseORM"},
-    "Ostrel/Src": {"Ostrel", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive", "PI", "TLXX", "TLX",
-                   "Database", "DatabaseORM"},
+    "Ostrel/Src/Records": PLUGIN_LIBRARIES | {"Records"},
+    "Ostrel/Src/Ostrel_Linux": PLUGIN_LIBRARIES | {"Records", "Ostrel_Linux"},
+    "Ostrel/Src/Ostrel_Win": PLUGIN_LIBRARIES | {"Records", "Ostrel_Win"},
+    "Ostrel/Src/OstrelPlugin": PLUGIN_LIBRARIES | {"Records", "OstrelPlugin"},
+    "Ostrel/Src/OstrelAdapter": PLUGIN_LIBRARIES | {"Records", "OstrelAdapter"},
+    "Ostrel/Src/OstrelPhysicalDrive": PLUGIN_LIBRARIES | {"Records", "OstrelPhysicalDrive"},
+    "Ostrel/Src/Ostrel": PLUGIN_LIBRARIES | {"Records", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive",
+                                             "Ostrel"},
     "Host": {"Base", "Drives", "Plugins", "Facts", "Documents", "Terminal", "Commands", "PI", "TLXX", "TLX", "Database", "DatabaseORM"},
 }
 PROJECT = {"TLX", "TLXX", "PI", "Database", "DatabaseORM", "Base", "Drives", "Plugins", "Facts", "Documents", "Terminal", "Commands",
-           "Ostrel", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive"}
+           "Records", "Ostrel", "Ostrel_Linux", "Ostrel_Win", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive"}
 # Of the interface library the program knows all; of the plug-in, nothing. System headers that only one place may know.
 CONFINED = {
     "sqlite3.h": "Libraries/Database/Src",

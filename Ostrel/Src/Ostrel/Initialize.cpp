@@ -3,7 +3,6 @@
 
 #include <PI/ErrorCode.h>
 #include <TLX/Clock.h>
-#include <TLXX/NvmeQuery.h>
 
 #include <iterator>
 #include <stdexcept>
@@ -61,12 +60,7 @@ void IPLUGINAPI_IMPL::IdentifyDevices()
     for (auto device = m_NVMeDevices.begin(); device != m_NVMeDevices.end();)
         device = identifies(*device) ? std::next(device) : m_NVMeDevices.erase(device);
 
-    // A block that did not come stays zero, and the scan takes it for unknown.
-    for (NVMeDevice& device : m_NVMeDevices) {
-        const TLXX::CQuerySession session(device.deviceName);
-        (void)device.queryIdentifyNamespace();
-        (void)device.querySmartHealthLog();
-    }
+    (void)m_NVMeDevices.query([](NVMeDevice&) { return true; });
 }
 
 bool IPLUGINAPI_IMPL::FindDevices()
@@ -74,7 +68,8 @@ bool IPLUGINAPI_IMPL::FindDevices()
     try {
         return m_NVMeDevices.scan();
     } catch (const std::runtime_error& error) {
-        OSTREL_TRACE(TRACE_FLOW) << "Initialize() NVMe devices scan(): %s" << error.what();
+        OSTREL_TRACE_WITHIN(TRACE_FLOW, "Initialize")
+            << "Initialize() NVMe devices scan(): %s" << error.what();
         return false;
     }
 }

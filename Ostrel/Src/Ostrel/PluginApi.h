@@ -151,7 +151,6 @@ private:
         std::uint32_t m_Result;
     };
 
-    void LoadSettings();
     /** Makes the locks and events ready, up to the first that fails. */
     std::optional<CLockFailure> InitializeLocks();
     /** Whether there are devices; there are none either where it was not possible to look. */

@@ -1,8 +1,8 @@
 #include "Ostrel/PluginApi.h"
-#include "Records/EventCodes.h"
 #include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
+#include <PI/EventCode.h>
 #include <TLX/Clock.h>
 
 #include <cstdint>
@@ -16,10 +16,10 @@
 namespace NAMESPACE_Ostrel {
 namespace {
 
-PI::CEvent adapterEvent(const CNVMeAdapter& adapter, EventCode id, EventSeverity severity)
+PI::CEvent adapterEvent(const CNVMeAdapter& adapter, PI::_EVENT_CODE id, PI::_EVENT_SEVERITY severity)
 {
     PI::CEvent event;
-    event.m_Source = EVENT_SOURCE_HOST;
+    event.m_Source = PI::EVENT_SOURCE_HOST;
     event.m_Id = id;
     event.m_Severity = severity;
     event.m_Time = TLX::Misc::now();
@@ -82,7 +82,8 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
         const CNVMeAdapter* const live = liveAdapters.Find(fresh.m_SerialNumber);
         if (live == nullptr) {
             ++m_Plugin.m_UpdateCount;
-            changes.m_Events.push_back(adapterEvent(fresh, EVENT_ADAPTER_ADDED, SEVERITY_INFORMATION));
+            changes.m_Events.push_back(
+                adapterEvent(fresh, PI::EVENT_ADAPTER_ADDED, PI::SEVERITY_INFORMATION));
             changes.m_AddedAdapters.push_back(fresh);
             if (!freshDrives)
                 freshDrives.emplace(physicalDrives);
@@ -97,7 +98,7 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
         if (freshAdapters.Find(live.m_SerialNumber) != nullptr)
             continue;
         ++m_Plugin.m_UpdateCount;
-        changes.m_Events.push_back(adapterEvent(live, EVENT_ADAPTER_REMOVED, SEVERITY_WARNING));
+        changes.m_Events.push_back(adapterEvent(live, PI::EVENT_ADAPTER_REMOVED, PI::SEVERITY_WARNING));
         changes.m_RemovedAdapters.push_back(live);
     }
     for (const CNVMePhysicalDrive& fresh : physicalDrives) {
@@ -161,7 +162,7 @@ void IPLUGINAPI_IMPL::LinkAdapters(std::vector<CNVMeAdapter>& adapters)
 
 void IPLUGINAPI_IMPL::AddEvents(const std::vector<PI::CEvent>& events)
 {
-    const CTracedGuard guard(m_EventsLock, "m_EventsLock", OSTREL_HERE);
+    const CTracedGuard guard(m_EventsLock, "m_EventsLock", OSTREL_WITHIN("UpdateSystem"));
     // The newest comes first; hosts rely on that order within a cycle.
     m_Events.insert(m_Events.end(), events.rbegin(), events.rend());
 }

@@ -1,14 +1,17 @@
 #pragma once
 
+#include <PI/Property.h>
+
 #include <cstdint>
+#include <vector>
 
 namespace NAMESPACE_Ostrel {
 
-/** The bounds of the poll interval, in seconds. */
-inline constexpr std::uint32_t MINIMUM_POLL_INTERVAL = 2;
-inline constexpr std::uint32_t MAXIMUM_POLL_INTERVAL = 255;
-
-/** The poll interval's key in the settings file. */
-inline constexpr char POLL_INTERVAL_KEY[] = "PollInterval";
+/**
+ * Fills `properties` anew with the property `propertyId` of the plug-in's own object, or with all of them.
+ * `pollInterval` is in seconds. Returns 0.
+ */
+std::uint32_t getPluginProperties(std::uint32_t pollInterval, std::vector<PI::CProperty>& properties,
+                                  std::uint32_t propertyId);
 
 } // namespace NAMESPACE_Ostrel

@@ -1,4 +1,5 @@
-#include "Ostrel/NVMeDevices.h"
+#include "Records/DeviceTree.h"
+
 #include "Ostrel_Win/DiskInterfaces.h"
 #include "Records/Text.h"
 
@@ -72,20 +73,22 @@ void enumerateNVMeDisks(DEVINST controller, const std::string& service, const Di
 
 } // namespace
 
-void NVMeDevices::scanDeviceTree()
+std::vector<TLXX::CDeviceEntry> walkDeviceTree()
 {
+    std::vector<TLXX::CDeviceEntry> disks;
     std::vector<TLXX::Win::DeviceNode> controllers;
     DEVINST node = 0;
     bool more = CM_Locate_DevNodeA(&node, nullptr, CM_LOCATE_DEVNODE_NORMAL) == CR_SUCCESS;
     for (; more; more = advance(node)) {
         if (const auto service = matchingService(node, CONTROLLER_SERVICE)) {
             enumerateNVMeDisks(node, *service, [&](std::string device, std::string driver) {
-                addDetected(std::move(device), std::move(driver));
+                disks.push_back({std::move(device), std::move(driver)});
                 controllers.push_back(node);
             });
         }
     }
     TLXX::Win::rememberEnumeration(std::move(controllers));
+    return disks;
 }
 
 } // namespace NAMESPACE_Ostrel

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "Records/HostCodes.h"
-
 #include <PI/Event.h>
 #include <PI/Object.h>
+#include <PI/StateCode.h>
 
 #include <cstdint>
 #include <limits>
@@ -45,16 +44,16 @@ struct CNVMeAdapterData
     std::uint64_t m_UnsafeShutdowns = 0;
     std::uint64_t m_CorrectableErrors = 0;     ///< never filled
     float m_Temperature = UNKNOWN_TEMPERATURE; ///< degrees Celsius
-    std::uint32_t m_HealthStatus = ADAPTER_HEALTHY;
+    std::uint32_t m_HealthStatus = PI::HEALTH_HEALTHY;
     std::vector<std::uint32_t> m_HealthReasons;
     std::uint64_t m_UncorrectableErrors = 0; ///< never filled
-    std::uint32_t m_SpareStatus = WEAR_NORMAL;
+    std::uint32_t m_SpareStatus = PI::WEAR_OK;
     std::uint64_t m_DataUnitsRead = UNKNOWN_COUNTER;    ///< units of 512,000 bytes
     std::uint64_t m_DataUnitsWritten = UNKNOWN_COUNTER; ///< units of 512,000 bytes
     std::uint64_t m_PowerOnHours = UNKNOWN_COUNTER;     ///< the health log's counter at byte 128
     std::uint32_t m_ReserveSpace = 100;                 ///< available spare, percent
     std::uint64_t m_LifetimeRating = UNKNOWN_COUNTER;   ///< TiB that may be written; 1 for an unrated model
-    std::uint32_t m_SpareState = SPARE_STATE_NORMAL;
+    std::uint32_t m_SpareState = PI::SPARE_SUFFICIENT;
     std::uint32_t m_WarningThreshold = 10; ///< available spare threshold, percent
     std::string m_ModelName;
     std::string m_EndOfLifeDate; ///< "%4d-%02d-%02d"

@@ -1,7 +1,8 @@
 #include "Records/Health.h"
 
-#include "Records/HostCodes.h"
 #include "Records/Lifetime.h"
+
+#include <PI/StateCode.h>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -11,15 +12,17 @@ constexpr std::uint8_t MEDIA_READ_ONLY = 1U << 3U;
 struct CWarning
 {
     std::uint8_t m_Bit;
-    HostCode m_Status;
-    HostCode m_Reason;
+    PI::_STATE_CODE m_Status;
+    PI::_STATE_CODE m_Reason;
 };
 
 // In this order the last bit that is set decides the status.
 constexpr CWarning WARNINGS[] = {
-    {1U << 1U, ADAPTER_DEGRADED, REASON_TEMPERATURE},     {1U << 0U, ADAPTER_DEGRADED, REASON_SPARE},
-    {1U << 4U, STATUS_CRITICAL, REASON_MEMORY_BACKUP},    {1U << 2U, STATUS_CRITICAL, REASON_RELIABILITY},
-    {MEDIA_READ_ONLY, STATUS_CRITICAL, REASON_READ_ONLY},
+    {1U << 1U, PI::HEALTH_DEGRADED, PI::REASON_TEMPERATURE},
+    {1U << 0U, PI::HEALTH_DEGRADED, PI::REASON_SPARE_LOW},
+    {1U << 4U, PI::HEALTH_CRITICAL, PI::REASON_MEMORY_BACKUP_FAILED},
+    {1U << 2U, PI::HEALTH_CRITICAL, PI::REASON_RELIABILITY_DEGRADED},
+    {MEDIA_READ_ONLY, PI::HEALTH_CRITICAL, PI::REASON_READ_ONLY},
 };
 
 /** One product line counts its wear upwards. */
@@ -43,7 +46,7 @@ std::uint32_t temperatureWarnings(const TLXX::VendorLogPage& statistics)
 void applyCriticalWarning(CNVMeAdapter& adapter, std::uint8_t criticalWarning)
 {
     if (adapter.m_WarningFlags == 0)
-        adapter.m_HealthStatus = ADAPTER_HEALTHY;
+        adapter.m_HealthStatus = PI::HEALTH_HEALTHY;
     for (const CWarning& warning : WARNINGS) {
         if ((criticalWarning & warning.m_Bit) == 0)
             continue;
@@ -57,14 +60,14 @@ void applyWear(CNVMeAdapter& adapter, std::uint32_t adNormalized, std::uint32_t 
 {
     adapter.m_ADNormalized = reportsWearInverted(adapter.m_Model) ? percentLeft(adNormalized) : adNormalized;
     adapter.m_EANormalized = eaNormalized;
-    if (eaNormalized < 100 && adapter.m_HealthStatus != STATUS_CRITICAL)
-        adapter.m_HealthStatus = ADAPTER_DEGRADED;
+    if (eaNormalized < 100 && adapter.m_HealthStatus != PI::HEALTH_CRITICAL)
+        adapter.m_HealthStatus = PI::HEALTH_DEGRADED;
     if (eaNormalized == 100)
-        adapter.m_SpareStatus = WEAR_NORMAL;
+        adapter.m_SpareStatus = PI::WEAR_OK;
     else if (eaNormalized < 100 && (criticalWarning & MEDIA_READ_ONLY) == 0)
-        adapter.m_SpareStatus = WEAR_WARNING;
+        adapter.m_SpareStatus = PI::WEAR_WARNING;
     else
-        adapter.m_SpareStatus = WEAR_CRITICAL;
+        adapter.m_SpareStatus = PI::WEAR_CRITICAL;
 }
 
 } // namespace NAMESPACE_Ostrel

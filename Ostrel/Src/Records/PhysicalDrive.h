@@ -1,10 +1,10 @@
 #pragma once
 
 #include "Records/Adapter.h"
-#include "Records/HostCodes.h"
 
 #include <PI/Event.h>
 #include <PI/Object.h>
+#include <PI/StateCode.h>
 
 #include <cstdint>
 #include <limits>
@@ -23,7 +23,7 @@ struct CNVMePhysicalDriveData
     std::string m_ProductName; ///< display name
     std::string m_Location;    ///< the adapter's location and "&ID=0"
     std::string m_DeviceName;
-    std::uint32_t m_Status = DRIVE_ONLINE;
+    std::uint32_t m_Status = PI::DRIVE_OPERATIONAL;
     std::uint32_t m_BlockSize = 512; ///< bytes of a logical block
     std::uint64_t m_ReservedMiB = 0;
     std::uint32_t m_ReservedPercent = 100;

@@ -86,6 +86,14 @@ private:
         OSTREL_TRACE_UNIT, __PRETTY_FUNCTION__, __LINE__                                                     \
     }
 
+/** The current place, in a function that does the work of the plug-in object's `member`, a literal: the trace
+ * names that. */
+#define OSTREL_WITHIN(member)                                                                                \
+    NAMESPACE_Ostrel::CTracePlace                                                                            \
+    {                                                                                                        \
+        OSTREL_TRACE_UNIT, "NAMESPACE_Ostrel::IPLUGINAPI_IMPL::" member, __LINE__                            \
+    }
+
 /** A trace line of `place`, once the mask is known to have its level. */
 #define OSTREL_TRACE_LINE(level, place)                                                                      \
     TLX::Internals::CTraceStreamBuffer((level), NAMESPACE_Ostrel::g_ModuleInfo, (place).m_Unit,              \
@@ -99,3 +107,9 @@ private:
     if (!NAMESPACE_Ostrel::traceEnabled(level)) {                                                            \
     } else                                                                                                   \
         OSTREL_TRACE_LINE(level, OSTREL_HERE)
+
+/** The same as `OSTREL_TRACE`, in a function that does the work of the plug-in object's `member`. */
+#define OSTREL_TRACE_WITHIN(level, member)                                                                   \
+    if (!NAMESPACE_Ostrel::traceEnabled(level)) {                                                            \
+    } else                                                                                                   \
+        OSTREL_TRACE_LINE(level, OSTREL_WITHIN(member))

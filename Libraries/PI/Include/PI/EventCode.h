@@ -2,13 +2,13 @@
 
 #include <cstdint>
 
-namespace NAMESPACE_Ostrel {
+namespace PI {
 
-/** The source of an event that no object of the topology stands for any more, or yet. */
+/** The source of an event whose object is not in the topology yet, or no longer. */
 inline constexpr std::uint64_t EVENT_SOURCE_HOST = 19002;
 
 /** What happened. The catalogue has the texts. */
-enum EventCode : std::uint32_t
+enum _EVENT_CODE : std::uint32_t
 {
     EVENT_MEMORY_BACKUP_FAILED = 10957,
     EVENT_TEMPERATURE_CRITICAL = 10959,
@@ -24,11 +24,11 @@ enum EventCode : std::uint32_t
 };
 
 /** How bad it is. */
-enum EventSeverity : std::uint32_t
+enum _EVENT_SEVERITY : std::uint32_t
 {
     SEVERITY_INFORMATION = 2,
     SEVERITY_WARNING = 3,
     SEVERITY_ERROR = 4,
 };
 
-} // namespace NAMESPACE_Ostrel
+} // namespace PI
