@@ -19,6 +19,10 @@ struct CChanges
     std::vector<CNVMePhysicalDrive> m_AddedDrives;   ///< of added adapters, one each
     std::vector<CNVMePhysicalDrive> m_ChangedDrives; ///< as they were before, but for their device index
 
+    // Not changes of their own: what they concern is in the lists above, too.
+    std::vector<CNVMeAdapter> m_MovedAdapters; ///< as they were before, under numbers that they have left
+    bool m_AnyMoved = false;                   ///< an adapter that was there before has another number now
+
     bool Any() const
     {
         return !(m_AddedAdapters.empty() && m_ChangedAdapters.empty() && m_RemovedAdapters.empty() &&

@@ -115,14 +115,15 @@ std::uint32_t IPLUGINAPI_IMPL::Initialize(std::vector<PI::CAdapterID>& adapterID
     }
 
     // What the database refuses is in the trace; the host gets its adapters all the same.
-    (void)InsertObjectToDatabase(m_Plugin);
+    m_Plugin.m_Children.clear();
+    (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, m_Plugin);
     for (CNVMeAdapter& adapter : m_Adapters) {
         adapterIDs.push_back(unassignedIdentity(adapter));
         m_Plugin.m_Children.push_back(adapter.m_ID);
         adapter.m_Parents.push_back(m_Plugin.m_ID);
-        (void)InsertObjectToDatabase(adapter);
+        (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, adapter);
         for (const CNVMePhysicalDrive& drive : m_PhysicalDrives)
-            (void)InsertObjectToDatabase(drive);
+            (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, drive);
     }
 
     printAdapterCount(static_cast<std::uint32_t>(m_Adapters.size()));

@@ -171,9 +171,23 @@ private:
     void LinkAdapters(std::vector<CNVMeAdapter>& adapters) TLX_REQUIRES(m_DataLock);
     /** Makes events pending. The caller may hold `m_EventsLock` already. */
     void AddEvents(const std::vector<PI::CEvent>& events);
-    /** Writes what changed to the database, once it is published. */
+    /** Writes what changed to the database, once it is published, and all rows anew where that is needed. */
     void Persist(const CChanges& changes) TLX_REQUIRES(m_DataLock);
+    void WriteChanges(const CChanges& changes) TLX_REQUIRES(m_DataLock);
     void DeleteRemoved(const CChanges& changes) TLX_REQUIRES(m_DataLock);
+    /** Writes the row of everything present anew and deletes those of numbers that nobody has any more. Ends
+     * at the first failure. */
+    bool RewriteRows() TLX_REQUIRES(m_DataLock);
+    /** Runs one operation on a row, whatever it throws. A failure makes the next cycle write all rows anew.
+     */
+    template<typename Record>
+    bool WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*operation)(const Record&), const Record& record)
+        TLX_REQUIRES(m_DataLock);
+
+    bool m_RowsFailed TLX_GUARDED_BY(m_DataLock) =
+        false; ///< an operation on a row, since they were all written
+    /** As they were before they moved: rows of their numbers may still be there. */
+    std::vector<CNVMeAdapter> m_LeftNumbers TLX_GUARDED_BY(m_DataLock);
 
     // Objects by identifier. The plug-in's own comes first, then the adapters, then the drives.
     bool IsPlugin(std::uint64_t objectID) const TLX_REQUIRES(m_DataLock);

@@ -1,9 +1,36 @@
+#include "Ostrel/Guarded.h"
 #include "Ostrel/PluginApi.h"
 #include "OstrelAdapter/Row.h"
 #include "OstrelPhysicalDrive/Row.h"
 #include "OstrelPlugin/Row.h"
 
+#include <PI/ErrorCode.h>
+#include <TLX/ForcedEnd.h>
+
 namespace NAMESPACE_Ostrel {
+
+template<typename Record>
+bool IPLUGINAPI_IMPL::WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*operation)(const Record&),
+                               const Record& record)
+{
+    bool done = false;
+    try {
+        done = (this->*operation)(record) == PI::ERR_SUCCESS;
+    } catch (TLX::Threading::CForcedEnd&) {
+        throw;
+    } catch (...) {
+        traceThrown(OSTREL_HERE, "An operation on a row");
+    }
+    m_RowsFailed = m_RowsFailed || !done;
+    return done;
+}
+
+template bool IPLUGINAPI_IMPL::WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*)(const CNVMePlugin&),
+                                        const CNVMePlugin&);
+template bool IPLUGINAPI_IMPL::WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*)(const CNVMeAdapter&),
+                                        const CNVMeAdapter&);
+template bool IPLUGINAPI_IMPL::WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*)(const CNVMePhysicalDrive&),
+                                        const CNVMePhysicalDrive&);
 
 std::uint32_t IPLUGINAPI_IMPL::InsertObjectToDatabase(const CNVMePlugin& plugin)
 {
