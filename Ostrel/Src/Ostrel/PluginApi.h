@@ -46,8 +46,7 @@ public:
 protected:
     // Requests.
     std::uint32_t Initialize(std::vector<PI::CAdapterID>& adapterIDs);
-    /** Takes over the host's identities and names the adapters by them; the first time it starts the worker.
-     */
+    /** Takes over the host's identities and names the adapters by them; starts the worker unless it runs. */
     std::uint32_t SetAdapterIDs(const std::vector<PI::CAdapterID>& adapterIDs);
     /** Stops the worker, by force when it does not end by itself. */
     std::uint32_t DeInitialize();
@@ -178,15 +177,15 @@ private:
     /** Writes the row of everything present anew and deletes those of numbers that nobody has any more. Ends
      * at the first failure. */
     bool RewriteRows() TLX_REQUIRES(m_DataLock);
-    /** Runs one operation on a row, whatever it throws. A failure makes the next cycle write all rows anew.
-     */
+    /** Runs one operation on a row and returns whether it succeeded. It throws nothing but a forced end;
+     * after a failure the next cycle writes all rows anew. */
     template<typename Record>
     bool WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*operation)(const Record&), const Record& record)
         TLX_REQUIRES(m_DataLock);
 
-    bool m_RowsFailed TLX_GUARDED_BY(m_DataLock) =
-        false; ///< an operation on a row, since they were all written
-    /** As they were before they moved: rows of their numbers may still be there. */
+    /** Whether an operation on a row has failed since all rows were as they should be. */
+    bool m_RowsFailed TLX_GUARDED_BY(m_DataLock) = false;
+    /** Adapters as they were before they moved or went: rows of their numbers may still be there. */
     std::vector<CNVMeAdapter> m_LeftNumbers TLX_GUARDED_BY(m_DataLock);
 
     // Objects by identifier. The plug-in's own comes first, then the adapters, then the drives.
