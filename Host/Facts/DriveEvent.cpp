@@ -4,6 +4,7 @@
 #include "Base/Seconds.h"
 #include "Base/Text.h"
 
+#include <PI/EventCode.h>
 #include <PI/PluginHelper.h>
 
 #include <algorithm>
@@ -13,9 +14,6 @@
 
 namespace Host::Cli {
 namespace {
-
-constexpr std::uint32_t ADAPTER_ADDED = 11093;
-constexpr std::uint32_t ADAPTER_REMOVED = 11094;
 
 /** The drives whose serial number none of `others` has: plug-ins tell drives apart by it. */
 std::vector<const Drive*> missingFrom(const std::vector<Drive>& others, const std::vector<Drive>& drives)
@@ -97,9 +95,9 @@ std::string localTimeText(std::uint64_t milliseconds)
 Tone toneOf(std::uint32_t severity)
 {
     switch (severity) {
-    case 3:
+    case PI::SEVERITY_WARNING:
         return Tone::Warning;
-    case 4:
+    case PI::SEVERITY_ERROR:
         return Tone::Bad;
     default:
         return Tone::Plain;
@@ -122,8 +120,8 @@ std::vector<DriveEvent> withDrives(std::vector<PI::CEvent> events, const std::ve
     // what is gone.
     std::vector<const Drive*> removed = missingFrom(after, before);
     std::reverse(removed.begin(), removed.end());
-    match(result, ADAPTER_ADDED, missingFrom(before, after));
-    match(result, ADAPTER_REMOVED, std::move(removed));
+    match(result, PI::EVENT_ADAPTER_ADDED, missingFrom(before, after));
+    match(result, PI::EVENT_ADAPTER_REMOVED, std::move(removed));
     return result;
 }
 
@@ -151,11 +149,11 @@ std::string eventText(const DriveEvent& event)
 std::string severityText(std::uint32_t severity)
 {
     switch (severity) {
-    case 2:
+    case PI::SEVERITY_INFORMATION:
         return "Information";
-    case 3:
+    case PI::SEVERITY_WARNING:
         return "Warning";
-    case 4:
+    case PI::SEVERITY_ERROR:
         return "Error";
     default:
         return "Severity " + std::to_string(severity);

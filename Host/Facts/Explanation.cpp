@@ -4,6 +4,7 @@
 #include "Facts/Measured.h"
 
 #include <PI/PluginHelper.h>
+#include <PI/StateCode.h>
 
 #include <nlohmann/json.hpp>
 
@@ -26,41 +27,43 @@ struct Explanation
 
 constexpr Explanation EXPLANATIONS[] = {
     // Reasons of a health status.
-    {40459,
+    {PI::REASON_TEMPERATURE,
      "The drive is hotter or colder than its maker allows. It slows down to protect itself, and ages faster.",
      "Look at fans, dust filters and the air's way to the drive; if it stays that way, move the drive or its "
      "load."},
-    {40460,
+    {PI::REASON_SPARE_LOW,
      "The blocks that the drive keeps to replace worn ones are nearly used up. When they are gone it stops "
      "taking "
      "data.",
      REPLACE},
-    {40449,
+    {PI::REASON_MEMORY_BACKUP_FAILED,
      "What saves the drive's volatile memory when the power fails does not work. Data that was just written "
      "may be "
      "lost then.",
      "Replace the drive; until then turn its write cache off, or see that the power cannot fail."},
-    {40487,
+    {PI::REASON_RELIABILITY_DEGRADED,
      "Errors of the medium or within the drive have made it unreliable: what it holds may become unreadable.",
      REPLACE},
-    {40452, "The drive has stopped taking data, to keep what it holds readable.",
+    {PI::REASON_READ_ONLY, "The drive has stopped taking data, to keep what it holds readable.",
      "Copy what is on it to another drive at once, and replace it."},
 
     // States of wear and of spare blocks.
-    {40252, "The drive reports no more wear than use brings with it.", NOTHING},
-    {40410, "An attribute of the drive has fallen below the value of a new one: blocks wear out or fail.",
+    {PI::WEAR_OK, "The drive reports no more wear than use brings with it.", NOTHING},
+    {PI::WEAR_WARNING,
+     "An attribute of the drive has fallen below the value of a new one: blocks wear out or fail.",
      "Plan to replace the drive, and watch whether this gets worse."},
-    {40411, "The drive is worn out, or reports a wear that makes no sense.", REPLACE},
-    {40473, "The drive has not reported that the blocks which replace worn ones are running out.", NOTHING},
-    {40474, "The drive has no spare blocks left to replace worn ones.", REPLACE},
+    {PI::WEAR_CRITICAL, "The drive is worn out, or reports a wear that makes no sense.", REPLACE},
+    {PI::SPARE_SUFFICIENT,
+     "The drive has not reported that the blocks which replace worn ones are running out.", NOTHING},
+    {PI::SPARE_EXHAUSTED, "The drive has no spare blocks left to replace worn ones.", REPLACE},
 };
 
 // A health status, for where no reason tells more.
 constexpr Explanation HEALTH[] = {
-    {40150, "The drive works, but something about it is worse than in a new one.",
+    {PI::HEALTH_DEGRADED, "The drive works, but something about it is worse than in a new one.",
      "Look at the other states of the drive, and plan to replace it."},
-    {40095, "The drive is failing or about to.", REPLACE},
-    {40180, "The drive works, but something about it needs attention.",
+    {PI::HEALTH_CRITICAL, "The drive is failing or about to.", REPLACE},
+    {PI::DRIVE_WARNING, "The drive works, but something about it needs attention.",
      "Look at the other states of the drive."},
 };
 

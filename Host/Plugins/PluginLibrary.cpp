@@ -4,7 +4,7 @@
 #include "Base/Text.h"
 
 #include <PI/ErrorCode.h>
-#include <TLX/Clock.h>
+#include <TLX/CancelledThreads.h>
 #include <TLX/WaitResult.h>
 
 #include <array>
@@ -17,10 +17,6 @@ namespace {
 constexpr std::array REQUEST_NAMES = {"Initialize",     "SetAdapterIDs",   "DeInitialize", "GetTopology",
                                       "GetProperties",  "GetProperty",     "SetProperty",  "GetOperations",
                                       "CheckOperation", "ExecuteOperation"};
-
-// A plug-in that was told to end waits this long for its threads, in milliseconds. Then it ends them by
-// force, which need not succeed at once, and its answer does not tell.
-constexpr std::uint64_t PATIENCE_WITH_THREADS = 25'000;
 
 /** What plug-ins call, from threads and under locks of their own. So it takes no lock and asks nothing. */
 void note(std::uintptr_t context, IPLUGINAPI* /*plugin*/)
@@ -153,10 +149,11 @@ void PluginLibrary::setAdapterIds(std::vector<PI::CAdapterID> identities)
 
 bool PluginLibrary::deInitialize()
 {
-    const std::uint64_t start = TLX::Misc::monotonic();
     PI::CRequestData data;
     request(PI::REQUEST_DEINITIALIZE, 0, data);
-    m_Running = TLX::Misc::monotonic() - start >= PATIENCE_WITH_THREADS;
+    // The answer does not tell. A plug-in ends a thread by force that does not end by itself, and that need
+    // not succeed, or not at once.
+    m_Running = TLX::Threading::cancelledThreadRuns();
     return !m_Running;
 }
 

@@ -46,7 +46,7 @@ public:
     void setAdapterIds(std::vector<PI::CAdapterID> identities);
 
     /**
-     * Request 3. Returns false when it took so long that a thread of the plug-in may still run: then nothing
+     * Request 3. Returns false when a thread that had to be ended by force still runs: then nothing
      * more may be asked, and the library stays loaded and its object alive until the process ends.
      */
     bool deInitialize();

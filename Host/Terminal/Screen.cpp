@@ -2,6 +2,8 @@
 
 #include "Base/Platform.h"
 
+#include <PI/StateCode.h>
+
 #include <cstdlib>
 
 namespace Host::Cli {
@@ -51,13 +53,13 @@ std::string toned(const Screen& screen, Tone tone, const std::string& text)
 Tone toneOfCode(std::uint32_t code)
 {
     switch (code) {
-    case 40024: // healthy
-    case 40099: // operational
+    case PI::HEALTH_HEALTHY:
+    case PI::DRIVE_OPERATIONAL:
         return Tone::Good;
-    case 40095: // critical
+    case PI::HEALTH_CRITICAL:
         return Tone::Bad;
-    case 40150: // degraded
-    case 40180: // warning
+    case PI::HEALTH_DEGRADED:
+    case PI::DRIVE_WARNING:
         return Tone::Warning;
     default:
         return Tone::Plain;

@@ -1,8 +1,8 @@
-#include "Ostrel/EventCodes.h"
-#include "OstrelAdapter/Health.h"
+#include "Records/Health.h"
 #include "Support/PluginUnderTest.h"
 #include "Tables.h"
 
+#include <PI/EventCode.h>
 #include <TLX/FastMutex.h>
 #include <TLX/WaitResult.h>
 
@@ -18,11 +18,11 @@ using TestSupport::CPluginUnderTest;
 std::string severityText(std::uint32_t severity)
 {
     switch (severity) {
-    case SEVERITY_INFORMATION:
+    case PI::SEVERITY_INFORMATION:
         return "2 information";
-    case SEVERITY_WARNING:
+    case PI::SEVERITY_WARNING:
         return "3 warning";
-    case SEVERITY_ERROR:
+    case PI::SEVERITY_ERROR:
         return "4 error";
     default:
         throw std::runtime_error("an event is of an unknown severity");
@@ -47,9 +47,9 @@ void add(std::vector<Row>& rows, const std::string& cause, const std::vector<PI:
 {
     for (const PI::CEvent& event : events)
         rows.push_back({std::to_string(event.m_Id), severityText(event.m_Severity),
-                        event.m_Source == EVENT_SOURCE_HOST ? "host"
-                        : event.m_Source == 1               ? "adapter"
-                                                            : "drive",
+                        event.m_Source == PI::EVENT_SOURCE_HOST ? "host"
+                        : event.m_Source == 1                   ? "adapter"
+                                                                : "drive",
                         cause, catalogueText(event.m_Id)});
 }
 

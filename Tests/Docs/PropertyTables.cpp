@@ -1,6 +1,6 @@
-#include "OstrelAdapter/Health.h"
 #include "OstrelAdapter/Properties.h"
 #include "OstrelPhysicalDrive/Properties.h"
+#include "Records/Health.h"
 #include "Support/PluginUnderTest.h"
 #include "Tables.h"
 
@@ -101,7 +101,7 @@ std::string adapterProperties()
     known.m_FirmwareRevision = known.m_VendorTag = known.m_DriverVersion = "x";
     known.m_Temperature = 1;
     known.m_PowerOnHours = known.m_DataUnitsRead = known.m_DataUnitsWritten = known.m_LifetimeRating = 1;
-    known.m_HealthReasons = {REASON_SPARE};
+    known.m_HealthReasons = {PI::REASON_SPARE_LOW};
     CNVMeAdapter unknown;
     return properties(adapterPropertyTable(), known, unknown);
 }

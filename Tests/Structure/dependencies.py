@@ -89,12 +89,6 @@ STILL_UP = {
     ("Host/Documents", "Host/Terminal"),
     ("Host/Facts", "Host/Documents"),
     ("Host/Facts", "Host/Terminal"),
-    ("Ostrel/Src/OstrelAdapter", "Ostrel/Src/Ostrel"),
-    ("Ostrel/Src/OstrelPhysicalDrive", "Ostrel/Src/Ostrel"),
-    ("Ostrel/Src/OstrelPhysicalDrive", "Ostrel/Src/OstrelAdapter"),
-    ("Ostrel/Src/OstrelPlugin", "Ostrel/Src/Ostrel"),
-    ("Ostrel/Src/Ostrel_Linux", "Ostrel/Src/Ostrel"),
-    ("Ostrel/Src/Ostrel_Win", "Ostrel/Src/Ostrel"),
 }
 # ---- End of the known exceptions. ----
 

@@ -1,3 +1,5 @@
+#include "CancelledThreads.h"
+
 #include <TLX/Event.h>
 #include <TLX/Thread.h>
 
@@ -84,6 +86,7 @@ std::uint32_t CThread::Wait(std::uint32_t timeout)
 
 void CThread::Cancel()
 {
+    rememberCancelled([native = m_Native] { return native->m_Ended.Wait(0) != WaitResult::Taken; });
     const std::scoped_lock guard(m_Native->m_Lock);
     if (!m_Native->m_Joined)
         pthread_cancel(m_Native->m_Thread);

@@ -1,3 +1,4 @@
+#include "CancelledThreads.h"
 #include "Wait.h"
 
 #include <TLX/ForcedEnd.h>
@@ -134,6 +135,8 @@ std::uint32_t CThread::Wait(std::uint32_t timeout)
 
 void CThread::Cancel()
 {
+    rememberCancelled(
+        [native = m_Native] { return WaitForSingleObject(native->m_Thread.Get(), 0) != WAIT_OBJECT_0; });
     const std::scoped_lock guard(m_Native->m_Lock);
     const HANDLE thread = m_Native->m_Thread.Get();
     CInterruption& interruption = m_Native->m_Interruption;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Ostrel/SerialIndex.h"
+#include "Records/SerialIndex.h"
 
 namespace NAMESPACE_Ostrel {
 

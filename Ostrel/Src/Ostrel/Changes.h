@@ -1,7 +1,7 @@
 #pragma once
 
-#include "OstrelAdapter/Record.h"
-#include "OstrelPhysicalDrive/Record.h"
+#include "Records/Adapter.h"
+#include "Records/PhysicalDrive.h"
 
 #include <PI/Event.h>
 
@@ -18,6 +18,10 @@ struct CChanges
     std::vector<CNVMeAdapter> m_RemovedAdapters;
     std::vector<CNVMePhysicalDrive> m_AddedDrives;   ///< of added adapters, one each
     std::vector<CNVMePhysicalDrive> m_ChangedDrives; ///< as they were before, but for their device index
+
+    // Not changes of their own: what they concern is in the lists above, too.
+    std::vector<CNVMeAdapter> m_MovedAdapters; ///< as they were before, under numbers that they have left
+    bool m_AnyMoved = false;                   ///< an adapter that was there before has another number now
 
     bool Any() const
     {

@@ -1,5 +1,5 @@
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 #include <TLX/Clock.h>

@@ -1,6 +1,6 @@
 #include "Ostrel/Guarded.h"
-#include "Ostrel/Module.h"
 #include "Ostrel/PluginApi.h"
+#include "Records/Module.h"
 
 #include <PI/ErrorCode.h>
 

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Records/Trace.h"
+
 #include <PI/ErrorCode.h>
 
 #include <cstdint>
 #include <new>
+#include <string_view>
 #include <utility>
 
 namespace NAMESPACE_Ostrel {
@@ -20,5 +23,8 @@ std::uint32_t guarded(Action&& action) noexcept
         return PI::ERR_GENERAL_FAILURE;
     }
 }
+
+/** Traces what `thrower` threw, as a line of `place`. Only for handlers that catch everything. */
+void traceThrown(const CTracePlace& place, std::string_view thrower) noexcept;
 
 } // namespace NAMESPACE_Ostrel

@@ -1,9 +1,8 @@
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 #include <TLX/Clock.h>
-#include <TLXX/NvmeQuery.h>
 
 #include <iterator>
 #include <stdexcept>
@@ -61,12 +60,7 @@ void IPLUGINAPI_IMPL::IdentifyDevices()
     for (auto device = m_NVMeDevices.begin(); device != m_NVMeDevices.end();)
         device = identifies(*device) ? std::next(device) : m_NVMeDevices.erase(device);
 
-    // A block that did not come stays zero, and the scan takes it for unknown.
-    for (NVMeDevice& device : m_NVMeDevices) {
-        const TLXX::CQuerySession session(device.deviceName);
-        (void)device.queryIdentifyNamespace();
-        (void)device.querySmartHealthLog();
-    }
+    (void)m_NVMeDevices.query([](NVMeDevice&) { return true; });
 }
 
 bool IPLUGINAPI_IMPL::FindDevices()
@@ -74,7 +68,8 @@ bool IPLUGINAPI_IMPL::FindDevices()
     try {
         return m_NVMeDevices.scan();
     } catch (const std::runtime_error& error) {
-        OSTREL_TRACE(TRACE_FLOW) << "Initialize() NVMe devices scan(): %s" << error.what();
+        OSTREL_TRACE_WITHIN(TRACE_FLOW, "Initialize")
+            << "Initialize() NVMe devices scan(): %s" << error.what();
         return false;
     }
 }
@@ -120,14 +115,15 @@ std::uint32_t IPLUGINAPI_IMPL::Initialize(std::vector<PI::CAdapterID>& adapterID
     }
 
     // What the database refuses is in the trace; the host gets its adapters all the same.
-    (void)InsertObjectToDatabase(m_Plugin);
+    m_Plugin.m_Children.clear();
+    (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, m_Plugin);
     for (CNVMeAdapter& adapter : m_Adapters) {
         adapterIDs.push_back(unassignedIdentity(adapter));
         m_Plugin.m_Children.push_back(adapter.m_ID);
         adapter.m_Parents.push_back(m_Plugin.m_ID);
-        (void)InsertObjectToDatabase(adapter);
+        (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, adapter);
         for (const CNVMePhysicalDrive& drive : m_PhysicalDrives)
-            (void)InsertObjectToDatabase(drive);
+            (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, drive);
     }
 
     printAdapterCount(static_cast<std::uint32_t>(m_Adapters.size()));

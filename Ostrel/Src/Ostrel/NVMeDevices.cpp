@@ -1,6 +1,7 @@
 #include "Ostrel/NVMeDevices.h"
 
-#include "Ostrel/Trace.h"
+#include "Records/DeviceTree.h"
+#include "Records/Trace.h"
 
 #include <TLXX/DeviceBackend.h>
 #include <TLXX/NvmeQuery.h>
@@ -36,16 +37,38 @@ bool NVMeDevice::queryVendorLogPage(std::uint8_t logIdentifier, TLXX::VendorLogP
 bool NVMeDevices::scan()
 {
     OSTREL_TRACE(TRACE_FLOW) << "ENTER NVMeDevices::scan()";
+    const auto leave = [this] {
+        const bool found = !empty();
+        OSTREL_TRACE(TRACE_FLOW) << "LEAVE NVMeDevices::scan() -> ret %d" << found;
+        return found;
+    };
     clear();
-    if (auto entries = TLXX::enumerateBackend()) {
+    try {
+        auto entries = TLXX::enumerateBackend();
+        if (!entries)
+            entries = walkDeviceTree();
         for (TLXX::CDeviceEntry& entry : *entries)
             addDetected(std::move(entry.m_DeviceName), std::move(entry.m_Driver));
-    } else {
-        scanDeviceTree();
+    } catch (...) {
+        clear();
+        leave();
+        throw;
     }
-    const bool found = !empty();
-    OSTREL_TRACE(TRACE_FLOW) << "LEAVE NVMeDevices::scan() -> ret %d" << found;
-    return found;
+    return leave();
+}
+
+bool NVMeDevices::query(const std::function<bool(NVMeDevice&)>& isReady)
+{
+    for (NVMeDevice& device : *this) {
+        const TLXX::CQuerySession session(device.deviceName);
+        if (!isReady(device))
+            return false;
+        // A block that did not come stays as it was: what was never read is zero, and the scan takes that
+        // for unknown.
+        (void)device.queryIdentifyNamespace();
+        (void)device.querySmartHealthLog();
+    }
+    return true;
 }
 
 void NVMeDevices::addDetected(std::string device, std::string service)

@@ -3,6 +3,7 @@
 #include <TLXX/NvmeStructures.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,12 +33,19 @@ public:
 class NVMeDevices : public std::vector<NVMeDevice>
 {
 public:
-    /** Lists the disks anew; whatever the old elements had queried is gone. Returns whether there is any. */
+    /**
+     * Lists the disks anew; whatever the old elements had queried is gone. Returns whether there is any.
+     * The list is empty when it throws.
+     */
     bool scan();
 
+    /**
+     * Asks each disk in turn for its namespace and its health log, once `isReady` lets it. Returns false at
+     * the first disk for which `isReady` fails; neither that one nor any after it is asked.
+     */
+    bool query(const std::function<bool(NVMeDevice&)>& isReady);
+
 private:
-    /** Walks the machine's devices and adds each disk. Every system has its own. */
-    void scanDeviceTree();
     /** Appends an element and traces what was found. */
     void addDetected(std::string device, std::string service);
 };

@@ -1,8 +1,10 @@
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
 #include "OstrelPlugin/Operations.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
+
+#include <utility>
 
 namespace NAMESPACE_Ostrel {
 
@@ -37,6 +39,32 @@ std::uint32_t IPLUGINAPI_IMPL::ExecuteOperation(std::uint64_t objectID, PI::COpe
     if (IsPlugin(objectID))
         return ExecutePluginOperation(m_Plugin, operation);
     return IsAdapterOrDrive(objectID) ? PI::ERR_OPERATION_NOT_SUPPORTED : PI::ERR_OBJECT_NOT_FOUND;
+}
+
+std::uint32_t IPLUGINAPI_IMPL::ExecutePluginOperation(CNVMePlugin& plugin, PI::COperation& operation)
+{
+    OSTREL_TRACE(TRACE_FLOW) << "ENTER ExecutePluginOperation()";
+    std::uint32_t result = PI::ERR_OPERATION_NOT_SUPPORTED;
+    if (operation.Id() == PI::OPERATION_GET_EVENTS)
+        result = GetEvents(plugin, operation);
+    // The events have been taken, so whatever becomes of the row, they are handed over.
+    (void)WriteRow(&IPLUGINAPI_IMPL::UpdateObjectInDatabase, plugin);
+    OSTREL_TRACE(TRACE_FLOW) << "LEAVE ExecutePluginOperation() -> %d" << result;
+    return result;
+}
+
+std::uint32_t IPLUGINAPI_IMPL::GetEvents(CNVMePlugin& /*plugin*/, PI::COperation& operation)
+{
+    OSTREL_TRACE(TRACE_FLOW) << "ENTER GetEvents()";
+    operation.SetEvents({});
+    {
+        const CTracedWait lock(m_EventsLock, "m_EventsLock", "Release()", OSTREL_HERE);
+        if (!lock.Taken())
+            return PI::ERR_SUCCESS;
+        operation.SetEvents(std::exchange(m_Events, {}));
+    }
+    OSTREL_TRACE(TRACE_FLOW) << "LEAVE GetEvents() -> %d" << std::uint32_t{PI::ERR_SUCCESS};
+    return PI::ERR_SUCCESS;
 }
 
 } // namespace NAMESPACE_Ostrel

@@ -1,7 +1,8 @@
 #include "Ostrel/PluginApi.h"
 
 #include "Ostrel/Guarded.h"
-#include "Ostrel/Module.h"
+#include "OstrelPlugin/PollInterval.h"
+#include "Records/Module.h"
 
 #include <Database/Database.h>
 
@@ -79,7 +80,8 @@ std::uint32_t call(IPLUGINAPI_IMPL& plugin, std::uint64_t objectID, CRequestData
 IPLUGINAPI_IMPL::IPLUGINAPI_IMPL()
 {
     m_Database = getDatabasePointer();
-    LoadSettings();
+    m_ConfigFile.SetFileName("Ostrel.ini");
+    m_PollInterval = readPollInterval(m_ConfigFile);
 }
 
 IPLUGINAPI_IMPL::~IPLUGINAPI_IMPL() = default;

@@ -3,10 +3,10 @@
 #include "Ostrel/Changes.h"
 #include "Ostrel/NVMeDevices.h"
 #include "Ostrel/ScanContext.h"
-#include "Ostrel/Trace.h"
-#include "OstrelAdapter/Record.h"
-#include "OstrelPhysicalDrive/Record.h"
-#include "OstrelPlugin/Record.h"
+#include "Records/Adapter.h"
+#include "Records/PhysicalDrive.h"
+#include "Records/Plugin.h"
+#include "Records/Trace.h"
 
 #include <DatabaseORM/Models.h>
 #include <DatabaseORM/Storage.h>
@@ -46,8 +46,7 @@ public:
 protected:
     // Requests.
     std::uint32_t Initialize(std::vector<PI::CAdapterID>& adapterIDs);
-    /** Takes over the host's identities and names the adapters by them; the first time it starts the worker.
-     */
+    /** Takes over the host's identities and names the adapters by them; starts the worker unless it runs. */
     std::uint32_t SetAdapterIDs(const std::vector<PI::CAdapterID>& adapterIDs);
     /** Stops the worker, by force when it does not end by itself. */
     std::uint32_t DeInitialize();
@@ -151,7 +150,6 @@ private:
         std::uint32_t m_Result;
     };
 
-    void LoadSettings();
     /** Makes the locks and events ready, up to the first that fails. */
     std::optional<CLockFailure> InitializeLocks();
     /** Whether there are devices; there are none either where it was not possible to look. */
@@ -172,9 +170,23 @@ private:
     void LinkAdapters(std::vector<CNVMeAdapter>& adapters) TLX_REQUIRES(m_DataLock);
     /** Makes events pending. The caller may hold `m_EventsLock` already. */
     void AddEvents(const std::vector<PI::CEvent>& events);
-    /** Writes what changed to the database, once it is published. */
+    /** Writes what changed to the database, once it is published, and all rows anew where that is needed. */
     void Persist(const CChanges& changes) TLX_REQUIRES(m_DataLock);
+    void WriteChanges(const CChanges& changes) TLX_REQUIRES(m_DataLock);
     void DeleteRemoved(const CChanges& changes) TLX_REQUIRES(m_DataLock);
+    /** Writes the row of everything present anew and deletes those of numbers that nobody has any more. Ends
+     * at the first failure. */
+    bool RewriteRows() TLX_REQUIRES(m_DataLock);
+    /** Runs one operation on a row and returns whether it succeeded. It throws nothing but a forced end;
+     * after a failure the next cycle writes all rows anew. */
+    template<typename Record>
+    bool WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*operation)(const Record&), const Record& record)
+        TLX_REQUIRES(m_DataLock);
+
+    /** Whether an operation on a row has failed since all rows were as they should be. */
+    bool m_RowsFailed TLX_GUARDED_BY(m_DataLock) = false;
+    /** Adapters as they were before they moved or went: rows of their numbers may still be there. */
+    std::vector<CNVMeAdapter> m_LeftNumbers TLX_GUARDED_BY(m_DataLock);
 
     // Objects by identifier. The plug-in's own comes first, then the adapters, then the drives.
     bool IsPlugin(std::uint64_t objectID) const TLX_REQUIRES(m_DataLock);

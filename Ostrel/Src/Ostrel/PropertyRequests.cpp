@@ -1,6 +1,10 @@
-#include "Ostrel/Lookup.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
+#include "OstrelAdapter/Properties.h"
+#include "OstrelPhysicalDrive/Properties.h"
+#include "OstrelPlugin/PollInterval.h"
+#include "OstrelPlugin/Properties.h"
+#include "Records/Lookup.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 
@@ -34,6 +38,41 @@ std::uint32_t IPLUGINAPI_IMPL::SetProperty(std::uint64_t objectID, const PI::CPr
     if (IsPlugin(objectID))
         return SetPluginProperty(m_Plugin, property);
     return IsAdapterOrDrive(objectID) ? PI::ERR_PROPERTY_NOT_SETTABLE : PI::ERR_OBJECT_NOT_FOUND;
+}
+
+std::uint32_t IPLUGINAPI_IMPL::GetPluginProperties(const CNVMePlugin& /*plugin*/,
+                                                   std::vector<PI::CProperty>& properties,
+                                                   std::uint32_t propertyId)
+{
+    return getPluginProperties(m_PollInterval, properties, propertyId);
+}
+
+std::uint32_t IPLUGINAPI_IMPL::GetAdapterProperties(CNVMeAdapter& adapter,
+                                                    std::vector<PI::CProperty>& properties,
+                                                    std::uint32_t propertyId)
+{
+    return getAdapterProperties(adapter, properties, propertyId);
+}
+
+std::uint32_t IPLUGINAPI_IMPL::GetPhysicalDriveProperties(const CNVMePhysicalDrive& drive,
+                                                          std::vector<PI::CProperty>& properties,
+                                                          std::uint32_t propertyId)
+{
+    return getPhysicalDriveProperties(drive, properties, propertyId);
+}
+
+std::uint32_t IPLUGINAPI_IMPL::SetPluginProperty(CNVMePlugin& plugin, const PI::CProperty& property)
+{
+    if (property.Id() != PI::PROP_POLL_INTERVAL)
+        return PI::ERR_PROPERTY_NOT_SETTABLE;
+    const auto interval = requestedPollInterval(property);
+    if (!interval)
+        return PI::ERR_GENERAL_FAILURE;
+    m_PollInterval = *interval;
+    ++plugin.m_UpdateCount;
+    const std::uint32_t result = writePollInterval(m_ConfigFile, *interval);
+    m_PrivateEvent.Set();
+    return result;
 }
 
 std::uint32_t IPLUGINAPI_IMPL::BuildProperties(std::uint64_t objectID, std::vector<PI::CProperty>& properties,

@@ -1,12 +1,12 @@
 #include "Ostrel/CarriedIdentity.h"
 #include "Ostrel/KnownControllers.h"
-#include "Ostrel/Location.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Text.h"
-#include "Ostrel/Trace.h"
-#include "Ostrel/Vendor.h"
-#include "OstrelAdapter/Health.h"
-#include "OstrelAdapter/Lifetime.h"
+#include "Records/Health.h"
+#include "Records/Lifetime.h"
+#include "Records/Location.h"
+#include "Records/Text.h"
+#include "Records/Trace.h"
+#include "Records/Vendor.h"
 
 #include <PI/ErrorCode.h>
 #include <TLXX/ConfigManager.h>

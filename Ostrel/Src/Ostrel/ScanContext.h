@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Ostrel/IdentityIndex.h"
-#include "Ostrel/SerialIndex.h"
-#include "OstrelAdapter/Lifetime.h"
-#include "OstrelAdapter/Record.h"
-#include "OstrelPhysicalDrive/Record.h"
+#include "Records/Adapter.h"
+#include "Records/IdentityIndex.h"
+#include "Records/Lifetime.h"
+#include "Records/PhysicalDrive.h"
+#include "Records/SerialIndex.h"
 
 #include <PI/LifeTimeData.h>
 #include <TLXX/System.h>

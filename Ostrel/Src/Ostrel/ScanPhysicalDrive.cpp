@@ -1,7 +1,7 @@
 #include "Ostrel/CarriedIdentity.h"
-#include "Ostrel/Location.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
+#include "Records/Location.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 #include <TLXX/NvmeText.h>

@@ -1,6 +1,6 @@
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
-#include "Ostrel/Vendor.h"
+#include "Records/Trace.h"
+#include "Records/Vendor.h"
 
 #include <PI/ErrorCode.h>
 #include <TLXX/NvmeQuery.h>

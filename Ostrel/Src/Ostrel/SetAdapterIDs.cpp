@@ -1,7 +1,7 @@
-#include "Ostrel/IdentityIndex.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
-#include "Ostrel/Vendor.h"
+#include "Records/IdentityIndex.h"
+#include "Records/Trace.h"
+#include "Records/Vendor.h"
 
 #include <PI/ErrorCode.h>
 
@@ -14,7 +14,7 @@ std::uint32_t IPLUGINAPI_IMPL::SetAdapterIDs(const std::vector<PI::CAdapterID>& 
     OSTREL_TRACE(TRACE_FLOW) << "ENTER SetAdapterIDs";
     {
         // The worker may run already, for a host may send this request again.
-        const TLX::Threading::CScopedGuard guard(m_DataLock);
+        const CTracedGuard guard(m_DataLock, "m_DataLock", OSTREL_HERE);
         // Added behind what is there: the identity that came first for a location stays in force.
         m_AdapterIDs.insert(m_AdapterIDs.end(), adapterIDs.begin(), adapterIDs.end());
         const CIdentityIndex identities(m_AdapterIDs);
@@ -23,9 +23,9 @@ std::uint32_t IPLUGINAPI_IMPL::SetAdapterIDs(const std::vector<PI::CAdapterID>& 
             if (identity == nullptr)
                 continue;
             adapter.m_Name = adapterDisplayName(adapter.m_Vendor, std::to_string(identity->m_AdapterNumber));
-            (void)UpdateObjectInDatabase(adapter);
+            (void)WriteRow(&IPLUGINAPI_IMPL::UpdateObjectInDatabase, adapter);
         }
-        if (!m_WorkerThread)
+        if (!WorkerRuns())
             m_WorkerThread = std::make_unique<TLX::Threading::CThread>([this] { Worker(); });
     }
     OSTREL_TRACE(TRACE_FLOW) << "LEAVE SetAdapterIDs";

@@ -1,6 +1,6 @@
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
 #include "OstrelPlugin/Operations.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 

@@ -1,10 +1,13 @@
-#include "Ostrel/EventCodes.h"
+#include "Ostrel/Guarded.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
+#include <PI/EventCode.h>
 #include <TLX/Clock.h>
+#include <TLX/ForcedEnd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <iterator>
 #include <optional>
@@ -16,10 +19,10 @@
 namespace NAMESPACE_Ostrel {
 namespace {
 
-PI::CEvent adapterEvent(const CNVMeAdapter& adapter, EventCode id, EventSeverity severity)
+PI::CEvent adapterEvent(const CNVMeAdapter& adapter, PI::_EVENT_CODE id, PI::_EVENT_SEVERITY severity)
 {
     PI::CEvent event;
-    event.m_Source = EVENT_SOURCE_HOST;
+    event.m_Source = PI::EVENT_SOURCE_HOST;
     event.m_Id = id;
     event.m_Severity = severity;
     event.m_Time = TLX::Misc::now();
@@ -27,6 +30,44 @@ PI::CEvent adapterEvent(const CNVMeAdapter& adapter, EventCode id, EventSeverity
     event.SetPlaceHolder1(adapter.m_Name);
     event.SetPlaceHolder2(" ");
     return event;
+}
+
+/** Where adapters are, by serial number. */
+class CPlaces
+{
+public:
+    explicit CPlaces(const std::vector<CNVMeAdapter>& adapters)
+    {
+        for (const CNVMeAdapter& adapter : adapters)
+            m_Numbers.emplace(adapter.m_SerialNumber, adapter.m_GlobalAdapterNumber);
+    }
+
+    /** Whether the adapter's serial number is there, but nowhere under the adapter's number. */
+    bool HasElsewhere(const CNVMeAdapter& adapter) const
+    {
+        const auto [first, last] = m_Numbers.equal_range(adapter.m_SerialNumber);
+        return first != last && std::none_of(first, last, [&adapter](const auto& place) {
+                   return place.second == adapter.m_GlobalAdapterNumber;
+               });
+    }
+
+private:
+    std::unordered_multimap<std::string_view, std::int32_t> m_Numbers;
+};
+
+/** Finds what has moved between two lists. Drives of one serial number are all looked at. */
+void compareNumbers(const std::vector<CNVMeAdapter>& before, const std::vector<CNVMeAdapter>& after,
+                    CChanges& changes)
+{
+    const CPlaces former(before);
+    const CPlaces present(after);
+    for (const CNVMeAdapter& adapter : before)
+        if (present.HasElsewhere(adapter))
+            changes.m_MovedAdapters.push_back(adapter);
+    changes.m_AnyMoved = !changes.m_MovedAdapters.empty() ||
+                         std::any_of(after.begin(), after.end(), [&former](const CNVMeAdapter& adapter) {
+                             return former.HasElsewhere(adapter);
+                         });
 }
 
 /** The numbers of the adapters that are where they were, or new; `changed` holds records as they were. */
@@ -57,6 +98,8 @@ std::uint32_t IPLUGINAPI_IMPL::UpdateSystem(std::vector<CNVMeAdapter>& adapters,
     // Hosts have always seen the adapters of every scan but the first from the last to the first.
     std::vector<CNVMeAdapter> reversed(std::make_move_iterator(adapters.rbegin()),
                                        std::make_move_iterator(adapters.rend()));
+    for (const auto* former : {&changes.m_MovedAdapters, &changes.m_RemovedAdapters})
+        m_LeftNumbers.insert(m_LeftNumbers.end(), former->begin(), former->end());
     if (!changes.m_Events.empty())
         AddEvents(changes.m_Events);
     // Neither of these fails: an event that was not published with its change would come again, or never.
@@ -82,7 +125,8 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
         const CNVMeAdapter* const live = liveAdapters.Find(fresh.m_SerialNumber);
         if (live == nullptr) {
             ++m_Plugin.m_UpdateCount;
-            changes.m_Events.push_back(adapterEvent(fresh, EVENT_ADAPTER_ADDED, SEVERITY_INFORMATION));
+            changes.m_Events.push_back(
+                adapterEvent(fresh, PI::EVENT_ADAPTER_ADDED, PI::SEVERITY_INFORMATION));
             changes.m_AddedAdapters.push_back(fresh);
             if (!freshDrives)
                 freshDrives.emplace(physicalDrives);
@@ -97,7 +141,7 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
         if (freshAdapters.Find(live.m_SerialNumber) != nullptr)
             continue;
         ++m_Plugin.m_UpdateCount;
-        changes.m_Events.push_back(adapterEvent(live, EVENT_ADAPTER_REMOVED, SEVERITY_WARNING));
+        changes.m_Events.push_back(adapterEvent(live, PI::EVENT_ADAPTER_REMOVED, PI::SEVERITY_WARNING));
         changes.m_RemovedAdapters.push_back(live);
     }
     for (const CNVMePhysicalDrive& fresh : physicalDrives) {
@@ -111,16 +155,34 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
         live->m_DeviceIndex = static_cast<std::uint32_t>(owner->m_GlobalAdapterNumber);
         changes.m_ChangedDrives.push_back(*live);
     }
+    compareNumbers(m_Adapters, adapters, changes);
     return changes;
 }
 
 void IPLUGINAPI_IMPL::Persist(const CChanges& changes)
 {
-    // What a failure of the database leaves behind is traced there. The next change of the object mends a row
-    // that was not updated, unless the object has moved; the next start mends any.
+    const bool rewrite = m_RowsFailed || changes.m_AnyMoved;
+    m_RowsFailed = false;
+    try {
+        WriteChanges(changes);
+        // What failed just now is left to the next cycle, unless all rows are written anew in this one.
+        if (rewrite)
+            m_RowsFailed = !RewriteRows();
+    } catch (TLX::Threading::CForcedEnd&) {
+        throw;
+    } catch (...) {
+        traceThrown(OSTREL_WITHIN("UpdateSystem"), "UpdateSystem, writing rows,");
+        m_RowsFailed = true;
+    }
+    if (!m_RowsFailed)
+        m_LeftNumbers.clear();
+}
+
+void IPLUGINAPI_IMPL::WriteChanges(const CChanges& changes)
+{
     std::unordered_set<std::int32_t> taken;
     for (const CNVMeAdapter& adapter : changes.m_AddedAdapters) {
-        (void)InsertObjectToDatabase(adapter);
+        (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, adapter);
         taken.insert(adapter.m_GlobalAdapterNumber);
     }
     // A newcomer in the slot of another has replaced its row, for slots have numbers. That row is the
@@ -130,13 +192,34 @@ void IPLUGINAPI_IMPL::Persist(const CChanges& changes)
     };
     for (const CNVMeAdapter& adapter : changes.m_ChangedAdapters)
         if (hasRow(adapter))
-            (void)UpdateObjectInDatabase(adapter);
+            (void)WriteRow(&IPLUGINAPI_IMPL::UpdateObjectInDatabase, adapter);
     DeleteRemoved(changes);
     for (const CNVMePhysicalDrive& drive : changes.m_AddedDrives)
-        (void)InsertObjectToDatabase(drive);
+        (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, drive);
     for (const CNVMePhysicalDrive& drive : changes.m_ChangedDrives)
-        (void)UpdateObjectInDatabase(drive);
-    (void)UpdateObjectInDatabase(m_Plugin);
+        (void)WriteRow(&IPLUGINAPI_IMPL::UpdateObjectInDatabase, drive);
+    (void)WriteRow(&IPLUGINAPI_IMPL::UpdateObjectInDatabase, m_Plugin);
+}
+
+bool IPLUGINAPI_IMPL::RewriteRows()
+{
+    // An insert takes the place of the row that is there, if there is one.
+    if (!WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, m_Plugin))
+        return false;
+    const CSerialIndex<const CNVMePhysicalDrive> drives(m_PhysicalDrives);
+    std::unordered_set<std::int32_t> numbers;
+    for (const CNVMeAdapter& adapter : m_Adapters) {
+        numbers.insert(adapter.m_GlobalAdapterNumber);
+        const CNVMePhysicalDrive* const drive = drives.Find(adapter.m_SerialNumber);
+        if (!WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, adapter) ||
+            (drive != nullptr && !WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, *drive)))
+            return false;
+    }
+    for (const CNVMeAdapter& former : m_LeftNumbers)
+        if (!numbers.contains(former.m_GlobalAdapterNumber) &&
+            !WriteRow(&IPLUGINAPI_IMPL::DeleteObjectFromDatabase, former))
+            return false;
+    return true;
 }
 
 void IPLUGINAPI_IMPL::DeleteRemoved(const CChanges& changes)
@@ -147,7 +230,7 @@ void IPLUGINAPI_IMPL::DeleteRemoved(const CChanges& changes)
     const auto numbers = numbersInPlace(m_Adapters, changes.m_ChangedAdapters);
     for (const CNVMeAdapter& adapter : changes.m_RemovedAdapters)
         if (!numbers.contains(adapter.m_GlobalAdapterNumber))
-            (void)DeleteObjectFromDatabase(adapter);
+            (void)WriteRow(&IPLUGINAPI_IMPL::DeleteObjectFromDatabase, adapter);
 }
 
 void IPLUGINAPI_IMPL::LinkAdapters(std::vector<CNVMeAdapter>& adapters)
@@ -161,7 +244,7 @@ void IPLUGINAPI_IMPL::LinkAdapters(std::vector<CNVMeAdapter>& adapters)
 
 void IPLUGINAPI_IMPL::AddEvents(const std::vector<PI::CEvent>& events)
 {
-    const CTracedGuard guard(m_EventsLock, "m_EventsLock", OSTREL_HERE);
+    const CTracedGuard guard(m_EventsLock, "m_EventsLock", OSTREL_WITHIN("UpdateSystem"));
     // The newest comes first; hosts rely on that order within a cycle.
     m_Events.insert(m_Events.end(), events.rbegin(), events.rend());
 }

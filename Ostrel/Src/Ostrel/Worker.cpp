@@ -1,10 +1,10 @@
+#include "Ostrel/Guarded.h"
 #include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
+#include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
 #include <TLX/ForcedEnd.h>
 #include <TLX/Waiter.h>
-#include <TLXX/NvmeQuery.h>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -49,13 +49,13 @@ void IPLUGINAPI_IMPL::Worker()
 
 void IPLUGINAPI_IMPL::RunCycle()
 {
-    const CTracedWait dataLock(m_DataLock, "m_DataLock", "Release ()", OSTREL_HERE);
+    const CTracedWait dataLock(m_DataLock, "m_DataLock", "Release ()", OSTREL_WITHIN("Worker"));
     if (!dataLock.Taken())
         return;
     std::uint32_t result = PI::ERR_GENERAL_FAILURE;
     bool pending = false;
     {
-        const CTracedWait eventsLock(m_EventsLock, "m_EventsLock", "Release ()", OSTREL_HERE);
+        const CTracedWait eventsLock(m_EventsLock, "m_EventsLock", "Release ()", OSTREL_WITHIN("Worker"));
         if (!eventsLock.Taken())
             return;
         try {
@@ -63,7 +63,7 @@ void IPLUGINAPI_IMPL::RunCycle()
         } catch (TLX::Threading::CForcedEnd&) {
             throw; // the thread is being ended; the process would be aborted if that stopped here
         } catch (...) {
-            result = PI::ERR_GENERAL_FAILURE;
+            traceThrown(OSTREL_WITHIN("Worker"), "Worker() a cycle");
         }
         pending = !m_Events.empty();
     }
@@ -75,24 +75,19 @@ void IPLUGINAPI_IMPL::RunCycle()
 std::uint32_t IPLUGINAPI_IMPL::Refresh()
 {
     (void)m_NVMeDevices.scan();
-    for (NVMeDevice& device : m_NVMeDevices) {
-        const TLXX::CQuerySession session(device.deviceName);
-        if (!device.queryIdentifyController()) {
-            OSTREL_TRACE(TRACE_LOCK) << "Worker() Update skipped";
-            return PI::ERR_GENERAL_FAILURE;
-        }
-        (void)device.queryIdentifyNamespace();
-        (void)device.querySmartHealthLog();
+    if (!m_NVMeDevices.query(&NVMeDevice::queryIdentifyController)) {
+        OSTREL_TRACE_WITHIN(TRACE_LOCK, "Worker") << "Worker() Update skipped";
+        return PI::ERR_GENERAL_FAILURE;
     }
 
     std::vector<CNVMeAdapter> adapters;
     std::vector<CNVMePhysicalDrive> physicalDrives;
-    OSTREL_TRACE(TRACE_PROGRESS) << "Before ScanSystem()";
+    OSTREL_TRACE_WITHIN(TRACE_PROGRESS, "Worker") << "Before ScanSystem()";
     const std::uint32_t scanned = ScanSystem(adapters, physicalDrives, false);
-    OSTREL_TRACE(TRACE_PROGRESS) << "After ScanSystem() ret = %d" << scanned;
-    OSTREL_TRACE(TRACE_PROGRESS) << "Before UpdateSystem()";
+    OSTREL_TRACE_WITHIN(TRACE_PROGRESS, "Worker") << "After ScanSystem() ret = %d" << scanned;
+    OSTREL_TRACE_WITHIN(TRACE_PROGRESS, "Worker") << "Before UpdateSystem()";
     const std::uint32_t updated = UpdateSystem(adapters, physicalDrives);
-    OSTREL_TRACE(TRACE_PROGRESS) << "After UpdateSystem() ret = %d" << updated;
+    OSTREL_TRACE_WITHIN(TRACE_PROGRESS, "Worker") << "After UpdateSystem() ret = %d" << updated;
 
     LinkAdapters(m_Adapters);
     for (CNVMeAdapter& adapter : m_Adapters)
@@ -109,7 +104,7 @@ void IPLUGINAPI_IMPL::NotifyHost()
     } catch (TLX::Threading::CForcedEnd&) {
         throw;
     } catch (...) {
-        return;
+        traceThrown(OSTREL_WITHIN("Worker"), "Worker() the host's callback");
     }
 }
 

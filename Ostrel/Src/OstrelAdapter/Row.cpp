@@ -1,11 +1,12 @@
-#include "Ostrel/HostCodes.h"
-#include "Ostrel/PluginApi.h"
-#include "Ostrel/RowBuilder.h"
-#include "OstrelAdapter/Model.h"
+#include "OstrelAdapter/Row.h"
+
 #include "OstrelAdapter/Properties.h"
+#include "Records/Model.h"
+#include "Records/RowBuilder.h"
 
 #include <DatabaseORM/StatementBuilder.h>
 #include <PI/PluginHelper.h>
+#include <PI/StateCode.h>
 
 #include <nlohmann/json.hpp>
 
@@ -17,8 +18,8 @@ using RaidDataModels::Adapter;
 std::string healthText(const CNVMeAdapter& adapter)
 {
     const std::uint32_t status = adapter.m_HealthStatus;
-    const bool known = status == STATUS_CRITICAL || status == ADAPTER_DEGRADED;
-    return PI::PropertyValueToString(known ? status : ADAPTER_HEALTHY);
+    const bool known = status == PI::HEALTH_CRITICAL || status == PI::HEALTH_DEGRADED;
+    return PI::PropertyValueToString(known ? status : PI::HEALTH_HEALTHY);
 }
 
 std::string modelOf(const CNVMeAdapter& adapter)
@@ -28,7 +29,8 @@ std::string modelOf(const CNVMeAdapter& adapter)
 
 std::string familyText(const CNVMeAdapter& adapter)
 {
-    return PI::PropertyValueToString(IsKnownModelFamily(adapter.m_Model) ? FAMILY_KNOWN : FAMILY_OTHER);
+    return PI::PropertyValueToString(IsKnownModelFamily(adapter.m_Model) ? PI::KNOWN_FAMILY_YES
+                                                                         : PI::KNOWN_FAMILY_NO);
 }
 
 /** One text holds the whole list. */
@@ -74,10 +76,10 @@ constexpr CRowTrace DELETE = {
 
 } // namespace
 
-std::uint32_t IPLUGINAPI_IMPL::SetDatabaseObjectProperties(Adapter& row, const CNVMeAdapter& adapter)
+std::uint32_t setRowProperties(Adapter& row, const CNVMeAdapter& adapter)
 {
-    OSTREL_TRACE(TRACE_FLOW) << "ENTER SetDatabaseObjectProperties (Adapter) (%d)"
-                             << adapter.m_GlobalAdapterNumber;
+    OSTREL_TRACE_WITHIN(TRACE_FLOW, "SetDatabaseObjectProperties")
+        << "ENTER SetDatabaseObjectProperties (Adapter) (%d)" << adapter.m_GlobalAdapterNumber;
     row = Adapter();
     row.m_HostName = RaidDataModels::LOCAL_HOST;
     row.m_AdapterNumber = adapter.m_GlobalAdapterNumber;
@@ -88,43 +90,47 @@ std::uint32_t IPLUGINAPI_IMPL::SetDatabaseObjectProperties(Adapter& row, const C
     row.m_WarningThreshold = static_cast<std::int32_t>(adapter.m_WarningThreshold);
     fillRow(adapterPropertyTable(), COLUMNS, adapter, row);
     const std::uint32_t result = PI::ERR_SUCCESS;
-    OSTREL_TRACE(TRACE_FLOW) << "LEAVE SetDatabaseObjectProperties (Adapter) -> %d" << result;
+    OSTREL_TRACE_WITHIN(TRACE_FLOW, "SetDatabaseObjectProperties")
+        << "LEAVE SetDatabaseObjectProperties (Adapter) -> %d" << result;
     return result;
 }
 
-std::uint32_t IPLUGINAPI_IMPL::InsertObjectToDatabase(const CNVMeAdapter& adapter)
+std::uint32_t insertRow(const DatabaseORM::storage_t& storage, const CNVMeAdapter& adapter)
 {
     const auto insert = [&] {
         Adapter row;
-        (void)SetDatabaseObjectProperties(row, adapter);
-        (void)DatabaseORM::insert(*m_Database, row);
+        (void)setRowProperties(row, adapter);
+        (void)DatabaseORM::insert(storage, row);
         return true;
     };
-    return runOnRow(OSTREL_HERE, INSERT, insert, adapter.m_Name, adapter.m_GlobalAdapterNumber);
+    return runOnRow(OSTREL_WITHIN("InsertObjectToDatabase"), INSERT, insert, adapter.m_Name,
+                    adapter.m_GlobalAdapterNumber);
 }
 
-std::uint32_t IPLUGINAPI_IMPL::UpdateObjectInDatabase(const CNVMeAdapter& adapter)
+std::uint32_t updateRow(const DatabaseORM::storage_t& storage, const CNVMeAdapter& adapter)
 {
     const auto update = [&] {
-        const auto found = DatabaseORM::select(*m_Database, keyOf(adapter));
+        const auto found = DatabaseORM::select(storage, keyOf(adapter));
         if (found.empty())
             return false;
         Adapter row;
-        (void)SetDatabaseObjectProperties(row, adapter);
+        (void)setRowProperties(row, adapter);
         row.m_ID = found.front().m_ID;
-        DatabaseORM::update(*m_Database, row);
+        DatabaseORM::update(storage, row);
         return true;
     };
-    return runOnRow(OSTREL_HERE, UPDATE, update, adapter.m_Name, adapter.m_GlobalAdapterNumber);
+    return runOnRow(OSTREL_WITHIN("UpdateObjectInDatabase"), UPDATE, update, adapter.m_Name,
+                    adapter.m_GlobalAdapterNumber);
 }
 
-std::uint32_t IPLUGINAPI_IMPL::DeleteObjectFromDatabase(const CNVMeAdapter& adapter)
+std::uint32_t deleteRow(const DatabaseORM::storage_t& storage, const CNVMeAdapter& adapter)
 {
     const auto remove = [&] {
-        DatabaseORM::remove(*m_Database, keyOf(adapter));
+        DatabaseORM::remove(storage, keyOf(adapter));
         return true;
     };
-    return runOnRow(OSTREL_HERE, DELETE, remove, adapter.m_Name, adapter.m_GlobalAdapterNumber);
+    return runOnRow(OSTREL_WITHIN("DeleteObjectFromDatabase"), DELETE, remove, adapter.m_Name,
+                    adapter.m_GlobalAdapterNumber);
 }
 
 } // namespace NAMESPACE_Ostrel

@@ -1,7 +1,7 @@
-#include "Ostrel/EventCodes.h"
-#include "Ostrel/Trace.h"
-#include "OstrelAdapter/Record.h"
+#include "Records/Adapter.h"
+#include "Records/Trace.h"
 
+#include <PI/EventCode.h>
 #include <TLX/Clock.h>
 
 namespace NAMESPACE_Ostrel {
@@ -10,19 +10,19 @@ namespace {
 struct CWarningRow
 {
     std::uint32_t m_Bit;
-    EventCode m_Event;
-    EventSeverity m_Severity;
+    PI::_EVENT_CODE m_Event;
+    PI::_EVENT_SEVERITY m_Severity;
 };
 
 /** The warnings that make an event when they come up, in the order of their events. */
 constexpr CWarningRow WARNINGS[] = {
-    {0x10, EVENT_MEMORY_BACKUP_FAILED, SEVERITY_ERROR},
-    {0x04, EVENT_RELIABILITY_DEGRADED, SEVERITY_WARNING},
-    {0x40, EVENT_TEMPERATURE_CRITICAL, SEVERITY_ERROR},
-    {0x80, EVENT_TEMPERATURE_ABOVE_CRITICAL, SEVERITY_ERROR},
-    {0x20, EVENT_TEMPERATURE_NEAR_CRITICAL, SEVERITY_WARNING},
-    {0x200, EVENT_TEMPERATURE_HIGH, SEVERITY_WARNING},
-    {0x01, EVENT_SPARE_LOW, SEVERITY_ERROR},
+    {0x10, PI::EVENT_MEMORY_BACKUP_FAILED, PI::SEVERITY_ERROR},
+    {0x04, PI::EVENT_RELIABILITY_DEGRADED, PI::SEVERITY_WARNING},
+    {0x40, PI::EVENT_TEMPERATURE_CRITICAL, PI::SEVERITY_ERROR},
+    {0x80, PI::EVENT_TEMPERATURE_ABOVE_CRITICAL, PI::SEVERITY_ERROR},
+    {0x20, PI::EVENT_TEMPERATURE_NEAR_CRITICAL, PI::SEVERITY_WARNING},
+    {0x200, PI::EVENT_TEMPERATURE_HIGH, PI::SEVERITY_WARNING},
+    {0x01, PI::EVENT_SPARE_LOW, PI::SEVERITY_ERROR},
 };
 
 } // namespace
@@ -34,7 +34,7 @@ void CNVMeAdapter::Update(const CNVMeAdapter& fresh, std::vector<PI::CEvent>& ev
     event.m_Time = TLX::Misc::now();
     event.SetSource(m_Name);
     event.SetPlaceHolder1(m_Name);
-    const auto append = [&](EventCode id, EventSeverity severity) {
+    const auto append = [&](PI::_EVENT_CODE id, PI::_EVENT_SEVERITY severity) {
         event.m_Id = id;
         event.m_Severity = severity;
         events.push_back(event);
@@ -46,7 +46,7 @@ void CNVMeAdapter::Update(const CNVMeAdapter& fresh, std::vector<PI::CEvent>& ev
         if ((raised & row.m_Bit) != 0)
             append(row.m_Event, row.m_Severity);
     if (m_WarningFlags != 0 && fresh.m_WarningFlags == 0)
-        append(EVENT_WARNINGS_CLEARED, SEVERITY_INFORMATION);
+        append(PI::EVENT_WARNINGS_CLEARED, PI::SEVERITY_INFORMATION);
 }
 
 } // namespace NAMESPACE_Ostrel

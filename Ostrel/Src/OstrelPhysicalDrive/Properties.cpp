@@ -1,11 +1,11 @@
 #include "OstrelPhysicalDrive/Properties.h"
 
-#include "Ostrel/HostCodes.h"
-#include "Ostrel/PluginApi.h"
-#include "Ostrel/Trace.h"
-#include "OstrelAdapter/Model.h"
+#include "Records/Model.h"
+#include "Records/Trace.h"
 
+#include <PI/CaptionId.h>
 #include <PI/ErrorCode.h>
+#include <PI/StateCode.h>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -24,16 +24,16 @@ bool setModel(const CNVMePhysicalDrive& drive, PI::CProperty& property)
 
 bool setDriveType(const CNVMePhysicalDrive& /*drive*/, PI::CProperty& property)
 {
-    property.SetValue(DRIVE_TYPE_SOLID_STATE, {DRIVE_TYPE_SOLID_STATE});
+    property.SetValue(PI::DRIVE_TYPE_SSD, {PI::DRIVE_TYPE_SSD});
     return true;
 }
 
 bool setStatus(const CNVMePhysicalDrive& drive, PI::CProperty& property)
 {
-    property.SetValue(drive.m_Status, {DRIVE_ONLINE, DRIVE_DEGRADED, STATUS_CRITICAL});
-    property.SetIconPathID(drive.m_Status == STATUS_CRITICAL  ? 24177
-                           : drive.m_Status == DRIVE_DEGRADED ? 24189
-                                                              : 24183);
+    property.SetValue(drive.m_Status, {PI::DRIVE_OPERATIONAL, PI::DRIVE_WARNING, PI::HEALTH_CRITICAL});
+    property.SetIconPathID(drive.m_Status == PI::HEALTH_CRITICAL ? PI::ICON_DRIVE_CRITICAL
+                           : drive.m_Status == PI::DRIVE_WARNING ? PI::ICON_DRIVE_WARNING
+                                                                 : PI::ICON_DRIVE_OPERATIONAL);
     return true;
 }
 
@@ -48,29 +48,29 @@ constexpr std::uint32_t ALL = 0xFFFFFFFF;
 
 // clang-format off
 constexpr CPropertyRow<const CNVMePhysicalDrive> PhysicalDrivePropertyTable[] = {
-    {{PI::PROP_NAME, 23298, 1, 1, ALL, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+    {{PI::PROP_NAME, PI::DRIVE_CAPTION_NAME, 1, 1, ALL, PI::KIND_TEXT, PI::UNIT_NONE, 1},
      setText<&CNVMePhysicalDrive::m_ProductName>},
-    {{PI::PROP_DRIVE_CHANNEL, 23305, 1, 1, 4, PI::KIND_NUMBER, PI::UNIT_NONE, 1}, setZero},
-    {{PI::PROP_DRIVE_ID, 23284, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_NONE, 1}, setZero},
-    {{PI::PROP_LOCATION, 1, 1, 1, 0, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+    {{PI::PROP_DRIVE_CHANNEL, PI::DRIVE_CAPTION_CHANNEL, 1, 1, 4, PI::KIND_NUMBER, PI::UNIT_NONE, 1}, setZero},
+    {{PI::PROP_DRIVE_ID, PI::DRIVE_CAPTION_DRIVE_ID, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_NONE, 1}, setZero},
+    {{PI::PROP_LOCATION, PI::CAPTION_NONE, 1, 1, 0, PI::KIND_TEXT, PI::UNIT_NONE, 1},
      setText<&CNVMePhysicalDrive::m_Location>},
-    {{PI::PROP_VENDOR, 23331, 1, 1, ALL, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+    {{PI::PROP_VENDOR, PI::DRIVE_CAPTION_VENDOR, 1, 1, ALL, PI::KIND_TEXT, PI::UNIT_NONE, 1},
      setText<&CNVMePhysicalDrive::m_Vendor>},
-    {{PI::PROP_MODEL, 23308, 1, 1, ALL, PI::KIND_TEXT, PI::UNIT_NONE, 1}, setModel},
-    {{PI::PROP_DRIVE_TYPE, 23329, 1, 1, ALL, PI::KIND_CODE, PI::UNIT_NONE, 1}, setDriveType},
-    {{PI::PROP_CAPACITY, 23304, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_MIB, 1},
+    {{PI::PROP_MODEL, PI::DRIVE_CAPTION_MODEL, 1, 1, ALL, PI::KIND_TEXT, PI::UNIT_NONE, 1}, setModel},
+    {{PI::PROP_DRIVE_TYPE, PI::DRIVE_CAPTION_TYPE, 1, 1, ALL, PI::KIND_CODE, PI::UNIT_NONE, 1}, setDriveType},
+    {{PI::PROP_CAPACITY, PI::DRIVE_CAPTION_CAPACITY, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_MIB, 1},
      setNumber<&CNVMePhysicalDrive::m_CapacityMiB>},
-    {{PI::PROP_USABLE_CAPACITY, 23281, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_MIB, 1},
+    {{PI::PROP_USABLE_CAPACITY, PI::DRIVE_CAPTION_USABLE_CAPACITY, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_MIB, 1},
      setNumber<&CNVMePhysicalDrive::m_UsableCapacityMiB>},
-    {{PI::PROP_HEALTH_STATUS, 23324, 1, 1, ALL, PI::KIND_CODE, PI::UNIT_NONE, 1}, setStatus},
-    {{PI::PROP_RESERVED_CAPACITY, 23290, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_MIB, 1},
+    {{PI::PROP_HEALTH_STATUS, PI::DRIVE_CAPTION_STATE, 1, 1, ALL, PI::KIND_CODE, PI::UNIT_NONE, 1}, setStatus},
+    {{PI::PROP_RESERVED_CAPACITY, PI::DRIVE_CAPTION_RESERVED_CAPACITY, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_MIB, 1},
      setNumber<&CNVMePhysicalDrive::m_ReservedMiB>},
-    {{PI::PROP_RESERVED_PERCENT, 23289, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_PERCENT, 1},
+    {{PI::PROP_RESERVED_PERCENT, PI::DRIVE_CAPTION_RESERVED_PERCENT, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_PERCENT, 1},
      setNumber<&CNVMePhysicalDrive::m_ReservedPercent>},
-    {{PI::PROP_BLOCK_SIZE, 23278, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_BYTES, 1},
+    {{PI::PROP_BLOCK_SIZE, PI::DRIVE_CAPTION_BLOCK_SIZE, 1, 1, ALL, PI::KIND_NUMBER, PI::UNIT_BYTES, 1},
      setNumber<&CNVMePhysicalDrive::m_BlockSize>},
-    {{PI::PROP_DRIVE_TEMPERATURE, 23326, 1, 1, ALL, PI::KIND_FLOAT, PI::UNIT_CELSIUS, 0}, setTemperature},
-    {{PI::PROP_SERIAL_NUMBER, 23320, 1, 1, ALL, PI::KIND_TEXT, PI::UNIT_NONE, 0},
+    {{PI::PROP_DRIVE_TEMPERATURE, PI::DRIVE_CAPTION_TEMPERATURE, 1, 1, ALL, PI::KIND_FLOAT, PI::UNIT_CELSIUS, 0}, setTemperature},
+    {{PI::PROP_SERIAL_NUMBER, PI::DRIVE_CAPTION_SERIAL_NUMBER, 1, 1, ALL, PI::KIND_TEXT, PI::UNIT_NONE, 0},
      setText<&CNVMePhysicalDrive::m_SerialNumber>},
 };
 // clang-format on
@@ -82,11 +82,10 @@ std::span<const CPropertyRow<const CNVMePhysicalDrive>> physicalDrivePropertyTab
     return PhysicalDrivePropertyTable;
 }
 
-std::uint32_t IPLUGINAPI_IMPL::GetPhysicalDriveProperties(const CNVMePhysicalDrive& drive,
-                                                          std::vector<PI::CProperty>& properties,
-                                                          std::uint32_t propertyId)
+std::uint32_t getPhysicalDriveProperties(const CNVMePhysicalDrive& drive,
+                                         std::vector<PI::CProperty>& properties, std::uint32_t propertyId)
 {
-    OSTREL_TRACE(TRACE_FLOW) << "ENTER GetPhysicalDriveProperties ()";
+    OSTREL_TRACE_WITHIN(TRACE_FLOW, "GetPhysicalDriveProperties") << "ENTER GetPhysicalDriveProperties ()";
     buildProperties(PhysicalDrivePropertyTable, drive, propertyId, properties);
     return PI::ERR_SUCCESS;
 }

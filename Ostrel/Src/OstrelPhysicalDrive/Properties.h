@@ -1,13 +1,19 @@
 #pragma once
 
-#include "Ostrel/PropertyBuilder.h"
-#include "OstrelPhysicalDrive/Record.h"
+#include "Records/PhysicalDrive.h"
+#include "Records/PropertyBuilder.h"
 
+#include <cstdint>
 #include <span>
+#include <vector>
 
 namespace NAMESPACE_Ostrel {
 
 /** The properties of a physical drive, in the order in which they are shown and written to its row. */
 std::span<const CPropertyRow<const CNVMePhysicalDrive>> physicalDrivePropertyTable();
+
+/** Fills `properties` anew with the property `propertyId` of `drive`, or with all of them. Returns 0. */
+std::uint32_t getPhysicalDriveProperties(const CNVMePhysicalDrive& drive,
+                                         std::vector<PI::CProperty>& properties, std::uint32_t propertyId);
 
 } // namespace NAMESPACE_Ostrel

@@ -1,11 +1,12 @@
-#include "Ostrel/HostCodes.h"
-#include "Ostrel/PluginApi.h"
-#include "Ostrel/RowBuilder.h"
-#include "OstrelAdapter/Model.h"
+#include "OstrelPhysicalDrive/Row.h"
+
 #include "OstrelPhysicalDrive/Properties.h"
+#include "Records/Model.h"
+#include "Records/RowBuilder.h"
 
 #include <DatabaseORM/StatementBuilder.h>
 #include <PI/PluginHelper.h>
+#include <PI/StateCode.h>
 
 #include <array>
 #include <charconv>
@@ -22,7 +23,7 @@ std::string statusText(const CNVMePhysicalDrive& drive)
 
 std::string driveTypeText(const CNVMePhysicalDrive& /*drive*/)
 {
-    return PI::PropertyValueToString(DRIVE_TYPE_SOLID_STATE);
+    return PI::PropertyValueToString(PI::DRIVE_TYPE_SSD);
 }
 
 std::string modelOf(const CNVMePhysicalDrive& drive)
@@ -77,9 +78,10 @@ constexpr CRowTrace UPDATE = {"PD (%s) updated in db.",
 
 } // namespace
 
-std::uint32_t IPLUGINAPI_IMPL::SetDatabaseObjectProperties(PD& row, const CNVMePhysicalDrive& drive)
+std::uint32_t setRowProperties(PD& row, const CNVMePhysicalDrive& drive)
 {
-    OSTREL_TRACE(TRACE_FLOW) << "ENTER SetDatabaseObjectProperties (PhysicalDisk)";
+    OSTREL_TRACE_WITHIN(TRACE_FLOW, "SetDatabaseObjectProperties")
+        << "ENTER SetDatabaseObjectProperties (PhysicalDisk)";
     row = PD();
     row.m_HostName = RaidDataModels::LOCAL_HOST;
     row.m_DriveKey = keyText(drive);
@@ -87,30 +89,30 @@ std::uint32_t IPLUGINAPI_IMPL::SetDatabaseObjectProperties(PD& row, const CNVMeP
     return PI::ERR_SUCCESS;
 }
 
-std::uint32_t IPLUGINAPI_IMPL::InsertObjectToDatabase(const CNVMePhysicalDrive& drive)
+std::uint32_t insertRow(const DatabaseORM::storage_t& storage, const CNVMePhysicalDrive& drive)
 {
     const auto insert = [&] {
         PD row;
-        (void)SetDatabaseObjectProperties(row, drive);
-        (void)DatabaseORM::insert(*m_Database, row);
+        (void)setRowProperties(row, drive);
+        (void)DatabaseORM::insert(storage, row);
         return true;
     };
-    return runOnRow(OSTREL_HERE, INSERT, insert, drive.m_ProductName);
+    return runOnRow(OSTREL_WITHIN("InsertObjectToDatabase"), INSERT, insert, drive.m_ProductName);
 }
 
-std::uint32_t IPLUGINAPI_IMPL::UpdateObjectInDatabase(const CNVMePhysicalDrive& drive)
+std::uint32_t updateRow(const DatabaseORM::storage_t& storage, const CNVMePhysicalDrive& drive)
 {
     const auto update = [&] {
-        const auto found = DatabaseORM::select(*m_Database, keyOf(drive));
+        const auto found = DatabaseORM::select(storage, keyOf(drive));
         if (found.empty())
             return false;
         PD row;
-        (void)SetDatabaseObjectProperties(row, drive);
+        (void)setRowProperties(row, drive);
         row.m_ID = found.front().m_ID;
-        DatabaseORM::update(*m_Database, row);
+        DatabaseORM::update(storage, row);
         return true;
     };
-    return runOnRow(OSTREL_HERE, UPDATE, update, drive.m_ProductName);
+    return runOnRow(OSTREL_WITHIN("UpdateObjectInDatabase"), UPDATE, update, drive.m_ProductName);
 }
 
 } // namespace NAMESPACE_Ostrel

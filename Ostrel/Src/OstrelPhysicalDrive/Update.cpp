@@ -1,6 +1,6 @@
-#include "Ostrel/EventCodes.h"
-#include "OstrelPhysicalDrive/Record.h"
+#include "Records/PhysicalDrive.h"
 
+#include <PI/EventCode.h>
 #include <TLX/Clock.h>
 
 namespace NAMESPACE_Ostrel {
@@ -14,8 +14,8 @@ void CNVMePhysicalDrive::Update(const CNVMePhysicalDrive& fresh, const CNVMeAdap
     }
     PI::CEvent event;
     event.m_Source = m_ID;
-    event.m_Id = EVENT_DRIVE_CHANGED;
-    event.m_Severity = SEVERITY_INFORMATION;
+    event.m_Id = PI::EVENT_DRIVE_CHANGED;
+    event.m_Severity = PI::SEVERITY_INFORMATION;
     event.m_Time = TLX::Misc::now();
     event.SetSource(m_ProductName);
     event.SetPlaceHolder1(adapter.m_Name);

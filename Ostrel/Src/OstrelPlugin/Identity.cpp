@@ -1,7 +1,7 @@
 #include "OstrelPlugin/Identity.h"
 
-#include "Ostrel/Module.h"
-#include "Ostrel/Text.h"
+#include "Records/Module.h"
+#include "Records/Text.h"
 
 namespace NAMESPACE_Ostrel {
 

@@ -1,11 +1,17 @@
 #pragma once
 
-#include <PI/PollInterval.h>
+#include <PI/Property.h>
+
+#include <cstdint>
+#include <vector>
 
 namespace NAMESPACE_Ostrel {
 
-using PI::MAXIMUM_POLL_INTERVAL;
-using PI::MINIMUM_POLL_INTERVAL;
-using PI::POLL_INTERVAL_KEY;
+/**
+ * Fills `properties` anew with the property `propertyId` of the plug-in's own object, or with all of them.
+ * `pollInterval` is in seconds. Returns 0.
+ */
+std::uint32_t getPluginProperties(std::uint32_t pollInterval, std::vector<PI::CProperty>& properties,
+                                  std::uint32_t propertyId);
 
 } // namespace NAMESPACE_Ostrel

@@ -1,9 +1,14 @@
-#include "Ostrel/PluginApi.h"
-#include "Ostrel/RowBuilder.h"
-#include "OstrelPlugin/Identity.h"
-#include "OstrelPlugin/Properties.h"
+#include "OstrelPlugin/Row.h"
 
+#include "OstrelPlugin/Identity.h"
+#include "Records/Module.h"
+#include "Records/RowBuilder.h"
+
+#include <DatabaseORM/Models.h>
 #include <DatabaseORM/StatementBuilder.h>
+#include <PI/PollInterval.h>
+
+#include <algorithm>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -15,8 +20,8 @@ Plugin makeRow(const CNVMePlugin& plugin, std::uint32_t pollInterval)
     Plugin row;
     row.m_ObjectID = static_cast<std::int64_t>(plugin.m_ID);
     row.m_Name = PLUGIN_NAME;
-    row.m_PollInterval =
-        static_cast<std::int32_t>(std::clamp(pollInterval, MINIMUM_POLL_INTERVAL, MAXIMUM_POLL_INTERVAL));
+    row.m_PollInterval = static_cast<std::int32_t>(
+        std::clamp(pollInterval, PI::MINIMUM_POLL_INTERVAL, PI::MAXIMUM_POLL_INTERVAL));
     row.m_SettableProperties = SETTABLE_PROPERTIES;
     row.m_Identity = pluginLocation();
     row.m_Vendor = PLUGIN_VENDOR;
@@ -38,36 +43,38 @@ constexpr CRowTrace DELETE = {"Plugin NVMe removed from db.",
 
 } // namespace
 
-std::uint32_t IPLUGINAPI_IMPL::InsertObjectToDatabase(const CNVMePlugin& plugin)
+std::uint32_t insertRow(const DatabaseORM::storage_t& storage, const CNVMePlugin& plugin,
+                        std::uint32_t pollInterval)
 {
     const auto insert = [&] {
-        (void)DatabaseORM::insert(*m_Database, makeRow(plugin, m_PollInterval));
+        (void)DatabaseORM::insert(storage, makeRow(plugin, pollInterval));
         return true;
     };
-    return runOnRow(OSTREL_HERE, INSERT, insert);
+    return runOnRow(OSTREL_WITHIN("InsertObjectToDatabase"), INSERT, insert);
 }
 
-std::uint32_t IPLUGINAPI_IMPL::UpdateObjectInDatabase(const CNVMePlugin& plugin)
+std::uint32_t updateRow(const DatabaseORM::storage_t& storage, const CNVMePlugin& plugin,
+                        std::uint32_t pollInterval)
 {
     const auto update = [&] {
-        const auto found = DatabaseORM::select(*m_Database, key());
+        const auto found = DatabaseORM::select(storage, key());
         if (found.empty())
             return false;
-        Plugin row = makeRow(plugin, m_PollInterval);
+        Plugin row = makeRow(plugin, pollInterval);
         row.m_ID = found.front().m_ID;
-        DatabaseORM::update(*m_Database, row);
+        DatabaseORM::update(storage, row);
         return true;
     };
-    return runOnRow(OSTREL_HERE, UPDATE, update);
+    return runOnRow(OSTREL_WITHIN("UpdateObjectInDatabase"), UPDATE, update);
 }
 
-std::uint32_t IPLUGINAPI_IMPL::DeleteObjectFromDatabase(const CNVMePlugin& /*plugin*/)
+std::uint32_t deletePluginRow(const DatabaseORM::storage_t& storage)
 {
     const auto remove = [&] {
-        DatabaseORM::remove(*m_Database, key());
+        DatabaseORM::remove(storage, key());
         return true;
     };
-    return runOnRow(OSTREL_HERE, DELETE, remove);
+    return runOnRow(OSTREL_WITHIN("DeleteObjectFromDatabase"), DELETE, remove);
 }
 
 } // namespace NAMESPACE_Ostrel

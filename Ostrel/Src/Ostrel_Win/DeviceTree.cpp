@@ -1,6 +1,7 @@
-#include "Ostrel/NVMeDevices.h"
-#include "Ostrel/Text.h"
+#include "Records/DeviceTree.h"
+
 #include "Ostrel_Win/DiskInterfaces.h"
+#include "Records/Text.h"
 
 #include <TLXX/Win/DeviceNodes.h>
 
@@ -72,8 +73,9 @@ void enumerateNVMeDisks(DEVINST controller, const std::string& service, const Di
 
 } // namespace
 
-void NVMeDevices::scanDeviceTree()
+std::vector<TLXX::CDeviceEntry> walkDeviceTree()
 {
+    std::vector<TLXX::CDeviceEntry> entries;
     std::vector<TLXX::Win::CFoundDisk> disks;
     DEVINST node = 0;
     bool more = CM_Locate_DevNodeA(&node, nullptr, CM_LOCATE_DEVNODE_NORMAL) == CR_SUCCESS;
@@ -82,11 +84,12 @@ void NVMeDevices::scanDeviceTree()
             enumerateNVMeDisks(node, *service,
                                [&](std::string device, std::string driver, std::string instance) {
                                    disks.push_back({node, device, std::move(instance)});
-                                   addDetected(std::move(device), std::move(driver));
+                                   entries.push_back({std::move(device), std::move(driver)});
                                });
         }
     }
     TLXX::Win::rememberEnumeration(std::move(disks));
+    return entries;
 }
 
 } // namespace NAMESPACE_Ostrel

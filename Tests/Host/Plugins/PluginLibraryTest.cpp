@@ -6,7 +6,10 @@
 #include "Support/TemporaryFolder.h"
 #include "Support/VirtualClock.h"
 
+#include <TLX/Event.h>
 #include <TLX/LanguageSupport.h>
+#include <TLX/Thread.h>
+#include <TLX/WaitResult.h>
 
 #include <filesystem>
 
@@ -98,26 +101,34 @@ TEST(PluginLibrary, NamesThePluginAndTheRequestThatThrew)
               "The plug-in " + plugin.file() + " failed in request 1 (Initialize): bad?luck.");
 }
 
-TEST(PluginLibrary, ReleasesAPluginThatEndedInTime)
+TEST(PluginLibrary, ReleasesAPluginThatEndedHoweverLate)
 {
     TestSupport::CVirtualClock clock;
     {
         PluginLibrary plugin(Built::SLOW_PLUGIN);
+        clock.OnSleep([&] { clock.Advance(25'200); });
         EXPECT_TRUE(plugin.deInitialize());
+        clock.OnSleep({});
     }
-    EXPECT_THAT(clock.Sleeps(), testing::ElementsAre(24'999, 1));
+    EXPECT_EQ(clock.Sleeps().size(), 2U) << "at its end, and when it was released";
 }
 
-TEST(PluginLibrary, LeavesAPluginAloneThatMayStillRun)
+TEST(PluginLibrary, LeavesAPluginAloneWhoseThreadCouldNotBeEnded)
 {
     TestSupport::CVirtualClock clock;
+    TLX::Threading::CEvent end;
+    ASSERT_EQ(end.Init(false, true), TLX::Threading::WaitResult::Taken);
+    TLX::Threading::CThread thread([&end] { (void)end.Wait(); });
     {
         PluginLibrary plugin(Built::SLOW_PLUGIN);
-        clock.OnSleep([&] { clock.Advance(25'000); });
+        clock.OnSleep([&thread] { thread.Cancel(); });
         EXPECT_FALSE(plugin.deInitialize());
     }
     // It would have slept once more when it was released.
     EXPECT_EQ(clock.Sleeps().size(), 1U);
+    end.Set();
+    EXPECT_EQ(thread.Wait(), TLX::Threading::WaitResult::Taken);
+    EXPECT_TRUE(PluginLibrary(Built::SLOW_PLUGIN).deInitialize()) << "its end is seen";
 }
 
 class RealPluginTest : public testing::Test

@@ -1,3 +1,4 @@
+#include "Support/RowFixture.h"
 #include "Support/TraceCapture.h"
 #include "WorkerFixture.h"
 
@@ -202,4 +203,16 @@ TEST_F(OperationRequests, WithoutTheEventsLockNothingIsCollected)
     EXPECT_THAT(fresh.m_Events, SizeIs(2));
     EXPECT_THAT(Lines(capture), ElementsAre("2 ENTER GetEvents()", "8 Before m_EventsLock.Wait(INFINITE)",
                                             "8 After m_EventsLock.Wait(INFINITE)"));
+}
+
+TEST_F(OperationRequests, EventsAreHandedOverWhateverTheUpdateOfTheRowThrows)
+{
+    // The database is every plug-in's of this process.
+    const auto healthy = m_Api.m_Database->m_Access;
+    m_Api.m_Database->m_Access =
+        std::make_shared<TestSupport::CThrowingDatabase<std::bad_alloc>>(std::bad_alloc());
+    EXPECT_EQ(Execute(m_Plugin, 50002), PI::ERR_SUCCESS);
+    m_Api.m_Database->m_Access = healthy;
+    EXPECT_THAT(m_Events, ElementsAre(1, 2, 3));
+    EXPECT_THAT(m_Api.m_Events, IsEmpty());
 }

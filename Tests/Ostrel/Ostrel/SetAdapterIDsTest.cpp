@@ -130,13 +130,16 @@ TEST_F(SetAdapterIDs, ASecondRequestStartsNoSecondWorker)
     Stop();
 }
 
-TEST_F(SetAdapterIDs, TracesEntryAndExit)
+TEST_F(SetAdapterIDs, TracesEntryLockAndExit)
 {
     const CTraceCapture capture(~0U);
     EXPECT_EQ(Request({}), PI::ERR_SUCCESS);
     std::vector<CCapturedLine> own = capture.Lines();
     const std::string function = "NAMESPACE_Ostrel::IPLUGINAPI_IMPL::SetAdapterIDs";
     std::erase_if(own, [&](const CCapturedLine& line) { return line.m_Function != function; });
-    EXPECT_THAT(own, ElementsAre(CCapturedLine{2, "Ostrel/Src/Ostrel", function, "ENTER SetAdapterIDs"},
-                                 CCapturedLine{2, "Ostrel/Src/Ostrel", function, "LEAVE SetAdapterIDs"}));
+    const auto line = [&function](std::uint32_t level, const char* text) {
+        return CCapturedLine{level, "Ostrel/Src/Ostrel", function, text};
+    };
+    EXPECT_THAT(own, ElementsAre(line(2, "ENTER SetAdapterIDs"), line(8, "Before m_DataLock.Wait (sg)"),
+                                 line(8, "After m_DataLock.Wait (sg)"), line(2, "LEAVE SetAdapterIDs")));
 }

@@ -157,15 +157,14 @@ protected:
     CPluginUnderTest m_Api;
 };
 
-/** The lines of the worker itself, as "level text". */
+/** The lines of the worker and of its update, as "level text". */
 inline std::vector<std::string> workersLines(const CTraceCapture& capture)
 {
-    static const std::vector<std::string> functions = {"Worker", "RunCycle", "Refresh", "UpdateSystem",
-                                                       "AddEvents"};
+    static const std::vector<std::string> functions = {"NAMESPACE_Ostrel::IPLUGINAPI_IMPL::Worker",
+                                                       "NAMESPACE_Ostrel::IPLUGINAPI_IMPL::UpdateSystem"};
     std::vector<std::string> lines;
     for (const CCapturedLine& line : capture.Lines()) {
-        const std::string name = line.m_Function.substr(line.m_Function.rfind(':') + 1);
-        if (std::find(functions.begin(), functions.end(), name) != functions.end())
+        if (std::find(functions.begin(), functions.end(), line.m_Function) != functions.end())
             lines.push_back(std::to_string(line.m_Level) + ' ' + line.m_Text);
     }
     return lines;

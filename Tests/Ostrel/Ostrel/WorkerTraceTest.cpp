@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -109,4 +110,64 @@ TEST_F(WorkerTrace, ShowsLockLinesAndSkippedUpdatesAtMask8)
                             "Worker() Update skipped", "Before m_EventsLock.Release ()",
                             "After m_EventsLock.Release ()", "Before m_DataLock.Release ()",
                             "After m_DataLock.Release ()"));
+}
+
+TEST_F(WorkerTrace, TellsWhatACycleThrewAndThatTheEnumerationEnded)
+{
+    m_Drives.Add(CFakeDrive(0));
+    Start();
+    m_Drives.OnQuery([](const std::string& query) {
+        if (query == "enumerate")
+            throw std::runtime_error("the bus is gone");
+    });
+    const CTraceCapture capture(2);
+    Force();
+    EXPECT_THAT(capture.Texts(),
+                ElementsAre("ENTER NVMeDevices::scan()", "LEAVE NVMeDevices::scan() -> ret 0",
+                            "Worker() a cycle threw: the bus is gone", "Worker() before restart interval"));
+    EXPECT_THAT(workersLines(capture), ElementsAre("2 Worker() a cycle threw: the bus is gone",
+                                                   "2 Worker() before restart interval"));
+}
+
+TEST_F(WorkerTrace, TellsThatACycleThrewWhatIsNoException)
+{
+    m_Drives.Add(CFakeDrive(0));
+    Start();
+    m_Drives.OnQuery([](const std::string& query) {
+        if (query.starts_with("controller"))
+            throw 7;
+    });
+    const CTraceCapture capture(2);
+    Force();
+    EXPECT_THAT(workersLines(capture), ElementsAre("2 Worker() a cycle threw something unknown",
+                                                   "2 Worker() before restart interval"));
+}
+
+TEST_F(WorkerTrace, TellsWhatTheHostsCallbackThrew)
+{
+    m_Drives.Add(CFakeDrive(0));
+    m_OnCall = [] { throw std::runtime_error("not now"); };
+    Start();
+    const CTraceCapture capture(2);
+    m_Api.m_PrivateEvent.Set();
+    AwaitWorker();
+    EXPECT_THAT(workersLines(capture), ElementsAre("2 Worker() the host's callback threw: not now",
+                                                   "2 Worker() before restart interval"));
+}
+
+TEST_F(WorkerTrace, NamesTheWorkerAsTheFunctionOfItsLines)
+{
+    m_Drives.Add(CFakeDrive(0));
+    Start();
+    const CTraceCapture capture(4 | 8);
+    Force();
+    for (const TestSupport::CCapturedLine& line : capture.Lines()) {
+        EXPECT_EQ(line.m_SourceUnit, "Ostrel/Src/Ostrel") << line.m_Text;
+        // Events that the cycle makes are published by the update.
+        const bool isUpdates = line.m_Text.ends_with("m_EventsLock.Wait (sg)");
+        EXPECT_EQ(line.m_Function, std::string("NAMESPACE_Ostrel::IPLUGINAPI_IMPL::") +
+                                       (isUpdates ? "UpdateSystem" : "Worker"))
+            << line.m_Text;
+    }
+    EXPECT_FALSE(capture.Lines().empty());
 }

@@ -1,4 +1,4 @@
-#include "OstrelAdapter/Record.h"
+#include "Records/Adapter.h"
 #include "Support/TraceCapture.h"
 #include "Support/VirtualClock.h"
 

@@ -1,4 +1,4 @@
-#include "OstrelPhysicalDrive/Record.h"
+#include "Records/PhysicalDrive.h"
 #include "Support/VirtualClock.h"
 
 #include <gmock/gmock.h>

@@ -37,6 +37,15 @@ using CRequestData = std::variant<std::monostate, std::vector<CAdapterID>, std::
  * A plug-in as its host sees it. The host fills in `m_HostContext` and `m_HostCallback` before the first
  * request; the plug-in calls `m_HostCallback(m_HostContext, this)` from a thread of its own when there is
  * something to collect.
+ *
+ * Requests are meant in this order: 1, then 2, then 4 to 10 in any order, then 3. Request 1 guards nothing,
+ * so it is sent once in a life, while no worker runs; after a failed one only 3 and the release are left.
+ * Request 2 may be repeated; it starts a worker only when none runs. After request 3 pending events can still
+ * be collected, and a new life may begin with request 1; its objects have new identifiers.
+ *
+ * Request 3 returns 0 even when it could not end the worker. As long as such a worker runs
+ * (`TLX::Threading::cancelledThreadRuns`), nothing more may be asked, the object must not be released and its
+ * library must not be unloaded. A plug-in's threads are therefore threads of `TLX::Threading::CThread`.
  */
 class PI_EXPORT IPLUGINAPI
 {

@@ -16,7 +16,7 @@ inline constexpr char POLL_INTERVAL_KEY[] = "PollInterval";
 /** Its bounds, and what holds where the file names no number, in seconds. */
 inline constexpr std::uint32_t MINIMUM_POLL_INTERVAL = 2;
 inline constexpr std::uint32_t MAXIMUM_POLL_INTERVAL = 255;
-inline constexpr std::uint32_t USUAL_POLL_INTERVAL = 30;
+inline constexpr std::uint32_t DEFAULT_POLL_INTERVAL = 30;
 
 /** The number that the whole of a setting's text is, blanks before it aside, if it is one. */
 inline std::optional<std::uint32_t> settingNumber(const std::string& text)
@@ -32,7 +32,7 @@ inline std::optional<std::uint32_t> settingNumber(const std::string& text)
 /** The interval that holds where the file has `text`. */
 inline std::uint32_t pollIntervalOf(const std::string& text)
 {
-    return std::clamp(settingNumber(text).value_or(USUAL_POLL_INTERVAL), MINIMUM_POLL_INTERVAL,
+    return std::clamp(settingNumber(text).value_or(DEFAULT_POLL_INTERVAL), MINIMUM_POLL_INTERVAL,
                       MAXIMUM_POLL_INTERVAL);
 }
 

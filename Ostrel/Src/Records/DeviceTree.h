@@ -1,0 +1,12 @@
+#pragma once
+
+#include <TLXX/DeviceBackend.h>
+
+#include <vector>
+
+namespace NAMESPACE_Ostrel {
+
+/** The machine's NVMe disks in the order of its device tree. Every system has its own walk. */
+std::vector<TLXX::CDeviceEntry> walkDeviceTree();
+
+} // namespace NAMESPACE_Ostrel

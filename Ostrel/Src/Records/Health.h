@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Records/Adapter.h"
+
+#include <TLXX/NvmeStructures.h>
+
+#include <cstdint>
+
+namespace NAMESPACE_Ostrel {
+
+/** The warning bits that the temperature statistics of an Intel drive (vendor log 0xC5) add to its own. */
+std::uint32_t temperatureWarnings(const TLXX::VendorLogPage& statistics);
+
+/** Sets the adapter's status and its reasons by its warning flags and its drive's critical-warning byte. */
+void applyCriticalWarning(CNVMeAdapter& adapter, std::uint8_t criticalWarning);
+
+/** Takes over the normalized wear (0xAD) and spare (0xEA) values of an Intel drive (vendor log 0xCA). */
+void applyWear(CNVMeAdapter& adapter, std::uint32_t adNormalized, std::uint32_t eaNormalized,
+               std::uint8_t criticalWarning);
+
+} // namespace NAMESPACE_Ostrel

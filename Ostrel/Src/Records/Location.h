@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Records/Adapter.h"
+
+#include <string>
+
+namespace NAMESPACE_Ostrel {
+
+/** The location text of the controller where `adapter` sits. */
+std::string adapterLocation(const CNVMeAdapter& adapter);
+
+/** The location text of the one disk behind the adapter with this location text. */
+std::string driveLocation(const std::string& adapterLocation);
+
+} // namespace NAMESPACE_Ostrel

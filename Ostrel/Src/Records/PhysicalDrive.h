@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Records/Adapter.h"
+
+#include <PI/Event.h>
+#include <PI/Object.h>
+#include <PI/StateCode.h>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace NAMESPACE_Ostrel {
+
+/** What is known of the disk behind one NVMe controller. What the scan does not know keeps the defaults. */
+struct CNVMePhysicalDriveData
+{
+    std::uint32_t m_DeviceIndex = std::numeric_limits<std::uint32_t>::max();
+    std::string m_SerialNumber;
+    std::string m_Vendor;
+    std::string m_Model;
+    std::string m_ProductName; ///< display name
+    std::string m_Location;    ///< the adapter's location and "&ID=0"
+    std::string m_DeviceName;
+    std::uint32_t m_Status = PI::DRIVE_OPERATIONAL;
+    std::uint32_t m_BlockSize = 512; ///< bytes of a logical block
+    std::uint64_t m_ReservedMiB = 0;
+    std::uint32_t m_ReservedPercent = 100;
+    std::uint64_t m_CapacityMiB = 0;
+    std::uint64_t m_UsableCapacityMiB = 0;
+    float m_Temperature = UNKNOWN_TEMPERATURE; ///< degrees Celsius, the adapter's
+
+    friend bool operator==(const CNVMePhysicalDriveData&, const CNVMePhysicalDriveData&) = default;
+};
+
+/** The disk behind one NVMe controller in the topology. */
+class CNVMePhysicalDrive : public PI::CObject, public CNVMePhysicalDriveData
+{
+public:
+    /**
+     * Appends an event to `events` when the disk has changed in what its data depend on; otherwise this
+     * record only counts the change. `adapter` is the one that owns `fresh`.
+     */
+    void Update(const CNVMePhysicalDrive& fresh, const CNVMeAdapter& adapter,
+                std::vector<PI::CEvent>& events);
+
+    /** Whether the same is known of both, whatever their places in the topology. */
+    friend bool operator==(const CNVMePhysicalDrive& left, const CNVMePhysicalDrive& right)
+    {
+        return static_cast<const CNVMePhysicalDriveData&>(left) ==
+               static_cast<const CNVMePhysicalDriveData&>(right);
+    }
+};
+
+} // namespace NAMESPACE_Ostrel
