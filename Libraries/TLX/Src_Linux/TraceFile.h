@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Descriptor.h"
+#include <TLX/Linux/Descriptor.h>
 
 #include <filesystem>
 #include <optional>
@@ -21,7 +21,7 @@ public:
     bool Append(std::string_view text) const;
 
 private:
-    std::optional<Threading::CDescriptor> m_Descriptor;
+    std::optional<Linux::CDescriptor> m_Descriptor;
 };
 
 } // namespace TLX::Trace
