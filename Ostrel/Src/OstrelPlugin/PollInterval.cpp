@@ -1,33 +1,14 @@
 #include "OstrelPlugin/PollInterval.h"
 
-#include <algorithm>
-#include <locale>
-#include <sstream>
 #include <string>
 
 namespace NAMESPACE_Ostrel {
-namespace {
-
-/** The number that the whole text is, if it is one. */
-std::optional<std::uint32_t> wholeNumber(const std::string& text)
-{
-    std::istringstream stream(text);
-    stream.imbue(std::locale::classic());
-    std::uint32_t number = 0;
-    if (!(stream >> number) || stream.peek() != std::istringstream::traits_type::eof())
-        return std::nullopt;
-    return number;
-}
-
-} // namespace
 
 std::uint32_t readPollInterval(PI::CConfigFile& settings)
 {
-    std::uint32_t interval = PI::DEFAULT_POLL_INTERVAL;
     std::string text;
-    if (settings.ReadKeyValue(PI::POLL_INTERVAL_KEY, text, -1, -1) == 0)
-        interval = wholeNumber(text).value_or(PI::DEFAULT_POLL_INTERVAL);
-    return std::clamp(interval, PI::MINIMUM_POLL_INTERVAL, PI::MAXIMUM_POLL_INTERVAL);
+    return settings.ReadKeyValue(PI::POLL_INTERVAL_KEY, text, -1, -1) == 0 ? PI::pollIntervalOf(text)
+                                                                           : PI::USUAL_POLL_INTERVAL;
 }
 
 std::uint32_t writePollInterval(PI::CConfigFile& settings, std::uint32_t interval)
