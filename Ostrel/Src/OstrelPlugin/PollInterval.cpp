@@ -3,6 +3,7 @@
 #include <string>
 
 namespace NAMESPACE_Ostrel {
+
 std::uint32_t readPollInterval(PI::CConfigFile& settings)
 {
     std::string text;
