@@ -25,7 +25,8 @@ constexpr std::pair<std::uint32_t, CriticalWarning> REASONS[] = {
 /** None when the health log was not read: a warning that nobody heard of has not cleared. */
 std::optional<std::uint8_t> warningsOf(const Drive& drive)
 {
-    if (!drive.m_Health || !drive.m_Health->m_Code)
+    const bool unread = drive.m_HealthLogRead == false && drive.m_Reasons.empty();
+    if (unread || !drive.m_Health || !drive.m_Health->m_Code)
         return std::nullopt;
     std::uint8_t warnings = 0;
     for (const CodeText& reason : drive.m_Reasons)

@@ -149,7 +149,7 @@ TEST_F(AdapterNumbers, AFileThatCannotBeReadIsRefusedAndLeftAlone)
 {
     EXPECT_EQ(NumberOf(42), 1);
     std::filesystem::create_directory(m_File);
-    EXPECT_EQ(Refusal(), m_File.string() + " cannot be read");
+    EXPECT_EQ(Refusal(), m_File.string() + " is no regular file");
     EXPECT_EQ(NumberOf(42), 1);
     EXPECT_EQ(NumberOf(2), 2);
     // It can be read again, but these are not its numbers.

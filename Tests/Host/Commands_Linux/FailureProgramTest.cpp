@@ -134,7 +134,7 @@ TEST(ProgramFailure, APipeThatIsClosedEarlyIsNone)
 TEST(ProgramFailure, KeepsItsExitCodeWhenNobodyReads)
 {
     const ProgramResult unknown = runUnread(simulated({"show", "nobody", "--json"}));
-    EXPECT_EQ(unknown.m_ExitCode, 2);
+    EXPECT_EQ(unknown.m_ExitCode, 5);
     EXPECT_EQ(linesOf(unknown.m_Errors), linesOf(runProgram(simulated({"show", "nobody"})).m_Errors));
     const TestSupport::CTemporaryFolder folder;
     EXPECT_EQ(

@@ -43,8 +43,9 @@ protected:
 
     std::vector<std::string> arguments(std::vector<std::string> words = {}) const
     {
-        words.insert(words.begin(),
-                     {"watch", "--data", m_Data.Path(), "--simulate", m_Fleet.Path() / "fleet.json"});
+        // Who traces sees the plug-in's own line, which says that it has looked.
+        words.insert(words.begin(), {"watch", "--data", m_Data.Path(), "--simulate",
+                                     m_Fleet.Path() / "fleet.json", "--trace", "1"});
         return words;
     }
 
