@@ -167,6 +167,13 @@ public:
         return number >= 1 && number <= m_Locations.size() ? m_Locations[number - 1] : std::nullopt;
     }
 
+    std::string Instance(const std::string& path) override
+    {
+        const std::scoped_lock guard(m_Lock);
+        const CFakeDrive* const drive = At(path);
+        return drive != nullptr ? drive->m_Instance.value_or(path) : path;
+    }
+
     std::string ModuleVersion(const std::string& driver) override
     {
         const std::scoped_lock guard(m_Lock);
@@ -197,6 +204,11 @@ private:
     CFakeDrive* Find(const std::string& kind, const std::string& path)
     {
         m_Queries.push_back(kind + " " + path);
+        return At(path);
+    }
+
+    CFakeDrive* At(const std::string& path)
+    {
         const auto drive = std::find_if(m_Drives.begin(), m_Drives.end(), [&](const CFakeDrive& candidate) {
             return candidate.m_DeviceName == path;
         });

@@ -41,6 +41,7 @@ struct CFakeDrive
     std::string m_Driver = "nvme";
     std::string m_DriverVersion = "6.1";
     std::optional<TLXX::CPciLocation> m_Location;
+    std::optional<std::string> m_Instance; ///< none: the device's name
     TLXX::NVME_IDENTIFY_CONTROLLER m_Controller{};
     TLXX::NVME_IDENTIFY_NAMESPACE m_Namespace{};
     TLXX::NVME_SMART_HEALTH_INFORMATION_LOG m_Health{};

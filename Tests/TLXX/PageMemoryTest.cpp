@@ -171,6 +171,15 @@ TEST_F(PageMemoryTest, ForgetsADriveThatAnEnumerationNoLongerFinds)
     EXPECT_EQ(TLXX::lastHealthLog("SN0"), std::nullopt);
 }
 
+TEST_F(PageMemoryTest, KeepsNothingOfDrivesThatNoInstanceTellsApart)
+{
+    for (std::size_t index = 0; index < 2; ++index)
+        m_Drives.Change(index, [](CFakeDrive& drive) { drive.m_Instance = ""; });
+    EXPECT_EQ(Spare(FIRST), 10);
+    Silence(1);
+    EXPECT_EQ(Spare(SECOND), 0) << "the first drive's page is not the second one's";
+}
+
 TEST_F(PageMemoryTest, BelongsToTheBackendOfItsTime)
 {
     {
