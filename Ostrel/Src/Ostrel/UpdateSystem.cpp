@@ -155,7 +155,9 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
         live->m_DeviceIndex = static_cast<std::uint32_t>(owner->m_GlobalAdapterNumber);
         changes.m_ChangedDrives.push_back(*live);
     }
-    compareNumbers(m_Adapters, adapters, changes);
+    // A number is part of a record, so that a move is a change. A quiet scan need not pay for the look.
+    if (changes.Any())
+        compareNumbers(m_Adapters, adapters, changes);
     return changes;
 }
 
