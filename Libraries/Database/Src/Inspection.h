@@ -8,10 +8,13 @@
 
 namespace Database {
 
-/** Runs a statement and gives all its values. */
+/** Runs a statement and returns all its values. */
 using Query = std::function<std::vector<std::string>(const std::string& sql)>;
 
-/** What the tables that `query` sees lack of those of `storage`; empty when they lack nothing. */
+/**
+ * Names what the tables that `query` sees lack compared with those of `storage`; empty when they lack
+ * nothing.
+ */
 std::string tableFault(const DatabaseORM::storage_t& storage, const Query& query);
 
 } // namespace Database

@@ -12,7 +12,7 @@ namespace PI {
 /** Where an adapter sits within its host: segment, bus, device, function. */
 using AdapterLocation = std::array<std::int32_t, 4>;
 
-/** The numbers of the locations, by host. */
+/** The numbers of the locations of each host. */
 using AdapterNumbers = std::map<std::string, std::map<AdapterLocation, std::int32_t>>;
 
 /** The numbers that a host's adapters may still get, from the lowest. */
@@ -43,7 +43,7 @@ public:
 private:
     std::mutex m_Lock;
     AdapterNumbers m_Numbers;
-    std::map<std::string, CFreeNumbers> m_Free; ///< of the hosts in `m_Numbers` that asked
+    std::map<std::string, CFreeNumbers> m_Free; ///< of the hosts in `m_Numbers` that asked for a number
 };
 
 } // namespace PI

@@ -15,7 +15,7 @@ public:
     std::uint32_t m_Severity = 0; ///< 2 information, 3 warning, 4 error
     std::uint64_t m_Time = 0;     ///< milliseconds since 1970
 
-    // Texts that the host puts into the event's own.
+    // Texts that the host inserts into the text of the event.
     void SetSource(std::string text) { m_SourceText = std::move(text); }
     void SetPlaceHolder1(std::string text) { m_PlaceHolder1 = std::move(text); }
     void SetPlaceHolder2(std::string text) { m_PlaceHolder2 = std::move(text); }
