@@ -10,7 +10,7 @@ CEvent::~CEvent() = default;
 
 std::uint32_t CEvent::Init(bool initiallySignalled, bool manualReset)
 {
-    // What the system knows survives a repeated call, so that whoever waits for it is not left behind.
+    // A repeated call keeps the native state, so that threads which wait for it are not left waiting.
     if (!m_Native) {
         std::unique_ptr<Native> native(new (std::nothrow) Native);
         if (!native || !native->Valid())

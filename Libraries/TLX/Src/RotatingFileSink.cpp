@@ -29,7 +29,7 @@ public:
         try {
             Append(formatLine(line) + '\n');
         } catch (const std::exception&) {
-            // A trace never stops the traced: the line is lost.
+            // The line is lost, because a trace must never stop the traced code.
         }
     }
 

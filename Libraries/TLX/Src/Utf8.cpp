@@ -5,7 +5,7 @@
 namespace TLX::Internals {
 namespace {
 
-/** A character at the head of a text. */
+/** The character at the beginning of a text. */
 struct CCharacter
 {
     bool m_Valid;         ///< false: the first byte does not begin a well-formed UTF-8 sequence
