@@ -9,7 +9,7 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** What a scan changed in the published state, each list in the order in which it was found. */
+/** The changes of a scan to the published state, each list in the order in which they were found. */
 struct CChanges
 {
     std::vector<PI::CEvent> m_Events;
@@ -19,7 +19,7 @@ struct CChanges
     std::vector<CNVMePhysicalDrive> m_AddedDrives;   ///< of added adapters, one each
     std::vector<CNVMePhysicalDrive> m_ChangedDrives; ///< as they were before, but for their device index
 
-    // Not changes of their own: what they concern is in the lists above, too.
+    // These are not changes of their own: their adapters are also in the lists above.
     std::vector<CNVMeAdapter> m_MovedAdapters; ///< as they were before, under numbers that they have left
     bool m_AnyMoved = false;                   ///< an adapter that was there before has another number now
 
