@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-/** A structure as a drive would send it: bytes by position, laid over. */
+/** A structure with bytes set by position, as a drive would send it. */
 template<typename Structure>
 class CImage
 {

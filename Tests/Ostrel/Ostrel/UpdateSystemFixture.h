@@ -53,7 +53,7 @@ protected:
         m_Plugin.m_DataLock.Release();
     }
 
-    /** The machine's drives as they are now become the first inventory. */
+    /** Publishes the machine's present drives as the first inventory. */
     void PublishFirst()
     {
         Scan();
