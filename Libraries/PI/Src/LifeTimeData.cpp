@@ -78,7 +78,7 @@ void append(std::vector<CNVMeLifeTimeData>& table, CNVMeLifeTimeData row)
     };
     const auto earlier = std::find_if(table.begin(), table.end(), hides);
     if (earlier != table.end()) {
-        throw std::runtime_error("'" + row.m_Model + "' stands behind '" + earlier->m_Model +
+        throw std::runtime_error("'" + row.m_Model + "' comes after '" + earlier->m_Model +
                                  "', which it contains");
     }
     table.push_back(std::move(row));
