@@ -16,7 +16,7 @@
 
 namespace TestSupport {
 
-/** One interface of a scripted disk, and the device behind it. */
+/** One interface of a scripted disk, and its device. */
 struct CScriptedDisk
 {
     std::string m_Path;

@@ -82,7 +82,7 @@ class Prefix:
         return self.finish(self.start(*command))
 
     def control_driver(self, *command):
-        """`sc` with the driver's name put behind its first word; it must succeed."""
+        """`sc` with the driver's name after its first word; it must succeed."""
         run = self.run("sc", command[0], SERVICE, *command[1:])
         if run.code != 0:
             raise RuntimeError(f"sc {' '.join(command)}: {run.code} {run.out}{run.err}")

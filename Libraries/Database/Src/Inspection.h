@@ -12,8 +12,7 @@ namespace Database {
 using Query = std::function<std::vector<std::string>(const std::string& sql)>;
 
 /**
- * Names what the tables that `query` sees lack compared with those of `storage`; empty when they lack
- * nothing.
+ * What the tables of `storage` have and the tables that `query` reads lack; empty when nothing is missing.
  */
 std::string tableFault(const DatabaseORM::storage_t& storage, const Query& query);
 

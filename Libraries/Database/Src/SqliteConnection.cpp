@@ -158,7 +158,7 @@ bool CSqliteConnection::Attempt(const std::string& sql)
 
 bool CSqliteConnection::HasMoved() const
 {
-    int moved = 0; // also when SQLite cannot tell
+    int moved = 0; // stays 0 when SQLite cannot tell
     sqlite3_file_control(m_Connection.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
     return moved != 0;
 }

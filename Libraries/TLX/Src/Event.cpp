@@ -10,7 +10,7 @@ CEvent::~CEvent() = default;
 
 std::uint32_t CEvent::Init(bool initiallySignalled, bool manualReset)
 {
-    // A repeated call keeps the native state, so that threads which wait for it are not left waiting.
+    // A repeated call keeps the native state, so that threads that already wait still see its signals.
     if (!m_Native) {
         std::unique_ptr<Native> native(new (std::nothrow) Native);
         if (!native || !native->Valid())

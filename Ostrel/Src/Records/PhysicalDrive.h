@@ -31,7 +31,7 @@ struct CNVMePhysicalDriveData
     std::uint32_t m_ReservedPercent = 100;
     std::uint64_t m_CapacityMiB = 0;
     std::uint64_t m_UsableCapacityMiB = 0;
-    float m_Temperature = UNKNOWN_TEMPERATURE; ///< degrees Celsius, the adapter's
+    float m_Temperature = UNKNOWN_TEMPERATURE; ///< degrees Celsius, copied from the adapter
 
     friend bool operator==(const CNVMePhysicalDriveData&, const CNVMePhysicalDriveData&) = default;
 };

@@ -60,7 +60,7 @@ protected:
         Publish();
     }
 
-    /** A later scan. */
+    /** Scans again and merges the result. */
     std::uint32_t Update()
     {
         Scan(false);

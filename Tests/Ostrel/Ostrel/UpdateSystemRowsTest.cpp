@@ -42,7 +42,7 @@ protected:
             ASSERT_EQ(m_Plugin.InsertObjectToDatabase(drive), 0U);
     }
 
-    /** A later scan. */
+    /** Scans again and merges the result. */
     void Update()
     {
         Scan(false);

@@ -91,7 +91,7 @@ CONFIGRET give(const std::string& bytes, void* buffer, ULONG* size)
     return CR_SUCCESS;
 }
 
-/** The paths of the disk interfaces that the device has, each with a zero, and one more zero. */
+/** The paths of the disk interfaces that the device has, each ended by a zero, and a zero after the last. */
 std::string diskInterfaces(const GUID& type, const char* instance)
 {
     const Nodes nodes = read();

@@ -50,7 +50,7 @@ static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, VS) == 3072);
 /** One LBA format of a namespace. */
 struct NVME_LBA_FORMAT
 {
-    std::uint16_t MS;   ///< metadata bytes a block
+    std::uint16_t MS;   ///< metadata bytes of each block
     std::uint8_t LBADS; ///< block size as a power of two
     std::uint8_t RP;
 };
