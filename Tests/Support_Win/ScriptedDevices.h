@@ -116,7 +116,7 @@ private:
 
     std::map<Node, CNode> m_Nodes;
     Node m_LastNode = ROOT;
-    std::map<void*, std::string> m_Handles; ///< and the paths that opened them
+    std::map<void*, std::string> m_Handles; ///< open handles, and the paths that opened them
     std::map<void*, Node> m_Sets;
     std::uintptr_t m_LastHandle = 0x7000'0000;
     std::deque<CImportPatch> m_Patches;

@@ -82,7 +82,7 @@ void CSqliteDatabase::LeaveMovedFile()
     } catch (const DBEXCEPTION::DatabaseException&) {
         // The file at the path is still the open one.
     }
-    m_Connection.reset(); // which leaves the log of another file alone
+    m_Connection.reset(); // closing then leaves the log of another file alone
 }
 
 } // namespace Database

@@ -16,8 +16,8 @@ struct CStatementShape
     using Value = std::variant<std::int64_t, std::string_view>;
 
     std::string m_Text;          ///< with a parameter for each value
-    std::vector<Value> m_Values; ///< in the order of the parameters; texts stay where the statement has them
-    std::forward_list<std::string> m_Unquoted; ///< but for those whose quotes were doubled there
+    std::vector<Value> m_Values; ///< in the order of the parameters; texts are views into the statement
+    std::forward_list<std::string> m_Unquoted; ///< the texts whose doubled quotes were made single
 };
 
 /**

@@ -90,7 +90,7 @@ private:
     std::uint64_t m_MaximumSize;
     unsigned m_Keep;
     CTraceFile m_File;
-    bool m_Rotates = true; ///< a terminal or a pipe has no size, and keeps its name
+    bool m_Rotates = true; ///< false for a terminal or a pipe, which has no size
     std::uint64_t m_Size = 0;
 };
 

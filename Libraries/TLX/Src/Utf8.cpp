@@ -10,7 +10,7 @@ struct CCharacter
 {
     bool m_Valid;         ///< false: the first byte does not begin a well-formed UTF-8 sequence
     char32_t m_CodePoint; ///< the byte itself when the sequence is not valid
-    std::size_t m_Length; ///< in bytes; 1 when it is not valid
+    std::size_t m_Length; ///< in bytes; 1 for an invalid byte
 };
 
 /** The first character of `text`, which is not empty. */

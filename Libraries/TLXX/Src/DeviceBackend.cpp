@@ -12,7 +12,8 @@ struct CRegistry
 {
     std::mutex m_Lock;
     std::shared_ptr<IDeviceBackend> m_Backend;
-    std::shared_ptr<CPageMemory> m_Memory; ///< of the back-end's drives; null without one
+    std::shared_ptr<CPageMemory>
+        m_Memory; ///< the last good pages of the back-end's drives; null without a back-end
 };
 
 // Never destroyed: a thread that waits for a drive may outlive the static objects when the process exits.

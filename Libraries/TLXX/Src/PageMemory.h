@@ -40,7 +40,7 @@ public:
      */
     void Identified(const std::string& instance, const std::string& serialNumber);
 
-    /** The instance that last reported this serial number; none when several did, or none. */
+    /** The instance that last reported this serial number; none when no instance or several did. */
     std::optional<std::string> InstanceOf(const std::string& serialNumber) const;
 
     /** Forgets every instance that is not in this list of an enumeration. */

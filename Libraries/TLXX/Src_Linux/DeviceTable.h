@@ -58,7 +58,7 @@ private:
 
     mutable std::mutex m_Lock; ///< never held while sysfs is read
     std::filesystem::path m_Root = "/sys";
-    std::optional<CNvmeNames> m_Names; ///< as they were at the last walk, when that can be relied upon
+    std::optional<CNvmeNames> m_Names; ///< those of the last walk, if they are reliable
     std::uint64_t m_Doubts = 0;        ///< counted, so that a walk notices those during it
     std::vector<CDeviceEntry> m_Entries;
     std::unordered_map<std::string, CDiskOwner> m_Owners;

@@ -67,7 +67,7 @@ protected:
      */
     std::uint32_t UpdateSystem(std::vector<CNVMeAdapter>& adapters,
                                std::vector<CNVMePhysicalDrive>& physicalDrives) TLX_REQUIRES(m_DataLock);
-    /** How a fresh scan differs from the published state. Changes nothing there but the change counters. */
+    /** How a fresh scan differs from the published state. Only raises change counters there. */
     CChanges Compare(const std::vector<CNVMeAdapter>& adapters,
                      const std::vector<CNVMePhysicalDrive>& physicalDrives) TLX_REQUIRES(m_DataLock);
 

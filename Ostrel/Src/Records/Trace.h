@@ -32,7 +32,7 @@ inline bool traceEnabled(TraceLevel level)
 struct CTracePlace
 {
     std::string_view m_Unit;     ///< the unit's folder in the repository
-    std::string_view m_Function; ///< as the compiler spells it
+    std::string_view m_Function; ///< in the compiler's spelling
     std::uint32_t m_Line;
 };
 

@@ -151,7 +151,7 @@ protected:
     CVirtualClock m_Clock;
     CFakeDrives m_Drives;
     std::atomic<int> m_Enumerations = 0;
-    std::atomic<int> m_Calls = 0;   ///< of the host
+    std::atomic<int> m_Calls = 0;   ///< how often the worker called the host
     std::function<void()> m_OnCall; ///< set before the worker starts
     std::vector<PI::CAdapterID> m_Identities;
     std::size_t m_Waits = 0; ///< the worker's waits that the test has seen

@@ -26,7 +26,7 @@ constexpr int ROUNDS = 1000; // half a minute of work for one processor
 #else
 constexpr int ROUNDS = 60;
 #endif
-constexpr int FEWEST_REQUESTS = 10;        ///< of each thread
+constexpr int FEWEST_REQUESTS = 10;        ///< for each thread
 constexpr std::uint32_t STABLE_DRIVES = 4; ///< never unplugged, so that every list has something in it
 constexpr std::uint32_t SLOTS = 12;
 

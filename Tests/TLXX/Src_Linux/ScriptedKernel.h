@@ -67,7 +67,7 @@ private:
 
     std::atomic<bool> m_Interruptible = false;
     std::mutex m_Lock;
-    std::map<std::string, int> m_Nodes; ///< and the error when it is opened
+    std::map<std::string, int> m_Nodes; ///< the provided nodes, and the error when one is opened
     std::map<int, std::string> m_Opened;
     int m_Openings = 0;
     std::deque<CStep> m_Script;

@@ -121,7 +121,7 @@ protected:
         const CQuery& query = GetParam();
         EXPECT_EQ(call.m_Path, m_Path);
         if (call.m_Code == GET_ADDRESS)
-            return ERROR_NOT_SUPPORTED; // so the namespace has no name
+            return ERROR_NOT_SUPPORTED; // the query then cannot name the namespace
         EXPECT_EQ(call.m_Code, 0x2D1400U);
         EXPECT_EQ(call.m_Input,
                   question(query.m_Property, query.m_DataType, query.m_Request, query.m_Length));

@@ -11,7 +11,7 @@ class CEvent
 {
 public:
     std::uint64_t m_Source = 0;   ///< object identifier, or 19002 for the host as a whole
-    std::uint32_t m_Id = 0;       ///< which event
+    std::uint32_t m_Id = 0;       ///< what happened, a `PI::_EVENT_CODE`
     std::uint32_t m_Severity = 0; ///< 2 information, 3 warning, 4 error
     std::uint64_t m_Time = 0;     ///< milliseconds since 1970
 
