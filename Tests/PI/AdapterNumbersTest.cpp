@@ -152,7 +152,7 @@ TEST_F(AdapterNumbers, AFileThatCannotBeReadIsRefusedAndLeftAlone)
     EXPECT_EQ(Refusal(), m_File.string() + " is no regular file");
     EXPECT_EQ(NumberOf(42), 1);
     EXPECT_EQ(NumberOf(2), 2);
-    // The file can be read again, but the present numbers do not come from it.
+    // The file can be read again by now, but the present numbers were not read from it.
     std::filesystem::remove(m_File);
     m_Folder.Write("Numbers.txt", "5 0 2 0 0 localhost\n");
     PI::storeAdapterNumbers(m_File);

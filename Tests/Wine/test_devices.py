@@ -37,7 +37,7 @@ SHOWN = (
          logs={LEGACY_SMART: legacy_page(90, 99), MARKETING: text_page("Intel Series Series")}),
 )
 
-# None of these yields a disk: not the first child, no disk, or a controller of another driver.
+# None of these yields a disk: they are not the first child, no disk, or have a controller of another driver.
 OTHERS = (
     line(2, "PCI\\CHILDLESS\\1", {SERVICE: "stornvme"}),
     line(2, "PCI\\ENCLOSURE\\1", {SERVICE: "stornvme"}),
@@ -52,7 +52,7 @@ OTHERS = (
 )
 DISKLESS = ("PCI\\CHILDLESS\\1", "PCI\\ENCLOSURE\\1")
 
-# Requests that only read. Any other request to the driver would have another name.
+# The requests that only read, by their names in the driver's log.
 READING = {"device-number", fleet.CONTROLLER, fleet.NAMESPACE, fleet.HEALTH, TEMPERATURES, LEGACY_SMART, MARKETING}
 # The least number of comparisons for a disk. Fewer mean that both sides lost a field.
 COMPARISONS = 45

@@ -218,7 +218,7 @@ TEST_P(Query, TakesNoBlockThatIsShorterThanItSays)
 
 TEST_P(Query, TakesNoMoreThanItAskedFor)
 {
-    // More bytes than there is room for were never written.
+    // An answer cannot have more bytes than the buffer.
     EXPECT_EQ(Ask([](CAnswer& answer) { answer.m_Length = 0xFFFFFFFF; }), 0U);
     EXPECT_EQ(Ask([](CAnswer& answer) { answer.m_Returned = 0xFFFFFFFF; }), 0U);
     EXPECT_EQ(Ask([](CAnswer& answer) {

@@ -11,7 +11,7 @@ namespace PI {
 class CAdapterID
 {
 public:
-    /** The number of an adapter without a number. */
+    /** The value of a number that was not assigned. */
     static constexpr std::uint32_t UNASSIGNED = 0xFFFFFFFFU;
 
     std::uint32_t m_Segment = 0;

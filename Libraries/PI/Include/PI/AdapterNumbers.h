@@ -21,9 +21,9 @@ namespace PI {
 PI_EXPORT std::optional<std::string> restoreAdapterNumbers(const std::filesystem::path& file);
 
 /**
- * Writes all numbers to `file`, unless it holds exactly these or its own numbers could not be restored. A
- * reader of the file finds either all old numbers or all new ones. Throws `std::runtime_error` when the file
- * cannot be written.
+ * Writes all numbers to `file`, unless it holds exactly these or the file's own numbers could not be
+ * restored. A reader of the file finds either all old numbers or all new ones. Throws `std::runtime_error`
+ * when the file cannot be written.
  */
 PI_EXPORT void storeAdapterNumbers(const std::filesystem::path& file);
 
