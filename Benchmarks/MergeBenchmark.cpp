@@ -1,9 +1,9 @@
 /**
- * What so many simulated controllers cost the plug-in: an enumeration, which asks no drive; a scan of what
- * the drives have answered, the merge of a scan that finds everything as it was, a topology request, and a
- * request for one property of the last drive. "ns/drive" is the cost a drive; "growth" is that beside the
- * cost a drive of a fleet of ten, so 1 means a cost in proportion to the number of drives. A property request
- * concerns one drive alone: there "growth" is the whole request beside that of ten drives.
+ * The cost of simulated controllers to the plug-in: an enumeration, which asks no drive; a scan of the
+ * drives' answers; the merge of a scan without changes; a topology request; and a request for one property of
+ * the last drive. "ns/drive" is the cost for each drive. "growth" compares it with the cost in a fleet of
+ * ten, so 1 means a cost in proportion to the number of drives. A property request concerns one drive only:
+ * there "growth" compares the whole request with that in a fleet of ten.
  */
 #include "Results.h"
 #include "Support/FakeDrives.h"
@@ -27,8 +27,10 @@ using Drives = std::vector<NAMESPACE_Ostrel::CNVMePhysicalDrive>;
 
 constexpr int SMALLEST = 10;
 
-/** A running plug-in with a published fleet. Its start is left out: that one inserts every drive's row for
- * every adapter. */
+/**
+ * A running plug-in with a published fleet. Its start is left out, because it inserts every drive's row for
+ * every adapter.
+ */
 class CFleet
 {
 public:
@@ -36,7 +38,7 @@ public:
     {
         for (std::uint32_t number = 0; number < count; ++number) {
             TestSupport::CFakeDrive drive(number);
-            // Segments do not count in locations: each drive has a bus, device and function of its own.
+            // Segments do not count in locations, so each drive has a bus, device and function of its own.
             drive.m_Location = TLXX::CPciLocation{0, static_cast<std::int32_t>(number / 256),
                                                   static_cast<std::int32_t>(number / 8 % 32),
                                                   static_cast<std::int32_t>(number % 8)};
@@ -81,7 +83,7 @@ public:
     }
 
 private:
-    /** Gives the plug-in what the drives would answer; answering is theirs to pay for. */
+    /** Sets the answers of the drives in the plug-in, because the cost of answering belongs to the drives. */
     void TakeAnswers()
     {
         m_Plugin.m_NVMeDevices.scan();

@@ -4,7 +4,7 @@
 
 namespace Benchmarks {
 
-/** How long `work` takes. */
+/** Measures how long `work` takes. */
 template<typename Work>
 double secondsOf(Work work)
 {
@@ -13,8 +13,10 @@ double secondsOf(Work work)
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/** Runs the registered benchmarks. Standard output has their results alone, for the plug-in prints there,
- * too. */
+/**
+ * Runs the registered benchmarks. Their results go to the process's real standard output; what the plug-in
+ * prints there goes elsewhere.
+ */
 int run(int argc, char** argv);
 
 } // namespace Benchmarks

@@ -1,6 +1,7 @@
 /**
- * What a start costs with so many simulated controllers, each adapter's row followed by every drive's, beside
- * plain prepared statements that insert the same rows into such a database. The last column is the ratio.
+ * The cost of a start with simulated controllers, where each adapter's row is followed by every drive's.
+ * Beside it is the cost of plain prepared statements that insert the same rows into such a database. The last
+ * column is the ratio.
  */
 #include "Results.h"
 #include "Support/FakeDrives.h"
@@ -57,7 +58,7 @@ private:
     std::shared_ptr<DatabaseORM::storage_t> m_Storage;
 };
 
-/** The rows that a start leaves. */
+/** The number of rows after a start. */
 struct CRows
 {
     std::vector<Plugin> m_Plugins;
@@ -193,7 +194,8 @@ void registerBenchmark(int count, int iterations)
 
 int main(int argc, char** argv)
 {
-    // The files that each iteration makes cost far more than what is measured: so their number is fixed.
+    // The number of iterations is fixed, because the files that each one makes cost far more than what is
+    // measured.
     registerBenchmark(1, 50);
     registerBenchmark(8, 20);
     registerBenchmark(64, 3);

@@ -25,11 +25,11 @@ import sys
 import tempfile
 import threading
 
-# The clock stands still; only waiting takes its time.
+# The clock stands still, except while a program waits.
 CLOCK = ("faketime", "--exclude-monotonic", "-f", "2026-01-01 12:00:00")
 BLOCK = re.compile(r"(?<=^```console\n).*?(?=^```$)", re.MULTILINE | re.DOTALL)
 FLEET = "DemoFleet.json"
-# Names are what they stay only after a first look, which the trace tells of.
+# Names change until the first scan after the start is done; the trace shows when.
 TRACE, LOOKED = "--trace 2", "LEAVE UpdateSystem"
 PATIENCE = 60
 
@@ -51,7 +51,7 @@ CHANGES = {
 
 
 def change(file, changed):
-    """Makes the fleet another one, at once and as a whole."""
+    """Replaces the fleet file as a whole."""
     fleet = json.loads(file.read_text(encoding="utf-8"))
     following = file.with_name("following.json")
     following.write_text(json.dumps({"controllers": changed(fleet["controllers"])}), encoding="utf-8")
@@ -59,7 +59,7 @@ def change(file, changed):
 
 
 def watched(command, changes, started, folder):
-    """What a command prints that runs while the fleet changes."""
+    """The output of a command during which the fleet changes."""
     beginning = subprocess.run([*CLOCK, "sh", "-c", f"{command} --for 0"], stderr=subprocess.DEVNULL, check=True,
                                **started).stdout.splitlines()
     with subprocess.Popen([*CLOCK, "sh", "-c", f"echo $$ >&2; exec {command} {TRACE}"], stderr=subprocess.PIPE,

@@ -1,1 +1,2 @@
-// Nothing but what is compiled in advance for every test program; the main function is GoogleTest's.
+// Contains only the headers that are compiled in advance for every test program; GoogleTest has the main
+// function.

@@ -1,13 +1,12 @@
-# What makes a fault harder to abuse in what users get: each option where the compiler takes it. Debug builds go
-# without, because their sanitizers watch more closely and some options need optimisation.
+# Options that make faults harder to abuse in released builds, each only if the compiler knows it. Debug builds lack
+# them, because their sanitizers find more and some options need optimisation.
 if(CMAKE_BUILD_TYPE STREQUAL "Debug")
     return()
 endif()
 include(CheckCXXSourceCompiles)
 include(CheckPIESupported)
 
-# Adds compiler options if a program that is compiled and linked with them comes out.
-# ostrel_harden_compiler(OPTION...)
+# Adds compiler options if a test program can be compiled and linked with them.
 function(ostrel_harden_compiler)
     list(JOIN ARGN " " CMAKE_REQUIRED_FLAGS)
     string(MAKE_C_IDENTIFIER "OSTREL_TAKES${ARGN}" taken)
@@ -20,8 +19,7 @@ function(ostrel_harden_compiler)
     endif()
 endfunction()
 
-# Adds a linker option, given without its prefix, if a program that is linked with it comes out.
-# ostrel_harden_linker(OPTION)
+# Adds a linker option, given without its prefix, if a test program can be linked with it.
 function(ostrel_harden_linker option)
     set(CMAKE_REQUIRED_LINK_OPTIONS LINKER:${option})
     string(MAKE_C_IDENTIFIER "OSTREL_LINKS${option}" taken)
@@ -36,7 +34,7 @@ ostrel_harden_compiler(-fstack-protector-strong)
 ostrel_harden_compiler(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3)
 ostrel_harden_compiler(-D_GLIBCXX_ASSERTIONS)
 if(WIN32)
-    # Clang alone has it; GCC 12 and the linker beside it know no control-flow guard.
+    # Only Clang has it; GCC 12 and its linker know no control-flow guard.
     ostrel_harden_compiler(-mguard=cf)
     ostrel_harden_linker(--high-entropy-va)
     ostrel_harden_linker(--dynamicbase)

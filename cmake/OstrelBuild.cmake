@@ -21,7 +21,7 @@ function(ostrel_host_library name description)
     cmake_parse_arguments(arg "" "" "PUBLIC;PRIVATE" ${ARGN})
     ostrel_sources(sources ${CMAKE_CURRENT_SOURCE_DIR}/Src)
     add_library(${name} SHARED ${sources})
-    # Hosts and plug-ins of one release belong together, so another release's library is not to be taken for it.
+    # Hosts and plug-ins must be of the same release, so the SONAME has the release.
     set_target_properties(${name} PROPERTIES
         VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
     string(TOUPPER ${name} upper)
@@ -36,8 +36,7 @@ function(ostrel_host_library name description)
         COMPONENT development)
 endfunction()
 
-# What outside hosts and plug-ins are built against: installed with its headers, and part of the package OstrelHost.
-# ostrel_public_library(NAME)
+# Libraries for other hosts and plug-ins: installed with their headers, and part of the package OstrelHost.
 function(ostrel_public_library name)
     target_include_directories(${name}
         PUBLIC $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/Include>
@@ -66,8 +65,7 @@ function(ostrel_share)
     install(FILES ${ARGN} DESTINATION share/ostrel)
 endfunction()
 
-# A test program from every source of the current folder, of its platform folder (Src_Linux) and of the folders named.
-# ostrel_test(NAME [FOLDERS ...] [LIBRARIES ...] [DEFINITIONS ...])
+# A test program from every source of the current folder, of its platform folder (such as Src_Linux) and of FOLDERS.
 function(ostrel_test name)
     cmake_parse_arguments(arg "" "" "FOLDERS;LIBRARIES;DEFINITIONS" ${ARGN})
     add_executable(${name})
@@ -80,7 +78,7 @@ function(ostrel_test name)
     target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
     target_precompile_headers(${name} REUSE_FROM OstrelTestHeaders)
     if(CMAKE_CROSSCOMPILING)
-        # An emulated process starts slowly, so all of the program's tests run in one.
+        # An emulated process starts slowly, so one process runs all tests of the program.
         add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
         set_tests_properties(${name} PROPERTIES TIMEOUT 300)
     else()

@@ -1,7 +1,7 @@
 /**
- * What a cycle of the worker costs in which nothing changed, on a machine whose clock goes one nanosecond an
- * instruction. Runs the plug-in on this machine's drives as a host does, forces cycles, and writes down the
- * instructions that the worker's thread executed in each, and then those of the steps of one.
+ * The cost of a worker's cycle in which nothing changed, on a machine whose clock advances one nanosecond for
+ * each instruction. Runs the plug-in on this machine's drives as a host does and forces cycles. Writes down
+ * the instructions that the worker's thread executed in each cycle, and then those of the steps of one cycle.
  */
 #include "Support/PluginUnderTest.h"
 
@@ -39,7 +39,7 @@ std::int64_t nanoseconds(clockid_t clock)
     return time.tv_sec * std::int64_t{1'000'000'000} + time.tv_nsec;
 }
 
-/** What the host's callback is for here: it tells the worker's clock, and that something has changed. */
+/** The data of the host's callback: it reads the worker's clock and notes that something has changed. */
 struct CNews
 {
     std::atomic<clockid_t> m_WorkerClock = 0;
@@ -65,7 +65,7 @@ void awaitCycle(CPluginUnderTest& plugin, std::uint64_t former)
 {
     while (cyclesOf(plugin) == former)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    // The worker has released its locks by then, and waits again.
+    // The worker has released its locks by then and waits again.
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
 }
 
@@ -88,7 +88,7 @@ void start(CPluginUnderTest& plugin, CNews& news)
     plugin.m_HostCallback = onNews;
     const std::uint64_t former = cyclesOf(plugin);
     plugin.SetAdapterIDs(identities);
-    // The first cycle gives the adapters their names; the next one finds everything as it was.
+    // The first cycle gives the adapters their names; the next one finds no change.
     awaitCycle(plugin, former);
     forceCycle(plugin);
     if (news.m_WorkerClock == 0)

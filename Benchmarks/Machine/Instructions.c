@@ -1,6 +1,6 @@
 /*
- * Counts instructions on a machine whose clock goes one nanosecond an instruction: there, the processor time of
- * a process is the number of instructions that it and the kernel in its service executed.
+ * Counts instructions on a machine whose clock advances one nanosecond for each instruction. There the
+ * processor time of a process is the number of instructions that it, and the kernel for it, executed.
  *
  *   Instructions                  checks that: prints what a loop of 20,000,000 instructions takes
  *   Instructions of PID           what a running process has executed so far
@@ -59,7 +59,7 @@ static int64_t ofCommand(char** command)
         perror("fork");
         exit(1);
     }
-    // It has ended, but its clock is there until it has been waited for.
+    // The process has ended, but its clock exists until someone waits for the process.
     const int64_t instructions = ofProcess(child);
     waitpid(child, NULL, 0);
     if (end.si_code != CLD_EXITED || end.si_status != 0) {

@@ -1,4 +1,4 @@
-# What looking at this machine's drives costs, in instructions. Each file in /results has one number a line.
+# The cost of looking at this machine's drives, in instructions. Each file in /results has one number on each line.
 set -e
 export PATH=$PATH:/opt/ostrel/bin
 
@@ -9,7 +9,7 @@ BareMinimum "$drives" >/results/bare
 mkdir /tmp/data
 CycleCost /opt/ostrel/share/ostrel /tmp/data /results/cycle /results/steps
 
-# Every command runs twice, and the second run counts: it finds its files in memory.
+# Every command runs twice, and only the second run counts, because its files are then in memory.
 measured() {
     local name=$1
     shift
@@ -29,7 +29,8 @@ while [ $number -lt "$drives" ]; do
 done
 measured onecheck smartd -q onecheck -c /tmp/smartd.conf
 
-# A check of a daemon that has already started. Asleep it costs nothing, so how long it is given does not matter.
+# A check by a daemon that has already started. A sleeping daemon costs nothing, so the length of its time does not
+# matter.
 smartd -n -i 86400 -c /tmp/smartd.conf -p /tmp/smartd.pid &
 while ! [ -s /tmp/smartd.pid ]; do
     sleep 1

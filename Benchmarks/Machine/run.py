@@ -54,7 +54,7 @@ class Measured:
         return [int(line) / 1e6 for line in self._files[name].split()]
 
     def steps(self):
-        """What the steps of a cycle took, and those of a list that are known by themselves."""
+        """The cost of the steps of a cycle, and of those parts of a list that can be measured alone."""
         return {name: int(number) / 1e6 for name, number in
                 (line.split() for line in self._files["steps"].decode().splitlines())}
 
@@ -68,7 +68,7 @@ def measure(tree, work, count):
 
 
 def comparisons(count, here, one):
-    """What is held against what, and how much of it it may be."""
+    """The comparisons, and the limit of each."""
     if count > 1:
         yield ("each further drive", (here.cycle - one.cycle) / (count - 1), "bare minimum of each further drive",
                (here.bare - one.bare) / (count - 1), 1.5)
@@ -90,7 +90,7 @@ def table(results):
 
 
 def shares(results):
-    """Where the instructions go."""
+    """How the instructions are distributed."""
     yield "\nWhere the instructions go, in millions:"
     for count, here in results.items():
         steps = ", ".join(f"{name} {cost:.3f}" for name, cost in here.steps().items())

@@ -12,8 +12,8 @@ namespace {
 // The widest double, its sign, the point and six decimals.
 constexpr std::size_t DOUBLE_TEXT_SIZE = std::numeric_limits<double>::max_exponent10 + 16;
 
-// Throws what the standard conversions of integers throw. Those of floating point would heed the process's
-// locale, and a decimal comma is not SQL.
+// Throws what the standard conversions of integers throw. The standard conversions of floating point would
+// use the process's locale, and a decimal comma is not SQL.
 double toDouble(const std::string& text)
 {
     double value = 0;

@@ -1,5 +1,5 @@
-// The smallest host that is of use: it puts a drive of its own in the machine's place, loads the installed
-// plug-in and prints what that makes of the drive.
+// The smallest useful host. It replaces the machine by a drive of its own, loads the installed plug-in and
+// prints what the plug-in reports of the drive.
 #include "Load.h"
 
 #include <Database/Database.h>
@@ -87,7 +87,7 @@ void print(const PI::CObject& object)
             std::cout << "  " << PI::PropertyValueToString(property.NlsID()) << ": " << *text << '\n';
 }
 
-/** Loads the plug-in on such a machine, prints its objects, and returns what it made of requests 1 and 4. */
+/** Loads the plug-in on such a machine, prints its objects, and returns the results of requests 1 and 4. */
 std::uint32_t inventory(bool present)
 {
     TLXX::setDeviceBackend(std::make_shared<OneDrive>(present));

@@ -14,7 +14,7 @@ using testing::HasSubstr;
 
 namespace {
 
-/** A connection of somebody else's to the same file. Ends, and gives its locks back, when it goes. */
+/** Another connection to the same file. On destruction it ends and releases its locks. */
 class CStranger
 {
 public:
@@ -36,13 +36,13 @@ private:
     sqlite3* m_Connection = nullptr;
 };
 
-/** Somebody else holds the file's lock, on a clock of the test's own. */
+/** Another connection holds the file's lock. The test has a clock of its own. */
 class Busy : public DatabaseFixture
 {
 protected:
     ~Busy() override { Unlock(); }
 
-    /** `settings` are run before the lock is taken. */
+    /** `settings` is run before the lock is taken. */
     void LockElsewhere(const std::string& settings = "")
     {
         m_Holder.emplace(File());

@@ -20,7 +20,7 @@ namespace TestSupport {
 
 using Values = std::vector<std::string>;
 
-/** A folder that lives as long as the test, and the process's storage on a file in it. */
+/** A folder that lives as long as the test, with a file in it as the process's database. */
 class DatabaseFixture : public testing::Test
 {
 protected:
@@ -39,7 +39,7 @@ protected:
     std::shared_ptr<DatabaseORM::storage_t> m_Storage;
 };
 
-/** Rows as the plug-in fills them: on this host, all else telling the rows apart by `serial`. */
+/** Rows as the plug-in fills them, on this host. `serial` distinguishes them. */
 RaidDataModels::Adapter makeAdapter(std::int32_t number, const std::string& serial);
 RaidDataModels::PD makeDrive(const std::string& serial);
 

@@ -52,7 +52,7 @@ TEST_F(Fault, AnEmptyFileBecomesADatabase)
 TEST_F(Fault, AFolderInTheFilesPlace)
 {
     std::filesystem::create_directory(File());
-    // The system's own words follow.
+    // The system's own message follows.
     EXPECT_THAT(InsertError("S1"), testing::ContainsRegex("unable to open database file [(][A-Z]"));
 }
 

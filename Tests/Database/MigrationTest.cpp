@@ -15,7 +15,7 @@ namespace {
 class Migration : public DatabaseFixture
 {
 protected:
-    /** Writes the file as another version of the program would have. */
+    /** Writes the file as another version of the program would. */
     void WriteFile(const std::string& sql)
     {
         sqlite3* connection = nullptr;
@@ -154,7 +154,7 @@ TEST_F(Migration, TheTablesOfANewerReleaseAreRefused)
 
 namespace {
 
-/** What an administrator may have added to a file of the release before. */
+/** Additions that an administrator may have made to a file of the previous release. */
 constexpr const char* ADDITIONS =
     "CREATE TABLE Log (Text);"
     "CREATE VIEW Serials AS SELECT A.SerialNumber AS Serial FROM Adapter A JOIN PD ON DriveKey = Serial;"
@@ -190,7 +190,7 @@ TEST_F(Migration, WhatTheAdministratorAddedStaysAndWorks)
     EXPECT_THAT(Query("SELECT Text FROM Log"), ElementsAre("S2 of 2"));
     Query("UPDATE Serials SET Serial = 'renamed'");
     EXPECT_THAT(Query("SELECT Name FROM PD WHERE DriveKey = 'S1'"), ElementsAre("renamed"));
-    // From here on a table's new name counts for what mentions it, as ever.
+    // From here on, texts that mention a table mean the new table of that name.
     Query("ALTER TABLE Log RENAME TO Log2");
     DatabaseORM::insert(*m_Storage, makeDrive("S3"));
     EXPECT_THAT(Query("SELECT COUNT(*) FROM Log2"), ElementsAre("2"));

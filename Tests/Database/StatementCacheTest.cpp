@@ -6,7 +6,7 @@ using testing::HasSubstr;
 
 namespace {
 
-/** Statements that come again, which the database keeps prepared. */
+/** Repeated statements, which the database keeps prepared. */
 class StatementCache : public DatabaseFixture
 {};
 

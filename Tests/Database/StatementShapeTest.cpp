@@ -6,7 +6,7 @@ using testing::HasSubstr;
 
 namespace {
 
-/** Statements that differ in their values alone, which the database runs as one. */
+/** Statements that differ only in their values, which the database runs as one. */
 class StatementShape : public DatabaseFixture
 {
 protected:
@@ -17,8 +17,7 @@ protected:
         Query("INSERT INTO T VALUES(3, '', 9007199254740993, 30); INSERT INTO T VALUES(4, '5', 0, '5')");
     }
 
-    /** The result of a statement that is taken as it stands, for its shape would have to do without its
-     * comment. */
+    /** The result of a statement that has no shape because of its comment. */
     Values AsItStands(const std::string& sql) { return Query(sql + " -- as it stands"); }
 };
 

@@ -14,7 +14,7 @@ namespace {
 class Insert : public StatementFixture
 {};
 
-/** What the database answers for the maximum of the key, and the identifier that an insert then gives. */
+/** The database's answer for the largest key, and the identifier that an insert then gives. */
 using Maximum = std::pair<std::string, std::int32_t>;
 
 class InsertKey : public StatementFixture, public testing::WithParamInterface<Maximum>

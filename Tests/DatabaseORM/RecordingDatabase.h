@@ -11,7 +11,7 @@
 
 namespace TestSupport {
 
-/** Notes each statement; answers with what was scripted for it, in order, and with nothing after that. */
+/** Records each statement. Returns the scripted answers in order, and then nothing. */
 class CRecordingDatabase : public DatabaseWrapper::DatabaseDAO
 {
 public:

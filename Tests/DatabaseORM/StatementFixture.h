@@ -25,7 +25,7 @@ struct Sample
     std::string m_Unbound;
 };
 
-/** What the storage says of `Sample`'s table, for a test to vary. */
+/** What the storage knows of `Sample`'s table. A test may change it. */
 struct SampleTable
 {
     bool m_GeneratedKey = true;
@@ -52,7 +52,7 @@ protected:
         AddTable(description.m_GeneratedKey, description.m_ForeignKeys);
     }
 
-    /** Name, Count, Size: the 64-bit integer stands last. */
+    /** Name, Count, Size: the 64-bit integer is last. */
     void AddSampleWithBigIntegerLast(bool generatedKey = true)
     {
         auto map = std::make_shared<RaidDataModels::dbModelFieldsMap<Sample>>("SampleAlias");

@@ -29,7 +29,7 @@ std::string severityText(std::uint32_t severity)
     }
 }
 
-/** What a change of records from `live` to `fresh` brings about. */
+/** The events and health that follow a change of records from `live` to `fresh`. */
 std::vector<PI::CEvent> eventsOf(std::vector<CNVMeAdapter> live, const std::vector<CNVMeAdapter>& fresh,
                                  std::vector<CNVMePhysicalDrive> liveDrives = {},
                                  const std::vector<CNVMePhysicalDrive>& freshDrives = {})

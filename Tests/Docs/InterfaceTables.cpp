@@ -26,7 +26,7 @@ std::string code(const std::string& text)
     return "`" + text + "`";
 }
 
-// Requests: what a plug-in takes is found out by asking it.
+// The tables say what a request takes. That is found out by sending each request with each container.
 
 template<typename Container>
 struct CCandidate
@@ -34,7 +34,7 @@ struct CCandidate
     static PI::CRequestData data() { return Container(); }
 };
 
-/** A property that can be set, and that is there to be read. */
+/** A property that can be set and read. */
 template<>
 struct CCandidate<PI::CProperty>
 {
@@ -101,7 +101,7 @@ std::string requests()
     ask(PI::REQUEST_INITIALIZE);
     for (std::int32_t request = PI::REQUEST_GET_TOPOLOGY; isKnown(request); ++request)
         ask(request);
-    // The one starts the worker, and the other ends it.
+    // One starts the worker, and the other ends it.
     ask(PI::REQUEST_SET_ADAPTER_IDS);
     ask(PI::REQUEST_DEINITIALIZE);
     std::vector<Row> rows;

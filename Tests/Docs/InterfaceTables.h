@@ -5,7 +5,10 @@
 
 namespace DocsTest {
 
-/** The tables of Docs/Interfaces.md as Markdown, by their names there, made from what the code does. */
+/**
+ * The tables of Docs/Interfaces.md as Markdown, by their names in that file. The code's behaviour is their
+ * source.
+ */
 std::map<std::string, std::string> interfaceTables();
 
 } // namespace DocsTest

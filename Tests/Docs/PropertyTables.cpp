@@ -39,7 +39,7 @@ std::string kindText(std::uint32_t kind)
     }
 }
 
-/** What can be said of a value before it is known: its codes or its bounds. */
+/** What is known of a value before it is read: its codes or its bounds. */
 std::string expectation(const PI::CProperty& property)
 {
     std::vector<std::uint32_t> allowed;
@@ -68,7 +68,7 @@ Row propertyRow(const PI::CProperty& property, std::string note)
 
 const Row PROPERTY_TITLES = {"Property", "Caption", "Kind", "Unit", "Codes or bounds", "Remarks"};
 
-/** `known` has a value for every row, `unknown` for those that are always there. */
+/** `known` has a value for every row. `unknown` has a value for those that are always present. */
 template<typename Record, typename Plain>
 std::string properties(std::span<const CPropertyRow<Record>> descriptions, Plain known, Plain unknown)
 {

@@ -11,13 +11,13 @@ using Row = std::vector<std::string>;
 /** A Markdown table. */
 std::string table(const Row& titles, const std::vector<Row>& rows);
 
-/** What the catalogue has for a number; the number itself where that is nothing. */
+/** The catalogue's text of a number; the number itself when it has none. */
 std::string catalogueText(std::uint32_t number);
 
 /** A number and its text in the catalogue. */
 std::string coded(std::uint32_t number);
 
-// The tables of each kind of object's properties, of the health that warnings lead to, and of the events.
+// The tables of the properties of each kind of object, of the health for each warning, and of the events.
 
 std::string adapterProperties();
 std::string driveProperties();

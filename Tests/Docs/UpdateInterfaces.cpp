@@ -15,7 +15,7 @@ constexpr char BEGIN[] = "<!-- table: ";
 constexpr char NAME_END[] = " -->\n";
 constexpr char END[] = "<!-- end -->\n";
 
-/** `text` with every table made anew. Each has to stand in it once, and no other. */
+/** `text` with every table made anew. Each table must be in it once, and no other table. */
 std::string updated(const std::string& text)
 {
     std::map<std::string, std::string> tables = DocsTest::interfaceTables();

@@ -11,7 +11,7 @@ SCHEMAS = {file.stem: json.loads(file.read_text()) for file in sorted(FOLDER.glo
 
 
 def closed(schema):
-    """The schema, knowing every member of its release: a stray one is wrong. A condition ("if") stays open."""
+    """The schema, closed so that an unknown member is an error. A condition ("if") stays open."""
     if isinstance(schema, list):
         return [closed(each) for each in schema]
     if not isinstance(schema, dict):
@@ -28,11 +28,11 @@ def _validator(name):
 
 
 def wrong(name, document):
-    """What this release's schema of that name finds wrong with the document, a line each; empty when it fits."""
+    """The errors of the document by this release's schema of that name, one on each line; empty when it fits."""
     return [f"{name}: {'/'.join(map(str, each.absolute_path))}: {each.message[:300]}"
             for each in _validator(name).iter_errors(document)]
 
 
 def fits(name, document):
-    """Whether the document fits the schema as users have it, which knows nothing of later releases."""
+    """Whether the document fits the schema that users have, which allows members of later releases."""
     return jsonschema.Draft202012Validator(SCHEMAS[name]).is_valid(document)

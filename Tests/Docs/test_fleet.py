@@ -71,7 +71,7 @@ BAD = [
     fleet(vendorLogs={"0xDD": {"name": "x" * 512}}),
 ]
 
-# What a schema cannot say; the program refuses it all the same.
+# The program refuses these, although a schema cannot.
 BEYOND_A_SCHEMA = [
     {"controllers": [{"device": "/dev/nvme0n1"}, {"device": "/dev/nvme0n1"}]},
     fleet(namespace={"capacity": 513}),
@@ -87,7 +87,7 @@ class FleetFiles(unittest.TestCase):
         self.addCleanup(self.folder.cleanup)
 
     def refused(self, document):
-        """Whether the program says that the file is wrong, as opposed to what the drives in it are."""
+        """Whether the program says that the file is wrong; a fault of a drive in it does not count."""
         file = pathlib.Path(self.folder.name) / "fleet.json"
         file.write_text(json.dumps(document))
         result = subprocess.run([PROGRAM, "--simulate", str(file), "list", "--json"], capture_output=True, text=True,

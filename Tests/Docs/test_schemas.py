@@ -23,7 +23,7 @@ DEMO = str(pathlib.Path(SHARE) / "DemoFleet.json")
 LARGEST = 18446744073709551614
 SMALLEST_INEXACT = (1 << 53) + 1
 
-# Drives at the limits: counters that no double holds, one that answers as little as possible, one without texts.
+# Drives with extreme values: counters that no double holds, as few answers as possible, no texts.
 LIMITS = {"controllers": [
     {"location": "0000:01:00.0",
      "identify": {"vendorId": 1, "model": "M", "serial": "LARGEST"},
@@ -49,7 +49,7 @@ def places(value, path=()):
 
 
 def changed(document, path, change):
-    """A copy of the document in which `change` was called on what holds the last step of the path."""
+    """A copy of the document in which `change` was called on the object that holds the last step of the path."""
     result = copy.deepcopy(document)
     holder = result
     for step in path[:-1]:
@@ -73,7 +73,7 @@ class Documents(unittest.TestCase):
         pathlib.Path(cls.empty).write_text('{"controllers": []}')
 
     def document(self, schema, *words, fleet=DEMO, code=0):
-        """The document that the program prints; it fits the schema and begins with its format."""
+        """The program's document. It must fit the schema and begin with its format."""
         result = run(*words, "--simulate", fleet, "--json")
         self.assertEqual(result.returncode, code, result.stderr)
         document = json.loads(result.stdout)
@@ -143,7 +143,7 @@ class Documents(unittest.TestCase):
         self.assertEqual((hours["value"], hours["valueText"]), (LARGEST, str(LARGEST)))
 
     def news(self, fleet):
-        """What watch tells of the drives at its start, a document a line; each fits the schema."""
+        """The documents that watch prints at its start, one on each line. Each must fit the schema."""
         result = run("watch", "--for", "0", "--data", self.folder.name, "--simulate", fleet, "--json")
         self.assertEqual(result.returncode, 0, result.stderr)
         documents = [json.loads(line) for line in result.stdout.splitlines()]
@@ -190,7 +190,7 @@ class Documents(unittest.TestCase):
                 self.assertRegex(schema["$id"], rf"^https://[a-z./]+/schemas/1/{name}\.json$")
 
     def test_each_schema_is_whole_by_itself(self):
-        """So any tool resolves it, with no other file and no network; what several define is the same in all."""
+        """every schema is complete in itself, and definitions that several have are equal"""
         shared = {}
         for name, schema in schemas.SCHEMAS.items():
             used = {value for path, value in places(schema) if path and path[-1] == "$ref"}

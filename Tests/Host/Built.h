@@ -1,7 +1,7 @@
 #pragma once
 
-// Where this build has put what the tests load and run. Kept out of every other source, so that those compile
-// to the same objects wherever the build lies.
+// The places of the files that the tests load and run, in this build. Other sources do not include it, so
+// that their objects do not depend on the place of the build.
 namespace HostTest::Built {
 
 extern const char PROGRAM[];

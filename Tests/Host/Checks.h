@@ -7,10 +7,10 @@
 
 #include <string>
 
-/** What the tests of doctor's checks share. */
+/** Helpers for the tests of doctor's checks. */
 namespace HostTest {
 
-/** A controller that is as it should be, the one of "nvme<number>". */
+/** A controller without any fault, named "nvme<number>". */
 inline TLXX::CControllerState stateOf(int number)
 {
     TLXX::CControllerState state;
@@ -24,7 +24,7 @@ inline TLXX::CControllerState stateOf(int number)
     return state;
 }
 
-/** A check with this outcome whose message holds `part`. */
+/** Matches a check with this outcome whose message contains `part`. */
 inline auto finding(Host::Cli::Finding kind, const std::string& part)
 {
     using testing::Field;

@@ -24,7 +24,7 @@ struct DriveObjects
 {
     DriveObjects(std::uint64_t id, const std::string& serial, const std::string& device);
 
-    /** Takes a property out of both. */
+    /** Removes a property from both. */
     void remove(std::uint32_t propertyId);
 
     PI::CObject m_Adapter;

@@ -7,7 +7,7 @@ MIB = 1 << 20
 
 @dataclasses.dataclass(frozen=True)
 class Namespace:
-    """A namespace that is a device of its own."""
+    """A namespace that is a separate device for QEMU."""
 
     nsid: int
     size: int
@@ -34,7 +34,7 @@ class Controller:
     options: dict = dataclasses.field(default_factory=dict)
 
     def namespace_count(self):
-        """How many namespaces came with it."""
+        """How many namespaces belong to it."""
         return 1 if self.size else len(self.namespaces)
 
     def path_count(self):
@@ -42,7 +42,7 @@ class Controller:
         return self.namespace_count() + self.shared
 
     def backends(self):
-        """What stores the namespaces: nothing does, since no test needs what it wrote."""
+        """The storage of the namespaces: none, because no test needs written data."""
         sizes = {self.name: self.size} if self.size else {f"{self.name}-{n.nsid}": n.size for n in self.namespaces}
         return [{"driver": "null-co", "node-name": name, "size": size, "read-zeroes": True}
                 for name, size in sizes.items()]

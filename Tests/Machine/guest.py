@@ -23,7 +23,7 @@ PROGRESS_EVERY = 15
 
 
 class GuestFailure(Exception):
-    """The guest did not do what it was started for."""
+    """The guest did not do its job."""
 
 
 class Guest:
@@ -72,7 +72,7 @@ class Guest:
                    "-nodefaults", "-no-user-config", "-display", "none", "-no-reboot",
                    "-global", "ICH9-LPC.acpi-pci-hotplug-with-bridge-support=on",
                    "-kernel", str(self._kernel), "-initrd", str(self._initramfs),
-                   # On a busy machine the emulated timer ticks too late for the kernel's check of it.
+                   # On a busy machine the emulated timer is too late for the kernel's check.
                    "-append", "console=ttyS0 quiet loglevel=5 panic=-1 no_timer_check",
                    "-chardev", f"file,id=console,path={self._console}", "-serial", "chardev:console",
                    "-chardev", f"socket,id=results,path={sockets}/results,server=on,wait=on",
@@ -111,7 +111,7 @@ class Guest:
         self._process.wait()
         self._stderr.close()
         shutil.rmtree(self._sockets, ignore_errors=True)
-        # What a failure needs is in the logs; the archive is large and can be built again.
+        # The logs have what a failure needs; the archive is large and can be built again.
         self._initramfs.unlink(missing_ok=True)
 
     def _connect(self, name):
@@ -155,7 +155,7 @@ class Guest:
         return line.decode(errors="replace")
 
     def await_event(self, name, timeout=BOOT_TIMEOUT):
-        """Waits until the job calls `event NAME`; returns what it said behind the name."""
+        """Waits until the job calls `event NAME`; returns the rest of that line."""
         deadline = time.monotonic() + timeout
         while True:
             kind, _, rest = self._line(deadline, name).partition(" ")
@@ -169,7 +169,7 @@ class Guest:
                     raise self._failure(f"the job ended: no {name}")
 
     def trace(self, names, enable):
-        """Starts or stops QEMU's trace points; `traced` has what they said."""
+        """Starts or stops QEMU's trace points; `traced` returns their lines."""
         for name in names:
             self.qmp.execute("trace-event-set-state", {"name": name, "enable": enable})
 
@@ -178,7 +178,7 @@ class Guest:
         return (self._log / "trace.txt").read_text().splitlines()
 
     def go(self, name):
-        """Lets a job go on that called `await NAME`."""
+        """Lets a job continue that has called `await NAME`."""
         self._port.sendall(f"go {name}\n".encode())
 
     def plug(self, drive):
@@ -186,7 +186,7 @@ class Guest:
         self.qmp.execute("device_add", drive.device())
 
     def unplug(self, drive):
-        """Unplugs a drive and waits until the guest has let it go."""
+        """Unplugs a drive and waits until the guest has released it."""
         self.qmp.execute("device_del", {"id": drive.name})
         while self.qmp.await_event("DEVICE_DELETED").get("device") != drive.name:
             pass

@@ -41,7 +41,7 @@ class Archive:
         self._put(path, stat.S_IFREG | stat.S_IMODE(source.stat().st_mode), source.read_bytes())
 
     def tree(self, path, source, patterns):
-        """Adds the files below the directory `source` that fit, and what the programs and libraries among them need."""
+        """Adds the matching files below the directory `source`, and the libraries that the programs among them need."""
         source = pathlib.Path(source).resolve()
         for each in (file for pattern in patterns for file in sorted(source.glob(pattern)) if file.is_file()):
             self.file(f"{path}/{each.relative_to(source)}", each)
@@ -61,7 +61,7 @@ class Archive:
         if "not found" in listing.stdout:
             raise FileNotFoundError(f"{binary}: a library is missing:\n{listing.stdout}")
         for library in map(pathlib.Path, LINKED.findall(listing.stdout)):
-            # What lies in the tree comes with it, and is to be found there.
+            # Libraries in the tree are packed with it and found there.
             if inside is None or inside not in library.resolve().parents:
                 self.file(str(library), library)
 

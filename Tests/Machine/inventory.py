@@ -1,4 +1,4 @@
-"""What the system's own tools say of a controller, held against what ostrel says of it."""
+"""Compares what the system's own tools report of a controller with what ostrel reports."""
 
 import json
 import math
@@ -9,7 +9,7 @@ KNOWN_FAMILIES = ("INTEL SSDPED", "SAMSUNG MZP")
 UNIT_BYTES = 1000 * 512
 UNITS = {name: 1024**power for power, name in enumerate(("bytes", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"))}
 
-# Bit of the critical warning -> status and reason, in the order in which they are looked at.
+# Bit of the critical warning -> status and reason, in the order in which the bits are tested.
 WARNINGS = {1: (40150, 40459), 0: (40150, 40460), 4: (40095, 40449), 2: (40095, 40487), 3: (40095, 40452)}
 HEALTHY = 40024
 
@@ -39,7 +39,7 @@ class Files:
 
 
 def health(warning):
-    """Status and reasons that a critical warning byte stands for."""
+    """The status and the reasons of a critical warning byte."""
     status, reasons = HEALTHY, []
     for bit, (code, reason) in WARNINGS.items():
         if warning >> bit & 1:
@@ -157,7 +157,7 @@ class Object:
 
 
 def told(entry, adapter, drive):
-    """Field -> place -> value: the same fields, as the `entry` of list and the two objects of topology tell them."""
+    """Field -> place -> value: the same fields, from the `entry` of list and the two objects of topology."""
     def amount(name):
         return entry[name]["value"] * UNITS[entry[name]["unit"]] if name in entry else None
 
@@ -240,7 +240,7 @@ class Report:
         return [each for each in self.objects if each.type == number]
 
     def told(self, serial, address):
-        """What is told of the controller with that serial number; the address tells twins apart."""
+        """The fields of the controller with that serial number; the address distinguishes twins."""
         place = location(*_pci(address))
 
         def only(candidates, what, place_of):

@@ -28,7 +28,7 @@ def _from_archive(query):
 
 
 def _package():
-    """Name and version of the package that the meta package stands for."""
+    """The name and version of the package that the meta package depends on."""
     match = re.search(r"Depends: (linux-image-\S+)", _output("apt-cache", "depends", META_PACKAGE))
     if match is None:
         raise LookupError(f"{META_PACKAGE} depends on no kernel")

@@ -15,7 +15,7 @@ def job(name):
 
 
 def boot(name, fleet=(), later=(), options=(), label=None):
-    """A guest with ostrel that runs the job of that name; its logs go by `label` where several run one job."""
+    """A guest with ostrel that runs this job. `label` names its logs when several guests run the same job."""
     label = label or name
     image = kernel.fetch(pathlib.Path(work) / "kernel")
     print(f"Booting the guest '{label}' with {len(fleet)} controllers ...", flush=True)

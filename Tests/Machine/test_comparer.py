@@ -1,4 +1,4 @@
-"""The comparison itself: data that agree pass, and each single alteration is noticed."""
+"""Tests the comparison itself: equal data pass, and each single change is noticed."""
 
 import copy
 import json
@@ -86,12 +86,12 @@ def altered(value):
         return value + "x"
     if isinstance(value, list):
         return value[::-1]
-    # Far enough off for amounts of data, which are told with few digits.
+    # Different enough for amounts of data, which are printed with few digits.
     return value * 2 + 1
 
 
 def compared(listing, objects, files=None):
-    """Count and failures of a comparison; an error that the data themselves give counts as a failure."""
+    """The number of comparisons and of failures; an exception from the data counts as a failure."""
     try:
         expected = inventory.truth(inventory.Files(files or collected(), "first/nvme0"), KERNEL)
         report = inventory.Report(json.dumps(listing), json.dumps(objects))

@@ -35,10 +35,10 @@ UNPLUGGED = FLEET[6]
 LATER_WARNINGS = {"plain": 0x01, "intel": 0x02, "warned": 0x00, "large-blocks": 0x04, "hostile": 0x08,
                   "two-disks": 0x10, "odd-size": 0x09, "far-away": 0x12, "twin-1": 0x03, "twin-2": 0x18}
 
-# What is traced of the commands that a controller is given, and the two that only read.
+# The traced commands to a controller, and the two that only read.
 COMMANDS = ("pci_nvme_admin_cmd", "pci_nvme_io_cmd")
 GET_LOG_PAGE, IDENTIFY = "opc 0x2 ", "opc 0x6 "
-# Every controller is compared at least so often; a field that both sides lost would show here.
+# The least number of comparisons for a controller. Fewer mean that both sides lost a field.
 COMPARISONS = 127
 
 

@@ -15,7 +15,7 @@ COMING = Controller("coming", "COMING", size=64 * MIB)
 
 ADDED, REMOVED = 11093, 11094
 HOST = "0x0000000000004a3a"
-# What each step is to make happen, as event, severity and drive, in the order in which it is handed over.
+# The expected events of each step (event, severity and drive), in the order in which they are handed over.
 STEPS = {
     "warned-04": [(11088, 3, "WARNED")],
     "warned-14": [(10957, 4, "WARNED")],
@@ -24,10 +24,10 @@ STEPS = {
     "unplugged": [(REMOVED, 3, "GOING")],
     "plugged": [(ADDED, 2, "COMING")],
     "set": [],
-    # Several at once are handed over in the reverse of the order in which they are made.
+    # Several at once are handed over in reverse order of their creation.
     "warned-15": [(10968, 4, "WARNED"), (11088, 3, "WARNED"), (10957, 4, "WARNED")],
 }
-# What no event tells: a warning that clears while another one stays.
+# A change without an event: a warning that clears while another one stays.
 NEWS = [("memory-backup-failed", "ended", "WARNED")]
 
 

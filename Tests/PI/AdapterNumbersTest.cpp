@@ -16,7 +16,7 @@ using testing::HasSubstr;
 class AdapterNumbers : public testing::Test
 {
 protected:
-    /** What earlier tests of this process left is gone. */
+    /** Clears what earlier tests of this process left. */
     AdapterNumbers() { PI::restoreAdapterNumbers(m_File); }
 
     static std::int32_t NumberOf(std::int32_t bus, std::int32_t segment = 0,
@@ -31,7 +31,7 @@ protected:
 
     std::string Content() const { return m_Folder.Read("Numbers.txt"); }
 
-    /** What is told of a file with this content. */
+    /** The message about a file with this content. */
     std::string ToldOf(const std::string& content) const
     {
         m_Folder.Write("Numbers.txt", content);
@@ -91,7 +91,7 @@ TEST_F(AdapterNumbers, AreWrittenOneALine)
     EXPECT_THAT(Content(), testing::EndsWith("host.\n1 0 2 0 0 localhost\n2 3 1 0 0 localhost\n"));
 }
 
-// French groups digits with a blank, and a blank stands between the numbers of a line.
+// French groups digits with a blank, and blanks separate the numbers of a line.
 TEST_F(AdapterNumbers, AreKeptWhateverTheProcessesLocale)
 {
     const TestSupport::CGroupingLocale locale("\3", ' ');
@@ -152,7 +152,7 @@ TEST_F(AdapterNumbers, AFileThatCannotBeReadIsRefusedAndLeftAlone)
     EXPECT_EQ(Refusal(), m_File.string() + " is no regular file");
     EXPECT_EQ(NumberOf(42), 1);
     EXPECT_EQ(NumberOf(2), 2);
-    // It can be read again, but these are not its numbers.
+    // The file can be read again by now, but the present numbers were not read from it.
     std::filesystem::remove(m_File);
     m_Folder.Write("Numbers.txt", "5 0 2 0 0 localhost\n");
     PI::storeAdapterNumbers(m_File);

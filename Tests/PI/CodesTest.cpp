@@ -18,7 +18,7 @@ namespace {
 
 using TLX::Language_Support::CLanguageSupport;
 
-/** The catalogue of the plug-in tells what each number means. */
+/** The plug-in's catalogue says what each number means. */
 TEST(Codes, AreNamedAsTheCatalogueNamesThem)
 {
     CLanguageSupport::SetFolder(TestSupport::sourceTree("Ostrel/Data"));

@@ -190,7 +190,7 @@ struct ConfigFileWriteTest : testing::Test
 
     std::string Content() const { return m_Folder.Read("Test.ini"); }
 
-    /** The content after "60" was written to "PollInterval" in a file of the given content. */
+    /** The content of a file after "60" was written to "PollInterval". */
     std::string After(std::string_view content)
     {
         m_Folder.Write("Test.ini", content);

@@ -59,7 +59,7 @@ TEST(LifeTimeData, HandsOutWholeTebibytes)
 {
     EXPECT_EQ(read("a|1000").at(0).m_Endurance, 909U);
     EXPECT_EQ(read("a|7008").at(0).m_Endurance, 6373U);
-    // 2^28 TB are exactly 5^12 TiB; one terabyte less lies below.
+    // 2^28 TB are exactly 5^12 TiB; one terabyte less gives less.
     EXPECT_EQ(read("a|268435456").at(0).m_Endurance, 244140625U);
     EXPECT_EQ(read("a|268435455").at(0).m_Endurance, 244140624U);
     EXPECT_EQ(read("a|18446744073709551615").at(0).m_Endurance, 16777215999999999999U);

@@ -99,7 +99,7 @@ TEST(PluginApi, IsDestroyedThroughTheInterface)
     std::unique_ptr<IPLUGINAPI> plugin = std::make_unique<CPlugin>(destroyed);
     PI::CRequestData data;
     EXPECT_EQ(plugin->Request(PI::REQUEST_GET_TOPOLOGY, 0, data), 4U);
-    // No reference to the constant: on Windows none is to be had from another library.
+    // A copy, because on Windows a reference to a constant of another library is not possible.
     EXPECT_EQ(plugin->m_Version, +IPLUGINAPI::VERSION);
     EXPECT_EQ(plugin->m_HostCallback, nullptr);
     plugin.reset();

@@ -6,8 +6,8 @@ import unittest
 import stage
 from usage import Usage
 
-# Keys count only once the line editor reads them: before that, the terminal itself would take Ctrl+U as "forget the
-# line". Without a baud rate the editor shows a list at once instead of waiting for the keys to stop.
+# Keys work only after the line editor has started; before that the terminal takes Ctrl+U for "delete the line".
+# Without a baud rate the editor shows a list at once and does not wait for a pause in the keys.
 ZSH = r"""
 zmodload zsh/zpty
 zpty -b shell zsh -f -i
@@ -60,6 +60,6 @@ class Completions(unittest.TestCase):
             text = stage.run("zsh", "-f", "-c", ZSH, "zsh", self.share / "zsh/vendor-completions", line)
             text = re.sub(r"\x1b\[[0-9;?]*[A-Za-z]|[\a\r]", lambda match: "\n" if match[0] == "\r" else "", text)
             listed = re.findall(r"^(\S.*?) +-- ", text, re.MULTILINE)
-            # A choice without a description is listed by itself, or put into the line when it is the only one.
+            # A choice without a description is listed alone, or completed at once if it is the only one.
             return {name for entry in listed for name in entry.split()} | set(re.findall(r"(?<!-)\bplugin\b", text))
         self.check(offered)

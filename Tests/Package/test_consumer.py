@@ -1,4 +1,4 @@
-"""A host and a plug-in of somebody else, built in an empty folder against the unpacked package alone."""
+"""A host and a plug-in of another maker, built in an empty folder with the unpacked package only."""
 
 import json
 import pathlib

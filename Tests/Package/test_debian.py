@@ -34,7 +34,7 @@ class Debian(unittest.TestCase):
 
     def test_policy(self):
         """lintian has nothing to tell, down to its informational tags, but what is overridden with a reason"""
-        # Compilers copy texts in overlapping pieces, and the joints read like misspelt words.
+        # Compilers copy texts in overlapping pieces, and where these meet they look like misspelt words.
         checked = stage.attempt("lintian", "--allow-root", "--display-info", "--fail-on", "error,warning,info",
                                 "--suppress-tags", "spelling-error-in-binary", stage.package, stage.development)
         self.assertEqual((checked.returncode, checked.stdout), (0, ""), checked.stderr)
@@ -53,7 +53,7 @@ class Debian(unittest.TestCase):
                 folder = stage.work / "places" / package.stem
                 folder.mkdir(parents=True)
                 stage.run("dpkg-deb", "--extract", package, folder)
-                # Links of the one lead to files of the other, so they are looked for by name.
+                # Links in one package lead to files of the other, so the test searches by name.
                 names = [str(file.relative_to(folder / "usr")) for file in (folder / "usr").rglob("*")]
                 held = {place for place in (*PLACES, *DEVELOPMENT_PLACES) if fnmatch.filter(names, place)}
                 self.assertEqual(held, {*places})

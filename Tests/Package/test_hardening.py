@@ -17,7 +17,7 @@ class Hardening(unittest.TestCase):
         cls.files = [cls.program, *libraries]
 
     def each(self, *command):
-        """What a command tells of each file."""
+        """The output of a command for each file."""
         self.assertEqual(len(self.files), 6, self.files)
         for file in self.files:
             with self.subTest(file.name):

@@ -8,7 +8,7 @@ from usage import Usage
 
 
 class Manual(unittest.TestCase):
-    """As it stands in the package, and as a reader sees it."""
+    """The page in the package, as source and as a reader sees it."""
 
     @classmethod
     def setUpClass(cls):

@@ -25,7 +25,7 @@ class Transcripts(unittest.TestCase):
         self.assertEqual((checked.returncode, checked.stdout), (0, ""), checked.stderr)
 
     def test_others(self):
-        """no other block looks like one"""
+        """no other block looks like a transcript"""
         for file in DOCUMENTS:
             for kind, block in re.findall(r"^```(\w*)\n(.*?)^```$", file.read_text(), re.MULTILINE | re.DOTALL):
                 if kind != "console":

@@ -9,7 +9,7 @@ COLUMN = 24
 
 
 def _entries(text, heading):
-    """What stands on the left below a heading, such as "--data DIR" or "list"."""
+    """The left column below a heading, such as "--data DIR" or "list"."""
     _, _, rest = text.partition(f"\n{heading}:\n")
     block = rest.split("\n\n")[0].splitlines()
     lines = [line for line in block if line[2:3].strip()]
@@ -38,6 +38,6 @@ class Usage:
             raise AssertionError(f"the help was not understood:\n{general}")
 
     def option_names(self, command=None):
-        """Each name by itself, such as "--data" and "-h": those that go everywhere, and those of the command."""
+        """Each name alone, such as "--data" and "-h": the general ones, and those of the command."""
         options = self.general | self.own.get(command, set())
         return {name for option in options for name in option.split(" ")[0].split(",")}

@@ -21,7 +21,7 @@ TLXX_WIN = ("Libraries/TLXX/Include_Win/TLXX/Win",)
 PI = ("Libraries/PI/Include/PI",)
 ORM = ("DatabaseORM/Include/DatabaseORM",)
 DATABASE = ("Libraries/Database/Include/Database",)
-# What a host gives its plug-ins, and so what the plug-in and the program may know.
+# The libraries that a host gives its plug-ins. Plug-in and program may include these.
 HOST_LIBRARIES = TLX + TLXX + PI + ORM + DATABASE
 
 
@@ -30,7 +30,7 @@ def rooms(parent, *names):
     return tuple(f"{parent}/{name}" for name in names)
 
 
-# Folder -> the folders that it may include from, beside itself. From the bottom up.
+# Folder -> the folders that it may include from, besides itself. From the bottom up.
 ALLOWED = {
     "Libraries/TLX/Include/TLX": TLX,
     "Libraries/TLX/Include_Linux/TLX": TLX,
@@ -84,7 +84,7 @@ ALLOWED = {
     "Host": rooms("Host", "Base", "Commands"),
 }
 
-# ---- Known exceptions: arrows that still run up. This list only ever gets shorter. ----
+# ---- Known exceptions: arrows that still run up. This list must only get shorter. ----
 STILL_UP = {
     ("Host/Documents", "Host/Terminal"),
     ("Host/Facts", "Host/Documents"),
@@ -108,7 +108,7 @@ OTHER_SYSTEM = {"Linux": "_Win", "Win": "_Linux"}
 
 @functools.lru_cache(maxsize=None)
 def search_folders(root, folder):
-    """Where the compiler looks for what a file of this folder includes, after the folder itself."""
+    """The folders where the compiler searches for an include of a file in this folder, after the folder itself."""
     found = [root / "Ostrel/Src", root / "Host"]
     for library in LIBRARIES:
         found += (root / library).glob("Include*")
@@ -129,7 +129,7 @@ def targets(root, parent, included):
 
 
 def complaints(root, path, quote, included):
-    """What is wrong with one include of one file."""
+    """The error in one include of one file, if any."""
     folder = path.parent.relative_to(root).as_posix()
     found = targets(root, path.parent, included)
     if not found and quote == '"' and not GENERATED.fullmatch(included):

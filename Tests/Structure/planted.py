@@ -11,7 +11,7 @@ import tempfile
 
 import dependencies
 
-# File that is planted -> its include, and what has to be said of it.
+# File that is planted -> its include, and the error that the check must report.
 PLANTED = [
     ("Host/Base/Planted.cpp", '"Commands/Program.h"', "Host/Base may not know Host/Commands"),
     ("Host/Base/Planted.cpp", '"../Commands/Program.h"', "Host/Base may not know Host/Commands"),

@@ -8,13 +8,13 @@
 namespace TestSupport {
 
 /**
- * Lets a fixed number of threads wait for one another, again and again. Stands for `std::barrier`, whose
- * sleepers the standard library of GCC 12 sometimes forgets to wake on systems without futexes.
+ * Lets a fixed number of threads wait for one another, again and again. Replaces `std::barrier`: in GCC 12
+ * its standard library sometimes fails to wake sleeping threads on systems without futexes.
  */
 class CBarrier
 {
 public:
-    /** `completion` runs in the last thread that arrives, before any goes on. */
+    /** `completion` runs in the last thread that arrives, before any thread goes on. */
     explicit CBarrier(
         unsigned threads, std::function<void()> completion = [] {})
         : m_Threads(threads), m_Completion(std::move(completion))

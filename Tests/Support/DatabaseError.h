@@ -8,7 +8,7 @@
 
 namespace TestSupport {
 
-/** The message of the database exception that `operation` throws; a failed test when it throws none. */
+/** The message of the database exception that `operation` throws. The test fails when it throws none. */
 template<class Operation>
 std::string databaseError(Operation operation)
 {

@@ -10,7 +10,7 @@
 
 namespace TestSupport {
 
-/** What a property must look like to its host. */
+/** A property as its host must see it. */
 struct CExpectedProperty
 {
     PI::_PROPERTY_DESCRIPTION m_Description;

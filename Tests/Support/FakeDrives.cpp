@@ -189,7 +189,7 @@ public:
     std::function<void(const std::string&)> m_OnQuery;
 
 private:
-    /** Calls the test's own function without the lock, for it may block or throw. */
+    /** Calls the test's own function without the lock, because it may block or throw. */
     void Announce(const std::string& query)
     {
         std::function<void(const std::string&)> action;

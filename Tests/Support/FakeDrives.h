@@ -15,7 +15,7 @@
 
 namespace TestSupport {
 
-/** One scripted controller: what it answers, and with which statuses, before it answers. */
+/** One scripted controller: its answers, and the statuses that it returns before it answers. */
 struct CFakeDrive
 {
     /** A healthy drive of 1 GiB in 512-byte blocks at 25 degrees, without a known maker, at PCI bus `number`.
@@ -45,15 +45,15 @@ struct CFakeDrive
     TLXX::NVME_IDENTIFY_CONTROLLER m_Controller{};
     TLXX::NVME_IDENTIFY_NAMESPACE m_Namespace{};
     TLXX::NVME_SMART_HEALTH_INFORMATION_LOG m_Health{};
-    std::map<std::uint8_t, TLXX::VendorLogPage> m_VendorLogs; ///< a log that is not there fails
+    std::map<std::uint8_t, TLXX::VendorLogPage> m_VendorLogs; ///< a missing log fails
 
-    // Statuses that the next queries return; a 0 lets one through. Empty: every query succeeds.
+    // Statuses that the next queries return; a 0 lets a query succeed. Empty: every query succeeds.
     std::deque<std::uint32_t> m_ControllerStatuses;
     std::deque<std::uint32_t> m_NamespaceStatuses;
     std::deque<std::uint32_t> m_HealthStatuses;
 };
 
-/** Scripted controllers in the machine's place while it lives. Safe from any thread. */
+/** Replaces the machine's drives by scripted controllers while it lives. Safe from any thread. */
 class CFakeDrives
 {
 public:
@@ -62,17 +62,17 @@ public:
     CFakeDrives(const CFakeDrives&) = delete;
     CFakeDrives& operator=(const CFakeDrives&) = delete;
 
-    /** Adds a drive behind the others; the reference holds until the next change of the list. */
+    /** Adds a drive after the others. The reference is valid until the next change of the list. */
     CFakeDrive& Add(CFakeDrive drive);
-    /** Takes the drive with this device name out of the machine. */
+    /** Removes the drive with this device name from the machine. */
     void Remove(const std::string& deviceName);
     CFakeDrive& At(std::size_t index);
-    /** Changes a drive while others may be asking it. */
+    /** Changes a drive while other threads may query it. */
     void Change(std::size_t index, const std::function<void(CFakeDrive&)>& change);
 
     /**
-     * Called before each query with what `Queries` says of it, and before each enumeration with "enumerate",
-     * on the thread that asks. What it throws passes to the plug-in.
+     * Sets a function that is called, on the querying thread, before each query with the text that `Queries`
+     * has for it, and before each enumeration with "enumerate". Its exceptions pass through to the plug-in.
      */
     void OnQuery(std::function<void(const std::string& query)> action);
 

@@ -6,7 +6,9 @@
 
 namespace TestSupport {
 
-/** The process's locale writes and reads numbers with a separator between groups of digits while it lives. */
+/**
+ * While it lives, the process's locale writes and reads numbers with a separator between groups of digits.
+ */
 class CGroupingLocale
 {
 public:

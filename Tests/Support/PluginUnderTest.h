@@ -4,7 +4,7 @@
 
 namespace TestSupport {
 
-/** The plug-in object with its insides open. */
+/** The plug-in object with its internals accessible. */
 class CPluginUnderTest : public NAMESPACE_Ostrel::IPLUGINAPI_IMPL
 {
 public:

@@ -20,8 +20,10 @@
 
 namespace TestSupport {
 
-/** A real database file in a folder of its own, and a catalogue in which single quotes are not rare. Made
- * before the plug-in that uses it. */
+/**
+ * A real database file in a folder of its own, and a catalogue with many single quotes. It must be made
+ * before the plug-in that uses it.
+ */
 class CDatabaseFile
 {
 public:
@@ -40,7 +42,7 @@ public:
 
     std::filesystem::path File() const { return m_Folder.Path() / "Ostrel.db"; }
 
-    /** What another program would read. */
+    /** The rows as another program would read them. */
     std::vector<std::string> Query(const std::string& sql)
     {
         if (!m_Reader) {
@@ -50,7 +52,7 @@ public:
         return m_Reader->query(sql);
     }
 
-    /** Keeps everyone else from writing, until it is destroyed. */
+    /** Prevents all others from writing until it is destroyed. */
     class CLock
     {
     public:
@@ -70,7 +72,7 @@ private:
     std::shared_ptr<DatabaseWrapper::DatabaseDAO> m_Reader;
 };
 
-/** Notes every statement and hands it on. */
+/** Records every statement and passes it on. */
 class CStatementCounter : public DatabaseWrapper::DatabaseDAO
 {
 public:
@@ -119,7 +121,7 @@ protected:
 
     Values Query(const std::string& sql) { return m_File.Query(sql); }
 
-    /** From now on every statement of the plug-in fails with `message`. */
+    /** Makes every statement of the plug-in fail with `message` from now on. */
     void BreakDatabase(const std::string& message) { Throw(DBEXCEPTION::DatabaseException(message)); }
 
     template<typename Exception>
@@ -128,7 +130,7 @@ protected:
         m_Plugin.m_Database->m_Access = std::make_shared<CThrowingDatabase<Exception>>(std::move(exception));
     }
 
-    /** Notes the statements of the plug-in from now on. */
+    /** Records the statements of the plug-in from now on. */
     std::shared_ptr<CStatementCounter> CountStatements()
     {
         auto counter = std::make_shared<CStatementCounter>(m_Plugin.m_Database->m_Access);
@@ -140,7 +142,7 @@ protected:
     CPluginUnderTest m_Plugin;
 };
 
-/** The lines of the database among `lines`, which must be of one unit and name the class's `function`. */
+/** The lines about the database in `lines`. All lines must be of one unit and name the class's `function`. */
 inline std::vector<std::string> databaseTexts(const CTraceCapture& capture, const std::string& unit,
                                               const std::string& function)
 {

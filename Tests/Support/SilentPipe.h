@@ -4,7 +4,10 @@
 
 namespace TestSupport {
 
-/** A pipe to which nobody else writes: who reads from it is stuck, as in a drive that no longer answers. */
+/**
+ * A pipe to which nothing else writes. A thread that reads from it is stuck, as with a drive that no longer
+ * answers.
+ */
 class CSilentPipe
 {
 public:
@@ -15,7 +18,7 @@ public:
 
     /** Waits for a byte; returns whether one came. */
     bool ReadByte() const;
-    /** The same as a call that can be broken off. */
+    /** The same as a call that can be cancelled. */
     bool ReadInterruptibly() const;
     void WriteByte() const;
 

@@ -5,7 +5,7 @@
 
 namespace TestSupport {
 
-/** The file or folder `path` of the source tree, such as "Tests/Data/Scan", as this system names it. */
+/** The path of a file or folder of the source tree, such as "Tests/Data/Scan", in this system's form. */
 std::filesystem::path sourceTree(std::string_view path);
 
 } // namespace TestSupport

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-/** Numbers that this system gives to what goes wrong. */
+/** This system's numbers of some errors. */
 namespace TestSupport::SystemStatus {
 
 extern const std::uint32_t NO_PERMISSION;

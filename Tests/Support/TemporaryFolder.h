@@ -6,7 +6,7 @@
 
 namespace TestSupport {
 
-/** A folder of its own for one test; gone with everything in it afterwards. */
+/** A folder of its own for one test. It is removed with its content afterwards. */
 class CTemporaryFolder
 {
 public:

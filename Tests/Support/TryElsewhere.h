@@ -8,7 +8,7 @@
 
 namespace TestSupport {
 
-/** What another thread gets that tries to take the lock at once; it does not keep it. */
+/** The result when another thread tries to take the lock without a wait; it releases the lock again. */
 inline std::uint32_t tryElsewhere(TLX::Threading::Native_OS::CFastMutex& lock)
 {
     return std::async(std::launch::async,

@@ -13,7 +13,9 @@
 
 namespace TestSupport {
 
-/** A clock that stands still until someone sleeps on it or moves it. Stands for the process's while it lives.
+/**
+ * A clock that stands still until a thread sleeps on it or the test moves it. Replaces the process's clock
+ * while it lives.
  */
 class CVirtualClock : public TLX::Misc::IClock
 {
@@ -25,23 +27,23 @@ public:
     std::uint64_t Now() override;
     std::uint64_t Monotonic() override;
 
-    /** Moves the clock to `instant` at once and notes how far it moved. */
+    /** Moves the clock to `instant` at once and records how far it moved. */
     void SleepUntil(std::uint64_t instant) override;
 
     std::shared_ptr<TLX::Threading::CEvent> AlarmAt(std::uint64_t instant) override;
 
-    /** Moves the clock; waits whose time is then over end. */
+    /** Moves the clock. Waits whose time is over then end. */
     void Advance(std::uint64_t milliseconds);
 
     /** How long each sleep was, in milliseconds, in order. */
     std::vector<std::uint64_t> Sleeps() const;
 
-    /** Called at the beginning of each sleep, on the sleeper's thread. */
+    /** A function that is called at the beginning of each sleep, on the sleeping thread. */
     void OnSleep(std::function<void()> action);
 
     /**
-     * Blocks until `count` waits of more than no time at all have begun since the clock was made, and returns
-     * how long the last of them may take, in milliseconds.
+     * Blocks until `count` waits with a time-out above 0 have begun since the clock was made. Returns how
+     * long the last of them may take, in milliseconds.
      */
     std::uint64_t AwaitWait(std::size_t count);
 

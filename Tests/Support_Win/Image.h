@@ -6,7 +6,7 @@
 
 namespace TestSupport {
 
-/** What lies at an offset of a loaded image. */
+/** The object at an offset of a loaded image. */
 template<typename T>
 T* at(std::uint8_t* base, std::uint64_t offset)
 {

@@ -40,7 +40,7 @@ void* CImportPatch::Exchange(void* address, const char* name) const
     if (m_Slot == nullptr)
         throw std::runtime_error(std::string("no import ") + name);
     DWORD former = 0;
-    // Stays writable, for the way back.
+    // Stays writable, because the destructor restores it.
     if (VirtualProtect(m_Slot, sizeof *m_Slot, PAGE_READWRITE, &former) == FALSE)
         throw std::runtime_error("the imports cannot be written");
     return std::exchange(*m_Slot, address);

@@ -5,8 +5,8 @@
 namespace TestSupport {
 
 /**
- * Puts a function in the place of one that `module` imports, for as long as it lives. The module itself stays
- * as it was built. Throws `std::runtime_error` when it imports no function of that name.
+ * Replaces a function that `module` imports, for as long as it lives. The module itself is not changed.
+ * Throws `std::runtime_error` when the module imports no function of that name.
  */
 class CImportPatch
 {

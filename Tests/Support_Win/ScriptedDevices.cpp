@@ -109,7 +109,7 @@ CScriptedDevices::Node CScriptedDevices::Neighbour(Node node) const
     if (found == m_Nodes.end() || found->second.m_Parent == 0)
         return 0;
     const std::vector<Node>& children = m_Nodes.at(found->second.m_Parent).m_Children;
-    // The children are in ascending order, since nodes are numbered as they come.
+    // The children are in ascending order, because nodes are numbered as they are added.
     const auto next = std::upper_bound(children.begin(), children.end(), node);
     return next == children.end() ? 0 : *next;
 }

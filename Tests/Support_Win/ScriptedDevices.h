@@ -16,11 +16,11 @@
 
 namespace TestSupport {
 
-/** One interface of a scripted disk, and the device behind it. */
+/** One interface of a scripted disk, and its device. */
 struct CScriptedDisk
 {
     std::string m_Path;
-    std::optional<std::uint32_t> m_Number; ///< none: the device tells none
+    std::optional<std::uint32_t> m_Number; ///< none: the device does not tell its number
     DWORD m_OpenError = 0;
     DWORD m_ProbeError = ERROR_INSUFFICIENT_BUFFER;
     bool m_Detailed = true; ///< whether the second question for the path is answered
@@ -28,7 +28,7 @@ struct CScriptedDisk
     std::optional<DWORD> m_DetailSize;
 };
 
-/** One control call to a scripted device: what came, and the room for the answer. */
+/** One control call to a scripted device: its input, and the room for its output. */
 struct CControlCall
 {
     std::string m_Path;
@@ -40,9 +40,9 @@ struct CControlCall
 };
 
 /**
- * Stands in the system's place for the device tree and its disks while it lives: one module's calls to the
- * configuration manager, to the device installation functions and to devices come here, as far as it imports
- * them. Files that it does not know go to the system. Arguments that must be as they are, are checked.
+ * Replaces the system's device tree and its disks while it lives. It answers one module's calls to the
+ * configuration manager, to the device installation functions and to devices, as far as the module imports
+ * them. Calls for unknown files go to the system. Fixed arguments are checked.
  */
 class CScriptedDevices
 {
@@ -56,15 +56,15 @@ public:
     CScriptedDevices(const CScriptedDevices&) = delete;
     CScriptedDevices& operator=(const CScriptedDevices&) = delete;
 
-    /** Lets the calls of a further module come here. */
+    /** Also answers the calls of a further module. */
     void Attach(const wchar_t* module);
 
-    /** Adds a node behind the last child of `parent`. An empty service: the node has none. */
+    /** Adds a node after the last child of `parent`. With an empty service the node has none. */
     Node Add(Node parent, const std::string& service = {});
     /** A controller with one disk, which has the given interfaces. Returns the controller. */
     Node AddController(Node parent, std::vector<CScriptedDisk> disks,
                        const std::string& service = "stornvme");
-    /** Takes a node and all below it out of the tree. */
+    /** Removes a node and all below it from the tree. */
     void Remove(Node node);
     void SetProperty(Node node, std::uint32_t property, std::vector<char> bytes);
     void SetText(Node node, std::uint32_t property, const std::string& text);
@@ -74,23 +74,29 @@ public:
     /** Instance identifier of a node. */
     static std::string Instance(Node node);
 
-    /** Answers control calls other than for the device number; returns the error, 0: success. */
+    /**
+     * Sets the function that answers control calls other than for the device number. It returns the error, or
+     * 0 for success.
+     */
     std::function<DWORD(const CControlCall&)> m_Control;
 
-    /** Told of every call that can fail before it does anything, with what tells it apart. */
+    /**
+     * Sets a function that is told of every call that can fail, before the call does anything, with the
+     * call's key.
+     */
     std::function<void(const std::string& call)> m_Before;
 
     bool m_HasRoot = true;
-    /** The call with this number fails, counted from 0; negative: none. Releases are not counted. */
+    /** Makes the call with this number fail, counted from 0; negative: none. Releases are not counted. */
     long m_FailAt = -1;
     long m_CallCount = 0;
-    /** Every call in order with what tells it apart. */
+    /** Every call in order, with its key. */
     std::vector<std::string> m_Calls;
 
     std::size_t OpenHandles() const { return m_Handles.size(); }
     std::size_t OpenSets() const { return m_Sets.size(); }
 
-    /** Counts a call and says whether it is the one to fail. */
+    /** Counts a call and returns whether it must fail. */
     bool Fails(const std::string& call);
 
 private:
@@ -110,13 +116,13 @@ private:
 
     std::map<Node, CNode> m_Nodes;
     Node m_LastNode = ROOT;
-    std::map<void*, std::string> m_Handles; ///< and the paths that they were opened by
+    std::map<void*, std::string> m_Handles; ///< open handles, and the paths that opened them
     std::map<void*, Node> m_Sets;
     std::uintptr_t m_LastHandle = 0x7000'0000;
     std::deque<CImportPatch> m_Patches;
 };
 
-/** The scripted devices that stand now; null: none. */
+/** The scripted devices in use; null: none. */
 CScriptedDevices* scriptedDevices();
 
 } // namespace TestSupport

@@ -26,7 +26,7 @@ BOOL fail(DWORD error)
     return FALSE;
 }
 
-/** The system's own function, for this program's imports may be patched. */
+/** The system's own function, because this program's imports may be replaced. */
 template<typename Function>
 Function* systemFunction(Function* /*imported*/, const char* name)
 {
@@ -41,7 +41,7 @@ std::string text(std::uint64_t number)
 
 } // namespace
 
-/** What stands in the place of the system's functions. */
+/** The replacements of the system's functions. */
 struct ScriptedFunctions
 {
     static CONFIGRET WINAPI locate(PDEVINST node, DEVINSTID_A instance, ULONG flags)

@@ -31,11 +31,11 @@ protected:
     CEvent m_Go;
 };
 
-// GCC's address sanitizer knows nothing of forced unwinds: it takes the stack of the frames that they leave
-// for still in use, and reports the next use of it.
+// GCC's address sanitizer does not know forced unwinds. It takes the stack of the unwound frames for used
+// memory and reports the next use of it.
 #if !defined(__SANITIZE_ADDRESS__)
 
-/** Says in a flag that it was destroyed. */
+/** Sets a flag when it is destroyed. */
 class CWitness
 {
 public:
@@ -88,7 +88,7 @@ TEST_F(Cancel, WaitsForTheNextInterruptibleCall)
     std::atomic<int> steps = 0;
     CThread thread([&] {
         m_Reached.Set();
-        (void)m_Go.Wait(); // would be a point of cancellation, were the thread open to it
+        (void)m_Go.Wait(); // would be a cancellation point, if the thread allowed cancellation
         ++steps;
         if (m_Pipe.ReadByte())
             ++steps;

@@ -148,7 +148,7 @@ TEST(Event, EverySeenSignalWakesASleeper)
                 ++woken;
                 seen.Set();
             }
-            event.Set(); // the signal to stop goes from one to the next
+            event.Set(); // the signal to stop passes from one thread to the next
         });
     for (unsigned signal = 0; signal < SIGNALS; ++signal) {
         event.Set();

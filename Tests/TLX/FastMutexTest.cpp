@@ -11,7 +11,7 @@ namespace {
 using namespace TLX::Threading;
 using Native_OS::CFastMutex;
 
-/** What another thread's attempt to take the lock returns; it gives the lock back at once. */
+/** The result when another thread tries to take the lock. That thread releases the lock at once. */
 std::uint32_t elsewhere(CFastMutex& mutex, std::uint32_t timeout)
 {
     std::uint32_t result = 0;

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/** A module with a number, for as long as it lives. */
+/** A module with a number. It exists as long as this object. */
 struct CTestModule
 {
     explicit CTestModule(std::uint32_t number, const std::string& name = "Module",
@@ -21,7 +21,7 @@ struct CTestModule
     TLX::Misc::CModuleInfo m_Info;
 };
 
-/** Keeps the formatted lines and whether two calls ever overlapped. */
+/** Keeps the formatted lines and notes whether two calls ever overlapped. */
 class CLineSink : public TLX::Trace::ISink
 {
 public:
@@ -41,7 +41,7 @@ private:
     std::atomic<bool> m_Busy = false;
 };
 
-/** A line sink that is the process's while it lives. */
+/** A sink that receives all lines of the process while it lives. */
 class CLineCapture
 {
 public:
@@ -56,7 +56,7 @@ private:
     std::shared_ptr<CLineSink> m_Sink = std::make_shared<CLineSink>();
 };
 
-/** How a module traces: the level's bit is tested before the line and its arguments are made. */
+/** Traces as a module does: tests the level's bit before it makes the line and its arguments. */
 #define TEST_TRACE(module, level)                                                                            \
     if (((module).TraceMask() & (level)) == 0) {                                                             \
     } else                                                                                                   \

@@ -11,10 +11,10 @@ namespace {
 
 using namespace TLX::Trace;
 
-// As a plug-in has it: constructed when the library is loaded, in no order with other sources' objects.
+// As in a plug-in: constructed when the library is loaded, in no fixed order with objects of other sources.
 const CTestModule g_StaticModule(9100);
 
-/** A module number that never had a mask, for masks are remembered. */
+/** A module number that never had a mask, because masks are remembered. */
 std::uint32_t unusedNumber()
 {
     static std::uint32_t number = 91'000;

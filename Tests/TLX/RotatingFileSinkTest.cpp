@@ -124,7 +124,7 @@ TEST_F(RotatingFileSink, ThrowsWhenTheFileCannotBeOpened)
 
 TEST_F(RotatingFileSink, DropsLinesThatItCannotWrite)
 {
-    // A folder that is not empty cannot be replaced by the rotated file.
+    // A rotated file cannot replace a folder that is not empty.
     fs::create_directories(m_File.string() + ".1/inside");
     const auto sink = rotatingFileSink(m_File, m_LineSize, 1);
     sink->Write(Line("1"));

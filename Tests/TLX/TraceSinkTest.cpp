@@ -107,7 +107,7 @@ TEST(SetSink, IsSafeWhileThreadsWriteOneAtATime)
     EXPECT_FALSE(second->m_Overlapped);
 }
 
-/** Traces and asks for a text when everything else of the process has ended. */
+/** Traces and asks for a text after all other objects of the process are destroyed. */
 void useAllAtTheEnd()
 {
     const CTestModule late(9004, "Late");

@@ -85,7 +85,7 @@ TEST_F(Waiter, WakesWhenTheTimeIsOverAndNotBefore)
     auto result = WaitElsewhere();
     EXPECT_EQ(m_Clock.AwaitWait(1), 100U);
     m_Clock.Advance(99);
-    // Were the wait over by now, it would not see this event.
+    // If the wait were over by now, it would not see this event.
     m_Second.Set();
     EXPECT_EQ(result.get(), 2U);
 

@@ -33,7 +33,7 @@ public:
     std::string ModuleVersion(const std::string&) override { return {}; }
 };
 
-/** Announcements as the test makes them. */
+/** Announcements that the test triggers. */
 class CAnnouncingBackend : public CSilentBackend
 {
 public:
@@ -144,7 +144,7 @@ TEST_F(DeviceNotificationTest, OutlivesTheEvent)
     (void)m_Clock.AwaitWait(1);
     m_Event.reset();
     m_Clock.Advance(200);
-    // Announcements before the signal belong to it, and nothing shows when that was.
+    // Announcements up to the signal are part of it. The test cannot see the moment of the signal.
     const std::jthread announcer([this](const std::stop_token& stop) {
         while (!stop.stop_requested()) {
             Announce();

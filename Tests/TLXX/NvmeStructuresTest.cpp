@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::string_view_literals;
 
-/** A structure as a drive would send it: bytes by position, laid over. */
+/** A structure with bytes set by position, as a drive would send it. */
 template<typename Structure>
 class CImage
 {
@@ -102,7 +102,7 @@ struct CFormatCase
     const char* m_What;
     std::uint8_t m_Formats; ///< counted from 0
     std::uint8_t m_Index;   ///< FLBAS
-    std::size_t m_Slot;     ///< where the format is
+    std::size_t m_Slot;     ///< the position of the format in the list
     std::uint8_t m_Shift;
     std::uint64_t m_Expected;
 };

@@ -15,7 +15,7 @@ constexpr std::uint32_t REFUSED = 5;
 constexpr std::uint32_t NO_SUCH_LOG = 0x10109;
 constexpr std::uint32_t EMPTY_PAGE = 0x20002;
 
-/** Two drives that were asked for everything once. Their pages tell which drive and which page they are. */
+/** Two drives that have answered every query once. Each page names its drive and its kind. */
 class PageMemoryTest : public testing::Test
 {
 protected:
@@ -66,7 +66,7 @@ protected:
         return block[511];
     }
 
-    /** From now on every query of it fails but that of its controller. */
+    /** From now on every query of the drive fails except Identify Controller. */
     void Silence(std::size_t index)
     {
         m_Drives.Change(index, [](CFakeDrive& drive) {

@@ -11,7 +11,7 @@ CONTROLLER, NAMESPACE, HEALTH = "identify-controller", "identify-namespace", "lo
 
 
 def refusal(status=0xC0000185, times=None):
-    """How a page is answered that cannot be read: always, or so many times after each enumeration."""
+    """How the driver answers a page that cannot be read: never, or after so many failures since each enumeration."""
     return f"status={status:#x}" + (f" failures={times}" if times is not None else "")
 
 
@@ -122,7 +122,7 @@ def line(depth, instance, properties=None, interfaces=()):
 
 
 def tree(disks, others=()):
-    """A device tree with the disks, some behind a bridge and some not, and between them lines of `others`."""
+    """A device tree with the disks, some below a bridge and some not, and lines of `others` between them."""
     lines = ["HTREE\\ROOT\\0", line(1, "ROOT\\SYSTEM\\0000"), line(1, "ACPI\\PNP0A08\\0", {SERVICE: "pci"})]
     for index, disk in enumerate(disks):
         if index % 2:
@@ -140,7 +140,7 @@ class Storage:
         self.folder = drive_c / "StorageTest"
 
     def _write(self, name, data):
-        """All at once, for the driver and the library may read at any time."""
+        """Replaces all files at once, because the driver and the library may read at any time."""
         target = self.folder / name
         target.parent.mkdir(parents=True, exist_ok=True)
         fresh = target.with_name(target.name + ".fresh")
@@ -148,7 +148,7 @@ class Storage:
         fresh.rename(target)
 
     def disks(self, disks):
-        """Which disks the driver has when it is started next."""
+        """Sets the disks of the driver's next start."""
         self._write("disks.txt", "".join(f"{disk.number} {disk.link}\n" for disk in disks).encode())
         for disk in disks:
             for page, data in disk.pages().items():
@@ -157,11 +157,11 @@ class Storage:
                 self.how(disk, page, how)
 
     def page(self, disk, name, data):
-        """Another page from now on."""
+        """Replaces a page from now on."""
         self._write(f"{disk.number}/{name}.bin", data)
 
     def how(self, disk, name, text=""):
-        """Another manner of answering from now on; as it should be answered, without a text."""
+        """Changes how a page is answered from now on; without a text, it is answered normally."""
         self._write(f"{disk.number}/{name}.how", text.encode())
 
     def tree(self, text):
@@ -169,7 +169,7 @@ class Storage:
         self._write("tree.txt", text.encode())
 
     def requests(self):
-        """What the driver has been asked: disk, page and status."""
+        """The requests that the driver got: disk, page and status."""
         lines = (self.folder / "requests.log").read_text().splitlines()
         return [(int(disk), page, int(status, 16)) for disk, page, status in map(str.split, lines)]
 

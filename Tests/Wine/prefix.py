@@ -5,7 +5,7 @@ import os
 import shutil
 import subprocess
 
-# Wine's own, except where a program has a library of that name beside it; and no offers to download anything.
+# Wine's own libraries, except where a program has one of that name beside it. No offers to download anything.
 OVERRIDES = "setupapi,cfgmgr32=n,b;mscoree,mshtml="
 PATIENCE = 300
 SERVICE = "storagetest"
@@ -28,14 +28,14 @@ class Prefix:
 
     def __init__(self, folder, log, version="win10"):
         self.folder, self._log = folder, log
-        # Nothing of the caller's Wine, display or locale may play a part.
+        # Wine settings, display and locale of the caller must have no effect.
         self._environment = {name: value for name, value in os.environ.items()
                              if not name.startswith(("WINE", "LC_", "LANG")) and name != "DISPLAY"}
         self._environment |= {"WINEPREFIX": str(folder), "WINEARCH": "win64", "WINEDEBUG": "-all",
                               "WINEDLLOVERRIDES": OVERRIDES, "LC_ALL": "C.UTF-8"}
         log.write_text("")
         if folder.exists():
-            # An interrupted run has left its server behind.
+            # An interrupted run may have left its server running.
             self._stop_server()
             shutil.rmtree(folder)
         folder.mkdir()
@@ -60,7 +60,7 @@ class Prefix:
         return self.folder / "drive_c"
 
     def start(self, *command, stdin=subprocess.DEVNULL):
-        """Starts a program, which is not waited for."""
+        """Starts a program and does not wait for it."""
         return subprocess.Popen(["wine", *map(str, command)], env=self._environment, stdin=stdin,
                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE)
 
@@ -82,7 +82,7 @@ class Prefix:
         return self.finish(self.start(*command))
 
     def control_driver(self, *command):
-        """`sc` with the driver's name put behind its first word; it must succeed."""
+        """`sc` with the driver's name after its first word; it must succeed."""
         run = self.run("sc", command[0], SERVICE, *command[1:])
         if run.code != 0:
             raise RuntimeError(f"sc {' '.join(command)}: {run.code} {run.out}{run.err}")

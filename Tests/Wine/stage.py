@@ -1,4 +1,4 @@
-"""What all tests of one run share: what is tested, what stands in for hardware, and the prefix with both."""
+"""What all tests of one run share: the product, the replacements of hardware, and the prefix with both."""
 
 import functools
 import json
@@ -59,7 +59,7 @@ class Machine:
         return folder / program.name
 
     def stop(self):
-        """Takes all disks away; the device tree keeps them."""
+        """Removes all disks; the device tree keeps them."""
         if self._running:
             self.prefix.control_driver("stop")
         self._running = False
@@ -87,7 +87,7 @@ class Machine:
         return self.prefix.run(self.program, *arguments)
 
     def together(self, *commands):
-        """The same for several command lines at a time, for a disk that does not answer costs seconds."""
+        """The same for several command lines at once, because a disk that does not answer costs seconds."""
         return [self.prefix.finish(process) for process in [self.begin(*command.split()) for command in commands]]
 
 

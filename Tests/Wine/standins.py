@@ -1,4 +1,4 @@
-"""Builds what stands in for hardware and for the system's device tree."""
+"""Builds the replacements of hardware and of the system's device tree."""
 
 import pathlib
 import subprocess

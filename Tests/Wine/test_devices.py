@@ -37,7 +37,7 @@ SHOWN = (
          logs={LEGACY_SMART: legacy_page(90, 99), MARKETING: text_page("Intel Series Series")}),
 )
 
-# Neither of these yields a disk: what is not the first child, or not a disk, or not a controller of that driver.
+# None of these yields a disk: they are not the first child, no disk, or have a controller of another driver.
 OTHERS = (
     line(2, "PCI\\CHILDLESS\\1", {SERVICE: "stornvme"}),
     line(2, "PCI\\ENCLOSURE\\1", {SERVICE: "stornvme"}),
@@ -52,9 +52,9 @@ OTHERS = (
 )
 DISKLESS = ("PCI\\CHILDLESS\\1", "PCI\\ENCLOSURE\\1")
 
-# What only reads; anything else that the driver were asked would have another name.
+# The requests that only read, by their names in the driver's log.
 READING = {"device-number", fleet.CONTROLLER, fleet.NAMESPACE, fleet.HEALTH, TEMPERATURES, LEGACY_SMART, MARKETING}
-# Every disk is compared at least so often; a field that both sides lost would show here.
+# The least number of comparisons for a disk. Fewer mean that both sides lost a field.
 COMPARISONS = 45
 
 
@@ -66,7 +66,7 @@ class Devices(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.machine = stage.machine()
-        # What is left out stands last, for locations go by number.
+        # Disks that are left out come last, because locations are found by number.
         cls.machine.equip((*SHOWN, UNVISITED, EXCLUDED), OTHERS)
         cls.machine.storage.tree(fleet.tree((*SHOWN, EXCLUDED), OTHERS))
 

@@ -18,7 +18,7 @@ def serials(run):
 
 
 def said_of(run, subject):
-    """What doctor's JSON document says of a subject: result and message, a line each."""
+    """The parts of doctor's JSON document about a subject: result and message, one on each line."""
     return "\n".join(f"{check['result']} {check['message']}" for check in stage.document(run)["checks"]
                      if check["subject"] == subject)
 
@@ -29,7 +29,7 @@ def instance(disk):
 
 
 class Broken(unittest.TestCase):
-    """Disks that never answer as they should, before and behind one that does."""
+    """Disks that never answer correctly, before and after one that does."""
 
     GOOD = Disk(1, "GOOD", "Good Drive", 0x1234, (0, 1, 0, 0))
     BEHIND = Disk(9, "BEHIND", "Good Drive", 0x1234, (0, 9, 0, 0))

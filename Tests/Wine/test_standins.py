@@ -1,4 +1,4 @@
-"""The stand-ins themselves: what they say to a program that asks as any program would."""
+"""The replacements themselves: their answers to a program that asks as any program would."""
 
 import unittest
 

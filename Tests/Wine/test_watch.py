@@ -30,7 +30,7 @@ class Watching:
 
     def __init__(self, machine, data, *arguments):
         self._machine = machine
-        # Who traces sees the plug-in's own line, which says that it has looked.
+        # The trace has the plug-in's line which says that a scan is done.
         self._process = machine.prefix.start(machine.console, machine.program, "--data", data, "watch", "--json",
                                              "--trace", "1", *arguments, stdin=subprocess.PIPE)
         self._events, self.errors = queue.Queue(), []
@@ -67,7 +67,7 @@ class Watching:
         return self._process.poll() is None
 
     def end(self):
-        """Waits for its end; gives the exit code and the events that nobody fetched."""
+        """Waits for its end; returns the exit code and the events that were not fetched."""
         code = self._process.wait(PATIENCE)
         for reader in self._readers:
             reader.join(PATIENCE)

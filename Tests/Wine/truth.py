@@ -1,4 +1,4 @@
-"""What the pages of a disk say, in the terms in which ostrel is to tell it."""
+"""The content of a disk's pages, in the form that ostrel must show."""
 
 import struct
 
@@ -69,7 +69,7 @@ def truth(disk, pages, rated, driver_version):
     rating = next((tebibytes for text, tebibytes in rated if text in model), 1)
     status, reasons, spare_state = _health(vendor, log, pages.get(fleet.LEGACY_SMART))
     tag = _text(controller[3100:3108]) if vendor == "INTEL" else ""
-    # The segment is shown where the rest is 0, and nowhere else.
+    # The segment is shown only where all other numbers are 0.
     place = disk.place if disk.place[1:] == (0, 0, 0) else (0, *disk.place[1:])
     location = inventory.location(*disk.place)
 
@@ -92,7 +92,7 @@ def truth(disk, pages, rated, driver_version):
 
 
 def told(report, disk):
-    """The same fields, as ostrel tells them of the controller with the disk's serial number."""
+    """The same fields, as ostrel shows them for the controller with the disk's serial number."""
     (adapter,) = (each for each in report.of_type(inventory.ADAPTER) if each.value(30022) == disk.serial)
     (drive,) = (each for each in report.of_type(inventory.DRIVE) if each.id in adapter.children)
     return {**report.told(disk.serial, disk.address),

@@ -1,5 +1,5 @@
-# Windows as Clang sees it, with the standard library of the cross compiler. For clang-tidy, which needs the commands
-# only: nothing is linked.
+# Windows for Clang, with the standard library of the cross compiler. clang-tidy needs only the compile commands, so
+# nothing is linked.
 include(${CMAKE_CURRENT_LIST_DIR}/Toolchain.cmake)
 execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=include
     OUTPUT_VARIABLE headers OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)

@@ -1,4 +1,4 @@
-# Boost for Windows: the machine's own headers, and of Boost.Filesystem the few sources behind `path`.
+# Boost for Windows: the machine's own headers, and the few sources of Boost.Filesystem that `path` needs.
 include(HeaderPackage)
 include(SourceCache)
 ostrel_header_package(Boost::headers boost)
@@ -23,6 +23,6 @@ if(filesystem IN_LIST Boost_FIND_COMPONENTS AND NOT TARGET Boost::filesystem)
     target_compile_definitions(BoostFilesystem PUBLIC BOOST_ALL_NO_LIB BOOST_FILESYSTEM_STATIC_LINK)
     target_compile_options(BoostFilesystem PRIVATE -w)
     target_link_libraries(BoostFilesystem PUBLIC Boost::headers)
-    # Whoever is built against the installed libraries needs nothing of Boost but its headers.
+    # Programs that use the installed libraries need only the headers of Boost.
     install(TARGETS BoostFilesystem EXPORT OstrelHost ARCHIVE DESTINATION ${OSTREL_LINK_FOLDER})
 endif()

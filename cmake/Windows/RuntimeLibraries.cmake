@@ -1,5 +1,5 @@
-# The compiler's runtime travels with the programs, in the build tree as in the installation. The last one has the
-# checks of the stack.
+# Copies the compiler's runtime libraries beside the programs, in the build tree and in the installation. The last one
+# has the stack checks.
 foreach(library libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll libssp-0.dll)
     execute_process(COMMAND ${OSTREL_RUNTIME_COMPILER} -print-file-name=${library}
         OUTPUT_VARIABLE original OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)

@@ -5,7 +5,7 @@ function(ostrel_source_cache result name)
     if(NOT cache)
         set(cache $ENV{HOME}/.cache)
     endif()
-    # Two build trees may be configured at the same time. A second call finds its own lock.
+    # Two build trees may be configured at the same time. A second call of one process finds its own lock.
     get_property(locked GLOBAL PROPERTY OSTREL_SOURCE_CACHE_LOCKED)
     if(NOT locked)
         file(LOCK ${cache}/ostrel/lock GUARD PROCESS)

@@ -12,7 +12,7 @@ function(ostrel_version_resource target description)
     endif()
     set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}Version.rc)
     configure_file(${CMAKE_SOURCE_DIR}/cmake/Windows/VersionResource.rc.in ${script} @ONLY)
-    # By itself, for the resource compiler knows nothing of the options of the target's sources.
+    # In a target of its own, because the resource compiler does not know the options of the target's sources.
     add_library(${target}Version OBJECT ${script})
     target_sources(${target} PRIVATE $<TARGET_OBJECTS:${target}Version>)
 endfunction()

@@ -14,7 +14,7 @@ class condition_t
 public:
     using model_t = Model;
 
-    /** A text is written as it stands: its single quotes are doubled by whoever gives it. */
+    /** A text is written unchanged; the caller must double its single quotes. */
     condition_t(std::string Model::*member, std::string value) : m_Member(member), m_Value(std::move(value))
     {}
 

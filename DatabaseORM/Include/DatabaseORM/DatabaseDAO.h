@@ -5,7 +5,9 @@
 
 namespace DatabaseWrapper {
 
-/** Access to a database. The database library implements it; the statement builder knows no more of it. */
+/**
+ * Access to a database. The database library implements it; the statement builder knows only this interface.
+ */
 class DatabaseDAO
 {
 public:

@@ -18,7 +18,7 @@ struct dbField
     std::size_t m_Position;
 };
 
-/** What the field maps of all models have in common, and by which a storage lists them. */
+/** The common base of the field maps of all models. A storage has a list of them. */
 class dbModelFieldsMapBase
 {
 public:

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-/** The vocabulary in which column definitions state their constraints. */
+/** The words for constraints in column definitions. */
 namespace DatabaseORM {
 
 inline constexpr std::string_view PRIMARY_KEY = "PRIMARY KEY";

@@ -13,11 +13,13 @@
 #include <variant>
 #include <vector>
 
-/** What the statement builder finds out from a storage about a model. What a storage lacks is a
- * `DBEXCEPTION::DatabaseException`. */
+/**
+ * Looks up in a storage what the statement builder needs of a model. Throws `DBEXCEPTION::DatabaseException`
+ * when the storage lacks it.
+ */
 namespace DatabaseORM {
 
-// The differences between these texts are meant.
+// These texts differ on purpose.
 inline constexpr const char* NO_MODEL_TO_INSERT =
     "Storage query exception thrown! No such model in map exist!";
 inline constexpr const char* NO_MODEL = "Storage query exception thrown! No such model in map exist.";
@@ -35,7 +37,7 @@ std::shared_ptr<const Wanted> firstOf(const std::vector<std::shared_ptr<const Ba
     throw DBEXCEPTION::DatabaseException(message);
 }
 
-/** A model's field map and table, held while an operation runs. */
+/** A model's field map and table, held during an operation. */
 template<class Model>
 struct metadata_t
 {
@@ -43,7 +45,7 @@ struct metadata_t
     std::shared_ptr<const table_t<Model>> m_Table;
 };
 
-/** What `storage` has of the model; the failure's message is `message`. */
+/** The metadata of the model in `storage`; the failure's message is `message`. */
 template<class Model>
 metadata_t<Model> findMetadata(const storage_t& storage, const char* message)
 {
@@ -51,7 +53,7 @@ metadata_t<Model> findMetadata(const storage_t& storage, const char* message)
             firstOf<table_t<Model>>(storage.m_Tables, message)};
 }
 
-/** `column`, which must be a name. */
+/** Returns `column`; fails when the name is empty. */
 inline const std::string& named(const std::string& column)
 {
     if (column.empty())
@@ -80,7 +82,7 @@ std::vector<slot_t> fillSlots(const RaidDataModels::dbModelFieldsMap<Model>& map
     return slots;
 }
 
-/** The condition as a statement has it. */
+/** The condition as text in a statement. */
 template<class Model>
 std::string conditionText(const storage_t& storage, const RaidDataModels::dbModelFieldsMap<Model>& map,
                           const condition_t<Model>& condition)

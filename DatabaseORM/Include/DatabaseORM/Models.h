@@ -4,19 +4,19 @@
 #include <string>
 
 /**
- * One row of each table, as plain values. Whoever fills a text doubles its single quotes (`escapeQuotes`),
- * for the statement builder writes texts as they stand. `ValueText.h` has the values that stand for SQL's
- * NULL.
+ * One row of each table, as plain values. The code that fills a text must double its single quotes
+ * (`escapeQuotes`), because the statement builder writes texts unchanged. `ValueText.h` has the values that
+ * mean SQL's NULL.
  */
 namespace RaidDataModels {
 
-/** The host of every row: the machine itself. */
+/** The host of every row: this machine. */
 inline constexpr char LOCAL_HOST[] = "localhost";
 
 /** The plug-in itself. */
 struct Plugin
 {
-    std::int32_t m_ID = 0; ///< the row's; the insert assigns it
+    std::int32_t m_ID = 0; ///< the row's key; the insert assigns it
     std::string m_Description;
     std::int64_t m_ObjectID = 0; ///< the plug-in's own object in the topology
     std::string m_Name;          ///< by which the row is found
@@ -32,7 +32,7 @@ struct Plugin
 /** One NVMe controller. The row is found by host name and adapter number. */
 struct Adapter
 {
-    std::int32_t m_ID = 0; ///< the row's; the insert assigns it
+    std::int32_t m_ID = 0; ///< the row's key; the insert assigns it
     std::string m_HostName;
     std::int32_t m_AdapterNumber = 0;
     std::int32_t m_Present = 0;
@@ -41,7 +41,7 @@ struct Adapter
     std::int32_t m_ReserveSpace = 0;     ///< percent
     std::int32_t m_WarningThreshold = 0; ///< percent
 
-    // One text a property; the number is the property's.
+    // One text for each property, named by the property's number.
     std::string m_Vendor;        ///< 30003
     std::string m_Name;          ///< 30007
     std::string m_HealthStatus;  ///< 30017
@@ -61,11 +61,11 @@ struct Adapter
 /** One physical drive. The row is found by host name and drive key. */
 struct PD
 {
-    std::int32_t m_ID = 0; ///< the row's; the insert assigns it
+    std::int32_t m_ID = 0; ///< the row's key; the insert assigns it
     std::string m_HostName;
     std::string m_DriveKey; ///< the serial number
 
-    // One text a property; the number is the property's.
+    // One text for each property, named by the property's number.
     std::string m_Vendor;         ///< 30003
     std::string m_Name;           ///< 30007
     std::string m_Status;         ///< 30017

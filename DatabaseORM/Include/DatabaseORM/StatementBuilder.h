@@ -8,9 +8,9 @@
 #include <vector>
 
 /**
- * Operations on a model's rows. Each becomes one statement, or two with an insert's look for its key. All
- * report failure by `DBEXCEPTION::DatabaseException`; when a storage lacks what a model needs, nothing is
- * sent. No statement is retried, no transaction opened, no lock taken: callers serialise their use.
+ * Operations on a model's rows. Each becomes one statement; an insert may first need another one to find its
+ * key. All throw `DBEXCEPTION::DatabaseException` on failure; when a storage lacks what a model needs, they
+ * send nothing. They retry no statement, open no transaction and take no lock: callers serialise their use.
  */
 namespace DatabaseORM {
 
@@ -39,7 +39,7 @@ std::uint32_t max(const storage_t& storage, Value Model::*member)
     return firstNumber(runStatement(storage, maxText(tableName<Model>(storage), column), QUERY_FAILED));
 }
 
-/** Adds a row; returns the identifier that it was given, or 0 when the table has no generated key. */
+/** Adds a row. Returns the identifier that it was given, or 0 when the table has no generated key. */
 template<class Model>
 std::int32_t insert(const storage_t& storage, const Model& model)
 {

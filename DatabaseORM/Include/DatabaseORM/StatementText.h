@@ -9,12 +9,12 @@
 #include <vector>
 
 /**
- * The part of the statement builder that needs no model: texts, and their way to the database. Names and
- * values go into a text as they are given. Safe from any thread.
+ * The part of the statement builder that needs no model: it makes texts and sends them to the database. Names
+ * and values go into a text unchanged. Safe from any thread.
  */
 namespace DatabaseORM {
 
-/** What a statement writes into one column; nothing when the column's name is empty. */
+/** A value for one column; nothing is written when the column's name is empty. */
 struct slot_t
 {
     std::string m_Column;
@@ -34,7 +34,7 @@ std::string maxText(const std::string& table, const std::string& column);
 
 /** The condition "`qualifier`.`column` = `value`"; without the point when `qualifier` is empty. */
 std::string equalText(const std::string& qualifier, const std::string& column, const std::string& value);
-/** The condition that two conditions hold. */
+/** The condition that both conditions hold. */
 std::string bothText(const std::string& first, const std::string& second);
 
 /**
@@ -45,12 +45,12 @@ std::string bothText(const std::string& first, const std::string& second);
 std::vector<std::string> runStatement(const storage_t& storage, const std::string& statement,
                                       std::string_view context);
 
-/** The number that a maximum's result begins with; 0 when it has none, all ones when it does not fit. */
+/** The number at the start of a maximum's result; 0 when there is none, all ones when it does not fit. */
 std::uint32_t firstNumber(const std::vector<std::string>& result);
 
 /**
- * Takes `slot` out of what an insert writes and returns the value that the database will give its column: one
- * more than the largest there is. Throws as `runStatement` does.
+ * Removes `slot` from the values of an insert and returns the key that the database will assign: one more
+ * than the largest in the table. Throws as `runStatement` does.
  */
 std::int32_t takeGeneratedKey(const storage_t& storage, const tableBase_t& table, slot_t& slot);
 

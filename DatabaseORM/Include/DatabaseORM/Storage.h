@@ -9,7 +9,7 @@
 
 namespace DatabaseORM {
 
-/** A database and what it knows of its tables. Shared by everyone who keeps rows in it. */
+/** A database with its tables and field maps. All that keep rows in it share it. */
 struct storage_t
 {
     std::vector<std::shared_ptr<const RaidDataModels::dbModelFieldsMapBase>> m_FieldMaps;

@@ -6,7 +6,7 @@
 
 namespace DatabaseORM {
 
-/** A constraint of a column: one of the keywords of `Keywords.h`, and what follows it. */
+/** A constraint of a column: a keyword of `Keywords.h` and the text after it. */
 struct constraint_t
 {
     std::string_view m_Keyword;
@@ -22,11 +22,11 @@ struct column_t
     bool m_GeneratedKey = false; ///< the database assigns the value
 };
 
-/** What the tables of all models have in common, and by which a storage lists them. */
+/** The common base of the tables of all models. A storage has a list of them. */
 class tableBase_t
 {
 public:
-    /** With `usesForeignKeys`, statements that write switch the checks of foreign keys on first. */
+    /** With `usesForeignKeys`, statements that write first switch on the checks of foreign keys. */
     tableBase_t(std::string name, std::vector<column_t> columns, bool usesForeignKeys = false);
     virtual ~tableBase_t();
 

@@ -13,7 +13,7 @@ struct CSharedStorage
     std::mutex m_Lock;
     std::filesystem::path m_File;
     std::shared_ptr<DatabaseORM::storage_t> m_Storage;
-    std::shared_ptr<Database::CSqliteDatabase> m_Database; ///< what `m_Storage` was made with
+    std::shared_ptr<Database::CSqliteDatabase> m_Database; ///< the settings that `m_Storage` was made with
 };
 
 CSharedStorage& sharedStorage()
@@ -23,7 +23,7 @@ CSharedStorage& sharedStorage()
     return shared;
 }
 
-// SQLite gives names such as ":memory:" a meaning of their own, which no absolute path has.
+// SQLite gives special meanings to names such as ":memory:". An absolute path has none of them.
 std::filesystem::path absolutePath(const std::filesystem::path& file)
 {
     std::error_code error;
@@ -31,7 +31,7 @@ std::filesystem::path absolutePath(const std::filesystem::path& file)
     return error ? file : absolute;
 }
 
-/** Makes the storage when there is none. */
+/** Makes the storage if there is none. */
 void make(CSharedStorage& shared)
 {
     if (shared.m_Storage)

@@ -28,15 +28,15 @@ constexpr CReason REASONS[] = {
     {SQLITE_IOERR_SHORT_READ, "the file ends too early"},
 };
 
-/** Whether SQLite notes the system's error number with such a failure. */
+/** Whether SQLite keeps the system's error number for such a failure. */
 bool hasSystemError(int code)
 {
     return (code & PRIMARY_CODE) == SQLITE_CANTOPEN || (code & PRIMARY_CODE) == SQLITE_IOERR;
 }
 
 /**
- * A file that cannot be opened to be written is tried once more to be read. So the system's error is of that
- * second attempt, and says that there is no file where none could be made.
+ * When a file cannot be opened for writing, SQLite tries once more to open it for reading. The system's error
+ * is then that of the second attempt, which only says that there is no file.
  */
 bool cannotBeMade(int number, const std::filesystem::path& file)
 {

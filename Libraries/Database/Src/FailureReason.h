@@ -7,8 +7,10 @@
 
 namespace Database {
 
-/** What SQLite says of the last failure of `connection`, which is one to `file`, and why it failed as far as
- * that is known. */
+/**
+ * SQLite's message for the last failure of `connection`, a connection to `file`, and the reason as far as it
+ * is known.
+ */
 std::string failureReason(sqlite3* connection, const std::filesystem::path& file);
 
 } // namespace Database

@@ -33,8 +33,8 @@ void numberFromOne(CSqliteConnection& connection, const std::string& table)
     std::vector<std::int64_t> formers;
     for (const std::string& text : connection.Run("SELECT ID FROM " + table + " ORDER BY ID"))
         formers.push_back(std::stoll(text));
-    // Those that go up begin with the last, the others with the first. So no new identifier meets a former
-    // one.
+    // Rows whose identifier grows are updated from the last to the first, the others from the first to the
+    // last. So no new identifier meets an old one.
     const auto count = static_cast<std::int64_t>(formers.size());
     for (std::int64_t fresh = count; fresh > 0; --fresh)
         if (const std::int64_t former = formers[static_cast<std::size_t>(fresh - 1)]; former < fresh)

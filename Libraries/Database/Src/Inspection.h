@@ -8,10 +8,12 @@
 
 namespace Database {
 
-/** Runs a statement and gives all its values. */
+/** Runs a statement and returns all its values. */
 using Query = std::function<std::vector<std::string>(const std::string& sql)>;
 
-/** What the tables that `query` sees lack of those of `storage`; empty when they lack nothing. */
+/**
+ * What the tables of `storage` have and the tables that `query` reads lack; empty when nothing is missing.
+ */
 std::string tableFault(const DatabaseORM::storage_t& storage, const Query& query);
 
 } // namespace Database

@@ -33,7 +33,7 @@ void checkDatabase()
         Database::tableFault(*storage, [&](const std::string& sql) { return database->query(sql); });
     if (!fault.empty())
         throw DBEXCEPTION::DatabaseException(fault);
-    // A read-only file lets a transaction begin, but no statement write. Nothing is changed.
+    // With a read-only file a transaction can begin, but no statement can write. Nothing is changed.
     database->query("BEGIN IMMEDIATE; DELETE FROM Plugin WHERE 0; ROLLBACK;");
 }
 

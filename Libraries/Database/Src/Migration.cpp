@@ -28,12 +28,12 @@ std::string quoted(const std::string& name)
     return text + '"';
 }
 
-/** An index or a trigger that somebody else has put on one of the tables. */
+/** An index or a trigger that another program has put on one of the tables. */
 struct CAddition
 {
     std::string m_Type;
     std::string m_Name;
-    std::string m_Text; ///< the statement that made it
+    std::string m_Text; ///< the statement that created it
 };
 
 std::vector<CAddition> additionsTo(CSqliteConnection& connection, const std::string& table)
@@ -47,7 +47,7 @@ std::vector<CAddition> additionsTo(CSqliteConnection& connection, const std::str
     return additions;
 }
 
-/** Statements that do nothing, and fail when a trigger of the table does not fit its columns. */
+/** Statements that change nothing. They fail when a trigger of the table does not fit its columns. */
 std::string everyChangeText(const DatabaseORM::tableBase_t& table)
 {
     std::string assignments;
@@ -57,7 +57,7 @@ std::string everyChangeText(const DatabaseORM::tableBase_t& table)
            " SET " + assignments + "; EXPLAIN DELETE FROM " + table.Name() + ";";
 }
 
-/** Whether the table has all of `additions` now; one that does not fit stays on the former table. */
+/** Returns whether the table now has all of `additions`. One that does not fit stays on the former table. */
 bool takeOver(CSqliteConnection& connection, const DatabaseORM::tableBase_t& table,
               const std::vector<CAddition>& additions)
 {
@@ -69,7 +69,7 @@ bool takeOver(CSqliteConnection& connection, const DatabaseORM::tableBase_t& tab
     return all;
 }
 
-// A name for the former table that the file does not hold yet.
+// A name for the former table that is not yet used in the file.
 std::string freeName(CSqliteConnection& connection, const std::string& wanted)
 {
     std::string name = wanted;
@@ -122,9 +122,9 @@ void migrate(CSqliteConnection& connection)
     const std::string present = std::to_string(SCHEMA_VERSION);
     if (connection.Run("PRAGMA user_version").front() == present)
         return;
-    // Other people's views and triggers go on to mean the tables by their names, whichever these are.
+    // Views and triggers of other programs must go on to name the tables, whichever tables have these names.
     connection.Run("PRAGMA legacy_alter_table = ON; BEGIN IMMEDIATE");
-    // Somebody else may have done it before the lock was ours.
+    // Another process may have migrated the file before this one got the lock.
     refuseNewer(connection);
     const std::string version = connection.Run("PRAGMA user_version").front();
     if (version != present) {

@@ -9,7 +9,7 @@ namespace Database {
 
 namespace {
 
-constexpr int MICROSECONDS = 1000; ///< in a millisecond
+constexpr int MICROSECONDS = 1000; ///< in one millisecond
 
 thread_local CBusyPolicy* t_Policy = nullptr;
 
@@ -19,7 +19,7 @@ int waitByPolicy(sqlite3_vfs*, int microseconds)
         sqlite3_vfs* const usual = sqlite3_vfs_find(nullptr);
         return usual->xSleep(usual, microseconds);
     }
-    // Without a wait SQLite gives up soon, after a fixed number of attempts.
+    // Without these pauses SQLite soon gives up, after a fixed number of attempts.
     if (microseconds < MICROSECONDS)
         std::this_thread::yield();
     else

@@ -5,13 +5,13 @@
 namespace Database {
 
 /**
- * The name of an SQLite file system that is the system's own, but for its pauses: where SQLite waits by
- * itself for another process's lock on the log, it waits no longer than the thread's policy allows. Null when
- * there is no memory for it; SQLite then takes its usual one.
+ * The name of an SQLite file system that differs from the system's own only in its pauses. Where SQLite
+ * itself waits for another process's lock on the log, it waits no longer than the thread's policy allows.
+ * Null when memory is short; SQLite then uses its default.
  */
 const char* patientVfs();
 
-/** Puts a policy in force for SQLite's own pauses on this thread, until it goes. */
+/** Applies a policy to SQLite's own pauses on this thread for the lifetime of this object. */
 class CPolicyInForce
 {
 public:

@@ -20,7 +20,7 @@ using RaidDataModels::Plugin;
 enum class Role
 {
     GENERATED_KEY,
-    NATURAL_KEY, ///< one of the columns by which a row is found, and replaced
+    NATURAL_KEY, ///< part of the key by which a row is found and replaced
     REQUIRED,    ///< never NULL
     PLAIN
 };
@@ -33,8 +33,8 @@ struct CBinding
     Role m_Role = Role::PLAIN;
 };
 
-// Rows are read by position. No 64-bit integer stands last, for there the statement builder takes one for the
-// generated key; and no column is added or moved without a new SCHEMA_VERSION.
+// Rows are read by position. The last column must not be a 64-bit integer, because the statement builder
+// takes one there for the generated key. Adding or moving a column needs a new SCHEMA_VERSION.
 const std::vector<CBinding<Plugin>> PLUGIN = {
     {&Plugin::m_ID, "ID", Role::GENERATED_KEY},
     {&Plugin::m_Description, "Description"},
@@ -99,7 +99,8 @@ std::vector<DatabaseORM::constraint_t> constraints(Role role, bool text)
         return {{PRIMARY_KEY, ""}};
     if (role == Role::PLAIN)
         return text ? std::vector<constraint_t>{} : std::vector<constraint_t>{{DEFAULTVALUE, "0"}};
-    // SQL's NULL equals nothing, so a key column keeps what stands for it in the model: there it is found.
+    // In SQL, NULL equals nothing. So a key column holds the model's stand-in for NULL, by which the row can
+    // be found.
     std::vector<constraint_t> result = {{NOT_NULL, "ON CONFLICT REPLACE"},
                                         {DEFAULTVALUE, text ? "'NULL'" : "-2147483648"}};
     if (role == Role::NATURAL_KEY)
@@ -111,7 +112,8 @@ template<class Model>
 void add(DatabaseORM::storage_t& storage, const std::string& name,
          const std::vector<CBinding<Model>>& bindings)
 {
-    // One name for map and table: a qualified condition then holds in a statement without an alias as well.
+    // Map and table have the same name, so a qualified condition is also valid in a statement without an
+    // alias.
     auto map = std::make_shared<RaidDataModels::dbModelFieldsMap<Model>>(name);
     std::vector<DatabaseORM::column_t> columns;
     for (const CBinding<Model>& binding : bindings) {
@@ -124,15 +126,16 @@ void add(DatabaseORM::storage_t& storage, const std::string& name,
     storage.m_Tables.push_back(std::make_shared<DatabaseORM::table_t<Model>>(name, std::move(columns)));
 }
 
-// An adapter that is deleted, or replaced by another in its slot, takes its drive's row along.
+// Deleting or replacing an adapter also deletes the row of its drive.
 constexpr const char* DELETE_DRIVE_OF_ADAPTER =
     "CREATE TRIGGER DeleteDriveOfAdapter AFTER DELETE ON Adapter BEGIN "
     "DELETE FROM PD WHERE HostName = OLD.HostName AND DriveKey = OLD.SerialNumber AND NOT EXISTS "
     "(SELECT 1 FROM Adapter WHERE HostName = OLD.HostName AND SerialNumber = OLD.SerialNumber); "
     "END;";
 
-// The plug-in's row is updated at every poll, an adapter's whenever one of its counters has moved, and mostly
-// with what they hold: nothing has to reach the disk for that. A drive's row changes with every update.
+// The plug-in's row is updated at every poll, and an adapter's row whenever one of its counters has moved.
+// Mostly the new values equal the old ones, and then nothing needs to be written to the disk. A drive's row
+// changes with every update.
 bool isUpdatedForNothing(const DatabaseORM::tableBase_t& table)
 {
     return table.Name() == "Plugin" || table.Name() == "Adapter";

@@ -6,20 +6,27 @@
 
 namespace Database {
 
-/** Counts up with every change to the tables' columns or rules; the file carries the one it was made with. */
+/**
+ * Goes up with every change to the columns or rules of the tables. A file keeps the version that it was made
+ * with.
+ */
 inline constexpr int SCHEMA_VERSION = 2;
 
 /** The present field maps and tables, without an access object. */
 DatabaseORM::storage_t makeStorage();
 
-/** The statement that creates `table`. Columns marked UNIQUE form one key together; a repeated one replaces
- * its row. */
+/**
+ * The statement that creates `table`. The columns marked UNIQUE together form one key; inserting a row with
+ * the same key replaces the old row.
+ */
 std::string createTableText(const DatabaseORM::tableBase_t& table);
 
-/** The statements that create what keeps rows in step with one another, and from being written for nothing.
+/**
+ * The statements that create the triggers. Triggers keep rows consistent and prevent writes that change
+ * nothing.
  */
 std::string createTriggersText(const DatabaseORM::storage_t& storage);
-/** The statements that remove them, as far as they are there. */
+/** The statements that remove the triggers that exist. */
 std::string dropTriggersText(const DatabaseORM::storage_t& storage);
 
 } // namespace Database

@@ -17,7 +17,7 @@ namespace Database {
 
 namespace {
 
-/** Makes a statement ready for its next run when it goes; until then it may hold locks of the database. */
+/** Resets a statement on destruction. Until it is reset it may hold locks of the database. */
 class CReset
 {
 public:
@@ -47,12 +47,12 @@ bool hasCompanion(const std::filesystem::path& file, const char* suffix)
     return std::filesystem::exists(std::filesystem::path(file) += suffix, error);
 }
 
-/** The absolute path `file` as SQLite takes it together with settings. */
+/** The absolute path `file` as a URI, which lets SQLite take settings with it. */
 std::string uriOf(const std::filesystem::path& file)
 {
     constexpr char hexadecimal[] = "0123456789ABCDEF";
     const std::u8string path = file.generic_u8string();
-    // A drive's letter stands behind a slash of its own.
+    // A path that begins with a drive letter needs a slash before the letter.
     std::string uri = path.starts_with(u8'/') ? "file://" : "file:///";
     for (const char8_t byte : path) {
         if (byte == u8'%' || byte == u8'?' || byte == u8'#') {
@@ -66,7 +66,7 @@ std::string uriOf(const std::filesystem::path& file)
     return uri;
 }
 
-/** The file to which `file` leads, by a path without links, as SQLite is told to open it. */
+/** The path without links that `file` leads to, as SQLite must open it. */
 std::filesystem::path targetOf(const std::filesystem::path& file)
 {
     if (file.empty())
@@ -104,8 +104,9 @@ CSqliteConnection::CSqliteConnection(const std::filesystem::path& file, CBusyPol
 
 CSqliteConnection CSqliteConnection::ToRead(const std::filesystem::path& file, CBusyPolicy& busyPolicy)
 {
-    // Who opens the file first makes two files beside it, also to read. Where they are missing nobody has it
-    // open, so that it cannot change; where they are there, their content counts.
+    // Opening a file in this mode creates "-wal" and "-shm" beside it, even for reading. When they are
+    // missing, no process has the file open and it cannot change, so it may be opened as immutable. When they
+    // are there, their content counts.
     const std::filesystem::path target = targetOf(file);
     const bool isInUse = hasCompanion(target, "-wal") && hasCompanion(target, "-shm");
     return {file, uriOf(target) + (isInUse ? "" : "?immutable=1"), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI,
@@ -128,7 +129,7 @@ CSqliteConnection::CSqliteConnection(std::filesystem::path file, const std::stri
 
 std::vector<std::string> CSqliteConnection::Run(std::string_view sql)
 {
-    // SQLite would take the text to end there, and run half of it.
+    // SQLite would take a zero byte for the end of the text and run only a part of it.
     if (sql.find('\0') != std::string_view::npos)
         Fail("the statement holds a zero byte");
     const CPolicyInForce inForce(*m_BusyPolicy);
@@ -157,7 +158,7 @@ bool CSqliteConnection::Attempt(const std::string& sql)
 
 bool CSqliteConnection::HasMoved() const
 {
-    int moved = 0; // and stays so where SQLite cannot tell
+    int moved = 0; // stays 0 when SQLite cannot tell
     sqlite3_file_control(m_Connection.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
     return moved != 0;
 }
@@ -194,7 +195,7 @@ sqlite3_stmt* CSqliteConnection::PrepareShape(const std::string& text)
     if (sqlite3_stmt* const kept = m_Kept.Find(text))
         return kept;
     sqlite3_stmt* statement = nullptr;
-    // What is wrong with a statement is told by its own text, where nothing was taken out.
+    // The full text of a statement tells what is wrong with it; a shape lacks its values.
     if (sqlite3_prepare_v2(m_Connection.get(), text.data(), static_cast<int>(text.size()), &statement,
                            nullptr) != SQLITE_OK)
         return nullptr;
@@ -207,7 +208,7 @@ void CSqliteConnection::Bind(sqlite3_stmt* statement, const std::vector<CStateme
     for (const CStatementShape::Value& value : values) {
         ++position;
         const auto* const text = std::get_if<std::string_view>(&value);
-        // The values stay until the statement has run; those of a later run take their places.
+        // The values must live until the statement has run. The next run binds new ones.
         const int result = text == nullptr
                                ? sqlite3_bind_int64(statement, position, std::get<std::int64_t>(value))
                                : sqlite3_bind_text(statement, position, text->data(),
@@ -230,7 +231,7 @@ void CSqliteConnection::Step(sqlite3_stmt* statement, std::vector<std::string>& 
 
 void CSqliteConnection::Fail() const
 {
-    // Without a connection there was no memory for one.
+    // SQLite returns no connection at all only when memory has run out.
     if (!m_Connection)
         throw std::bad_alloc();
     Fail(failureReason(m_Connection.get(), m_File));

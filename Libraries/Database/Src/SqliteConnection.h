@@ -20,33 +20,36 @@ class CSqliteConnection
 {
 public:
     /**
-     * Opens `file`, or a database in memory when it is empty. `busyPolicy` outlives the connection. A link is
-     * followed when the superuser or this process's user owns it.
+     * Opens `file`, or a database in memory when it is empty. `busyPolicy` must outlive the connection. A
+     * link is followed only when the superuser or this process's user owns it.
      */
     CSqliteConnection(const std::filesystem::path& file, CBusyPolicy& busyPolicy);
 
-    /** Opens `file` to be read, and makes no other file beside it. */
+    /** Opens `file` for reading and creates no other file beside it. */
     static CSqliteConnection ToRead(const std::filesystem::path& file, CBusyPolicy& busyPolicy);
 
     /**
-     * Runs every statement of `sql`; returns all values, row by row, as texts. After a failure no transaction
-     * is open.
+     * Runs every statement of `sql` and returns all values, row by row, as texts. After a failure no
+     * transaction is open.
      */
     std::vector<std::string> Run(std::string_view sql);
 
-    /** Runs `sql` within the open transaction, which goes on: the whole of it, or nothing when it fails. */
+    /**
+     * Runs `sql` within the open transaction, which stays open. When a statement fails, none of `sql` takes
+     * effect.
+     */
     bool Attempt(const std::string& sql);
 
-    /** How many rows it has changed since it was opened. */
+    /** How many rows this connection has changed since it was opened. */
     std::int64_t Changes() const { return sqlite3_total_changes(m_Connection.get()); }
 
     /**
-     * Whether its path leads to another file by now, or to none. Costs a look at the path alone. Never so on
-     * Windows, where nobody can delete or replace a file that SQLite has open.
+     * Whether its path now leads to another file, or to none. Only looks at the path. Always false on
+     * Windows, where a file that SQLite has open cannot be deleted or replaced.
      */
     bool HasMoved() const;
 
-    /** Throws the failure that `reason` is. */
+    /** Throws the failure with this `reason`. */
     [[noreturn]] void Fail(const std::string& reason) const;
 
 private:
@@ -59,7 +62,7 @@ private:
                       CBusyPolicy& busyPolicy);
     void RunAll(std::string_view sql, std::vector<std::string>& values);
     CStatement Prepare(std::string_view sql, const char** tail);
-    /** The kept statement of a shape; null when SQLite does not understand it. */
+    /** The cached statement of a shape; null when SQLite cannot parse it. */
     sqlite3_stmt* PrepareShape(const std::string& text);
     void Bind(sqlite3_stmt* statement, const std::vector<CStatementShape::Value>& values);
     /** Runs a statement to its end and appends the values of its rows. */
@@ -69,7 +72,7 @@ private:
     std::filesystem::path m_File; ///< for messages
     CBusyPolicy* m_BusyPolicy;    ///< never null
     std::unique_ptr<sqlite3, CClose> m_Connection;
-    CStatementCache m_Kept; // behind the connection, for it goes first
+    CStatementCache m_Kept; // after the connection, so that it is destroyed first
 };
 
 } // namespace Database

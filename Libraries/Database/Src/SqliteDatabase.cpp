@@ -12,8 +12,8 @@ namespace Database {
 
 namespace {
 
-// Replaced rows count as deleted ones (the schema's trigger relies on it). A commit need not reach the disk
-// before the next one starts; what is in the file is sound at any moment.
+// Replaced rows must count as deleted ones, because the schema's trigger relies on it. A commit need not
+// reach the disk before the next one starts; the file is sound at any moment.
 constexpr const char* SETTINGS = "PRAGMA recursive_triggers = ON;"
                                  "PRAGMA journal_mode = WAL;"
                                  "PRAGMA synchronous = NORMAL;";
@@ -77,12 +77,12 @@ std::optional<std::string> CSqliteDatabase::TakeFailure()
 void CSqliteDatabase::LeaveMovedFile()
 {
     try {
-        // A log that stayed behind would be played into the file that stands there now.
+        // SQLite would replay a left-over log into the new file.
         m_Connection->Run("PRAGMA wal_checkpoint(TRUNCATE)");
     } catch (const DBEXCEPTION::DatabaseException&) {
-        // The file that is there now is still the one to use.
+        // The file at the path is still the open one.
     }
-    m_Connection.reset(); // which leaves another one's log alone
+    m_Connection.reset(); // closing then leaves the log of another file alone
 }
 
 } // namespace Database

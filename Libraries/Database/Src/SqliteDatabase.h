@@ -15,8 +15,8 @@
 namespace Database {
 
 /**
- * The access object of a storage: SQLite on a file, opened and brought to the present schema by the first
- * query, and again when the file was deleted or replaced meanwhile.
+ * The access object of a storage: SQLite on a file. The first query opens the file and brings it to the
+ * present schema. A query does so again when the file was deleted or replaced.
  */
 class CSqliteDatabase : public DatabaseWrapper::DatabaseDAO
 {
@@ -29,21 +29,24 @@ public:
     /** How many rows all queries have changed since the file was opened. */
     std::int64_t Changes();
 
-    /** Runs `sql` and returns true, or returns false when `Changes()` is not `changes` any more. */
+    /**
+     * Runs `sql` and returns true. Returns false, without running it, when `Changes()` is no longer
+     * `changes`.
+     */
     bool RunUnlessChanged(const std::string& sql, std::int64_t changes);
 
-    /** The message of the last query that failed since this was called last. */
+    /** The message of the last query that failed since the previous call. */
     std::optional<std::string> TakeFailure();
 
 private:
-    /** Does `work` with the open connection; keeps what it fails of. */
+    /** Does `work` with the open connection and keeps the message of its failure. */
     template<class Work>
     auto WithConnection(Work work);
-    /** What would be written to a file without a name is lost. */
+    /** Data in a file that has lost its name would be lost. */
     void LeaveMovedFile();
 
     const std::filesystem::path m_File;
-    std::mutex m_Lock; ///< guards all that follows: a storage is shared by plug-ins with threads of their own
+    std::mutex m_Lock; ///< guards all that follows, because the threads of plug-ins share a storage
     CBusyPolicy m_BusyPolicy;
     std::optional<CSqliteConnection> m_Connection;
     std::optional<std::string> m_Failure;

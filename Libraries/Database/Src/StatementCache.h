@@ -19,21 +19,24 @@ struct CFinalize
 using CStatement = std::unique_ptr<sqlite3_stmt, CFinalize>;
 
 /**
- * Statements kept prepared, by their shapes, for understanding a text costs far more than running it. The one
- * that was not used for the longest time goes first. A statement must be finalized before its connection is
- * closed.
+ * Keeps prepared statements by their shapes, because parsing a text costs far more than running it. The least
+ * recently used one is dropped first. A statement must be finalized before its connection is closed.
  */
 class CStatementCache
 {
 public:
-    /** A table takes five statements or so, and more where different columns are unknown; some kilobytes
-     * each. */
+    /**
+     * A table takes about five statements, and more when different columns are unknown. Each takes some
+     * kilobytes.
+     */
     static constexpr std::size_t CAPACITY = 50;
 
-    /** The statement of this shape; null when there is none. It is reset, and must be again after use. */
+    /**
+     * The statement of this shape; null when there is none. It is reset; the caller must reset it after use.
+     */
     sqlite3_stmt* Find(std::string_view shape);
 
-    /** Takes over a statement, which stays at least until the next one comes. */
+    /** Takes over a statement and keeps it at least until the next one comes. */
     sqlite3_stmt* Keep(std::string_view shape, CStatement statement);
 
 private:
@@ -43,7 +46,7 @@ private:
         CStatement m_Statement;
     };
 
-    std::list<CEntry> m_Entries; ///< the last used one first
+    std::list<CEntry> m_Entries; ///< most recently used first
     std::unordered_map<std::string_view, std::list<CEntry>::iterator> m_ByShape;
 };
 

@@ -11,21 +11,21 @@
 namespace Database {
 namespace {
 
-/** Settings, some of which take effect while their text is understood, are not among these. */
+/** Statements with settings (PRAGMA) are not listed, because some take effect while they are parsed. */
 constexpr std::string_view VERBS[] = {"SELECT ", "INSERT ", "UPDATE ", "DELETE "};
 
-/** Behind these a number may be that of a column. */
+/** After these words a number may be the number of a column. */
 constexpr std::string_view ORDINAL_CLAUSES[] = {"ORDER", "GROUP"};
 
-/** Beside these a number may decide, before anything runs, what is left out. */
+/** Beside these words SQLite may use a number to leave something out before it runs the statement. */
 constexpr std::string_view JUNCTIONS[] = {"AND", "OR"};
 
-/** What a character is at the begin of a part of a statement. */
+/** What kind of part of a statement a character begins. */
 enum class EPart : std::uint8_t
 {
-    Unknown, ///< of comments, other quotes, parameters, further statements: not worth telling apart
+    Unknown, ///< comments, other quotes, parameters, further statements: no need to tell them apart
     Harmless,
-    Word, ///< a name or a number
+    Word, ///< begins a name or a number
     Text
 };
 
@@ -56,7 +56,7 @@ bool isOneOf(std::span<const std::string_view> keywords, std::string_view word)
                        [&](std::string_view keyword) { return std::ranges::equal(keyword, word, same); });
 }
 
-/** Goes through a statement from its begin to its end. */
+/** Goes through a statement from its beginning to its end. */
 class CReader
 {
 public:
@@ -91,7 +91,7 @@ private:
         case EPart::Text:
             return TakeText();
         default:
-            // The end of the statement may be marked.
+            // A semicolon may end the statement.
             return first == ';' && ++m_Position == m_Sql.size();
         }
     }
@@ -114,7 +114,7 @@ private:
                 Add(begin, text);
             else
                 Add(begin, m_Shape.m_Unquoted.emplace_front(unquoted.append(text)));
-            // A parameter would take what follows for a part of its name.
+            // SQLite would read the following characters as a part of the parameter's name.
             return !NextIs(EPart::Word);
         }
     }
@@ -125,7 +125,7 @@ private:
         while (NextIs(EPart::Word))
             ++m_Position;
         const std::string_view word = m_Sql.substr(begin, m_Position - begin);
-        // A text right behind a word is of another kind, such as x'00'.
+        // A text directly after a word is of another kind, such as x'00'.
         if (NextIs(EPart::Text) || isOneOf(ORDINAL_CLAUSES, word))
             return false;
         m_HasJunction = m_HasJunction || isOneOf(JUNCTIONS, word);
@@ -140,7 +140,7 @@ private:
 
     bool NextIs(EPart part) const { return m_Position < m_Sql.size() && partOf(m_Sql[m_Position]) == part; }
 
-    /** Puts a parameter into the place of all from `begin` to here. */
+    /** Replaces everything from `begin` to the current position by a parameter. */
     void Add(std::size_t begin, CStatementShape::Value value)
     {
         m_Shape.m_Text += m_Sql.substr(m_Taken, begin - m_Taken);
@@ -151,7 +151,7 @@ private:
 
     const std::string_view m_Sql;
     std::size_t m_Position = 0;
-    std::size_t m_Taken = 0; ///< all before this is in the shape
+    std::size_t m_Taken = 0; ///< everything before this is already in the shape
     bool m_HasJunction = false;
     bool m_HasNumber = false;
     CStatementShape m_Shape;

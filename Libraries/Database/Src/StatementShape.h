@@ -10,20 +10,20 @@
 
 namespace Database {
 
-/** A statement without its values: statements that differ in nothing else have one text. */
+/** A statement without its values. Statements that differ only in their values have the same text. */
 struct CStatementShape
 {
     using Value = std::variant<std::int64_t, std::string_view>;
 
     std::string m_Text;          ///< with a parameter for each value
-    std::vector<Value> m_Values; ///< in the order of the parameters; texts stay where the statement has them
-    std::forward_list<std::string> m_Unquoted; ///< but for those whose quotes were doubled there
+    std::vector<Value> m_Values; ///< in the order of the parameters; texts are views into the statement
+    std::forward_list<std::string> m_Unquoted; ///< the texts whose doubled quotes were made single
 };
 
 /**
- * The shape of a single statement that reads or changes rows; nothing when `sql` may be something else, or
- * holds what only the whole of SQL's grammar could tell from a value. It then has to run as it stands. `sql`
- * must outlive the shape.
+ * The shape of a single statement that reads or changes rows. Nothing when `sql` may be another kind of
+ * statement, or when only SQL's whole grammar could tell a value from something else; it must then run
+ * unchanged. `sql` must outlive the shape.
  */
 std::optional<CStatementShape> shapeOf(std::string_view sql);
 

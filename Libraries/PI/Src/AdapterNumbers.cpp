@@ -20,7 +20,7 @@ namespace {
 constexpr char HEADING[] =
     "# The numbers of this host's adapters: number, PCI segment, bus, device, function, host.\n";
 
-/** The file that could not be restored, which must not be written then; empty when there is none. */
+/** The file that could not be restored and so must not be written; empty when there is none. */
 struct CLeftAlone
 {
     std::mutex m_Lock;
@@ -34,7 +34,9 @@ CLeftAlone& leftAlone()
     return instance;
 }
 
-/** False for a line that names no number and location, or one of them for the second time. */
+/**
+ * Returns false for a line without a number and a location, or when one of them occurs for the second time.
+ */
 bool addLine(const std::string& line, AdapterNumbers& numbers)
 {
     std::istringstream words(line);
@@ -87,7 +89,7 @@ CReadNumbers read(const std::string& content)
     return result;
 }
 
-/** Copies the file, which has this content, to a name beside it that is free; returns that name. */
+/** Copies the file, whose content is `content`, to a free name beside it and returns that name. */
 std::optional<std::filesystem::path> setAside(const std::filesystem::path& file, const std::string& content)
 {
     constexpr int MOST_NAMES = 1000;
@@ -95,7 +97,7 @@ std::optional<std::filesystem::path> setAside(const std::filesystem::path& file,
     for (int number = 1; target && number <= MOST_NAMES; ++number) {
         std::filesystem::path name = *target;
         name += number == 1 ? ".damaged" : ".damaged" + std::to_string(number);
-        // An earlier run may have set it aside, and then failed to write.
+        // An earlier run may have made this copy and then failed to write.
         if (TLX::Misc::readTrustedFile(name) == content)
             return name;
         std::error_code error;

@@ -12,7 +12,7 @@ namespace PI {
 /** Where an adapter sits within its host: segment, bus, device, function. */
 using AdapterLocation = std::array<std::int32_t, 4>;
 
-/** The numbers of the locations, by host. */
+/** The numbers of the locations of each host. */
 using AdapterNumbers = std::map<std::string, std::map<AdapterLocation, std::int32_t>>;
 
 /** The numbers that a host's adapters may still get, from the lowest. */
@@ -23,7 +23,7 @@ public:
     std::int32_t Take();
 
 private:
-    std::set<std::int32_t> m_Taken; ///< beforehand
+    std::set<std::int32_t> m_Taken; ///< the numbers in use when this was made
     std::int32_t m_Next = 1;        ///< all below are taken
 };
 
@@ -43,7 +43,7 @@ public:
 private:
     std::mutex m_Lock;
     AdapterNumbers m_Numbers;
-    std::map<std::string, CFreeNumbers> m_Free; ///< of the hosts in `m_Numbers` that asked
+    std::map<std::string, CFreeNumbers> m_Free; ///< only hosts that have asked for a number
 };
 
 } // namespace PI

@@ -44,11 +44,13 @@ boost::filesystem::path resolve(const boost::filesystem::path& fileName)
     return folder().m_Path / fileName;
 }
 
-/** The lines of the file without their line feeds; nothing when it cannot be read to its end or is torn. */
+/**
+ * The lines of the file without their line feeds; nothing when it cannot be read to its end or is damaged.
+ */
 std::optional<std::vector<std::string>> readLines(const std::filesystem::path& path)
 {
     const auto content = TLX::Misc::readTrustedFile(path);
-    // Zero bytes are what a file system leaves of a file whose writing was cut off.
+    // A file whose writing was interrupted may contain zero bytes from the file system.
     if (!content || content->find('\0') != std::string::npos) {
         return std::nullopt;
     }
@@ -60,13 +62,13 @@ std::optional<std::vector<std::string>> readLines(const std::filesystem::path& p
     return lines;
 }
 
-/** The first line may begin with a mark that belongs to no key. */
+/** The first line may begin with a byte-order mark, which belongs to no key. */
 std::size_t markLength(std::string_view line)
 {
     return line.starts_with(BYTE_ORDER_MARK) ? BYTE_ORDER_MARK.size() : 0;
 }
 
-/** Where the value of a key stands: the line, and the value's place in it. */
+/** Where the value of a key is: the line, and the value's position in it. */
 struct CPlace
 {
     std::size_t m_Line;
@@ -104,7 +106,7 @@ std::string join(const std::vector<std::string>& lines)
     return text;
 }
 
-/** Whether a line of this key and value means just them. */
+/** Whether this line would be read back as exactly this key and value. */
 bool canBeWritten(const std::string& key, const std::string& value)
 {
     const std::string line = key + '=' + value;

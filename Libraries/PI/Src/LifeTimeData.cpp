@@ -24,7 +24,7 @@ struct Tables
 {
     std::mutex m_Lock;
     std::filesystem::path m_Folder;
-    // Callers hold references without a lock, so no table is ever taken away again.
+    // Callers hold references without a lock, so a table is never removed.
     std::list<std::vector<CNVMeLifeTimeData>> m_Read;
     bool m_Current = false;
 };
@@ -36,7 +36,10 @@ Tables& tables()
     return instance;
 }
 
-/** Terabytes in tebibytes, which are 5^12 to 2^28; in two halves, for the product can pass 64 bits. */
+/**
+ * Converts terabytes to tebibytes by the ratio 5^12 to 2^28. It works in two halves, because the product can
+ * exceed 64 bits.
+ */
 std::uint64_t tebibytes(std::uint64_t terabytes)
 {
     constexpr std::uint64_t FACTOR = 244140625;
@@ -75,7 +78,7 @@ void append(std::vector<CNVMeLifeTimeData>& table, CNVMeLifeTimeData row)
     };
     const auto earlier = std::find_if(table.begin(), table.end(), hides);
     if (earlier != table.end()) {
-        throw std::runtime_error("'" + row.m_Model + "' stands behind '" + earlier->m_Model +
+        throw std::runtime_error("'" + row.m_Model + "' comes after '" + earlier->m_Model +
                                  "', which it contains");
     }
     table.push_back(std::move(row));
@@ -114,7 +117,8 @@ const std::vector<CNVMeLifeTimeData>& GetLifeTimeDataNVMe()
         try {
             all.m_Read.push_back(readLifeTimeData(all.m_Folder / FILE_NAME));
         } catch (const std::runtime_error&) {
-            // Drives without a rating can still be shown; whoever asks `readLifeTimeData` hears the reason.
+            // Drives can be shown without a rating. `readLifeTimeData` gives the reason to callers that need
+            // it.
             static const auto& none = *new std::vector<CNVMeLifeTimeData>;
             return none;
         }

@@ -14,11 +14,11 @@ namespace {
 constexpr std::uint64_t UNKNOWN = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t UNRATED = 1;
 constexpr std::uint64_t WEAR_NOT_KNOWN = 100;
-// Drives report wear in one byte; more than that comes from a difference that went below zero.
+// Drives report wear in one byte. A larger value comes from a difference that went below zero.
 constexpr std::uint64_t WEAR_MAXIMUM = 255;
 constexpr long double BYTES_PER_TIB = 1099511627776.0L;
 
-/** How long what is `left` lasts when `used` took `hours`; nothing when `hours` tell no rate. */
+/** How long the rest (`left`) lasts when `used` took `hours`; nothing when `hours` give no rate. */
 std::optional<std::uint64_t> hoursLeft(long double left, long double used, std::uint64_t hours)
 {
     if (left <= 0) {

@@ -6,9 +6,9 @@
 namespace PI {
 
 /**
- * Puts a file with this content in the place of `path`, which keeps its permissions. Whoever reads `path`
- * finds the old content or the new one whole, even after a power failure in between. Returns whether it did;
- * it does not for a link that is not trusted.
+ * Replaces `path` by a file with this content; permissions stay. A reader of `path` finds the whole old or
+ * the whole new content, even after a power failure. Returns whether it succeeded; it fails for a link that
+ * is not trusted.
  */
 bool replaceFile(const std::filesystem::path& path, std::string_view content);
 

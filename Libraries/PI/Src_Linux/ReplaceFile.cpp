@@ -14,7 +14,7 @@ namespace {
 
 constexpr mode_t NEW_FILE_MODE = S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
 
-/** A file beside its target; removed again unless it takes the target's place. */
+/** A temporary file beside its target; removed again unless it replaces the target. */
 class CTemporaryFile
 {
 public:
@@ -24,7 +24,7 @@ public:
         {};
         m_Replaces = lstat(target.c_str(), &former) == 0 && S_ISREG(former.st_mode);
         m_Mode = m_Replaces ? former.st_mode & ALLPERMS : NEW_FILE_MODE;
-        // Another file may have the name, of another thread or left by a process that was killed.
+        // Another thread, or a process that was killed, may have a file of this name.
         constexpr int attempts = 1000;
         for (int i = 0; i < attempts && (i == 0 || errno == EEXIST) && m_Descriptor < 0; ++i) {
             m_Name = target.string() + "." + std::to_string(getpid()) + "-" + std::to_string(i);
@@ -58,7 +58,7 @@ public:
 
     bool TakePlaceOf(const std::filesystem::path& target)
     {
-        // A new file keeps to the process's mask, which took its part when the file was made.
+        // A new file keeps the mode that it was made with, which the process's mask has limited.
         m_Kept =
             (!m_Replaces || fchmod(m_Descriptor, m_Mode) == 0) && rename(m_Name.c_str(), target.c_str()) == 0;
         return m_Kept;
@@ -72,7 +72,9 @@ private:
     bool m_Kept = false;
 };
 
-/** Makes a renaming in this folder last. The new content is in place even where a folder cannot be flushed.
+/**
+ * Makes a renaming in this folder permanent. Where a folder cannot be flushed, the new content is in place
+ * all the same.
  */
 void flushFolder(const std::filesystem::path& folder)
 {
@@ -87,7 +89,7 @@ void flushFolder(const std::filesystem::path& folder)
 
 bool replaceFile(const std::filesystem::path& path, std::string_view content)
 {
-    // What a link points to is replaced, not the link.
+    // Replaces the file that a link points to, not the link.
     const auto target = TLX::Misc::trustedTarget(path);
     if (!target)
         return false;

@@ -14,7 +14,7 @@
 namespace PI {
 namespace {
 
-/** Who may do what with a file that is there already; empty when there is none. */
+/** The permissions of an existing file; empty when there is none. */
 std::vector<std::byte> accessRules(const std::filesystem::path& file)
 {
     DWORD size = 0;
@@ -26,7 +26,7 @@ std::vector<std::byte> accessRules(const std::filesystem::path& file)
     return rules;
 }
 
-/** A file beside its target; removed again unless it takes the target's place. */
+/** A temporary file beside its target; removed again unless it replaces the target. */
 class CTemporaryFile
 {
 public:
@@ -79,7 +79,7 @@ private:
 
     std::wstring m_Name;
     TLX::Win::CFileHandle m_File;
-    bool m_IsMine = false; ///< and nobody else's to remove
+    bool m_IsMine = false; ///< this object has to remove the file
 };
 
 } // namespace

@@ -29,7 +29,7 @@ public:
 
     void SleepUntil(std::uint64_t instant) override
     {
-        // In pieces, since the nanoseconds of a far instant do not fit the library's counters.
+        // Sleeps in pieces, because the nanoseconds of a far instant do not fit the library's counters.
         constexpr std::uint64_t LONGEST_SLEEP = 3'600'000;
         for (std::uint64_t current = Monotonic(); current < instant; current = Monotonic())
             std::this_thread::sleep_for(milliseconds(std::min(instant - current, LONGEST_SLEEP)));
@@ -54,8 +54,8 @@ IClock* setClock(IClock* clock)
 
 IClock& clock()
 {
-    // Never destroyed: threads may still ask for the time while the process ends. Nor does it want memory,
-    // for a wait must not.
+    // Never destroyed: threads may still ask for the time while the process ends. It needs no heap memory,
+    // because a wait must not allocate any.
     alignas(CSystemClock) static std::byte room[sizeof(CSystemClock)];
     static IClock& systemClock = *new (room) CSystemClock;
     IClock* const replacement = g_Clock.load(std::memory_order_acquire);

@@ -10,7 +10,7 @@ CEvent::~CEvent() = default;
 
 std::uint32_t CEvent::Init(bool initiallySignalled, bool manualReset)
 {
-    // What the system knows survives a repeated call, so that whoever waits for it is not left behind.
+    // A repeated call keeps the native state, so that threads that already wait still see its signals.
     if (!m_Native) {
         std::unique_ptr<Native> native(new (std::nothrow) Native);
         if (!native || !native->Valid())

@@ -31,7 +31,7 @@ std::filesystem::path currentFolder()
     return catalogueFolder().m_Path;
 }
 
-/** Keeps what `line` says, if it has the shape of an entry. */
+/** Stores the entry in `line`, if it has the shape of one. */
 void readLine(std::string_view line, Texts& texts)
 {
     static constexpr std::string_view BLANKS = " \t";
@@ -85,7 +85,7 @@ std::optional<std::string> CLanguageSupport::CLngFile::Text(std::uint32_t number
     return entry != m_Texts.end() ? std::optional(entry->second) : std::nullopt;
 }
 
-/** Where the file is; what comes with a plug-in of somebody else does not lie in the host's folder. */
+/** The path of the file. The catalogue of another maker's plug-in is not in the host's folder. */
 std::filesystem::path CLanguageSupport::CLngFile::Find(const std::filesystem::path& folder) const
 {
     const std::filesystem::path shared = folder.empty() ? folder : folder / m_FileName;

@@ -38,7 +38,7 @@ void CModuleRegistry::SetDefaultMask(std::uint32_t mask)
 
 std::optional<std::string> CModuleRegistry::Text(std::uint32_t number) const
 {
-    // Under the lock to the end, so that no module is unloaded while its catalogue is asked.
+    // Holds the lock to the end, so that no module is unloaded while its catalogue is read.
     const std::scoped_lock guard(m_Lock);
     for (const CModuleInfo* module : m_Modules) {
         if (std::optional<std::string> text = module->LanguageFile().Text(number))

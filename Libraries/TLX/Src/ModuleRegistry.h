@@ -15,7 +15,7 @@ namespace TLX::Misc {
 class CModuleRegistry
 {
 public:
-    /** Is there before the first module and after the last. */
+    /** Exists before the first module and after the last. */
     static CModuleRegistry& Instance();
 
     /** Adds a module and gives it its mask. */

@@ -20,7 +20,7 @@ bool isOperatorAt(std::string_view text, std::size_t position)
     return behind < text.size() && !isIdentifier(text[behind]);
 }
 
-/** Where the arguments of the operator function begin whose keyword stands at `position`. */
+/** The position of the arguments of an operator function, whose keyword is at `position`. */
 std::size_t operatorArguments(std::string_view text, std::size_t position)
 {
     position += OPERATOR.size();
@@ -67,7 +67,7 @@ std::string_view qualifiedName(std::string_view prettyFunction)
             begin = position + 1;
             break;
         case '<':
-            // A lambda goes by the name of what encloses it.
+            // A lambda has the name of the function around it.
             if (rest.starts_with("<lambda"))
                 return orAll(name.ends_with("::") ? name.substr(0, name.size() - 2) : name);
             ++depth;
@@ -77,7 +77,7 @@ std::string_view qualifiedName(std::string_view prettyFunction)
                 position = text.find(')', position);
             else if (name.empty())
                 begin =
-                    position + 1; // the result is a pointer to a function, its parentheses enclose the name
+                    position + 1; // the result is a pointer to a function, whose parentheses enclose the name
             else
                 return name;
             if (position == std::string_view::npos)

@@ -29,7 +29,7 @@ public:
         try {
             Append(formatLine(line) + '\n');
         } catch (const std::exception&) {
-            // A trace never stops the traced: the line is lost.
+            // The line is lost, because a trace must never stop the traced code.
         }
     }
 
@@ -90,7 +90,7 @@ private:
     std::uint64_t m_MaximumSize;
     unsigned m_Keep;
     CTraceFile m_File;
-    bool m_Rotates = true; ///< a terminal or a pipe has no size, and keeps its name
+    bool m_Rotates = true; ///< false for a terminal or a pipe, which has no size
     std::uint64_t m_Size = 0;
 };
 

@@ -2,7 +2,8 @@
 
 namespace TLX::Threading {
 
-// The analysis is off inside: it cannot see that the lock is held only when the wait succeeded.
+// The analysis is switched off inside, because it cannot see that the lock is held only after a successful
+// wait.
 CScopedGuard::CScopedGuard(Native_OS::CFastMutex& mutex) TLX_NO_THREAD_SAFETY_ANALYSIS
     : m_Mutex(mutex),
       m_Taken(mutex.Wait() == WaitResult::Taken)

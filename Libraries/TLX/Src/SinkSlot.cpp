@@ -22,7 +22,7 @@ CSinkSlot& sinkSlot()
 
 void setSink(std::shared_ptr<ISink> sink)
 {
-    // Swapped, so that the former sink is destroyed by the argument, outside the lock.
+    // Swapping lets the argument destroy the former sink outside the lock.
     const std::scoped_lock guard(sinkSlot().m_Lock);
     sinkSlot().m_Sink.swap(sink);
 }

@@ -36,7 +36,7 @@ public:
             const std::string text = formatLine(line) + '\n';
             std::fwrite(text.data(), 1, text.size(), stderr);
         } catch (const std::exception&) {
-            // Without memory for it the line is lost; the traced code goes on.
+            // When memory is short the line is lost; the traced code goes on.
         }
     }
 };

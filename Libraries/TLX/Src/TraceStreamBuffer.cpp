@@ -19,9 +19,9 @@ namespace {
 using Argument = std::variant<std::int64_t, std::uint64_t, std::string>;
 
 /**
- * The classic locale, since a host's own must not put separators into numbers. Its facet keeps tables that
- * the standard library fills at the first questions without a lock, so they are asked while the library is
- * loaded and there is one thread.
+ * Uses the classic locale, because a host's locale may put separators into numbers. The standard library
+ * fills the tables of its facet at the first use without a lock. So they are used once while the library is
+ * loaded, when there is only one thread.
  */
 const std::locale& preparedLocale()
 {
@@ -80,7 +80,7 @@ struct CTraceStreamBuffer::Line
 
     void Add(const Argument& number) { m_Arguments.push_back(number); }
 
-    /** Adds `value` to `line`, which is lost when there is no memory for it. */
+    /** Appends `value` to `line`. The line is lost when memory is short. */
     template<typename Value>
     static void feed(std::unique_ptr<Line>& line, Value value) noexcept
     {
@@ -117,7 +117,7 @@ CTraceStreamBuffer::~CTraceStreamBuffer()
         Trace::write({Misc::now(), m_Line->m_Module.Number(), m_Line->m_Module.Name(), m_Line->m_Level,
                       m_Line->m_SourceUnit, m_Line->m_Function, m_Line->m_SourceLine, text});
     } catch (const std::exception&) {
-        // Without memory for it the line is lost; the traced code goes on.
+        // When memory is short the line is lost; the traced code goes on.
     }
 }
 

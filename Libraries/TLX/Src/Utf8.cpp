@@ -5,12 +5,12 @@
 namespace TLX::Internals {
 namespace {
 
-/** A character at the head of a text. */
+/** The character at the beginning of a text. */
 struct CCharacter
 {
     bool m_Valid;         ///< false: the first byte does not begin a well-formed UTF-8 sequence
-    char32_t m_CodePoint; ///< the byte when it is not valid
-    std::size_t m_Length; ///< in bytes; 1 when it is not valid
+    char32_t m_CodePoint; ///< the byte itself when the sequence is not valid
+    std::size_t m_Length; ///< in bytes; 1 for an invalid byte
 };
 
 /** The first character of `text`, which is not empty. */

@@ -30,7 +30,7 @@ CEvent::Native::Native() noexcept : m_Descriptor(eventfd(0, EFD_NONBLOCK | EFD_C
 
 void CEvent::Native::Signal()
 {
-    // Fails only when the counter is full, and then the event is signalled anyway.
+    // Fails only when the counter is full; the event is signalled then anyway.
     (void)eventfd_write(m_Descriptor.Get(), 1);
 }
 
@@ -50,7 +50,7 @@ std::uint32_t CEvent::Native::WaitForAny(std::span<CEvent* const> events, const 
         entries.at(count++) = {event->m_Native->m_Descriptor.Get(), POLLIN, 0};
     }
 
-    // A clock that does not run by itself says when the time is over; the system's timer does otherwise.
+    // When the clock does not run by itself, its event ends the wait; otherwise the system's timer does.
     std::shared_ptr<CEvent> alarm;
     if (interval != nullptr)
         alarm = Misc::clock().AlarmAt(interval->End());

@@ -10,7 +10,9 @@
 
 namespace TLX::Threading {
 
-/** The event's descriptor: readable while the event is signalled. Apart, so that one poll can watch several.
+/**
+ * The event's descriptor, readable while the event is signalled. It is a class of its own so that one poll
+ * can watch several.
  */
 struct CEvent::Native
 {
@@ -21,14 +23,17 @@ struct CEvent::Native
 
     void Signal();
 
-    /** Takes the signal away. Returns false when there was none. */
+    /** Clears the signal. Returns false when there was none. */
     bool Clear();
 
-    /** Whether a wait that saw the descriptor readable ends here; false when another one took the signal. */
+    /**
+     * Takes the signal after a wait saw the descriptor readable. Returns false when another wait took it
+     * first.
+     */
     bool Accept() { return m_ManualReset || Clear(); }
 
     /**
-     * Waits for the first of `events`, `MOST_EVENTS` at most, that fires and takes its signal. Returns its
+     * Waits for the first of `events` (`MOST_EVENTS` at most) that fires and takes its signal. Returns its
      * position, counted from 1; `TimedOut` at the end of `interval` (null: no end); `Failed`.
      */
     static std::uint32_t WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval);

@@ -9,7 +9,7 @@
 namespace TLX::Threading::Native_OS {
 namespace {
 
-/** The attributes of a mutex that its owner may take again. */
+/** The attributes of a recursive mutex. */
 class CRecursiveAttributes
 {
 public:

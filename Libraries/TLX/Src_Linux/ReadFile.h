@@ -8,7 +8,7 @@
 
 namespace TLX::Misc {
 
-/** Flags that open a file for reading without waiting for anybody. */
+/** Flags that open a file for reading without waiting for another process. */
 extern const int READ_WITHOUT_WAITING;
 
 /** The bytes of an open file; none when it is no regular file, or has more than `largest` bytes. */

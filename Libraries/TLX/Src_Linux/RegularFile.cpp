@@ -14,7 +14,7 @@ const int READ_WITHOUT_WAITING = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
 std::optional<std::string> readFile(const Linux::CDescriptor& file, std::size_t largest)
 {
-    // What is open is looked at, and not what was at its place a moment before.
+    // Checks the open file, because the path may have led to another file a moment before.
     struct stat status
     {};
     if (!file.Valid() || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode))

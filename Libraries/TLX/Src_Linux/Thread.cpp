@@ -13,10 +13,13 @@
 namespace TLX::Threading {
 namespace {
 
-/** Whether this thread is a `CThread`'s. The others decide for themselves whether they can be cancelled. */
+/**
+ * Whether this thread belongs to a `CThread`. Other threads decide for themselves whether they can be
+ * cancelled.
+ */
 thread_local bool t_Interruptible = false;
 
-/** Signals an event when it goes, however the scope is left. */
+/** Signals an event on destruction, however the scope is left. */
 class CSignalAtEnd
 {
 public:
@@ -33,14 +36,14 @@ private:
 
 struct CThread::Native
 {
-    /** Runs on the thread; `argument` is a share of its own in the state. */
+    /** Runs on the thread. `argument` is the thread's own share of the state. */
     static void* Run(void* argument)
     {
         pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
         t_Interruptible = true;
         const std::unique_ptr<std::shared_ptr<Native>> self(static_cast<std::shared_ptr<Native>*>(argument));
         const CSignalAtEnd notice((*self)->m_Ended);
-        // Gone before anyone learns of the end: its code may be unloaded then.
+        // Destroyed before the end is signalled, because the code of `body` may be unloaded after that.
         const std::function<void()> body = std::move((*self)->m_Body);
         body();
         return nullptr;
@@ -80,7 +83,7 @@ std::uint32_t CThread::Wait(std::uint32_t timeout)
         if (!std::exchange(m_Native->m_Joined, true))
             pthread_join(m_Native->m_Thread, nullptr);
     }
-    // What could not be looked at must not pass for ended.
+    // A state that cannot be read must not count as ended.
     return result == WaitResult::Taken ? WaitResult::Taken : WaitResult::TimedOut;
 }
 
@@ -92,8 +95,9 @@ void CThread::Cancel()
         pthread_cancel(m_Native->m_Thread);
 }
 
-// Without any object to destroy: where a function has some, the language's unwinder ends the process when it
-// meets an instruction that was not expected to throw, and an asynchronous cancellation strikes anywhere.
+// Contains no object to destroy. In a function with such objects, the language's unwinder ends the process
+// when it meets an instruction that should not throw; an asynchronous cancellation can come at any
+// instruction.
 int interruptibly(int (*call)(void* argument), void* argument)
 {
     if (!t_Interruptible)

@@ -8,11 +8,11 @@
 
 namespace TLX::Trace {
 
-/** What trace lines are appended to: anything that can be written. Nothing here waits for another process. */
+/** A file for trace lines: anything that can be written. No operation waits for another process. */
 class CTraceFile
 {
 public:
-    /** Makes the file when it is missing. When it returns false, `errno` says why. */
+    /** Creates the file when it is missing. When it returns false, `errno` has the reason. */
     bool Open(const std::filesystem::path& file);
     void Close() { m_Descriptor.reset(); }
     bool IsOpen() const { return m_Descriptor.has_value(); }

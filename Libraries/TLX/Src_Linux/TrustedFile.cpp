@@ -12,7 +12,7 @@
 namespace TLX::Misc {
 namespace {
 
-/** Where the open link leads; nothing when it cannot be told. */
+/** The target of the open link; nothing when it cannot be read. */
 std::optional<std::filesystem::path> contentOf(const Linux::CDescriptor& link)
 {
     char text[PATH_MAX];
@@ -34,7 +34,7 @@ std::optional<std::filesystem::path> trustedTarget(const std::filesystem::path& 
     constexpr int MOST_LINKS = 40; // the kernel's own limit
     std::filesystem::path target = path;
     for (int followed = 0; followed <= MOST_LINKS; ++followed) {
-        // Owner and content are those of one link, also when another takes its place meanwhile.
+        // Owner and content are those of the same link, even when another link replaces it meanwhile.
         const Linux::CDescriptor entry(open(target.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
         struct stat status
         {};
@@ -53,7 +53,7 @@ std::optional<std::string> readTrustedFile(const std::filesystem::path& path)
     const auto target = trustedTarget(path);
     if (!target)
         return std::nullopt;
-    // A link that took the target's place meanwhile is not followed.
+    // A link that has replaced the target meanwhile is not followed.
     return readFile(Linux::CDescriptor(open(target->c_str(), READ_WITHOUT_WAITING | O_NOFOLLOW)),
                     LARGEST_FILE);
 }

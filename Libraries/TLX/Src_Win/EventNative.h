@@ -12,8 +12,8 @@
 namespace TLX::Threading {
 
 /**
- * The event's handle: signalled while the event is. To the system every event is one that is reset by hand,
- * so that a repeated `Init` can change its kind under those who wait for it.
+ * The event's handle, signalled while the event is. The system's event is always one with manual reset, so
+ * that a repeated `Init` can change the kind while threads wait for it.
  */
 struct CEvent::Native
 {
@@ -24,27 +24,27 @@ struct CEvent::Native
 
     void Signal() { SetEvent(m_Event.Get()); }
 
-    /** Takes the signal away. Returns false when there was none. */
+    /** Clears the signal. Returns false when there was none. */
     bool Clear();
 
-    /** Whether a wait that saw the signal ends here; false when another one took it. */
+    /** Takes the signal after a wait saw it. Returns false when another wait took it first. */
     bool Accept() { return m_ManualReset || Clear(); }
 
-    /** What to wait for; null before `Init`. */
+    /** The handle to wait for; null before `Init`. */
     static HANDLE Handle(const CEvent& event)
     {
         return event.m_Native ? event.m_Native->m_Event.Get() : nullptr;
     }
 
     /**
-     * Waits for the first of `events`, `MOST_EVENTS` at most, that fires and takes its signal. Returns its
+     * Waits for the first of `events` (`MOST_EVENTS` at most) that fires and takes its signal. Returns its
      * position, counted from 1; `TimedOut` at the end of `interval` (null: no end); `Failed`.
      */
     static std::uint32_t WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval);
 
     TLX::Win::CKernelObject m_Event;
     std::atomic<bool> m_ManualReset = false;
-    std::mutex m_Lock; ///< held by who looks for the signal and takes it
+    std::mutex m_Lock; ///< held while the signal is tested and taken
 };
 
 } // namespace TLX::Threading

@@ -32,7 +32,7 @@ std::uint32_t CFastMutex::Wait(std::uint32_t timeout)
         return WaitResult::Failed;
     switch (WaitForSingleObject(m_Native->m_Mutex.Get(), timeout)) {
     case WAIT_OBJECT_0:
-    case WAIT_ABANDONED: // the lock of a thread that ended without giving it back
+    case WAIT_ABANDONED: // the owner ended without releasing the lock
         return WaitResult::Taken;
     case WAIT_TIMEOUT:
         return WaitResult::TimedOut;

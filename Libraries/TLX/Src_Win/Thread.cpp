@@ -16,19 +16,19 @@ namespace TLX::Threading {
 namespace {
 
 /**
- * What a thread and whoever ends it by force have to agree on: a thread is only ever struck down within a
- * call that may be broken off, never on its way out, when it may hold locks.
+ * The state that a thread shares with the code that ends it by force. A thread is terminated only within a
+ * call that may be broken off. Outside such a call it may hold locks.
  */
 class CInterruption
 {
 public:
-    /** Marks the thread for its end, in its present call or the next. */
+    /** Marks the thread as ending, in its present call or the next. */
     void Request() { m_Requested = true; }
 
     /** Whether it is within a call. */
     bool Inside() const { return m_State == EState::Inside; }
 
-    /** Takes the right to strike the thread down; false when it has left its call. */
+    /** Takes the right to terminate the thread; false when it has left its call. */
     bool Doom()
     {
         EState inside = EState::Inside;
@@ -58,7 +58,7 @@ private:
     {
         Outside,
         Inside,
-        Doomed, ///< about to be struck down
+        Doomed, ///< about to be terminated
     };
 
     [[noreturn]] void End()
@@ -66,9 +66,9 @@ private:
         EState inside = EState::Inside;
         if (!m_State.compare_exchange_strong(inside, EState::Outside)) {
             for (;;)
-                Sleep(INFINITE); // struck down in here
+                Sleep(INFINITE); // terminated in here
         }
-        m_Requested = false; // once is enough
+        m_Requested = false; // a second cancellation changes nothing
         throw CForcedEnd();
     }
 
@@ -76,18 +76,18 @@ private:
     std::atomic<EState> m_State = EState::Outside;
 };
 
-/** How often a call's request is cancelled, and how long the call then has to come back, in milliseconds. */
+/** How often a call's request is cancelled, and how many milliseconds the call then has to return. */
 constexpr int ATTEMPTS = 20;
 constexpr DWORD TIME_TO_COME_BACK = 50;
 
-/** Of this thread; null when it is no `CThread`'s. */
+/** That of the current thread; null when it belongs to no `CThread`. */
 thread_local CInterruption* t_Interruption = nullptr;
 
 } // namespace
 
 struct CThread::Native
 {
-    /** Runs on the thread; `argument` is a share of its own in the state. */
+    /** Runs on the thread. `argument` is the thread's own share of the state. */
     static unsigned __stdcall Run(void* argument);
 
     std::function<void()> m_Body;
@@ -129,7 +129,7 @@ std::uint32_t CThread::Wait(std::uint32_t timeout)
     const CWaitInterval interval(timeout);
     const std::uint32_t result =
         Win::waitForAny({&thread, 1}, timeout == NO_TIME_LIMIT ? nullptr : &interval, ended);
-    // What could not be looked at must not pass for ended.
+    // A state that cannot be read must not count as ended.
     return result == WaitResult::Taken ? WaitResult::Taken : WaitResult::TimedOut;
 }
 
@@ -141,8 +141,8 @@ void CThread::Cancel()
     const HANDLE thread = m_Native->m_Thread.Get();
     CInterruption& interruption = m_Native->m_Interruption;
     interruption.Request();
-    // A call that waits for a device comes back when its request is cancelled, and its thread unwinds. More
-    // than once, for the call may be about to make its request.
+    // A call that waits for a device returns when its request is cancelled, and its thread unwinds. The
+    // cancellation is repeated, because the call may be just about to make its request.
     for (int attempt = 0; attempt < ATTEMPTS && interruption.Inside(); ++attempt) {
         CancelSynchronousIo(thread);
         if (WaitForSingleObject(thread, TIME_TO_COME_BACK) == WAIT_OBJECT_0)

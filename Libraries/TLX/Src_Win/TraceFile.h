@@ -6,11 +6,11 @@
 
 namespace TLX::Trace {
 
-/** What trace lines are appended to: anything that can be written. */
+/** A file for trace lines: anything that can be written. */
 class CTraceFile
 {
 public:
-    /** Makes the file when it is missing. When it returns false, `errno` says why. */
+    /** Creates the file when it is missing. When it returns false, `errno` has the reason. */
     bool Open(const std::filesystem::path& file)
     {
         m_Stream.open(file, std::ios::app | std::ios::binary);

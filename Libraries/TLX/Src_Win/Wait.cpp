@@ -22,7 +22,7 @@ std::uint32_t waitForAny(std::span<const HANDLE> objects, const CWaitInterval* i
     static_assert(handles.size() == Threading::MOST_EVENTS + 1);
     std::copy(objects.begin(), objects.end(), handles.begin());
     auto count = static_cast<DWORD>(objects.size());
-    // A clock that does not run by itself says when the time is over; the system's timer does otherwise.
+    // When the clock does not run by itself, its event ends the wait; otherwise the system's timer does.
     std::shared_ptr<CEvent> alarm;
     if (interval != nullptr)
         alarm = Misc::clock().AlarmAt(interval->End());
@@ -35,7 +35,7 @@ std::uint32_t waitForAny(std::span<const HANDLE> objects, const CWaitInterval* i
         if (timedBySystem)
             limit = static_cast<DWORD>(std::min<std::uint64_t>(interval->Remaining(), INFINITE - 1));
         const DWORD result = WaitForMultipleObjects(count, handles.data(), FALSE, limit);
-        // The system's timer counts in larger steps than the clock and may be early by one.
+        // The system's timer has larger steps than the clock and may fire one step early.
         if (result == WAIT_TIMEOUT && timedBySystem && interval->Remaining() > 0)
             continue;
         if (result == WAIT_TIMEOUT)

@@ -12,10 +12,11 @@ struct CRegistry
 {
     std::mutex m_Lock;
     std::shared_ptr<IDeviceBackend> m_Backend;
-    std::shared_ptr<CPageMemory> m_Memory; ///< of the back-end's drives; null without one
+    std::shared_ptr<CPageMemory>
+        m_Memory; ///< the last good pages of the back-end's drives; null without a back-end
 };
 
-// Never destroyed: a thread that hangs in a drive may outlive the static objects of a process that exits.
+// Never destroyed: a thread that waits for a drive may outlive the static objects when the process exits.
 CRegistry& registry()
 {
     static auto* const instance = new CRegistry;
@@ -68,7 +69,7 @@ CDeviceSource deviceSource()
     const std::scoped_lock guard(registry().m_Lock);
     if (registry().m_Backend)
         return {registry().m_Backend, registry().m_Memory};
-    // The platform's memory has no owner and is never destroyed.
+    // Nothing owns the platform's memory, and it is never destroyed.
     return {nullptr, std::shared_ptr<CPageMemory>(std::shared_ptr<void>(), &platformMemory())};
 }
 

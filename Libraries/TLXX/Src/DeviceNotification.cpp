@@ -25,7 +25,7 @@ std::unique_ptr<IAnnouncements> subscribe(std::function<void()> announce)
 
 } // namespace
 
-/** Gathers announcements on a thread of its own and passes them on as few signals. */
+/** Collects announcements on a thread of its own and passes them on as few signals. */
 class CDeviceNotification::Native
 {
 public:
@@ -62,7 +62,7 @@ private:
             const std::uint64_t due = std::max(now + NOTIFICATION_DELAY, earliest);
             if (m_Stop.Wait(static_cast<std::uint32_t>(due - now)) != TLX::Threading::WaitResult::TimedOut)
                 return;
-            // What was announced until here is covered by this signal; what comes later gets another one.
+            // This signal covers what was announced up to here. A later announcement gets another signal.
             m_Announced.Reset();
             m_Signal();
             earliest = due + NOTIFICATION_PERIOD;
@@ -83,7 +83,7 @@ CDeviceNotification::CDeviceNotification(const TLX::Threading::CEvent& event) no
         if (native->HasSource())
             m_Native = std::move(native);
     } catch (const std::exception&) {
-        // `Active` tells. Polling does the work then.
+        // `Active` returns false then, and the caller has to poll.
     }
 }
 

@@ -21,7 +21,7 @@ struct CLastStatuses
     std::unordered_map<std::string, std::map<EQuery, std::uint32_t>> m_Statuses; // by path
 };
 
-// Never destroyed, for a query may still run when the process exits.
+// Never destroyed, because a query may still run when the process exits.
 CLastStatuses& lastStatuses()
 {
     static auto* const instance = new CLastStatuses;
@@ -41,7 +41,7 @@ struct CQuerySession::Native
 {
     explicit Native(std::string path) : m_Path(std::move(path)) {}
 
-    /** The disk, opened unless it is. */
+    /** The disk. Opens it if necessary. */
     Platform::CDisk& Disk()
     {
         if (!m_Disk || m_Disk->Status() != STATUS_SUCCESS)
@@ -67,14 +67,14 @@ CQuerySession::~CQuerySession()
 
 namespace {
 
-/** What a drive answered, and which one it was. */
+/** The answer of a drive, and which drive it was. */
 struct CAnswer
 {
     std::uint32_t m_Status;
     std::string m_Instance;
 };
 
-/** Asks the back-end that is in the machine's place, or else the disk. */
+/** Asks the back-end if one is set, otherwise the disk. */
 template<typename AskBackend, typename AskDisk>
 CAnswer answerOf(const std::string& path, IDeviceBackend* backend, AskBackend askBackend, AskDisk askDisk)
 {
@@ -98,7 +98,7 @@ std::span<std::uint8_t> bytesOf(Block& block)
     return {reinterpret_cast<std::uint8_t*>(&block), sizeof block};
 }
 
-/** Keeps a good answer, or puts the last good one in the place of one that failed. */
+/** Keeps a good answer. Replaces a failed one by the last good answer. */
 template<typename Block>
 std::uint32_t remember(const std::string& path, CPageMemory& memory, const CAnswer& answer,
                        CPageMemory::Page page, Block& block)
@@ -118,7 +118,7 @@ constexpr CPageMemory::Page vendorPage(std::uint8_t logIdentifier)
     return {EQuery::VendorLog, logIdentifier};
 }
 
-/** The vendor logs that states are told from; texts are not worth remembering. */
+/** These vendor logs decide states. Texts are not kept. */
 constexpr bool isRemembered(std::uint8_t logIdentifier)
 {
     constexpr std::uint8_t temperatures = 0xC5;

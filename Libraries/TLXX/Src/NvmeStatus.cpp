@@ -17,7 +17,8 @@ constexpr std::pair<std::errc, const char*> SYSTEM_TEXTS[] = {
     {std::errc::no_such_device_or_address, "there is no such device"},
     {std::errc::function_not_supported, "the device takes no NVMe commands"},
     {std::errc::inappropriate_io_control_operation, "the device takes no NVMe commands"},
-    // The Linux driver reports a command that it cancelled, after a time-out or in a reset, as interrupted.
+    // When the Linux driver cancels a command after a time-out or in a reset, it reports the command as
+    // interrupted.
     {std::errc::interrupted, "the drive did not answer in time"},
     {std::errc::timed_out, "the drive did not answer in time"},
     {std::errc::resource_unavailable_try_again, "the controller is not ready"},
@@ -25,7 +26,7 @@ constexpr std::pair<std::errc, const char*> SYSTEM_TEXTS[] = {
     {std::errc::io_error, "input/output error"},
 };
 
-// Status code type and status code, without the retry hints above them.
+// Status code type and status code, without the retry bits above them.
 constexpr std::uint32_t CODE_MASK = 0x7FF;
 
 constexpr std::pair<std::uint32_t, const char*> DRIVE_TEXTS[] = {

@@ -8,13 +8,13 @@ namespace TLXX {
 
 constexpr std::uint32_t STATUS_SUCCESS = 0;
 
-/** OR-ed with the status that the drive put into its completion. */
+/** OR-ed with the status in the drive's completion. */
 constexpr std::uint32_t STATUS_FROM_DRIVE = 0x10000;
 
 /** The drive reported success but filled less than the block that was asked for. */
 constexpr std::uint32_t STATUS_SHORT_TRANSFER = 0x20000;
 
-/** What the system handed over as the drive's data lies outside of what it wrote. */
+/** The system placed the drive's data outside of the bytes that it wrote. */
 constexpr std::uint32_t STATUS_BAD_ANSWER = 0x20001;
 
 /** The drive reported success, but the page was never filled. */

@@ -12,11 +12,11 @@ namespace {
 constexpr std::size_t VENDOR_TAG_OFFSET = 3100 - offsetof(NVME_IDENTIFY_CONTROLLER, VS);
 constexpr std::size_t VENDOR_TAG_SIZE = 8;
 
-// NVMe has no blocks below 512 bytes; above 2 GiB no drive means what it says.
+// NVMe has no blocks below 512 bytes. A size above 2 GiB is a fault of the drive.
 constexpr unsigned SMALLEST_BLOCK_SHIFT = 9;
 constexpr unsigned LARGEST_BLOCK_SHIFT = 31;
 
-// With up to 16 formats bits 5 and 6 of FLBAS are reserved, and a drive may put anything there.
+// With up to 16 formats bits 5 and 6 of FLBAS are reserved, and a drive may set them to anything.
 constexpr unsigned FORMATS_OF_SHORT_INDEX = 16;
 
 } // namespace

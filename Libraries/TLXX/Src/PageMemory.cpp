@@ -60,7 +60,7 @@ void CPageMemory::Retain(const std::vector<std::string>& instances)
 
 CPageMemory& platformMemory()
 {
-    // Never destroyed, for a query may still run when the process exits.
+    // Never destroyed, because a query may still run when the process exits.
     static auto* const instance = new CPageMemory;
     return *instance;
 }

@@ -17,33 +17,39 @@
 namespace TLXX {
 
 /**
- * The last good pages of drives, so that one failed query changes nothing. Drives go by their device
- * instance; an empty instance is one that nobody knows, and nothing is kept of it. Safe from any thread.
+ * The last good pages of drives, so that one failed query changes nothing. The device instance identifies a
+ * drive; for an empty, unknown instance nothing is kept. Safe from any thread.
  */
 class CPageMemory
 {
 public:
-    /** What a page is an answer to: the kind of query and, of a vendor log, its identifier. */
+    /** Identifies a page: the kind of query and, for a vendor log, its identifier. */
     using Page = std::pair<EQuery, std::uint8_t>;
 
     void Keep(const std::string& instance, Page page, std::span<const std::uint8_t> bytes);
 
-    /** Puts the last good page into `bytes`, which has its size; false, with nothing written, without one. */
+    /**
+     * Copies the last good page into `bytes`, which has the page's size. Returns false and writes nothing
+     * when there is none.
+     */
     bool Recall(const std::string& instance, Page page, std::span<std::uint8_t> bytes) const;
 
-    /** The drive has said who it is; another one than before has none of the former's pages. */
+    /**
+     * Called after the drive has identified itself. When its serial number differs from the former one, all
+     * kept pages of the instance are forgotten.
+     */
     void Identified(const std::string& instance, const std::string& serialNumber);
 
-    /** The instance that last said that it has this serial number; none when several did, or none. */
+    /** The instance that last reported this serial number; none when no instance or several did. */
     std::optional<std::string> InstanceOf(const std::string& serialNumber) const;
 
-    /** Forgets every instance but these, which an enumeration has found. */
+    /** Forgets every instance that is not in this list of an enumeration. */
     void Retain(const std::vector<std::string>& instances);
 
 private:
     struct CDrive
     {
-        std::optional<std::string> m_SerialNumber; ///< none: it has not said yet
+        std::optional<std::string> m_SerialNumber; ///< none: not reported yet
         std::map<Page, std::vector<std::uint8_t>> m_Pages;
     };
 
@@ -51,7 +57,7 @@ private:
     std::unordered_map<std::string, CDrive> m_Drives; // by instance
 };
 
-/** What answers queries now, and the memory that belongs to it. */
+/** The source of answers to queries, and the memory that belongs to it. */
 struct CDeviceSource
 {
     std::shared_ptr<IDeviceBackend> m_Backend; ///< null: the platform's own code

@@ -14,7 +14,7 @@ struct CPart
     std::string_view m_Separator; ///< before the number
     std::int32_t CPciLocation::*m_Number;
     std::uint32_t m_Largest;
-    int m_Digits; ///< at least, when written
+    int m_Digits; ///< the least number when written
 };
 
 constexpr CPart PARTS[] = {

@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-// What each operating system supplies, in a folder of its own. The public functions ask these when no
-// back-end stands in the machine's place, and give them the same contract. Queries are
-// in `Disk.h`, which every system has its own of.
+// The functions that each operating system implements in a folder of its own. The public functions call these
+// when no back-end is set, and give them the same contract. Queries are in `Disk.h`, of which every system
+// has its own.
 namespace TLXX::Platform {
 
 /** The location of the `number`-th controller of the last enumeration, counted from 1. */

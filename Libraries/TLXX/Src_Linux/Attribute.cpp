@@ -18,7 +18,7 @@
 namespace TLXX::Linux {
 namespace {
 
-/** Reads until `bytes` are full or the file is at its end; returns how many came. */
+/** Reads until `bytes` is full or the file ends; returns the number of bytes read. */
 std::size_t readWhole(int file, std::span<std::uint8_t> bytes)
 {
     std::size_t length = 0;
@@ -37,7 +37,7 @@ std::size_t readWhole(int file, std::span<std::uint8_t> bytes)
 
 std::string readAttribute(const char* path, int above)
 {
-    // Whatever else stands in a file's place, such as a pipe, must not block.
+    // A pipe or another special file in place of the attribute must not block.
     const CFileDescriptor file(path, above, O_NONBLOCK);
     throwIfExhausted(static_cast<int>(file.Status()));
     struct stat status = {};

@@ -37,7 +37,7 @@ void CDeviceTable::SetRoot(std::filesystem::path root)
     m_Locations.clear();
     m_DriverVersions.clear();
     ++m_Walks;
-    // The numbers of another tree's nodes may be the same.
+    // Nodes of another tree may have the same numbers.
     platformMemory().Retain({});
 }
 
@@ -59,7 +59,8 @@ std::vector<CDeviceEntry> CDeviceTable::Enumerate()
     std::vector<std::string> instances;
     bool reliable = names.has_value();
     for (const CController& controller : listControllers(root)) {
-        // What is halfway in or out does not show by its names when that is done.
+        // A controller that is incomplete now changes no name when it becomes complete. So these names are
+        // not reliable.
         reliable = reliable && controller.m_Whole &&
                    (controller.m_DeviceName.empty() || names->HasDisk(controller.m_DeviceName));
         if (controller.m_Transport != "pcie" || controller.m_DeviceName.empty())
@@ -124,7 +125,7 @@ std::string CDeviceTable::DriverVersion(const std::string& driver, std::string (
     }
     std::string version = read(driver);
     const std::scoped_lock guard(m_Lock);
-    // Only names that can be relied upon will tell when it has to be read again.
+    // Without reliable names the next enumeration must read the tree again.
     if (m_Names && walks == m_Walks)
         m_DriverVersions.insert({driver, version});
     return version;
@@ -140,7 +141,7 @@ std::optional<CPciLocation> CDeviceTable::Location(std::uint32_t number) const
 
 CDeviceTable& deviceTable()
 {
-    // Never destroyed, for a query may still run when the process exits.
+    // Never destroyed, because a query may still run when the process exits.
     static auto* const instance = new CDeviceTable;
     return *instance;
 }

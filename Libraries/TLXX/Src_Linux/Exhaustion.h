@@ -3,8 +3,8 @@
 namespace TLXX::Linux {
 
 /**
- * Throws `std::runtime_error` when `error`, of a call that was to open something, says that descriptors or
- * memory have run out. Nothing was learnt then of what was to be opened; it must not pass for missing.
+ * Throws `std::runtime_error` when `error`, of a call that opens something, means that descriptors or memory
+ * have run out. In that case the target must not be taken for missing, because nothing is known about it.
  */
 void throwIfExhausted(int error);
 

@@ -8,16 +8,16 @@
 
 namespace TLXX::Linux {
 
-/** An open file or device node, closed when it goes. Opened for reading only. */
+/** An open file or device node, closed on destruction. Opened for reading only. */
 class CFileDescriptor
 {
 public:
     explicit CFileDescriptor(const char* path) : CFileDescriptor(::open(path, O_RDONLY | O_CLOEXEC)) {}
-    /** `path` counts from the open folder `above`; `flags` are further ones. */
+    /** `path` is relative to the open folder `above`; `flags` are additional ones. */
     CFileDescriptor(const char* path, int above, int flags)
         : CFileDescriptor(::openat(above, path, O_RDONLY | O_CLOEXEC | flags))
     {}
-    /** One that could not be opened. */
+    /** An object for a file that could not be opened. */
     static CFileDescriptor Failed(int error) { return {-1, error}; }
     ~CFileDescriptor()
     {
@@ -27,7 +27,7 @@ public:
     CFileDescriptor(const CFileDescriptor&) = delete;
     CFileDescriptor& operator=(const CFileDescriptor&) = delete;
 
-    /** 0, or why it could not be opened. */
+    /** 0, or the reason why it could not be opened. */
     std::uint32_t Status() const { return m_Status; }
     int Get() const { return m_Descriptor; }
 

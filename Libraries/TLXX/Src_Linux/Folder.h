@@ -9,21 +9,23 @@
 
 namespace TLXX::Linux {
 
-/** An open folder, closed when it goes. What lies below it is named from there. */
+/** An open folder, closed on destruction. Paths below it are relative to it. */
 class CFolder
 {
 public:
     /**
-     * `path` counts from the folder `above`; by default from where the process is. Throws
-     * `std::runtime_error` when descriptors or memory have run out.
+     * `path` is relative to the folder `above`, by default to the current folder. Throws `std::runtime_error`
+     * when descriptors or memory have run out.
      */
     explicit CFolder(const char* path, int above = AT_FDCWD);
 
     bool IsOpen() const { return m_Folder != nullptr; }
     int Get() const { return ::dirfd(m_Folder.get()); }
 
-    /** The next entry, which stays until the next call; null behind the last, and when the folder did not
-     * open. */
+    /**
+     * The next entry, valid until the next call; null after the last, and when the folder could not be
+     * opened.
+     */
     const dirent* Next();
 
     /** Whether an entry of this folder is a directory or links to one. */
@@ -44,7 +46,7 @@ private:
     std::unique_ptr<DIR, CClose> m_Folder;
 };
 
-/** The name of what the link `path` below `folder` points to; empty if there is no such link. */
+/** The last name in the target of the link `path` below `folder`; empty if there is no such link. */
 std::string linkTarget(const CFolder& folder, const char* path);
 
 } // namespace TLXX::Linux

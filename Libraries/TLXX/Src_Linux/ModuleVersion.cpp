@@ -11,14 +11,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/** Whether `name` is one name below a folder, and not a way out of it. */
+/** Whether `name` is a single name in a folder and cannot lead out of it. */
 bool isPlainName(const std::string& name)
 {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos &&
            name.find('\0') == std::string::npos;
 }
 
-/** A driver without a version of its own is as old as the kernel that it came with. */
+/** A driver without a version of its own has the version of the kernel that it came with. */
 std::string kernelRelease()
 {
     utsname system{};
@@ -32,7 +32,7 @@ std::string readVersion(const std::string& module)
     if (std::string version = Linux::readAttribute((folder + "/version").c_str()); !version.empty())
         return version;
     std::error_code error;
-    // A driver that is built into the kernel need not show as a module.
+    // A driver that is built into the kernel may be missing among the modules.
     if (fs::exists(folder, error) || fs::exists(root + "/bus/pci/drivers/" + module, error))
         return kernelRelease();
     return {};

@@ -10,17 +10,18 @@
 namespace TLXX::Linux {
 
 /**
- * The controllers and disks that sysfs names, each with the number of its node there. The kernel never uses
- * such a number twice, so a controller or disk that went and came back, or another one under its name, makes
- * a difference.
+ * The controllers and disks in sysfs, each with the number of its node. The kernel never uses such a number
+ * twice. So the numbers differ after a controller or disk went and came back, or another one took its name.
  */
 class CNvmeNames
 {
 public:
-    /** The names below `root`; nothing when that is no sysfs, whose nodes' numbers would tell nothing. */
+    /**
+     * The names below `root`; nothing when `root` is no sysfs, because then the nodes' numbers mean nothing.
+     */
     static std::optional<CNvmeNames> Read(const std::filesystem::path& root);
 
-    /** Whether a disk goes by this path, such as "/dev/nvme0n1". */
+    /** Whether a disk has this path, such as "/dev/nvme0n1". */
     bool HasDisk(std::string_view path) const;
 
     friend bool operator==(const CNvmeNames&, const CNvmeNames&) = default;

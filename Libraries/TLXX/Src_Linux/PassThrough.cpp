@@ -37,7 +37,7 @@ constexpr std::uint32_t TIMEOUT_MS = 10'000;
 using Mark = std::array<std::uint8_t, 8>;
 constexpr Mark NOT_TRANSFERRED = {0x5B, 0xE1, 0x0C, 0x97, 0xA6, 0x3D, 0xF8, 0x42};
 
-/** Whether a drive must fill the whole block: the pages that vendors define may be shorter than ours. */
+/** Whether a drive must fill the whole block. Pages that vendors define may be shorter than ours. */
 enum class ELength
 {
     exact,
@@ -67,8 +67,9 @@ std::uint32_t read(const Linux::CFileDescriptor& node, nvme_admin_cmd command, E
     static_assert(std::is_trivially_copyable_v<Block>);
     std::array<std::uint8_t, sizeof(Block)> data{};
     std::uint8_t* const tail = data.data() + data.size() - NOT_TRANSFERRED.size();
-    // The kernel tells no length. It lets the drive write into this memory itself (unless it must copy, and
-    // then nothing can be seen), so a mark that is still at the end shows that the drive stopped before it.
+    // The kernel reports no length. It lets the drive write into this memory itself, so a mark that is still
+    // at the end shows that the drive stopped before it. When the kernel has to copy instead, this cannot be
+    // seen.
     if (length == ELength::exact)
         std::memcpy(tail, NOT_TRANSFERRED.data(), NOT_TRANSFERRED.size());
 
@@ -93,7 +94,7 @@ std::uint32_t identify(const Linux::CFileDescriptor& node, std::uint32_t structu
     command.nsid = namespaceId;
     command.cdw10 = structure;
     const std::uint32_t status = read(node, command, ELength::exact, target);
-    // It may not be the disk any more that the last enumeration met.
+    // The path may now lead to another disk than the one of the last enumeration.
     if (status != STATUS_SUCCESS)
         Linux::deviceTable().LookAnew();
     return status;

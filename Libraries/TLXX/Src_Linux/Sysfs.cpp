@@ -20,7 +20,7 @@ std::string driverName(const CFolder& folder, const std::string& transport)
     return transport.empty() || transport == "pcie" ? std::string() : "nvme_" + transport;
 }
 
-/** A namespace's identifier; none if the kernel does not say. */
+/** A namespace's identifier; none if the kernel does not tell it. */
 std::optional<std::uint32_t> namespaceIdentifier(const CFolder& controller, const std::string& node)
 {
     const auto identifier = decimal(readAttribute((node + "/nsid").c_str(), controller.Get()));
@@ -29,8 +29,8 @@ std::optional<std::uint32_t> namespaceIdentifier(const CFolder& controller, cons
 }
 
 /**
- * The path that stands for a namespace of `controller`. A shared head is the disk of the controller that it
- * is named after; its other controllers take the name of their own path to it, so that no two share a name.
+ * The disk path of a namespace of `controller`. A shared head is the disk of the controller that it is named
+ * after. Other controllers use the name of their own path to it, so that no two share a name.
  */
 std::string devicePath(const CController& controller, const std::string& node, const CNamespaceName& name)
 {
@@ -41,7 +41,7 @@ std::string devicePath(const CController& controller, const std::string& node, c
 
 void findNamespace(CFolder& folder, CController& controller)
 {
-    // With several paths to it, a namespace has a node for itself and one for the path.
+    // With several paths to it, a namespace has one node for itself and one for each path.
     std::set<std::uint32_t> identifiers;
     while (const dirent* const entry = folder.Next()) {
         const auto name = namespaceName(entry->d_name);
@@ -49,7 +49,7 @@ void findNamespace(CFolder& folder, CController& controller)
             continue;
         const std::string node = entry->d_name;
         const auto told = namespaceIdentifier(folder, node);
-        // The number in its name counts nodes, and need not be the same.
+        // The number in its name counts nodes and may differ.
         const std::uint32_t identifier = told.value_or(name->m_Number);
         identifiers.insert(identifier);
         std::string path = devicePath(controller, node, *name);

@@ -5,7 +5,7 @@
 namespace TLXX::Linux {
 namespace {
 
-/** Takes `prefix` and the decimal number behind it off the head of `text`; false if they are not there. */
+/** Removes `prefix` and the decimal number after it from the start of `text`; false if they are not there. */
 bool take(std::string_view& text, std::string_view prefix, std::uint32_t& number)
 {
     if (!text.starts_with(prefix))
@@ -18,7 +18,7 @@ bool take(std::string_view& text, std::string_view prefix, std::uint32_t& number
     return true;
 }
 
-/** As `take`, for the numbers of names: the kernel never pads them, so "nvme07" is no controller. */
+/** As `take`, but for numbers in names. The kernel never pads them, so "nvme07" is no controller. */
 bool takeUnpadded(std::string_view& text, std::string_view prefix, std::uint32_t& number)
 {
     const std::string_view before = text;

@@ -4,7 +4,8 @@
 #include <optional>
 #include <string_view>
 
-// Names and numbers as sysfs writes them. Each function gives nothing for a text that is not exactly one.
+// Names and numbers in the spelling of sysfs. Each function returns nothing for a text that does not match
+// exactly.
 namespace TLXX::Linux {
 
 /** 3 for "nvme3". */

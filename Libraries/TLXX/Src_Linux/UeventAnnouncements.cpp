@@ -17,14 +17,14 @@
 namespace TLXX::Linux {
 namespace {
 
-constexpr std::size_t LARGEST_MESSAGE = 8192; // the kernel's messages have 2048 bytes at most
+constexpr std::size_t LARGEST_MESSAGE = 8192; // a message of the kernel has at most 2048 bytes
 
 union Sender {
     sockaddr m_Any;
     sockaddr_nl m_Netlink;
 };
 
-/** Other processes may send to a netlink socket, too. */
+/** Other processes can also send to a netlink socket. */
 bool isTrusted(const Sender& sender, socklen_t size)
 {
     const bool netlink = size >= sizeof(sockaddr_nl) && sender.m_Any.sa_family == AF_NETLINK;
@@ -39,7 +39,7 @@ TLX::Linux::CDescriptor openUeventSocket()
         ::socket(AF_NETLINK, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_KOBJECT_UEVENT));
     sockaddr_nl address{};
     address.nl_family = AF_NETLINK;
-    address.nl_groups = 1; // what the kernel sends; group 2 is the device manager's
+    address.nl_groups = 1; // messages of the kernel; group 2 is the device manager's
     if (socket.Valid() && ::bind(socket.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
         return {};
     return socket;
@@ -87,7 +87,7 @@ bool CUeventAnnouncements::ReadAll()
                 announcesDrives({message.data(), static_cast<std::size_t>(size)}))
                 m_Announce();
         } else if (size < 0 && errno == ENOBUFS) {
-            // Messages were lost, and any of them may have been about a drive.
+            // Messages were lost, and each of them may have concerned a drive.
             m_Announce();
         } else if (size == 0 || (errno != EINTR))
             return size < 0 && errno == EAGAIN;

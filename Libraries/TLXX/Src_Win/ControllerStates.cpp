@@ -28,7 +28,7 @@ std::string instanceId(DeviceNode node)
     return CM_Get_Device_IDA(node, buffer, MAX_DEVICE_ID_LEN, 0) == CR_SUCCESS ? buffer : "";
 }
 
-/** The path by which the disk at `node` is opened; empty if it has none. */
+/** The path that opens the disk at `node`; empty if it has none. */
 std::string diskInterface(DeviceNode node)
 {
     std::string instance = instanceId(node);
@@ -45,7 +45,7 @@ std::string diskInterface(DeviceNode node)
     return list.substr(0, list.find('\0'));
 }
 
-/** Fills in the disk below the controller at `node`, the one that the enumeration looks at. */
+/** Fills in the disk below the controller at `node`: the one that the enumeration uses. */
 void addDisk(DeviceNode node, CControllerState& state)
 {
     DEVINST child = 0;
@@ -59,7 +59,8 @@ void addDisk(DeviceNode node, CControllerState& state)
     const std::string path = diskInterface(child);
     if (path.empty())
         return;
-    // Asking for the number needs no right to read, so the disk has its name even where it may not be read.
+    // Asking for the number needs no right to read, so a disk has its name even when the user may not read
+    // it.
     if (const auto number = Win::CDeviceFile(path, 0).DiskNumber())
         state.m_DeviceName = R"(\\.\PhysicalDrive)" + std::to_string(*number);
     state.m_AccessPath = state.m_DeviceName.empty() ? path : state.m_DeviceName;

@@ -24,7 +24,7 @@ struct CEnumeration
     std::vector<Win::CFoundDisk> m_Disks;
 };
 
-// Never destroyed, for a query may still run when the process exits.
+// Never destroyed, because a query may still run when the process exits.
 CEnumeration& lastEnumeration()
 {
     static auto* const instance = new CEnumeration;
@@ -40,7 +40,7 @@ void appendTree(DeviceNode node, std::vector<DeviceNode>& nodes)
         appendTree(child, nodes);
 }
 
-/** The bytes of a property; none when it is missing or larger than any that is asked for here. */
+/** The bytes of a property; none when it is missing or larger than any property that is read here. */
 std::vector<char> propertyOf(DeviceNode node, std::uint32_t property)
 {
     std::array<char, 4096> buffer{};
@@ -114,8 +114,9 @@ std::optional<CPciLocation> Win::nodeLocation(DeviceNode node)
     const auto address = numberOf(node, CM_DRP_ADDRESS);
     if (!bus || !address)
         return std::nullopt;
-    // Windows counts a PCI bus in the lowest byte, the segment in the two above it, and keeps device and
-    // function in one half of the address each. Whatever is larger was not written by the PCI bus driver.
+    // Windows has the PCI bus in the lowest byte of a number and the segment in the two bytes above it.
+    // Device and function are the two halves of the address. A larger value does not come from the PCI bus
+    // driver.
     const std::uint32_t device = *address >> 16U;
     const std::uint32_t function = *address & 0xFFFFU;
     if (*bus > 0xFFFFFFU || device > 0x1F || function > 7)

@@ -8,17 +8,17 @@
 
 namespace TLXX::Platform {
 
-/** A disk that is open for queries, which keep to the contract of `NvmeQuery.h`. For one thread. */
+/** A disk that is open for queries, which keep to the contract of `NvmeQuery.h`. For use by one thread. */
 class CDisk
 {
 public:
     /** Opens the disk at `path`. */
     explicit CDisk(const std::string& path);
 
-    /** 0, or why it could not be opened; every query of such a disk gives the same. */
+    /** 0, or the reason why it could not be opened; every query of such a disk returns the same. */
     std::uint32_t Status() const { return m_Device.Status(); }
 
-    /** What tells the disk from all others; empty when no enumeration has found it. */
+    /** Distinguishes the disk from all others; empty when no enumeration has found it. */
     const std::string& Instance() const { return m_Instance; }
 
     std::uint32_t IdentifyController(NVME_IDENTIFY_CONTROLLER& controller);

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-// The system's header is in order only after this one.
+// The system's header compiles only after this one.
 #include <windows.h>
 #include <initguid.h>
 #include <cfgmgr32.h>
@@ -23,7 +23,7 @@ Function configurationManagerFunction(const char* name)
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
 }
 
-/** The system calls back when a disk's interface comes or goes. */
+/** The system calls this when a disk's interface comes or goes. */
 class CDiskAnnouncements : public IAnnouncements
 {
 public:
@@ -33,7 +33,7 @@ public:
 
     ~CDiskAnnouncements() override
     {
-        // Waits for a call that is under way.
+        // Waits for a running call.
         if (m_Registration != nullptr)
             (void)m_Unregister(m_Registration);
     }
@@ -63,7 +63,7 @@ private:
 
 std::unique_ptr<IAnnouncements> Platform::subscribe(std::function<void()> announce)
 {
-    // Older systems and stand-ins for Windows lack these functions.
+    // Older versions of Windows, and replacements of it, lack these functions.
     const auto start = configurationManagerFunction<Register>("CM_Register_Notification");
     const auto end = configurationManagerFunction<Unregister>("CM_Unregister_Notification");
     if (start == nullptr || end == nullptr)

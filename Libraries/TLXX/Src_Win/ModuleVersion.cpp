@@ -10,7 +10,7 @@ namespace {
 
 constexpr DWORD FIXED_INFORMATION_SIGNATURE = 0xFEEF04BD;
 
-/** Whether `name` is one name below a folder, and not a way out of it. */
+/** Whether `name` is a single name in a folder and cannot lead out of it. */
 bool isPlainName(const std::string& name)
 {
     return !name.empty() && name.find_first_of("\\/:*?\"<>|") == std::string::npos &&

@@ -40,7 +40,7 @@ constexpr std::uint32_t CNS_NAMESPACE = 0x00;
 constexpr std::uint32_t CNS_CONTROLLER = 0x01;
 constexpr std::uint32_t LOG_HEALTH = 0x02;
 
-/** What the system is asked, and the room behind it into which it writes. */
+/** The question to the system, followed by the room for its answer. */
 template<typename Block>
 struct CQuestion
 {
@@ -50,7 +50,7 @@ struct CQuestion
     Block m_Block;
 };
 
-/** The answer lies in the same memory, a descriptor in the question's place. */
+/** The answer is in the same memory; a descriptor replaces the question. */
 template<typename Block>
 union CExchange {
     CQuestion<Block> m_Question;
@@ -58,7 +58,7 @@ union CExchange {
     std::uint8_t m_Bytes[sizeof(CQuestion<Block>)];
 };
 
-/** Where the answer's data begin, when all of `size` bytes lie within the `returned` ones. */
+/** The start of the answer's data, if all `size` bytes are within the `returned` ones. */
 std::uint32_t locate(const STORAGE_PROTOCOL_DATA_DESCRIPTOR& answer, std::uint32_t returned,
                      std::uint32_t size, std::uint32_t& offset)
 {
@@ -114,7 +114,7 @@ std::uint32_t read(const Win::CDeviceFile& device, STORAGE_PROPERTY_ID property,
 
 constexpr std::uint32_t NO_SUB_VALUE = 0;
 
-/** The identifier of the disk's namespace: the system numbers logical units as namespaces, but from 0. */
+/** The identifier of the disk's namespace. The system numbers logical units like namespaces, but from 0. */
 std::optional<std::uint32_t> namespaceIdentifier(const Win::CDeviceFile& device)
 {
     if (device.Status() != STATUS_SUCCESS)
@@ -146,7 +146,7 @@ std::uint32_t Platform::CDisk::IdentifyNamespace(NVME_IDENTIFY_NAMESPACE& name_s
         return read(m_Device, StorageDeviceProtocolSpecificProperty, NVMeDataTypeIdentify, CNS_NAMESPACE,
                     subValue, name_space);
     };
-    // Some drivers want the namespace to be named, and others refuse any name: the disk has it already.
+    // Some drivers need the namespace; others refuse any, because the disk implies it.
     if (const auto identifier = namespaceIdentifier(m_Device)) {
         if (ask(*identifier) == STATUS_SUCCESS)
             return STATUS_SUCCESS;

@@ -5,8 +5,8 @@
 namespace NAMESPACE_Ostrel {
 
 /**
- * Gives a freshly scanned record the identifier and the change counter of the first published record with its
- * serial number. Returns false, with the record untouched, when there is none.
+ * Gives a fresh record the identifier and the change counter of the first published record with the same
+ * serial number. Returns false and leaves the record untouched when there is none.
  */
 template<typename Record>
 bool carryIdentity(Record& record, const CSerialIndex<const Record>& published)

@@ -9,18 +9,19 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** What a scan changed in the published state, each list in the order in which it was found. */
+/** The changes of a scan to the published state, each list in the order in which they were found. */
 struct CChanges
 {
     std::vector<PI::CEvent> m_Events;
     std::vector<CNVMeAdapter> m_AddedAdapters;
-    std::vector<CNVMeAdapter> m_ChangedAdapters; ///< as they were before
+    std::vector<CNVMeAdapter> m_ChangedAdapters; ///< the records before the change
     std::vector<CNVMeAdapter> m_RemovedAdapters;
-    std::vector<CNVMePhysicalDrive> m_AddedDrives;   ///< of added adapters, one each
-    std::vector<CNVMePhysicalDrive> m_ChangedDrives; ///< as they were before, but for their device index
+    std::vector<CNVMePhysicalDrive> m_AddedDrives; ///< one for each added adapter
+    std::vector<CNVMePhysicalDrive>
+        m_ChangedDrives; ///< the records before the change, but with the new device index
 
-    // Not changes of their own: what they concern is in the lists above, too.
-    std::vector<CNVMeAdapter> m_MovedAdapters; ///< as they were before, under numbers that they have left
+    // These are not changes of their own: their adapters are also in the lists above.
+    std::vector<CNVMeAdapter> m_MovedAdapters; ///< the records before the move, with their old numbers
     bool m_AnyMoved = false;                   ///< an adapter that was there before has another number now
 
     bool Any() const

@@ -11,7 +11,7 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** The result of `action`, or the one that stands for what it threw. The host must never see an exception. */
+/** Returns the result of `action`, or an error code when it throws. The host must never see an exception. */
 template<typename Action>
 std::uint32_t guarded(Action&& action) noexcept
 {
@@ -24,7 +24,9 @@ std::uint32_t guarded(Action&& action) noexcept
     }
 }
 
-/** Traces what `thrower` threw, as a line of `place`. Only for handlers that catch everything. */
+/**
+ * Traces the exception that `thrower` threw, as a line of `place`. Only for handlers that catch everything.
+ */
 void traceThrown(const CTracePlace& place, std::string_view thrower) noexcept;
 
 } // namespace NAMESPACE_Ostrel

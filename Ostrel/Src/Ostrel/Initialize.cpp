@@ -114,7 +114,7 @@ std::uint32_t IPLUGINAPI_IMPL::Initialize(std::vector<PI::CAdapterID>& adapterID
         return PI::ERR_NO_SUPPORTED_HARDWARE;
     }
 
-    // What the database refuses is in the trace; the host gets its adapters all the same.
+    // A failure of the database is only traced; the host gets its adapters all the same.
     m_Plugin.m_Children.clear();
     (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, m_Plugin);
     for (CNVMeAdapter& adapter : m_Adapters) {

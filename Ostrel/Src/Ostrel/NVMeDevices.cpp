@@ -63,8 +63,8 @@ bool NVMeDevices::query(const std::function<bool(NVMeDevice&)>& isReady)
         const TLXX::CQuerySession session(device.deviceName);
         if (!isReady(device))
             return false;
-        // A block that did not come stays as it was: what was never read is zero, and the scan takes that
-        // for unknown.
+        // A block that was not read stays as it was. A block that was never read is zero, which the scan
+        // takes for unknown.
         (void)device.queryIdentifyNamespace();
         (void)device.querySmartHealthLog();
     }

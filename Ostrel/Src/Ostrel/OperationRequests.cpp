@@ -47,7 +47,7 @@ std::uint32_t IPLUGINAPI_IMPL::ExecutePluginOperation(CNVMePlugin& plugin, PI::C
     std::uint32_t result = PI::ERR_OPERATION_NOT_SUPPORTED;
     if (operation.Id() == PI::OPERATION_GET_EVENTS)
         result = GetEvents(plugin, operation);
-    // The events have been taken, so whatever becomes of the row, they are handed over.
+    // The events were taken out already, so they are handed over even when writing the row fails.
     (void)WriteRow(&IPLUGINAPI_IMPL::UpdateObjectInDatabase, plugin);
     OSTREL_TRACE(TRACE_FLOW) << "LEAVE ExecutePluginOperation() -> %d" << result;
     return result;

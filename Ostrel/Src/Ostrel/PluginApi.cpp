@@ -20,7 +20,7 @@ using Objects = std::vector<PI::CObject>;
 using Properties = std::vector<PI::CProperty>;
 using Operations = std::vector<PI::COperation>;
 
-/** How one request is carried out. */
+/** How a request is carried out. */
 struct CRequestRow
 {
     PI::_REQUEST m_Request;

@@ -31,13 +31,13 @@
 namespace NAMESPACE_Ostrel {
 
 /**
- * The plug-in object. The host reaches it through `Request` alone; the handlers behind it return a
+ * The plug-in object. The host calls only `Request`. The handlers that it dispatches to return a
  * `PI::_ERROR_CODE` and lock what they need. `m_DataLock` is always taken before `m_EventsLock`.
  */
 class IPLUGINAPI_IMPL : public IPLUGINAPI
 {
 public:
-    /** Loads the settings; touches no drive. */
+    /** Loads the settings. Asks no drive. */
     IPLUGINAPI_IMPL();
     ~IPLUGINAPI_IMPL() override;
 
@@ -46,9 +46,9 @@ public:
 protected:
     // Requests.
     std::uint32_t Initialize(std::vector<PI::CAdapterID>& adapterIDs);
-    /** Takes over the host's identities and names the adapters by them; starts the worker unless it runs. */
+    /** Stores the host's identities and names the adapters by them. Starts the worker unless it runs. */
     std::uint32_t SetAdapterIDs(const std::vector<PI::CAdapterID>& adapterIDs);
-    /** Stops the worker, by force when it does not end by itself. */
+    /** Stops the worker, by force when it does not end in time. */
     std::uint32_t DeInitialize();
     std::uint32_t GetTopology(std::vector<PI::CObject>& objects);
     std::uint32_t GetProperties(std::uint64_t objectID, std::vector<PI::CProperty>& properties);
@@ -62,27 +62,27 @@ protected:
     /** The body of the worker thread: watches the drives until `m_StopRequest`. */
     void Worker();
     /**
-     * Makes a fresh scan the published state, with an event for every change that a host is told of. Returns
-     * 0 when anything has changed. The worker calls it with `m_EventsLock` held, too.
+     * Publishes a fresh scan, with an event for every change that hosts are told. Returns 0 when anything has
+     * changed. The worker also holds `m_EventsLock` when it calls this.
      */
     std::uint32_t UpdateSystem(std::vector<CNVMeAdapter>& adapters,
                                std::vector<CNVMePhysicalDrive>& physicalDrives) TLX_REQUIRES(m_DataLock);
-    /** How a fresh scan differs from the published state, in which only change counters move on. */
+    /** How a fresh scan differs from the published state. Only raises change counters there. */
     CChanges Compare(const std::vector<CNVMeAdapter>& adapters,
                      const std::vector<CNVMePhysicalDrive>& physicalDrives) TLX_REQUIRES(m_DataLock);
 
     // Operations of the plug-in's own object.
     std::uint32_t ExecutePluginOperation(CNVMePlugin& plugin, PI::COperation& operation)
         TLX_REQUIRES(m_DataLock);
-    /** Hands all pending events over; they are pending no more. */
+    /** Hands over all pending events. They are then no longer pending. */
     std::uint32_t GetEvents(CNVMePlugin& plugin, PI::COperation& operation) TLX_REQUIRES(m_DataLock);
 
-    // Scanning. Callers hold m_DataLock, or are alone with the object. All three always succeed: what a drive
-    // does not tell is left unknown.
+    // Scanning. Callers hold m_DataLock, or have the object to themselves. All three always succeed: what a
+    // drive does not tell stays unknown.
     /**
-     * Makes the records of all devices afresh, each adapter linked with its drive; drops the devices that
-     * never become objects. Identifiers of published records are kept by serial number, but not `initial`ly:
-     * the lists may then be the published ones.
+     * Makes the records of all devices afresh and links each adapter with its drive. Leaves out the devices
+     * that never become objects. Published records keep their identifiers by serial number, except on an
+     * `initial` scan: there the lists may be the published ones.
      */
     std::uint32_t ScanSystem(std::vector<CNVMeAdapter>& adapters,
                              std::vector<CNVMePhysicalDrive>& physicalDrives, bool initial)
@@ -91,21 +91,21 @@ protected:
      * `deviceIndex` counts the devices from 0. */
     std::uint32_t ScanAdpater(CNVMeAdapter& adapter, std::uint32_t deviceIndex, const NVMeDevice& device,
                               CScanContext& context) TLX_REQUIRES(m_DataLock);
-    /** The same for the drive behind `adapter`, whose record is complete. */
+    /** The same for the drive of `adapter`, whose record is complete. */
     std::uint32_t ScanPhysicalDrive(CNVMePhysicalDrive& drive, const NVMeDevice& device,
                                     const CNVMeAdapter& adapter, const CScanContext& context)
         TLX_REQUIRES(m_DataLock);
 
-    // Properties. `propertyId` is one property's or `PI::ALL_PROPERTIES`. Callers hold m_DataLock.
+    // Properties. `propertyId` is that of one property or `PI::ALL_PROPERTIES`. Callers hold m_DataLock.
     std::uint32_t GetPluginProperties(const CNVMePlugin& plugin, std::vector<PI::CProperty>& properties,
                                       std::uint32_t propertyId) TLX_REQUIRES(m_DataLock);
-    /** Also renews the adapter's end-of-life date. */
+    /** Also updates the adapter's end-of-life date. */
     std::uint32_t GetAdapterProperties(CNVMeAdapter& adapter, std::vector<PI::CProperty>& properties,
                                        std::uint32_t propertyId) TLX_REQUIRES(m_DataLock);
     std::uint32_t GetPhysicalDriveProperties(const CNVMePhysicalDrive& drive,
                                              std::vector<PI::CProperty>& properties, std::uint32_t propertyId)
         TLX_REQUIRES(m_DataLock);
-    /** Sets the poll interval, the one property that can be set, and keeps it in the settings. */
+    /** Sets the poll interval, the only property that can be set, and stores it in the settings. */
     std::uint32_t SetPluginProperty(CNVMePlugin& plugin, const PI::CProperty& property)
         TLX_REQUIRES(m_DataLock);
 
@@ -143,7 +143,7 @@ protected:
     TLX::Threading::CEvent m_PrivateEvent; ///< wakes the worker to notify the host at once
 
 private:
-    /** A lock or event that could not be made ready, and what its `Init` returned. */
+    /** The name of a lock or event that could not be made ready, and the result of its `Init`. */
     struct CLockFailure
     {
         const char* m_Name;
@@ -152,46 +152,53 @@ private:
 
     /** Makes the locks and events ready, up to the first that fails. */
     std::optional<CLockFailure> InitializeLocks();
-    /** Whether there are devices; there are none either where it was not possible to look. */
+    /** Whether there are devices. Returns false also when the enumeration failed. */
     bool FindDevices();
-    /** Asks every device what it is; those that do not say even when asked again are dropped. */
+    /** Asks every device to identify itself. Drops those that fail even when asked again. */
     void IdentifyDevices();
     std::uint64_t NextObjectID();
 
     bool WorkerRuns();
-    /** One look at the drives, and the news of it to the host. */
+    /** One cycle: scans the drives and calls the host after changes. */
     void RunCycle();
     /** Scans and updates. Returns 0 when anything has changed. */
     std::uint32_t Refresh() TLX_REQUIRES(m_DataLock);
-    /** Calls the host, if it wants to be called. What the call throws is the host's own affair. */
+    /**
+     * Calls the host if it has set a callback. Ignores what the call throws, because that is the host's own
+     * fault.
+     */
     void NotifyHost();
 
     /** Makes `adapters` the children of the plug-in's object. */
     void LinkAdapters(std::vector<CNVMeAdapter>& adapters) TLX_REQUIRES(m_DataLock);
-    /** Makes events pending. The caller may hold `m_EventsLock` already. */
+    /** Makes events pending. The caller may already hold `m_EventsLock`. */
     void AddEvents(const std::vector<PI::CEvent>& events);
-    /** Writes what changed to the database, once it is published, and all rows anew where that is needed. */
+    /** Writes the published changes to the database, and all rows anew when that is needed. */
     void Persist(const CChanges& changes) TLX_REQUIRES(m_DataLock);
     void WriteChanges(const CChanges& changes) TLX_REQUIRES(m_DataLock);
     void DeleteRemoved(const CChanges& changes) TLX_REQUIRES(m_DataLock);
-    /** Writes the row of everything present anew and deletes those of numbers that nobody has any more. Ends
-     * at the first failure. */
+    /**
+     * Writes all present rows anew and deletes the rows of numbers that no adapter has any more. Stops at the
+     * first failure.
+     */
     bool RewriteRows() TLX_REQUIRES(m_DataLock);
-    /** Runs one operation on a row and returns whether it succeeded. It throws nothing but a forced end;
-     * after a failure the next cycle writes all rows anew. */
+    /**
+     * Runs one operation on a row and returns whether it succeeded. Throws nothing but a forced end. After a
+     * failure the next cycle writes all rows anew.
+     */
     template<typename Record>
     bool WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*operation)(const Record&), const Record& record)
         TLX_REQUIRES(m_DataLock);
 
-    /** Whether an operation on a row has failed since all rows were as they should be. */
+    /** Whether an operation on a row has failed since all rows were last correct. */
     bool m_RowsFailed TLX_GUARDED_BY(m_DataLock) = false;
-    /** Adapters as they were before they moved or went: rows of their numbers may still be there. */
+    /** Adapters as they were before they moved or went. The database may still have rows of their numbers. */
     std::vector<CNVMeAdapter> m_LeftNumbers TLX_GUARDED_BY(m_DataLock);
 
-    // Objects by identifier. The plug-in's own comes first, then the adapters, then the drives.
+    // Objects by identifier: first the plug-in's own, then the adapters, then the drives.
     bool IsPlugin(std::uint64_t objectID) const TLX_REQUIRES(m_DataLock);
     bool IsAdapterOrDrive(std::uint64_t objectID) const TLX_REQUIRES(m_DataLock);
-    /** Builds an object's properties; `request`, at `place`, is who asks. */
+    /** Builds an object's properties for `request`, which is at `place`. */
     std::uint32_t BuildProperties(std::uint64_t objectID, std::vector<PI::CProperty>& properties,
                                   std::uint32_t propertyId, std::string_view request,
                                   const CTracePlace& place) TLX_REQUIRES(m_DataLock);

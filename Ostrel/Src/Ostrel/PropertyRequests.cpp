@@ -95,7 +95,7 @@ std::uint32_t IPLUGINAPI_IMPL::BuildProperties(std::uint64_t objectID, std::vect
 
 bool IPLUGINAPI_IMPL::IsPlugin(std::uint64_t objectID) const
 {
-    // Before initialisation the record has no identifier yet, and nothing goes by that name.
+    // Before initialisation the record has no identifier, so no object can be found by it.
     return objectID != 0 && objectID == m_Plugin.m_ID;
 }
 

@@ -40,8 +40,8 @@ void locate(CNVMeAdapter& adapter)
     std::int32_t bus = 0;
     std::int32_t device = 0;
     std::int32_t function = 0;
-    // A segment counts for a controller in the very first slot alone; elsewhere location texts never name
-    // one.
+    // The segment counts only for a controller in the very first slot. Location texts of other slots never
+    // name it.
     if (TLXX::CConfigManager::GetLocation(g_KnownControllers, adapter.m_DeviceIndex + 1, segment, bus, device,
                                           function) &&
         (bus != 0 || device != 0 || function != 0))
@@ -108,7 +108,7 @@ std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t 
                 << "ScanSystem, getVendorSpecificLogPage: INTEL_LEGACY_SMART_LOG_PAGE for %s returned: %d"
                 << device.deviceName << true;
         }
-        // A query that failed has left the last good page, if there ever was one.
+        // After a failed query the block has the last good page, if there was one.
         const bool wearKnown = answered || page != TLXX::VendorLogPage{};
         const std::uint32_t adNormalized = wearKnown ? page[27] : adapter.m_ADNormalized;
         const std::uint32_t eaNormalized = wearKnown ? page[99] : adapter.m_EANormalized;

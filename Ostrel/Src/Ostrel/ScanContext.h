@@ -17,13 +17,15 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** What one scan looks up again and again. Lists that it was made from must outlive it, unchanged. */
+/**
+ * Look-ups that one scan does again and again. The lists that it was made from must outlive it, unchanged.
+ */
 class CScanContext
 {
 public:
     explicit CScanContext(const std::vector<PI::CAdapterID>& identities) : m_Identities(identities) {}
 
-    /** The version of a driver, asked for once. */
+    /** The version of a driver, read once. */
     const std::string& DriverVersion(const std::string& driver)
     {
         const auto known = m_DriverVersions.find(driver);
@@ -38,16 +40,18 @@ public:
         const auto known = m_LifetimeRatings.find(model);
         if (known != m_LifetimeRatings.end())
             return known->second;
-        // Once a scan, for a table that cannot be read is tried again at each call.
+        // Loaded once for each scan, because each call tries again to read a table that could not be read.
         if (m_LifetimeTable == nullptr)
             m_LifetimeTable = &PI::GetLifeTimeDataNVMe();
         return m_LifetimeRatings[model] = lifetimeRating(*m_LifetimeTable, model);
     }
 
-    /** The identities that the host handed over. */
+    /** The identities that the host has handed over. */
     const CIdentityIndex m_Identities;
 
-    /** What records take their identifiers from; none when nothing is published yet. */
+    /**
+     * The published records, from which records take their identifiers; none when nothing is published yet.
+     */
     std::optional<CSerialIndex<const CNVMeAdapter>> m_PublishedAdapters;
     std::optional<CSerialIndex<const CNVMePhysicalDrive>> m_PublishedDrives;
 

@@ -15,10 +15,10 @@ namespace {
 
 constexpr std::uint8_t INTEL_DRIVE_MARKETING_LOG_PAGE = 0xDD;
 
-/** The family's name before the part number; the part number alone when the page names no family. */
+/** The family's name and then the part number. The part number alone when the page names no family. */
 std::string intelProductName(const std::string& model, const TLXX::VendorLogPage& marketing)
 {
-    const std::string part = model.substr(model.find(' ') + 1); // all of it when there is no blank
+    const std::string part = model.substr(model.find(' ') + 1); // all of it when it has no blank
     constexpr std::string_view SERIES = " Series";
     const auto* const series = std::search(marketing.begin(), marketing.end(), SERIES.begin(), SERIES.end());
     const std::string family = TLXX::boundedText({marketing.begin(), series});

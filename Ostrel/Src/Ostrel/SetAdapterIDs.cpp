@@ -13,9 +13,9 @@ std::uint32_t IPLUGINAPI_IMPL::SetAdapterIDs(const std::vector<PI::CAdapterID>& 
 {
     OSTREL_TRACE(TRACE_FLOW) << "ENTER SetAdapterIDs";
     {
-        // The worker may run already, for a host may send this request again.
+        // The worker may run already, because a host may repeat this request.
         const CTracedGuard guard(m_DataLock, "m_DataLock", OSTREL_HERE);
-        // Added behind what is there: the identity that came first for a location stays in force.
+        // Appended, because the first identity of a location stays in force.
         m_AdapterIDs.insert(m_AdapterIDs.end(), adapterIDs.begin(), adapterIDs.end());
         const CIdentityIndex identities(m_AdapterIDs);
         for (CNVMeAdapter& adapter : m_Adapters) {

@@ -11,7 +11,7 @@ std::uint32_t IPLUGINAPI_IMPL::GetTopology(std::vector<PI::CObject>& objects)
     OSTREL_TRACE(TRACE_FLOW) << "ENTER GetTopology";
     const CTracedGuard guard(m_DataLock, "m_DataLock", OSTREL_HERE);
 
-    // Each record travels as its CObject part alone.
+    // Only the CObject part of each record goes to the host.
     objects.clear();
     objects.reserve(m_Adapters.size() + m_PhysicalDrives.size() + 1);
 

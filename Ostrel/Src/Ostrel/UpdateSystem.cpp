@@ -32,7 +32,7 @@ PI::CEvent adapterEvent(const CNVMeAdapter& adapter, PI::_EVENT_CODE id, PI::_EV
     return event;
 }
 
-/** Where adapters are, by serial number. */
+/** The places of adapters, by serial number. */
 class CPlaces
 {
 public:
@@ -42,7 +42,7 @@ public:
             m_Numbers.emplace(adapter.m_SerialNumber, adapter.m_GlobalAdapterNumber);
     }
 
-    /** Whether the adapter's serial number is there, but nowhere under the adapter's number. */
+    /** Whether an adapter with this serial number exists, but none of them has this number. */
     bool HasElsewhere(const CNVMeAdapter& adapter) const
     {
         const auto [first, last] = m_Numbers.equal_range(adapter.m_SerialNumber);
@@ -55,7 +55,10 @@ private:
     std::unordered_multimap<std::string_view, std::int32_t> m_Numbers;
 };
 
-/** Finds what has moved between two lists. Drives of one serial number are all looked at. */
+/**
+ * Finds the adapters that have moved between two lists. With several of one serial number it looks at all of
+ * them.
+ */
 void compareNumbers(const std::vector<CNVMeAdapter>& before, const std::vector<CNVMeAdapter>& after,
                     CChanges& changes)
 {
@@ -70,7 +73,10 @@ void compareNumbers(const std::vector<CNVMeAdapter>& before, const std::vector<C
                          });
 }
 
-/** The numbers of the adapters that are where they were, or new; `changed` holds records as they were. */
+/**
+ * The numbers of the adapters that are in their old places, or new. `changed` has the records before the
+ * change.
+ */
 std::unordered_set<std::int32_t> numbersInPlace(const std::vector<CNVMeAdapter>& adapters,
                                                 const std::vector<CNVMeAdapter>& changed)
 {
@@ -95,14 +101,15 @@ std::uint32_t IPLUGINAPI_IMPL::UpdateSystem(std::vector<CNVMeAdapter>& adapters,
                              << physicalDrives.size();
     const CChanges changes = Compare(adapters, physicalDrives);
     LinkAdapters(adapters);
-    // Hosts have always seen the adapters of every scan but the first from the last to the first.
+    // After every scan but the first, hosts see the adapters in reverse order. This order is kept.
     std::vector<CNVMeAdapter> reversed(std::make_move_iterator(adapters.rbegin()),
                                        std::make_move_iterator(adapters.rend()));
     for (const auto* former : {&changes.m_MovedAdapters, &changes.m_RemovedAdapters})
         m_LeftNumbers.insert(m_LeftNumbers.end(), former->begin(), former->end());
     if (!changes.m_Events.empty())
         AddEvents(changes.m_Events);
-    // Neither of these fails: an event that was not published with its change would come again, or never.
+    // Neither step can fail. If an event were not published together with its change, it would come again or
+    // never.
     m_Adapters = std::move(reversed);
     m_PhysicalDrives = std::move(physicalDrives);
     Persist(changes);
@@ -118,7 +125,7 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
     CChanges changes;
     const CSerialIndex<const CNVMeAdapter> freshAdapters(adapters);
     const CSerialIndex<const CNVMeAdapter> liveAdapters(m_Adapters);
-    std::optional<CSerialIndex<const CNVMePhysicalDrive>> freshDrives; // for newcomers, which are rare
+    std::optional<CSerialIndex<const CNVMePhysicalDrive>> freshDrives; // for new adapters, which are rare
     const CSerialIndex<CNVMePhysicalDrive> liveDrives(m_PhysicalDrives);
 
     for (const CNVMeAdapter& fresh : adapters) {
@@ -167,7 +174,7 @@ void IPLUGINAPI_IMPL::Persist(const CChanges& changes)
     m_RowsFailed = false;
     try {
         WriteChanges(changes);
-        // What failed just now is left to the next cycle, unless all rows are written anew in this one.
+        // An operation that failed just now is left to the next cycle, unless this one writes all rows anew.
         if (rewrite)
             m_RowsFailed = !RewriteRows();
     } catch (TLX::Threading::CForcedEnd&) {
@@ -187,8 +194,8 @@ void IPLUGINAPI_IMPL::WriteChanges(const CChanges& changes)
         (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, adapter);
         taken.insert(adapter.m_GlobalAdapterNumber);
     }
-    // A newcomer in the slot of another has replaced its row, for slots have numbers. That row is the
-    // newcomer's, whether the other one was removed or has moved.
+    // A new adapter in the slot of another one has replaced its row, because slots have numbers. The row then
+    // belongs to the new adapter, whether the other one was removed or has moved.
     const auto hasRow = [&taken](const CNVMeAdapter& former) {
         return !taken.contains(former.m_GlobalAdapterNumber);
     };
@@ -205,7 +212,7 @@ void IPLUGINAPI_IMPL::WriteChanges(const CChanges& changes)
 
 bool IPLUGINAPI_IMPL::RewriteRows()
 {
-    // An insert takes the place of the row that is there, if there is one.
+    // An insert replaces the existing row, if there is one.
     if (!WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, m_Plugin))
         return false;
     const CSerialIndex<const CNVMePhysicalDrive> drives(m_PhysicalDrives);
@@ -228,7 +235,7 @@ void IPLUGINAPI_IMPL::DeleteRemoved(const CChanges& changes)
 {
     if (changes.m_RemovedAdapters.empty())
         return;
-    // Places that differ in their segment alone share a number, and so a row.
+    // Places that differ only in their segment share a number, and so a row.
     const auto numbers = numbersInPlace(m_Adapters, changes.m_ChangedAdapters);
     for (const CNVMeAdapter& adapter : changes.m_RemovedAdapters)
         if (!numbers.contains(adapter.m_GlobalAdapterNumber))

@@ -16,7 +16,7 @@ constexpr std::uint64_t MILLISECONDS_A_SECOND = 1000;
 
 void IPLUGINAPI_IMPL::Worker()
 {
-    // The results of the wait, by the order of the events.
+    // The results of the wait, in the order of the events.
     constexpr std::uint32_t FORCED = 1;
     constexpr std::uint32_t PRIVATE = 3;
 
@@ -61,7 +61,7 @@ void IPLUGINAPI_IMPL::RunCycle()
         try {
             result = Refresh();
         } catch (TLX::Threading::CForcedEnd&) {
-            throw; // the thread is being ended; the process would be aborted if that stopped here
+            throw; // The thread is being ended; swallowing this would abort the process.
         } catch (...) {
             traceThrown(OSTREL_WITHIN("Worker"), "Worker() a cycle");
         }

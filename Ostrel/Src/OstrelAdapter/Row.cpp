@@ -33,7 +33,7 @@ std::string familyText(const CNVMeAdapter& adapter)
                                                                          : PI::KNOWN_FAMILY_NO);
 }
 
-/** One text holds the whole list. */
+/** One text has the whole list. */
 std::string reasonTexts(const CNVMeAdapter& adapter)
 {
     nlohmann::json texts = nlohmann::json::array();

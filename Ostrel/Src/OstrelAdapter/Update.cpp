@@ -14,7 +14,7 @@ struct CWarningRow
     PI::_EVENT_SEVERITY m_Severity;
 };
 
-/** The warnings that make an event when they come up, in the order of their events. */
+/** The warnings that make an event when they appear, in the order of their events. */
 constexpr CWarningRow WARNINGS[] = {
     {0x10, PI::EVENT_MEMORY_BACKUP_FAILED, PI::SEVERITY_ERROR},
     {0x04, PI::EVENT_RELIABILITY_DEGRADED, PI::SEVERITY_WARNING},

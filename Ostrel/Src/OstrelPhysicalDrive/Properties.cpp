@@ -37,7 +37,7 @@ bool setStatus(const CNVMePhysicalDrive& drive, PI::CProperty& property)
     return true;
 }
 
-/** Of the known families the adapter shows the temperature instead. */
+/** For known families the adapter shows the temperature instead. */
 bool setTemperature(const CNVMePhysicalDrive& drive, PI::CProperty& property)
 {
     return drive.m_Temperature != UNKNOWN_TEMPERATURE && !IsKnownModelFamily(drive.m_Model) &&

@@ -4,7 +4,7 @@
 
 namespace NAMESPACE_Ostrel {
 
-// What the plug-in's own object and its row say of it.
+// The names and numbers in the plug-in's own object and row.
 inline constexpr char PLUGIN_NAME[] = "NVMe-Plugin";
 inline constexpr char PLUGIN_VENDOR[] = "Ostrel";
 inline constexpr char SETTABLE_PROPERTIES[] =

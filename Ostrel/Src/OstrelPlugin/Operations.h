@@ -6,7 +6,7 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** What the plug-in's object can be asked to do. Adapters and drives offer no operations. */
+/** The operations of the plug-in's object. Adapters and drives offer none. */
 std::vector<PI::COperation> pluginOperations();
 
 } // namespace NAMESPACE_Ostrel

@@ -9,18 +9,18 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** The interval that the settings hold, within its bounds; the default where they hold no whole number. */
+/** The interval in the settings, limited by its bounds; the default when they have no whole number. */
 std::uint32_t readPollInterval(PI::CConfigFile& settings);
 
-/** Keeps the interval in the settings. Returns what writing them returned; 0 is success. */
+/** Stores the interval in the settings. Returns the result of the write; 0 is success. */
 std::uint32_t writePollInterval(PI::CConfigFile& settings, std::uint32_t interval);
 
-/** Shows the interval, with its bounds, as the value of `property`. */
+/** Sets the interval, with its bounds, as the value of `property`. */
 void showPollInterval(std::uint32_t interval, PI::CProperty& property);
 
 /**
- * The interval that `property` asks for, within the bounds that the property itself carries, in whatever
- * order they are. Nothing when its value is of another type.
+ * The interval in the value of `property`, limited by the bounds that the property itself carries. The
+ * minimum may be above the maximum. Nothing when the value is of another type.
  */
 std::optional<std::uint32_t> requestedPollInterval(const PI::CProperty& property);
 

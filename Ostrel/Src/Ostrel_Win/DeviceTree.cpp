@@ -18,7 +18,7 @@
 namespace NAMESPACE_Ostrel {
 namespace {
 
-/** Takes the name of a disk, of its controller's service, and the disk's instance identifier. */
+/** Takes the name of a disk, the name of its controller's service, and the disk's instance identifier. */
 using DiskFound = std::function<void(std::string, std::string, std::string)>;
 
 constexpr std::string_view CONTROLLER_SERVICE = "stornvme";
@@ -27,7 +27,7 @@ constexpr std::string_view DISK_SERVICE = "disk";
 constexpr std::size_t SERVICE_SIZE = 200;
 constexpr std::size_t INSTANCE_SIZE = 2048;
 
-/** The service of `node`, when its name is `expected` but for the case of its letters. */
+/** The service of `node`, if its name equals `expected` without regard to case. */
 std::optional<std::string> matchingService(DEVINST node, std::string_view expected)
 {
     std::array<char, SERVICE_SIZE> buffer{};
@@ -57,7 +57,7 @@ bool advance(DEVINST& node)
     return true;
 }
 
-/** Adds the disk below a controller. Only the first child counts, whatever others there are. */
+/** Adds the disk below a controller. Only the first child counts, even when there are others. */
 void enumerateNVMeDisks(DEVINST controller, const std::string& service, const DiskFound& add)
 {
     DEVINST disk = 0;

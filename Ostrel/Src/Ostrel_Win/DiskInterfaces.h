@@ -7,7 +7,7 @@ namespace NAMESPACE_Ostrel {
 
 /**
  * Calls `found` with the device number of each disk interface of the device `instance`, in the order of their
- * indexes. An interface that cannot be opened, or does not tell its number, is passed over.
+ * indexes. Skips an interface that cannot be opened or does not tell its number.
  */
 void forEachDiskInterface(const char* instance, const std::function<void(std::uint32_t)>& found);
 

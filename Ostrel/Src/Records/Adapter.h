@@ -17,8 +17,7 @@ inline constexpr std::uint64_t UNKNOWN_COUNTER = std::numeric_limits<std::uint64
 /** A temperature that could not be read. */
 inline constexpr float UNKNOWN_TEMPERATURE = -1.0F;
 
-/** What is known of one NVMe controller. The scan fills it; what the scan does not know keeps the defaults.
- */
+/** What is known of one NVMe controller. The scan fills it in; unknown members keep their defaults. */
 struct CNVMeAdapterData
 {
     std::uint32_t m_DeviceIndex = 0; ///< position in the device list at the time of the scan
@@ -38,7 +37,7 @@ struct CNVMeAdapterData
     std::int32_t m_Device = 0;
     std::int32_t m_Function = 0;
     std::uint32_t m_WarningFlags =
-        0; ///< critical-warning bits, widened by the temperature bits 0x20, 0x40, 0x80, 0x200
+        0; ///< critical-warning bits, plus the temperature bits 0x20, 0x40, 0x80, 0x200
     std::uint32_t m_EANormalized = 100; ///< Intel attribute 0xEA
     std::uint32_t m_ADNormalized = 0;   ///< Intel attribute 0xAD, the wear indicator
     std::uint64_t m_UnsafeShutdowns = 0;
@@ -65,10 +64,10 @@ struct CNVMeAdapterData
 class CNVMeAdapter : public PI::CObject, public CNVMeAdapterData
 {
 public:
-    /** Appends an event to `events` for each warning that `fresh` has and this record has not. */
+    /** Appends an event to `events` for each warning that `fresh` has and this record lacks. */
     void Update(const CNVMeAdapter& fresh, std::vector<PI::CEvent>& events) const;
 
-    /** Whether the same is known of both, whatever their places in the topology. */
+    /** Whether both have the same data, whatever their places in the topology. */
     friend bool operator==(const CNVMeAdapter& left, const CNVMeAdapter& right)
     {
         return static_cast<const CNVMeAdapterData&>(left) == static_cast<const CNVMeAdapterData&>(right);

@@ -6,7 +6,7 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** The machine's NVMe disks in the order of its device tree. Every system has its own walk. */
+/** The machine's NVMe disks in the order of its device tree. Each system has its own implementation. */
 std::vector<TLXX::CDeviceEntry> walkDeviceTree();
 
 } // namespace NAMESPACE_Ostrel

@@ -16,7 +16,7 @@ struct CWarning
     PI::_STATE_CODE m_Reason;
 };
 
-// In this order the last bit that is set decides the status.
+// The last bit in this order that is set decides the status.
 constexpr CWarning HEALTH_WARNINGS[] = {
     {1U << 1U, PI::HEALTH_DEGRADED, PI::REASON_TEMPERATURE},
     {1U << 0U, PI::HEALTH_DEGRADED, PI::REASON_SPARE_LOW},
@@ -25,7 +25,7 @@ constexpr CWarning HEALTH_WARNINGS[] = {
     {MEDIA_READ_ONLY, PI::HEALTH_CRITICAL, PI::REASON_READ_ONLY},
 };
 
-/** One product line counts its wear upwards. */
+/** Drives of one product line count their wear upwards. */
 bool reportsWearInverted(const std::string& model)
 {
     return model.starts_with("INTEL SSDPED1K") && model.ends_with("GA");

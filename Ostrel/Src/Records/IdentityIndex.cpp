@@ -9,7 +9,7 @@ CIdentityIndex::CIdentityIndex(const std::vector<PI::CAdapterID>& identities)
         if (identity.m_AdapterNumber == PI::CAdapterID::UNASSIGNED)
             continue;
         const CLocation location{identity.m_Segment, identity.m_Bus, identity.m_Device, identity.m_Function};
-        m_Identities.try_emplace(location, &identity); // the first of several stays
+        m_Identities.try_emplace(location, &identity); // the first of several with one location stays
     }
 }
 

@@ -11,14 +11,16 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** Finds the host's identities by location without walking their list, which must outlive the index
- * unchanged. */
+/**
+ * Finds the host's identities by location without a walk over their list. The list must outlive the index and
+ * must not change.
+ */
 class CIdentityIndex
 {
 public:
     explicit CIdentityIndex(const std::vector<PI::CAdapterID>& identities);
 
-    /** The first identity that is for the location of `adapter` and has a number; null if none. */
+    /** The first identity with the location of `adapter` and a number; null if there is none. */
     const PI::CAdapterID* Find(const CNVMeAdapter& adapter) const;
 
 private:
@@ -36,7 +38,8 @@ private:
     {
         std::size_t operator()(const CLocation& location) const
         {
-            // Different for every location that PCI Express has: 8 bits a bus, 5 a device, 3 a function.
+            // Unique for every PCI Express location: 8 bits for the bus, 5 for the device, 3 for the
+            // function.
             return (std::size_t{location.m_Segment} << 32U) ^ (std::size_t{location.m_Bus} << 8U) ^
                    (std::size_t{location.m_Device} << 3U) ^ location.m_Function;
         }

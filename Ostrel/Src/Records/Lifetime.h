@@ -12,8 +12,8 @@
 namespace NAMESPACE_Ostrel {
 
 /**
- * The bytes of so many data units of the health log. An unknown number of units is an unknown number of
- * bytes; what fits no 64 bits is the highest number that is known.
+ * The bytes in a number of data units of the health log. For an unknown number the bytes are unknown, too. A
+ * result that does not fit 64 bits becomes the highest known number.
  */
 constexpr std::uint64_t bytesOfDataUnits(std::uint64_t units)
 {
@@ -24,7 +24,7 @@ constexpr std::uint64_t bytesOfDataUnits(std::uint64_t units)
     return units > HIGHEST / BYTES_PER_DATA_UNIT ? HIGHEST : units * BYTES_PER_DATA_UNIT;
 }
 
-/** What 100 percent lack of `percent`; 0 for more than 100, as an untrusted drive may claim. */
+/** 100 minus `percent`; 0 for more than 100, which a faulty drive may report. */
 constexpr std::uint32_t percentLeft(std::uint32_t percent)
 {
     return percent < 100 ? 100 - percent : 0;
@@ -33,7 +33,7 @@ constexpr std::uint32_t percentLeft(std::uint32_t percent)
 /** The endurance, in TiB, of the first family in `table` that `model` belongs to; 1 when there is none. */
 std::uint64_t lifetimeRating(const std::vector<PI::CNVMeLifeTimeData>& table, std::string_view model);
 
-/** The date at which the adapter's drive is worn out if it is used as up to now; empty when nobody knows. */
+/** The date at which the adapter's drive is worn out at its past rate of use; empty when it is unknown. */
 std::string endOfLifeDate(const CNVMeAdapter& adapter);
 
 } // namespace NAMESPACE_Ostrel

@@ -10,7 +10,7 @@ struct CVendorPrefix
 {
     std::string_view m_Vendor;
     std::string_view m_Prefix;
-    std::size_t m_Cut; ///< with the separator behind the prefix, where there is one
+    std::size_t m_Cut; ///< including the separator after the prefix, if there is one
 };
 
 constexpr CVendorPrefix PREFIXES[] = {

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::uint32_t LANGUAGE_CODE = ('e' << 8U) | 'n';
 
-// Stands before the module information, which keeps a reference to it.
+// Declared before the module information, which keeps a reference to it.
 const TLX::Language_Support::CLanguageSupport::CLngFile
     g_LanguageFile("Ostrel.nls", LANGUAGE_CODE, "utf-8", 1,
                    {"General error in Ostrel plugin", "No information available for this error"});
@@ -24,7 +24,7 @@ void consolePrint(const char* format, ...)
 {
     std::va_list arguments;
     va_start(arguments, format);
-    // Given several files at once, clang-tidy 14 takes the list for uninitialised.
+    // With several files at once, clang-tidy 14 takes the list for uninitialised.
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
     (void)std::vprintf(format, arguments);
     va_end(arguments);

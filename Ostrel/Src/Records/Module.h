@@ -14,10 +14,10 @@ inline constexpr char MODULE_NAME[] = "Ostrel";
 /** The plug-in's version as its own object and rows show it. */
 extern const char PLUGIN_VERSION[];
 
-/** What the module tells of itself, and the mask of its trace lines. Exists from load to unload. */
+/** The plug-in's module information, and the mask of its trace lines. Exists from load to unload. */
 extern TLX::Misc::CModuleInfo g_ModuleInfo;
 
-/** Prints to the process's standard output as `printf` does. */
+/** Prints to the process's standard output like `printf`. */
 void consolePrint(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 } // namespace NAMESPACE_Ostrel

@@ -13,7 +13,9 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** What is known of the disk behind one NVMe controller. What the scan does not know keeps the defaults. */
+/**
+ * What is known of the disk of one NVMe controller. Members that the scan cannot fill keep their defaults.
+ */
 struct CNVMePhysicalDriveData
 {
     std::uint32_t m_DeviceIndex = std::numeric_limits<std::uint32_t>::max();
@@ -29,23 +31,23 @@ struct CNVMePhysicalDriveData
     std::uint32_t m_ReservedPercent = 100;
     std::uint64_t m_CapacityMiB = 0;
     std::uint64_t m_UsableCapacityMiB = 0;
-    float m_Temperature = UNKNOWN_TEMPERATURE; ///< degrees Celsius, the adapter's
+    float m_Temperature = UNKNOWN_TEMPERATURE; ///< degrees Celsius, copied from the adapter
 
     friend bool operator==(const CNVMePhysicalDriveData&, const CNVMePhysicalDriveData&) = default;
 };
 
-/** The disk behind one NVMe controller in the topology. */
+/** The disk of one NVMe controller in the topology. */
 class CNVMePhysicalDrive : public PI::CObject, public CNVMePhysicalDriveData
 {
 public:
     /**
-     * Appends an event to `events` when the disk has changed in what its data depend on; otherwise this
-     * record only counts the change. `adapter` is the one that owns `fresh`.
+     * Appends an event to `events` when the disk has changed in a member that its data depend on. Otherwise
+     * only counts the change. `adapter` is the one that owns `fresh`.
      */
     void Update(const CNVMePhysicalDrive& fresh, const CNVMeAdapter& adapter,
                 std::vector<PI::CEvent>& events);
 
-    /** Whether the same is known of both, whatever their places in the topology. */
+    /** Whether both have the same data, whatever their places in the topology. */
     friend bool operator==(const CNVMePhysicalDrive& left, const CNVMePhysicalDrive& right)
     {
         return static_cast<const CNVMePhysicalDriveData&>(left) ==

@@ -15,13 +15,16 @@ template<typename Record>
 struct CPropertyRow
 {
     PI::_PROPERTY_DESCRIPTION m_Description;
-    /** Gives the property its value; false when the record has none to show. */
+    /** Sets the property's value. Returns false when the record has no value to show. */
     bool (*m_SetValue)(Record& record, PI::CProperty& property);
-    /** Takes the place of the description's caption; 0 leaves that. */
+    /** Replaces the description's caption; 0 keeps it. */
     std::uint32_t m_Caption = 0;
 };
 
-/** Fills `properties` anew, in the table's order, with the property `propertyId` or with all of them. */
+/**
+ * Fills `properties` with the property `propertyId`, or with all of them in the table's order; old content
+ * goes.
+ */
 template<typename Record, std::size_t Rows>
 void buildProperties(const CPropertyRow<Record> (&table)[Rows], Record& record, std::uint32_t propertyId,
                      std::vector<PI::CProperty>& properties)
@@ -40,7 +43,7 @@ void buildProperties(const CPropertyRow<Record> (&table)[Rows], Record& record, 
     }
 }
 
-// Values that need no more than a member of the record.
+// Values that are just a member of the record.
 
 template<auto Member, typename Record>
 bool setText(Record& record, PI::CProperty& property)
@@ -62,7 +65,7 @@ bool setNumber(Record& record, PI::CProperty& property)
     return true;
 }
 
-/** A measured number: such properties are of sub-type 8. */
+/** A measured number. Such properties have sub-type 8. */
 inline bool setMeasurement(float value, PI::CProperty& property)
 {
     constexpr std::uint32_t MEASUREMENT = 8;

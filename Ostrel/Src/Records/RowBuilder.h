@@ -27,7 +27,7 @@ struct CRowColumn
 
 /**
  * Writes the properties of `record` that have a column into `row`, in the order of the property table. The
- * texts come from drives, so none goes into a row with a single quote left as it is.
+ * texts come from drives, so every single quote is doubled.
  */
 template<typename TableRecord, typename Record, typename Model, std::size_t Columns>
 void fillRow(std::span<const CPropertyRow<TableRecord>> table,
@@ -55,16 +55,16 @@ std::string rowNumber(const Record& record)
     return std::to_string(record.*Member);
 }
 
-/** What an operation on a row says in the trace. */
+/** The texts of an operation on a row in the trace. */
 struct CRowTrace
 {
     const char* m_Done;
-    const char* m_Failed; ///< ends with the place of the database's message
+    const char* m_Failed; ///< has a place at its end for the database's message
 };
 
 /**
- * Runs an operation on a row and traces how it ended, with `subject` in front of the message; `operation`
- * returns false when there was nothing to do, which is not worth a line.
+ * Runs an operation on a row and traces its result, with `subject` before the message. `operation` returns
+ * false when there was nothing to do; that is not traced.
  */
 template<typename Operation, typename... Subject>
 std::uint32_t runOnRow(const CTracePlace& place, const CRowTrace& trace, Operation operation,

@@ -7,8 +7,8 @@
 namespace NAMESPACE_Ostrel {
 
 /**
- * Finds records of a list by serial number without walking it. The list must outlive the index, and neither
- * its length nor the serial numbers in it may change meanwhile.
+ * Finds records of a list by serial number without a walk over it. The list must outlive the index. Its
+ * length and the serial numbers in it must not change meanwhile.
  */
 template<typename Record>
 class CSerialIndex
@@ -19,7 +19,8 @@ public:
     {
         m_Records.reserve(records.size());
         for (Record& record : records)
-            m_Records.try_emplace(record.m_SerialNumber, &record); // the first of several stays
+            m_Records.try_emplace(record.m_SerialNumber,
+                                  &record); // the first of several with one serial number stays
     }
 
     /** The first record in the list with this serial number; null when there is none. */

@@ -8,7 +8,9 @@
 namespace NAMESPACE_Ostrel {
 namespace {
 
-/** Takes a conversion's flag, width and letter off the head of `format`; appends `text` as they say. */
+/**
+ * Removes the flag, width and letter of a conversion from the start of `format`; appends `text` accordingly.
+ */
 void convert(std::string_view& format, std::string_view text, std::string& result)
 {
     const bool zeros = format.starts_with('0');
@@ -36,7 +38,7 @@ bool equalIgnoringCase(std::string_view left, std::string_view right)
 std::string formattedText(std::string_view format, std::initializer_list<CFormatArgument> arguments)
 {
     std::string result;
-    // What stands in for a conversion is mostly as short.
+    // Most arguments are about as long as their conversions.
     result.reserve(format.size());
     for (const CFormatArgument& argument : arguments) {
         const std::size_t conversion = std::min(format.find('%'), format.size());

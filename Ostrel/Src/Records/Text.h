@@ -10,11 +10,10 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** Whether two texts of one length are the same but for the case of letters, whatever the process's locale.
- */
+/** Whether two texts of the same length are equal without regard to case, whatever the process's locale. */
 bool equalIgnoringCase(std::string_view left, std::string_view right);
 
-/** What stands in for one conversion of a format. */
+/** The argument of one conversion in a format. */
 class CFormatArgument
 {
 public:
@@ -34,12 +33,12 @@ private:
     std::string_view m_Text;
 };
 
-/** As `formatted`, which is the one to use. */
+/** The implementation of `formatted`; use that. */
 std::string formattedText(std::string_view format, std::initializer_list<CFormatArgument> arguments);
 
 /**
- * A text in the manner of `printf`, whatever the process's locale: some group digits. It knows the
- * conversions %s and %d, with a width and the flag 0, and as many of them as there are arguments.
+ * Formats a text like `printf`, but ignores the process's locale, which may group digits. It knows the
+ * conversions %s and %d, with a width and the flag 0. There must be as many arguments as conversions.
  */
 template<typename... Arguments>
 std::string formatted(std::string_view format, const Arguments&... arguments)

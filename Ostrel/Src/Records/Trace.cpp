@@ -19,7 +19,7 @@ CFastMutex& announced(CFastMutex& mutex, std::string_view name, const CTracePlac
 
 } // namespace
 
-// The member that does the locking is out of the analysis's sight.
+// The analysis does not see the member that takes the lock.
 CTracedGuard::CTracedGuard(CFastMutex& mutex, std::string_view name,
                            const CTracePlace& place) TLX_NO_THREAD_SAFETY_ANALYSIS
     : m_Guard(announced(mutex, name, place))

@@ -28,19 +28,19 @@ inline bool traceEnabled(TraceLevel level)
     return (g_ModuleInfo.TraceMask() & bits) != 0;
 }
 
-/** A place in the source that trace lines speak of. `OSTREL_HERE` makes the current one. */
+/** A place in the source, for trace lines. `OSTREL_HERE` makes the current one. */
 struct CTracePlace
 {
     std::string_view m_Unit;     ///< the unit's folder in the repository
-    std::string_view m_Function; ///< as the compiler spells it
+    std::string_view m_Function; ///< in the compiler's spelling
     std::uint32_t m_Line;
 };
 
-/** Holds a lock from construction to destruction and traces both sides of the wait. */
+/** Holds a lock from construction to destruction and traces before and after the wait. */
 class TLX_SCOPED_CAPABILITY CTracedGuard
 {
 public:
-    /** `name` is the lock's name in the trace, `place` the caller's. */
+    /** `name` is the lock's name in the trace, `place` is the caller's place. */
     CTracedGuard(TLX::Threading::Native_OS::CFastMutex& mutex, std::string_view name,
                  const CTracePlace& place) TLX_ACQUIRE(mutex);
     ~CTracedGuard() TLX_RELEASE();
@@ -52,8 +52,8 @@ private:
 };
 
 /**
- * The same for a wait without a time limit that may fail; it also traces both sides of the release. `release`
- * is how the trace spells that: "Release ()" or "Release()".
+ * The same for a wait without a time limit that may fail. It also traces before and after the release.
+ * `release` is the trace's spelling of that: "Release ()" or "Release()".
  */
 class TLX_SCOPED_CAPABILITY CTracedWait
 {
@@ -64,7 +64,7 @@ public:
     CTracedWait(const CTracedWait&) = delete;
     CTracedWait& operator=(const CTracedWait&) = delete;
 
-    /** Whether the lock was there to be had. */
+    /** Whether the lock was taken. */
     bool Taken() const { return m_Taken; }
 
 private:
@@ -79,22 +79,24 @@ private:
 
 } // namespace NAMESPACE_Ostrel
 
-/** The current place. `OSTREL_TRACE_UNIT` is the source folder, set by the build. */
+/** The current place. The build sets `OSTREL_TRACE_UNIT` to the source folder. */
 #define OSTREL_HERE                                                                                          \
     NAMESPACE_Ostrel::CTracePlace                                                                            \
     {                                                                                                        \
         OSTREL_TRACE_UNIT, __PRETTY_FUNCTION__, __LINE__                                                     \
     }
 
-/** The current place, in a function that does the work of the plug-in object's `member`, a literal: the trace
- * names that. */
+/**
+ * The current place in a function that works for the plug-in object's `member` (a literal). The trace names
+ * that member.
+ */
 #define OSTREL_WITHIN(member)                                                                                \
     NAMESPACE_Ostrel::CTracePlace                                                                            \
     {                                                                                                        \
         OSTREL_TRACE_UNIT, "NAMESPACE_Ostrel::IPLUGINAPI_IMPL::" member, __LINE__                            \
     }
 
-/** A trace line of `place`, once the mask is known to have its level. */
+/** A trace line of `place`. The caller has tested that the mask has its level. */
 #define OSTREL_TRACE_LINE(level, place)                                                                      \
     TLX::Internals::CTraceStreamBuffer((level), NAMESPACE_Ostrel::g_ModuleInfo, (place).m_Unit,              \
                                        TLX::Internals::qualifiedName((place).m_Function), (place).m_Line)
@@ -108,7 +110,7 @@ private:
     } else                                                                                                   \
         OSTREL_TRACE_LINE(level, OSTREL_HERE)
 
-/** The same as `OSTREL_TRACE`, in a function that does the work of the plug-in object's `member`. */
+/** The same as `OSTREL_TRACE`, in a function that works for the plug-in object's `member`. */
 #define OSTREL_TRACE_WITHIN(level, member)                                                                   \
     if (!NAMESPACE_Ostrel::traceEnabled(level)) {                                                            \
     } else                                                                                                   \

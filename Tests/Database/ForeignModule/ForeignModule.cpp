@@ -7,7 +7,7 @@
 using DatabaseORM::condition_t;
 using RaidDataModels::PD;
 
-/** Stores a drive by way of this module's own builder and reads it back; returns what it read. */
+/** Stores a drive with this module's own builder, reads it back and returns it. */
 extern "C" __attribute__((visibility("default"))) void
 storeAndFind(const DatabaseORM::storage_t& storage, const std::string& key, std::string& found)
 {
@@ -19,7 +19,7 @@ storeAndFind(const DatabaseORM::storage_t& storage, const std::string& key, std:
         found += row.m_DriveKey;
 }
 
-/** Lets a statement fail in the database library and catches the exception here; returns its message. */
+/** Makes a statement fail in the database library and catches the exception here; returns its message. */
 extern "C" __attribute__((visibility("default"))) void failAndCatch(const DatabaseORM::storage_t& storage,
                                                                     std::string& message)
 {

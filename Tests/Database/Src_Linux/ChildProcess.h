@@ -7,7 +7,7 @@
 
 namespace TestSupport {
 
-/** A pipe: what one end writes, the other reads. Both ends close with it. */
+/** A pipe. Both ends close on destruction. */
 class CPipe
 {
 public:
@@ -28,14 +28,15 @@ private:
     int m_Writer = -1;
 };
 
-/** A process forked from this one. It writes to `Output`, and ends when its work does or when it is killed.
+/**
+ * A process forked from this one. It writes to `Output`. It ends when `work` returns or when it is killed.
  */
 class CChildProcess
 {
 public:
-    /** `work` gets the pipes of `Output` and `Input`. A test's expectations do not count in there. */
+    /** `work` gets the pipes of `Output` and `Input`. Expectations of the test have no effect inside it. */
     explicit CChildProcess(const std::function<void(const CPipe& output, const CPipe& input)>& work);
-    /** Ends the process and waits for it. */
+    /** Kills the process and waits for its end. */
     ~CChildProcess();
     CChildProcess(const CChildProcess&) = delete;
     CChildProcess& operator=(const CChildProcess&) = delete;
@@ -50,7 +51,7 @@ private:
     pid_t m_Process;
 };
 
-/** Runs `work` in a process of its own that is not the superuser's, and returns the text that it returned. */
+/** Runs `work` in another process as an ordinary user, and returns the text that it returned. */
 std::string runUnprivileged(const std::function<std::string()>& work);
 
 } // namespace TestSupport

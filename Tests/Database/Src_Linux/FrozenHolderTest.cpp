@@ -15,11 +15,11 @@ using testing::HasSubstr;
 
 namespace {
 
-/** Where the locks of a log are in the file "-shm", by the file format of SQLite. */
+/** The position of a log's locks in the file "-shm", by the file format of SQLite. */
 constexpr off_t READ_LOCKS = 123;
 constexpr off_t READ_LOCK_COUNT = 5;
 
-/** A process that stopped in the middle of its work on the log, which it keeps from all others. */
+/** A process that stopped in the middle of its work on the log and holds all its locks. */
 class CFrozenHolder
 {
 public:
@@ -44,7 +44,7 @@ public:
         EXPECT_EQ(byte, 'l');
     }
 
-    /** The process dies of it, and the system takes its locks back. */
+    /** This kills the process, and the system releases its locks. */
     void Kill() { m_Process.Kill(); }
 
 private:

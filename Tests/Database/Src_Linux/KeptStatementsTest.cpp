@@ -7,11 +7,11 @@ using RaidDataModels::PD;
 
 namespace {
 
-/** What the database keeps prepared, as the system's SQLite tells. */
+/** Counts the prepared statements that the database keeps, with the help of the system's SQLite. */
 class KeptStatements : public DatabaseFixture
 {
 protected:
-    /** What a cycle does with each of `drives` drives that changed. */
+    /** The statements of a cycle in which `drives` drives changed. */
     void Cycle(int drives, int cycle) const
     {
         for (int number = 1; number <= drives; ++number) {
@@ -55,7 +55,7 @@ TEST_F(KeptStatements, AreThoseThatWereUsedLast)
         Query("SELECT 'once' AS N" + std::to_string(number));
         Query("SELECT 'used again and again'");
     }
-    // The one that is used again, and this one that counts, are among the fifty.
+    // The fifty include the one that is used again and this one, which counts.
     EXPECT_EQ(Count("sql LIKE 'SELECT ? AS N%'"), "48");
     EXPECT_EQ(Count("sql = 'SELECT ?' AND run = 201"), "1");
 }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr uid_t SOMEBODY = 4242;
 
-/** A link in the place of a database, or of a file that SQLite keeps beside it. */
+/** A link in place of a database, or of a file that SQLite keeps beside it. */
 class Link : public DatabaseFixture
 {
 protected:

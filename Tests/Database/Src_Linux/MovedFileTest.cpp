@@ -6,7 +6,7 @@ using testing::HasSubstr;
 
 namespace {
 
-/** What happens to a database whose file somebody takes away while it is open. */
+/** A database whose file is removed or replaced while it is open. */
 class MovedFile : public DatabaseFixture
 {
 protected:
@@ -14,14 +14,14 @@ protected:
 
     Values Drives() { return Query("SELECT DriveKey FROM PD ORDER BY DriveKey"); }
 
-    /** Removes the file, with or without what SQLite keeps beside it. */
+    /** Removes the file, with or without the files that SQLite keeps beside it. */
     void Delete(const std::vector<const char*>& endings) const
     {
         for (const char* ending : endings)
             EXPECT_TRUE(std::filesystem::remove(File().string() + ending)) << ending;
     }
 
-    /** A sound database elsewhere, closed, with one drive. */
+    /** A sound, closed database in another place, with one drive. */
     std::filesystem::path OtherFile()
     {
         const std::filesystem::path path = Folder() / "Other.db";
@@ -75,7 +75,7 @@ TEST_F(MovedFile, LeavesAloneTheLogOfTheOther)
 {
     const auto own = m_Storage;
     Delete({"", "-wal", "-shm"});
-    // Another program has made the file anew, and its rows are in the log still.
+    // Another program has made the file anew, and its rows are still in the log.
     Reopen();
     DatabaseORM::insert(*m_Storage, makeDrive("second"));
     DatabaseORM::insert(*own, makeDrive("third"));

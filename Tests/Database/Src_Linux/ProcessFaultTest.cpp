@@ -9,7 +9,7 @@ namespace {
 
 using std::filesystem::perms;
 
-/** What happens to a database when another user or process comes in. */
+/** A database that another user or process disturbs. */
 class ProcessFault : public DatabaseFixture
 {
 protected:
@@ -74,7 +74,7 @@ TEST_F(ProcessFault, AProcessKilledInTheMiddleOfInsertsLeavesASoundDatabase)
                     output.Write("i");
                 }
             });
-            // The round after the last byte read is cut short somewhere.
+            // The kill interrupts the round after the last byte read at some point.
             char byte = 0;
             for (int seen = 0; seen <= round % 10; ++seen)
                 ASSERT_TRUE(child.Output().ReadByte(byte));

@@ -10,7 +10,7 @@ using testing::HasSubstr;
 
 namespace {
 
-/** Another program has the file open and shares it with nobody. */
+/** Another program has the file open and does not share it. */
 class Sharing : public DatabaseFixture
 {
 protected:

@@ -31,7 +31,7 @@ TEST(CheckAccess, EndsWhenEveryDriveRefuses)
     std::vector<TLXX::CControllerState> states = {stateOf(0), stateOf(1)};
     states[0].m_AccessStatus = NO_PERMISSION;
     states[1].m_AccessStatus = NO_PERMISSION;
-    // Not to be shown anyway, so that it may be opened helps nobody.
+    // This controller is not shown in any case, so a permission to open it helps no user.
     states.push_back(stateOf(2));
     states.back().m_DeviceName.clear();
     try {
@@ -112,7 +112,7 @@ TEST(CheckControllers, HavingNoneOrNoDiskIsAProblem)
     EXPECT_THAT(empty[0].m_Remedy, HasSubstr("DemoFleet.json"));
 }
 
-/** Drives "/dev/nvme0n1" and up. */
+/** Drives from "/dev/nvme0n1" upwards. */
 struct FakesOf
 {
     explicit FakesOf(std::uint32_t count)
@@ -192,7 +192,7 @@ TEST_F(CheckInventoryTest, TellsWhyADiskIsMissingByWhatItAnswered)
     drives.m_Fakes.At(0).m_ControllerStatuses = {5};
     drives.identify(0);
     drives.identify(1);
-    // What other queries ended with says nothing of what the drive is.
+    // The status of other queries does not tell what the drive is.
     drives.readHealth(0);
     drives.m_Fakes.At(1).m_HealthStatuses = {5};
     drives.readHealth(1);
@@ -219,7 +219,7 @@ TEST_F(CheckInventoryTest, TellsWhatADriveLeftUnanswered)
         m_First.remove(id);
     drives.m_Fakes.At(0).m_HealthStatuses = {5};
     drives.readHealth(0);
-    // A vendor log that a drive does not know is no trouble, and must not be taken for its health log.
+    // A vendor log that a drive lacks is no trouble, and must not be taken for its health log.
     TLXX::VendorLogPage page{};
     EXPECT_NE(TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage("/dev/nvme0n1", 0xC5, page), 0U);
     EXPECT_THAT(check({stateOf(0)}, {m_First}),

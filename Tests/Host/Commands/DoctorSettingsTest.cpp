@@ -121,7 +121,7 @@ TEST_F(CheckKeptRows, ReadsBesideWhoeverWrites)
     setDatabaseFile(file());
     const auto database = getDatabasePointer();
     (void)database->m_Access->query("BEGIN IMMEDIATE; CREATE TABLE Other (ID INTEGER)");
-    // What is not yet in the file itself counts: the tables are only in what stands beside it.
+    // Content that is not yet in the file itself also counts: the tables are only in the log beside it.
     EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "which this run leaves"));
     (void)database->m_Access->query("COMMIT; DROP TABLE Plugin");
     EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "there is no table Plugin"));
@@ -162,7 +162,7 @@ TEST_F(CheckKeptRows, NamesWhatIsWrongWithTheFile)
 
 TEST_F(CheckKeptRows, FindsDamage)
 {
-    // A page that no table or index has any more.
+    // A page that belongs to no table or index.
     make("CREATE TABLE Other (Text TEXT UNIQUE); PRAGMA writable_schema = ON; "
          "UPDATE sqlite_master SET sql = 'CREATE TABLE Other (Text TEXT)' WHERE name = 'Other'; "
          "DELETE FROM sqlite_master WHERE tbl_name = 'Other' AND type = 'index'");

@@ -39,7 +39,7 @@ TEST(CheckUnserved, IsNoProblemWhenTheDriveWasGivenAway)
     EXPECT_THAT(checks, ElementsAre(finding(Finding::Note, std::string("it has the driver ") + driver)));
     EXPECT_THAT(checks[0].m_Message, HasSubstr(std::string(Host::Platform::passThroughRemedy())));
     EXPECT_EQ(exitCodeOf(checks), ExitCode::Done);
-    // But what there is to see remains nothing.
+    // But there is still no drive to show.
     EXPECT_EQ(exitCodeOf(checkAnyDisk({}, true, nullptr)), ExitCode::NoHardware);
 }
 
@@ -51,7 +51,7 @@ TEST(CheckSystem, TellsWhatIsMissing)
     EXPECT_EQ(checks[0].m_Remedy, Host::Platform::systemRemedy());
     EXPECT_THAT(checks[1], finding(Finding::Problem, "is not loaded"));
     EXPECT_EQ(checks[1].m_Remedy, Host::Platform::driverRemedy());
-    // A driver that serves a controller is there, wherever it comes from.
+    // The driver of a working controller is loaded, wherever it comes from.
     EXPECT_THAT(checkSystem({"Linux 6.1", true}, false, {stateOf(0)})[1], finding(Finding::Ok, "nvme"));
 }
 

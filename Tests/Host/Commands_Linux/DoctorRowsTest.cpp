@@ -19,7 +19,7 @@ using std::filesystem::perms;
 using testing::AllOf;
 using testing::Field;
 
-/** Root, whom no mode of a file keeps out, is an ordinary user for as long as this lives. */
+/** Makes root, who may open every file, an ordinary user for its lifetime. */
 class OrdinaryUser
 {
 public:

@@ -15,13 +15,13 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-/** What the program leaves in a data folder. */
+/** The files that the program leaves in a data folder. */
 class KeptData : public testing::Test
 {
 protected:
     ~KeptData() override { setDatabaseFile({}); }
 
-    /** A fleet of controllers by bus and serial number. */
+    /** A fleet of controllers with these buses and serial numbers. */
     std::string Fleet(const std::vector<std::pair<int, std::string>>& drives) const
     {
         json fleet = {{"controllers", json::array()}};

@@ -26,7 +26,7 @@ public:
     {
         if (number < 0)
             throw std::runtime_error("no descriptor");
-        // Children that another test starts meanwhile must not keep it open.
+        // Child processes that another test starts at the same time must not keep it open.
         (void)fcntl(number, F_SETFD, FD_CLOEXEC);
     }
     ~Descriptor() { reset(); }
@@ -46,7 +46,7 @@ private:
     int m_Number;
 };
 
-/** Passes on what the sanitizers and the dynamic linker need. */
+/** Passes on the variables that the sanitizers and the dynamic linker need. */
 std::vector<std::string> environmentWords(const Environment& environment)
 {
     std::vector<std::string> words;
@@ -136,7 +136,7 @@ ProgramResult runProgram(const std::vector<std::string>& arguments, const Enviro
 
 namespace {
 
-/** A small pipe whose writers do not wait. */
+/** A small pipe that blocks no writer. */
 struct Pipe
 {
     Pipe()
@@ -149,7 +149,7 @@ struct Pipe
         m_Writer = std::make_unique<Descriptor>(ends[1]);
     }
 
-    /** Returns how many bytes it took. */
+    /** Returns how many bytes were written. */
     std::size_t fill() const
     {
         const char byte = ' ';
@@ -200,7 +200,7 @@ ProgramResult runOnTerminal(const std::vector<std::string>& arguments, unsigned 
     const pid_t child = start(arguments, environment, theirs.number(), theirs.number());
     theirs.reset();
     ProgramResult result;
-    // Reading ends with an error once the last holder of the other side is gone.
+    // Reading fails after the last process has closed the other side.
     for (const char character : readAll(ours.number()))
         if (character != '\r')
             result.m_Output += character;
@@ -211,11 +211,11 @@ ProgramResult runOnTerminal(const std::vector<std::string>& arguments, unsigned 
 /** One output of the program. */
 struct Stream
 {
-    /** Reads what is there. Returns false at the end. */
+    /** Reads the available bytes. Returns false at the end. */
     bool read()
     {
         char chunk[4096];
-        // A terminal that its last writer has left gives an error.
+        // A terminal gives an error after its last writer has closed it.
         const ssize_t size = ::read(m_Ours->number(), chunk, sizeof chunk);
         for (ssize_t i = 0; i < size; ++i)
             if (chunk[i] != '\r' || !m_IsTerminal)
@@ -227,7 +227,7 @@ struct Stream
     std::unique_ptr<Descriptor> m_Ours;
     bool m_IsTerminal = false;
     bool m_Open = true;
-    std::string m_Text; ///< that nobody has awaited
+    std::string m_Text; ///< text that no call has awaited yet
 };
 
 struct RunningProgram::Native
@@ -306,7 +306,7 @@ void RunningProgram::send(int signal)
 
 ProgramResult RunningProgram::finish()
 {
-    // Little enough is said at an end that neither pipe fills while the other one is read.
+    // The output after this point is small enough for both pipes, so one can be read after the other.
     for (Stream* stream : {&m_Native->m_Results, &m_Native->m_Messages})
         while (stream->m_Open)
             (void)stream->read();

@@ -8,39 +8,39 @@
 
 namespace HostTest {
 
-/** What a run of the built program left behind. */
+/** The outputs and the exit code of a run of the built program. */
 struct ProgramResult
 {
-    int m_ExitCode = -1; ///< -1: it ended by a signal
+    int m_ExitCode = -1; ///< -1: a signal ended it
     std::string m_Output;
     std::string m_Errors;
 };
 
 using Environment = std::map<std::string, std::string>;
 
-/** Runs the program with both outputs redirected. `environment` is all that it gets. */
+/** Runs the program with both outputs redirected. It gets only the variables in `environment`. */
 ProgramResult runProgram(const std::vector<std::string>& arguments, const Environment& environment = {});
 
 /**
- * The same with a small pipe as standard output, which is full when the program starts and lets nobody wait.
+ * The same with a small pipe as standard output, which is full when the program starts and blocks no writer.
  * `m_Output` is what the program wrote.
  */
 ProgramResult runIntoFullPipe(const std::vector<std::string>& arguments, const Environment& environment = {});
 
-/** The same with a pipe as standard output that nobody reads. */
+/** The same with a pipe without a reader as standard output. */
 ProgramResult runUnread(const std::vector<std::string>& arguments, const Environment& environment = {});
 
-/** Runs the program with both outputs on a terminal of `columns`; `m_Output` is what the terminal got. */
+/** Runs the program with both outputs on a terminal of `columns`. `m_Output` is what the terminal got. */
 ProgramResult runOnTerminal(const std::vector<std::string>& arguments, unsigned columns,
                             const Environment& environment = {{"TERM", "xterm"}});
 
-/** A program that runs while the test talks to it. Killed on destruction, if it still runs. */
+/** A program that runs while the test talks to it. It is killed on destruction, if it still runs. */
 class RunningProgram
 {
 public:
     /**
-     * Starts it with both outputs in pipes, or, with `columns`, with its results on a terminal, where its
-     * messages may go, too.
+     * Starts it with both outputs in pipes. With `columns`, its results go to a terminal, and so may its
+     * messages.
      */
     explicit RunningProgram(const std::vector<std::string>& arguments, unsigned columns = 0,
                             const Environment& environment = {{"TERM", "xterm"}},
@@ -50,18 +50,18 @@ public:
     RunningProgram& operator=(const RunningProgram&) = delete;
 
     /**
-     * Waits until its results, or its messages, contain `text` behind what was awaited before; returns what
-     * came up to the end of it. Throws when it ends without, or after a minute.
+     * Waits until its results, or its messages, contain `text` after the text that was awaited before.
+     * Returns everything up to the end of `text`. Throws when the program ends without it, or after a minute.
      */
     std::string awaitResult(const std::string& text);
     std::string awaitMessage(const std::string& text);
 
-    /** Nobody reads its results any more. */
+    /** Closes the reading end of its results. */
     void closeResults();
 
     void send(int signal);
 
-    /** Waits for its end; the outputs hold what nobody has awaited. */
+    /** Waits for its end. The outputs have the text that no call has awaited. */
     ProgramResult finish();
 
 private:

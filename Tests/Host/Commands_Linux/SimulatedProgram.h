@@ -7,7 +7,7 @@
 
 namespace HostTest {
 
-/** `words` behind the option that has the program show a fleet file's drives. */
+/** The option that shows the drives of a fleet file, followed by `words`. */
 std::vector<std::string> simulated(std::vector<std::string> words, const std::string& fleet);
 
 /** The same with the demonstration fleet. */

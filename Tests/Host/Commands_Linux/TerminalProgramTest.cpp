@@ -40,7 +40,7 @@ TEST(Terminal, ShowFitsANarrowOne)
         runOnTerminal(simulated({"show", "DEMO-0006"}), columns, {{"TERM", "dumb"}}).m_Output;
     EXPECT_THAT(shown, HasSubstr("Estimated end of life"));
     const std::vector<std::string> lines = linesOf(shown);
-    // The first line names the fleet. A text without a blank cannot be broken.
+    // The first line names the fleet. A text without a blank cannot be wrapped.
     for (std::size_t i = 1; i < lines.size(); ++i) {
         const bool isOneWord = lines[i].find(' ', lines[i].find_first_not_of(' ')) == std::string::npos;
         EXPECT_TRUE(isOneWord || Host::displayWidth(lines[i]) <= columns) << lines[i];
@@ -62,12 +62,12 @@ TEST(Terminal, HasNoColourWhereNoneIsWanted)
 
 TEST(Terminal, JsonIsTheSameAsInAPipe)
 {
-    // On a machine that is slow enough a progress line came before.
+    // On a slow machine a progress line came before.
     EXPECT_THAT(runOnTerminal(simulated({"list", "--json"}), 80).m_Output,
                 EndsWith(runProgram(simulated({"list", "--json"})).m_Output));
 }
 
-/** Its one drive does not say what it is, and is asked again for two and a half seconds. */
+/** Its one drive does not identify itself, so it is asked again for two and a half seconds. */
 const char* const SLOW_FLEET = R"({"controllers": [{"location": "0000:01:00.0"}]})";
 
 TEST(Terminal, ShowsThatSlowDrivesAreStillBeingAsked)

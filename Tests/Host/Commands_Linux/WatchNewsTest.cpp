@@ -19,7 +19,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::UnorderedElementsAre;
 
-/** What `ostrel watch` tells beside the plug-in's events, of a fleet that the test edits. */
+/** The lines of `ostrel watch` for changes without an event, in a fleet that the test edits. */
 class WatchNewsTest : public testing::Test
 {
 protected:
@@ -34,7 +34,7 @@ protected:
                 {"health", {{"temperature", 20}, {"criticalWarning", warnings}, {"mediaErrors", 0}}}};
     }
 
-    /** Makes the fleet what it is from now on, at once and as a whole. */
+    /** Replaces the fleet file as a whole. */
     void fleet(const std::vector<json>& drives) const
     {
         const json fleet = {{"controllers", drives}};
@@ -100,7 +100,7 @@ TEST_F(WatchNewsTest, WhatNoEventTellsIsTold)
     program.awaitMessage("adapter count is");
     fleet({drive("A", 1, 0x0A)});
     EXPECT_THAT(next(program, 2), UnorderedElementsAre("read-only began A", "over-temperature began A"));
-    // One of the two below has an event.
+    // One of the two changes below has an event.
     fleet({drive("A", 1, 0x0C)});
     EXPECT_THAT(next(program, 2), ElementsAre("11088 A", "over-temperature ended A"));
     fleet({drive("A", 1)});

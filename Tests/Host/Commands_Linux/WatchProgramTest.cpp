@@ -29,14 +29,14 @@ struct SimulatedDrive
     int m_Warning = 0;
 };
 
-/** `ostrel watch` with an interval of two seconds over a fleet that the test changes. */
+/** `ostrel watch` with an interval of two seconds, with a fleet that the test changes. */
 class WatchProgram : public testing::Test
 {
 protected:
     WatchProgram() { m_Data.Write("Ostrel.ini", "PollInterval=2\n"); }
     ~WatchProgram() override { setDatabaseFile({}); }
 
-    /** Makes the fleet what it is from now on, at once and as a whole. */
+    /** Replaces the fleet file as a whole. */
     void fleet(const std::vector<SimulatedDrive>& drives) const
     {
         json fleet = {{"controllers", json::array()}};
@@ -51,7 +51,7 @@ protected:
 
     std::vector<std::string> arguments(std::vector<std::string> words = {}) const
     {
-        // Who traces sees the plug-in's own line, which says that it has looked.
+        // The trace has the plug-in's line which says that a scan is done.
         words.insert(words.begin(), {"watch", "--data", m_Data.Path(), "--simulate",
                                      m_Fleet.Path() / "fleet.json", "--trace", "1"});
         return words;
@@ -78,7 +78,7 @@ TEST_F(WatchProgram, PrintsEachEventOnceAndKeepsTheRows)
     awaitInventory(program);
     fleet({{1, "A", 0x14}, {3, "C"}});
 
-    // The order in which they are pending: the last made first.
+    // The order of pending events: the last made is the first.
     const json removed = nextEvent(program);
     EXPECT_EQ(removed["id"], 11094);
     EXPECT_EQ(removed["severity"], 3);
@@ -120,7 +120,7 @@ TEST_F(WatchProgram, SendsTheRequestsOfAHostInOrder)
     program.send(SIGINT);
     program.awaitMessage("ENTER DeInitialize");
     program.awaitMessage("LEAVE DeInitialize");
-    // What the last poll found is collected after it.
+    // The events of the last poll are collected after it.
     program.awaitMessage("LEAVE GetEvents() -> 0");
     const ProgramResult end = program.finish();
     EXPECT_EQ(end.m_ExitCode, 0);
@@ -180,7 +180,7 @@ TEST_F(WatchProgram, ATerminalHasAStatusLineBelowTheEvents)
     EXPECT_THAT(program.awaitResult("1 drive, next poll at "), StartsWith("\033[K"));
     awaitInventory(program);
     fleet({{1, "A", 0x04}, {2, "B"}});
-    // Each event takes the line's place, and the line follows below.
+    // Each event replaces the status line, and the status line follows below.
     program.awaitResult("\033[K20");
     EXPECT_THAT(program.awaitResult("\n"), HasSubstr(" was added. (nvme1n1)"));
     program.awaitResult("\033[33mWarning\033[0m");
@@ -198,7 +198,7 @@ TEST_F(WatchProgram, AWarningTakesTheStatusLinesPlace)
     program.awaitResult("Simulated: 1 drive, next poll at ");
     m_Fleet.Write("fleet.json", "torn");
     EXPECT_THAT(program.awaitResult("ostrel: The fleet file "), HasSubstr(std::string(41, ' ') + "ostrel: "));
-    // Polls go on, and so does the line.
+    // Polls go on, and the status line stays.
     program.awaitResult("Simulated: 1 drive, next poll at ");
     program.send(SIGTERM);
     EXPECT_EQ(program.finish().m_ExitCode, 0);
@@ -326,7 +326,7 @@ TEST_F(WatchProgram, DropsTheRowsOfDrivesThatWent)
     fleet({{1, "A"}, {2, "B"}});
     RunningProgram program(arguments({"--json"}));
     awaitInventory(program);
-    // Who lost its adapter's row keeps its own: the trigger has nothing to go by.
+    // A drive that lost its adapter's row keeps its own, because the trigger cannot find it.
     query("DELETE FROM Adapter WHERE SerialNumber = 'B';"
           "INSERT INTO PD (HostName, DriveKey) VALUES ('localhost', 'B'), ('localhost', 'GHOST')");
     fleet({{1, "A"}});
@@ -363,7 +363,7 @@ TEST_F(WatchProgram, TellsOnceThatRowsAreNotKept)
     fleet({{1, "A"}});
     RunningProgram program(arguments());
     awaitInventory(program);
-    // No event goes with it.
+    // This change has no event.
     query(
         "CREATE TRIGGER Refuse BEFORE UPDATE ON Plugin BEGIN SELECT RAISE(ABORT, 'refused by a test'); END");
     program.awaitMessage("The rows of the drives may not have been kept: ");

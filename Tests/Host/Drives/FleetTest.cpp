@@ -39,7 +39,7 @@ std::string complaintAbout(const json& fleet)
     return refusalOfText(fleet.dump());
 }
 
-/** What is said of a good fleet after `spoil` has worked on its controller. */
+/** The message about a good fleet after `spoil` has changed its controller. */
 std::string complaintAfter(const std::function<void(json&)>& spoil)
 {
     json fleet = goodFleet();

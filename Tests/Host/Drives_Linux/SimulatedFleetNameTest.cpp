@@ -11,7 +11,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-// Elsewhere no file can have such a name.
+// Other systems do not allow such a file name.
 TEST(SimulatedFleetName, WithALineEndForgesNoLineOfAMessage)
 {
     const TestSupport::CTemporaryFolder folder;

@@ -12,7 +12,7 @@ using TestSupport::CScriptedDevices;
 
 constexpr CScriptedDevices::Node ROOT = CScriptedDevices::ROOT;
 
-/** Compatible identifiers as the PCI bus driver gives them. */
+/** Compatible identifiers as the PCI bus driver reports them. */
 std::vector<char> identifiersOf(const std::string& pciClass)
 {
     std::vector<char> list;

@@ -19,7 +19,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 using Limit = EndOfLife::Limit;
 
-/** A drive of a family that may be given 2373 TiB (2610 TB), on 2026-01-01. */
+/** A drive of a family with a rating of 2373 TiB (2610 TB), on 2026-01-01. */
 class EndOfLifeTest : public testing::Test
 {
 protected:
@@ -48,7 +48,7 @@ private:
 
 TEST_F(EndOfLifeTest, IsThatOfTheRatingWhereTheDateFollowsFromWriting)
 {
-    // Half of the rating in 8766 hours, one year: the other half lasts another one.
+    // Half of the rating in 8766 hours, which is one year: the other half lasts another year.
     const EndOfLife end = explained(adapter("2027-01-01", 8766, 1186.5F));
     EXPECT_EQ(end.m_Limit, Limit::Writing);
     EXPECT_EQ(end.m_Date, "2027-01-01");
@@ -67,14 +67,14 @@ TEST_F(EndOfLifeTest, IsThatOfTheRatingWhereTheDateFollowsFromWriting)
 
 TEST_F(EndOfLifeTest, IsThatOfTheDrivesOwnCountWhereTheDateComesBefore)
 {
-    // A quarter of a life in three years leaves nine, a little less than what writing would leave.
+    // A quarter of the life in three years leaves nine years, a little less than the writing rate would.
     const EndOfLife end = explained(adapter("2028-12-31", 8766, 10));
     EXPECT_EQ(end.m_Limit, Limit::Wear);
     EXPECT_EQ(end.m_Wear, 25U);
     EXPECT_THAT(endOfLifeText(end),
                 HasSubstr("about 25% now, is at its end in 3.0 years, before the rating"));
     EXPECT_EQ(explained(adapter("2026-01-01", 8766, 10)).m_Wear, 100U);
-    // Without a rating there is nothing else that a date could come from.
+    // Without a rating a date can come from nothing else.
     const EndOfLife unrated = explained(adapter("2027-01-01", 8766, 10, PI::UNIT_TIB, "UNKNOWN"));
     EXPECT_EQ(unrated.m_Wear, 50U);
     EXPECT_EQ(unrated.m_Rating, std::nullopt);
@@ -104,7 +104,7 @@ TEST_F(EndOfLifeTest, HasNoLimitWhereNothingIsThereToComputeFrom)
     }
 }
 
-/** The same with a drive that the toolkit has asked for its own count of wear. */
+/** The same with a drive whose own count of wear the toolkit has read. */
 class EndOfLifeByPagesTest : public EndOfLifeTest
 {
 protected:

@@ -103,7 +103,7 @@ TEST(ExplainedCodes, SayWhenNobodyMeasuredAState)
     EXPECT_THAT(texts(),
                 ElementsAre(StartsWith("Sufficient (not measured)|This state is not measured; every"),
                             StartsWith("OK (not measured)|This state is not measured for drives of")));
-    // Without its health log nobody knows how the drive fares.
+    // Without its health log the state of the drive is unknown.
     std::erase_if(object.m_Properties,
                   [](const PI::CProperty& each) { return each.Id() == PI::PROP_POWER_ON_HOURS; });
     object.m_Properties.push_back(property(PI::PROP_AVAILABLE_SPARE, PI::UNIT_PERCENT, 100, 0, 100, 1));

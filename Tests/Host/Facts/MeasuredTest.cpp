@@ -20,7 +20,7 @@ PI::CProperty code(std::uint32_t id, std::uint32_t value)
     return property(id, 1, value, std::vector<std::uint32_t>{});
 }
 
-/** An adapter of the installed plug-in, its states as of a new drive, and its medium. */
+/** An adapter of the installed plug-in with the states of a new drive, and its medium. */
 class MeasuredTest : public testing::Test
 {
 protected:
@@ -99,7 +99,7 @@ TEST_F(MeasuredTest, WithoutItsHealthLogADriveIsNotHealthy)
     EXPECT_EQ(healthLogRead(store(), store().objects().at(0)), std::nullopt);
     EXPECT_THAT(with(Basis::NotRead), ElementsAre(PI::PROP_AVAILABLE_SPARE, PI::PROP_SPARE_THRESHOLD,
                                                   PI::PROP_MEDIA_ERRORS, PI::PROP_HEALTH_STATUS));
-    // Another log told this.
+    // Another log reported this.
     m_Objects.remove(PI::PROP_HEALTH_STATUS);
     m_Objects.m_Adapter.m_Properties.push_back(code(PI::PROP_HEALTH_STATUS, 40150));
     EXPECT_THAT(with(Basis::NotRead), Not(testing::Contains(PI::PROP_HEALTH_STATUS)));

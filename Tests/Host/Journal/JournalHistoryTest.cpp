@@ -18,7 +18,7 @@ using History = std::vector<Observation>;
 
 constexpr std::uint64_t INTERVAL = 1000;
 
-/** Looks at a machine in which anything may happen between two of them. */
+/** Looks at a machine again and again. Between two looks anything may happen. */
 class RandomHistory
 {
 public:
@@ -49,7 +49,7 @@ private:
         drive.m_BlockSize = 512;
         drive.m_BelowNew = sometimes();
         drive.m_Temperature = 60;
-        // Drives either name a limit or warn by themselves; what both together give has a test of its own.
+        // A drive either names a limit or warns by itself; a separate test covers both together.
         if (number % 2 == 1)
             drive.m_TemperatureLimit = 70.0F;
         drive.m_CriticalTemperatureLimit = 80.0F;
@@ -112,7 +112,7 @@ private:
         }
     }
 
-    /** The drives as a look finds them: now and then a page is not read. */
+    /** The drives at one look. Now and then a page could not be read. */
     std::vector<ObservedDrive> seen()
     {
         std::vector<ObservedDrive> drives;
@@ -141,7 +141,7 @@ private:
     std::map<std::string, ObservedDrive> m_Drives;
 };
 
-/** An entry in short: when, since when, what, of which. */
+/** An entry in short: time, start of the interval, kind, drive. */
 std::string inShort(std::uint64_t end, std::optional<std::uint64_t> begin, const std::string& key, Kind kind,
                     Phase phase)
 {
@@ -151,8 +151,10 @@ std::string inShort(std::uint64_t end, std::optional<std::uint64_t> begin, const
     return text.str();
 }
 
-/** What there is to tell of a history, found by looking at the whole of it, one drive and one figure at a
- * time. */
+/**
+ * The expected entries of a history. They are found from the whole history, one drive and one value at a
+ * time.
+ */
 class Oracle
 {
 public:
@@ -225,7 +227,7 @@ private:
             const int wear = *drive.m_Wear;
             return wear < 50 ? 0 : wear < 80 ? 1 : wear < 90 ? 2 : wear < 100 ? 3 : 4;
         });
-        // Between two looks a drive may have made room for one of its name with fewer errors.
+        // Between two looks another drive with the same name and fewer errors may have replaced a drive.
         changes(
             stay, Kind::MediaErrorsGrew, [](const ObservedDrive& drive) { return drive.m_MediaErrors; },
             std::greater<>());
@@ -275,7 +277,7 @@ private:
             const std::optional<int> step = stepOf(*sighting.m_Drive);
             if (!step)
                 continue;
-            // Spare and warnings are read together here.
+            // Here spare and warnings are read together.
             const bool told = kind == Kind::SpareFell && (*sighting.m_Drive->m_Warnings & 0x01) != 0;
             if (*step > furthest && !told && (known || *step > 1))
                 tell(sighting.m_Time, known, kind, known ? Phase::Change : Phase::Present);

@@ -196,7 +196,7 @@ TEST_F(DataFolder, LosesTheRowsOfWhatIsGone)
 TEST_F(DataFolder, WarnsWhenNothingCanBeKept)
 {
     Open(m_Folder.Path());
-    // Not every system lets a file go that somebody holds.
+    // Not every system deletes a file that another process has open.
     m_Claim.reset();
     std::filesystem::remove_all(m_Folder.Path());
     Keep(m_Folder.Path(), topologyOf({Objects(10, 2, "S")}));

@@ -74,7 +74,7 @@ TEST_F(KeptRows, ThatCameWhileTheHostLookedStay)
     Insert("GONE");
     int looks = 0;
     m_Rows.cleanUp([&looks] {
-        // The plug-in's worker finds another drive just after it was asked.
+        // The plug-in's worker finds another drive just after the request.
         if (++looks == 1) {
             Insert("FRESH");
             return Shown("OTHER");

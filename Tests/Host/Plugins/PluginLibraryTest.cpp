@@ -124,7 +124,7 @@ TEST(PluginLibrary, LeavesAPluginAloneWhoseThreadCouldNotBeEnded)
         clock.OnSleep([&thread] { thread.Cancel(); });
         EXPECT_FALSE(plugin.deInitialize());
     }
-    // It would have slept once more when it was released.
+    // Otherwise it would have slept once more when it was released.
     EXPECT_EQ(clock.Sleeps().size(), 1U);
     end.Set();
     EXPECT_EQ(thread.Wait(), TLX::Threading::WaitResult::Taken);

@@ -24,14 +24,14 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/** The real plug-in at work, its time in the test's hand. */
+/** The real plug-in at work, with a clock that the test moves. */
 class MonitorTest : public testing::Test
 {
 protected:
     MonitorTest()
     {
-        // Only request 3 sleeps, and its first pause lasts until the worker has ended, as on any machine that
-        // is well.
+        // Only request 3 sleeps. Its first pause lasts until the worker has ended, as on any machine without
+        // a fault.
         m_Clock.OnSleep([this] {
             while (threads() > m_Threads)
                 std::this_thread::yield();
@@ -64,7 +64,7 @@ protected:
                R"("}, "health": {"temperature": 30, "criticalWarning": )" + std::to_string(warning) + "}}";
     }
 
-    /** Lets the worker poll once: the n-th poll follows the n-th of its waits. */
+    /** Lets the worker poll once; the n-th poll follows the worker's n-th wait. */
     void poll()
     {
         m_Clock.Advance(m_Clock.AwaitWait(++m_Polls));
@@ -88,7 +88,7 @@ protected:
         return ids;
     }
 
-    /** The threads that are there without a worker. With the first one a sanitizer starts its own. */
+    /** The number of threads without a worker. A sanitizer starts its own with the first thread. */
     static std::ptrdiff_t threadsAtRest()
     {
         pid_t first = 0;
@@ -146,7 +146,7 @@ TEST_F(MonitorTest, AnAdapterInANewPlaceGetsANumberAndKeepsIt)
 TEST_F(MonitorTest, LosesNoEventWhenThePluginDoesNotTellItsStateAnyMore)
 {
     m_Monitor.refresh();
-    // A model that is shorter than any of its maker's keeps the plug-in from building its properties.
+    // With a model that is shorter than its maker's prefix, the plug-in cannot build its properties.
     writeFleet(
         drive(1, "A") + "," + drive(2, "B") +
         R"(, {"location": "0000:07:00.0", "identify": {"vendorId": 32902, "model": "INTEL", "serial": "C"}})");

@@ -7,7 +7,7 @@
 
 namespace HostTest {
 
-/** What a plug-in's `createIf` does; the exports stand in one source for all of these plug-ins. */
+/** What a plug-in's `createIf` does. One source has the exports of all these plug-ins. */
 std::uint32_t create(IPLUGINAPI*& plugin);
 
 } // namespace HostTest

@@ -2,7 +2,7 @@
 
 namespace {
 
-/** Initializes, and then has no topology to show. */
+/** Initializes, but then fails to show a topology. */
 class Plugin : public IPLUGINAPI
 {
 public:

@@ -12,7 +12,7 @@ void say(const char* where)
     (void)std::fflush(stdout);
 }
 
-/** Shows nothing but itself, and takes its time when it is told to end and when it is released. */
+/** Shows only itself, and takes long to end and to be released. */
 class Plugin : public IPLUGINAPI
 {
 public:

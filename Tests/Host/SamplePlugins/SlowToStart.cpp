@@ -6,7 +6,7 @@
 
 namespace {
 
-/** Does not come back from request 1, as if a drive did not answer. */
+/** Never returns from request 1, as if a drive did not answer. */
 class Plugin : public IPLUGINAPI
 {
 public:

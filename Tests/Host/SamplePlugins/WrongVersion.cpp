@@ -9,7 +9,7 @@ public:
     std::uint32_t Request(std::int32_t, std::uint64_t, PI::CRequestData&) override { return PI::ERR_SUCCESS; }
 };
 
-// A host that finds another version leaves the object alone, so nobody would free one on the heap.
+// A host that finds another version does not release the object, so an object on the heap would leak.
 Plugin g_Plugin;
 
 } // namespace

@@ -16,7 +16,7 @@ using Host::Cli::Progress;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/** What a terminal got, and the clock by which it gets it. */
+/** The output of a terminal, and the clock that times it. */
 class ProgressTest : public testing::Test
 {
 protected:
@@ -34,8 +34,7 @@ protected:
         return m_Written;
     }
 
-    /** Lets the thread's next wait, the `number`th of all, come to its end; returns how long it was to last.
-     */
+    /** Ends the thread's wait with this number. Returns how long the wait would have lasted. */
     std::uint64_t pass(std::size_t number)
     {
         const std::uint64_t wait = m_Clock.AwaitWait(number);

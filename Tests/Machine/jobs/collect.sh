@@ -15,7 +15,7 @@ run() {
 
 attribute() { cat "$1" 2>/dev/null || true; }
 
-# collect FOLDER: all that the kernel, nvme-cli and smartctl tell of each controller.
+# collect FOLDER: the output of the kernel, nvme-cli and smartctl for each controller.
 collect() {
     local controller name to attribute namespace path disk nsid
     uname -r >/results/kernel

@@ -14,7 +14,7 @@ using TestSupport::CFakeDrive;
 using TestSupport::identifiers;
 using TestSupport::serials;
 
-/** What a scan finds different from the published records. */
+/** The differences that a scan finds between fresh and published records. */
 class Comparison : public TestSupport::UpdateSystem
 {};
 

@@ -78,7 +78,9 @@ TEST_F(DeInitialize, AsksEveryHalfSecondForAWorkerThatIsBusy)
 
 namespace {
 
-/** Lets the worker go when the last waiting line is written, so that it ends between the limit and the force.
+/**
+ * Releases the worker when the last line of the wait is written, so that it ends between the limit and the
+ * force.
  */
 class CLastMomentSink : public TLX::Trace::ISink
 {

@@ -14,11 +14,11 @@ namespace {
 constexpr std::uint16_t INTEL = 0x8086;
 constexpr std::uint32_t REFUSED = 5;
 
-/** What a worker tells after a cycle in which one query of a drive failed: nothing, for nothing changed. */
+/** The worker's reports after a cycle in which one query of a drive failed: none, because nothing changed. */
 class CFailedQuery : public TestSupport::CWorkerFixture
 {
 protected:
-    /** Starts over `drive`, with its names settled and nothing pending. */
+    /** Starts with `drive`, with settled names and no pending events. */
     void StartOver(CFakeDrive drive)
     {
         m_Drives.Add(std::move(drive));
@@ -29,7 +29,7 @@ protected:
         m_Drive = m_Api.m_PhysicalDrives.at(0);
     }
 
-    /** `failing` is a cycle with the fault, after which the drive is well again. */
+    /** `failing` is a cycle with the fault. After it the drive answers again. */
     void ExpectNothingOf(const std::function<void(CFakeDrive&)>& failing)
     {
         m_Drives.Change(0, failing);

@@ -35,7 +35,9 @@ private:
     std::function<void()> m_AtStatement;
 };
 
-/** Operations of the plug-in's object, with two pending events, and what the database does meanwhile. */
+/**
+ * The operations of the plug-in's object with two pending events, and the state of the database meanwhile.
+ */
 class GetEvents : public TestSupport::CWorkerFixture
 {
 protected:

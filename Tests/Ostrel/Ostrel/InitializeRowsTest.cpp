@@ -17,11 +17,11 @@ namespace {
 const std::string COUNTS =
     "SELECT COUNT(*) FROM Plugin; SELECT COUNT(*) FROM Adapter; SELECT COUNT(*) FROM PD";
 
-/** What Initialize leaves in the database. */
+/** The rows that Initialize leaves in the database. */
 class InitializeRows : public CRowFixture
 {
 protected:
-    /** The first adapter is number 1, whatever earlier tests of this process have numbered. */
+    /** The first adapter gets number 1, whatever numbers earlier tests of this process gave. */
     InitializeRows() { PI::restoreAdapterNumbers(m_File.File().parent_path() / "missing"); }
 
     std::uint32_t Run()
@@ -32,7 +32,7 @@ protected:
         return result;
     }
 
-    /** As another start of the program. */
+    /** As in another start of the program. */
     static std::uint32_t RunAgain()
     {
         CPluginUnderTest plugin;

@@ -54,7 +54,7 @@ std::vector<CCapturedLine> operator+(std::vector<CCapturedLine> lines, const std
     return lines;
 }
 
-/** The machine, its clock and a plug-in that has not been initialised yet. */
+/** The machine, its clock and a plug-in before its initialisation. */
 class Initialize : public testing::Test
 {
 public:
@@ -79,7 +79,7 @@ public:
         return names;
     }
 
-    /** Whether another thread can have the lock that guards the lists. */
+    /** Whether another thread can take the lock that guards the lists. */
     bool DataLockIsFree()
     {
         return TestSupport::tryElsewhere(m_Api.m_DataLock) == TLX::Threading::WaitResult::Taken;
@@ -92,11 +92,11 @@ public:
     std::string m_Console;
 };
 
-/** The same, run with one drive at a trace mask. */
+/** The same, run with one drive and a trace mask. */
 class InitializeTrace : public Initialize, public testing::WithParamInterface<std::uint32_t>
 {
 public:
-    /** Runs and holds the lines against those of `all` that the mask shows. */
+    /** Runs, and compares the lines with those of `all` that the mask shows. */
     void ExpectLines(const std::vector<CCapturedLine>& all)
     {
         const CTraceCapture capture(GetParam());

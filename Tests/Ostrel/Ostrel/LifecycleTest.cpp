@@ -35,7 +35,7 @@ protected:
     }
 };
 
-/** Tells when it is destroyed. */
+/** Notes that it is destroyed. */
 class CMortal : public CPluginUnderTest
 {
 public:
@@ -46,7 +46,7 @@ private:
     bool& m_Destroyed;
 };
 
-/** How a thread is let go, and whether it was; shared with the thread, which may outlive the test. */
+/** How a thread is released, and whether it was. Shared with the thread, which may outlive the test. */
 struct CThreadsEnd
 {
     std::promise<void> m_May;
@@ -108,7 +108,7 @@ TEST_F(Lifecycle, ReleaseIfDestroysTheObject)
     EXPECT_EQ(plugin, nullptr);
 }
 
-// Request 3 alone ends a worker; who destroys the object has seen to that before.
+// Only request 3 ends a worker; code that destroys the object must have sent it before.
 TEST_F(Lifecycle, TheDestructorNeitherStopsNorAwaitsAThread)
 {
     const auto end = std::make_shared<CThreadsEnd>();

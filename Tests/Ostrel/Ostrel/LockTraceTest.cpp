@@ -18,7 +18,7 @@ using TestSupport::tryElsewhere;
 using TLX::Threading::Native_OS::CFastMutex;
 using TLX::Threading::WaitResult::Taken;
 
-/** Notes with each line of a lock whether somebody has that lock while the line is written. */
+/** Records with each line about a lock whether any thread holds that lock while the line is written. */
 class CLockWitness : public TLX::Trace::ISink
 {
 public:
@@ -45,7 +45,7 @@ class LockTrace : public TestSupport::CWorkerFixture
 protected:
     LockTrace() { m_Drives.Add(CFakeDrive(0)); }
 
-    /** The lines of the lock traffic of `action`. */
+    /** The lines about locks that `action` writes. */
     template<typename Action>
     std::vector<std::string> Lines(Action action)
     {

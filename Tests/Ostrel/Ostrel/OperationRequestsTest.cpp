@@ -37,7 +37,7 @@ protected:
             m_Api.m_Events[index].m_Id = index + 1;
     }
 
-    /** Request 8, with a list that is not empty. */
+    /** Request 8, with a list that is not empty before. */
     std::uint32_t Get(std::uint64_t id)
     {
         PI::CRequestData data = std::vector<PI::COperation>(2);
@@ -179,7 +179,7 @@ TEST_F(OperationRequests, ExecuteTraces)
                                             "2 LEAVE ExecutePluginOperation() -> 20005", BEFORE, AFTER));
 }
 
-// Whatever the operation, the plug-in's row is written, and none is made in its place.
+// For every operation the plug-in's row is written, and no row is inserted instead.
 TEST_F(OperationRequests, ExecuteUpdatesThePluginsRow)
 {
     const CTraceCapture capture(128);
@@ -207,7 +207,7 @@ TEST_F(OperationRequests, WithoutTheEventsLockNothingIsCollected)
 
 TEST_F(OperationRequests, EventsAreHandedOverWhateverTheUpdateOfTheRowThrows)
 {
-    // The database is every plug-in's of this process.
+    // All plug-ins of this process share the database.
     const auto healthy = m_Api.m_Database->m_Access;
     m_Api.m_Database->m_Access =
         std::make_shared<TestSupport::CThrowingDatabase<std::bad_alloc>>(std::bad_alloc());

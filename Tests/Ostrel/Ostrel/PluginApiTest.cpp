@@ -53,7 +53,7 @@ private:
     std::function<void()> m_Failure;
 };
 
-/** Request 1 with `count` entries in the list, in a machine whose enumeration does `failure`. */
+/** Request 1 with `count` entries in the list. The machine's enumeration calls `failure`. */
 std::uint32_t initializeWhile(std::function<void()> failure, CRequestData& data)
 {
     TestSupport::CFakeDrives restoresTheMachine;

@@ -31,7 +31,7 @@ protected:
         m_Drive = m_Api.m_PhysicalDrives.at(1).m_ID;
     }
 
-    /** Request 5, with a list that is not empty. */
+    /** Request 5, with a list that is not empty before. */
     std::uint32_t GetAll(std::uint64_t id)
     {
         PI::CRequestData data = std::vector<PI::CProperty>(2);
@@ -69,11 +69,11 @@ protected:
     PI::CProperty m_Property;
 };
 
-/** Request 5, 6 or 7 at a trace mask. */
+/** Request 5, 6 or 7 with a trace mask. */
 class PropertyRequestsTrace : public PropertyRequests, public testing::WithParamInterface<std::uint32_t>
 {
 protected:
-    /** Sends a request and holds its own lines, as "level text", against those that the mask shows. */
+    /** Sends a request and compares its own lines ("level text") with those that the mask shows. */
     template<typename Action>
     void Expect(const std::string& name, Action action, const std::vector<std::string>& all)
     {

@@ -35,7 +35,7 @@ protected:
         return m_Adapters.at(0);
     }
 
-    /** Scans the drives that are there, changed since or not. */
+    /** Scans the existing drives, whether they have changed or not. */
     const CNVMeAdapter& Again()
     {
         Scan(false);

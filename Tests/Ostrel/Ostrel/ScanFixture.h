@@ -21,7 +21,7 @@ protected:
     static constexpr std::uint16_t MICRON = 0x1344;
     static constexpr std::uint64_t FIRST_ID = 0x0139000000000000ULL;
 
-    /** Enumerates and queries the drives anew, then scans them into `m_Adapters` and `m_Drives`. */
+    /** Enumerates and queries the drives anew. Then scans them into `m_Adapters` and `m_Drives`. */
     void Scan(bool initial = true)
     {
         m_Plugin.m_NVMeDevices.scan();
@@ -34,7 +34,7 @@ protected:
         ASSERT_EQ(m_Adapters.size(), m_Drives.size());
     }
 
-    /** Scans `drive` as the machine's only one. */
+    /** Scans `drive` as the only one of the machine. */
     void ScanOnly(CFakeDrive drive)
     {
         m_Fakes.Add(std::move(drive));
@@ -42,7 +42,7 @@ protected:
         ASSERT_EQ(m_Adapters.size(), 1U);
     }
 
-    /** What has been scanned becomes what later scans find published. */
+    /** Publishes the last scan, so that later scans find it. */
     void Publish()
     {
         m_Plugin.m_Adapters = m_Adapters;

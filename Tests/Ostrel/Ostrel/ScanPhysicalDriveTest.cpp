@@ -13,7 +13,7 @@ namespace {
 class CScanPhysicalDrive : public TestSupport::CScanFixture
 {
 protected:
-    /** Scans the drives that are there, changed since or not. */
+    /** Scans the existing drives, whether they have changed or not. */
     const CNVMePhysicalDrive& Again()
     {
         Scan(false);
@@ -57,7 +57,7 @@ TEST_F(CScanPhysicalDrive, HasNoCapacityWhenTheNamespaceTellsNone)
     EXPECT_EQ(Again().m_CapacityMiB, 0U);
     EXPECT_EQ(m_Drives.at(0).m_BlockSize, 512U);
     m_Fakes.At(0).m_Namespace.NSZE = 4096;
-    m_Fakes.At(0).m_Namespace.FLBAS = 5; // a format that the namespace does not have
+    m_Fakes.At(0).m_Namespace.FLBAS = 5; // a format that the namespace lacks
     EXPECT_EQ(Again().m_CapacityMiB, 0U);
     EXPECT_EQ(m_Drives.at(0).m_BlockSize, 0U);
     m_Fakes.At(0).m_NamespaceStatuses = {1};

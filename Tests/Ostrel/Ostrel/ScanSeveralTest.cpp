@@ -52,7 +52,7 @@ std::int32_t numberOf(const CPciLocation& location)
 
 } // namespace
 
-// Elsewhere than in the very first slot the segment does not count.
+// The segment counts only in the very first slot.
 TEST_F(ScanSeveral, EachPartOfTheLocationCountsForTheNumberOfTheAdapter)
 {
     const std::vector<CPciLocation> locations = {{0, 0, 0, 0}, {3, 0, 0, 0}, {0, 3, 0, 0},

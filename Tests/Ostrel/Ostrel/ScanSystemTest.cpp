@@ -197,7 +197,7 @@ protected:
                 text};
     }
 
-    /** The lines of a worker's scan in which nothing is known yet. */
+    /** The lines of a worker's scan before anything is known. */
     static std::vector<CCapturedLine> Expected()
     {
         return {
@@ -230,7 +230,7 @@ protected:
         };
     }
 
-    /** The lines that scanning alone writes; enumeration has its own. */
+    /** The lines that the scan alone writes; enumeration writes its own. */
     std::vector<CCapturedLine> Trace(std::uint32_t mask, bool initial)
     {
         Scan();

@@ -13,11 +13,11 @@ namespace {
 using testing::ElementsAre;
 using TestSupport::CFakeDrive;
 
-/** Requests 1, 2 and 3, and again from the start. */
+/** Requests 1, 2 and 3, and then the same once more. */
 class SecondLife : public TestSupport::CWorkerFixture
 {};
 
-/** A database that is out of memory at each statement. */
+/** A database that runs out of memory at each statement. */
 class RowFaults : public TestSupport::CWorkerFixture
 {
 protected:
@@ -32,7 +32,7 @@ protected:
     RowFaults(const RowFaults&) = delete;
     RowFaults& operator=(const RowFaults&) = delete;
 
-    /** The database is every plug-in's of this process. */
+    /** All plug-ins of this process share the database. */
     std::shared_ptr<DatabaseWrapper::DatabaseDAO> m_Healthy = m_Api.m_Database->m_Access;
 };
 

@@ -44,7 +44,7 @@ public:
         ASSERT_EQ(result, PI::ERR_SUCCESS);
     }
 
-    /** Request 4 with a list that is not empty, as a host that asks again may hand it in. */
+    /** Request 4 with a list that is not empty before. A host that asks again may pass such a list. */
     std::uint32_t Get()
     {
         PI::CRequestData data = std::vector<PI::CObject>(3);
@@ -58,8 +58,9 @@ public:
     std::vector<PI::CObject> m_Objects;
 };
 
-/** Calls a function with the text of each trace line of the module, on the thread that traces, while it
- * lives. */
+/**
+ * While it lives, calls a function with the text of each trace line of the module, on the thread that traces.
+ */
 class CTraceWatch
 {
 public:

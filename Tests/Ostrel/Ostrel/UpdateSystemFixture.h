@@ -53,14 +53,14 @@ protected:
         m_Plugin.m_DataLock.Release();
     }
 
-    /** The machine's drives as they are now become the first inventory. */
+    /** Publishes the machine's present drives as the first inventory. */
     void PublishFirst()
     {
         Scan();
         Publish();
     }
 
-    /** A later scan. */
+    /** Scans again and merges the result. */
     std::uint32_t Update()
     {
         Scan(false);

@@ -23,7 +23,7 @@ struct CFileFirst
     CDatabaseFile m_File;
 };
 
-/** What the scans of the worker leave in the database. */
+/** The rows that the worker's scans leave in the database. */
 class UpdateSystemRows : protected CFileFirst, public CScanFixture
 {
 protected:
@@ -31,7 +31,7 @@ protected:
 
     UpdateSystemRows() { EXPECT_EQ(m_Plugin.m_EventsLock.Init(), TLX::Threading::WaitResult::Taken); }
 
-    /** The machine's drives as they are now become the first inventory, rows included. */
+    /** Publishes the machine's present drives as the first inventory and writes their rows. */
     void PublishFirst()
     {
         Scan();
@@ -42,16 +42,16 @@ protected:
             ASSERT_EQ(m_Plugin.InsertObjectToDatabase(drive), 0U);
     }
 
-    /** A later scan. */
+    /** Scans again and merges the result. */
     void Update()
     {
         Scan(false);
         m_Plugin.UpdateSystem(m_Adapters, m_Drives);
     }
 
-    /** In order of serial number, which is that of the drives' buses. */
+    /** In the order of serial numbers, which is also the order of the drives' buses. */
     Values Adapters() { return m_File.Query("SELECT SerialNumber FROM Adapter ORDER BY SerialNumber"); }
-    /** The same, each with the bus that its row tells. */
+    /** The same, each with the bus in its row. */
     Values Places()
     {
         return m_File.Query("SELECT SerialNumber || '@' || PciBus FROM Adapter ORDER BY SerialNumber");
@@ -59,7 +59,7 @@ protected:
     Values Drives() { return m_File.Query("SELECT DriveKey FROM PD ORDER BY DriveKey"); }
 };
 
-/** Hands statements on, but the next one that begins with `beginning` fails first, by `fail`. */
+/** Passes statements on. The next one that begins with `beginning` fails before that, by `fail`. */
 class CFailingOnce : public DatabaseWrapper::DatabaseDAO
 {
 public:
@@ -81,11 +81,11 @@ private:
     std::function<void()> m_Fail;
 };
 
-/** Every way in which an operation on a row can fail. */
+/** All ways in which an operation on a row can fail. */
 class UpdateSystemRowFaults : public UpdateSystemRows, public testing::WithParamInterface<void (*)()>
 {
 protected:
-    /** The next statement that begins like this fails. */
+    /** Makes the next statement fail that begins with this text. */
     void FailOnce(const std::string& beginning)
     {
         auto& access = m_Plugin.m_Database->m_Access;
@@ -138,7 +138,7 @@ TEST_F(UpdateSystemRows, OfANewcomerAndOfTheFormerDriveThatHasMovedToAnotherSlot
     EXPECT_THAT(Drives(), ElementsAre("NEW", "SN1"));
 }
 
-// The one that moved is no newcomer: nothing has replaced the row of the adapter that was there before.
+// The adapter that moved is not new, so the row of the former adapter was not replaced.
 TEST_F(UpdateSystemRows, OfARemovedAdapterVanishEvenWhenAnotherHasMovedIntoItsSlot)
 {
     m_Fakes.Add(CFakeDrive(1));
@@ -318,7 +318,7 @@ TEST_P(UpdateSystemRowFaults, AMoveWhoseRowsFailedIsMendedByTheNextScan)
     EXPECT_THAT(Drives(), ElementsAre("SN1"));
 }
 
-// Nothing of what a host sees depends on the database.
+// The database changes nothing of what a host sees.
 TEST_P(UpdateSystemRowFaults, NeitherListsNorEventsNoticeABrokenDatabase)
 {
     const auto run = [this](bool broken) {

@@ -213,7 +213,7 @@ TEST_F(UpdateSystem, TracesItsWay)
 {
     m_Fakes.Add(CFakeDrive(1));
     PublishFirst();
-    // Tests of one process share a database; here none of these has a row.
+    // The tests of one process share a database; none of these drives has a row there.
     for (const CNVMeAdapter& adapter : m_Plugin.m_Adapters)
         m_Plugin.DeleteObjectFromDatabase(adapter);
     m_Fakes.Add(CFakeDrive(2));
@@ -265,7 +265,7 @@ TEST_F(UpdateSystem, WritesWhatChangedInItsOrder)
                             "PD (Plain Drive) updated in db.", "Plugin NVMe updated in db."));
 }
 
-// The newcomer has taken over the row of the slot; deleting the former would take it away.
+// The new adapter has replaced the row of the slot; a delete for the old one would remove it.
 TEST_F(UpdateSystem, ASwapInOneSlotLeavesTheNewDrivesRow)
 {
     m_Fakes.Add(CFakeDrive(1));

@@ -18,7 +18,7 @@ using TestSupport::tryElsewhere;
 using TLX::Threading::WaitResult::Taken;
 using TLX::Threading::WaitResult::TimedOut;
 
-/** When the worker calls the host, and what that may do. */
+/** When the worker calls the host, and what the host may do in the call. */
 class WorkerCallback : public TestSupport::CWorkerFixture
 {};
 

@@ -20,7 +20,7 @@ using TestSupport::CFakeDrive;
 using TestSupport::tryElsewhere;
 using TLX::Threading::WaitResult::TimedOut;
 
-/** What each cycle of the worker does, whatever it finds. */
+/** The actions of each cycle of the worker, whatever it finds. */
 class WorkerCycle : public TestSupport::CWorkerFixture
 {
 protected:
@@ -111,7 +111,7 @@ TEST_F(WorkerCycle, HoldsBothLocksFromTheEnumerationToTheLastQuery)
     EXPECT_THAT(eventsLock, Each(std::uint32_t{TimedOut}));
 }
 
-// The host is told in the cycle that makes an event, even where writing the rows breaks that cycle off.
+// The cycle that makes an event calls the host, even when a failure to write the rows ends the cycle early.
 TEST_F(WorkerCycle, TellsOfAnEventInItsOwnCycleAlthoughTheRowsFail)
 {
     m_Drives.Add(CFakeDrive(0));

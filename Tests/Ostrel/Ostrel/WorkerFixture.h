@@ -22,7 +22,7 @@
 
 namespace TestSupport {
 
-/** An event that stays set, ready from the start. */
+/** An initialised event that stays set. */
 class CGate : public TLX::Threading::CEvent
 {
 public:
@@ -31,7 +31,7 @@ public:
     void Pass() { EXPECT_EQ(Wait(), TLX::Threading::WaitResult::Taken); }
 };
 
-/** A plug-in over scripted drives whose worker runs on a clock that the test moves. */
+/** A plug-in over scripted drives. Its worker runs on a clock that the test moves. */
 class CWorkerFixture : public testing::Test
 {
 protected:
@@ -57,7 +57,7 @@ protected:
             Stop();
     }
 
-    /** Requests 1 and 2, with the numbers 1, 2, ... for the adapters. Returns when the worker waits. */
+    /** Sends requests 1 and 2 with the adapter numbers 1, 2, ... Returns when the worker waits. */
     void Start()
     {
         Initialize();
@@ -84,7 +84,8 @@ protected:
         return m_Api.Request(PI::REQUEST_SET_ADAPTER_IDS, 0, data);
     }
 
-    /** Request 3. Its first pause lasts until the worker has ended, as it does on any machine that is well.
+    /**
+     * Sends request 3. Its first pause lasts until the worker has ended, as on any machine without a fault.
      */
     void Stop()
     {
@@ -94,17 +95,17 @@ protected:
         EXPECT_EQ(m_Api.Request(PI::REQUEST_DEINITIALIZE, 0, nothing), PI::ERR_SUCCESS);
     }
 
-    /** Returns when the worker waits again, and how long it will. */
+    /** Waits until the worker waits again. Returns how long that wait will take. */
     std::uint64_t AwaitWorker() { return m_Clock.AwaitWait(++m_Waits); }
 
-    /** A scan on demand, to its end. */
+    /** Forces a scan and waits for its end. */
     void Force()
     {
         m_Api.m_ForceWorker.Set();
         EXPECT_EQ(AwaitWorker(), m_Api.m_PollInterval * std::uint64_t{1000});
     }
 
-    /** The first timed scan, after which the names of the adapters no longer change. */
+    /** Runs the first timed scan. After it the names of the adapters no longer change. */
     void Settle()
     {
         m_Clock.Advance(FIRST_WAIT);
@@ -112,7 +113,7 @@ protected:
         m_Calls = 0;
     }
 
-    /** Operation 50002: the identifiers of the pending events, in order. */
+    /** Operation 50002: returns the identifiers of the pending events, in order. */
     std::vector<std::uint32_t> CollectEvents()
     {
         PI::COperation operation(PI::COperationTemplate{50002, 6, 1, 1, 1, false, 0, 1, 1});
@@ -137,7 +138,7 @@ protected:
         reached.Pass();
     }
 
-    /** From now on; takes the place of what the test does at each query. */
+    /** Sets what each query does from now on; replaces the former action. */
     void CountEnumerations()
     {
         m_Drives.OnQuery([this](const std::string& query) {
@@ -150,10 +151,10 @@ protected:
     CVirtualClock m_Clock;
     CFakeDrives m_Drives;
     std::atomic<int> m_Enumerations = 0;
-    std::atomic<int> m_Calls = 0;   ///< of the host
+    std::atomic<int> m_Calls = 0;   ///< how often the worker called the host
     std::function<void()> m_OnCall; ///< set before the worker starts
     std::vector<PI::CAdapterID> m_Identities;
-    std::size_t m_Waits = 0; ///< of the worker that the test knows of
+    std::size_t m_Waits = 0; ///< the worker's waits that the test has seen
     CPluginUnderTest m_Api;
 };
 

@@ -26,17 +26,17 @@ constexpr int ROUNDS = 1000; // half a minute of work for one processor
 #else
 constexpr int ROUNDS = 60;
 #endif
-constexpr int FEWEST_REQUESTS = 10;        ///< of each thread
+constexpr int FEWEST_REQUESTS = 10;        ///< for each thread
 constexpr std::uint32_t STABLE_DRIVES = 4; ///< never unplugged, so that every list has something in it
 constexpr std::uint32_t SLOTS = 12;
 
 /**
- * When an event was made, what it says, and of the drive in which slot. The time stands still within a round
- * and moves between them, and no slot changes twice in a round: there are no two events of one key.
+ * The key of an event: its time, its meaning, and the drive's slot. The time stands still within a round and
+ * moves between rounds, and no slot changes twice in a round. So no two events have the same key.
  */
 using EventKey = std::tuple<std::uint64_t, std::uint32_t, std::uint32_t>;
 
-/** An adapter is named by its number, one more than its slot, or by its serial number. */
+/** An adapter is named after its number, which is its slot plus one, or after its serial number. */
 std::uint32_t slotNamed(const std::string& adapter)
 {
     const std::string distinction = adapter.substr(adapter.rfind('(') + 1);
@@ -46,8 +46,8 @@ std::uint32_t slotNamed(const std::string& adapter)
 }
 
 /**
- * Eight host threads send requests 2 and 4 to 10 at random while the worker runs one cycle after another over
- * a fleet that changes at random. The fleet's own record says which events there must be.
+ * Eight host threads send requests 2 and 4 to 10 at random. Meanwhile the worker runs one cycle after another
+ * over a fleet that changes at random. The fleet's own record says which events must come.
  */
 class WorkerStress : public TestSupport::CWorkerFixture
 {
@@ -79,7 +79,7 @@ protected:
         }
         m_Api.m_ForceWorker.Set();
         EXPECT_EQ(m_Enumerated.Wait(), TLX::Threading::WaitResult::Taken);
-        // The worker has had the lock since before it enumerated, and keeps it until its cycle is over.
+        // The worker took the lock before it enumerated and keeps it until its cycle ends.
         const TLX::Threading::CScopedGuard cycleIsOver(m_Api.m_DataLock);
     }
 
@@ -90,7 +90,7 @@ protected:
         Expect(raised ? 11088 : 10980, slot);
     }
 
-    /** Puts a drive in, each time a new one, or takes it out. */
+    /** Inserts a drive, each time a new one, or removes it. */
     void Plug(std::uint32_t slot)
     {
         const auto plugged = m_Plugged.find(slot);
@@ -108,7 +108,7 @@ protected:
 
     void Expect(std::uint32_t id, std::uint32_t slot) { m_Expected.emplace_back(m_Clock.Now(), id, slot); }
 
-    /** Has the host know the slots that are empty yet, so that every adapter has a name from the first. */
+    /** Tells the host the numbers of the empty slots, so that every adapter has a name from the beginning. */
     void NumberTheEmptySlots()
     {
         for (std::uint32_t slot = STABLE_DRIVES; slot < SLOTS; ++slot) {
@@ -159,7 +159,7 @@ protected:
         }
     }
 
-    /** Request 4. The answer must hold together: every object has its parent, which names it as its child. */
+    /** Request 4. The answer must be consistent: every object has its parent, which lists it as its child. */
     std::vector<PI::CObject> Topology()
     {
         PI::CRequestData data = std::vector<PI::CObject>();
@@ -185,7 +185,7 @@ protected:
         return objects;
     }
 
-    /** Identifiers are never given to another object, so neither are the properties behind them. */
+    /** An identifier is never given to another object, so an object's identifying properties never change. */
     void CheckOwner(std::uint64_t id, const std::vector<PI::CProperty>& properties)
     {
         const auto serial = std::find_if(properties.begin(), properties.end(), [](const auto& property) {
@@ -226,7 +226,7 @@ protected:
     void SetInterval(const PI::CObject& object, std::int32_t seconds)
     {
         PI::CProperty property(PI::PROP_POLL_INTERVAL, true);
-        // Long enough for the whole test, so that cycles come on demand alone.
+        // Longer than the test, so that cycles come on demand only.
         property.SetValue(seconds, 100, 255, 1);
         PI::CRequestData data = property;
         const std::uint32_t result = m_Api.Request(PI::REQUEST_SET_PROPERTY, object.m_ID, data);
@@ -245,7 +245,7 @@ protected:
             m_Collected.emplace_back(event.m_Time, event.m_Id, slotNamed(event.SourceText()));
     }
 
-    /** An object may be gone by the time it is asked for. */
+    /** The object may be gone when its properties are requested. */
     static bool KnownOrGone(std::uint32_t result)
     {
         EXPECT_TRUE(result == PI::ERR_SUCCESS || result == PI::ERR_OBJECT_NOT_FOUND) << result;
@@ -255,7 +255,7 @@ protected:
     std::uint64_t m_PluginId = 0;
     TLX::Threading::CEvent m_Enumerated;
 
-    // The fleet; the test's own thread alone.
+    // The fleet; used only by the test's own thread.
     std::minstd_rand m_Random{20260101};
     std::set<std::uint32_t> m_Raised;
     std::set<std::uint32_t> m_Plugged;
@@ -264,7 +264,7 @@ protected:
 
     std::atomic<bool> m_RoundsAreOver = false;
 
-    // What the host threads saw.
+    // The observations of the host threads.
     std::mutex m_Lock;
     std::vector<EventKey> m_Collected;
     std::map<std::uint64_t, std::string> m_Serials;

@@ -226,7 +226,7 @@ TEST_F(Worker, SettingTheIntervalWakesItAndIsInForceAtOnce)
     EXPECT_EQ(m_Calls, 1);
 }
 
-// The body alone, on an object whose locks were never made ready.
+// Runs only the body, on an object whose locks were never made ready.
 
 TEST_F(Worker, DoesNothingInACycleWithoutTheDataLock)
 {

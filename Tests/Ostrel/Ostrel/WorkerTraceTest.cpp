@@ -163,7 +163,7 @@ TEST_F(WorkerTrace, NamesTheWorkerAsTheFunctionOfItsLines)
     Force();
     for (const TestSupport::CCapturedLine& line : capture.Lines()) {
         EXPECT_EQ(line.m_SourceUnit, "Ostrel/Src/Ostrel") << line.m_Text;
-        // Events that the cycle makes are published by the update.
+        // The update publishes the events that the cycle makes.
         const bool isUpdates = line.m_Text.ends_with("m_EventsLock.Wait (sg)");
         EXPECT_EQ(line.m_Function, std::string("NAMESPACE_Ostrel::IPLUGINAPI_IMPL::") +
                                        (isUpdates ? "UpdateSystem" : "Worker"))

@@ -17,7 +17,7 @@ const std::string FORCED = "Worker() m_ForceWorker event received, force scan";
 const std::string PRIVATE = "Worker() m_PrivateEvent event received";
 const std::string STOPPED = "Worker() something else perhaps m_StopRequest";
 
-/** What the worker does first when several events wait for it at the end of a cycle. */
+/** The worker's order of work when several events are set at the end of a cycle. */
 class WorkerWake : public TestSupport::CWorkerFixture
 {
 protected:

@@ -24,7 +24,7 @@ namespace {
 
 constexpr std::uint32_t ALL_ONES = 0xFFFFFFFF;
 
-/** Every row has something to show. */
+/** Every row has a value to show. */
 CNVMeAdapter adapterWithEverything()
 {
     CNVMeAdapter adapter;
@@ -114,7 +114,7 @@ protected:
 
     std::vector<std::uint32_t> Ids(CNVMeAdapter adapter) { return TestSupport::propertyIds(Get(adapter)); }
 
-    /** The one property asked for, which must be there. */
+    /** The one requested property, which must exist. */
     PI::CProperty One(CNVMeAdapter adapter, std::uint32_t propertyId)
     {
         const std::vector<PI::CProperty> properties = Get(adapter, propertyId);

@@ -18,7 +18,7 @@ constexpr std::string CNVMeAdapter::*TEXTS[] = {
     &CNVMeAdapter::m_DeviceName,    &CNVMeAdapter::m_ModelName,        &CNVMeAdapter::m_EndOfLifeDate,
 };
 
-/** A text that no small buffer holds, another one for each member. */
+/** A text too long for a small buffer, different for each member. */
 std::string text(std::size_t index)
 {
     return "text number " + std::to_string(index) + " which no small buffer holds";

@@ -64,7 +64,7 @@ protected:
     }
 };
 
-/** At every mask that shows the database's lines, and none else. */
+/** With every mask that shows the database's lines, and with no other. */
 class AdapterRowTrace : public AdapterRow, public testing::WithParamInterface<std::uint32_t>
 {};
 

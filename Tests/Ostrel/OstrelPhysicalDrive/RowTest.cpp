@@ -45,13 +45,13 @@ protected:
     }
 };
 
-/** At every mask that shows the database's lines, and none else. */
+/** With every mask that shows the database's lines, and with no other. */
 class DriveRowTrace : public DriveRow, public testing::WithParamInterface<std::uint32_t>
 {};
 
 INSTANTIATE_TEST_SUITE_P(Masks, DriveRowTrace, testing::Values(128U, 256U, 0x80000000U));
 
-/** A drive by a serial number that somebody chose with care. */
+/** A drive with a malicious serial number. */
 class DriveRowOf : public DriveRow, public testing::WithParamInterface<std::string>
 {};
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-/** A settings folder of the test's own. */
+/** A settings folder that only this test uses. */
 class PollInterval : public testing::Test
 {
 public:

@@ -29,7 +29,7 @@ const std::vector<CExpectedProperty> EXPECTED = {
 
 std::vector<CProperty> read(TestSupport::CPluginUnderTest& api, std::uint32_t propertyId)
 {
-    std::vector<CProperty> properties(7); // whatever the list held before must go
+    std::vector<CProperty> properties(7); // the list's old content must go
     EXPECT_EQ(api.GetPluginProperties(api.m_Plugin, properties, propertyId), 0U);
     return properties;
 }

@@ -13,12 +13,12 @@
 
 namespace {
 
-/** Called when a file takes the place of another. */
+/** Called when a file replaces another. */
 std::function<void()> g_AtRename;
 
 } // namespace
 
-// In the place of the C library's, for every library of this process.
+// Replaces the C library's function for every library of this process.
 extern "C" __attribute__((visibility("default"))) int rename(const char* from, const char* to) noexcept
 {
     if (g_AtRename)

@@ -16,7 +16,7 @@ using NAMESPACE_Ostrel::NVMeDevices;
 using testing::ElementsAre;
 using TestSupport::CCapturedLine;
 
-/** A sysfs of the test's own in the system's place while it lives. */
+/** Replaces the system's sysfs by one of the test while it lives. */
 class DeviceTree : public testing::Test
 {
 public:

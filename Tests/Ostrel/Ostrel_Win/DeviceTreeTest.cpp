@@ -38,7 +38,7 @@ using TestSupport::CScriptedDisk;
 
 using Names = std::vector<std::string>;
 
-/** A device tree of the test's own in the system's place. */
+/** A device tree of the test in place of the system's. */
 class DeviceTree : public testing::Test
 {
 public:
@@ -101,7 +101,7 @@ TEST_F(DeviceTree, MakesExactlyTheseCalls)
                             "Child 2", "Property 3 5 200", "Instance 3 2048", "OpenSet 3", "Interface 0",
                             "DetailSize", "Allocate", "Detail", R"(Open \\?\scsi#disk&ven_nvme#7)",
                             "Control 2953344", "Close", "Interface 1", "CloseSet",
-                            // On with the walk.
+                            // Continues the walk.
                             "Child 2", "Property 3 5 200", "Child 3", "Sibling 3", "Parent 3", "Sibling 2",
                             "Parent 2", "Sibling 1", "Parent 1"));
 }
@@ -167,7 +167,7 @@ TEST_F(DeviceTree, TakesNoServiceNameThatDoesNotFitTheBuffer)
     EXPECT_THAT(Scan(), IsEmpty());
     m_Tree.SetProperty(controller, CM_DRP_SERVICE, std::vector<char>(201, 's'));
     EXPECT_THAT(Scan(), IsEmpty());
-    // A name without its end is cut where the system's bytes end.
+    // A name without its terminating zero ends where the system's bytes end.
     m_Tree.SetProperty(controller, CM_DRP_SERVICE, {'s', 't', 'o', 'r', 'n', 'v', 'm', 'e'});
     EXPECT_EQ(Scan().size(), 1U);
 }
@@ -214,7 +214,7 @@ TEST_F(DeviceTree, GivesAnElementForEachInterfaceThatTellsItsNumber)
 TEST_F(DeviceTree, ReadsAPathThatFillsItsBufferToTheLastByte)
 {
     CScriptedDisk disk = Disk(1);
-    // No room for the end of the text.
+    // There is no room for the end of the text.
     disk.m_DetailSize = static_cast<DWORD>(sizeof(DWORD) + disk.m_Path.size());
     m_Tree.AddController(ROOT, {disk});
     EXPECT_THAT(Scan(), ElementsAre(R"(\\.\PhysicalDrive1)"));
@@ -243,7 +243,7 @@ TEST_F(DeviceTree, ThatLostADiskLeavesNothingOfAnEarlierScan)
 TEST_F(DeviceTree, OfTenThousandNodesIsWalkedWhole)
 {
     constexpr std::uint32_t size = 10'000;
-    // A deep branch, a wide one, and controllers all over both.
+    // A deep branch, a wide one, and controllers at many places in both.
     CScriptedDevices::Node deep = ROOT;
     Names expected;
     for (std::uint32_t number = 0; number < size / 4; ++number) {
@@ -280,7 +280,7 @@ TEST_F(DeviceTree, LeaksNothingWhicheverCallFails)
         const Names names = Scan();
         SCOPED_TRACE("call " + std::to_string(call) + ": " + m_Tree.m_Calls.back());
         EXPECT_LE(names.size(), whole.size());
-        // What was found is in the order of the whole.
+        // The result has the order of the whole tree.
         auto expected = whole.begin();
         for (const std::string& name : names) {
             expected = std::find(expected, whole.end(), name);
@@ -351,7 +351,7 @@ TEST_F(DeviceTree, LocationsAreCountedInTheOrderOfTheDisks)
         m_Tree.SetNumber(node, CM_DRP_ADDRESS, 0);
     }
     ASSERT_EQ(Scan().size(), 3U);
-    // The toolkit asks the system itself, which knows the same tree.
+    // The toolkit asks the system directly and gets the same tree.
     m_Tree.Attach(L"TLXX.dll");
     const std::vector<std::int32_t> buses = {2, 2, 3};
     for (std::uint32_t number = 1; number <= 3; ++number) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Fixed, for what counts allocations must not make any.
+// Fixed size, because the counter of allocations must not allocate.
 constinit std::array<void*, 16> g_Buffers{};
 
 } // namespace
@@ -20,7 +20,7 @@ std::size_t openBuffers()
         std::count_if(g_Buffers.begin(), g_Buffers.end(), [](const void* each) { return each != nullptr; }));
 }
 
-// In the place of the standard library's, for this program alone.
+// Replaces the standard library's functions, for this program only.
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
 {
     TestSupport::CScriptedDevices* const devices = TestSupport::scriptedDevices();

@@ -2,5 +2,5 @@
 
 #include <cstddef>
 
-/** The arrays that this program has allocated without exceptions and not yet given back. */
+/** How many arrays this program has allocated with the nothrow form and not yet released. */
 std::size_t openBuffers();

@@ -6,7 +6,7 @@
 
 namespace NAMESPACE_Ostrel {
 
-/** An adapter of which nothing but its place is known. */
+/** An adapter of which only the place is known. */
 inline CNVMeAdapter adapterAt(std::int32_t segment, std::int32_t bus, std::int32_t device,
                               std::int32_t function)
 {

@@ -19,7 +19,7 @@ bool g_FlushFails = false;
 
 } // namespace
 
-// In the place of the C library's, for every library of this process.
+// Replaces the C library's function for every library of this process.
 extern "C" __attribute__((visibility("default"))) int fsync(int descriptor)
 {
     if (g_FlushFails) {

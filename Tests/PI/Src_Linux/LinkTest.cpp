@@ -15,7 +15,7 @@ namespace {
 
 using testing::HasSubstr;
 
-/** A folder in which somebody else has put links in the places of the files. */
+/** A folder in which another user has replaced the files by links. */
 class Link : public testing::Test
 {
 protected:
@@ -59,7 +59,7 @@ TEST_F(Link, OfSomebodyElsesTakesNoSettings)
 {
     EXPECT_NE(m_Config.WriteKeyValue("Key", "overwritten", -1, -1), 0U);
     EXPECT_EQ(m_Folder.Read("victim"), VICTIM);
-    // To nothing, too.
+    // Also when the link leads to nothing.
     std::filesystem::remove(m_Folder.Path() / "victim");
     EXPECT_NE(m_Config.WriteKeyValue("Key", "made", -1, -1), 0U);
     EXPECT_FALSE(std::filesystem::exists(m_Folder.Path() / "victim"));

@@ -34,7 +34,7 @@ TEST_F(ReplaceFileTest, ReplacesTheFileAndKeepsItsPermissions)
     std::ifstream reader(path, std::ios::binary);
     EXPECT_EQ(m_Config.WriteKeyValue("A", "2", -1, -1), 0U);
     EXPECT_EQ(std::filesystem::status(path).permissions(), permissions);
-    // Who had it open goes on reading the old content.
+    // A reader that had it open goes on reading the old content.
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), "A=1\n");
     EXPECT_EQ(m_Folder.Read("Test.ini"), "A=2\n");
 }

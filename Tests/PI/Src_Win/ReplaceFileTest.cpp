@@ -11,7 +11,7 @@
 
 namespace {
 
-/** Writes to a file that another program has open. */
+/** Replaces a file that another program has open. */
 struct ReplaceFileTest : testing::Test
 {
     ReplaceFileTest()

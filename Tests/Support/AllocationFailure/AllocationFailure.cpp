@@ -6,7 +6,7 @@
 
 namespace {
 
-// Constant-initialised: allocations happen before any constructor of this program runs.
+// Constant-initialised, because allocations happen before any constructor of this program runs.
 constinit long g_AllocationsLeft = -1; // negative: nothing is counted
 constinit Failure g_Failure = Failure::OutOfMemory;
 
@@ -28,7 +28,7 @@ bool CAllocationFailure::Pending()
     return g_AllocationsLeft >= 0;
 }
 
-// In the place of the standard library's, for every library of the process.
+// Replaces the standard library's functions for every library of the process.
 void* operator new(std::size_t size)
 {
     if (g_AllocationsLeft >= 0 && g_AllocationsLeft-- == 0) {
@@ -41,7 +41,7 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
-// The one of the sanitizers would not come by here.
+// Calls of the sanitizers' own version would not come through here.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     try {

@@ -1,13 +1,13 @@
 #pragma once
 
-/** What the allocation that is counted down to throws. */
+/** The exception of the allocation that fails. */
 enum class Failure
 {
     OutOfMemory,
     SomethingElse,
 };
 
-/** Lets `count` allocations of this process succeed and the next one fail, while it lives. */
+/** While it lives, lets `count` allocations of this process succeed and the next one fail. */
 class CAllocationFailure
 {
 public:
@@ -16,6 +16,6 @@ public:
     CAllocationFailure(const CAllocationFailure&) = delete;
     CAllocationFailure& operator=(const CAllocationFailure&) = delete;
 
-    /** Whether the failing allocation has not come yet. */
+    /** Whether the failing allocation is still to come. */
     static bool Pending();
 };

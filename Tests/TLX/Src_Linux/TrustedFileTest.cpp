@@ -33,7 +33,7 @@ protected:
     const std::filesystem::path m_File = m_Folder.Write("file", "content");
 };
 
-/** Only the superuser can give a link to somebody else. */
+/** Only the superuser can give a link to another user. */
 #define REQUIRE_SUPERUSER                                                                                    \
     if (geteuid() != 0)                                                                                      \
     GTEST_SKIP() << "needs the superuser"

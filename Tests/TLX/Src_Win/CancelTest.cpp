@@ -14,7 +14,7 @@ namespace {
 
 using namespace TLX::Threading;
 
-/** Threads that do not come out of a call by themselves, whatever is cancelled. */
+/** Threads that do not return from a call, even when its request is cancelled. */
 class StrikeDown : public testing::Test
 {
 protected:

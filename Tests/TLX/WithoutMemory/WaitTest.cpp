@@ -9,7 +9,7 @@ namespace {
 
 using namespace TLX::Threading;
 
-/** What `wait` returns where there is no memory; it must not ask for any. */
+/** The result of `wait` when there is no memory. It must not allocate any. */
 template<typename Wait>
 std::uint32_t withoutMemory(Wait wait)
 {
@@ -26,7 +26,7 @@ TEST(WithoutMemory, AWaiterWaits)
     ASSERT_EQ(first.Init(false, false), WaitResult::Taken);
     ASSERT_EQ(second.Init(true, false), WaitResult::Taken);
     const auto wait = [&] {
-        // A worker makes its waiter where it has not caught anything yet.
+        // A worker makes its waiter before it enters any handler of exceptions.
         CWaiter waiter{&first, &second};
         return waiter.Wait(CWaitInterval(1));
     };

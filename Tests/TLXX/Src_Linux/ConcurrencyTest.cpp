@@ -15,7 +15,7 @@ namespace {
 
 constexpr int ROUNDS = 100;
 
-/** Runs each function `ROUNDS` times, all at once. */
+/** Runs all functions at the same time, each `ROUNDS` times. */
 void together(const std::vector<std::function<void()>>& functions)
 {
     std::vector<std::jthread> threads;

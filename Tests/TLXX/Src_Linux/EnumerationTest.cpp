@@ -21,7 +21,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 bool g_EverythingIsSysfs = false;
-/** Called with each look at the file system below which names are read. */
+/** Called whenever the names below a folder are read. */
 std::function<void()> g_AtLook;
 
 std::vector<std::string> enumerated()
@@ -40,8 +40,7 @@ std::int32_t busOfTheFirst()
     return location.m_Bus;
 }
 
-/** A tree that passes for the kernel's own. What an unchanged list of names lets stand shows by the location.
- */
+/** A tree that is accepted as the kernel's own. The location shows whether the tree was read again. */
 class EnumerationTest : public testing::Test
 {
 protected:
@@ -68,7 +67,7 @@ protected:
     void MoveTheFirst() const { m_Tree.Attribute("nvme0/address", "0000:02:00.0"); }
     void MoveTheFirstBack() const { m_Tree.Attribute("nvme0/address", "0000:01:00.0"); }
 
-    /** Another controller of the same names, as after a quick exchange. */
+    /** Another controller with the same names, as after a quick exchange. */
     void ExchangeTheFirst(const std::string& address)
     {
         const auto classes = m_Tree.Root() / "class";
@@ -186,7 +185,7 @@ TEST_F(EnumerationTest, DoesNotRelyOnNamesThatChangedDuringTheWalk)
             Controller(1, "0000:03:00.0");
     };
     EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1", "/dev/nvme1n1"));
-    // Now the names are again those that were read first.
+    // Now the names equal those that were read first.
     m_Tree.Remove(1);
     EXPECT_THAT(enumerated(), ElementsAre("/dev/nvme0n1"));
 }

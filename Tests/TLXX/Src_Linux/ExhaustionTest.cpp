@@ -18,7 +18,7 @@
 
 namespace {
 
-/** Leaves the process room for a number of further descriptors, until destruction. */
+/** Limits the number of further descriptors of the process until destruction. */
 class CDescriptorLimit
 {
 public:
@@ -39,7 +39,7 @@ private:
     rlimit m_Former = {};
 };
 
-/** The names of the disks; none when the enumeration says that it could not look. */
+/** The names of the disks; none when the enumeration throws. */
 std::optional<std::vector<std::string>> disks(rlim_t descriptors)
 {
     const CDescriptorLimit limit(descriptors);

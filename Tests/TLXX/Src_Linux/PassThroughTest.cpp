@@ -19,7 +19,7 @@ using TLXXTest::CReply;
 constexpr std::uint32_t SHORT_TRANSFER = 0x20000;
 constexpr std::uint32_t EMPTY_PAGE = 0x20002;
 
-/** Bytes that differ from one position to the next, and end in something else than any filler. */
+/** Bytes that differ from one position to the next, and do not end like any filler. */
 std::vector<std::uint8_t> pattern(std::size_t size)
 {
     std::vector<std::uint8_t> bytes(size);
@@ -28,7 +28,7 @@ std::vector<std::uint8_t> pattern(std::size_t size)
     return bytes;
 }
 
-/** A block that the caller filled before, to see what a query leaves in it. */
+/** A block that the caller filled before, which shows what a query leaves in it. */
 template<typename Block>
 struct CPrepared
 {
@@ -44,7 +44,7 @@ struct CPrepared
     Block m_Block;
 };
 
-/** One of the four queries: what it must send, and a call that shows status and block. */
+/** One of the four queries: the command that it must send, and a call that gives status and block. */
 struct CQuery
 {
     const char* m_Name;

@@ -11,7 +11,7 @@
 
 namespace TLXXTest {
 
-/** An admin command as it must reach the kernel. All that is not named here must be zero. */
+/** An admin command as it must reach the kernel. All other fields must be zero. */
 struct CExpectedCommand
 {
     std::string m_Node;
@@ -30,9 +30,9 @@ struct CReply
 };
 
 /**
- * Stands in the kernel's place for the NVMe nodes below /dev while it lives: this program's `open` and
- * `ioctl` precede the C library's for every library that it loads. Nodes that were not provided do not exist.
- * When it goes, every expected command must have come and every opened node must be closed.
+ * Replaces the kernel for the NVMe nodes below /dev while it lives. This program's `open` and `ioctl` precede
+ * the C library's for all its libraries. Only provided nodes exist. On destruction, every expected command
+ * must have come and every opened node must be closed.
  */
 class CScriptedKernel
 {
@@ -44,7 +44,7 @@ public:
 
     void Provide(const std::string& node);
     void Refuse(const std::string& node, int error);
-    /** The next command, in order; provides its node. */
+    /** Expects this command next, in order, and provides its node. */
     void Expect(const CExpectedCommand& command, CReply reply);
 
     /** -1 with errno set, or a descriptor. */
@@ -54,7 +54,7 @@ public:
     int Openings();
     /** How many of the opened nodes are open now. */
     int StillOpen();
-    /** Whether the last command could have been broken off by a cancellation at any instruction. */
+    /** Whether a cancellation could have broken off the last command at any instruction. */
     bool WasInterruptible() const { return m_Interruptible; }
     int Control(int descriptor, unsigned long request, void* argument);
 
@@ -67,7 +67,7 @@ private:
 
     std::atomic<bool> m_Interruptible = false;
     std::mutex m_Lock;
-    std::map<std::string, int> m_Nodes; ///< and the error that opening gives
+    std::map<std::string, int> m_Nodes; ///< the provided nodes, and the error when one is opened
     std::map<int, std::string> m_Opened;
     int m_Openings = 0;
     std::deque<CStep> m_Script;

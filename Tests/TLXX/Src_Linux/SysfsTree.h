@@ -23,7 +23,7 @@ private:
     std::filesystem::path m_Former;
 };
 
-/** A tree that a test writes and changes; gone with the test. */
+/** A tree that a test writes and changes. It is removed with the test. */
 class CTemporarySysfs
 {
 public:

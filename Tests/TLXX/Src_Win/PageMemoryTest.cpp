@@ -15,7 +15,7 @@ namespace {
 using TestSupport::CControlCall;
 using TestSupport::CScriptedDevices;
 
-/** A disk whose health log can be read, or not. */
+/** A disk whose health log may be unreadable. */
 class DeviceMemory : public testing::Test
 {
 protected:

@@ -42,7 +42,7 @@ void putWord(Bytes& bytes, std::size_t offset, std::uint32_t word)
 
 constexpr DWORD GET_ADDRESS = 0x41018;
 
-/** What the system must be asked. All that is not named here must be zero. */
+/** The question that the system must get. All other fields must be zero. */
 Bytes question(std::uint32_t property, std::uint32_t dataType, std::uint32_t request, std::uint32_t length,
                std::uint32_t subValue = 0)
 {
@@ -57,7 +57,7 @@ Bytes question(std::uint32_t property, std::uint32_t dataType, std::uint32_t req
     return bytes;
 }
 
-/** What the system answers; each member may be a lie. */
+/** The system's answer; each member may be wrong. */
 struct CAnswer
 {
     std::uint32_t m_Size = DESCRIPTOR;
@@ -67,7 +67,7 @@ struct CAnswer
     Bytes m_Data;
 };
 
-/** One of the queries: what it must ask, and a call that shows status and block. */
+/** One of the queries: the question that it must ask, and a call that gives status and block. */
 struct CQuery
 {
     const char* m_Name;
@@ -84,7 +84,7 @@ std::ostream& operator<<(std::ostream& stream, const CQuery& query)
     return stream << query.m_Name;
 }
 
-/** The block is filled before, to see what a query leaves in it. */
+/** The block is filled before, to show what a query leaves in it. */
 template<typename Block, typename Function>
 auto run(Function query)
 {
@@ -121,7 +121,7 @@ protected:
         const CQuery& query = GetParam();
         EXPECT_EQ(call.m_Path, m_Path);
         if (call.m_Code == GET_ADDRESS)
-            return ERROR_NOT_SUPPORTED; // so the namespace has no name
+            return ERROR_NOT_SUPPORTED; // the query then cannot name the namespace
         EXPECT_EQ(call.m_Code, 0x2D1400U);
         EXPECT_EQ(call.m_Input,
                   question(query.m_Property, query.m_DataType, query.m_Request, query.m_Length));
@@ -218,7 +218,7 @@ TEST_P(Query, TakesNoBlockThatIsShorterThanItSays)
 
 TEST_P(Query, TakesNoMoreThanItAskedFor)
 {
-    // More bytes than there is room for were never written.
+    // An answer cannot have more bytes than the buffer.
     EXPECT_EQ(Ask([](CAnswer& answer) { answer.m_Length = 0xFFFFFFFF; }), 0U);
     EXPECT_EQ(Ask([](CAnswer& answer) { answer.m_Returned = 0xFFFFFFFF; }), 0U);
     EXPECT_EQ(Ask([](CAnswer& answer) {
@@ -245,7 +245,7 @@ TEST_P(Query, LeavesNoHandleWhicheverCallFails)
     }
 }
 
-/** A disk whose driver may refuse sub-values, and which sits at a logical unit. */
+/** A disk at a logical unit. Its driver may refuse sub-values. */
 class NamespaceQuery : public testing::Test
 {
 protected:

@@ -13,7 +13,7 @@
 
 namespace {
 
-/** The command line without its first word, which stands in quotation marks if it has blanks. */
+/** The command line without its first word, which is in quotation marks if it has blanks. */
 wchar_t* withoutFirstWord(wchar_t* line)
 {
     const wchar_t end = *line == L'"' ? L'"' : L' ';

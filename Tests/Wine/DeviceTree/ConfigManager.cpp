@@ -31,7 +31,7 @@ CONFIGRET step(DEVINST* to, DEVINST from, std::size_t (*direction)(const Nodes&,
     return CR_SUCCESS;
 }
 
-/** What a registry property's bytes are. */
+/** The type of a registry property's bytes. */
 enum class EKind
 {
     text,
@@ -91,7 +91,7 @@ CONFIGRET give(const std::string& bytes, void* buffer, ULONG* size)
     return CR_SUCCESS;
 }
 
-/** The paths of the disk interfaces that the device has, each with a zero, and one more zero. */
+/** The paths of the disk interfaces that the device has, each ended by a zero, and a zero after the last. */
 std::string diskInterfaces(const GUID& type, const char* instance)
 {
     const Nodes nodes = read();
@@ -103,7 +103,7 @@ std::string diskInterfaces(const GUID& type, const char* instance)
     return list + '\0';
 }
 
-/** The registry property that a key stands for: keys of this category count one more. */
+/** The registry property for a key. The numbers of keys in this category are one higher. */
 std::optional<ULONG> registryProperty(const DEVPROPKEY& key)
 {
     if (!IsEqualGUID(key.fmtid, DEVPKEY_Device_Service.fmtid))

@@ -14,7 +14,7 @@ using namespace DeviceTree;
 
 namespace {
 
-/** What is behind a device-information set. */
+/** The content of a device-information set. */
 struct Set
 {
     Node m_Node;

@@ -6,9 +6,9 @@
 
 #include <windows.h>
 
-// The device tree that the stand-in for the system serves, as the test has described it in a file. A line is
-// a device: as many blanks as it is deep, its instance identifier, and its properties, all separated by tabs.
-// A property is `number=text`, with the number of the system's registry property, or `interface=path`.
+// The device tree of the replacement for the system, which the test describes in a file. Each line is a
+// device: as many blanks as it is deep, its instance identifier, and its properties, all separated by tabs. A
+// property is `number=text`, with the number of the system's registry property, or `interface=path`.
 namespace DeviceTree {
 
 /** One device. */
@@ -19,13 +19,13 @@ struct Node
     std::map<ULONG, std::string> m_Properties;
     std::vector<std::string> m_Interfaces;
 
-    /** What callers know the device by: it stays the same when the test changes the tree. */
+    /** The handle of the device for callers. It stays the same when the test changes the tree. */
     DWORD handle() const;
 };
 
 using Nodes = std::vector<Node>;
 
-/** The tree as the file has it now, in the order of its lines; empty when there is no file. */
+/** The tree in the file, in the order of its lines; empty when there is no file. */
 Nodes read();
 
 /** The index of the device with that handle, or with that instance identifier; the size when there is none.

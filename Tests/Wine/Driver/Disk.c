@@ -5,14 +5,14 @@
 
 #include <stdio.h>
 
-/** Where to find an answer. */
+/** Where the driver finds an answer. */
 typedef struct Page
 {
     ULONG index; ///< into the disk's counts of failures
     char name[32];
 } Page;
 
-/** How a request is to be answered: the numbers of the `.how` file, all ones where it names none. */
+/** How a request is answered: the numbers in the `.how` file, all ones where it has none. */
 typedef struct Manner
 {
     BOOLEAN wait;   ///< `wait`: no answer before the file says something else
@@ -102,7 +102,7 @@ NTSTATUS tellNumber(Disk* disk, void* buffer, ULONG outputSize, ULONG_PTR* retur
     return status;
 }
 
-/** Whether the request is one that a storage driver understands, and which page it is for. */
+/** Whether a storage driver understands the request, and which page it asks for. */
 static BOOLEAN pageOf(const PropertyQuery* query, ULONG inputSize, ULONG outputSize, Page* page)
 {
     const ProtocolData* protocol = &query->protocol;

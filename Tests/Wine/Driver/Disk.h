@@ -18,7 +18,7 @@ typedef struct Disk
                    LOG_PAGES]; ///< how often each page was refused since the last device number
 } Disk;
 
-/** Tells the disk's number, as the first step of an enumeration. */
+/** Returns the disk's number. Every enumeration asks for it first. */
 NTSTATUS tellNumber(Disk* disk, void* buffer, ULONG outputSize, ULONG_PTR* returned);
 
 /** Answers a request for a page, from the page's file and as its `.how` file says. */

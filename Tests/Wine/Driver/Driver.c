@@ -1,9 +1,9 @@
 // A kernel driver for tests: disks that answer requests for NVMe pages with what the test has put in files.
 //
-// It reads its disks when it starts, from lines of `disks.txt`, each a number and the name of an interface.
-// The files of a disk are in the folder named by its number, and are read at each request, so that the test
-// can change them: `PAGE.bin` holds a page and `PAGE.how` may say how it is answered instead (see Disk.c).
-// Every request becomes a line of `requests.log`: the disk, the page and the status.
+// It reads its disks when it starts, from lines of `disks.txt`: each has a number and the name of an
+// interface. The files of a disk are in the folder named after its number. The driver reads them at each
+// request, so the test can change them. `PAGE.bin` holds a page. `PAGE.how` may change how it is answered
+// (see Disk.c). Every request becomes a line of `requests.log`: the disk, the page and the status.
 
 #include "Disk.h"
 #include "Files.h"

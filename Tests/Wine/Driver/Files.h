@@ -15,7 +15,7 @@ DataPath diskFile(ULONG disk, const char* name, const char* suffix);
 DataPath commonFile(const char* name);
 
 /**
- * The whole file with a zero behind it, in memory for `ExFreePool`; null when it cannot be read. `size` does
+ * The whole file with a zero after it, in memory for `ExFreePool`; null when it cannot be read. `size` does
  * not count the zero.
  */
 char* readFile(const DataPath* path, ULONG* size);

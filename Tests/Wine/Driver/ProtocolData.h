@@ -3,7 +3,7 @@
 #include <ntddk.h>
 
 // The storage driver's contract for requests that carry NVMe pages. The toolchain declares it for programs
-// alone (winioctl.h), which a driver cannot include.
+// only (winioctl.h), and a driver cannot include that header.
 
 #define IOCTL_GET_DEVICE_NUMBER 0x002D1080
 #define IOCTL_QUERY_PROPERTY 0x002D1400

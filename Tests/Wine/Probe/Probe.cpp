@@ -1,5 +1,5 @@
-// Asks the stand-ins as any program would ask the system, and prints what they say: a test of the test's own
-// parts.
+// Asks the replacements as any program would ask the system, and prints their answers: a test of the test's
+// own parts.
 
 #include <windows.h>
 
@@ -72,8 +72,10 @@ int printNumber(HANDLE disk)
     return std::printf("number %lu %lu\n", number.DeviceNumber, returned);
 }
 
-/** Prints how many bytes came, where the page is said to be, its length, and the first bytes behind the
- * header. */
+/**
+ * Prints the number of returned bytes, the page's place and length in the answer, and the first bytes after
+ * the header.
+ */
 int printPage(HANDLE disk, DWORD dataType, DWORD value, DWORD size)
 {
     constexpr DWORD HEADER = 8;

@@ -11,7 +11,7 @@ namespace PI {
 class CAdapterID
 {
 public:
-    /** The number of an adapter that has none. */
+    /** The value of a number that was not assigned. */
     static constexpr std::uint32_t UNASSIGNED = 0xFFFFFFFFU;
 
     std::uint32_t m_Segment = 0;
@@ -24,13 +24,13 @@ public:
 };
 
 /**
- * Gives every adapter location of a host a number of its own: from 1, the same one at every question. The
- * numbers live in one registry for the process. Safe from any thread.
+ * Gives every adapter location of a host a number of its own, from 1. The same location always gets the same
+ * number. One registry holds the numbers of the process. Safe from any thread.
  */
 class PI_EXPORT CGlobalAdapterID
 {
 public:
-    /** Asks for an adapter of the host `hostName`, at a location of zeros until it is set. */
+    /** For an adapter of the host `hostName`. The location is all zeros until it is set. */
     explicit CGlobalAdapterID(std::string hostName);
 
     void SetSegment(std::int32_t segment) { m_Segment = segment; }
@@ -38,7 +38,7 @@ public:
     void SetDevice(std::int32_t device) { m_Device = device; }
     void SetFunction(std::int32_t function) { m_Function = function; }
 
-    /** Looks the location's number up, or takes the lowest free one for it. */
+    /** Looks up the location's number, or takes the lowest free one. */
     void GenerateUniqueAdapterNumber();
 
     /** The number; -1 before `GenerateUniqueAdapterNumber`. */

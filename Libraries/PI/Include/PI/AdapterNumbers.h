@@ -8,21 +8,22 @@
 
 namespace PI {
 
-// The numbers of `CGlobalAdapterID` between two runs of a host, in a text file of one line a location.
+// Keeps the numbers of `CGlobalAdapterID` between two runs of a host, in a text file with one line for each
+// location.
 
 /**
- * Puts the numbers of `file` in the place of all that were given so far; a file that is not there holds none.
- * Lines that make no sense are passed over, after the file was set aside under another name as it is. Returns
- * what to tell of that; nothing when the whole file makes sense.
- * Throws `std::runtime_error` when it cannot be read, with the numbers as they were, or cannot be set aside,
- * with those of its good lines. `storeAdapterNumbers` then leaves it alone.
+ * Replaces all numbers given so far by those of `file`; a missing file holds none. Lines that cannot be read
+ * are skipped, after a copy of the file was saved under another name. Returns a message about that; nothing
+ * when the whole file can be read. Throws `std::runtime_error` when the file cannot be read, and the numbers
+ * stay as they were; or when the copy fails, and the numbers of the good lines are used. After either,
+ * `storeAdapterNumbers` does not write the file.
  */
 PI_EXPORT std::optional<std::string> restoreAdapterNumbers(const std::filesystem::path& file);
 
 /**
- * Writes all numbers to `file`, unless it holds just these, or its own are not among them because they could
- * not be restored. Whoever reads it finds the old ones or the new ones whole. Throws `std::runtime_error`
- * when it cannot be written.
+ * Writes all numbers to `file`, unless it holds exactly these or the file's own numbers could not be
+ * restored. A reader of the file finds either all old numbers or all new ones. Throws `std::runtime_error`
+ * when the file cannot be written.
  */
 PI_EXPORT void storeAdapterNumbers(const std::filesystem::path& file);
 

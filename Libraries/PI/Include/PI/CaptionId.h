@@ -38,7 +38,7 @@ enum _CAPTION_ID : std::uint32_t
     CAPTION_VENDOR = 23144,
     CAPTION_WEAR_STATE = 23147,
 
-    // They take the place of an adapter's ordinary ones. The first is also a property's number.
+    // They replace an adapter's ordinary ones. The first is also a property's number.
     SHOWN_CAPTION_SPARE_STATE = 30017,
     SHOWN_CAPTION_PCI_BUS = 35016,
     SHOWN_CAPTION_PCI_DEVICE = 35020,

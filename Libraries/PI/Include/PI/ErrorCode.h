@@ -21,7 +21,7 @@ enum _ERROR_CODE : std::uint32_t
     ERR_LOCK_INITIALIZATION_FAILED = 20011,
 };
 
-/** The name of a result code, such as "ERR_GENERAL_FAILURE"; "ERR_UNKNOWN" for a number that is none. */
+/** The name of a result code, such as "ERR_GENERAL_FAILURE"; "ERR_UNKNOWN" for any other number. */
 PI_EXPORT std::string_view errorName(std::uint32_t code);
 
 } // namespace PI

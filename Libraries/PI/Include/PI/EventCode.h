@@ -4,7 +4,7 @@
 
 namespace PI {
 
-/** The source of an event whose object is not in the topology yet, or no longer. */
+/** The source of an event whose object is not in the topology: not yet, or no longer. */
 inline constexpr std::uint64_t EVENT_SOURCE_HOST = 19002;
 
 /** What happened. The catalogue has the texts. */
@@ -23,7 +23,7 @@ enum _EVENT_CODE : std::uint32_t
     EVENT_ADAPTER_REMOVED = 11094,
 };
 
-/** How bad it is. */
+/** How serious it is. */
 enum _EVENT_SEVERITY : std::uint32_t
 {
     SEVERITY_INFORMATION = 2,

@@ -12,7 +12,10 @@
 
 namespace PI {
 
-/** What a host asks of a plug-in. Each comment names the `CRequestData` alternative that the request uses. */
+/**
+ * The requests of a host to a plug-in. Each comment names the `CRequestData` alternative that the request
+ * uses.
+ */
 enum _REQUEST : std::int32_t
 {
     REQUEST_INITIALIZE = 1,         ///< out: list of `CAdapterID`
@@ -27,7 +30,7 @@ enum _REQUEST : std::int32_t
     REQUEST_EXECUTE_OPERATION = 10, ///< in and out: `COperation`
 };
 
-/** What travels with a request. The caller puts the alternative in place that the request uses. */
+/** The data of a request. The caller sets the alternative that the request uses. */
 using CRequestData = std::variant<std::monostate, std::vector<CAdapterID>, std::vector<CObject>,
                                   std::vector<CProperty>, CProperty, std::vector<COperation>, COperation>;
 
@@ -38,22 +41,22 @@ using CRequestData = std::variant<std::monostate, std::vector<CAdapterID>, std::
  * request; the plug-in calls `m_HostCallback(m_HostContext, this)` from a thread of its own when there is
  * something to collect.
  *
- * Requests are meant in this order: 1, then 2, then 4 to 10 in any order, then 3. Request 1 guards nothing,
- * so it is sent once in a life, while no worker runs; after a failed one only 3 and the release are left.
- * Request 2 may be repeated; it starts a worker only when none runs. After request 3 pending events can still
- * be collected, and a new life may begin with request 1; its objects have new identifiers.
+ * Requests come in this order: 1, then 2, then 4 to 10 in any order, then 3. Request 1 takes no lock, so a
+ * host sends it once in a life, while no worker runs. After a failed request 1 only request 3 and the release
+ * may follow. Request 2 may be repeated; it starts a worker only when none runs. After request 3 pending
+ * events can still be collected, and a new life may begin with request 1; its objects have new identifiers.
  *
- * Request 3 returns 0 even when it could not end the worker. As long as such a worker runs
- * (`TLX::Threading::cancelledThreadRuns`), nothing more may be asked, the object must not be released and its
- * library must not be unloaded. A plug-in's threads are therefore threads of `TLX::Threading::CThread`.
+ * Request 3 returns 0 even when it could not end the worker. While such a worker runs
+ * (`TLX::Threading::cancelledThreadRuns`), the host must send no request, must not release the object and
+ * must not unload its library. So a plug-in must create its threads as `TLX::Threading::CThread`.
  */
 class PI_EXPORT IPLUGINAPI
 {
 public:
-    /** Called from a thread of the plug-in's. */
+    /** Called from a thread of the plug-in. */
     using HostCallback = void (*)(std::uintptr_t context, IPLUGINAPI* plugin);
 
-    /** The interface that this header describes; a host refuses an object with another version word. */
+    /** The version of the interface in this header. A host refuses an object with another version word. */
     static constexpr std::uint32_t VERSION = 2;
 
     IPLUGINAPI() = default;
@@ -62,8 +65,8 @@ public:
 
     /**
      * Carries out `request` (a `PI::_REQUEST`) on the object `objectID` and returns a `PI::_ERROR_CODE`.
-     * Throws nothing. A failed request that fills a list leaves it empty; a container of the wrong type is a
-     * general failure and stays as it was. Safe from any thread once request 1 has returned.
+     * Throws nothing. A failed request that fills a list leaves it empty. A container of the wrong type gives
+     * a general failure and is not changed. Safe from any thread after request 1 has returned.
      */
     virtual std::uint32_t Request(std::int32_t request, std::uint64_t objectID, PI::CRequestData& data) = 0;
 

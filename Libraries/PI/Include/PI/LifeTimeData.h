@@ -20,15 +20,16 @@ struct CNVMeLifeTimeData
 };
 
 /**
- * The endurance table, longer texts before shorter ones that they contain. Read once from the folder given to
- * `SetLifeTimeFolder`; a file that cannot be read or is damaged gives an empty table (`readLifeTimeData` says
- * what is wrong with it) and is tried again by the next call. A table stays valid for good, also after
- * another folder is set. Safe from any thread.
+ * The endurance table, with longer texts before shorter ones that they contain. Reads it once from the folder
+ * given to `SetLifeTimeFolder`. A file that cannot be read or is damaged gives an empty table, and the next
+ * call tries again; `readLifeTimeData` says what is wrong with it. A table stays valid until the process
+ * ends, even when another folder is set. Safe from any thread.
  */
 PI_EXPORT const std::vector<CNVMeLifeTimeData>& GetLifeTimeDataNVMe();
 
-/** The first family in `table` that `model` belongs to: its text, as far as it counts, stands in it. Null
- * when there is none. */
+/**
+ * The first family in `table` whose text, as far as it counts, is part of `model`. Null when there is none.
+ */
 PI_EXPORT const CNVMeLifeTimeData* findLifeTimeData(const std::vector<CNVMeLifeTimeData>& table,
                                                     std::string_view model);
 
@@ -36,10 +37,10 @@ PI_EXPORT const CNVMeLifeTimeData* findLifeTimeData(const std::vector<CNVMeLifeT
 PI_EXPORT void SetLifeTimeFolder(std::filesystem::path folder);
 
 /**
- * Reads an endurance table: lines of model text, a '|' and the rating in terabytes (10^12 bytes) written;
- * empty lines and '#' comments are passed over. Throws `std::runtime_error`, naming file and line, for
- * anything else: a file that cannot be read, a rating that is no number or below 2 TiB (3 TB), or a text that
- * stands behind a shorter one that it contains.
+ * Reads an endurance table. A line has a model text, a '|' and the rating in terabytes (10^12 bytes) written;
+ * empty lines and '#' comments are skipped. Throws `std::runtime_error`, naming file and line, for anything
+ * else: a file that cannot be read, a rating that is no number or below 2 TiB (3 TB), or a text that comes
+ * after a shorter one that it contains.
  */
 PI_EXPORT std::vector<CNVMeLifeTimeData> readLifeTimeData(const std::filesystem::path& file);
 

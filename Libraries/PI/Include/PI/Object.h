@@ -9,7 +9,7 @@
 
 namespace PI {
 
-/** What an object is. */
+/** The types of objects. */
 enum _OBJECT_TYPE : std::uint32_t
 {
     TYPE_PLUGIN = 19006,
@@ -33,7 +33,7 @@ public:
     std::uint32_t m_Type = 0; ///< an `_OBJECT_TYPE`
     std::vector<std::uint64_t> m_Parents;
     std::vector<std::uint64_t> m_Children;
-    std::uint64_t m_UpdateCount = 0; ///< grows with every change that a host should look at
+    std::uint64_t m_UpdateCount = 0; ///< goes up with every change that a host should look at
     std::vector<CProperty> m_Properties;
     std::vector<COperation> m_Operations;
 };

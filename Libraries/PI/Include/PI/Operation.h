@@ -8,10 +8,10 @@
 
 namespace PI {
 
-/** Operation by which the host collects a plug-in's pending events. */
+/** With this operation the host collects a plug-in's pending events. */
 inline constexpr std::uint32_t OPERATION_GET_EVENTS = 50002;
 
-/** The constant words of an operation, in the order in which plug-ins table them. */
+/** The constant words of an operation, in the order of the plug-ins' tables. */
 struct COperationTemplate
 {
     std::uint32_t m_Id;
@@ -27,22 +27,22 @@ struct COperationTemplate
     friend bool operator==(const COperationTemplate&, const COperationTemplate&) = default;
 };
 
-/** Something that an object can be asked to do, and, once done, what came of it. */
+/** An operation that an object offers, and its result after it was done. */
 class COperation
 {
 public:
     COperation() = default;
-    /** Asked for under the identifier of `words`. */
+    /** An operation with the identifier of `words`. */
     explicit COperation(const COperationTemplate& words) : m_Words(words), m_RequestedId(words.m_Id) {}
 
-    /** The identifier that decides what is done. */
+    /** The identifier that decides what the plug-in does. */
     std::uint32_t Id() const { return m_Words.m_Id; }
-    /** The identifier under which the operation was asked for. */
+    /** The identifier that the host asked for. */
     std::uint32_t RequestedId() const { return m_RequestedId; }
     /** The constant words that it was made from. */
     const COperationTemplate& Words() const { return m_Words; }
 
-    /** What the operation came to, if it collects events. */
+    /** The result, if the operation collects events. */
     void SetEvents(std::vector<CEvent> events) { m_Events = std::move(events); }
     const std::vector<CEvent>& Events() const { return m_Events; }
 

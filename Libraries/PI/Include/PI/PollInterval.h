@@ -7,18 +7,18 @@
 #include <sstream>
 #include <string>
 
-// The one setting of the plug-in: who writes it, who reads it and who checks it go by the same rule.
+// The plug-in's one setting. Every part that writes, reads or checks it uses these rules.
 namespace PI {
 
 /** Its key in the settings file. */
 inline constexpr char POLL_INTERVAL_KEY[] = "PollInterval";
 
-/** Its bounds, and what holds where the file names no number, in seconds. */
+/** Its bounds and its default, in seconds. The default holds when the file has no number. */
 inline constexpr std::uint32_t MINIMUM_POLL_INTERVAL = 2;
 inline constexpr std::uint32_t MAXIMUM_POLL_INTERVAL = 255;
 inline constexpr std::uint32_t DEFAULT_POLL_INTERVAL = 30;
 
-/** The number that the whole of a setting's text is, blanks before it aside, if it is one. */
+/** The number in a setting's text: blanks may precede it, nothing may follow. Nothing for any other text. */
 inline std::optional<std::uint32_t> settingNumber(const std::string& text)
 {
     std::istringstream stream(text);
@@ -29,7 +29,7 @@ inline std::optional<std::uint32_t> settingNumber(const std::string& text)
     return number;
 }
 
-/** The interval that holds where the file has `text`. */
+/** The interval that results when the file has `text`. */
 inline std::uint32_t pollIntervalOf(const std::string& text)
 {
     return std::clamp(settingNumber(text).value_or(DEFAULT_POLL_INTERVAL), MINIMUM_POLL_INTERVAL,

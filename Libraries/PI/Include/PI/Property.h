@@ -34,7 +34,7 @@ struct CBoundedValue
     friend bool operator==(const CBoundedValue&, const CBoundedValue&) = default;
 };
 
-/** A code whose text the catalogue has, and the codes that are to be expected. */
+/** A code whose text is in the catalogue, and the codes that may occur. */
 struct CCodeValue
 {
     std::uint32_t m_Code = 0;
@@ -43,7 +43,7 @@ struct CCodeValue
     friend bool operator==(const CCodeValue&, const CCodeValue&) = default;
 };
 
-/** Several codes, and the codes that are to be expected. */
+/** Several codes, and the codes that may occur. */
 struct CCodeListValue
 {
     std::vector<std::uint32_t> m_Codes;
@@ -52,8 +52,7 @@ struct CCodeListValue
     friend bool operator==(const CCodeListValue&, const CCodeListValue&) = default;
 };
 
-/** One property of an object: what it is about, how it is captioned and shown, and its value. A plain value
- * type. */
+/** One property of an object: its meaning, its caption and units, and its value. A plain value type. */
 class PI_EXPORT CProperty
 {
 public:
@@ -62,10 +61,10 @@ public:
 
     CProperty() = default;
 
-    /** A property that is built without a description. Its caption, units and kind are set one by one. */
+    /** A property without a description. Its caption, units and kind are set one by one. */
     CProperty(std::uint32_t propertyId, bool settable);
 
-    // The value in place of the former one, whatever type that had; description and kind stay.
+    // Each replaces the value, whatever its type was; description and kind stay.
     /** A text; null is an empty one. */
     void SetValue(const char* text);
     void SetValue(std::string text);
@@ -80,7 +79,8 @@ public:
     /** Several codes. */
     void SetValue(const std::vector<std::uint32_t>& codes, const std::vector<std::uint32_t>& allowed);
 
-    /** The bounded integer in it. Returns false, with the four untouched, when the value is of another type.
+    /**
+     * Reads the bounded integer. Returns false, with the four untouched, when the value is of another type.
      */
     bool GetValue(std::int32_t& value, std::int32_t& minimum, std::int32_t& maximum,
                   std::int32_t& step) const;
@@ -103,7 +103,7 @@ public:
     std::uint32_t IconPathID() const { return m_IconPathId; } ///< 0 = none
     bool Settable() const { return m_Settable; }
 
-    /** The description, as it stands after the replacements. */
+    /** The description, as it is after the replacements. */
     const _PROPERTY_DESCRIPTION& Description() const { return m_Description; }
 
 private:

@@ -4,7 +4,7 @@
 
 namespace PI {
 
-/** What a property is about. The same number means the same thing on every object. */
+/** What a property means. A number has the same meaning on every object. */
 enum _PROPERTY_ID : std::uint32_t
 {
     ALL_PROPERTIES = 1, ///< asks for every property of an object
@@ -51,7 +51,7 @@ enum _PROPERTY_ID : std::uint32_t
     PROP_VENDOR_TAG = 30500,
 };
 
-/** What a property's number counts. */
+/** The unit that a property's number counts. */
 enum _UNITS : std::uint32_t
 {
     UNIT_NONE = 1,

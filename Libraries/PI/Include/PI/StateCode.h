@@ -35,7 +35,7 @@ enum _STATE_CODE : std::uint32_t
     REASON_RELIABILITY_DEGRADED = 40487,
 };
 
-/** The reasons that a list of reasons announces. No NVMe drive gives any of them. */
+/** The codes that the property names as possible reasons. NVMe drives give none of them. */
 inline constexpr std::uint32_t FORESEEN_REASONS[] = {40387, 40128, 40393, 40394, 40395, 40396, 40397,
                                                      40398, 40399, 40400, 40401, 40402, 40266};
 

@@ -11,7 +11,7 @@ class CEvent;
 
 namespace TLX::Misc {
 
-/** Where time comes from. One stands for the whole process; a test puts its own in its place. */
+/** The source of time for the whole process. A test can replace it. */
 class TLX_EXPORT IClock
 {
 public:
@@ -30,20 +30,20 @@ public:
     virtual void SleepUntil(std::uint64_t instant) = 0;
 
     /**
-     * Asked by a wait that may last until `instant` and can end before. A clock that does not run by itself
-     * returns an initialised event that it signals when `Monotonic()` has reached `instant`. Null, as here:
-     * the wait has to be timed by the system.
+     * Called by a wait that may last until `instant` and may end earlier. A clock that does not run by itself
+     * returns an initialised event, which it signals when `Monotonic()` has reached `instant`. Null, as here,
+     * means that the system times the wait.
      */
     virtual std::shared_ptr<Threading::CEvent> AlarmAt(std::uint64_t instant);
 };
 
 /**
- * Puts `clock` in the system clock's place, or the system clock back (null). Returns what stood before (null:
- * the system clock). The caller keeps `clock` alive while it stands.
+ * Replaces the system clock by `clock`; null restores the system clock. Returns the clock that was set before
+ * (null: the system clock). The caller keeps `clock` alive while it is set.
  */
 TLX_EXPORT IClock* setClock(IClock* clock);
 
-/** The clock that stands now. */
+/** The clock in use. */
 TLX_EXPORT IClock& clock();
 
 /** Milliseconds since 1970-01-01T00:00:00Z. */

@@ -10,9 +10,9 @@
 namespace TLX::Threading {
 
 /**
- * A flag that threads wait for. An auto-reset event wakes one wait and is clear again; two signals that
- * nobody saw in between count once. A manual-reset event stays set until `Reset`.
- * Every operation is safe before `Init`: a wait then fails at once, the others do nothing.
+ * A flag that threads wait for. An auto-reset event ends one wait and is then clear; two signals without a
+ * wait in between count once. A manual-reset event stays set until `Reset`. Every operation is safe before
+ * `Init`: a wait then fails at once, the others do nothing.
  */
 class TLX_EXPORT CEvent
 {
@@ -30,19 +30,19 @@ public:
 
     /** Signals the event. Safe from any thread. */
     void Set();
-    /** Takes the signal back. Safe from any thread. */
+    /** Clears the signal. Safe from any thread. */
     void Reset();
 
     /** Waits at most `timeout` milliseconds. Returns `Taken`, `TimedOut` or `Failed`. */
     [[nodiscard]] std::uint32_t Wait(std::uint32_t timeout = NO_TIME_LIMIT);
 
     /**
-     * What signals this event from then on, from any thread. It may outlive the event and then does nothing.
-     * Empty before `Init`.
+     * A function that signals this event from then on, from any thread. It may outlive the event and then
+     * does nothing. Empty before `Init`.
      */
     std::function<void()> Signaller() const;
 
-    /** What it is to the system; known to this library alone. */
+    /** The event's native state; only this library knows it. */
     struct Native;
 
 private:

@@ -11,8 +11,8 @@ namespace TLX::Threading {
 namespace Native_OS {
 
 /**
- * A mutual-exclusion lock, re-entrant for its owner, who releases it as often as it was taken.
- * Every operation is safe before `Init`: a wait then fails at once, a release does nothing.
+ * A mutual-exclusion lock. Its owner may take it again and must release it as often as it took it. Every
+ * operation is safe before `Init`: a wait then fails at once, a release does nothing.
  */
 class TLX_EXPORT TLX_CAPABILITY("mutex") CFastMutex
 {
@@ -23,18 +23,18 @@ public:
     CFastMutex& operator=(const CFastMutex&) = delete;
 
     /**
-     * Makes the lock ready. Returns `WaitResult::Taken`, or `WaitResult::Failed` when the system refuses.
-     * May be repeated while nobody holds the lock; a lock that is ready stays as it is.
+     * Makes the lock ready. Returns `WaitResult::Taken`, or `WaitResult::Failed` when the system refuses. May
+     * be repeated while no thread holds the lock; a lock that is ready stays as it is.
      */
     [[nodiscard]] std::uint32_t Init();
 
     /**
-     * Takes the lock, waiting at most `timeout` milliseconds. Returns `Taken`, `TimedOut` or `Failed`.
-     * A caller that must know takes it through `CScopedGuard`, for which the analysis holds.
+     * Takes the lock, waiting at most `timeout` milliseconds. Returns `Taken`, `TimedOut` or `Failed`. Code
+     * that the thread-safety analysis must cover uses `CScopedGuard` instead.
      */
     [[nodiscard]] std::uint32_t Wait(std::uint32_t timeout = NO_TIME_LIMIT) TLX_NO_THREAD_SAFETY_ANALYSIS;
 
-    /** Gives the lock back once. Only its owner may call this. */
+    /** Releases the lock once. Only its owner may call this. */
     void Release() TLX_NO_THREAD_SAFETY_ANALYSIS;
 
 private:

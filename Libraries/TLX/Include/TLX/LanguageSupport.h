@@ -12,25 +12,24 @@
 
 namespace TLX::Language_Support {
 
-/** The texts behind the numbers that host and plug-ins exchange: captions, values, units, icons, events. */
+/** The texts of the numbers that host and plug-ins exchange: captions, values, units, icons, events. */
 class TLX_EXPORT CLanguageSupport
 {
 public:
     /**
-     * One module's catalogue file. The file is looked for in the catalogue folder, and where that has none,
-     * beside the library that this object is a part of. It is read at the first question, and again when the
-     * folder has changed; a file that is missing, unreadable or not UTF-8 counts as one without entries. Safe
-     * from any thread.
+     * One module's catalogue file. It is in the catalogue folder, or else in the folder of the library that
+     * this object belongs to. It is read at the first question, and again when the folder was changed; a file
+     * that is missing, unreadable or not UTF-8 counts as empty. Safe from any thread.
      *
-     * Format: UTF-8; a line is a decimal number, blanks and the text; empty lines and lines that begin with
-     * '#' are passed over, and so are lines of another shape. The last entry of a number counts.
+     * Format: UTF-8. Each line has a decimal number, blanks and the text. Empty lines, lines that begin with
+     * '#' and lines of another shape are skipped. The last entry of a number counts.
      */
     class TLX_EXPORT CLngFile
     {
     public:
         /**
-         * `languageCode` is two letters in one word, the first in the high byte; `defaultErrors` are the
-         * texts for errors that the catalogue does not know.
+         * `languageCode` is two letters in one word, the first in the high byte. `defaultErrors` are the
+         * texts of errors that the catalogue lacks.
          */
         CLngFile(std::string fileName, std::uint32_t languageCode, std::string encoding,
                  std::uint32_t formatNumber, std::vector<std::string> defaultErrors);

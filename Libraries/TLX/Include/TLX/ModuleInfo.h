@@ -17,9 +17,9 @@ struct CErrorMessageList
 };
 
 /**
- * What a module tells of itself, and the mask that gates its trace lines. Lives as long as the module's
- * library; it announces itself when constructed, so a mask that the host set before the library was loaded
- * holds at once.
+ * A module's description of itself, and the mask that decides which of its trace lines are written. Lives as
+ * long as the module's library. It registers itself when constructed, so a mask that the host has set before
+ * applies at once.
  */
 class TLX_EXPORT CModuleInfo
 {
@@ -42,7 +42,10 @@ public:
     /** The levels that are written. Safe from any thread; costs one relaxed load. */
     std::uint32_t TraceMask() const { return m_TraceMask.load(std::memory_order_relaxed); }
 
-    /** Sets the levels that are written. Hosts use `TLX::Trace::setMask`, which needs no module at hand. */
+    /**
+     * Sets the levels that are written. Hosts use `TLX::Trace::setMask`, which needs no reference to the
+     * module.
+     */
     void SetTraceMask(std::uint32_t mask) { m_TraceMask.store(mask, std::memory_order_relaxed); }
 
 private:

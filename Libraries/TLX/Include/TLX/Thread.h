@@ -9,13 +9,13 @@
 
 namespace TLX::Threading {
 
-/** A thread of its own for one function. Safe from any thread. */
+/** A thread that runs one function. Safe from any thread. */
 class TLX_EXPORT CThread
 {
 public:
     /** Starts a thread that runs `body`. Throws `std::system_error` when the system refuses. */
     explicit CThread(std::function<void()> body);
-    /** Lets the thread go; it runs on if it has not ended. */
+    /** Detaches the thread; it runs on if it has not ended. */
     ~CThread();
     CThread(const CThread&) = delete;
     CThread& operator=(const CThread&) = delete;
@@ -24,10 +24,10 @@ public:
     [[nodiscard]] std::uint32_t Wait(std::uint32_t timeout = NO_TIME_LIMIT);
 
     /**
-     * Ends the thread by force; it may run on for a while after this returns. The thread is pulled out of its
-     * present or its next call of `interruptibly`, nowhere else, and unwinds from there; who catches
-     * everything on the way has to pass `CForcedEnd` on. Windows cancels what the call waits for, and strikes
-     * the thread down where it is, without unwinding, when the call has not come back a second later.
+     * Ends the thread by force; it may run on for a while after this returns. The thread ends only in its
+     * present or its next call of `interruptibly`, and unwinds from there. Code that catches everything on
+     * the way must rethrow `CForcedEnd`. Windows first cancels the operation that the call waits for. When
+     * the call has not returned a second later, Windows terminates the thread without unwinding.
      */
     void Cancel();
 
@@ -37,8 +37,8 @@ private:
 };
 
 /**
- * Returns `call(argument)`, a blocking call that `CThread::Cancel` may break off at any instruction: it must
- * hold nothing that wants cleaning up. Only threads of a `CThread` can be pulled out.
+ * Returns `call(argument)`, a blocking call that `CThread::Cancel` may break off at any instruction. So the
+ * call must hold nothing that needs a clean-up. Only threads of a `CThread` can be ended this way.
  */
 TLX_EXPORT int interruptibly(int (*call)(void* argument), void* argument);
 

@@ -23,7 +23,7 @@ struct CLine
     std::string_view m_Text; ///< control characters of the arguments are escaped
 };
 
-/** Takes trace lines. `Write` may be called from any thread, one call at a time; it must not trace itself. */
+/** Takes trace lines. `Write` may be called from any thread, but never by two at once; it must not trace. */
 class TLX_EXPORT ISink
 {
 public:
@@ -37,10 +37,10 @@ public:
 };
 
 /**
- * The line as text, without a line end, its parts set apart by one blank each:
+ * The line as text, without a line end. One blank separates its parts:
  *     2026-01-01T00:00:00.000Z Ostrel 2 Ostrel/Src/Ostrel NAMESPACE_Ostrel::CName::Method:120 the text
- * that is time (UTC), module name, level, source unit, function with source line, text. Control characters of
- * any part are escaped, so it is always one line.
+ * These are time (UTC), module name, level, source unit, function with source line, text. Control characters
+ * of any part are escaped, so it is always one line.
  */
 TLX_EXPORT std::string formatLine(const CLine& line);
 
@@ -48,23 +48,26 @@ TLX_EXPORT std::string formatLine(const CLine& line);
 TLX_EXPORT std::shared_ptr<ISink> standardErrorSink();
 
 /**
- * Writes lines to `file`, which is renamed to "<file>.1" (and that to "<file>.2", up to `keep`) before it
- * would exceed `maximumSize` bytes; a line that is longer gets a file of its own. A terminal, a named pipe or
- * another special file is written to and never renamed; lines that a pipe does not take at once are dropped.
- * Throws `std::system_error` when the file cannot be opened, and when it is a named pipe that nobody reads;
- * later failures are dropped, a trace never stops the traced.
+ * Writes lines to `file`. When a line would make it larger than `maximumSize` bytes, the file is first
+ * renamed to "<file>.1" (and that to "<file>.2", up to `keep`); a longer line gets a file of its own. A
+ * terminal, a named pipe or another special file is never renamed; lines that a pipe does not take at once
+ * are dropped. Throws `std::system_error` when the file cannot be opened, or when it is a named pipe without
+ * a reader. Later failures drop the line, because a trace must never stop the traced code.
  */
 TLX_EXPORT std::shared_ptr<ISink> rotatingFileSink(const std::filesystem::path& file,
                                                    std::uint64_t maximumSize = 8U << 20U, unsigned keep = 3);
 
-/** Sets where all lines of the process go; null (the initial state): nowhere. No line reaches the former sink
- * after this returns. Safe from any thread. */
+/**
+ * Sets the sink of all lines of the process; null (the initial state): none. After this returns, the former
+ * sink gets no more lines. Safe from any thread.
+ */
 TLX_EXPORT void setSink(std::shared_ptr<ISink> sink);
 
-/** Sets the mask of module `moduleNumber`, loaded already or to be loaded later. */
+/** Sets the mask of module `moduleNumber`, whether it is loaded already or later. */
 TLX_EXPORT void setMask(std::uint32_t moduleNumber, std::uint32_t mask);
 
-/** Sets the mask of every module that has none of its own, loaded already or to be loaded later. Initially 0.
+/**
+ * Sets the mask of every module that has none of its own, whether it is loaded already or later. Initially 0.
  */
 TLX_EXPORT void setDefaultMask(std::uint32_t mask);
 

@@ -12,11 +12,11 @@
 namespace TLX::Internals {
 
 /**
- * One trace line in the making: the first text streamed in is the format ("%s", "%d", "%x" directives), what
- * follows are its arguments; the destructor hands the line to the process's sink. The caller tests the mask
- * before it makes one, and keeps what the views refer to alive as long as it. Control characters of text
- * arguments, and bytes that are not UTF-8, appear as "\n", "\r", "\t" or "\xNN". Nothing it does throws: a
- * format that does not fit its arguments is written as it stands, with the arguments after it.
+ * One trace line. The first text streamed in is the format ("%s", "%d", "%x" directives), the others are its
+ * arguments; the destructor hands the line to the process's sink. The caller tests the mask before it makes
+ * one, and keeps the texts alive that the views refer to. Control characters of text arguments, and bytes
+ * that are not UTF-8, appear as "\n", "\r", "\t" or "\xNN". No operation throws. A format that does not fit
+ * its arguments is written unchanged, with the arguments after it.
  */
 class TLX_EXPORT CTraceStreamBuffer
 {
@@ -50,9 +50,9 @@ private:
 };
 
 /**
- * The qualified name within what the compiler says of a function: its result type and arguments cut off.
- * A lambda, or a function of a local class, goes by the name of the function around it. A text that is no
- * function comes back whole.
+ * The qualified name in the compiler's description of a function, without its result type and arguments. A
+ * lambda, or a function of a local class, has the name of the function around it. A text that is no function
+ * is returned unchanged.
  */
 TLX_EXPORT std::string_view qualifiedName(std::string_view prettyFunction);
 

@@ -6,20 +6,20 @@
 
 namespace TLX::Threading {
 
-/** How long a waiter waits: up to a point in time that stays where it is until the next `Restart`. */
+/** The limit of a wait: a point in time that does not change until the next `Restart`. */
 class TLX_EXPORT CWaitInterval
 {
 public:
-    /** Runs for `duration` milliseconds from now. */
+    /** Ends `duration` milliseconds from now. */
     explicit CWaitInterval(std::uint64_t duration);
 
-    /** Begins anew, for `duration` milliseconds from now. */
+    /** Sets a new end, `duration` milliseconds from now. */
     void Restart(std::uint64_t duration);
 
-    /** When it runs out, in milliseconds of `TLX::Misc::monotonic()`. */
+    /** Its end, in milliseconds of `TLX::Misc::monotonic()`. */
     std::uint64_t End() const { return m_End; }
 
-    /** The milliseconds that are left. */
+    /** The milliseconds that remain. */
     std::uint64_t Remaining() const;
 
 private:

@@ -12,12 +12,15 @@
 
 namespace TLX::Threading {
 
-/** How many events a waiter takes: Windows waits for 64 objects at once, one of which a clock may need. */
+/**
+ * The most events that a waiter takes. Windows waits for 64 objects at once, and a clock may need one of
+ * them.
+ */
 inline constexpr std::size_t MOST_EVENTS = 63;
 
 /**
- * Waits for several events at once. The caller keeps the events alive as long as the waiter. Needs no memory
- * but its own, so that a thread can wait where nothing would catch an exception.
+ * Waits for several events at once. The caller keeps the events alive as long as the waiter. A wait allocates
+ * no memory, so a thread can wait in places where no handler would catch an exception.
  */
 class TLX_EXPORT CWaiter
 {
@@ -27,10 +30,10 @@ public:
     CWaiter(std::initializer_list<CEvent*> events) : CWaiter(std::span(events.begin(), events.size())) {}
 
     /**
-     * Sleeps until one of the events has fired or `interval` has run out. Returns the position of the first
-     * in the list that has fired, counted from 1, and takes the signal of that one alone;
-     * `WaitResult::TimedOut` when none has; `WaitResult::Failed` when one of them is not initialised or the
-     * system refuses.
+     * Sleeps until one of the events has fired or `interval` has ended. Returns the position, counted from 1,
+     * of the first event in the list that has fired, and takes the signal of that one alone. Returns
+     * `WaitResult::TimedOut` when none has fired, and `WaitResult::Failed` when one of them is not
+     * initialised or the system refuses.
      */
     [[nodiscard]] std::uint32_t Wait(const CWaitInterval& interval);
 

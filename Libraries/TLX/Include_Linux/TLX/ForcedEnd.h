@@ -4,7 +4,10 @@
 
 namespace TLX::Threading {
 
-/** What unwinds a thread that `CThread::Cancel` ends. Who catches everything on the way has to pass it on. */
+/**
+ * The exception that unwinds a thread which `CThread::Cancel` ends. A handler that catches everything must
+ * rethrow it.
+ */
 using CForcedEnd = abi::__forced_unwind;
 
 } // namespace TLX::Threading

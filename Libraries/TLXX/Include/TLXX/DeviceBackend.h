@@ -13,14 +13,14 @@
 
 namespace TLXX {
 
-/** One disk as an enumeration finds it. */
+/** One disk that an enumeration found. */
 struct CDeviceEntry
 {
     std::string m_DeviceName; ///< path of the disk
     std::string m_Driver;     ///< name of the driver that serves its controller
 };
 
-/** Announcements go on while it lives. Its destructor waits for one that is under way. */
+/** A subscription. Announcements continue while it lives. Its destructor waits for a running one. */
 class TLXX_EXPORT IAnnouncements
 {
 public:
@@ -31,8 +31,8 @@ public:
 };
 
 /**
- * The one place where something else can stand for the machine's drives: a simulated fleet, a test's scripted
- * controllers. Calls come from any thread. Queries keep to the contract of `NvmeQuery.h`.
+ * The one place where something else can replace the machine's drives: a simulated fleet, or a test's
+ * scripted controllers. Calls come from any thread. Queries keep to the contract of `NvmeQuery.h`.
  */
 class TLXX_EXPORT IDeviceBackend
 {
@@ -42,10 +42,10 @@ public:
     IDeviceBackend(const IDeviceBackend&) = delete;
     IDeviceBackend& operator=(const IDeviceBackend&) = delete;
 
-    /** The disks there are now, in the order in which `Location` counts their controllers. */
+    /** The disks that exist now, in the order in which `Location` counts their controllers. */
     virtual std::vector<CDeviceEntry> Enumerate() = 0;
 
-    // What `NvmeQuery.h` asks of the disk at `path`.
+    // The queries of `NvmeQuery.h` to the disk at `path`.
     virtual std::uint32_t IdentifyController(const std::string& path,
                                              NVME_IDENTIFY_CONTROLLER& controller) = 0;
     virtual std::uint32_t IdentifyNamespace(const std::string& path, NVME_IDENTIFY_NAMESPACE& name_space) = 0;
@@ -54,8 +54,8 @@ public:
                                         TLXX::VendorLogPage& page) = 0;
 
     /**
-     * What tells the drive at `path` from another one that comes to the same path: two drives never have it
-     * in common. By default the path itself; then only the serial numbers tell them apart.
+     * Identifies the drive at `path`: two drives never have the same identifier, even when one replaces the
+     * other at the same path. By default the path itself; then only the serial number distinguishes them.
      */
     virtual std::string Instance(const std::string& path);
 
@@ -67,23 +67,26 @@ public:
     virtual std::string ModuleVersion(const std::string& driver) = 0;
 
     /**
-     * Has `announce` called from any thread when drives may have come, gone or raised a warning. `announce`
-     * returns at once and never throws. Null, as here: this back-end announces nothing.
+     * Makes the back-end call `announce`, from any thread, when drives may have come, gone or raised a
+     * warning. `announce` returns at once and never throws. Null, as here, means that this back-end announces
+     * nothing.
      */
     virtual std::unique_ptr<IAnnouncements> Subscribe(std::function<void()> announce);
 };
 
-/** Puts `backend` in the machine's place, or the machine back (null, the initial state). Returns the former.
+/**
+ * Replaces the machine by `backend`; null (the initial state) restores the machine. Returns the former
+ * back-end.
  */
 TLXX_EXPORT std::shared_ptr<IDeviceBackend> setDeviceBackend(std::shared_ptr<IDeviceBackend> backend);
 
 /**
- * The disks of what is in the machine's place; nothing without a back-end. Forgets what was kept of drives
- * that are no longer among them (see `NvmeQuery.h`), so callers enumerate by this function.
+ * The disks of the back-end in use; nothing without one. Forgets the kept pages of drives that are no longer
+ * among them (see `NvmeQuery.h`), so callers must enumerate through this function.
  */
 TLXX_EXPORT std::optional<std::vector<CDeviceEntry>> enumerateBackend();
 
-/** What stands in the machine's place; null: nothing, the platform's own code answers. */
+/** The back-end in use; null means that the platform's own code answers. */
 TLXX_EXPORT std::shared_ptr<IDeviceBackend> deviceBackend();
 
 } // namespace TLXX

@@ -19,20 +19,24 @@ inline constexpr std::uint64_t NOTIFICATION_DELAY = 200;
 inline constexpr std::uint64_t NOTIFICATION_PERIOD = 1000;
 
 /**
- * While it lives, signals an event after drives may have come, gone or raised a warning. The system announces
- * that, or the back-end that is set when this is made. The event may be gone before it.
+ * While it lives, signals an event after drives may have come, gone or raised a warning. The announcements
+ * come from the system, or from the back-end that is set at construction. The event may be destroyed before
+ * this object.
  */
 class TLXX_EXPORT CDeviceNotification
 {
 public:
     /** `event` must have been initialised. Never throws; see `Active`. */
     explicit CDeviceNotification(const TLX::Threading::CEvent& event) noexcept;
-    /** Waits for a signal that is under way. */
+    /** Waits for a running signal. */
     ~CDeviceNotification();
     CDeviceNotification(const CDeviceNotification&) = delete;
     CDeviceNotification& operator=(const CDeviceNotification&) = delete;
 
-    /** Whether announcements can be had. Otherwise the event is never signalled, and only polling helps. */
+    /**
+     * Whether announcements are available. Without them the event is never signalled, and only polling finds
+     * changes.
+     */
     bool Active() const { return m_Native != nullptr; }
 
 private:

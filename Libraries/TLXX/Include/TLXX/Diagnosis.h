@@ -25,9 +25,9 @@ struct CControllerState
 };
 
 /**
- * Every NVMe controller that the system knows, those that yield no disk included, in enumeration order.
- * Throws `std::runtime_error` or `std::bad_alloc` when descriptors or memory run out: none passes for
- * missing.
+ * Every NVMe controller that the system knows, including those without a disk, in enumeration order. Throws
+ * `std::runtime_error` or `std::bad_alloc` when descriptors or memory run out, so that no controller is taken
+ * for missing.
  */
 TLXX_EXPORT std::vector<CControllerState> controllerStates();
 

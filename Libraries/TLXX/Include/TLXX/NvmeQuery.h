@@ -8,15 +8,15 @@
 #include <optional>
 #include <string>
 
-// The only commands ever sent to a drive; nothing is ever written to one. Each takes the path of a disk as
-// the enumeration gave it, blocks until the drive has answered, and returns a status: 0 when the whole block
-// was transferred. Safe from any thread. Throws `std::runtime_error` or `std::bad_alloc` when descriptors or
-// memory run out before there is a status.
+// These are the only commands that are sent to a drive; nothing is ever written to one. Each takes the path
+// of a disk from the enumeration, blocks until the drive has answered, and returns a status: 0 when the whole
+// block was transferred. Safe from any thread. Throws `std::runtime_error` or `std::bad_alloc` when
+// descriptors or memory run out before there is a status.
 //
-// A query that fails leaves the last good answer in the caller's block: of Identify Namespace, the health log
-// and the vendor logs C5h and CAh of the same device instance. It is forgotten when Identify Controller shows
-// another serial number, or when an enumeration no longer finds the drive. Any other query that fails, and
-// any before the first good answer, leaves the block as it was.
+// A query that fails puts the last good answer of the same device instance into the caller's block. This
+// holds for Identify Namespace, the health log and the vendor logs C5h and CAh. The answer is forgotten when
+// Identify Controller shows another serial number, or when an enumeration no longer finds the drive. Any
+// other query that fails, and any before the first good answer, leaves the block as it was.
 namespace TLXX {
 
 /** Identify, CNS 01h. */
@@ -27,12 +27,12 @@ TLXX_EXPORT std::uint32_t NVMeStorageQueryPropertyIdentifyController(const std::
 TLXX_EXPORT std::uint32_t NVMeStorageQueryPropertyIdentifyNamespace(const std::string& path,
                                                                     NVME_IDENTIFY_NAMESPACE& name_space);
 
-/** Get Log Page 02h. A page of zeros alone was never filled; it counts as a query that failed. */
+/** Get Log Page 02h. A page of zeros only was never filled by the drive and counts as a failed query. */
 TLXX_EXPORT std::uint32_t
 NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(const std::string& path,
                                                   NVME_SMART_HEALTH_INFORMATION_LOG& log);
 
-/** Get Log Page `logIdentifier`; what stands in the page is the maker's affair. */
+/** Get Log Page `logIdentifier`. The maker of the drive defines its content. */
 TLXX_EXPORT std::uint32_t NVMeStorageQueryPropertyGetVendorSpecificLogPage(const std::string& path,
                                                                            std::uint8_t logIdentifier,
                                                                            VendorLogPage& page);
@@ -47,14 +47,14 @@ enum class EQuery : std::uint8_t
 };
 
 /**
- * While it lives, the queries of `path` that this thread makes share one opening of the disk: the first of
- * them opens it; when that fails, the next one tries again. Without a session every query opens the disk.
- * Sessions of one thread nest like the scopes that they stand in; the innermost counts.
+ * While it lives, the queries of `path` on this thread share one opening of the disk. The first query opens
+ * it; when that fails, the next one tries again. Without a session every query opens the disk. Sessions of
+ * one thread may be nested; the innermost counts.
  */
 class TLXX_EXPORT CQuerySession
 {
 public:
-    /** Opens nothing yet. */
+    /** Does not open the disk yet. */
     explicit CQuerySession(std::string path);
     ~CQuerySession();
     CQuerySession(const CQuerySession&) = delete;
@@ -66,11 +66,13 @@ private:
     std::unique_ptr<Native> m_Native;
 };
 
-/** The status of the last query of this kind of `path`; none when there was none. Safe from any thread. */
+/** The status of the last query of this kind to `path`; none when there was none. Safe from any thread. */
 TLXX_EXPORT std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query);
 
-/** The health log that the drive with this serial number gave last. None when it gave none, or when several
- * drives have the number. Asks no drive. Safe from any thread. */
+/**
+ * The last health log of the drive with this serial number. None when the drive never gave one, or when
+ * several drives have the number. Sends no query. Safe from any thread.
+ */
 TLXX_EXPORT std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& serialNumber);
 
 /** The same for one of the vendor logs C5h and CAh. */
@@ -80,7 +82,7 @@ TLXX_EXPORT std::optional<VendorLogPage> lastVendorLogPage(const std::string& se
 /** A status in words, such as "permission denied" or "the drive answered with status 0x2002". */
 TLXX_EXPORT std::string statusText(std::uint32_t status);
 
-/** Whether a status says that this user may not talk to the drive. */
+/** Whether a status means that this user has no permission to query the drive. */
 TLXX_EXPORT bool isPermissionStatus(std::uint32_t status);
 
 } // namespace TLXX

@@ -36,7 +36,9 @@ struct TLXX_EXPORT NVME_IDENTIFY_CONTROLLER
     /** The 8 bytes from 3100 as safe text. */
     std::string sVendorTag() const;
 
-    /** The bytes of `name_space`: its blocks times its block size; all ones when that exceeds 64 bits. */
+    /**
+     * The size of `name_space` in bytes: its blocks times its block size; all ones when that exceeds 64 bits.
+     */
     std::uint64_t Capacity(const NVME_IDENTIFY_NAMESPACE& name_space) const;
 };
 static_assert(sizeof(NVME_IDENTIFY_CONTROLLER) == 4096);
@@ -48,7 +50,7 @@ static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, VS) == 3072);
 /** One LBA format of a namespace. */
 struct NVME_LBA_FORMAT
 {
-    std::uint16_t MS;   ///< metadata bytes a block
+    std::uint16_t MS;   ///< metadata bytes of each block
     std::uint8_t LBADS; ///< block size as a power of two
     std::uint8_t RP;
 };
@@ -67,7 +69,7 @@ struct TLXX_EXPORT NVME_IDENTIFY_NAMESPACE
     std::array<NVME_LBA_FORMAT, 64> LBAF;
     std::array<std::uint8_t, 3712> Reserved384;
 
-    /** Bytes of a logical block; 0 when the format in use is unset, out of range or absurd. */
+    /** Bytes of a logical block; 0 when the format in use is unset, out of range or implausible. */
     std::uint64_t LBASize() const;
 };
 static_assert(sizeof(NVME_IDENTIFY_NAMESPACE) == 4096);
@@ -92,13 +94,13 @@ struct TLXX_EXPORT NVME_SMART_HEALTH_INFORMATION_LOG
     std::array<std::uint64_t, 2> Counter160; ///< the counter that the plug-in keeps as its unsafe shutdowns
     std::array<std::uint8_t, 336> Reserved176;
 
-    /** Whether any byte is set; a page of zeros was never filled and says nothing. */
+    /** Whether any byte is set. A page of zeros only was never filled by the drive. */
     bool Filled() const;
 
     /** The critical-warning bit field. */
     std::uint8_t CriticalWarning() const { return Warning; }
 
-    /** Composite temperature in kelvin; 0 is none, for no drive is at absolute zero. */
+    /** Composite temperature in kelvin. 0 means unknown, because no drive is at absolute zero. */
     std::uint16_t CompositeTemperature() const
     {
         return static_cast<std::uint16_t>(Temperature[0] | (Temperature[1] << 8U));

@@ -10,9 +10,9 @@
 namespace TLXX {
 
 /**
- * The text in a field that a drive filled: at most `field` long, cut at the first NUL, white space trimmed
- * from both ends, every byte outside printable ASCII replaced by '?'. Drives are not trusted to keep to any
- * of this.
+ * The text in a field that a drive filled. It is at most `field` long, cut at the first NUL and trimmed of
+ * white space at both ends. Every byte outside printable ASCII is replaced by '?'. Drives are not trusted to
+ * keep to any of this.
  */
 TLXX_EXPORT std::string boundedText(std::span<const std::uint8_t> field);
 

@@ -17,7 +17,7 @@ struct CPciLocation
     std::int32_t m_Device = 0;
     std::int32_t m_Function = 0;
 
-    /** The location in an address such as "0000:01:00.0", in hexadecimal; nothing for any other text. */
+    /** The location in an address such as "0000:01:00.0" (hexadecimal); nothing for any other text. */
     TLXX_EXPORT static std::optional<CPciLocation> Parse(std::string_view address);
 
     /** The address, such as "0000:01:00.0". */

@@ -6,7 +6,7 @@
 
 namespace TLXX {
 
-/** The system that runs the drives. */
+/** Information about the operating system. */
 class TLXX_EXPORT CSystem
 {
 public:

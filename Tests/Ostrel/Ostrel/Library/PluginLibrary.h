@@ -8,7 +8,7 @@
 class CPluginLibrary
 {
 public:
-    /** Throws `std::runtime_error` when the library or one of its exports is not there. */
+    /** Throws `std::runtime_error` when the library or one of its exports is missing. */
     CPluginLibrary();
 
     CreateIfFunction m_CreateIf;

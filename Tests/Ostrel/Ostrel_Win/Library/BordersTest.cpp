@@ -9,7 +9,7 @@
 
 namespace {
 
-/** Throws from within the toolkit's library. */
+/** Throws inside the toolkit's library. */
 void throwInToolkit()
 {
     (void)TLX::Trace::rotatingFileSink("there/is/no/such/folder/trace.log");

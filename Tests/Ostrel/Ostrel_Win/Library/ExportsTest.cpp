@@ -28,7 +28,7 @@ protected:
         auto* const base = reinterpret_cast<std::uint8_t*>(m_Library);
         const auto& directory = TestSupport::imageDirectory(base, IMAGE_DIRECTORY_ENTRY_EXPORT);
         const auto* const table = at<IMAGE_EXPORT_DIRECTORY>(base, directory.VirtualAddress);
-        // Nothing may be exported without a name either.
+        // Exports without a name are not allowed either.
         EXPECT_EQ(table->NumberOfFunctions, table->NumberOfNames);
         const auto* const names = at<DWORD>(base, table->AddressOfNames);
         std::vector<std::string> result;

@@ -6,13 +6,13 @@
 
 namespace TLX::Linux {
 
-/** Owns a file descriptor and closes it when it goes. */
+/** Owns a file descriptor and closes it on destruction. */
 class CDescriptor
 {
 public:
     /** Owns none. */
     CDescriptor() noexcept = default;
-    /** A negative one is none. */
+    /** A negative value means that it owns none. */
     explicit CDescriptor(int descriptor) noexcept : m_Descriptor(descriptor) {}
     ~CDescriptor()
     {

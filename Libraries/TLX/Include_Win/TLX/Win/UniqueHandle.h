@@ -7,8 +7,8 @@
 namespace TLX::Win {
 
 /**
- * Owns one system handle and closes it when it goes. `Policy` says what a handle of its kind is and how it is
- * closed; nothing else closes handles.
+ * Owns one system handle and closes it on destruction. `Policy` says which values are valid handles of its
+ * kind and how they are closed; no other code closes handles.
  */
 template<typename Policy>
 class CUniqueHandle
@@ -32,14 +32,14 @@ public:
 
     /** Whether it owns a handle. */
     bool Valid() const { return m_Handle != Policy::none(); }
-    /** The handle, which stays its own. */
+    /** The handle; the object keeps it. */
     Handle Get() const { return m_Handle; }
 
 private:
     Handle m_Handle;
 };
 
-/** Mutexes, events, threads and other objects whose creation gives null when it fails. */
+/** Mutexes, events, threads and other objects whose creation returns null on failure. */
 struct KernelObjectPolicy
 {
     using Handle = HANDLE;

@@ -23,19 +23,24 @@ struct CController
     std::string m_Driver;         ///< driver of the PCI function; the transport's module name elsewhere
     std::optional<CPciLocation> m_Location;
 
-    /** The namespace with the lowest identifier: path of its disk and identifier. Empty and 0: none. */
+    /**
+     * The namespace with the lowest identifier: path of its disk and identifier. Empty and 0 when there is
+     * none.
+     */
     std::string m_DeviceName;
     std::uint32_t m_NamespaceId = 0;
-    std::uint32_t m_Namespaces = 0; ///< how many there are
+    std::uint32_t m_Namespaces = 0; ///< the number of its namespaces
 
-    /** Whether nothing was missing that the kernel tells of every controller, as it is while one comes or
-     * goes. */
+    /**
+     * Whether every attribute was there that each controller has. One is missing while a controller comes or
+     * goes.
+     */
     bool m_Whole = false;
 };
 
 /**
  * The controllers below `root` (normally "/sys") in the order of their instance numbers. Throws
- * `std::runtime_error` when descriptors or memory run out, so that no controller passes for missing.
+ * `std::runtime_error` when descriptors or memory run out, so that no controller is taken for missing.
  */
 TLXX_EXPORT std::vector<CController> listControllers(const std::filesystem::path& root);
 
@@ -46,9 +51,9 @@ TLXX_EXPORT std::filesystem::path sysfsRoot();
 TLXX_EXPORT void setSysfsRoot(std::filesystem::path root);
 
 /**
- * The disks of this machine: PCI Express controllers that have a namespace, one disk each, in order.
- * Remembers which controller and namespace each path belongs to, and the locations in order, for queries and
- * lookups. Throws as `listControllers` does.
+ * The disks of this machine, in order: one disk for each PCI Express controller that has a namespace.
+ * Remembers the controller and namespace of each path, and the locations in order, for queries and look-ups.
+ * Throws as `listControllers` does.
  */
 TLXX_EXPORT std::vector<CDeviceEntry> enumerateDevices();
 

@@ -8,8 +8,8 @@ namespace TLXX::Linux {
 
 /**
  * Whether a message of the kernel says that an NVMe controller or disk has come or gone, or that a controller
- * announced something by itself (an asynchronous event). `message` is a head "ACTION@PATH" and then
- * "KEY=VALUE" fields, each ended by a zero byte. Any bytes are safe.
+ * announced an asynchronous event. `message` is a head "ACTION@PATH" and then "KEY=VALUE" fields, each ended
+ * by a zero byte. Any bytes are safe.
  */
 TLXX_EXPORT bool announcesDrives(std::string_view message);
 

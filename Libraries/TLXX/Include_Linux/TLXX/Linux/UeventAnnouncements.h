@@ -10,20 +10,20 @@
 
 namespace TLXX::Linux {
 
-/** Reads the kernel's messages on a thread of its own and announces those about drives. */
+/** Reads the kernel's messages on a thread of its own and announces those that concern drives. */
 class TLXX_EXPORT CUeventAnnouncements : public IAnnouncements
 {
 public:
     /**
-     * `messages` is a datagram socket that does not block. Of a netlink socket only what the kernel itself
-     * sent counts. Throws `std::system_error` when the system refuses what this needs.
+     * `messages` is a non-blocking datagram socket. From a netlink socket only messages of the kernel itself
+     * count. Throws `std::system_error` when the system refuses a thread or descriptor.
      */
     CUeventAnnouncements(TLX::Linux::CDescriptor messages, std::function<void()> announce);
     ~CUeventAnnouncements() override;
 
 private:
     void Run();
-    /** Reads what has come. Returns false when nothing will come any more. */
+    /** Reads all messages that have come. Returns false when no more can come. */
     bool ReadAll();
 
     const TLX::Linux::CDescriptor m_Messages;
@@ -32,7 +32,7 @@ private:
     std::optional<TLX::Threading::CThread> m_Thread;
 };
 
-/** A socket on which the kernel tells of devices. It needs no privilege. None when it cannot be had. */
+/** A socket on which the kernel announces devices. It needs no privilege. None when the system refuses it. */
 TLXX_EXPORT TLX::Linux::CDescriptor openUeventSocket();
 
 } // namespace TLXX::Linux

@@ -15,13 +15,14 @@
 namespace TLXX::Win {
 
 /**
- * An open device. A dying one may leave an opening as well as a question without an answer, so
- * `TLX::Threading::CThread::Cancel` can end the thread in both. Inline, for a plug-in asks the system itself.
+ * An open device. A failing device may block both its opening and its queries, so
+ * `TLX::Threading::CThread::Cancel` can end the thread in either. Inline, because the plug-in asks the system
+ * itself.
  */
 class CDeviceFile
 {
 public:
-    /** `access`: 0 to ask about the device alone, or GENERIC_READ. */
+    /** `access` is 0, which allows questions about the device only, or GENERIC_READ. */
     CDeviceFile(const std::string& path, std::uint32_t access)
         : m_Status(TLX::Threading::interruptibly([this, &path, access] {
               m_File =
@@ -31,7 +32,7 @@ public:
           }))
     {}
 
-    /** 0, or why it could not be opened. */
+    /** 0, or the reason why it could not be opened. */
     std::uint32_t Status() const { return m_Status; }
 
     /** Sends a control code with `input`; writes `returned` bytes to `output`. Returns 0 or the error. */
@@ -46,7 +47,7 @@ public:
         });
     }
 
-    /** The number of the disk; none when it is not one, or could not be opened. */
+    /** The number of the disk; none when it is no disk or could not be opened. */
     std::optional<std::uint32_t> DiskNumber() const
     {
         static_assert(IOCTL_STORAGE_GET_DEVICE_NUMBER == 0x2D1080);

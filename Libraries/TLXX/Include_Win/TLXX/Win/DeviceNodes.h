@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-// The device tree as the configuration manager shows it. Safe from any thread. A node that has gone meanwhile
-// has no properties.
+// The device tree of the configuration manager. Safe from any thread. A node that has gone meanwhile has no
+// properties.
 namespace TLXX::Win {
 
-/** A node of the device tree, as the configuration manager numbers it. */
+/** A node of the device tree, by the configuration manager's number. */
 using DeviceNode = std::uint32_t;
 
 /** A disk that an enumeration has found. */
@@ -24,8 +24,8 @@ struct CFoundDisk
 };
 
 /**
- * Tells which disks the last enumeration yielded, in its order. Locations are counted in it, and queries
- * learn from it which device instance a path stands for.
+ * Stores the disks that the last enumeration yielded, in its order. Locations are counted in this order, and
+ * queries use the list to find the device instance of a path.
  */
 TLXX_EXPORT void rememberEnumeration(std::vector<CFoundDisk> disks);
 
@@ -38,7 +38,7 @@ TLXX_EXPORT std::vector<std::string> nodeTexts(DeviceNode node, std::uint32_t pr
 /** The name of the node's service; empty when it has none. */
 TLXX_EXPORT std::string nodeService(DeviceNode node);
 
-/** Where the node sits on the PCI buses; none when it says no such thing. */
+/** The node's place on the PCI buses; none when the node has no such property. */
 TLXX_EXPORT std::optional<CPciLocation> nodeLocation(DeviceNode node);
 
 } // namespace TLXX::Win

@@ -6,12 +6,12 @@
 #include <pthread.h>
 #include <sys/eventfd.h>
 
-/** Seen by the libraries of the process before the system's function of that name. */
+/** The libraries of the process find this function before the system's function of the same name. */
 #define INTERPOSED __attribute__((visibility("default")))
 
 namespace {
 
-// Constant-initialised, for the calls come from other libraries' constructors too.
+// Constant-initialised, because constructors of other libraries also call it.
 constinit int g_MutexesLeft = FailingSystem::ALL;
 constinit int g_EventsLeft = FailingSystem::ALL;
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-/** A sink of this library's own kind. */
+/** A sink of a class that this library defines. */
 class RELAY_EXPORT CRelaySink : public TLX::Trace::ISink
 {
 public:
@@ -17,8 +17,8 @@ public:
 /** Makes a `CRelaySink`. */
 RELAY_EXPORT std::unique_ptr<TLX::Trace::ISink> makeRelaySink();
 
-/** Calls `function`, catches whatever it throws and throws it again. */
+/** Calls `function`, catches its exception and throws it again. */
 RELAY_EXPORT void relay(const std::function<void()>& function);
 
-/** What the exception says, looked at in this library. */
+/** The text of the exception, read in this library. */
 RELAY_EXPORT std::string describe(const std::exception_ptr& exception);
