@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Support/Announcer.h"
+
 #include <TLXX/DeviceBackend.h>
 
 #include <cstdint>
@@ -74,6 +76,9 @@ public:
      * on the thread that asks. What it throws passes to the plug-in.
      */
     void OnQuery(std::function<void(const std::string& query)> action);
+
+    /** From now on who subscribes hears what `announcer` announces. Without one, nobody can subscribe. */
+    void AnnounceBy(CAnnouncer& announcer);
 
     /** Every query so far as "<kind> <device name>": "controller", "namespace", "health", "log 0xC5" ... */
     std::vector<std::string> Queries() const;
