@@ -1,9 +1,9 @@
 #include "Base/Text.h"
 
+#include <TLX/Utf8.h>
+
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <cstdlib>
 #include <vector>
 
 namespace Host {
@@ -17,46 +17,6 @@ char lower(char character)
 bool isContinuation(char byte)
 {
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
-}
-
-/** A character's UTF-8 form: how its first byte looks, and the smallest number that needs that many bytes. */
-struct Form
-{
-    unsigned m_Mask;
-    unsigned m_Lead;
-    std::uint32_t m_Smallest;
-};
-
-// By the number of bytes.
-constexpr std::array FORMS = {Form{0x80, 0x00, 0}, Form{0xE0, 0xC0, 0x80}, Form{0xF0, 0xE0, 0x800},
-                              Form{0xF8, 0xF0, 0x10000}};
-
-bool isCharacter(std::uint32_t code)
-{
-    const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
-    const bool isSurrogate = code >= 0xD800 && code < 0xE000;
-    return !isControl && !isSurrogate && code <= 0x10FFFF;
-}
-
-/** The bytes that the character at the head of `text` takes; negative for one that must not be shown. */
-int characterSize(std::string_view text)
-{
-    const auto first = static_cast<unsigned char>(text.front());
-    for (std::size_t size = 1; size <= FORMS.size(); ++size) {
-        const Form& form = FORMS[size - 1];
-        if ((first & form.m_Mask) != form.m_Lead)
-            continue;
-        std::uint32_t code = first & ~form.m_Mask;
-        for (std::size_t i = 1; i < size; ++i) {
-            if (i == text.size() || !isContinuation(text[i]))
-                return -1;
-            code = code << 6U | (static_cast<unsigned char>(text[i]) & 0x3FU);
-        }
-        if (code < form.m_Smallest)
-            return -1;
-        return isCharacter(code) ? static_cast<int>(size) : -static_cast<int>(size);
-    }
-    return -1;
 }
 
 constexpr std::string_view ELLIPSIS = "\u2026";
@@ -78,13 +38,12 @@ std::string printable(std::string_view text)
 {
     std::string result;
     while (!text.empty()) {
-        const int size = characterSize(text);
-        const auto bytes = static_cast<std::size_t>(std::abs(size));
-        if (size > 0)
-            result += text.substr(0, bytes);
+        const TLX::Misc::CUtf8Character character = TLX::Misc::firstCharacter(text);
+        if (character.m_Valid && !character.IsControl())
+            result += text.substr(0, character.m_Length);
         else
             result += '?';
-        text.remove_prefix(bytes);
+        text.remove_prefix(character.m_Length);
     }
     return result;
 }

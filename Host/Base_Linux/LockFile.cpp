@@ -1,5 +1,7 @@
 #include "Base/Platform.h"
 
+#include <TLX/Linux/Descriptor.h>
+
 #include <cerrno>
 #include <string>
 #include <system_error>
@@ -14,27 +16,7 @@ namespace Host::Platform {
 
 namespace {
 
-class Descriptor
-{
-public:
-    explicit Descriptor(int number = -1) : m_Number(number) {}
-    Descriptor(Descriptor&& other) noexcept : m_Number(std::exchange(other.m_Number, -1)) {}
-    Descriptor& operator=(Descriptor&& other) noexcept
-    {
-        std::swap(m_Number, other.m_Number);
-        return *this;
-    }
-    ~Descriptor()
-    {
-        if (m_Number >= 0)
-            (void)close(m_Number);
-    }
-
-    int number() const { return m_Number; }
-
-private:
-    int m_Number;
-};
+using TLX::Linux::CDescriptor;
 
 [[noreturn]] void fail(const std::filesystem::path& file, int error)
 {
@@ -42,17 +24,17 @@ private:
 }
 
 /** Throws for anything but a regular file: what else is there, a link included, is nothing of ours. */
-Descriptor openToLock(const std::filesystem::path& file)
+CDescriptor openToLock(const std::filesystem::path& file)
 {
     constexpr int flags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
-    Descriptor descriptor(open(file.c_str(), O_RDWR | O_CREAT | flags, 0644));
+    CDescriptor descriptor(open(file.c_str(), O_RDWR | O_CREAT | flags, 0644));
     const int error = errno;
     // Somebody else's file can be locked as well, but not written to.
-    if (descriptor.number() < 0)
-        descriptor = Descriptor(open(file.c_str(), O_RDONLY | flags));
+    if (!descriptor.Valid())
+        descriptor = CDescriptor(open(file.c_str(), O_RDONLY | flags));
     struct stat status
     {};
-    if (descriptor.number() < 0 || fstat(descriptor.number(), &status) != 0)
+    if (!descriptor.Valid() || fstat(descriptor.Get(), &status) != 0)
         fail(file, error);
     if (!S_ISREG(status.st_mode))
         fail(file, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
@@ -60,19 +42,19 @@ Descriptor openToLock(const std::filesystem::path& file)
 }
 
 /** False when another process holds it. */
-bool lock(const Descriptor& descriptor)
+bool lock(const CDescriptor& descriptor)
 {
-    return flock(descriptor.number(), LOCK_EX | LOCK_NB) == 0;
+    return flock(descriptor.Get(), LOCK_EX | LOCK_NB) == 0;
 }
 
 /** Whether `descriptor` still is the file at this path. */
-bool isAt(const std::filesystem::path& file, const Descriptor& descriptor)
+bool isAt(const std::filesystem::path& file, const CDescriptor& descriptor)
 {
     struct stat ours
     {};
     struct stat theirs
     {};
-    return fstat(descriptor.number(), &ours) == 0 && lstat(file.c_str(), &theirs) == 0 &&
+    return fstat(descriptor.Get(), &ours) == 0 && lstat(file.c_str(), &theirs) == 0 &&
            ours.st_dev == theirs.st_dev && ours.st_ino == theirs.st_ino;
 }
 
@@ -83,7 +65,7 @@ struct LockFile::Native
     /** False when another process holds the folder, whose lock outlives a lock file that somebody deletes. */
     bool takeFolder()
     {
-        Descriptor folder(open(m_File.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        CDescriptor folder(open(m_File.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         // Not every file system locks folders, and not everybody may open them. The file has the last word.
         if (!lock(folder) && errno == EWOULDBLOCK)
             return false;
@@ -94,7 +76,7 @@ struct LockFile::Native
     bool takeFile()
     {
         for (;;) {
-            Descriptor file = openToLock(m_File);
+            CDescriptor file = openToLock(m_File);
             if (!lock(file)) {
                 if (errno != EWOULDBLOCK)
                     fail(m_File, errno);
@@ -111,13 +93,13 @@ struct LockFile::Native
     void writeIdentifier() const
     {
         const std::string identifier = std::to_string(getpid()) + '\n';
-        if (ftruncate(m_Locked.number(), 0) == 0)
-            (void)!pwrite(m_Locked.number(), identifier.data(), identifier.size(), 0);
+        if (ftruncate(m_Locked.Get(), 0) == 0)
+            (void)!pwrite(m_Locked.Get(), identifier.data(), identifier.size(), 0);
     }
 
     const std::filesystem::path m_File;
-    Descriptor m_Folder{};
-    Descriptor m_Locked{};
+    CDescriptor m_Folder{};
+    CDescriptor m_Locked{};
 };
 
 LockFile::LockFile(const std::filesystem::path& file) : m_Native(std::make_unique<Native>(Native{file})) {}
@@ -128,7 +110,7 @@ bool LockFile::take()
     if (!m_Native->takeFolder())
         return false;
     if (!m_Native->takeFile()) {
-        m_Native->m_Folder = Descriptor();
+        m_Native->m_Folder = CDescriptor();
         return false;
     }
     m_Native->writeIdentifier();

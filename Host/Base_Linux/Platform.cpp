@@ -1,5 +1,7 @@
 #include "Base/Platform.h"
 
+#include <TLX/Linux/Descriptor.h>
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -81,16 +83,7 @@ void* DynamicLibrary::symbol(const char* name) const
 
 struct ResultChannel::Native
 {
-    Native() = default;
-    ~Native()
-    {
-        if (m_Descriptor >= 0)
-            (void)close(m_Descriptor);
-    }
-    Native(const Native&) = delete;
-    Native& operator=(const Native&) = delete;
-
-    int m_Descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const TLX::Linux::CDescriptor m_Output{fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)};
 };
 
 ResultChannel::ResultChannel() : m_Native(std::make_unique<Native>())
@@ -121,21 +114,21 @@ void ResultChannel::divertOthers(Elsewhere elsewhere)
 {
     if (elsewhere == Elsewhere::StandardError && dup2(STDERR_FILENO, STDOUT_FILENO) >= 0)
         return;
-    const int null = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    if (null < 0)
+    TLX::Linux::CDescriptor null(open("/dev/null", O_WRONLY | O_CLOEXEC));
+    if (!null.Valid())
         throw std::system_error(errno, std::generic_category(), "/dev/null");
-    if (null == STDOUT_FILENO)
-        return;
-    (void)dup2(null, STDOUT_FILENO);
-    (void)close(null);
+    if (null.Get() == STDOUT_FILENO)
+        (void)null.Release();
+    else
+        (void)dup2(null.Get(), STDOUT_FILENO);
 }
 
 void ResultChannel::write(std::string_view text)
 {
     while (!text.empty()) {
-        const ssize_t written = ::write(m_Native->m_Descriptor, text.data(), text.size());
+        const ssize_t written = ::write(m_Native->m_Output.Get(), text.data(), text.size());
         if (written < 0) {
-            awaitRoom(m_Native->m_Descriptor, errno);
+            awaitRoom(m_Native->m_Output.Get(), errno);
             continue;
         }
         text.remove_prefix(static_cast<std::size_t>(written));
@@ -144,14 +137,14 @@ void ResultChannel::write(std::string_view text)
 
 bool ResultChannel::isTerminal() const
 {
-    return isatty(m_Native->m_Descriptor) == 1;
+    return isatty(m_Native->m_Output.Get()) == 1;
 }
 
 unsigned ResultChannel::terminalWidth() const
 {
     constexpr unsigned usual = 80;
     winsize size{};
-    return ioctl(m_Native->m_Descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
+    return ioctl(m_Native->m_Output.Get(), TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
 }
 
 bool ResultChannel::showsColours() const

@@ -3,6 +3,7 @@
 #include "Base/Failure.h"
 #include "Base/FileText.h"
 #include "Base/Text.h"
+#include "Drives/FileEdits.h"
 
 #include <algorithm>
 #include <utility>
@@ -136,6 +137,11 @@ std::string SimulatedFleet::ModuleVersion(const std::string& driver)
         std::find_if(m_Controllers.begin(), m_Controllers.end(),
                      [&](const SimulatedController& controller) { return controller.m_Driver == driver; });
     return found == m_Controllers.end() ? std::string() : found->m_DriverVersion;
+}
+
+std::unique_ptr<TLXX::IAnnouncements> SimulatedFleet::Subscribe(std::function<void()> announce)
+{
+    return announceEdits(m_File, std::move(announce));
 }
 
 } // namespace Host

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -40,6 +41,8 @@ public:
                                 TLXX::VendorLogPage& page) override;
     std::optional<TLXX::CPciLocation> Location(std::uint32_t number) override;
     std::string ModuleVersion(const std::string& driver) override;
+    /** Announces edits of the file, where the system tells of them. */
+    std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()> announce) override;
 
 private:
     const SimulatedController* find(const std::string& path) const;

@@ -3,7 +3,6 @@
 #include <TLXX/Win/DeviceNodes.h>
 
 #include <boost/algorithm/string/predicate.hpp>
-#include <boost/format.hpp>
 
 #include <algorithm>
 #include <locale>
@@ -30,10 +29,7 @@ bool isNvmeFunction(DeviceNode node)
 std::string addressOf(DeviceNode node)
 {
     const auto location = TLXX::Win::nodeLocation(node);
-    if (!location)
-        return "a place that Windows does not tell";
-    return str(boost::format("%04x:%02x:%02x.%x") % location->m_Segment % location->m_Bus %
-               location->m_Device % location->m_Function);
+    return location ? location->Text() : "a place that Windows does not tell";
 }
 
 } // namespace

@@ -113,7 +113,7 @@ class CFakeDrives::CBackend : public TLXX::IDeviceBackend
 public:
     std::vector<TLXX::CDeviceEntry> Enumerate() override
     {
-        Announce("enumerate");
+        CallTest("enumerate");
         const std::scoped_lock guard(m_Lock);
         std::vector<TLXX::CDeviceEntry> entries;
         m_Locations.clear();
@@ -149,7 +149,7 @@ public:
     {
         char kind[16];
         (void)std::snprintf(kind, sizeof kind, "log 0x%02X", logIdentifier);
-        Announce(kind + (" " + path));
+        CallTest(kind + (" " + path));
         const std::scoped_lock guard(m_Lock);
         const CFakeDrive* drive = Find(kind, path);
         if (drive == nullptr)
@@ -183,14 +183,21 @@ public:
         return drive == m_Drives.end() ? std::string() : drive->m_DriverVersion;
     }
 
+    std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()> announce) override
+    {
+        const std::scoped_lock guard(m_Lock);
+        return m_Announcer == nullptr ? nullptr : m_Announcer->Subscribe(std::move(announce));
+    }
+
     std::mutex m_Lock;
+    CAnnouncer* m_Announcer = nullptr;
     std::deque<CFakeDrive> m_Drives;
     std::vector<std::string> m_Queries;
     std::function<void(const std::string&)> m_OnQuery;
 
 private:
-    /** Calls the test's own function without the lock, because it may block or throw. */
-    void Announce(const std::string& query)
+    /** Calls the test's own function without the lock, for it may block or throw. */
+    void CallTest(const std::string& query)
     {
         std::function<void(const std::string&)> action;
         {
@@ -220,7 +227,7 @@ private:
                          std::deque<std::uint32_t> CFakeDrive::*statuses, Block CFakeDrive::*source,
                          Block& target)
     {
-        Announce(kind + (" " + path));
+        CallTest(kind + (" " + path));
         const std::scoped_lock guard(m_Lock);
         CFakeDrive* drive = Find(kind, path);
         if (drive == nullptr)
@@ -272,6 +279,12 @@ void CFakeDrives::OnQuery(std::function<void(const std::string& query)> action)
 {
     const std::scoped_lock guard(m_Backend->m_Lock);
     m_Backend->m_OnQuery = std::move(action);
+}
+
+void CFakeDrives::AnnounceBy(CAnnouncer& announcer)
+{
+    const std::scoped_lock guard(m_Backend->m_Lock);
+    m_Backend->m_Announcer = &announcer;
 }
 
 std::vector<std::string> CFakeDrives::Queries() const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Support/Announcer.h"
+
 #include <TLXX/DeviceBackend.h>
 
 #include <cstdint>
@@ -75,6 +77,9 @@ public:
      * has for it, and before each enumeration with "enumerate". Its exceptions pass through to the plug-in.
      */
     void OnQuery(std::function<void(const std::string& query)> action);
+
+    /** From now on who subscribes hears what `announcer` announces. Without one, nobody can subscribe. */
+    void AnnounceBy(CAnnouncer& announcer);
 
     /** Every query so far as "<kind> <device name>": "controller", "namespace", "health", "log 0xC5" ... */
     std::vector<std::string> Queries() const;

@@ -13,7 +13,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -113,6 +116,29 @@ private:
     Exception m_Exception;
 };
 
+/** The lines of the database among `lines`, which must be of one unit and name the class's `function`. */
+inline std::vector<std::string> databaseTexts(const CTraceCapture& capture, const std::string& unit,
+                                              const std::string& function)
+{
+    std::vector<std::string> texts;
+    for (const CCapturedLine& line : capture.Lines()) {
+        EXPECT_EQ(line.m_Level, 128U) << line.m_Text;
+        EXPECT_EQ(line.m_SourceUnit, unit);
+        EXPECT_EQ(line.m_Function, "NAMESPACE_Ostrel::IPLUGINAPI_IMPL::" + function);
+        texts.push_back(line.m_Text);
+    }
+    return texts;
+}
+
+/** What the plug-in does with the row of one object, and the line that it traces. */
+struct CRowStatement
+{
+    std::string m_Function;
+    std::function<std::uint32_t(CPluginUnderTest&)> m_Run;
+    std::string m_Done;
+    std::string m_Failed; ///< when the database fails with "broken"
+};
+
 /** A plug-in on a database file of its own. */
 class CRowFixture : public testing::Test
 {
@@ -138,22 +164,57 @@ protected:
         return counter;
     }
 
+    using Statements = std::vector<CRowStatement>;
+
+    /** The statements in turn, at every mask that shows the database's lines. */
+    void ExpectLines(const std::string& unit, const Statements& statements)
+    {
+        ExpectLines(unit, statements, 0, &CRowStatement::m_Done);
+    }
+
+    void ExpectLinesOfFailures(const std::string& unit, const Statements& statements)
+    {
+        BreakDatabase("broken");
+        ExpectLines(unit, statements, 20000, &CRowStatement::m_Failed);
+    }
+
+    /** No line at `mask`, whether the statements succeed or fail. */
+    void ExpectNoLines(std::uint32_t mask, const Statements& statements)
+    {
+        const CTraceCapture capture(mask);
+        for (const CRowStatement& statement : statements)
+            EXPECT_EQ(statement.m_Run(m_Plugin), 0U) << statement.m_Function;
+        BreakDatabase("broken");
+        for (const CRowStatement& statement : statements)
+            EXPECT_EQ(statement.m_Run(m_Plugin), 20000U) << statement.m_Function;
+        EXPECT_THAT(capture.Lines(), testing::IsEmpty());
+    }
+
+    /** Exceptions that are not the database's pass. */
+    void ExpectOtherExceptionsPass(const Statements& statements)
+    {
+        Throw(std::runtime_error("of another kind"));
+        for (const CRowStatement& statement : statements)
+            EXPECT_THROW(statement.m_Run(m_Plugin), std::runtime_error) << statement.m_Function;
+    }
+
     CDatabaseFile m_File;
     CPluginUnderTest m_Plugin;
-};
 
-/** The lines about the database in `lines`. All lines must be of one unit and name the class's `function`. */
-inline std::vector<std::string> databaseTexts(const CTraceCapture& capture, const std::string& unit,
-                                              const std::string& function)
-{
-    std::vector<std::string> texts;
-    for (const CCapturedLine& line : capture.Lines()) {
-        EXPECT_EQ(line.m_Level, 128U) << line.m_Text;
-        EXPECT_EQ(line.m_SourceUnit, unit);
-        EXPECT_EQ(line.m_Function, "NAMESPACE_Ostrel::IPLUGINAPI_IMPL::" + function);
-        texts.push_back(line.m_Text);
+private:
+    void ExpectLines(const std::string& unit, const Statements& statements, std::uint32_t result,
+                     std::string CRowStatement::*line)
+    {
+        for (const std::uint32_t mask : {128U, 256U, 0x80000000U}) {
+            for (const CRowStatement& statement : statements) {
+                SCOPED_TRACE(statement.m_Function + " at mask " + std::to_string(mask));
+                const CTraceCapture capture(mask);
+                EXPECT_EQ(statement.m_Run(m_Plugin), result);
+                EXPECT_THAT(databaseTexts(capture, unit, statement.m_Function),
+                            testing::ElementsAre(statement.*line));
+            }
+        }
     }
-    return texts;
-}
+};
 
 } // namespace TestSupport

@@ -1,3 +1,5 @@
+#include "Support/Announcer.h"
+#include "Support/SilentBackend.h"
 #include "Support/VirtualClock.h"
 
 #include <TLX/Event.h>
@@ -14,42 +16,16 @@ namespace {
 using TLX::Threading::WaitResult::Taken;
 using TLX::Threading::WaitResult::TimedOut;
 
-/** No drives, and no announcements. */
-class CSilentBackend : public TLXX::IDeviceBackend
-{
-public:
-    std::vector<TLXX::CDeviceEntry> Enumerate() override { return {}; }
-    std::uint32_t IdentifyController(const std::string&, TLXX::NVME_IDENTIFY_CONTROLLER&) override
-    {
-        return 1;
-    }
-    std::uint32_t IdentifyNamespace(const std::string&, TLXX::NVME_IDENTIFY_NAMESPACE&) override { return 1; }
-    std::uint32_t SmartHealthLog(const std::string&, TLXX::NVME_SMART_HEALTH_INFORMATION_LOG&) override
-    {
-        return 1;
-    }
-    std::uint32_t VendorLogPage(const std::string&, std::uint8_t, TLXX::VendorLogPage&) override { return 1; }
-    std::optional<TLXX::CPciLocation> Location(std::uint32_t) override { return std::nullopt; }
-    std::string ModuleVersion(const std::string&) override { return {}; }
-};
-
-/** Announcements that the test triggers. */
-class CAnnouncingBackend : public CSilentBackend
+/** Announcements as the test makes them. */
+class CAnnouncingBackend : public TestSupport::CSilentBackend
 {
 public:
     std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()> announce) override
     {
-        struct CSubscription : TLXX::IAnnouncements
-        {
-            explicit CSubscription(std::function<void()>& announce) : m_Announce(announce) {}
-            ~CSubscription() override { m_Announce = nullptr; }
-            std::function<void()>& m_Announce;
-        };
-        m_Announce = std::move(announce);
-        return std::make_unique<CSubscription>(m_Announce);
+        return m_Announcer.Subscribe(std::move(announce));
     }
 
-    std::function<void()> m_Announce;
+    TestSupport::CAnnouncer m_Announcer;
 };
 
 class CBackendInPlace
@@ -73,7 +49,7 @@ protected:
         m_Notification.emplace(*m_Event);
     }
 
-    void Announce() const { m_Backend->m_Announce(); }
+    void Announce() const { m_Backend->m_Announcer.Announce(); }
     bool IsSignalled() { return m_Event->Wait(0) == Taken; }
 
     TestSupport::CVirtualClock m_Clock;
@@ -85,7 +61,7 @@ protected:
 
 TEST(DeviceNotificationWithoutAnnouncementsTest, IsInactive)
 {
-    const CBackendInPlace inPlace(std::make_shared<CSilentBackend>());
+    const CBackendInPlace inPlace(std::make_shared<TestSupport::CSilentBackend>());
     TLX::Threading::CEvent event;
     ASSERT_EQ(event.Init(false, false), Taken);
     EXPECT_FALSE(TLXX::CDeviceNotification(event).Active());
@@ -135,7 +111,7 @@ TEST_F(DeviceNotificationTest, EndsWhileASignalIsDue)
     (void)m_Clock.AwaitWait(1);
     m_Notification.reset();
     EXPECT_FALSE(IsSignalled());
-    EXPECT_FALSE(m_Backend->m_Announce);
+    EXPECT_FALSE(m_Backend->m_Announcer.HasSubscriber());
 }
 
 TEST_F(DeviceNotificationTest, OutlivesTheEvent)

@@ -1,5 +1,6 @@
 #include "ReplaceFile.h"
 
+#include <TLX/Linux/Descriptor.h>
 #include <TLX/TrustedFile.h>
 
 #include <cerrno>
@@ -26,47 +27,45 @@ public:
         m_Mode = m_Replaces ? former.st_mode & ALLPERMS : NEW_FILE_MODE;
         // Another thread, or a process that was killed, may have a file of this name.
         constexpr int attempts = 1000;
-        for (int i = 0; i < attempts && (i == 0 || errno == EEXIST) && m_Descriptor < 0; ++i) {
+        for (int i = 0; i < attempts && (i == 0 || errno == EEXIST) && !m_Descriptor.Valid(); ++i) {
             m_Name = target.string() + "." + std::to_string(getpid()) + "-" + std::to_string(i);
-            m_Descriptor = open(m_Name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, m_Mode);
+            m_Descriptor =
+                TLX::Linux::CDescriptor(open(m_Name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, m_Mode));
         }
     }
     ~CTemporaryFile()
     {
-        if (m_Descriptor < 0)
-            return;
-        close(m_Descriptor);
-        if (!m_Kept)
+        if (Valid() && !m_Kept)
             unlink(m_Name.c_str());
     }
     CTemporaryFile(const CTemporaryFile&) = delete;
     CTemporaryFile& operator=(const CTemporaryFile&) = delete;
 
-    bool Valid() const { return m_Descriptor >= 0; }
+    bool Valid() const { return m_Descriptor.Valid(); }
 
     bool Write(std::string_view content) const
     {
         while (!content.empty()) {
-            const ssize_t written = write(m_Descriptor, content.data(), content.size());
+            const ssize_t written = write(m_Descriptor.Get(), content.data(), content.size());
             if (written < 0 && errno != EINTR)
                 return false;
             if (written > 0)
                 content.remove_prefix(static_cast<std::size_t>(written));
         }
-        return fsync(m_Descriptor) == 0;
+        return fsync(m_Descriptor.Get()) == 0;
     }
 
     bool TakePlaceOf(const std::filesystem::path& target)
     {
-        // A new file keeps the mode that it was made with, which the process's mask has limited.
-        m_Kept =
-            (!m_Replaces || fchmod(m_Descriptor, m_Mode) == 0) && rename(m_Name.c_str(), target.c_str()) == 0;
+        // A new file keeps to the process's mask, which took its part when the file was made.
+        m_Kept = (!m_Replaces || fchmod(m_Descriptor.Get(), m_Mode) == 0) &&
+                 rename(m_Name.c_str(), target.c_str()) == 0;
         return m_Kept;
     }
 
 private:
     std::string m_Name;
-    int m_Descriptor = -1;
+    TLX::Linux::CDescriptor m_Descriptor;
     bool m_Replaces = false;
     mode_t m_Mode = NEW_FILE_MODE;
     bool m_Kept = false;
@@ -78,11 +77,10 @@ private:
  */
 void flushFolder(const std::filesystem::path& folder)
 {
-    const int descriptor = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
-        return;
-    (void)fsync(descriptor);
-    close(descriptor);
+    const TLX::Linux::CDescriptor descriptor(
+        open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor.Valid())
+        (void)fsync(descriptor.Get());
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "ModuleFolder.h"
 #include "ModuleRegistry.h"
-#include "Utf8.h"
+
+#include <TLX/Utf8.h>
 
 #include <charconv>
 #include <fstream>
@@ -53,7 +54,7 @@ Texts readFile(const std::filesystem::path& path)
     for (std::string line; std::getline(file, line);) {
         if (line.ends_with('\r'))
             line.pop_back();
-        if (!Internals::isUtf8(line))
+        if (!Misc::isUtf8(line))
             return {};
         readLine(line, texts);
     }

@@ -1,31 +1,14 @@
+#include "EscapeControls.h"
 #include "ModuleRegistry.h"
-#include "Utf8.h"
 
 #include <TLX/TraceSink.h>
+#include <TLX/UtcText.h>
 
-#include <array>
-#include <chrono>
 #include <cstdio>
 #include <exception>
 
 namespace TLX::Trace {
 namespace {
-
-std::string timeText(std::uint64_t time)
-{
-    using namespace std::chrono;
-    const sys_time<milliseconds> instant{milliseconds(time)};
-    const auto day = floor<days>(instant);
-    const year_month_day date{day};
-    const hh_mm_ss<milliseconds> clock{instant - day};
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ",
-                  static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
-                  static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
-                  static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()),
-                  static_cast<int>(clock.subseconds().count()));
-    return text.data();
-}
 
 class CStandardErrorSink final : public ISink
 {
@@ -47,7 +30,7 @@ ISink::~ISink() = default;
 
 std::string formatLine(const CLine& line)
 {
-    std::string text = timeText(line.m_Time) + ' ';
+    std::string text = Misc::utcText(line.m_Time) + ' ';
     text.append(line.m_ModuleName).append(" ").append(std::to_string(line.m_Level));
     text.append(" ").append(line.m_SourceUnit).append(" ").append(line.m_Function);
     text.append(":").append(std::to_string(line.m_SourceLine)).append(" ").append(line.m_Text);

@@ -1,5 +1,5 @@
+#include "EscapeControls.h"
 #include "SinkSlot.h"
-#include "Utf8.h"
 
 #include <TLX/Clock.h>
 #include <TLX/TraceStreamBuffer.h>

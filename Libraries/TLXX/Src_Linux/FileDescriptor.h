@@ -1,10 +1,11 @@
 #pragma once
 
+#include <TLX/Linux/Descriptor.h>
+
 #include <cerrno>
 #include <cstdint>
 
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace TLXX::Linux {
 
@@ -19,17 +20,10 @@ public:
     {}
     /** An object for a file that could not be opened. */
     static CFileDescriptor Failed(int error) { return {-1, error}; }
-    ~CFileDescriptor()
-    {
-        if (m_Descriptor >= 0)
-            ::close(m_Descriptor);
-    }
-    CFileDescriptor(const CFileDescriptor&) = delete;
-    CFileDescriptor& operator=(const CFileDescriptor&) = delete;
 
     /** 0, or the reason why it could not be opened. */
     std::uint32_t Status() const { return m_Status; }
-    int Get() const { return m_Descriptor; }
+    int Get() const { return m_Descriptor.Get(); }
 
 private:
     explicit CFileDescriptor(int descriptor) : CFileDescriptor(descriptor, descriptor < 0 ? errno : 0) {}
@@ -37,7 +31,7 @@ private:
         : m_Descriptor(descriptor), m_Status(static_cast<std::uint32_t>(error))
     {}
 
-    int m_Descriptor;
+    TLX::Linux::CDescriptor m_Descriptor;
     std::uint32_t m_Status;
 };
 

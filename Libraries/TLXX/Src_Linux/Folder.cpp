@@ -2,6 +2,8 @@
 
 #include "Exhaustion.h"
 
+#include <TLX/Linux/Descriptor.h>
+
 #include <climits>
 
 #include <array>
@@ -14,15 +16,13 @@ namespace TLXX::Linux {
 
 CFolder::CFolder(const char* path, int above)
 {
-    const int descriptor = ::openat(above, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor >= 0)
-        m_Folder.reset(::fdopendir(descriptor));
+    TLX::Linux::CDescriptor descriptor(::openat(above, path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (descriptor.Valid())
+        m_Folder.reset(::fdopendir(descriptor.Get()));
     if (m_Folder)
-        return;
-    const int error = errno;
-    if (descriptor >= 0)
-        ::close(descriptor);
-    throwIfExhausted(error);
+        (void)descriptor.Release();
+    else
+        throwIfExhausted(errno);
 }
 
 const dirent* CFolder::Next()

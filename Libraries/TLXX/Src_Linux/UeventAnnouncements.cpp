@@ -6,12 +6,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
-#include <system_error>
 #include <utility>
 
 #include <linux/netlink.h>
-#include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/socket.h>
 
 namespace TLXX::Linux {
@@ -47,34 +44,11 @@ TLX::Linux::CDescriptor openUeventSocket()
 
 CUeventAnnouncements::CUeventAnnouncements(TLX::Linux::CDescriptor messages, std::function<void()> announce)
     : m_Messages(std::move(messages)),
-      m_Stop(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)),
-      m_Announce(std::move(announce))
-{
-    if (!m_Stop.Valid())
-        throw std::system_error(errno, std::generic_category(), "eventfd");
-    m_Thread.emplace([this] { Run(); });
-}
+      m_Announce(std::move(announce)),
+      m_Watch(m_Messages.Get(), [this] { return ReadAll(); })
+{}
 
-CUeventAnnouncements::~CUeventAnnouncements()
-{
-    (void)::eventfd_write(m_Stop.Get(), 1);
-    (void)m_Thread->Wait();
-}
-
-void CUeventAnnouncements::Run()
-{
-    std::array<pollfd, 2> entries = {{{m_Messages.Get(), POLLIN, 0}, {m_Stop.Get(), POLLIN, 0}}};
-    for (;;) {
-        if (::poll(entries.data(), entries.size(), -1) < 0 && errno != EINTR)
-            return;
-        if (entries[1].revents != 0)
-            return;
-        if (entries[0].revents != 0 && !ReadAll())
-            entries[0].fd = -1;
-    }
-}
-
-bool CUeventAnnouncements::ReadAll()
+bool CUeventAnnouncements::ReadAll() const
 {
     std::array<char, LARGEST_MESSAGE> message{};
     for (;;) {

@@ -1,4 +1,5 @@
 #include "Ostrel/PluginApi.h"
+#include "Records/Location.h"
 #include "Records/Trace.h"
 
 #include <PI/ErrorCode.h>
@@ -26,16 +27,6 @@ bool identifies(NVMeDevice& device)
 void printAdapterCount(unsigned long count)
 {
     consolePrint("%s:  Initialize:  adapter count is %lu\n", MODULE_NAME, count);
-}
-
-PI::CAdapterID unassignedIdentity(const CNVMeAdapter& adapter)
-{
-    PI::CAdapterID identity;
-    identity.m_Segment = static_cast<std::uint32_t>(adapter.m_Segment);
-    identity.m_Bus = static_cast<std::uint32_t>(adapter.m_Bus);
-    identity.m_Device = static_cast<std::uint32_t>(adapter.m_Device);
-    identity.m_Function = static_cast<std::uint32_t>(adapter.m_Function);
-    return identity;
 }
 
 } // namespace
@@ -118,7 +109,7 @@ std::uint32_t IPLUGINAPI_IMPL::Initialize(std::vector<PI::CAdapterID>& adapterID
     m_Plugin.m_Children.clear();
     (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, m_Plugin);
     for (CNVMeAdapter& adapter : m_Adapters) {
-        adapterIDs.push_back(unassignedIdentity(adapter));
+        adapterIDs.push_back(unassignedIdentity(pciLocation(adapter)));
         m_Plugin.m_Children.push_back(adapter.m_ID);
         adapter.m_Parents.push_back(m_Plugin.m_ID);
         (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, adapter);

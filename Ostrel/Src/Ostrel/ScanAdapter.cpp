@@ -36,20 +36,17 @@ void takeDescription(CNVMeAdapter& adapter, const NVMeDevice& device, const std:
 
 void locate(CNVMeAdapter& adapter)
 {
-    std::int32_t segment = 0;
-    std::int32_t bus = 0;
-    std::int32_t device = 0;
-    std::int32_t function = 0;
-    // The segment counts only for a controller in the very first slot. Location texts of other slots never
-    // name it.
-    if (TLXX::CConfigManager::GetLocation(g_KnownControllers, adapter.m_DeviceIndex + 1, segment, bus, device,
-                                          function) &&
-        (bus != 0 || device != 0 || function != 0))
-        segment = 0;
-    adapter.m_Segment = segment;
-    adapter.m_Bus = bus;
-    adapter.m_Device = device;
-    adapter.m_Function = function;
+    TLXX::CPciLocation place;
+    // A segment counts for a controller in the very first slot alone; elsewhere location texts never name
+    // one.
+    if (TLXX::CConfigManager::GetLocation(g_KnownControllers, adapter.m_DeviceIndex + 1, place.m_Segment,
+                                          place.m_Bus, place.m_Device, place.m_Function) &&
+        (place.m_Bus != 0 || place.m_Device != 0 || place.m_Function != 0))
+        place.m_Segment = 0;
+    adapter.m_Segment = place.m_Segment;
+    adapter.m_Bus = place.m_Bus;
+    adapter.m_Device = place.m_Device;
+    adapter.m_Function = place.m_Function;
     adapter.m_Location = adapterLocation(adapter);
 }
 

@@ -5,6 +5,7 @@
 #include <PI/ErrorCode.h>
 #include <TLX/ForcedEnd.h>
 #include <TLX/Waiter.h>
+#include <TLXX/DeviceNotification.h>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -21,6 +22,10 @@ void IPLUGINAPI_IMPL::Worker()
     constexpr std::uint32_t PRIVATE = 3;
 
     OSTREL_TRACE(TRACE_FLOW) << "ENTER Worker()";
+    const TLXX::CDeviceNotification notification(m_ForceWorker);
+    if (!notification.Active()) {
+        OSTREL_TRACE(TRACE_PROGRESS) << "Worker() nothing announces drives, only polling finds them";
+    }
     TLX::Threading::CWaitInterval interval(FIRST_WAIT);
     TLX::Threading::CWaiter waiter{&m_ForceWorker, &m_StopRequest, &m_PrivateEvent};
     for (;;) {

@@ -67,7 +67,7 @@ void enumerateNVMeDisks(DEVINST controller, const std::string& service, const Di
     if (CM_Get_Device_IDA(disk, instance.data(), instance.size(), 0) != CR_SUCCESS)
         return;
     forEachDiskInterface(instance.data(), [&](std::uint32_t number) {
-        add(formatted(R"(\\.\PhysicalDrive%d)", number), service, instance.data());
+        add(R"(\\.\PhysicalDrive)" + std::to_string(number), service, instance.data());
     });
 }
 

@@ -3,6 +3,7 @@
 #include "Records/Adapter.h"
 
 #include <PI/AdapterID.h>
+#include <TLXX/PciLocation.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -24,28 +25,19 @@ public:
     const PI::CAdapterID* Find(const CNVMeAdapter& adapter) const;
 
 private:
-    struct CLocation
-    {
-        std::uint32_t m_Segment;
-        std::uint32_t m_Bus;
-        std::uint32_t m_Device;
-        std::uint32_t m_Function;
-
-        friend bool operator==(const CLocation&, const CLocation&) = default;
-    };
-
     struct CHash
     {
-        std::size_t operator()(const CLocation& location) const
+        std::size_t operator()(const TLXX::CPciLocation& location) const
         {
-            // Unique for every PCI Express location: 8 bits for the bus, 5 for the device, 3 for the
-            // function.
-            return (std::size_t{location.m_Segment} << 32U) ^ (std::size_t{location.m_Bus} << 8U) ^
-                   (std::size_t{location.m_Device} << 3U) ^ location.m_Function;
+            // Different for every location that PCI Express has: 8 bits a bus, 5 a device, 3 a function.
+            return (static_cast<std::size_t>(location.m_Segment) << 32U) ^
+                   (static_cast<std::size_t>(location.m_Bus) << 8U) ^
+                   (static_cast<std::size_t>(location.m_Device) << 3U) ^
+                   static_cast<std::size_t>(location.m_Function);
         }
     };
 
-    std::unordered_map<CLocation, const PI::CAdapterID*, CHash> m_Identities;
+    std::unordered_map<TLXX::CPciLocation, const PI::CAdapterID*, CHash> m_Identities;
 };
 
 } // namespace NAMESPACE_Ostrel

@@ -1,10 +1,11 @@
 #include "Records/Lifetime.h"
 
-#include "Records/Text.h"
-
 #include <PI/PluginHelper.h>
 #include <TLX/Clock.h>
 #include <TLXX/SystemTime.h>
+
+#include <array>
+#include <cstdio>
 
 namespace NAMESPACE_Ostrel {
 
@@ -28,7 +29,9 @@ std::string endOfLifeDate(const CNVMeAdapter& adapter)
     std::int32_t month = 0;
     std::int32_t day = 0;
     TLXX::CSystemTime_Win::GetDate(TLX::Misc::now() + hours * MILLISECONDS_PER_HOUR, year, month, day);
-    return formatted("%4d-%02d-%02d", year, month, day);
+    std::array<char, 40> text{};
+    (void)std::snprintf(text.data(), text.size(), "%4d-%02d-%02d", year, month, day);
+    return text.data();
 }
 
 } // namespace NAMESPACE_Ostrel

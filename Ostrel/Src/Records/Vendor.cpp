@@ -12,14 +12,14 @@ struct CVendor
 {
     std::uint16_t m_PciVendorId;
     std::string_view m_Name;
-    const char* m_DisplayName;
+    std::string_view m_DisplayName;
 };
 
 constexpr CVendor VENDORS[] = {
-    {PCI_VENDOR_INTEL, "INTEL", "NVMe Intel PCI Adapter (%s)"},
-    {0x144D, "SAMSUNG", "NVMe Samsung PCI Adapter (%s)"},
-    {0x1E0F, "KIOXIA", "NVMe Kioxia PCI Adapter (%s)"},
-    {0x1344, "MICRON", "NVMe Micron PCI Adapter (%s)"},
+    {PCI_VENDOR_INTEL, "INTEL", "NVMe Intel PCI Adapter"},
+    {0x144D, "SAMSUNG", "NVMe Samsung PCI Adapter"},
+    {0x1E0F, "KIOXIA", "NVMe Kioxia PCI Adapter"},
+    {0x1344, "MICRON", "NVMe Micron PCI Adapter"},
 };
 
 } // namespace
@@ -37,8 +37,8 @@ std::string adapterDisplayName(std::string_view vendor, const std::string& disti
     const auto* known = std::find_if(std::begin(VENDORS), std::end(VENDORS), [&](const CVendor& candidate) {
         return equalIgnoringCase(candidate.m_Name, vendor);
     });
-    const char* format = known == std::end(VENDORS) ? "NVMe PCI Adapter (%s)" : known->m_DisplayName;
-    return formatted(format, distinction);
+    const std::string_view kind = known == std::end(VENDORS) ? "NVMe PCI Adapter" : known->m_DisplayName;
+    return std::string(kind) + " (" + distinction + ")";
 }
 
 } // namespace NAMESPACE_Ostrel

@@ -12,13 +12,6 @@ namespace {
 
 constexpr uid_t NOBODY = 65534;
 
-void closeEnd(int& end)
-{
-    if (end >= 0)
-        close(end);
-    end = -1;
-}
-
 } // namespace
 
 CPipe::CPipe()
@@ -26,25 +19,19 @@ CPipe::CPipe()
     int ends[2];
     if (pipe(ends) != 0)
         throw std::runtime_error("no pipe");
-    m_Reader = ends[0];
-    m_Writer = ends[1];
-}
-
-CPipe::~CPipe()
-{
-    CloseReader();
-    CloseWriter();
+    m_Reader = TLX::Linux::CDescriptor(ends[0]);
+    m_Writer = TLX::Linux::CDescriptor(ends[1]);
 }
 
 void CPipe::Write(const std::string& text) const
 {
-    if (write(m_Writer, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+    if (write(m_Writer.Get(), text.data(), text.size()) != static_cast<ssize_t>(text.size()))
         throw std::runtime_error("the pipe does not take the text");
 }
 
 bool CPipe::ReadByte(char& byte) const
 {
-    return read(m_Reader, &byte, 1) == 1;
+    return read(m_Reader.Get(), &byte, 1) == 1;
 }
 
 std::string CPipe::ReadAll() const
@@ -58,12 +45,12 @@ std::string CPipe::ReadAll() const
 
 void CPipe::CloseReader()
 {
-    closeEnd(m_Reader);
+    m_Reader = {};
 }
 
 void CPipe::CloseWriter()
 {
-    closeEnd(m_Writer);
+    m_Writer = {};
 }
 
 CChildProcess::CChildProcess(const std::function<void(const CPipe& output, const CPipe& input)>& work)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <TLX/Linux/Descriptor.h>
+
 #include <functional>
 #include <string>
 
@@ -12,9 +14,6 @@ class CPipe
 {
 public:
     CPipe();
-    ~CPipe();
-    CPipe(const CPipe&) = delete;
-    CPipe& operator=(const CPipe&) = delete;
 
     void Write(const std::string& text) const;
     /** One byte; false at the end of what was written. */
@@ -24,8 +23,8 @@ public:
     void CloseWriter();
 
 private:
-    int m_Reader = -1;
-    int m_Writer = -1;
+    TLX::Linux::CDescriptor m_Reader;
+    TLX::Linux::CDescriptor m_Writer;
 };
 
 /**

@@ -2,6 +2,8 @@
 
 #include "Host/Built.h"
 
+#include <TLX/Linux/Descriptor.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -19,32 +21,16 @@
 namespace HostTest {
 namespace {
 
-class Descriptor
+using TLX::Linux::CDescriptor;
+
+CDescriptor owned(int number)
 {
-public:
-    explicit Descriptor(int number) : m_Number(number)
-    {
-        if (number < 0)
-            throw std::runtime_error("no descriptor");
-        // Child processes that another test starts at the same time must not keep it open.
-        (void)fcntl(number, F_SETFD, FD_CLOEXEC);
-    }
-    ~Descriptor() { reset(); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int number() const { return m_Number; }
-
-    void reset()
-    {
-        if (m_Number >= 0)
-            (void)close(m_Number);
-        m_Number = -1;
-    }
-
-private:
-    int m_Number;
-};
+    if (number < 0)
+        throw std::runtime_error("no descriptor");
+    // Children that another test starts meanwhile must not keep it open.
+    (void)fcntl(number, F_SETFD, FD_CLOEXEC);
+    return CDescriptor(number);
+}
 
 /** Passes on the variables that the sanitizers and the dynamic linker need. */
 std::vector<std::string> environmentWords(const Environment& environment)
@@ -123,14 +109,16 @@ struct Terminal
 
 ProgramResult runProgram(const std::vector<std::string>& arguments, const Environment& environment)
 {
-    const Descriptor output(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
-    const Descriptor errors(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
+    const CDescriptor output =
+        owned(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
+    const CDescriptor errors =
+        owned(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
     ProgramResult result;
-    result.m_ExitCode = waitFor(start(arguments, environment, output.number(), errors.number()));
-    (void)lseek(output.number(), 0, SEEK_SET);
-    (void)lseek(errors.number(), 0, SEEK_SET);
-    result.m_Output = readAll(output.number());
-    result.m_Errors = readAll(errors.number());
+    result.m_ExitCode = waitFor(start(arguments, environment, output.Get(), errors.Get()));
+    (void)lseek(output.Get(), 0, SEEK_SET);
+    (void)lseek(errors.Get(), 0, SEEK_SET);
+    result.m_Output = readAll(output.Get());
+    result.m_Errors = readAll(errors.Get());
     return result;
 }
 
@@ -145,8 +133,8 @@ struct Pipe
         int ends[2] = {-1, -1};
         if (pipe2(ends, O_NONBLOCK) != 0 || fcntl(ends[1], F_SETPIPE_SZ, smallest) < 0)
             throw std::runtime_error("no pipe to be had");
-        m_Reader = std::make_unique<Descriptor>(ends[0]);
-        m_Writer = std::make_unique<Descriptor>(ends[1]);
+        m_Reader = owned(ends[0]);
+        m_Writer = owned(ends[1]);
     }
 
     /** Returns how many bytes were written. */
@@ -154,40 +142,41 @@ struct Pipe
     {
         const char byte = ' ';
         std::size_t bytes = 0;
-        while (write(m_Writer->number(), &byte, 1) == 1)
+        while (write(m_Writer.Get(), &byte, 1) == 1)
             ++bytes;
-        (void)fcntl(m_Reader->number(), F_SETFL, 0);
+        (void)fcntl(m_Reader.Get(), F_SETFL, 0);
         return bytes;
     }
 
-    std::unique_ptr<Descriptor> m_Reader;
-    std::unique_ptr<Descriptor> m_Writer;
+    CDescriptor m_Reader;
+    CDescriptor m_Writer;
 };
 
 } // namespace
 
 ProgramResult runIntoFullPipe(const std::vector<std::string>& arguments, const Environment& environment)
 {
-    const Pipe output;
+    Pipe output;
     const std::size_t filler = output.fill();
-    const Descriptor errors(open("/dev/null", O_WRONLY));
-    const pid_t child = start(arguments, environment, output.m_Writer->number(), errors.number());
-    output.m_Writer->reset();
+    const CDescriptor errors = owned(open("/dev/null", O_WRONLY));
+    const pid_t child = start(arguments, environment, output.m_Writer.Get(), errors.Get());
+    output.m_Writer = CDescriptor();
     ProgramResult result;
-    result.m_Output = readAll(output.m_Reader->number()).substr(filler);
+    result.m_Output = readAll(output.m_Reader.Get()).substr(filler);
     result.m_ExitCode = waitFor(child);
     return result;
 }
 
 ProgramResult runUnread(const std::vector<std::string>& arguments, const Environment& environment)
 {
-    const Pipe output;
-    output.m_Reader->reset();
-    const Descriptor errors(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
+    Pipe output;
+    output.m_Reader = CDescriptor();
+    const CDescriptor errors =
+        owned(open(std::filesystem::temp_directory_path().c_str(), O_TMPFILE | O_RDWR, 0600));
     ProgramResult result;
-    result.m_ExitCode = waitFor(start(arguments, environment, output.m_Writer->number(), errors.number()));
-    (void)lseek(errors.number(), 0, SEEK_SET);
-    result.m_Errors = readAll(errors.number());
+    result.m_ExitCode = waitFor(start(arguments, environment, output.m_Writer.Get(), errors.Get()));
+    (void)lseek(errors.Get(), 0, SEEK_SET);
+    result.m_Errors = readAll(errors.Get());
     return result;
 }
 
@@ -195,13 +184,13 @@ ProgramResult runOnTerminal(const std::vector<std::string>& arguments, unsigned 
                             const Environment& environment)
 {
     const Terminal terminal(columns);
-    const Descriptor ours(terminal.m_Ours);
-    Descriptor theirs(terminal.m_Theirs);
-    const pid_t child = start(arguments, environment, theirs.number(), theirs.number());
-    theirs.reset();
+    const CDescriptor ours = owned(terminal.m_Ours);
+    CDescriptor theirs = owned(terminal.m_Theirs);
+    const pid_t child = start(arguments, environment, theirs.Get(), theirs.Get());
+    theirs = CDescriptor();
     ProgramResult result;
-    // Reading fails after the last process has closed the other side.
-    for (const char character : readAll(ours.number()))
+    // Reading ends with an error once the last holder of the other side is gone.
+    for (const char character : readAll(ours.Get()))
         if (character != '\r')
             result.m_Output += character;
     result.m_ExitCode = waitFor(child);
@@ -215,8 +204,8 @@ struct Stream
     bool read()
     {
         char chunk[4096];
-        // A terminal gives an error after its last writer has closed it.
-        const ssize_t size = ::read(m_Ours->number(), chunk, sizeof chunk);
+        // A terminal that its last writer has left gives an error.
+        const ssize_t size = ::read(m_Ours.Get(), chunk, sizeof chunk);
         for (ssize_t i = 0; i < size; ++i)
             if (chunk[i] != '\r' || !m_IsTerminal)
                 m_Text += chunk[i];
@@ -224,7 +213,7 @@ struct Stream
         return m_Open;
     }
 
-    std::unique_ptr<Descriptor> m_Ours;
+    CDescriptor m_Ours;
     bool m_IsTerminal = false;
     bool m_Open = true;
     std::string m_Text; ///< text that no call has awaited yet
@@ -237,7 +226,7 @@ struct RunningProgram::Native
         constexpr int minute = 60'000;
         std::size_t found = 0;
         while ((found = stream.m_Text.find(text)) == std::string::npos) {
-            pollfd ready{stream.m_Ours->number(), POLLIN, 0};
+            pollfd ready{stream.m_Ours.Get(), POLLIN, 0};
             if (poll(&ready, 1, minute) == 0)
                 throw std::runtime_error("no \"" + text + "\" in time, but: " + stream.m_Text);
             if (!stream.read())
@@ -267,12 +256,12 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, unsign
         results[1] = terminal.m_Theirs;
         m_Native->m_Results.m_IsTerminal = true;
     }
-    m_Native->m_Results.m_Ours = std::make_unique<Descriptor>(results[0]);
-    m_Native->m_Messages.m_Ours = std::make_unique<Descriptor>(messages[0]);
-    const Descriptor theirResults(results[1]);
-    const Descriptor theirMessages(messages[1]);
-    m_Native->m_Child = start(arguments, environment, theirResults.number(),
-                              (messagesAmongResults ? theirResults : theirMessages).number());
+    m_Native->m_Results.m_Ours = owned(results[0]);
+    m_Native->m_Messages.m_Ours = owned(messages[0]);
+    const CDescriptor theirResults = owned(results[1]);
+    const CDescriptor theirMessages = owned(messages[1]);
+    m_Native->m_Child = start(arguments, environment, theirResults.Get(),
+                              (messagesAmongResults ? theirResults : theirMessages).Get());
 }
 
 RunningProgram::~RunningProgram()
@@ -295,7 +284,7 @@ std::string RunningProgram::awaitMessage(const std::string& text)
 
 void RunningProgram::closeResults()
 {
-    m_Native->m_Results.m_Ours->reset();
+    m_Native->m_Results.m_Ours = CDescriptor();
     m_Native->m_Results.m_Open = false;
 }
 

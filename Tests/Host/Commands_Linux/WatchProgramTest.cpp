@@ -110,6 +110,19 @@ TEST_F(WatchProgram, PrintsEachEventOnceAndKeepsTheRows)
     EXPECT_THAT(m_Data.Read("AdapterNumbers.txt"), HasSubstr("3 0 3 0 0 localhost\n"));
 }
 
+TEST_F(WatchProgram, TellsAnEditOfTheFleetLongBeforeTheNextPoll)
+{
+    m_Data.Write("Ostrel.ini", "PollInterval=255\n");
+    fleet({{1, "A"}});
+    RunningProgram program(arguments({"--json"}));
+    awaitInventory(program);
+    // The first one may be found by the scan at the start.
+    fleet({{1, "A"}, {2, "B"}});
+    EXPECT_EQ(nextEvent(program)["drive"]["serial"], "B");
+    fleet({{1, "A"}, {2, "B"}, {3, "C"}});
+    EXPECT_EQ(nextEvent(program)["drive"]["serial"], "C");
+}
+
 TEST_F(WatchProgram, SendsTheRequestsOfAHostInOrder)
 {
     fleet({{1, "A"}});

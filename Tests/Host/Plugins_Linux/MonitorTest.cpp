@@ -1,5 +1,6 @@
 #include "Plugins/Monitor.h"
 
+#include "Drives/SimulatedFleet.h"
 #include "Host/Built.h"
 #include "Plugins/HostSetup.h"
 #include "Support/TemporaryFolder.h"
@@ -24,7 +25,15 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/** The real plug-in at work, with a clock that the test moves. */
+/** Edits are found by polling alone, so that the worker's waits are the only ones. */
+class UnannouncedFleet : public Host::SimulatedFleet
+{
+public:
+    using SimulatedFleet::SimulatedFleet;
+    std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()>) override { return nullptr; }
+};
+
+/** The real plug-in at work, its time in the test's hand. */
 class MonitorTest : public testing::Test
 {
 protected:
@@ -107,6 +116,10 @@ protected:
                             {},
                             writeFleet(drive(1, "A") + "," + drive(2, "B")),
                             [](const std::string& warning) { ADD_FAILURE() << warning; }};
+    // The setup puts the machine back in the end.
+    std::shared_ptr<TLXX::IDeviceBackend> m_Former = TLXX::setDeviceBackend(
+        std::make_shared<UnannouncedFleet>(m_FleetFolder.Path() / "fleet.json",
+                                           [](const std::string& warning) { ADD_FAILURE() << warning; }));
     Host::PluginSet m_Plugins;
     std::vector<std::string> m_Warnings;
     Host::Monitor m_Monitor{plugin(), m_Folder.Path(),

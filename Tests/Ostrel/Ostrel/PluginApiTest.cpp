@@ -1,5 +1,6 @@
 #include "Support/FakeDrives.h"
 #include "Support/PluginUnderTest.h"
+#include "Support/SilentBackend.h"
 #include "Support/TraceCapture.h"
 
 #include <PI/ErrorCode.h>
@@ -26,7 +27,7 @@ using Properties = std::vector<PI::CProperty>;
 using Operations = std::vector<PI::COperation>;
 
 /** A machine whose enumeration throws. */
-class CThrowingMachine : public TLXX::IDeviceBackend
+class CThrowingMachine : public TestSupport::CSilentBackend
 {
 public:
     explicit CThrowingMachine(std::function<void()> failure) : m_Failure(std::move(failure)) {}
@@ -36,18 +37,6 @@ public:
         m_Failure();
         return {};
     }
-    std::uint32_t IdentifyController(const std::string&, TLXX::NVME_IDENTIFY_CONTROLLER&) override
-    {
-        return 1;
-    }
-    std::uint32_t IdentifyNamespace(const std::string&, TLXX::NVME_IDENTIFY_NAMESPACE&) override { return 1; }
-    std::uint32_t SmartHealthLog(const std::string&, TLXX::NVME_SMART_HEALTH_INFORMATION_LOG&) override
-    {
-        return 1;
-    }
-    std::uint32_t VendorLogPage(const std::string&, std::uint8_t, TLXX::VendorLogPage&) override { return 1; }
-    std::optional<TLXX::CPciLocation> Location(std::uint32_t) override { return std::nullopt; }
-    std::string ModuleVersion(const std::string&) override { return {}; }
 
 private:
     std::function<void()> m_Failure;

@@ -1,18 +1,24 @@
 #include "Support/TryElsewhere.h"
 #include "WorkerFixture.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <new>
+#include <ostream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 using TestSupport::CFakeDrive;
+using TestSupport::CFakeDrives;
 using TestSupport::CGate;
 using TestSupport::tryElsewhere;
 using TLX::Threading::WaitResult::Taken;
@@ -20,26 +26,124 @@ using TLX::Threading::WaitResult::TimedOut;
 
 /** When the worker calls the host, and what the host may do in the call. */
 class WorkerCallback : public TestSupport::CWorkerFixture
+{
+protected:
+    WorkerCallback() { m_Drives.Add(CFakeDrive(0)); }
+
+    /** The host's next calls last until `m_Go`, and tell by `m_Reached` that they have begun. */
+    void HoldTheHostInItsCall()
+    {
+        m_OnCall = [this] {
+            m_Reached.Set();
+            m_Go.Pass();
+        };
+    }
+
+    CGate m_Reached;
+    CGate m_Go;
+};
+
+using Change = std::function<void(CFakeDrives&)>;
+
+void nothing(CFakeDrives&) {}
+
+void heat(CFakeDrives& drives)
+{
+    drives.Change(0, [](CFakeDrive& drive) { drive.Kelvin(310); });
+}
+
+void plug(CFakeDrives& drives)
+{
+    drives.Add(CFakeDrive(1));
+}
+
+void refuseOnce(CFakeDrives& drives)
+{
+    drives.Change(0, [](CFakeDrive& drive) { drive.m_ControllerStatuses = {5}; });
+}
+
+void throwInEachQuery(CFakeDrives& drives)
+{
+    drives.OnQuery([](const std::string&) { throw std::bad_alloc(); });
+}
+
+/** What happens before a cycle, and what follows from that. */
+struct CCycle
+{
+    std::string m_Name;
+    Change m_Before;
+    int m_Calls; ///< of the host
+    std::vector<std::uint32_t> m_Events;
+};
+
+std::ostream& operator<<(std::ostream& output, const CCycle& cycle)
+{
+    return output << cycle.m_Name;
+}
+
+class WorkerCallbackAfter : public WorkerCallback, public testing::WithParamInterface<CCycle>
 {};
+
+const CCycle CYCLES[] = {
+    {"NoChange", nothing, 0, {}},
+    {"AChangeWithoutAnEvent", heat, 1, {}},
+    {"AChangeWithAnEvent", plug, 1, {PI::EVENT_ADAPTER_ADDED}},
+};
+INSTANTIATE_TEST_SUITE_P(Cycle, WorkerCallbackAfter, testing::ValuesIn(CYCLES),
+                         [](const auto& instance) { return instance.param.m_Name; });
+
+/** The second cycle while an event of the first is pending. */
+class WorkerCallbackWhilePending : public WorkerCallback, public testing::WithParamInterface<CCycle>
+{};
+
+const CCycle FURTHER_CYCLES[] = {
+    {"WithoutAChange", nothing, 1, {PI::EVENT_ADAPTER_ADDED}},
+    {"ThatIsSkipped", refuseOnce, 1, {PI::EVENT_ADAPTER_ADDED}},
+    {"ThatThrows", throwInEachQuery, 1, {PI::EVENT_ADAPTER_ADDED}},
+};
+INSTANTIATE_TEST_SUITE_P(Cycle, WorkerCallbackWhilePending, testing::ValuesIn(FURTHER_CYCLES),
+                         [](const auto& instance) { return instance.param.m_Name; });
 
 } // namespace
 
+TEST_P(WorkerCallbackAfter, CallsTheHostWhenSomethingHasChanged)
+{
+    Start();
+    Settle();
+    GetParam().m_Before(m_Drives);
+    Force();
+    EXPECT_EQ(m_Calls, GetParam().m_Calls);
+    EXPECT_EQ(CollectEvents(), GetParam().m_Events);
+}
+
+TEST_P(WorkerCallbackWhilePending, CallsTheHostUntilTheEventsAreCollected)
+{
+    Start();
+    Settle();
+    plug(m_Drives);
+    Force();
+    m_Calls = 0;
+    GetParam().m_Before(m_Drives);
+    Force();
+    EXPECT_EQ(m_Calls, GetParam().m_Calls);
+    EXPECT_EQ(CollectEvents(), GetParam().m_Events);
+    m_Drives.OnQuery(nullptr);
+    m_Calls = 0;
+    Force();
+    EXPECT_EQ(m_Calls, 0);
+    EXPECT_THAT(CollectEvents(), IsEmpty());
+}
+
 TEST_F(WorkerCallback, APrivateEventCallsTheHostAtOnceWithoutALock)
 {
-    m_Drives.Add(CFakeDrive(0));
-    CGate reached;
-    CGate go;
-    m_OnCall = [&] {
-        reached.Set();
-        go.Pass();
-    };
+    HoldTheHostInItsCall();
     Start();
     CountEnumerations();
     m_Api.m_PrivateEvent.Set();
-    reached.Pass();
+    m_Reached.Pass();
     EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken);
     EXPECT_EQ(tryElsewhere(m_Api.m_EventsLock), Taken);
-    go.Set();
+    m_Go.Set();
     EXPECT_EQ(AwaitWorker(), INTERVAL);
     EXPECT_EQ(m_Calls, 1);
     EXPECT_EQ(m_Enumerations, 0);
@@ -47,91 +151,22 @@ TEST_F(WorkerCallback, APrivateEventCallsTheHostAtOnceWithoutALock)
 
 TEST_F(WorkerCallback, CallsTheHostAfterAnUpdateWithTheDataLockAlone)
 {
-    m_Drives.Add(CFakeDrive(0));
-    CGate reached;
-    CGate go;
-    m_OnCall = [&] {
-        reached.Set();
-        go.Pass();
-    };
+    HoldTheHostInItsCall();
     Start();
     m_Api.m_ForceWorker.Set(); // the adapter's name changes
-    reached.Pass();
+    m_Reached.Pass();
     EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), TimedOut);
     EXPECT_EQ(tryElsewhere(m_Api.m_EventsLock), Taken);
-    go.Set();
+    m_Go.Set();
     EXPECT_EQ(AwaitWorker(), INTERVAL);
     EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken);
 }
 
-TEST_F(WorkerCallback, CallsNobodyWhenNothingHasChanged)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    Force();
-    EXPECT_EQ(m_Calls, 0);
-    EXPECT_THAT(CollectEvents(), IsEmpty());
-}
-
-TEST_F(WorkerCallback, CallsTheHostForAChangeWithoutAnEvent)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    m_Drives.Change(0, [](CFakeDrive& drive) { drive.Kelvin(310); });
-    Force();
-    EXPECT_EQ(m_Calls, 1);
-    EXPECT_THAT(CollectEvents(), IsEmpty());
-}
-
-TEST_F(WorkerCallback, CallsTheHostAsLongAsEventsArePending)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    m_Drives.Add(CFakeDrive(1));
-    Force();
-    Force();
-    EXPECT_EQ(m_Calls, 2);
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
-    Force();
-    EXPECT_EQ(m_Calls, 2);
-    EXPECT_THAT(CollectEvents(), IsEmpty());
-}
-
-TEST_F(WorkerCallback, CallsTheHostInASkippedCycleWhenEventsArePending)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    m_Drives.Add(CFakeDrive(1));
-    Force();
-    EXPECT_EQ(m_Calls, 1);
-    m_Drives.Change(0, [](CFakeDrive& drive) { drive.m_ControllerStatuses = {5}; });
-    Force();
-    EXPECT_EQ(m_Calls, 2);
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
-}
-
-TEST_F(WorkerCallback, CallsTheHostAfterACycleThatThrewWhenEventsArePending)
-{
-    m_Drives.Add(CFakeDrive(0));
-    Start();
-    Settle();
-    m_Drives.Add(CFakeDrive(1));
-    Force();
-    m_Drives.OnQuery([](const std::string&) { throw std::bad_alloc(); });
-    Force();
-    EXPECT_EQ(m_Calls, 2);
-}
-
 TEST_F(WorkerCallback, NeedsNoCallback)
 {
-    m_Drives.Add(CFakeDrive(0));
     m_Api.m_HostCallback = nullptr;
     Start();
-    m_Drives.Add(CFakeDrive(1));
+    plug(m_Drives);
     Force();
     m_Api.m_PrivateEvent.Set();
     EXPECT_EQ(AwaitWorker(), INTERVAL);
@@ -140,10 +175,9 @@ TEST_F(WorkerCallback, NeedsNoCallback)
 
 TEST_F(WorkerCallback, SurvivesACallbackThatThrows)
 {
-    m_Drives.Add(CFakeDrive(0));
     m_OnCall = [] { throw std::runtime_error("the host's own"); };
     Start();
-    m_Drives.Add(CFakeDrive(1));
+    plug(m_Drives);
     Force();
     EXPECT_EQ(tryElsewhere(m_Api.m_DataLock), Taken);
     m_Api.m_PrivateEvent.Set();
@@ -155,20 +189,14 @@ TEST_F(WorkerCallback, SurvivesACallbackThatThrows)
 
 TEST_F(WorkerCallback, GoesOnWhenACallbackThatBlockedReturns)
 {
-    m_Drives.Add(CFakeDrive(0));
-    CGate reached;
-    CGate go;
-    m_OnCall = [&] {
-        reached.Set();
-        go.Pass();
-    };
+    HoldTheHostInItsCall();
     Start();
     m_Api.m_ForceWorker.Set();
-    reached.Pass();
+    m_Reached.Pass();
     m_Clock.Advance(1'000'000);
-    go.Set();
+    m_Go.Set();
     EXPECT_EQ(AwaitWorker(), INTERVAL);
-    m_Drives.Add(CFakeDrive(1));
+    plug(m_Drives);
     m_Clock.Advance(INTERVAL);
     EXPECT_EQ(AwaitWorker(), INTERVAL);
     EXPECT_EQ(m_Calls, 2);

@@ -238,7 +238,8 @@ TEST_F(Worker, DoesNothingInACycleWithoutTheDataLock)
     const CTraceCapture capture(~0U);
     m_Api.Worker();
     EXPECT_THAT(capture.Texts(),
-                ElementsAre("ENTER Worker()", "Worker() m_ForceWorker event received, force scan",
+                ElementsAre("ENTER Worker()", "Worker() nothing announces drives, only polling finds them",
+                            "Worker() m_ForceWorker event received, force scan",
                             "Before m_DataLock.Wait(INFINITE)", "After m_DataLock.Wait(INFINITE)",
                             "Worker() before restart interval",
                             "Worker() something else perhaps m_StopRequest", "LEAVE Worker()"));
@@ -270,7 +271,7 @@ TEST_F(Worker, EndsAtOnceWithoutItsEvents)
 {
     const CTraceCapture capture(~0U);
     m_Api.Worker();
-    EXPECT_THAT(
-        capture.Texts(),
-        ElementsAre("ENTER Worker()", "Worker() something else perhaps m_StopRequest", "LEAVE Worker()"));
+    EXPECT_THAT(capture.Texts(),
+                ElementsAre("ENTER Worker()", "Worker() nothing announces drives, only polling finds them",
+                            "Worker() something else perhaps m_StopRequest", "LEAVE Worker()"));
 }

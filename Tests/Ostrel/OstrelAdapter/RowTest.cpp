@@ -1,7 +1,5 @@
 #include "Support/RowFixture.h"
 
-#include <stdexcept>
-
 using namespace NAMESPACE_Ostrel;
 using namespace TestSupport;
 using testing::ElementsAre;
@@ -64,11 +62,24 @@ protected:
     }
 };
 
-/** With every mask that shows the database's lines, and with no other. */
-class AdapterRowTrace : public AdapterRow, public testing::WithParamInterface<std::uint32_t>
-{};
-
-INSTANTIATE_TEST_SUITE_P(Masks, AdapterRowTrace, testing::Values(128U, 256U, 0x80000000U));
+// They run in turn, so the row is there when it is updated or deleted.
+const std::vector<CRowStatement> STATEMENTS = {
+    {"InsertObjectToDatabase",
+     [](CPluginUnderTest& plugin) { return plugin.InsertObjectToDatabase(makeAdapter(7)); },
+     "Adapter (Name7) (7) inserted to db.",
+     "Storage query exception thrown during inserting Adapter (Name7) (7) to db. "
+     "(Storage query exception thrown! Cannot read ID from database! (broken))"},
+    {"UpdateObjectInDatabase",
+     [](CPluginUnderTest& plugin) { return plugin.UpdateObjectInDatabase(makeAdapter(7)); },
+     "Adapter (Name7) (7) updated in db.",
+     "Storage query exception thrown during updating Adapter (Name7) (7) in db. "
+     "(Storage query exception thrown! (broken))"},
+    {"DeleteObjectFromDatabase",
+     [](CPluginUnderTest& plugin) { return plugin.DeleteObjectFromDatabase(makeAdapter(7)); },
+     "Adapter (Name7) (7) removed from db.",
+     "Storage query exception thrown during removing Adapter (Name7) (7) from db. "
+     "(Storage query exception thrown! (broken))"},
+};
 
 } // namespace
 
@@ -209,84 +220,30 @@ TEST_F(AdapterRow, FillingIsTracedWithTheNumber)
                     CCapturedLine{2, UNIT, function, "LEAVE SetDatabaseObjectProperties (Adapter) -> 0"}));
 }
 
-TEST_F(AdapterRow, WithoutTheDatabasesLevelsNothingIsTraced)
+TEST_F(AdapterRow, StatementsAreTraced)
 {
-    const CTraceCapture capture(127 & ~2U);
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(makeAdapter(1)), 0U);
-    BreakDatabase("broken");
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(makeAdapter(1)), 20000U);
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(makeAdapter(1)), 20000U);
-    EXPECT_EQ(m_Plugin.DeleteObjectFromDatabase(makeAdapter(1)), 20000U);
-    EXPECT_THAT(capture.Lines(), IsEmpty());
+    ExpectLines(UNIT, STATEMENTS);
 }
 
-TEST_F(AdapterRow, OtherExceptionsPass)
+TEST_F(AdapterRow, FailedStatementsAreTraced)
 {
-    Throw(std::runtime_error("of another kind"));
-    EXPECT_THROW(m_Plugin.InsertObjectToDatabase(makeAdapter(1)), std::runtime_error);
-    EXPECT_THROW(m_Plugin.UpdateObjectInDatabase(makeAdapter(1)), std::runtime_error);
-    EXPECT_THROW(m_Plugin.DeleteObjectFromDatabase(makeAdapter(1)), std::runtime_error);
+    ExpectLinesOfFailures(UNIT, STATEMENTS);
 }
 
-TEST_P(AdapterRowTrace, Insert)
+TEST_F(AdapterRow, AnUpdateWithoutARowIsNotTraced)
 {
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(makeAdapter(7)), 0U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "InsertObjectToDatabase"),
-                ElementsAre("Adapter (Name7) (7) inserted to db."));
-}
-
-TEST_P(AdapterRowTrace, FailedInsert)
-{
-    BreakDatabase("broken");
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(makeAdapter(7)), 20000U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "InsertObjectToDatabase"),
-                ElementsAre("Storage query exception thrown during inserting Adapter (Name7) (7) to db. "
-                            "(Storage query exception thrown! Cannot read ID from database! (broken))"));
-}
-
-TEST_P(AdapterRowTrace, Update)
-{
-    m_Plugin.InsertObjectToDatabase(makeAdapter(7));
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(makeAdapter(7)), 0U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "UpdateObjectInDatabase"),
-                ElementsAre("Adapter (Name7) (7) updated in db."));
-}
-
-TEST_P(AdapterRowTrace, UpdateWithoutARow)
-{
-    const CTraceCapture capture(GetParam());
+    const CTraceCapture capture(~2U);
     EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(makeAdapter(7)), 0U);
     EXPECT_THAT(capture.Lines(), IsEmpty());
     EXPECT_THAT(Query("SELECT COUNT(*) FROM Adapter"), ElementsAre("0"));
 }
 
-TEST_P(AdapterRowTrace, FailedUpdate)
+TEST_F(AdapterRow, WithoutTheDatabasesLevelsNothingIsTraced)
 {
-    BreakDatabase("broken");
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(makeAdapter(7)), 20000U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "UpdateObjectInDatabase"),
-                ElementsAre("Storage query exception thrown during updating Adapter (Name7) (7) in db. "
-                            "(Storage query exception thrown! (broken))"));
+    ExpectNoLines(127 & ~2U, STATEMENTS);
 }
 
-TEST_P(AdapterRowTrace, Delete)
+TEST_F(AdapterRow, OtherExceptionsPass)
 {
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.DeleteObjectFromDatabase(makeAdapter(7)), 0U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "DeleteObjectFromDatabase"),
-                ElementsAre("Adapter (Name7) (7) removed from db."));
-}
-
-TEST_P(AdapterRowTrace, FailedDelete)
-{
-    BreakDatabase("broken");
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.DeleteObjectFromDatabase(makeAdapter(7)), 20000U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "DeleteObjectFromDatabase"),
-                ElementsAre("Storage query exception thrown during removing Adapter (Name7) (7) from db. "
-                            "(Storage query exception thrown! (broken))"));
+    ExpectOtherExceptionsPass(STATEMENTS);
 }

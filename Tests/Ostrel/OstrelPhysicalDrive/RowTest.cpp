@@ -1,7 +1,5 @@
 #include "Support/RowFixture.h"
 
-#include <stdexcept>
-
 using namespace NAMESPACE_Ostrel;
 using namespace TestSupport;
 using testing::ElementsAre;
@@ -45,11 +43,19 @@ protected:
     }
 };
 
-/** With every mask that shows the database's lines, and with no other. */
-class DriveRowTrace : public DriveRow, public testing::WithParamInterface<std::uint32_t>
-{};
-
-INSTANTIATE_TEST_SUITE_P(Masks, DriveRowTrace, testing::Values(128U, 256U, 0x80000000U));
+// They run in turn, so the row is there when it is updated or deleted.
+const std::vector<CRowStatement> STATEMENTS = {
+    {"InsertObjectToDatabase",
+     [](CPluginUnderTest& plugin) { return plugin.InsertObjectToDatabase(makeDrive("S1")); },
+     "PD (Name of S1) inserted to db.",
+     "Storage query exception thrown during inserting PD (Name of S1) to db. "
+     "(Storage query exception thrown! Cannot read ID from database! (broken))"},
+    {"UpdateObjectInDatabase",
+     [](CPluginUnderTest& plugin) { return plugin.UpdateObjectInDatabase(makeDrive("S1")); },
+     "PD (Name of S1) updated in db.",
+     "Storage query exception thrown during updating PD (Name of S1) in db. "
+     "(Storage query exception thrown! (broken))"},
+};
 
 /** A drive with a malicious serial number. */
 class DriveRowOf : public DriveRow, public testing::WithParamInterface<std::string>
@@ -196,64 +202,30 @@ TEST_F(DriveRow, FillingIsTraced)
                                   "ENTER SetDatabaseObjectProperties (PhysicalDisk)"}));
 }
 
-TEST_F(DriveRow, WithoutTheDatabasesLevelsNothingIsTraced)
+TEST_F(DriveRow, StatementsAreTraced)
 {
-    const CTraceCapture capture(127 & ~2U);
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(makeDrive("S1")), 0U);
-    BreakDatabase("broken");
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(makeDrive("S1")), 20000U);
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(makeDrive("S1")), 20000U);
-    EXPECT_THAT(capture.Lines(), IsEmpty());
+    ExpectLines(UNIT, STATEMENTS);
 }
 
-TEST_F(DriveRow, OtherExceptionsPass)
+TEST_F(DriveRow, FailedStatementsAreTraced)
 {
-    Throw(std::runtime_error("of another kind"));
-    EXPECT_THROW(m_Plugin.InsertObjectToDatabase(makeDrive("S1")), std::runtime_error);
-    EXPECT_THROW(m_Plugin.UpdateObjectInDatabase(makeDrive("S1")), std::runtime_error);
+    ExpectLinesOfFailures(UNIT, STATEMENTS);
 }
 
-TEST_P(DriveRowTrace, Insert)
+TEST_F(DriveRow, AnUpdateWithoutARowIsNotTraced)
 {
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(makeDrive("S1")), 0U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "InsertObjectToDatabase"),
-                ElementsAre("PD (Name of S1) inserted to db."));
-}
-
-TEST_P(DriveRowTrace, FailedInsert)
-{
-    BreakDatabase("broken");
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(makeDrive("S1")), 20000U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "InsertObjectToDatabase"),
-                ElementsAre("Storage query exception thrown during inserting PD (Name of S1) to db. "
-                            "(Storage query exception thrown! Cannot read ID from database! (broken))"));
-}
-
-TEST_P(DriveRowTrace, Update)
-{
-    m_Plugin.InsertObjectToDatabase(makeDrive("S1"));
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(makeDrive("S1")), 0U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "UpdateObjectInDatabase"),
-                ElementsAre("PD (Name of S1) updated in db."));
-}
-
-TEST_P(DriveRowTrace, UpdateWithoutARow)
-{
-    const CTraceCapture capture(GetParam());
+    const CTraceCapture capture(~2U);
     EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(makeDrive("S1")), 0U);
     EXPECT_THAT(capture.Lines(), IsEmpty());
     EXPECT_THAT(Query("SELECT COUNT(*) FROM PD"), ElementsAre("0"));
 }
 
-TEST_P(DriveRowTrace, FailedUpdate)
+TEST_F(DriveRow, WithoutTheDatabasesLevelsNothingIsTraced)
 {
-    BreakDatabase("broken");
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(makeDrive("S1")), 20000U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "UpdateObjectInDatabase"),
-                ElementsAre("Storage query exception thrown during updating PD (Name of S1) in db. "
-                            "(Storage query exception thrown! (broken))"));
+    ExpectNoLines(127 & ~2U, STATEMENTS);
+}
+
+TEST_F(DriveRow, OtherExceptionsPass)
+{
+    ExpectOtherExceptionsPass(STATEMENTS);
 }

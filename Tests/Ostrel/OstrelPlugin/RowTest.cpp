@@ -1,7 +1,5 @@
 #include "Support/RowFixture.h"
 
-#include <stdexcept>
-
 using namespace NAMESPACE_Ostrel;
 using namespace TestSupport;
 using testing::ElementsAre;
@@ -11,28 +9,40 @@ namespace {
 
 const std::string UNIT = "Ostrel/Src/OstrelPlugin";
 
-class PluginRow : public CRowFixture
+CNVMePlugin makePlugin(std::uint64_t id)
 {
-protected:
-    static CNVMePlugin Record(std::uint64_t id)
-    {
-        CNVMePlugin plugin;
-        plugin.m_ID = id;
-        return plugin;
-    }
-};
+    CNVMePlugin plugin;
+    plugin.m_ID = id;
+    return plugin;
+}
 
-/** With every mask that shows the database's lines, and with no other. */
-class PluginRowTrace : public PluginRow, public testing::WithParamInterface<std::uint32_t>
+class PluginRow : public CRowFixture
 {};
 
-INSTANTIATE_TEST_SUITE_P(Masks, PluginRowTrace, testing::Values(128U, 256U, 0x80000000U));
+// They run in turn, so the row is there when it is updated or deleted.
+const std::vector<CRowStatement> STATEMENTS = {
+    {"InsertObjectToDatabase",
+     [](CPluginUnderTest& plugin) { return plugin.InsertObjectToDatabase(makePlugin(1)); },
+     "Plugin NVMe inserted to db.",
+     "Exception thrown during inserting NVMe plugin object to db. "
+     "(Storage query exception thrown! Cannot read ID from database! (broken))"},
+    {"UpdateObjectInDatabase",
+     [](CPluginUnderTest& plugin) { return plugin.UpdateObjectInDatabase(makePlugin(1)); },
+     "Plugin NVMe updated in db.",
+     "Exception thrown during updating NVMe plugin object entry in db. "
+     "(Storage query exception thrown! (broken))"},
+    {"DeleteObjectFromDatabase",
+     [](CPluginUnderTest& plugin) { return plugin.DeleteObjectFromDatabase(makePlugin(1)); },
+     "Plugin NVMe removed from db.",
+     "Exception thrown during removing NVMe plugin object from db. "
+     "(Storage query exception thrown! (broken))"},
+};
 
 } // namespace
 
 TEST_F(PluginRow, SaysWhatThePluginIs)
 {
-    ASSERT_EQ(m_Plugin.InsertObjectToDatabase(Record(0x0139'0000'0000'0007)), 0U);
+    ASSERT_EQ(m_Plugin.InsertObjectToDatabase(makePlugin(0x0139'0000'0000'0007)), 0U);
     EXPECT_THAT(
         Query("SELECT Description, ObjectID, Name, PollInterval, SettableProperties, Reserved1, "
               "Reserved2, Identity, Vendor, Version FROM Plugin"),
@@ -47,7 +57,7 @@ TEST_F(PluginRow, ClampsThePollInterval)
     for (const auto& [interval, stored] : std::vector<std::pair<std::uint32_t, std::string>>{
              {0, "2"}, {1, "2"}, {2, "2"}, {45, "45"}, {255, "255"}, {300, "255"}, {0xFFFFFFFF, "255"}}) {
         m_Plugin.m_PollInterval = interval;
-        m_Plugin.InsertObjectToDatabase(Record(1));
+        m_Plugin.InsertObjectToDatabase(makePlugin(1));
         EXPECT_THAT(Query("SELECT PollInterval FROM Plugin"), ElementsAre(stored));
         EXPECT_EQ(m_Plugin.m_PollInterval, interval);
     }
@@ -55,109 +65,55 @@ TEST_F(PluginRow, ClampsThePollInterval)
 
 TEST_F(PluginRow, UpdateRewritesTheRowInItsPlace)
 {
-    m_Plugin.InsertObjectToDatabase(Record(1));
+    m_Plugin.InsertObjectToDatabase(makePlugin(1));
     Query("UPDATE Plugin SET ID = 7");
     m_Plugin.m_PollInterval = 300;
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(Record(2)), 0U);
+    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(makePlugin(2)), 0U);
     EXPECT_THAT(Query("SELECT ID, ObjectID, PollInterval FROM Plugin"), ElementsAre("7", "2", "255"));
 }
 
 TEST_F(PluginRow, DeleteRemovesTheRowAlone)
 {
-    m_Plugin.InsertObjectToDatabase(Record(1));
+    m_Plugin.InsertObjectToDatabase(makePlugin(1));
     Query("INSERT INTO Plugin (Name) VALUES('Other-Plugin')");
-    EXPECT_EQ(m_Plugin.DeleteObjectFromDatabase(Record(1)), 0U);
+    EXPECT_EQ(m_Plugin.DeleteObjectFromDatabase(makePlugin(1)), 0U);
     EXPECT_THAT(Query("SELECT Name FROM Plugin"), ElementsAre("Other-Plugin"));
 }
 
 TEST_F(PluginRow, GoesByItsName)
 {
     const auto statements = CountStatements();
-    m_Plugin.UpdateObjectInDatabase(Record(1));
-    m_Plugin.DeleteObjectFromDatabase(Record(1));
+    m_Plugin.UpdateObjectInDatabase(makePlugin(1));
+    m_Plugin.DeleteObjectFromDatabase(makePlugin(1));
     EXPECT_THAT(statements->Statements(),
                 ElementsAre("SELECT * FROM Plugin Plugin  WHERE Name = 'NVMe-Plugin'",
                             "DELETE FROM Plugin  WHERE Name = 'NVMe-Plugin'"));
 }
 
-TEST_F(PluginRow, WithoutTheDatabasesLevelsNothingIsTraced)
+TEST_F(PluginRow, StatementsAreTraced)
 {
-    const CTraceCapture capture(127);
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(Record(1)), 0U);
-    BreakDatabase("broken");
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(Record(1)), 20000U);
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(Record(1)), 20000U);
-    EXPECT_EQ(m_Plugin.DeleteObjectFromDatabase(Record(1)), 20000U);
-    EXPECT_THAT(capture.Lines(), IsEmpty());
+    ExpectLines(UNIT, STATEMENTS);
 }
 
-TEST_F(PluginRow, OtherExceptionsPass)
+TEST_F(PluginRow, FailedStatementsAreTraced)
 {
-    Throw(std::runtime_error("of another kind"));
-    EXPECT_THROW(m_Plugin.InsertObjectToDatabase(Record(1)), std::runtime_error);
-    EXPECT_THROW(m_Plugin.UpdateObjectInDatabase(Record(1)), std::runtime_error);
-    EXPECT_THROW(m_Plugin.DeleteObjectFromDatabase(Record(1)), std::runtime_error);
+    ExpectLinesOfFailures(UNIT, STATEMENTS);
 }
 
-TEST_P(PluginRowTrace, Insert)
+TEST_F(PluginRow, AnUpdateWithoutARowIsNotTraced)
 {
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(Record(1)), 0U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "InsertObjectToDatabase"),
-                ElementsAre("Plugin NVMe inserted to db."));
-}
-
-TEST_P(PluginRowTrace, FailedInsert)
-{
-    BreakDatabase("broken");
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.InsertObjectToDatabase(Record(1)), 20000U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "InsertObjectToDatabase"),
-                ElementsAre("Exception thrown during inserting NVMe plugin object to db. "
-                            "(Storage query exception thrown! Cannot read ID from database! (broken))"));
-}
-
-TEST_P(PluginRowTrace, Update)
-{
-    m_Plugin.InsertObjectToDatabase(Record(1));
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(Record(1)), 0U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "UpdateObjectInDatabase"),
-                ElementsAre("Plugin NVMe updated in db."));
-}
-
-TEST_P(PluginRowTrace, UpdateWithoutARow)
-{
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(Record(1)), 0U);
+    const CTraceCapture capture(~2U);
+    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(makePlugin(1)), 0U);
     EXPECT_THAT(capture.Lines(), IsEmpty());
     EXPECT_THAT(Query("SELECT COUNT(*) FROM Plugin"), ElementsAre("0"));
 }
 
-TEST_P(PluginRowTrace, FailedUpdate)
+TEST_F(PluginRow, WithoutTheDatabasesLevelsNothingIsTraced)
 {
-    BreakDatabase("broken");
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.UpdateObjectInDatabase(Record(1)), 20000U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "UpdateObjectInDatabase"),
-                ElementsAre("Exception thrown during updating NVMe plugin object entry in db. "
-                            "(Storage query exception thrown! (broken))"));
+    ExpectNoLines(127, STATEMENTS);
 }
 
-TEST_P(PluginRowTrace, Delete)
+TEST_F(PluginRow, OtherExceptionsPass)
 {
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.DeleteObjectFromDatabase(Record(1)), 0U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "DeleteObjectFromDatabase"),
-                ElementsAre("Plugin NVMe removed from db."));
-}
-
-TEST_P(PluginRowTrace, FailedDelete)
-{
-    BreakDatabase("broken");
-    const CTraceCapture capture(GetParam());
-    EXPECT_EQ(m_Plugin.DeleteObjectFromDatabase(Record(1)), 20000U);
-    EXPECT_THAT(databaseTexts(capture, UNIT, "DeleteObjectFromDatabase"),
-                ElementsAre("Exception thrown during removing NVMe plugin object from db. "
-                            "(Storage query exception thrown! (broken))"));
+    ExpectOtherExceptionsPass(STATEMENTS);
 }

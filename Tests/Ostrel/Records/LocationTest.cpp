@@ -19,6 +19,14 @@ TEST(Location, NamesTheSegmentUnlessItIsZero)
               "PCI:Segment=65536&Bus=0&Device=0&Function=0&ID=0");
 }
 
+TEST(Location, IsTheSamePlaceInARecordAndInItsIdentity)
+{
+    const TLXX::CPciLocation place{1, 2, 3, 4};
+    EXPECT_EQ(pciLocation(adapterAt(1, 2, 3, 4)), place);
+    EXPECT_EQ(pciLocation(PI::CAdapterID{1, 2, 3, 4, 5}), place);
+    EXPECT_EQ(unassignedIdentity(place), (PI::CAdapterID{1, 2, 3, 4, PI::CAdapterID::UNASSIGNED}));
+}
+
 TEST(Location, IsTheSameWhateverTheProcessesLocale)
 {
     const TestSupport::CGroupingLocale locale;

@@ -1,5 +1,6 @@
 #include "Support/TemporaryFolder.h"
 
+#include <TLX/Linux/Descriptor.h>
 #include <TLX/TraceSink.h>
 
 #include <gtest/gtest.h>
@@ -64,32 +65,30 @@ TEST_F(RotatingFileSinkPipe, IsRefusedWhileNobodyReadsIt)
 
 TEST_F(RotatingFileSinkPipe, GetsLinesAndIsNeverRenamed)
 {
-    const int reader = open(m_File.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    ASSERT_GE(reader, 0);
+    const TLX::Linux::CDescriptor reader(open(m_File.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    ASSERT_TRUE(reader.Valid());
     const auto sink = rotatingFileSink(m_File, formatLine(line("1")).size() + 1);
     sink->Write(line("1"));
     sink->Write(line("2"));
-    EXPECT_EQ(readFrom(reader, 1000), formatLine(line("1")) + "\n" + formatLine(line("2")) + "\n");
+    EXPECT_EQ(readFrom(reader.Get(), 1000), formatLine(line("1")) + "\n" + formatLine(line("2")) + "\n");
     EXPECT_FALSE(fs::exists(m_File.string() + ".1"));
-    (void)close(reader);
 }
 
 TEST_F(RotatingFileSinkPipe, LosesLinesRatherThanWait)
 {
     constexpr int smallest = 4096;
-    const int reader = open(m_File.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    ASSERT_GE(reader, 0);
-    ASSERT_GE(fcntl(reader, F_SETPIPE_SZ, smallest), 0);
+    const TLX::Linux::CDescriptor reader(open(m_File.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    ASSERT_TRUE(reader.Valid());
+    ASSERT_GE(fcntl(reader.Get(), F_SETPIPE_SZ, smallest), 0);
     const auto sink = rotatingFileSink(m_File);
     const std::string stored = formatLine(line("x")) + "\n";
     for (int i = 0; i < smallest; ++i)
         sink->Write(line("x"));
-    const std::string first = readFrom(reader, 2 * smallest);
+    const std::string first = readFrom(reader.Get(), 2 * smallest);
     EXPECT_EQ(first.substr(0, stored.size()), stored);
     EXPECT_EQ(first.size() % stored.size(), 0U) << "no line is torn";
     sink->Write(line("later"));
-    EXPECT_EQ(readFrom(reader, smallest), formatLine(line("later")) + "\n");
-    (void)close(reader);
+    EXPECT_EQ(readFrom(reader.Get(), smallest), formatLine(line("later")) + "\n");
 }
 
 } // namespace

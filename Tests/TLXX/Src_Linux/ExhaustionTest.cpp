@@ -1,5 +1,6 @@
 #include "SysfsTree.h"
 
+#include <TLX/Linux/Descriptor.h>
 #include <TLXX/Diagnosis.h>
 #include <TLXX/Linux/Sysfs.h>
 #include <TLXX/NvmeQuery.h>
@@ -25,8 +26,7 @@ public:
     explicit CDescriptorLimit(rlim_t further)
     {
         getrlimit(RLIMIT_NOFILE, &m_Former);
-        const int lowestFree = open("/dev/null", O_RDONLY | O_CLOEXEC);
-        close(lowestFree);
+        const int lowestFree = TLX::Linux::CDescriptor(open("/dev/null", O_RDONLY | O_CLOEXEC)).Get();
         rlimit limit = m_Former;
         limit.rlim_cur = static_cast<rlim_t>(lowestFree) + further;
         setrlimit(RLIMIT_NOFILE, &limit);

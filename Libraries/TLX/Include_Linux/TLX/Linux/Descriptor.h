@@ -28,6 +28,8 @@ public:
 
     bool Valid() const { return m_Descriptor >= 0; }
     int Get() const { return m_Descriptor; }
+    /** Owns none any more; the caller closes it. */
+    [[nodiscard]] int Release() noexcept { return std::exchange(m_Descriptor, -1); }
 
 private:
     int m_Descriptor = -1;

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <TLX/Linux/Descriptor.h>
-#include <TLX/Thread.h>
+#include <TLX/Linux/DescriptorWatch.h>
 #include <TLXX/DeviceBackend.h>
 #include <TLXX/Export.h>
 
 #include <functional>
-#include <optional>
 
 namespace TLXX::Linux {
 
@@ -19,17 +17,14 @@ public:
      * count. Throws `std::system_error` when the system refuses a thread or descriptor.
      */
     CUeventAnnouncements(TLX::Linux::CDescriptor messages, std::function<void()> announce);
-    ~CUeventAnnouncements() override;
 
 private:
-    void Run();
-    /** Reads all messages that have come. Returns false when no more can come. */
-    bool ReadAll();
+    /** Reads what has come. Returns false when nothing will come any more. */
+    bool ReadAll() const;
 
     const TLX::Linux::CDescriptor m_Messages;
-    const TLX::Linux::CDescriptor m_Stop;
     const std::function<void()> m_Announce;
-    std::optional<TLX::Threading::CThread> m_Thread;
+    const TLX::Linux::CDescriptorWatch m_Watch; // the last one, because its thread uses the others
 };
 
 /** A socket on which the kernel announces devices. It needs no privilege. None when the system refuses it. */

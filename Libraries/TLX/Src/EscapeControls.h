@@ -5,9 +5,6 @@
 
 namespace TLX::Internals {
 
-/** Whether the whole text is well-formed UTF-8. */
-bool isUtf8(std::string_view text);
-
 /** The text with control characters and bytes outside UTF-8 as "\n", "\r", "\t" or "\xNN". */
 std::string escapeControls(std::string_view text);
 

@@ -1,0 +1,12 @@
+#include "Drives/FileEdits.h"
+
+namespace Host {
+
+// Polling finds edits here.
+std::unique_ptr<TLXX::IAnnouncements> announceEdits(const std::filesystem::path& /*file*/,
+                                                    std::function<void()> /*announce*/)
+{
+    return nullptr;
+}
+
+} // namespace Host
