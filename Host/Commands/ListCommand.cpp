@@ -2,7 +2,7 @@
 
 #include "Base/Text.h"
 #include "Terminal/Paragraph.h"
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 #include "Terminal/Table.h"
 
 #include <PI/PropertyId.h>

@@ -17,7 +17,7 @@
 #include "Facts/Explanation.h"
 #include "Plugins/ControllerNames.h"
 #include "Terminal/Messages.h"
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 #include "Terminal/Screen.h"
 
 #include <nlohmann/json.hpp>

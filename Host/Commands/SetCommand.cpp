@@ -4,7 +4,7 @@
 #include "Base/FileText.h"
 #include "Base/Platform.h"
 #include "Base/Text.h"
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 
 #include <charconv>
 #include <limits>

@@ -7,7 +7,7 @@
 #include "Facts/EndOfLife.h"
 #include "Facts/Explanation.h"
 #include "Terminal/Paragraph.h"
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 
 #include <optional>
 

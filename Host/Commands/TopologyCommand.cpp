@@ -3,7 +3,7 @@
 #include "Base/Text.h"
 #include "Facts/Measured.h"
 #include "Terminal/Paragraph.h"
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 
 #include <PI/PluginHelper.h>
 

@@ -2,7 +2,7 @@
 
 #include "Base/Failure.h"
 #include "Base/Platform.h"
-#include "Base/Seconds.h"
+#include "Base/Time.h"
 #include "Commands/Session.h"
 #include "Documents/EntryJson.h"
 #include "Documents/Json.h"

@@ -2,7 +2,7 @@
 
 #include "Documents/JsonNumber.h"
 #include "Facts/EndOfLife.h"
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 
 #include <PI/ErrorCode.h>
 #include <PI/PluginHelper.h>

@@ -1,7 +1,7 @@
 #include "Facts/DriveEvent.h"
 
 #include "Base/Platform.h"
-#include "Base/Seconds.h"
+#include "Base/Time.h"
 #include "Base/Text.h"
 
 #include <PI/EventCode.h>

@@ -2,7 +2,7 @@
 
 #include "Base/Text.h"
 #include "Documents/JsonNumber.h"
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 
 #include <PI/LifeTimeData.h>
 #include <PI/PluginHelper.h>

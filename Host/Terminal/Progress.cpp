@@ -1,6 +1,6 @@
 #include "Terminal/Progress.h"
 
-#include "Base/Seconds.h"
+#include "Base/Time.h"
 
 #include <TLX/Clock.h>
 #include <TLX/WaitResult.h>
