@@ -1,8 +1,8 @@
 #include "Commands/ListCommand.h"
 
 #include "Base/Text.h"
-#include "Terminal/Paragraph.h"
 #include "Facts/PropertyText.h"
+#include "Terminal/Paragraph.h"
 #include "Terminal/Table.h"
 
 #include <PI/PropertyId.h>

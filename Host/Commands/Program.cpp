@@ -11,13 +11,13 @@
 #include "Commands/ShowCommand.h"
 #include "Commands/TopologyCommand.h"
 #include "Commands/WatchCommand.h"
+#include "Documents/EndOfLifeJson.h"
+#include "Documents/ExplanationJson.h"
 #include "Documents/Json.h"
 #include "Facts/Drives.h"
-#include "Facts/EndOfLife.h"
-#include "Facts/Explanation.h"
+#include "Facts/PropertyText.h"
 #include "Plugins/ControllerNames.h"
 #include "Terminal/Messages.h"
-#include "Facts/PropertyText.h"
 #include "Terminal/Screen.h"
 
 #include <nlohmann/json.hpp>

@@ -6,8 +6,8 @@
 #include "Commands/TopologyCommand.h"
 #include "Facts/EndOfLife.h"
 #include "Facts/Explanation.h"
-#include "Terminal/Paragraph.h"
 #include "Facts/PropertyText.h"
+#include "Terminal/Paragraph.h"
 
 #include <optional>
 

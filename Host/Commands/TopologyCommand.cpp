@@ -2,8 +2,8 @@
 
 #include "Base/Text.h"
 #include "Facts/Measured.h"
-#include "Terminal/Paragraph.h"
 #include "Facts/PropertyText.h"
+#include "Terminal/Paragraph.h"
 
 #include <PI/PluginHelper.h>
 

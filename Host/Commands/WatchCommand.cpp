@@ -11,6 +11,7 @@
 #include "Facts/Observation.h"
 #include "Journal/Journal.h"
 #include "Journal/Told.h"
+#include "Terminal/EventLine.h"
 #include "Terminal/PollForecast.h"
 #include "Terminal/StatusLine.h"
 
