@@ -317,11 +317,11 @@ std::optional<std::uint32_t> parseMask(std::string_view text)
     return fitting(startsWithIgnoringCase(text, "0x") ? parseHexadecimal(text) : parseNumber(text, 10));
 }
 
-bool keepsData(const Options& options)
+bool keepsRows(const Options& options)
 {
-    const bool isKeeper = options.m_Command == Command::Set || options.m_Command == Command::Watch;
-    // Drives that are none do not belong among those of the machine.
-    return options.m_Data || (isKeeper && !options.m_Fleet);
+    // "set" writes settings alone. Simulated drives do not belong among those of the machine.
+    return options.m_Command != Command::Set &&
+           (options.m_Data || (options.m_Command == Command::Watch && !options.m_Fleet));
 }
 
 bool addTraceMask(std::string_view text, TraceOptions& trace)

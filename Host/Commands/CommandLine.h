@@ -36,8 +36,8 @@ struct Options
     std::optional<std::uint32_t> m_Seconds; ///< of `watch`
 };
 
-/** Whether a command keeps what it learns: where it is told to, or among what this machine has of its own. */
-bool keepsData(const Options& options);
+/** Whether a command keeps rows in the data folder: `watch` of real drives, and who is told a folder. */
+bool keepsRows(const Options& options);
 
 /** The user asked for help or the version: `what()` is the text to print. */
 class TextAsked : public std::runtime_error

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Base/Warn.h"
 #include "Drives/Fleet.h"
 
 #include <TLXX/DeviceBackend.h>
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -22,8 +22,6 @@ namespace Host {
 class SimulatedFleet : public TLXX::IDeviceBackend
 {
 public:
-    using Warn = std::function<void(const std::string&)>;
-
     /** Throws `Failure` when the file cannot be read or is no fleet. */
     SimulatedFleet(std::filesystem::path file, Warn warn);
 

@@ -93,19 +93,20 @@ TEST(CommandLine, TakesSeveralPluginsAndMasks)
     EXPECT_FALSE(parse({"list", "--trace", "313=0"}).m_Trace.wanted());
 }
 
-TEST(CommandLine, OnlySetAndWatchOfRealDrivesKeepDataUnasked)
+TEST(CommandLine, OnlyWatchOfRealDrivesKeepsRowsUnasked)
 {
-    EXPECT_TRUE(keepsData(parse({"set", "plugin", "pollinterval", "60"})));
-    EXPECT_TRUE(keepsData(parse({"watch"})));
-    EXPECT_FALSE(keepsData(parse({"watch", "--simulate", "f.json"})));
-    EXPECT_TRUE(keepsData(parse({"watch", "--simulate", "f.json", "--data", "d"})));
+    EXPECT_TRUE(keepsRows(parse({"watch"})));
+    EXPECT_FALSE(keepsRows(parse({"watch", "--simulate", "f.json"})));
+    EXPECT_TRUE(keepsRows(parse({"watch", "--simulate", "f.json", "--data", "d"})));
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"list"}, {"topology"}, {"show", "plugin"}, {"doctor"}}) {
-        EXPECT_FALSE(keepsData(parse(words)));
+        EXPECT_FALSE(keepsRows(parse(words)));
         std::vector<std::string> told = words;
         told.insert(told.end(), {"--data", "d"});
-        EXPECT_TRUE(keepsData(parse(told)));
+        EXPECT_TRUE(keepsRows(parse(told)));
     }
+    EXPECT_FALSE(keepsRows(parse({"set", "plugin", "pollinterval", "60"})));
+    EXPECT_FALSE(keepsRows(parse({"set", "plugin", "pollinterval", "60", "--data", "d"})));
 }
 
 TEST(CommandLine, SimulatedDrivesHaveNoSettingsOfTheMachine)
