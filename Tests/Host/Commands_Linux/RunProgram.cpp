@@ -3,6 +3,7 @@
 #include "Host/Built.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -179,6 +180,19 @@ ProgramResult runIntoFullPipe(const std::vector<std::string>& arguments, const E
     return result;
 }
 
+ProgramResult runWithFullErrors(const std::vector<std::string>& arguments, const Environment& environment)
+{
+    const Pipe errors;
+    const std::size_t filler = errors.fill();
+    const Descriptor output(open("/dev/null", O_WRONLY));
+    const pid_t child = start(arguments, environment, output.number(), errors.m_Writer->number());
+    errors.m_Writer->reset();
+    ProgramResult result;
+    result.m_Errors = readAll(errors.m_Reader->number()).substr(filler);
+    result.m_ExitCode = waitFor(child);
+    return result;
+}
+
 ProgramResult runUnread(const std::vector<std::string>& arguments, const Environment& environment)
 {
     const Pipe output;
@@ -234,11 +248,14 @@ struct RunningProgram::Native
 {
     std::string await(Stream& stream, const std::string& text)
     {
-        constexpr int minute = 60'000;
+        using Clock = std::chrono::steady_clock;
+        // A status line that goes on must not put the end off.
+        const Clock::time_point end = Clock::now() + std::chrono::minutes(1);
         std::size_t found = 0;
         while ((found = stream.m_Text.find(text)) == std::string::npos) {
             pollfd ready{stream.m_Ours->number(), POLLIN, 0};
-            if (poll(&ready, 1, minute) == 0)
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+            if (left <= 0 || poll(&ready, 1, static_cast<int>(left)) == 0)
                 throw std::runtime_error("no \"" + text + "\" in time, but: " + stream.m_Text);
             if (!stream.read())
                 throw std::runtime_error("the program ended without \"" + text + "\": " + stream.m_Text);
