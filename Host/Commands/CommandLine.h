@@ -58,6 +58,33 @@ bool addTraceMask(std::string_view text, TraceOptions& trace);
  */
 Options parseCommandLine(const std::vector<std::string>& words);
 
+/** An option as people are told of it. */
+struct OptionUsage
+{
+    std::vector<std::string> m_Names; ///< short ones first: "-h", "--help"
+    std::string m_Value;              ///< what it takes, such as "FILE"; empty for a flag
+    std::string m_Description;        ///< a line
+    std::string m_Details;            ///< more of it, for the manual: a sentence a line
+    bool m_IsRepeated = false;        ///< may be given several times
+};
+
+struct CommandUsage
+{
+    std::string m_Name;
+    std::string m_Description;
+    std::vector<OptionUsage> m_Options; ///< those that no other command has
+};
+
+/** What the command line takes. */
+struct Usage
+{
+    std::vector<OptionUsage> m_Options; ///< those of every command
+    std::vector<CommandUsage> m_Commands;
+};
+
+/** The description from which help, manual and completions come. */
+Usage usage();
+
 /** The name of the command among these words, even where the others are wrong; empty when there is none. */
 std::string commandIn(const std::vector<std::string>& words);
 
