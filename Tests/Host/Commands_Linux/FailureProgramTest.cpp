@@ -152,10 +152,10 @@ TEST(ProgramFailure, WaitsForAnOutputThatTakesNoMoreForNow)
 
 TEST(ProgramFailure, LosesNoMessageWhereErrorsTakeNoMoreForNow)
 {
-    const std::vector<std::string> words = simulated({"show", "nobody"});
+    // Many times what the pipe holds, so that it is full again and again.
+    const std::vector<std::string> words = simulated({"show", std::string(100'000, 'x')});
     const ProgramResult result = runWithFullErrors(words);
     EXPECT_EQ(result.m_ExitCode, 5);
-    EXPECT_THAT(result.m_Errors, HasSubstr("nobody"));
     EXPECT_EQ(result.m_Errors, runProgram(words).m_Errors);
 }
 
