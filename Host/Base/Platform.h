@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Base/Output.h"
+
 #include <TLX/Event.h>
 
 #include <cstdint>
@@ -83,44 +85,49 @@ enum class Elsewhere
     Nowhere,
 };
 
-/** Nobody reads the standard output any more. */
+/** Nobody reads an output of the program any more. */
 class ReaderGone : public std::runtime_error
 {
 public:
-    ReaderGone() : std::runtime_error("nobody reads the standard output any more") {}
+    ReaderGone() : std::runtime_error("nobody reads the output any more") {}
+};
+
+/** An output that the process was started with. */
+enum class Standard
+{
+    Output,
+    Error,
 };
 
 /**
- * The process's standard output, kept for the program's results alone: after `divertOthers`, whatever else
- * prints to standard output lands elsewhere. From construction on, a write to an output that nobody reads any
- * more fails; it never ends the process.
+ * A standard output, kept under a number of its own: what is done with the process's own number later changes
+ * nothing here. From construction on, a write to an output that nobody reads any more fails; it never ends
+ * the process.
  */
-class ResultChannel
+class StandardOutput : public Output
 {
 public:
-    ResultChannel();
-    ~ResultChannel();
-    ResultChannel(const ResultChannel&) = delete;
-    ResultChannel& operator=(const ResultChannel&) = delete;
+    explicit StandardOutput(Standard which);
+    ~StandardOutput() override;
+    StandardOutput(const StandardOutput&) = delete;
+    StandardOutput& operator=(const StandardOutput&) = delete;
 
-    void divertOthers(Elsewhere elsewhere);
-
-    /**
-     * Writes everything, and waits where the output takes no more for now. Throws `ReaderGone`, and
-     * `std::system_error` when not everything could be written for another reason.
+    /** Throws `ReaderGone`, and `std::system_error` when not everything could be written for another reason.
      */
-    void write(std::string_view text);
+    void write(std::string_view text) override;
 
-    bool isTerminal() const;
-    /** Columns of the terminal; 80 when it does not say. */
-    unsigned terminalWidth() const;
-    /** Whether the terminal understands the escape sequences of colours. */
-    bool showsColours() const;
+    bool isTerminal() const override;
+    unsigned terminalWidth() const override;
+    bool showsColours() const override;
 
 private:
     struct Native;
     std::unique_ptr<Native> m_Native;
 };
+
+/** From now on whatever prints to the standard output, such as a plug-in, prints elsewhere. A
+ * `StandardOutput` that was made before still writes to the real one. */
+void divertStandardOutput(Elsewhere elsewhere);
 
 /**
  * While it lives, it takes what asks the program to end: an interrupt, a closed terminal, a shutdown. That
@@ -149,9 +156,6 @@ private:
 
 /** `time` on the clock on this machine's wall. */
 std::tm localTime(std::time_t time);
-
-/** Whether standard error is a terminal. */
-bool errorsGoToTerminal();
 
 /** An NVMe function on a PCI bus that the system's NVMe driver does not serve. */
 struct UnservedFunction

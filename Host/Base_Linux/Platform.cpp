@@ -81,36 +81,69 @@ void* DynamicLibrary::symbol(const char* name) const
     return dlsym(m_Handle, name);
 }
 
-struct ResultChannel::Native
+struct StandardOutput::Native
 {
-    const TLX::Linux::CDescriptor m_Output{fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1)};
+    explicit Native(Standard which)
+        : m_Descriptor(fcntl(which == Standard::Output ? STDOUT_FILENO : STDERR_FILENO, F_DUPFD_CLOEXEC,
+                             STDERR_FILENO + 1)),
+          m_Name(which == Standard::Output ? "standard output" : "standard error")
+    {}
+
+    /** Returns when a write that failed with `error` may be tried again; throws when it may not. */
+    void awaitRoom(int error) const
+    {
+        if (error == EPIPE)
+            throw ReaderGone();
+        // Another process that has the same output may have made it non-blocking.
+        pollfd output{m_Descriptor.Get(), POLLOUT, 0};
+        const bool mayWait = error == EAGAIN && (poll(&output, 1, -1) >= 0 || errno == EINTR);
+        if (!mayWait && error != EINTR)
+            throw std::system_error(error, std::generic_category(), m_Name);
+    }
+
+    const TLX::Linux::CDescriptor m_Descriptor;
+    const char* const m_Name;
 };
 
-ResultChannel::ResultChannel() : m_Native(std::make_unique<Native>())
+StandardOutput::StandardOutput(Standard which) : m_Native(std::make_unique<Native>(which))
 {
     // For good: what is said about a failed write may go to the same output.
     (void)std::signal(SIGPIPE, SIG_IGN);
 }
 
-ResultChannel::~ResultChannel() = default;
+StandardOutput::~StandardOutput() = default;
 
-namespace {
-
-/** Returns when a write that failed with `error` may be tried again; throws when it may not. */
-void awaitRoom(int descriptor, int error)
+void StandardOutput::write(std::string_view text)
 {
-    if (error == EPIPE)
-        throw ReaderGone();
-    // Whoever shares the output may have made it one that does not wait.
-    pollfd output{descriptor, POLLOUT, 0};
-    const bool mayWait = error == EAGAIN && (poll(&output, 1, -1) >= 0 || errno == EINTR);
-    if (!mayWait && error != EINTR)
-        throw std::system_error(error, std::generic_category(), "standard output");
+    while (!text.empty()) {
+        const ssize_t written = ::write(m_Native->m_Descriptor.Get(), text.data(), text.size());
+        if (written < 0) {
+            m_Native->awaitRoom(errno);
+            continue;
+        }
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
 }
 
-} // namespace
+bool StandardOutput::isTerminal() const
+{
+    return isatty(m_Native->m_Descriptor.Get()) == 1;
+}
 
-void ResultChannel::divertOthers(Elsewhere elsewhere)
+unsigned StandardOutput::terminalWidth() const
+{
+    constexpr unsigned usual = 80;
+    winsize size{};
+    return ioctl(m_Native->m_Descriptor.Get(), TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
+}
+
+bool StandardOutput::showsColours() const
+{
+    const char* const terminal = std::getenv("TERM");
+    return isTerminal() && terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
+}
+
+void divertStandardOutput(Elsewhere elsewhere)
 {
     if (elsewhere == Elsewhere::StandardError && dup2(STDERR_FILENO, STDOUT_FILENO) >= 0)
         return;
@@ -123,46 +156,11 @@ void ResultChannel::divertOthers(Elsewhere elsewhere)
         (void)dup2(null.Get(), STDOUT_FILENO);
 }
 
-void ResultChannel::write(std::string_view text)
-{
-    while (!text.empty()) {
-        const ssize_t written = ::write(m_Native->m_Output.Get(), text.data(), text.size());
-        if (written < 0) {
-            awaitRoom(m_Native->m_Output.Get(), errno);
-            continue;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-}
-
-bool ResultChannel::isTerminal() const
-{
-    return isatty(m_Native->m_Output.Get()) == 1;
-}
-
-unsigned ResultChannel::terminalWidth() const
-{
-    constexpr unsigned usual = 80;
-    winsize size{};
-    return ioctl(m_Native->m_Output.Get(), TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
-}
-
-bool ResultChannel::showsColours() const
-{
-    const char* const terminal = std::getenv("TERM");
-    return isTerminal() && terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
-}
-
 std::tm localTime(std::time_t time)
 {
     std::tm result{};
     (void)localtime_r(&time, &result);
     return result;
-}
-
-bool errorsGoToTerminal()
-{
-    return isatty(STDERR_FILENO) == 1;
 }
 
 std::string_view permissionRemedy()

@@ -114,9 +114,11 @@ void* DynamicLibrary::symbol(const char* name) const
     return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(m_Handle), name));
 }
 
-struct ResultChannel::Native
+struct StandardOutput::Native
 {
-    Native()
+    explicit Native(Standard which)
+        : m_Descriptor(which == Standard::Output ? STANDARD_OUTPUT : STANDARD_ERROR),
+          m_Name(which == Standard::Output ? "standard output" : "standard error")
     {
         if (m_Descriptor.m_Number >= 0)
             (void)_setmode(m_Descriptor.m_Number, _O_BINARY);
@@ -124,7 +126,7 @@ struct ResultChannel::Native
 
     struct Descriptor
     {
-        Descriptor() = default;
+        explicit Descriptor(int standard) : m_Number(_dup(standard)) {}
         ~Descriptor()
         {
             if (m_Number >= 0)
@@ -133,17 +135,52 @@ struct ResultChannel::Native
         Descriptor(const Descriptor&) = delete;
         Descriptor& operator=(const Descriptor&) = delete;
 
-        int m_Number = _dup(STANDARD_OUTPUT);
+        const int m_Number;
     };
 
     Descriptor m_Descriptor;
+    const char* m_Name;
     ConsoleState m_Console{systemHandle(m_Descriptor.m_Number)};
 };
 
-ResultChannel::ResultChannel() : m_Native(std::make_unique<Native>()) {}
-ResultChannel::~ResultChannel() = default;
+StandardOutput::StandardOutput(Standard which) : m_Native(std::make_unique<Native>(which)) {}
+StandardOutput::~StandardOutput() = default;
 
-void ResultChannel::divertOthers(Elsewhere elsewhere)
+void StandardOutput::write(std::string_view text)
+{
+    while (!text.empty()) {
+        const auto length = static_cast<unsigned>(std::min<std::size_t>(text.size(), INT_MAX));
+        const int written = _write(m_Native->m_Descriptor.m_Number, text.data(), length);
+        // The runtime does not know every number that Windows has for a pipe without a reader.
+        if (written < 0 && (errno == EPIPE || _doserrno == ERROR_NO_DATA))
+            throw ReaderGone();
+        if (written < 0)
+            throw std::system_error(errno, std::generic_category(), m_Native->m_Name);
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+bool StandardOutput::isTerminal() const
+{
+    return m_Native->m_Console.isConsole();
+}
+
+unsigned StandardOutput::terminalWidth() const
+{
+    constexpr unsigned usual = 80;
+    CONSOLE_SCREEN_BUFFER_INFO information{};
+    if (GetConsoleScreenBufferInfo(systemHandle(m_Native->m_Descriptor.m_Number), &information) == FALSE)
+        return usual;
+    const int columns = information.srWindow.Right - information.srWindow.Left + 1;
+    return columns > 0 ? static_cast<unsigned>(columns) : usual;
+}
+
+bool StandardOutput::showsColours() const
+{
+    return m_Native->m_Console.showsColours();
+}
+
+void divertStandardOutput(Elsewhere elsewhere)
 {
     if (elsewhere == Elsewhere::StandardError && _dup2(STANDARD_ERROR, STANDARD_OUTPUT) == 0)
         return;
@@ -156,51 +193,11 @@ void ResultChannel::divertOthers(Elsewhere elsewhere)
     (void)_close(null);
 }
 
-void ResultChannel::write(std::string_view text)
-{
-    while (!text.empty()) {
-        const auto length = static_cast<unsigned>(std::min<std::size_t>(text.size(), INT_MAX));
-        const int written = _write(m_Native->m_Descriptor.m_Number, text.data(), length);
-        // The runtime does not know every number that Windows has for a pipe without a reader.
-        if (written < 0 && (errno == EPIPE || _doserrno == ERROR_NO_DATA))
-            throw ReaderGone();
-        if (written < 0)
-            throw std::system_error(errno, std::generic_category(), "standard output");
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-}
-
-bool ResultChannel::isTerminal() const
-{
-    return m_Native->m_Console.isConsole();
-}
-
-unsigned ResultChannel::terminalWidth() const
-{
-    constexpr unsigned usual = 80;
-    CONSOLE_SCREEN_BUFFER_INFO information{};
-    if (GetConsoleScreenBufferInfo(systemHandle(m_Native->m_Descriptor.m_Number), &information) == FALSE)
-        return usual;
-    const int columns = information.srWindow.Right - information.srWindow.Left + 1;
-    return columns > 0 ? static_cast<unsigned>(columns) : usual;
-}
-
-bool ResultChannel::showsColours() const
-{
-    return m_Native->m_Console.showsColours();
-}
-
 std::tm localTime(std::time_t time)
 {
     std::tm result{};
     (void)localtime_s(&result, &time);
     return result;
-}
-
-bool errorsGoToTerminal()
-{
-    DWORD mode = 0;
-    return GetConsoleMode(systemHandle(STANDARD_ERROR), &mode) != FALSE;
 }
 
 std::string_view permissionRemedy()

@@ -14,6 +14,8 @@
 namespace Host::Cli {
 namespace {
 
+constexpr char POINTER[] = " \"ostrel --help\" tells what there is.";
+
 std::optional<std::uint32_t> fitting(std::optional<std::uint64_t> number)
 {
     return number && *number <= std::numeric_limits<std::uint32_t>::max()
@@ -28,7 +30,7 @@ std::optional<std::uint32_t> parseSeconds(const std::string& text)
 
 std::string refuseNoPath(const std::string& text)
 {
-    return text.empty() ? "needs a name behind it, not an empty text" : std::string();
+    return text.empty() ? "needs a name, not an empty text" : std::string();
 }
 
 std::string refuseBadMask(const std::string& text)
@@ -36,12 +38,12 @@ std::string refuseBadMask(const std::string& text)
     TraceOptions ignored;
     return addTraceMask(text, ignored)
                ? std::string()
-               : "\"" + text + "\" is no number from 0 to 4294967295 or 0x0 to 0xFFFFFFFF";
+               : "\"" + text + "\" is not a number from 0 to 4294967295 or 0x0 to 0xFFFFFFFF";
 }
 
 std::string refuseBadSeconds(const std::string& text)
 {
-    return parseSeconds(text) ? std::string() : "\"" + text + "\" is no number from 0 to 4294967295";
+    return parseSeconds(text) ? std::string() : "\"" + text + "\" is not a number from 0 to 4294967295";
 }
 
 /** The parser and what it parses into. */
@@ -62,13 +64,15 @@ public:
 
     Options parse(std::vector<std::string> words)
     {
-        refuseEmptyValues(words);
+        refuseOddValues(words);
         try {
             take(std::move(words));
         } catch (const CLI::CallForHelp&) {
             throw TextAsked(help());
         } catch (const CLI::CallForVersion& version) {
             throw TextAsked(std::string(version.what()) + '\n');
+        } catch (const CLI::ArgumentMismatch&) {
+            throw Failure(ExitCode::WrongUsage, printable(mismatch()) + "." + POINTER);
         } catch (const CLI::ParseError& error) {
             throw Failure(ExitCode::WrongUsage, printable(complaint(error)) + "." + suggestion() +
                                                     " \"ostrel " + commandInQuestion(error) +
@@ -79,6 +83,21 @@ public:
                           "A simulated fleet has no settings of its own. Name a folder for "
                           "them with --data.");
         return std::move(m_Options);
+    }
+
+    /** What it takes, for documents and shells. */
+    Usage usage() const
+    {
+        Usage usage;
+        usage.m_Options = optionsOf(m_App);
+        for (const CLI::App* app : m_App.get_subcommands(nullptr)) {
+            CommandUsage command = {app->get_name(), app->get_description(), optionsOf(*app)};
+            std::erase_if(command.m_Options, [&](const OptionUsage& own) {
+                return m_App.get_option_no_throw(own.m_Names.front()) != nullptr;
+            });
+            usage.m_Commands.push_back(std::move(command));
+        }
+        return usage;
     }
 
     std::string commandIn(std::vector<std::string> words)
@@ -93,20 +112,73 @@ public:
     }
 
 private:
+    static std::vector<OptionUsage> optionsOf(const CLI::App& app)
+    {
+        std::vector<OptionUsage> options;
+        for (const CLI::Option* option : app.get_options()) {
+            if (option->get_positional())
+                continue;
+            OptionUsage each = {{}, option->get_option_text(), option->get_description(), {}};
+            for (const std::string& name : option->get_snames())
+                each.m_Names.push_back("-" + name);
+            for (const std::string& name : option->get_lnames())
+                each.m_Names.push_back("--" + name);
+            each.m_IsRepeated = option->get_items_expected_max() > 1;
+            for (const OptionDetails& row : OPTION_DETAILS)
+                if (each.m_Names.back() == row.m_Option)
+                    each.m_Details = row.m_Text;
+            options.push_back(std::move(each));
+        }
+        return options;
+    }
+
     /** The library wants the words in reverse, without the program's. */
     void take(std::vector<std::string> words)
     {
+        findOptionWithoutValue(words);
         std::reverse(words.begin(), words.end());
         words.pop_back();
         m_App.parse(words);
     }
 
-    /** The library would take the next word for the value, and miss it where it belongs. */
-    static void refuseEmptyValues(const std::vector<std::string>& words)
+    /** The library would take the next word for an empty value, and not look at the words after a wrong one.
+     */
+    void refuseOddValues(const std::vector<std::string>& words) const
     {
-        for (const std::string& word : words)
-            if (word.starts_with("--") && word.find('=') == word.size() - 1)
-                throw Failure(ExitCode::WrongUsage, "There is nothing behind \"" + printable(word) + "\".");
+        for (const std::string& word : words) {
+            const std::size_t sign = word.find('=');
+            if (!word.starts_with("--") || sign == std::string::npos)
+                continue;
+            const std::string name = word.substr(0, sign);
+            const CLI::Option* const option = optionNamed(name);
+            if (option != nullptr && option->get_items_expected_max() == 0)
+                throw Failure(ExitCode::WrongUsage, name + " takes no value." + POINTER);
+            if (sign == word.size() - 1)
+                throw Failure(ExitCode::WrongUsage,
+                              "The option \"" + printable(name) + "\" has no value after \"=\"." + POINTER);
+        }
+    }
+
+    /** The option of this name, whosever it is; null when there is none. */
+    const CLI::Option* optionNamed(const std::string& name) const
+    {
+        const CLI::App* const command = commandWith(name);
+        const CLI::Option* const own = command != nullptr ? command->get_option_no_throw(name) : nullptr;
+        return own != nullptr ? own : m_App.get_option_no_throw(name);
+    }
+
+    /** The library does not say in data which option is without its value: the first that no value follows.
+     */
+    void findOptionWithoutValue(const std::vector<std::string>& words)
+    {
+        for (std::size_t i = 0; i < words.size(); ++i) {
+            const CLI::Option* const option = isOption(words[i]) ? optionNamed(words[i]) : nullptr;
+            const bool takesValue = option != nullptr && option->get_items_expected_max() > 0;
+            if (takesValue && (i + 1 == words.size() || optionNamed(words[i + 1]) != nullptr)) {
+                m_WithoutValue = words[i];
+                return;
+            }
+        }
     }
 
     CLI::Option* addPath(const char* name, std::optional<std::filesystem::path>& path,
@@ -186,7 +258,7 @@ private:
             ->option_text(" ");
         addSetCommand();
         addWatchCommand();
-        addCommand(Command::Doctor, "doctor", "What can be seen here, what not, and why", DOCTOR_FOOTER);
+        addCommand(Command::Doctor, "doctor", "Check what can be seen here, and why not more", DOCTOR_FOOTER);
     }
 
     void addSetCommand()
@@ -216,14 +288,10 @@ private:
     /** The library would call for a command even where there is a word that is none. */
     std::string complaint(const CLI::ParseError& error) const
     {
-        // "json was given a disallowed flag override", whereupon the words behind are not looked at.
-        std::string text = error.what();
-        if (text.ends_with("flag override"))
-            return "--" + text.substr(0, text.find(' ')) + " takes no value";
         const std::vector<std::string> unknown = m_App.remaining(true);
         if (!unknown.empty() && isOption(unknown.front())) {
             if (const CLI::App* command = commandWith(unknown.front()))
-                return "The option \"" + unknown.front() + "\" belongs behind the command \"" +
+                return "The option \"" + unknown.front() + "\" belongs after the command \"" +
                        command->get_name() + "\"";
             return "There is no option \"" + unknown.front() + "\"";
         }
@@ -231,12 +299,18 @@ private:
             return unknown.empty() ? "A command is missing" + swallowedCommand()
                                    : "There is no command \"" + unknown.front() + "\"";
         if (!unknown.empty())
-            return "\"" + unknown.front() + "\" is one word too many";
-        // "--for: 1 required TEXT missing", "--data: At most 1 required but received 2"
-        if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr)
-            return text;
-        return text.substr(0, text.find(':')) +
-               (text.ends_with("missing") ? " needs a value" : " may be given once");
+            return "\"" + unknown.front() + "\" is one argument too many";
+        return error.what();
+    }
+
+    /** Which option has no value, or more than one. */
+    std::string mismatch() const
+    {
+        for (const CLI::App* app : appsInUse())
+            for (const CLI::Option* option : app->get_options())
+                if (option->results().size() > static_cast<std::size_t>(option->get_items_expected_max()))
+                    return option->get_name() + " may be given once";
+        return m_WithoutValue + " needs a value";
     }
 
     /** Where a command went when the value of an option was forgotten. */
@@ -308,6 +382,7 @@ private:
 
     CLI::App m_App{PROGRAM_HELP, "ostrel"};
     Options m_Options;
+    std::string m_WithoutValue;
 };
 
 } // namespace
@@ -317,11 +392,11 @@ std::optional<std::uint32_t> parseMask(std::string_view text)
     return fitting(startsWithIgnoringCase(text, "0x") ? parseHexadecimal(text) : parseNumber(text, 10));
 }
 
-bool keepsData(const Options& options)
+bool keepsRows(const Options& options)
 {
-    const bool isKeeper = options.m_Command == Command::Set || options.m_Command == Command::Watch;
-    // Drives that are none do not belong among those of the machine.
-    return options.m_Data || (isKeeper && !options.m_Fleet);
+    // "set" writes settings alone. Simulated drives do not belong among those of the machine.
+    return options.m_Command != Command::Set &&
+           (options.m_Data || (options.m_Command == Command::Watch && !options.m_Fleet));
 }
 
 bool addTraceMask(std::string_view text, TraceOptions& trace)
@@ -342,6 +417,11 @@ bool addTraceMask(std::string_view text, TraceOptions& trace)
 Options parseCommandLine(const std::vector<std::string>& words)
 {
     return Parser().parse(words);
+}
+
+Usage usage()
+{
+    return Parser().usage();
 }
 
 std::string commandIn(const std::vector<std::string>& words)

@@ -36,8 +36,8 @@ struct Options
     std::optional<std::uint32_t> m_Seconds; ///< of `watch`
 };
 
-/** Whether a command keeps what it learns: where it is told to, or among what this machine has of its own. */
-bool keepsData(const Options& options);
+/** Whether a command keeps rows in the data folder: `watch` of real drives, and who is told a folder. */
+bool keepsRows(const Options& options);
 
 /** The user asked for help or the version: `what()` is the text to print. */
 class TextAsked : public std::runtime_error
@@ -57,6 +57,33 @@ bool addTraceMask(std::string_view text, TraceOptions& trace);
  * (wrong usage).
  */
 Options parseCommandLine(const std::vector<std::string>& words);
+
+/** An option as people are told of it. */
+struct OptionUsage
+{
+    std::vector<std::string> m_Names; ///< short ones first: "-h", "--help"
+    std::string m_Value;              ///< what it takes, such as "FILE"; empty for a flag
+    std::string m_Description;        ///< a line
+    std::string m_Details;            ///< more of it, for the manual: a sentence a line
+    bool m_IsRepeated = false;        ///< may be given several times
+};
+
+struct CommandUsage
+{
+    std::string m_Name;
+    std::string m_Description;
+    std::vector<OptionUsage> m_Options; ///< those that no other command has
+};
+
+/** What the command line takes. */
+struct Usage
+{
+    std::vector<OptionUsage> m_Options; ///< those of every command
+    std::vector<CommandUsage> m_Commands;
+};
+
+/** The description from which help, manual and completions come. */
+Usage usage();
 
 /** The name of the command among these words, even where the others are wrong; empty when there is none. */
 std::string commandIn(const std::vector<std::string>& words);

@@ -103,6 +103,16 @@ std::pair<std::string, Tone> wordOf(Finding finding)
 
 } // namespace
 
+ExitCode doctor(const Session& session)
+{
+    const std::vector<Check> checks = examine(session);
+    if (session.m_Options.m_Json)
+        session.print(doctorJson(checks));
+    else
+        session.print(doctorText(checks, session.m_Terminal.screen()));
+    return exitCodeOf(checks);
+}
+
 Check ok(std::string subject, std::string message)
 {
     return {Finding::Ok, std::move(subject), std::move(message), {}, ExitCode::Done};

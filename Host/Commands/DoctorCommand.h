@@ -37,6 +37,9 @@ Check ok(std::string subject, std::string message);
 Check note(std::string subject, std::string message);
 Check problem(ExitCode exitCode, std::string subject, std::string message, std::string remedy);
 
+/** Prints what `examine` finds. */
+ExitCode doctor(const Session& session);
+
 /** Looks at everything from the plug-in's file to each drive's answers. Throws nothing for what it finds. */
 std::vector<Check> examine(const Session& session);
 

@@ -43,7 +43,7 @@ Check checkPlaceOf(const std::filesystem::path& file)
         return badDatabase("there is no " + file.string() +
                                " yet, and none can be made: " + complaint(folder, error, "folder"),
                            error);
-    return ok("database", "there is no " + file.string() + " yet; \"watch\" and \"set\" make one");
+    return ok("database", "there is no " + file.string() + " yet; \"watch\" makes one");
 }
 
 } // namespace
@@ -67,8 +67,8 @@ Check checkKeptRows(const std::filesystem::path& file)
     if (std::filesystem::symlink_status(file, error).type() == std::filesystem::file_type::not_found)
         return checkPlaceOf(file);
     if (std::filesystem::status(file, error).type() == std::filesystem::file_type::not_found)
-        return note("database", file.string() + " is a link to nothing; \"watch\" and \"set\" make a file "
-                                                "there if they can");
+        return note("database",
+                    file.string() + " is a link to nothing; \"watch\" makes a file there if it can");
     const bool isFile = std::filesystem::is_regular_file(file, error);
     if (isFile)
         error = Platform::accessError(file, Platform::Access::Read);
@@ -82,15 +82,15 @@ Check checkKeptRows(const std::filesystem::path& file)
         case EDatabaseTables::Present:
             return ok("database", file.string() + ", which this run leaves as it is");
         case EDatabaseTables::None:
-            return ok("database", file.string() + " is empty; \"watch\" and \"set\" fill it");
+            return ok("database", file.string() + " is empty; \"watch\" fills it");
         case EDatabaseTables::Newer:
             return badDatabase(file.string() +
                                " holds the tables of a newer release, which this one refuses");
         case EDatabaseTables::Foreign:
             break;
         }
-        return note("database", file.string() + " holds the tables of another release; the next \"watch\" or "
-                                                "\"set\" rebuilds them");
+        return note("database", file.string() + " holds the tables of another release; the next \"watch\" "
+                                                "rebuilds them");
     } catch (const DBEXCEPTION::DatabaseException& exception) {
         return badDatabase(exception.what());
     }

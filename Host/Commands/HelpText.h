@@ -4,11 +4,11 @@
 namespace Host::Cli {
 
 inline constexpr char PROGRAM_HELP[] =
-    "Shows NVMe drives: what they are, how they fare, what is wrong with them.";
+    "Shows NVMe drives, how healthy they are, and what is wrong with them.";
 
 inline constexpr char PROGRAM_FOOTER[] =
-    R"(These options may stand before or after the command, a command's own options
-only after it. "ostrel COMMAND --help" tells more about a command.
+    R"(These options may come before or after the command. The options of a single
+command must come after it. "ostrel COMMAND --help" tells more about a command.
 
 Exit codes: 0 done, 1 a request failed, 2 wrong usage, 3 no supported hardware,
 4 no permission, 5 no such object.
@@ -19,8 +19,8 @@ Examples:
   ostrel list --json --simulate fleet.json)";
 
 inline constexpr char LIST_FOOTER[] =
-    R"(On a terminal long texts are shortened and the reasons of a bad health stand
-below the table; elsewhere, and with --json, every text is whole.
+    R"(On a terminal long texts are shortened, and the reasons of a bad health are
+below the table. Elsewhere, and with --json, every text is whole.
 All options of "ostrel --help" may be given, too.
 
 Examples:
@@ -36,8 +36,8 @@ Examples:
 
 inline constexpr char SHOW_FOOTER[] =
     R"(A serial number, a device (nvme0n1), its controller (nvme0) or a PCI address
-(0000:01:00.0, 01:00.0) stands for the adapter and its drive, an identifier or a
-location for one object, "plugin" for the plug-in's own. With PROPERTY just its
+(0000:01:00.0, 01:00.0) names an adapter and its drive. An identifier or a
+location names one object, "plugin" the plug-in itself. With PROPERTY just its
 value is printed.
 All options of "ostrel --help" may be given, too.
 
@@ -83,5 +83,31 @@ All options of "ostrel --help" may be given, too.
 Examples:
   sudo ostrel doctor
   ostrel doctor --simulate fleet.json)";
+
+/** What the manual tells of an option beside its line in the help: a sentence a line. */
+struct OptionDetails
+{
+    const char* m_Option;
+    const char* m_Text;
+};
+
+inline constexpr OptionDetails OPTION_DETAILS[] = {
+    {"--plugin", "This option may be given several times.\n"
+                 "Each plug-in must have a module number of its own.\n"
+                 "A plug-in that finds no hardware is no failure as long as another one finds some.\n"},
+    {"--data", "Most commands then keep what they see there, too.\n"
+               "The section FILES says more.\n"},
+    {"--simulate", "The drives of this machine are left alone.\n"},
+    {"--trace", "MASK is a decimal number or, after 0x, a hexadecimal one.\n"
+                "It is the sum of 2 (entry, exit and results), 4 (topology, property counts, wake reasons), "
+                "8 (locks), 16 (progress, scanned values) and 128 (the database).\n"
+                "With N, it holds for the plug-in with this module number alone.\n"
+                "The installed plug-in has the number 313.\n"
+                "This option may be given several times.\n"},
+    {"--trace-file", "A file that has grown to 8 MiB is renamed to FILE.1, and a new one is begun.\n"
+                     "Three such files are kept.\n"},
+    {"--help", "After a command, print the help of that command.\n"},
+    {"--for", "Only \"watch\" takes this option.\n"},
+};
 
 } // namespace Host::Cli

@@ -1,11 +1,14 @@
 #include "Commands/ListCommand.h"
 
 #include "Base/Text.h"
+#include "Documents/Json.h"
+#include "Facts/PropertyText.h"
 #include "Terminal/Paragraph.h"
-#include "Terminal/PropertyText.h"
 #include "Terminal/Table.h"
 
 #include <PI/PropertyId.h>
+
+#include <nlohmann/json.hpp>
 
 namespace Host::Cli {
 namespace {
@@ -72,6 +75,16 @@ Cell healthCell(const Drive& drive, bool withReasons)
 }
 
 } // namespace
+
+ExitCode list(const Session& session)
+{
+    const Inventory inventory(session);
+    if (session.m_Options.m_Json)
+        session.print(listJson(inventory.objects()));
+    else
+        session.print(listText(joinDrives(inventory.objects()), session.m_Terminal.screen()));
+    return ExitCode::Done;
+}
 
 std::string listText(const std::vector<Drive>& drives, const Screen& screen)
 {

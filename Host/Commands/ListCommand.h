@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Commands/Session.h"
 #include "Facts/Drives.h"
 #include "Terminal/Screen.h"
 
@@ -7,6 +8,9 @@
 #include <vector>
 
 namespace Host::Cli {
+
+/** Prints every drive. Throws `Failure`. */
+ExitCode list(const Session& session);
 
 /** One line a drive; on a terminal the reasons of a bad health stand below. */
 std::string listText(const std::vector<Drive>& drives, const Screen& screen);

@@ -1,8 +1,14 @@
 #include "Commands/Session.h"
 
 #include "Base/Failure.h"
+#include "Base/Platform.h"
+#include "Base/Text.h"
+#include "Documents/Json.h"
 #include "Drives/DeviceAccess.h"
+#include "Plugins/ControllerNames.h"
 #include "Plugins/DataFolder.h"
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <exception>
@@ -10,8 +16,23 @@
 #include <utility>
 
 namespace Host::Cli {
-
 namespace {
+
+/** Commands that look and keep what they see are done by then, in milliseconds. */
+constexpr std::uint64_t WATCH_PATIENCE = 3000;
+
+HostFolders foldersOf(const Options& options)
+{
+    return {shareFolder(Platform::programFolder()), options.m_Data.value_or(Platform::defaultDataFolder()),
+            keepsRows(options), options.m_Command == Command::Watch ? WATCH_PATIENCE : 0};
+}
+
+std::vector<std::filesystem::path> pluginsOf(const Options& options)
+{
+    std::vector<std::filesystem::path> plugins = {installedPlugin(Platform::programFolder())};
+    plugins.insert(plugins.end(), options.m_Plugins.begin(), options.m_Plugins.end());
+    return plugins;
+}
 
 /** Loads the plug-ins and says which devices refuse. */
 std::vector<TLXX::CControllerState> beginInventory(PluginSet& plugins, const Session& session)
@@ -45,12 +66,62 @@ std::vector<TLXX::CControllerState> controllersNow()
 
 } // namespace
 
+Session::Session(const Options& options, Terminal& terminal)
+    : m_Options(options),
+      m_Terminal(terminal),
+      m_Folders(foldersOf(options)),
+      m_Plugins(pluginsOf(options)),
+      m_Setup(m_Folders, options.m_Trace, options.m_Fleet, warn())
+{
+    if (!m_Setup.claim() || keepsRows())
+        return;
+    if (options.m_Command == Command::Watch)
+        throw m_Setup.claim()->failure();
+    // "doctor" has a line for it.
+    if (options.m_Command != Command::Doctor)
+        terminal.tell(m_Setup.claim()->refusal() + ". This run leaves them as they are.");
+}
+
+Warn Session::warn() const
+{
+    return [&terminal = m_Terminal](const std::string& message) { terminal.tell(message); };
+}
+
+std::vector<const PI::CObject*> Session::namedObjects(const ObjectStore& store) const
+{
+    return store.named(diskOfController(TLXX::controllerStates(), m_Options.m_Object));
+}
+
+void Session::print(const std::string& text) const
+{
+    const std::string mark =
+        simulated() ? printable("Simulated fleet: " + m_Setup.fleet()->file().filename().string()) + '\n'
+                    : "";
+    write(mark + text);
+}
+
+void Session::print(const nlohmann::ordered_json& document) const
+{
+    write(documentText(document, simulated()));
+}
+
+void Session::write(const std::string& text) const
+{
+    try {
+        m_Terminal.print(text);
+    } catch (const Platform::ReaderGone&) {
+        return;
+    }
+}
+
 Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Session& session)
 {
     // Trace lines are a sign of life themselves, and must not be torn.
     const TraceOptions& trace = session.m_Options.m_Trace;
     const bool traced = trace.wanted() && !trace.m_File;
-    return Progress(countDisks(states), traced ? nullptr : &session.m_Messages);
+    const std::size_t drives = countDisks(states);
+    return Progress("Asking " + std::to_string(drives) + (drives == 1 ? " drive" : " drives"),
+                    traced ? nullptr : &session.m_Terminal);
 }
 
 Inventory::Inventory(const Session& session) : m_Objects(takeInventory(m_Plugins, session)) {}

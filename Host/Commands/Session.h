@@ -6,31 +6,32 @@
 #include "Plugins/Monitor.h"
 #include "Plugins/ObjectStore.h"
 #include "Plugins/PluginSet.h"
-#include "Terminal/Messages.h"
 #include "Terminal/Progress.h"
+#include "Terminal/Terminal.h"
 
 #include <TLXX/Diagnosis.h>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <filesystem>
 #include <list>
+#include <string>
 #include <vector>
 
 namespace Host::Cli {
 
-/** What the commands work with: the prepared process, and who to tell what is not a result. */
-struct Session
+/** What a command works with: the prepared process, and the terminal that it talks to. */
+class Session
 {
-    const Options& m_Options;
-    const HostSetup& m_Setup;
-    HostFolders m_Folders;
-    std::vector<std::filesystem::path> m_Plugins; ///< the installed one first
-    Messages& m_Messages;
+public:
+    /**
+     * Prepares the process as plug-ins expect it. Throws `Failure`, also for a command that keeps rows where
+     * another process does.
+     */
+    Session(const Options& options, Terminal& terminal);
 
-    /** Tells what is not to end the command. */
-    SimulatedFleet::Warn warn() const
-    {
-        return [&messages = m_Messages](const std::string& message) { messages.tell(message); };
-    }
+    /** Tells what does not end the command. */
+    Warn warn() const;
 
     bool simulated() const { return m_Setup.fleet() != nullptr; }
 
@@ -42,6 +43,25 @@ struct Session
     {
         return keepsRows() ? m_Folders.m_Data : std::filesystem::path();
     }
+
+    /** The objects of `store` that the user named. Throws `Failure`. */
+    std::vector<const PI::CObject*> namedObjects(const ObjectStore& store) const;
+
+    /**
+     * Prints the command's result: a text, or one document. Says so where the drives are simulated. When
+     * nobody reads any more, enough has been read, and what the command found still makes the exit code.
+     */
+    void print(const std::string& text) const;
+    void print(const nlohmann::ordered_json& document) const;
+
+    const Options& m_Options;
+    Terminal& m_Terminal;
+    const HostFolders m_Folders;
+    const std::vector<std::filesystem::path> m_Plugins; ///< the installed one first
+    const HostSetup m_Setup;
+
+private:
+    void write(const std::string& text) const;
 };
 
 /** Lives while request 1 runs: on a terminal it tells when the disks among `states` take their time. */
@@ -56,6 +76,8 @@ public:
 
     const ObjectStore& objects() const { return m_Objects; }
 
+    PluginSet& plugins() { return m_Plugins; }
+
 private:
     PluginSet m_Plugins;
     ObjectStore m_Objects;
@@ -69,8 +91,6 @@ public:
     /** Loads the plug-ins, takes their inventory, which is kept in the data folder, and starts them. Throws
      * `Failure`. */
     explicit Watched(const Session& session);
-
-    PluginSet& plugins() { return m_Plugins; }
 
     /** Of the plug-ins that found drives, at least one. */
     std::list<Monitor>& monitors() { return m_Monitors; }

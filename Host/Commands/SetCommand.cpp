@@ -4,7 +4,12 @@
 #include "Base/FileText.h"
 #include "Base/Platform.h"
 #include "Base/Text.h"
-#include "Terminal/PropertyText.h"
+#include "Commands/ShowCommand.h"
+#include "Documents/Json.h"
+#include "Facts/PropertyText.h"
+#include "Plugins/DataFolder.h"
+
+#include <nlohmann/json.hpp>
 
 #include <charconv>
 #include <limits>
@@ -69,6 +74,24 @@ std::string writeFault(const std::filesystem::path& file)
 }
 
 } // namespace
+
+ExitCode set(const Session& session)
+{
+    const Options& options = session.m_Options;
+    makeDataFolder(session.m_Folders.m_Data);
+    Inventory inventory(session);
+    const NamedProperty named =
+        namedProperty(session.namedObjects(inventory.objects()), options.m_Property.value_or(""));
+    const PI::CProperty property =
+        setProperty(inventory.plugins().showing(named.m_Object.m_ID), named.m_Object, named.m_Property,
+                    options.m_Value, settingsFile(session.m_Folders.m_Data));
+    inventory.plugins().deInitialize();
+    if (options.m_Json)
+        session.print(nlohmann::ordered_json{{"property", propertyJson(property)}});
+    else
+        session.print(setText(property, options.m_Value));
+    return ExitCode::Done;
+}
 
 PI::CProperty setProperty(PluginLibrary& plugin, const PI::CObject& object, const PI::CProperty& property,
                           std::string_view value, const std::filesystem::path& settings)

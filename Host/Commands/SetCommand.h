@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Commands/Session.h"
 #include "Plugins/ObjectStore.h"
 #include "Plugins/PluginLibrary.h"
 
@@ -8,6 +9,12 @@
 #include <string_view>
 
 namespace Host::Cli {
+
+/**
+ * Gives a property of an object another value, and prints what it is then. The plug-ins do not start to
+ * watch, and no row is kept. Throws `Failure`.
+ */
+ExitCode set(const Session& session);
 
 /**
  * Gives a property of an object another value and returns it as it is then; the plug-in keeps it within its

@@ -4,10 +4,15 @@
 #include "Base/Suggestion.h"
 #include "Base/Text.h"
 #include "Commands/TopologyCommand.h"
+#include "Documents/EndOfLifeJson.h"
+#include "Documents/ExplanationJson.h"
+#include "Documents/Json.h"
 #include "Facts/EndOfLife.h"
 #include "Facts/Explanation.h"
+#include "Facts/PropertyText.h"
 #include "Terminal/Paragraph.h"
-#include "Terminal/PropertyText.h"
+
+#include <nlohmann/json.hpp>
 
 #include <optional>
 
@@ -41,7 +46,45 @@ std::string explanationText(const ObjectStore& store, const PI::CObject& object,
     return text.empty() ? text : '\n' + text;
 }
 
+nlohmann::ordered_json showJson(const ObjectStore& store, const std::vector<const PI::CObject*>& objects)
+{
+    nlohmann::ordered_json document = {{"objects", nlohmann::ordered_json::array()}};
+    for (const PI::CObject* object : objects)
+        document["objects"].push_back(objectJson(store, *object));
+    document["explanations"] = explanationsJson(store, objects);
+    document["endOfLife"] = endOfLifeJson(objects);
+    return document;
+}
+
+void showProperty(const Session& session, const PI::CProperty& property, Basis basis)
+{
+    if (session.m_Options.m_Json) {
+        session.print(nlohmann::ordered_json{{"property", propertyJson(property, basis)}});
+        return;
+    }
+    if (basis != Basis::Measured)
+        session.m_Terminal.tell(printable(captionText(property)) + " is not measured: " +
+                                (basis == Basis::NotRead ? "the health log of this drive was not read."
+                                                         : "the plug-in shows the same for other drives."));
+    session.print(printable(valueText(property)) + '\n');
+}
+
 } // namespace
+
+ExitCode show(const Session& session)
+{
+    const Inventory inventory(session);
+    const ObjectStore& store = inventory.objects();
+    const std::vector<const PI::CObject*> objects = session.namedObjects(store);
+    if (session.m_Options.m_Property) {
+        const NamedProperty named = namedProperty(objects, *session.m_Options.m_Property);
+        showProperty(session, named.m_Property, basisOf(store, named.m_Object, named.m_Property));
+    } else if (session.m_Options.m_Json)
+        session.print(showJson(store, objects));
+    else
+        session.print(showText(store, objects, session.m_Terminal.screen()));
+    return ExitCode::Done;
+}
 
 std::string showText(const ObjectStore& store, const std::vector<const PI::CObject*>& objects,
                      const Screen& screen)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Commands/Session.h"
 #include "Plugins/ObjectStore.h"
 #include "Terminal/Screen.h"
 
@@ -8,6 +9,9 @@
 #include <vector>
 
 namespace Host::Cli {
+
+/** Prints the objects that the user named, or one property of theirs. Throws `Failure`. */
+ExitCode show(const Session& session);
 
 /** A property and the object that has it. */
 struct NamedProperty

@@ -1,11 +1,14 @@
 #include "Commands/TopologyCommand.h"
 
 #include "Base/Text.h"
+#include "Documents/Json.h"
 #include "Facts/Measured.h"
+#include "Facts/PropertyText.h"
 #include "Terminal/Paragraph.h"
-#include "Terminal/PropertyText.h"
 
 #include <PI/PluginHelper.h>
+
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <set>
@@ -65,6 +68,21 @@ private:
 };
 
 } // namespace
+
+ExitCode topology(const Session& session)
+{
+    const Inventory inventory(session);
+    const ObjectStore& store = inventory.objects();
+    if (!session.m_Options.m_Json) {
+        session.print(topologyText(store, session.m_Terminal.screen()));
+        return ExitCode::Done;
+    }
+    nlohmann::ordered_json document = {{"objects", nlohmann::ordered_json::array()}};
+    for (const PI::CObject& object : store.objects())
+        document["objects"].push_back(objectJson(store, object));
+    session.print(document);
+    return ExitCode::Done;
+}
 
 std::string headingText(const PI::CObject& object, const Screen& screen, std::size_t indent)
 {

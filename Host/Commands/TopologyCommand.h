@@ -1,11 +1,15 @@
 #pragma once
 
+#include "Commands/Session.h"
 #include "Plugins/ObjectStore.h"
 #include "Terminal/Screen.h"
 
 #include <string>
 
 namespace Host::Cli {
+
+/** Prints every object below its parent. Throws `Failure`. */
+ExitCode topology(const Session& session);
 
 /** What an object is, what it is called, and its identifier. */
 std::string headingText(const PI::CObject& object, const Screen& screen, std::size_t indent);
@@ -17,7 +21,7 @@ std::string headingText(const PI::CObject& object, const Screen& screen, std::si
 std::string propertiesText(const ObjectStore& store, const PI::CObject& object, const Screen& screen,
                            std::size_t indent);
 
-/** Every object below its parent, with its properties and operations. */
+/** Every object of `store`, with its properties and operations. */
 std::string topologyText(const ObjectStore& store, const Screen& screen);
 
 } // namespace Host::Cli

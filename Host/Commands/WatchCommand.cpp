@@ -2,7 +2,8 @@
 
 #include "Base/Failure.h"
 #include "Base/Platform.h"
-#include "Base/Seconds.h"
+#include "Base/Time.h"
+#include "Commands/PollForecast.h"
 #include "Commands/Session.h"
 #include "Documents/EntryJson.h"
 #include "Documents/Json.h"
@@ -11,8 +12,7 @@
 #include "Facts/Observation.h"
 #include "Journal/Journal.h"
 #include "Journal/Told.h"
-#include "Terminal/PollForecast.h"
-#include "Terminal/StatusLine.h"
+#include "Terminal/EventLine.h"
 
 #include <TLX/Clock.h>
 #include <TLX/WaitInterval.h>
@@ -78,10 +78,10 @@ struct WatchedDrives
 class Watch
 {
 public:
-    Watch(const Session& session, Platform::ResultChannel& results, const Screen& screen)
+    explicit Watch(const Session& session)
         : m_Session(session),
-          m_Screen(screen),
-          m_Status(results, session.m_Messages, results.showsColours() && !session.m_Options.m_Json),
+          m_Terminal(session.m_Terminal),
+          m_ShowsStatus(m_Terminal.showsStatus() && !session.m_Options.m_Json),
           m_Watched(session)
     {
         if (session.m_Options.m_Seconds)
@@ -114,7 +114,7 @@ private:
         if (plugin.m_Monitor.stop())
             report(plugin);
         else
-            m_Session.m_Messages.tell("The plug-in did not end in time; a drive may not answer any more.");
+            m_Terminal.tell("The plug-in did not end in time; a drive may not answer any more.");
     }
 
     void watchUntil(TLX::Threading::CEvent& askedToEnd)
@@ -135,7 +135,7 @@ private:
             else if (fired != TLX::Threading::WaitResult::TimedOut)
                 throw Failure(ExitCode::RequestFailed,
                               "The system does not let the program wait for events.");
-            else if (m_Status.shown())
+            else if (m_ShowsStatus)
                 for (Monitor& monitor : m_Watched.monitors())
                     monitor.refresh();
             if (TLX::Misc::monotonic() >= m_End)
@@ -149,7 +149,7 @@ private:
         // Nobody calls when the database fails.
         constexpr std::uint64_t longest = 10'000;
         const std::uint64_t now = TLX::Misc::monotonic();
-        const std::uint64_t next = std::min(m_End, m_Status.shown() ? m_Forecast.next() : NEVER);
+        const std::uint64_t next = std::min(m_End, m_ShowsStatus ? m_Forecast.next() : NEVER);
         return next <= now ? 0 : std::min(next - now, longest);
     }
 
@@ -157,7 +157,7 @@ private:
     void reportStart()
     {
         for (const SharedSerial& shared : sharedSerials(m_Drives))
-            m_Session.m_Messages.tell(sharedSerialText(shared));
+            m_Terminal.tell(sharedSerialText(shared));
         for (WatchedDrives& plugin : m_Plugins)
             for (const Journal::Entry& entry : news(plugin))
                 print(entry);
@@ -169,8 +169,8 @@ private:
         std::vector<Drive> after = joinDrives(m_Watched.objects());
         const std::vector<DriveEvent> told = withDrives(std::move(events), m_Drives, after);
         for (const DriveEvent& event : told)
-            m_Status.printAbove(m_Session.m_Options.m_Json ? lineText(eventJson(event), m_Session.simulated())
-                                                           : eventLine(event, m_Screen));
+            m_Terminal.print(m_Session.m_Options.m_Json ? lineText(eventJson(event), m_Session.simulated())
+                                                        : eventLine(event, m_Terminal.screen()));
         for (const Journal::Entry& entry : withoutTold(news(plugin), told))
             print(entry);
         m_Drives = std::move(after);
@@ -187,28 +187,28 @@ private:
 
     void print(const Journal::Entry& entry)
     {
-        m_Status.printAbove(m_Session.m_Options.m_Json ? lineText(entryJson(entry), m_Session.simulated())
-                                                       : entryLine(entry, m_Screen));
+        m_Terminal.print(m_Session.m_Options.m_Json ? lineText(entryJson(entry), m_Session.simulated())
+                                                    : entryLine(entry, m_Terminal.screen()));
     }
 
     void showStatus()
     {
-        if (!m_Status.shown())
+        if (!m_ShowsStatus)
             return;
         const std::uint64_t now = TLX::Misc::monotonic();
         const PI::CObject& plugin = m_Watched.monitors().front().pluginObject();
         m_Forecast.update(plugin.m_UpdateCount, pollInterval(plugin), now);
         const std::size_t drives = m_Drives.size();
         const auto sick = std::count_if(m_Drives.begin(), m_Drives.end(), isSick);
-        m_Status.show((m_Session.simulated() ? "Simulated: " : "") + std::to_string(drives) +
-                      (drives == 1 ? " drive" : " drives") +
-                      (sick == 0 ? "" : ", " + std::to_string(sick) + " sick") + ", next poll at " +
-                      timeOfDayText(TLX::Misc::now() + m_Forecast.next() - now));
+        m_Terminal.showStatus((m_Session.simulated() ? "Simulated: " : "") + std::to_string(drives) +
+                              (drives == 1 ? " drive" : " drives") +
+                              (sick == 0 ? "" : ", " + std::to_string(sick) + " sick") + ", next poll at " +
+                              timeOfDayText(TLX::Misc::now() + m_Forecast.next() - now));
     }
 
     const Session& m_Session;
-    const Screen& m_Screen;
-    StatusLine m_Status;
+    Terminal& m_Terminal;
+    const bool m_ShowsStatus;
     Watched m_Watched;
     PollForecast m_Forecast; ///< of the first plug-in
     std::uint64_t m_End = NEVER;
@@ -218,13 +218,14 @@ private:
 
 } // namespace
 
-void watch(const Session& session, Platform::ResultChannel& results, const Screen& screen)
+ExitCode watch(const Session& session)
 {
     Platform::TerminationRequest termination;
-    Watch watch(session, results, screen);
+    Watch watch(session);
     // A start that takes its time, such as one beside a drive that does not answer, needs no end of its own.
     termination.defer();
     watch.run(termination.asked());
+    return ExitCode::Done;
 }
 
 } // namespace Host::Cli

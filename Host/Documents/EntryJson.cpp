@@ -1,5 +1,6 @@
 #include "Documents/EntryJson.h"
 
+#include "Base/Time.h"
 #include "Documents/Json.h"
 
 #include <nlohmann/json.hpp>

@@ -1,8 +1,9 @@
 #include "Documents/Json.h"
 
+#include "Base/Time.h"
+#include "Documents/EndOfLifeJson.h"
 #include "Documents/JsonNumber.h"
-#include "Facts/EndOfLife.h"
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 
 #include <PI/ErrorCode.h>
 #include <PI/PluginHelper.h>
@@ -10,7 +11,6 @@
 #include <nlohmann/json.hpp>
 
 #include <array>
-#include <chrono>
 #include <cstdio>
 #include <limits>
 #include <string>
@@ -136,22 +136,6 @@ std::string dumped(const Json& content, bool simulated, int indent)
 }
 
 } // namespace
-
-std::string utcText(std::uint64_t milliseconds)
-{
-    using namespace std::chrono;
-    const sys_time<std::chrono::milliseconds> time{std::chrono::milliseconds(milliseconds)};
-    const sys_days day = floor<days>(time);
-    const year_month_day date(day);
-    const hh_mm_ss clock(time - day);
-    std::array<char, 64> buffer{};
-    const int size = std::snprintf(
-        buffer.data(), buffer.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
-        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-        static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
-    return {buffer.data(), static_cast<std::size_t>(size)};
-}
 
 Json identityJson(const DriveIdentity& drive)
 {

@@ -27,9 +27,6 @@ nlohmann::ordered_json eventJson(const DriveEvent& event);
 /** What a drive is known by; how it fares changes too often to be part of what `watch` prints. */
 nlohmann::ordered_json identityJson(const DriveIdentity& drive);
 
-/** Milliseconds since 1970 as "2026-01-01T00:00:00.000Z". */
-std::string utcText(std::uint64_t milliseconds);
-
 nlohmann::ordered_json failureJson(const std::string& message, const std::optional<RequestResult>& result);
 
 /**

@@ -28,8 +28,7 @@ bool anyDiskOpens(const std::vector<TLXX::CControllerState>& states)
     });
 }
 
-void checkAccess(const std::vector<TLXX::CControllerState>& states,
-                 const std::function<void(const std::string&)>& warn)
+void checkAccess(const std::vector<TLXX::CControllerState>& states, const Warn& warn)
 {
     std::string refused;
     for (const TLXX::CControllerState& state : states)

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "Base/Warn.h"
+
 #include <TLXX/Diagnosis.h>
 
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,6 @@ bool anyDiskOpens(const std::vector<TLXX::CControllerState>& states);
  * Says at once what a request would find out only after its retries: throws `Failure` (no permission) when
  * there are disks and every one refuses this user; warns when some do.
  */
-void checkAccess(const std::vector<TLXX::CControllerState>& states,
-                 const std::function<void(const std::string&)>& warn);
+void checkAccess(const std::vector<TLXX::CControllerState>& states, const Warn& warn);
 
 } // namespace Host

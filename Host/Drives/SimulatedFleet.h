@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Warn.h"
 #include "Drives/Fleet.h"
 
 #include <TLXX/DeviceBackend.h>
@@ -23,8 +24,6 @@ namespace Host {
 class SimulatedFleet : public TLXX::IDeviceBackend
 {
 public:
-    using Warn = std::function<void(const std::string&)>;
-
     /** Throws `Failure` when the file cannot be read or is no fleet. */
     SimulatedFleet(std::filesystem::path file, Warn warn);
 

@@ -1,14 +1,9 @@
 #include "Facts/DriveEvent.h"
 
-#include "Base/Platform.h"
-#include "Base/Seconds.h"
-#include "Base/Text.h"
-
 #include <PI/EventCode.h>
 #include <PI/PluginHelper.h>
 
 #include <algorithm>
-#include <array>
 #include <set>
 #include <utility>
 
@@ -74,36 +69,6 @@ std::string subjectOf(const DriveEvent& event)
     return subjectText(unnamed);
 }
 
-/** What the text does not tell already, in parentheses. */
-std::string detailsText(const DriveIdentity& drive, const std::string& text)
-{
-    std::string details;
-    for (const std::string& detail :
-         {std::string(shortDeviceName(drive.m_Device)), drive.m_Model, drive.m_Serial})
-        if (!detail.empty() && text.find(detail) == std::string::npos)
-            details += (details.empty() ? "" : ", ") + detail;
-    return details.empty() ? details : " (" + details + ")";
-}
-
-std::string localTimeText(std::uint64_t milliseconds)
-{
-    const std::tm time = Platform::localTime(static_cast<std::time_t>(milliseconds / MILLISECONDS_A_SECOND));
-    std::array<char, 64> buffer{};
-    return {buffer.data(), std::strftime(buffer.data(), buffer.size(), "%Y-%m-%d %H:%M:%S", &time)};
-}
-
-Tone toneOf(std::uint32_t severity)
-{
-    switch (severity) {
-    case PI::SEVERITY_WARNING:
-        return Tone::Warning;
-    case PI::SEVERITY_ERROR:
-        return Tone::Bad;
-    default:
-        return Tone::Plain;
-    }
-}
-
 } // namespace
 
 std::vector<DriveEvent> withDrives(std::vector<PI::CEvent> events, const std::vector<Drive>& before,
@@ -158,28 +123,6 @@ std::string severityText(std::uint32_t severity)
     default:
         return "Severity " + std::to_string(severity);
     }
-}
-
-std::string timeOfDayText(std::uint64_t milliseconds)
-{
-    constexpr std::size_t date = 11;
-    return localTimeText(milliseconds).substr(date);
-}
-
-std::string eventLine(const DriveEvent& event, const Screen& screen)
-{
-    return noticeLine({event.m_Event.m_Time, event.m_Event.m_Severity, eventText(event)},
-                      event.m_Drive ? &*event.m_Drive : nullptr, screen);
-}
-
-std::string noticeLine(const Notice& notice, const DriveIdentity* drive, const Screen& screen)
-{
-    constexpr std::size_t column = 13; // the longest word and a gap
-    const std::string severity = severityText(notice.m_Severity);
-    const std::string details = drive != nullptr ? detailsText(*drive, notice.m_Text) : std::string();
-    return localTimeText(notice.m_Time) + "  " + toned(screen, toneOf(notice.m_Severity), severity) +
-           std::string(severity.size() < column ? column - severity.size() : 1, ' ') +
-           printable(notice.m_Text + details) + '\n';
 }
 
 } // namespace Host::Cli

@@ -1,15 +1,12 @@
 #include "Facts/EndOfLife.h"
 
 #include "Base/Text.h"
-#include "Documents/JsonNumber.h"
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 
 #include <PI/LifeTimeData.h>
 #include <PI/PluginHelper.h>
 #include <TLX/Clock.h>
 #include <TLXX/NvmeQuery.h>
-
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <chrono>
@@ -148,23 +145,6 @@ void findLimit(EndOfLife& end, Days date, const CountedWear& wear)
         end.m_Wear = static_cast<std::uint64_t>(std::lround(100 * hours / all));
 }
 
-const char* nameOf(EndOfLife::Limit limit)
-{
-    switch (limit) {
-    case EndOfLife::Limit::None:
-        return "none";
-    case EndOfLife::Limit::Beyond:
-        return "beyond";
-    case EndOfLife::Limit::Writing:
-        return "writing";
-    case EndOfLife::Limit::Wear:
-        return "wear";
-    case EndOfLife::Limit::Worn:
-        return "worn";
-    }
-    return "";
-}
-
 std::string sentenceOf(const EndOfLife& end)
 {
     switch (end.m_Limit) {
@@ -232,29 +212,6 @@ std::string endOfLifeText(const EndOfLife& end)
     if (end.m_Endurance)
         figures += ", " + std::to_string(*end.m_Endurance) + "% of it used";
     return figures + ". " + sentenceOf(end);
-}
-
-nlohmann::ordered_json endOfLifeJson(const EndOfLife& end)
-{
-    nlohmann::ordered_json entry = {{"object", identifierText(end.m_AdapterId)}, {"date", end.m_Date}};
-    addNumber(entry, "powerOnHours", end.m_PowerOnHours);
-    addNumber(entry, "dataWritten", end.m_DataWritten);
-    addNumber(entry, "ratingTiB", end.m_Rating);
-    addNumber(entry, "enduranceUsed", end.m_Endurance);
-    addNumber(entry, "wear", end.m_Wear);
-    entry["limit"] = nameOf(end.m_Limit);
-    return entry;
-}
-
-nlohmann::ordered_json endOfLifeJson(const std::vector<const PI::CObject*>& objects)
-{
-    nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const PI::CObject* object : objects) {
-        const std::optional<EndOfLife> end = explainEndOfLife(*object);
-        if (end)
-            list.push_back(endOfLifeJson(*end));
-    }
-    return list;
 }
 
 } // namespace Host::Cli

@@ -4,12 +4,9 @@
 
 #include <PI/Object.h>
 
-#include <nlohmann/json_fwd.hpp>
-
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace Host::Cli {
 
@@ -46,11 +43,5 @@ std::optional<EndOfLife> explainEndOfLife(const PI::CObject& adapter);
 
 /** Sentences about them. */
 std::string endOfLifeText(const EndOfLife& end);
-
-/** The figures for the documents of `list`. */
-nlohmann::ordered_json endOfLifeJson(const EndOfLife& end);
-
-/** A list for the documents of `show`. */
-nlohmann::ordered_json endOfLifeJson(const std::vector<const PI::CObject*>& objects);
 
 } // namespace Host::Cli

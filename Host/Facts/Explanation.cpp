@@ -6,8 +6,6 @@
 #include <PI/PluginHelper.h>
 #include <PI/StateCode.h>
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <iterator>
 #include <variant>
@@ -157,21 +155,6 @@ std::vector<ExplainedCode> explainedCodes(const ObjectStore& store, const PI::CO
         }
     }
     return explained;
-}
-
-nlohmann::ordered_json explanationsJson(const ObjectStore& store,
-                                        const std::vector<const PI::CObject*>& objects)
-{
-    nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const PI::CObject* object : objects)
-        for (const ExplainedCode& each : explainedCodes(store, *object))
-            list.push_back({{"object", identifierText(object->m_ID)},
-                            {"property", each.m_Property->Id()},
-                            {"code", each.m_Code},
-                            {"text", each.m_Text},
-                            {"meaning", each.m_Meaning},
-                            {"advice", each.m_Advice}});
-    return list;
 }
 
 } // namespace Host::Cli

@@ -2,8 +2,6 @@
 
 #include "Plugins/ObjectStore.h"
 
-#include <nlohmann/json_fwd.hpp>
-
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -27,9 +25,5 @@ struct ExplainedCode
  * Refers to `object`, which is of `store`.
  */
 std::vector<ExplainedCode> explainedCodes(const ObjectStore& store, const PI::CObject& object);
-
-/** A list for the documents of `show`. */
-nlohmann::ordered_json explanationsJson(const ObjectStore& store,
-                                        const std::vector<const PI::CObject*>& objects);
 
 } // namespace Host::Cli

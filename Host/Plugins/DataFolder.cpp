@@ -16,8 +16,6 @@
 namespace Host {
 namespace {
 
-using Warn = std::function<void(const std::string&)>;
-
 std::filesystem::path numbersFile(const std::filesystem::path& folder)
 {
     return folder / "AdapterNumbers.txt";
@@ -28,7 +26,9 @@ std::filesystem::path lockFile(const std::filesystem::path& folder)
     return folder / "Ostrel.lock";
 }
 
-void makeFolder(const std::filesystem::path& folder)
+} // namespace
+
+void makeDataFolder(const std::filesystem::path& folder)
 {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
@@ -42,8 +42,6 @@ void makeFolder(const std::filesystem::path& folder)
                           " cannot be used: " + error.message() + ".");
 }
 
-} // namespace
-
 std::filesystem::path databaseFile(const std::filesystem::path& folder)
 {
     return folder / "Ostrel.db";
@@ -53,7 +51,7 @@ DataFolderClaim::DataFolderClaim(std::filesystem::path folder, std::uint64_t pat
     : m_Folder(std::move(folder))
 {
     constexpr std::uint32_t step = 100;
-    makeFolder(m_Folder);
+    makeDataFolder(m_Folder);
     m_Lock = std::make_unique<Platform::LockFile>(lockFile(m_Folder));
     try {
         for (const std::uint64_t start = TLX::Misc::monotonic(); !(m_Granted = m_Lock->take());) {

@@ -2,11 +2,11 @@
 
 #include "Base/Failure.h"
 #include "Base/Platform.h"
+#include "Base/Warn.h"
 #include "Plugins/ObjectStore.h"
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -16,6 +16,9 @@
 namespace Host {
 
 std::filesystem::path databaseFile(const std::filesystem::path& folder);
+
+/** Makes the folder where it is missing. Throws `Failure` when that is not possible. */
+void makeDataFolder(const std::filesystem::path& folder);
 
 /**
  * A process's right to keep its data in a folder, which is made when it is missing. Two that keep theirs in
@@ -50,24 +53,22 @@ void keepRows(const std::filesystem::path& folder);
 
 /** Tells `warn` when what `folder` has in the place of the settings is no regular file, and so is not read.
  */
-void warnOfSettings(const std::filesystem::path& folder, const std::function<void(const std::string&)>& warn);
+void warnOfSettings(const std::filesystem::path& folder, const Warn& warn);
 
 /**
  * Takes up the numbers that `folder` has. What is damaged is told to `warn`; so is a file that cannot be
  * read, and the numbers of this run are not kept then.
  */
-void restoreNumbers(const std::filesystem::path& folder, const std::function<void(const std::string&)>& warn);
+void restoreNumbers(const std::filesystem::path& folder, const Warn& warn);
 
 /**
  * Drops the rows of what `inventory` no longer holds, and keeps the numbers that its adapters were given.
  * What fails is told to `warn`: it takes nothing away from the inventory.
  */
-void keepInventory(const std::filesystem::path& folder, const ObjectStore& inventory,
-                   const std::function<void(const std::string&)>& warn);
+void keepInventory(const std::filesystem::path& folder, const ObjectStore& inventory, const Warn& warn);
 
 /** Keeps the numbers that adapters were given so far, unless `folder` is empty; what fails is told to `warn`.
  */
-void keepAdapterNumbers(const std::filesystem::path& folder,
-                        const std::function<void(const std::string&)>& warn);
+void keepAdapterNumbers(const std::filesystem::path& folder, const Warn& warn);
 
 } // namespace Host

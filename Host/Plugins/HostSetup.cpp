@@ -57,7 +57,7 @@ std::filesystem::path installedPlugin(const std::filesystem::path& programFolder
 }
 
 HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
-                     const std::optional<std::filesystem::path>& fleetFile, const SimulatedFleet::Warn& warn)
+                     const std::optional<std::filesystem::path>& fleetFile, const Warn& warn)
     : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr), m_Trace(trace)
 {
     if (folders.m_KeepsRows) {

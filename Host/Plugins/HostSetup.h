@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Warn.h"
 #include "Drives/SimulatedFleet.h"
 #include "Plugins/DataFolder.h"
 
@@ -48,7 +49,7 @@ class HostSetup
 public:
     /** Throws `Failure` for a trace file, a fleet file or a folder to keep rows in that cannot be used. */
     HostSetup(const HostFolders& folders, const TraceOptions& trace,
-              const std::optional<std::filesystem::path>& fleetFile, const SimulatedFleet::Warn& warn);
+              const std::optional<std::filesystem::path>& fleetFile, const Warn& warn);
     ~HostSetup();
     HostSetup(const HostSetup&) = delete;
     HostSetup& operator=(const HostSetup&) = delete;

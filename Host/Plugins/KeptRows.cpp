@@ -40,7 +40,7 @@ bool removeRowsOfOthers(const ObjectStore& inventory, std::int64_t changes)
 
 } // namespace
 
-KeptRows::KeptRows(std::function<void(const std::string&)> warn) : m_Warn(std::move(warn)) {}
+KeptRows::KeptRows(Warn warn) : m_Warn(std::move(warn)) {}
 
 void KeptRows::cleanUp(const std::function<ObjectStore()>& look)
 {

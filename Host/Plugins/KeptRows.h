@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Warn.h"
 #include "Plugins/ObjectStore.h"
 
 #include <cstdint>
@@ -13,7 +14,7 @@ namespace Host {
 class KeptRows
 {
 public:
-    explicit KeptRows(std::function<void(const std::string&)> warn);
+    explicit KeptRows(Warn warn);
 
     /**
      * Drops the rows of what `look` does not show, and tells a failure. Plug-ins may write rows meanwhile:
@@ -25,7 +26,7 @@ public:
     void tellFailure();
 
 private:
-    std::function<void(const std::string&)> m_Warn;
+    Warn m_Warn;
     std::map<std::string, std::uint64_t> m_Told; ///< when each failure was last seen, on the monotonic clock
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Failure.h"
+#include "Base/Warn.h"
 #include "Plugins/AdapterIdentities.h"
 #include "Plugins/ObjectStore.h"
 #include "Plugins/PluginSet.h"
@@ -8,7 +9,6 @@
 #include <PI/Event.h>
 
 #include <filesystem>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,8 +21,6 @@ namespace Host {
 class Monitor
 {
 public:
-    using Warn = std::function<void(const std::string&)>;
-
     /**
      * Takes the inventory of the plug-in, which lives as long as this. The numbers that adapters get while it
      * watches are kept in the folder `data`.

@@ -35,9 +35,11 @@ std::vector<EquippedPlugin> PluginSet::initialize()
 {
     std::vector<EquippedPlugin> equipped;
     std::exception_ptr noHardware;
+    m_Initialized.clear();
     for (PluginLibrary& plugin : m_Plugins)
         try {
             equipped.push_back({plugin, plugin.initialize()});
+            m_Initialized.push_back(&plugin);
         } catch (const Failure& failure) {
             if (failure.exitCode() != ExitCode::NoHardware)
                 throw;
@@ -58,6 +60,13 @@ std::vector<PI::CObject> PluginSet::inventory()
                        std::make_move_iterator(more.end()));
     }
     return objects;
+}
+
+void PluginSet::deInitialize()
+{
+    for (PluginLibrary* plugin : m_Initialized)
+        (void)plugin->deInitialize();
+    m_Initialized.clear();
 }
 
 PluginLibrary& PluginSet::showing(std::uint64_t objectId)

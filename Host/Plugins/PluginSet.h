@@ -36,11 +36,15 @@ public:
     /** Requests 1 and 4: all objects, in the order of loading. Throws as `initialize` does. */
     std::vector<PI::CObject> inventory();
 
+    /** Request 3 of each that `initialize` returned last. Throws `Failure`. */
+    void deInitialize();
+
     /** The plug-in that shows the object `objectId` of the inventory. */
     PluginLibrary& showing(std::uint64_t objectId);
 
 private:
     std::deque<PluginLibrary> m_Plugins;
+    std::vector<PluginLibrary*> m_Initialized;
 };
 
 } // namespace Host

@@ -1,6 +1,6 @@
 #include "Terminal/Progress.h"
 
-#include "Base/Seconds.h"
+#include "Base/Time.h"
 
 #include <TLX/Clock.h>
 #include <TLX/WaitResult.h>
@@ -15,14 +15,13 @@ constexpr std::uint64_t PATIENCE = 500;
 
 } // namespace
 
-Progress::Progress(std::size_t drives, Messages* messages) : m_Messages(messages)
+Progress::Progress(const std::string& what, Terminal* terminal) : m_Terminal(terminal)
 {
-    if (m_Messages == nullptr || !m_Messages->onTerminal() ||
+    if (m_Terminal == nullptr || !m_Terminal->showsProgress() ||
         m_Done.Init(false, true) != TLX::Threading::WaitResult::Taken)
         return;
     try {
-        m_Thread = std::thread(&Progress::run, this,
-                               "Asking " + std::to_string(drives) + (drives == 1 ? " drive" : " drives"));
+        m_Thread = std::thread(&Progress::run, this, what);
     } catch (const std::system_error&) {
         // The drives can be asked without it.
         return;
@@ -43,10 +42,10 @@ void Progress::run(const std::string& what)
          m_Done.Wait(static_cast<std::uint32_t>(wait)) == TLX::Threading::WaitResult::TimedOut;) {
         const std::uint64_t elapsed = TLX::Misc::monotonic() - start;
         const std::uint64_t seconds = elapsed / MILLISECONDS_A_SECOND;
-        m_Messages->pass(what + (seconds > 0 ? ", " + std::to_string(seconds) + " s" : "") + " ...");
+        m_Terminal->showProgress(what + (seconds > 0 ? ", " + std::to_string(seconds) + " s" : "") + " ...");
         wait = MILLISECONDS_A_SECOND - elapsed % MILLISECONDS_A_SECOND;
     }
-    m_Messages->pass({});
+    m_Terminal->showProgress({});
 }
 
 } // namespace Host::Cli

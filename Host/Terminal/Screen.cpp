@@ -1,7 +1,5 @@
 #include "Terminal/Screen.h"
 
-#include "Base/Platform.h"
-
 #include <PI/StateCode.h>
 
 #include <cstdlib>
@@ -36,7 +34,7 @@ const char* escapeOf(Tone tone)
 
 } // namespace
 
-Screen detectScreen(const Platform::ResultChannel& results)
+Screen detectScreen(const Output& results)
 {
     if (!results.isTerminal())
         return {};

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "Base/Output.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
-
-namespace Host::Platform {
-class ResultChannel;
-}
 
 namespace Host::Cli {
 
@@ -29,7 +27,7 @@ struct Screen
 };
 
 /** Colour needs a terminal that understands it, and no NO_COLOR. */
-Screen detectScreen(const Platform::ResultChannel& results);
+Screen detectScreen(const Output& results);
 
 /** `text` in the colour of `tone`; as it is where there is no colour. */
 std::string toned(const Screen& screen, Tone tone, const std::string& text);

@@ -1,9 +1,9 @@
-# bash completion for ostrel
+# bash completion for ostrel; made from the program's own description
 
 _ostrel() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} word command=
     local commands="list topology show set watch doctor"
-    local options="--plugin --data --simulate --trace --trace-file --json --version --help -h"
+    local options="--version -h --help --plugin --data --simulate --trace --trace-file --json"
 
     case $previous in
         --plugin | --simulate | --trace-file)

@@ -1,13 +1,14 @@
 #compdef ostrel
+# Made from the program's own description.
 
 _ostrel_commands() {
     local -a commands=(
-        'list:one line a drive'
-        'topology:every object with its properties'
-        'show:the properties of one object'
-        'set:give a property another value'
-        'watch:each event of the drives as it comes'
-        'doctor:what can be seen here, what not, and why'
+        'list:One line a drive'
+        'topology:Every object with its properties'
+        'show:The properties of one object'
+        'set:Give a property another value'
+        'watch:Each event of the drives as it comes'
+        'doctor:Check what can be seen here, and why not more'
     )
     _describe -t commands command commands
 }
@@ -21,17 +22,17 @@ _ostrel_arguments() {
 }
 
 local -a own=()
-(( ! $words[(I)watch] )) || own=('--for[end after so many seconds]:seconds: ')
+(( ! $words[(I)watch] )) || own+=('--for[End after so many seconds]:value: ')
 
 _arguments \
     $own \
-    '*--plugin[plug-in to load beside the installed one]:plug-in:_files' \
-    '--data[folder of database, adapter numbers and settings]:folder:_files -/' \
-    '--simulate[show the drives that a fleet file describes]:fleet file:_files -g "*.json"' \
-    '*--trace[write trace lines of these levels]:mask: ' \
-    '--trace-file[where trace lines go instead of standard error]:file:_files' \
-    '--json[print one JSON document]' \
-    '--version[print the version and exit]' \
-    '(-h --help)'{-h,--help}'[print help and exit]' \
+    '--version[Print the version and exit]' \
+    '(-h --help)'{-h,--help}'[Print this help and exit]' \
+    '*--plugin[Plug-in to load beside the installed one]:file:_files' \
+    '--data[Folder of database, adapter numbers and settings]:folder:_files -/' \
+    '--simulate[Show the drives that a fleet file describes]:file:_files' \
+    '*--trace[Write trace lines of these levels (of module N)]:value: ' \
+    '--trace-file[Where trace lines go instead of standard error]:file:_files' \
+    '--json[Print one JSON document (watch: one object a line)]' \
     '1:command:_ostrel_commands' \
     '*:argument:_ostrel_arguments'

@@ -32,10 +32,6 @@ class Manual(unittest.TestCase):
         """it names the version of the program"""
         self.assertIn(stage.ostrel("--version").strip(), self.text)
 
-    def test_options(self):
-        """it has the options of the help, and no others"""
-        self.assertEqual(self.headings("OPTIONS"), self.usage.options)
-
     def test_commands(self):
         """it has the commands of the help with what they take, and no others"""
         self.assertEqual(self.headings("COMMANDS"), set(self.usage.commands.values()))

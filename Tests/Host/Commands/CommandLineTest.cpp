@@ -93,19 +93,20 @@ TEST(CommandLine, TakesSeveralPluginsAndMasks)
     EXPECT_FALSE(parse({"list", "--trace", "313=0"}).m_Trace.wanted());
 }
 
-TEST(CommandLine, OnlySetAndWatchOfRealDrivesKeepDataUnasked)
+TEST(CommandLine, OnlyWatchOfRealDrivesKeepsRowsUnasked)
 {
-    EXPECT_TRUE(keepsData(parse({"set", "plugin", "pollinterval", "60"})));
-    EXPECT_TRUE(keepsData(parse({"watch"})));
-    EXPECT_FALSE(keepsData(parse({"watch", "--simulate", "f.json"})));
-    EXPECT_TRUE(keepsData(parse({"watch", "--simulate", "f.json", "--data", "d"})));
+    EXPECT_TRUE(keepsRows(parse({"watch"})));
+    EXPECT_FALSE(keepsRows(parse({"watch", "--simulate", "f.json"})));
+    EXPECT_TRUE(keepsRows(parse({"watch", "--simulate", "f.json", "--data", "d"})));
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"list"}, {"topology"}, {"show", "plugin"}, {"doctor"}}) {
-        EXPECT_FALSE(keepsData(parse(words)));
+        EXPECT_FALSE(keepsRows(parse(words)));
         std::vector<std::string> told = words;
         told.insert(told.end(), {"--data", "d"});
-        EXPECT_TRUE(keepsData(parse(told)));
+        EXPECT_TRUE(keepsRows(parse(told)));
     }
+    EXPECT_FALSE(keepsRows(parse({"set", "plugin", "pollinterval", "60"})));
+    EXPECT_FALSE(keepsRows(parse({"set", "plugin", "pollinterval", "60", "--data", "d"})));
 }
 
 TEST(CommandLine, SimulatedDrivesHaveNoSettingsOfTheMachine)
@@ -136,9 +137,10 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
     EXPECT_THAT(refusalOf({"set", "plugin"}), HasSubstr("PROPERTY is required"));
     EXPECT_THAT(refusalOf({"set", "plugin", "pollinterval"}), HasSubstr("VALUE is required"));
     for (const char* seconds : {"", "x", "-1", "1.5", "4294967296"})
-        EXPECT_THAT(refusalOf({"watch", "--for", seconds}), HasSubstr("is no number from 0 to 4294967295"));
+        EXPECT_THAT(refusalOf({"watch", "--for", seconds}),
+                    HasSubstr("is not a number from 0 to 4294967295"));
     EXPECT_THAT(refusalOf({"list", "--for", "1"}), HasSubstr("--for"));
-    EXPECT_THAT(refusalOf({"list", "extra"}), StartsWith("\"extra\" is one word too many."));
+    EXPECT_THAT(refusalOf({"list", "extra"}), StartsWith("\"extra\" is one argument too many."));
     EXPECT_THAT(refusalOf({"list", "--colour"}), HasSubstr("--colour"));
     EXPECT_THAT(refusalOf({"show"}), HasSubstr("OBJECT is required"));
     EXPECT_THAT(refusalOf({"list", "topology"}), HasSubstr("topology"));
@@ -148,9 +150,9 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"list", "--json=false"}, {"--json=1", "list"}})
         EXPECT_THAT(refusalOf(words), StartsWith("--json takes no value."));
-    EXPECT_THAT(refusalOf({"list", "--trace", "7x"}), HasSubstr("\"7x\" is no number"));
+    EXPECT_THAT(refusalOf({"list", "--trace", "7x"}), HasSubstr("\"7x\" is not a number"));
     for (const char* mask : {"=1", "313=", "313=x", "-1=1", "1=2=3", "4294967296=1"})
-        EXPECT_THAT(refusalOf({"list", "--trace", mask}), HasSubstr("is no number")) << mask;
+        EXPECT_THAT(refusalOf({"list", "--trace", mask}), HasSubstr("is not a number")) << mask;
     EXPECT_THAT(refusalOf({"list", "--trace-file", "t.log"}), HasSubstr("requires --trace"));
     EXPECT_THAT(refusalOf({"list", "--data"}), HasSubstr("--data"));
 }
@@ -181,18 +183,20 @@ TEST(CommandLine, SaysWhereACommandsOwnOptionBelongs)
     const std::string help = " \"ostrel --help\" tells what there is.";
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"--for", "1", "watch"}, {"--for", "1"}, {"list", "--for", "1"}})
-        EXPECT_EQ(refusalOf(words), "The option \"--for\" belongs behind the command \"watch\"." + help);
+        EXPECT_EQ(refusalOf(words), "The option \"--for\" belongs after the command \"watch\"." + help);
     EXPECT_EQ(refusalOf({"--for=1", "watch"}),
-              "The option \"--for=1\" belongs behind the command \"watch\"." + help);
+              "The option \"--for=1\" belongs after the command \"watch\"." + help);
 }
 
 TEST(CommandLine, RefusesPathsWithoutAName)
 {
     for (const char* option : {"--data", "--simulate", "--plugin", "--trace-file"})
         EXPECT_THAT(refusalOf({"list", option, "", "--trace", "1"}),
-                    StartsWith(std::string(option) + ": needs a name behind it"));
-    EXPECT_EQ(refusalOf({"--data=", "list"}), "There is nothing behind \"--data=\".");
-    EXPECT_EQ(refusalOf({"list", "--trace="}), "There is nothing behind \"--trace=\".");
+                    StartsWith(std::string(option) + ": needs a name, not an empty text"));
+    EXPECT_EQ(refusalOf({"--data=", "list"}),
+              "The option \"--data\" has no value after \"=\". \"ostrel --help\" tells what there is.");
+    EXPECT_EQ(refusalOf({"list", "--trace="}),
+              "The option \"--trace\" has no value after \"=\". \"ostrel --help\" tells what there is.");
 }
 
 TEST(CommandLine, AWordForgesNoLineOfARefusal)
@@ -247,6 +251,23 @@ TEST(CommandLine, HelpFits80Columns)
             start = end + 1;
         }
     }
+}
+
+TEST(CommandLine, DescribesItself)
+{
+    const Usage described = usage();
+    std::vector<std::string> names;
+    for (const OptionUsage& option : described.m_Options)
+        names.push_back(option.m_Names.back() + " " + option.m_Value + (option.m_IsRepeated ? "*" : ""));
+    EXPECT_THAT(names, testing::UnorderedElementsAre("--help ", "--version ", "--plugin FILE*", "--data DIR",
+                                                     "--simulate FLEET.json", "--trace [N=]MASK*",
+                                                     "--trace-file FILE", "--json "));
+    for (const CommandUsage& command : described.m_Commands) {
+        ASSERT_EQ(command.m_Options.size(), command.m_Name == "watch" ? 1U : 0U) << command.m_Name;
+        EXPECT_NE(command.m_Description, "");
+    }
+    EXPECT_EQ(described.m_Commands.size(), 6U);
+    EXPECT_THAT(described.m_Commands.at(4).m_Options.at(0).m_Names, ElementsAre("--for"));
 }
 
 TEST(CommandLine, TellsItsVersion)

@@ -14,6 +14,7 @@ using HostTest::ProgramResult;
 using HostTest::runIntoFullPipe;
 using HostTest::runProgram;
 using HostTest::runUnread;
+using HostTest::runWithFullErrors;
 using HostTest::simulated;
 using nlohmann::json;
 using testing::AllOf;
@@ -147,6 +148,15 @@ TEST(ProgramFailure, WaitsForAnOutputThatTakesNoMoreForNow)
     const ProgramResult result = runIntoFullPipe(words);
     EXPECT_EQ(result.m_ExitCode, 0);
     EXPECT_EQ(result.m_Output, runProgram(words).m_Output);
+}
+
+TEST(ProgramFailure, LosesNoMessageWhereErrorsTakeNoMoreForNow)
+{
+    // Many times what the pipe holds, so that it is full again and again.
+    const std::vector<std::string> words = simulated({"show", std::string(100'000, 'x')});
+    const ProgramResult result = runWithFullErrors(words);
+    EXPECT_EQ(result.m_ExitCode, 5);
+    EXPECT_EQ(result.m_Errors, runProgram(words).m_Errors);
 }
 
 TEST(ProgramFailure, RefusesPipesInThePlaceOfFiles)

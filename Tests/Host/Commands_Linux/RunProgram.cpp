@@ -5,6 +5,7 @@
 #include <TLX/Linux/Descriptor.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -167,6 +168,19 @@ ProgramResult runIntoFullPipe(const std::vector<std::string>& arguments, const E
     return result;
 }
 
+ProgramResult runWithFullErrors(const std::vector<std::string>& arguments, const Environment& environment)
+{
+    Pipe errors;
+    const std::size_t filler = errors.fill();
+    const CDescriptor output = owned(open("/dev/null", O_WRONLY));
+    const pid_t child = start(arguments, environment, output.Get(), errors.m_Writer.Get());
+    errors.m_Writer = CDescriptor();
+    ProgramResult result;
+    result.m_Errors = readAll(errors.m_Reader.Get()).substr(filler);
+    result.m_ExitCode = waitFor(child);
+    return result;
+}
+
 ProgramResult runUnread(const std::vector<std::string>& arguments, const Environment& environment)
 {
     Pipe output;
@@ -223,11 +237,14 @@ struct RunningProgram::Native
 {
     std::string await(Stream& stream, const std::string& text)
     {
-        constexpr int minute = 60'000;
+        using Clock = std::chrono::steady_clock;
+        // A status line that goes on must not put the end off.
+        const Clock::time_point end = Clock::now() + std::chrono::minutes(1);
         std::size_t found = 0;
         while ((found = stream.m_Text.find(text)) == std::string::npos) {
             pollfd ready{stream.m_Ours.Get(), POLLIN, 0};
-            if (poll(&ready, 1, minute) == 0)
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+            if (left <= 0 || poll(&ready, 1, static_cast<int>(left)) == 0)
                 throw std::runtime_error("no \"" + text + "\" in time, but: " + stream.m_Text);
             if (!stream.read())
                 throw std::runtime_error("the program ended without \"" + text + "\": " + stream.m_Text);

@@ -27,6 +27,10 @@ ProgramResult runProgram(const std::vector<std::string>& arguments, const Enviro
  */
 ProgramResult runIntoFullPipe(const std::vector<std::string>& arguments, const Environment& environment = {});
 
+/** The same with such a pipe as standard error; `m_Errors` is what the program wrote. */
+ProgramResult runWithFullErrors(const std::vector<std::string>& arguments,
+                                const Environment& environment = {});
+
 /** The same with a pipe without a reader as standard output. */
 ProgramResult runUnread(const std::vector<std::string>& arguments, const Environment& environment = {});
 

@@ -1,5 +1,6 @@
 #include "Host/Built.h"
 #include "Host/Commands_Linux/RunProgram.h"
+#include "Host/Commands_Linux/SimulatedProgram.h"
 #include "Support/TemporaryFolder.h"
 
 #include <Database/Database.h>
@@ -304,6 +305,24 @@ TEST_F(WatchProgram, SetLeavesARunningWatchAlone)
     EXPECT_EQ(program.finish().m_ExitCode, 0);
     EXPECT_THAT(query("SELECT SerialNumber FROM Adapter; SELECT DriveKey FROM PD; PRAGMA integrity_check"),
                 ElementsAre("A", "A", "ok"));
+}
+
+TEST_F(WatchProgram, SetStartsNoWorkerAndKeepsNoRows)
+{
+    fleet({{1, "A"}});
+    const ProgramResult set = runProgram({"set", "plugin", "pollinterval", "60", "--data", m_Data.Path(),
+                                          "--simulate", m_Fleet.Path() / "fleet.json", "--trace", "313=2"});
+    EXPECT_EQ(set.m_ExitCode, 0) << set.m_Errors;
+    std::vector<std::string> requests;
+    for (const std::string& line : HostTest::linesOf(set.m_Errors))
+        for (const char* request : {"ENTER Initialize()", "ENTER SetAdapterIDs", "ENTER GetTopology",
+                                    "ENTER Worker()", "ENTER DeInitialize"})
+            if (line.find(request) != std::string::npos)
+                requests.emplace_back(request);
+    EXPECT_THAT(requests, ElementsAre("ENTER Initialize()", "ENTER GetTopology", "ENTER DeInitialize"))
+        << set.m_Errors;
+    EXPECT_EQ(m_Data.Read("Ostrel.ini"), "PollInterval=60\n");
+    EXPECT_FALSE(std::filesystem::exists(m_Data.Path() / "Ostrel.db"));
 }
 
 TEST_F(WatchProgram, KeepsTheDataFolderToItself)

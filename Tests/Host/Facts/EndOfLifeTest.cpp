@@ -9,8 +9,6 @@
 #include <PI/LifeTimeData.h>
 #include <TLXX/NvmeQuery.h>
 
-#include <nlohmann/json.hpp>
-
 namespace {
 
 using namespace Host::Cli;
@@ -172,16 +170,6 @@ TEST_F(EndOfLifeByPagesTest, ShowsTheWearThatTheDateWasComputedFrom)
     EXPECT_EQ(end.m_Wear, 40U);
 }
 
-TEST_F(EndOfLifeByPagesTest, StandsInDocuments)
-{
-    const PI::CObject worn = asked("INTEL", 0, 0);
-    const auto list = endOfLifeJson({&worn});
-    EXPECT_EQ(list.at(0).at("limit"), "worn");
-    EXPECT_EQ(list.at(0).at("wear"), 100);
-    const PI::CObject beyond = asked("INTEL", 0, 99);
-    EXPECT_EQ(endOfLifeJson({&beyond}).at(0).at("limit"), "beyond");
-}
-
 TEST_F(EndOfLifeTest, IsOverWhereTheRatingIsPassed)
 {
     const EndOfLife end = explained(adapter("2026-01-01", 41002, 3000));
@@ -199,19 +187,6 @@ TEST_F(EndOfLifeTest, IsNotExplainedWithoutADateOrHours)
                   [](const PI::CProperty& each) { return each.Id() == PI::PROP_POWER_ON_HOURS; });
     EXPECT_EQ(explainEndOfLife(silent), std::nullopt);
     EXPECT_EQ(explainEndOfLife(PI::CObject()), std::nullopt);
-}
-
-TEST_F(EndOfLifeTest, StandsInDocumentsWithItsExactFigures)
-{
-    const PI::CObject writing = adapter("2027-01-01", 8766, 1186.5F);
-    const PI::CObject wear = adapter("2027-01-01", 8766, 1.6F, PI::UNIT_TIB, "UNKNOWN");
-    const PI::CObject none;
-    EXPECT_EQ(endOfLifeJson({&writing, &none, &wear}), nlohmann::ordered_json::parse(R"([
-        {"object": "0x0000000000000010", "date": "2027-01-01", "powerOnHours": 8766,
-         "dataWritten": {"value": 1186.5, "unit": "TiB"}, "ratingTiB": 2373, "enduranceUsed": 50,
-         "limit": "writing"},
-        {"object": "0x0000000000000010", "date": "2027-01-01", "powerOnHours": 8766,
-         "dataWritten": {"value": 1.6, "unit": "TiB"}, "wear": 50, "limit": "wear"}])"));
 }
 
 } // namespace

@@ -3,8 +3,6 @@
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 
-#include <nlohmann/json.hpp>
-
 namespace {
 
 using namespace Host::Cli;
@@ -109,21 +107,6 @@ TEST(ExplainedCodes, SayWhenNobodyMeasuredAState)
     object.m_Properties.push_back(property(PI::PROP_AVAILABLE_SPARE, PI::UNIT_PERCENT, 100, 0, 100, 1));
     EXPECT_THAT(texts(), ElementsAre(StartsWith("Unknown|The health log of this drive was not read"),
                                      StartsWith("Sufficient (not"), StartsWith("OK (not")));
-}
-
-TEST(ExplanationsJson, NameObjectPropertyAndCode)
-{
-    const HostTest::Catalogue catalogue;
-    const PI::CObject object = objectWith(CRITICAL, {reasons({40452})});
-    const nlohmann::ordered_json list = explanationsJson(Host::ObjectStore({object}), {&object});
-    ASSERT_EQ(list.size(), 1U);
-    EXPECT_EQ(list[0]["object"], "0x0000000000000010");
-    EXPECT_EQ(list[0]["property"], 30165);
-    EXPECT_EQ(list[0]["code"], 40452);
-    EXPECT_EQ(list[0]["text"], "Media is read-only");
-    EXPECT_THAT(list[0]["meaning"].get<std::string>(), testing::HasSubstr("stopped taking data"));
-    EXPECT_THAT(list[0]["advice"].get<std::string>(), testing::HasSubstr("replace it"));
-    EXPECT_EQ(explanationsJson(Host::ObjectStore({object}), {}).dump(), "[]");
 }
 
 } // namespace

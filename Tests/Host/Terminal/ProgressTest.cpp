@@ -1,18 +1,18 @@
 #include "Terminal/Progress.h"
 
+#include "Host/FakeOutput.h"
 #include "Support/VirtualClock.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace {
 
-using Host::Cli::Messages;
 using Host::Cli::Progress;
+using Host::Cli::Terminal;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -20,19 +20,7 @@ using testing::IsEmpty;
 class ProgressTest : public testing::Test
 {
 protected:
-    Messages::Write writer()
-    {
-        return [this](const std::string& text) {
-            const std::scoped_lock guard(m_Lock);
-            m_Written.push_back(text);
-        };
-    }
-
-    std::vector<std::string> written()
-    {
-        const std::scoped_lock guard(m_Lock);
-        return m_Written;
-    }
+    std::vector<std::string> written() { return m_Messages.writes(); }
 
     /** Ends the thread's wait with this number. Returns how long the wait would have lasted. */
     std::uint64_t pass(std::size_t number)
@@ -44,17 +32,15 @@ protected:
     }
 
     TestSupport::CVirtualClock m_Clock;
-    Messages m_Messages{true, writer()};
-
-private:
-    std::mutex m_Lock;
-    std::vector<std::string> m_Written;
+    HostTest::FakeOutput m_Results{true};
+    HostTest::FakeOutput m_Messages{true};
+    Terminal m_Terminal{m_Results, m_Messages};
 };
 
 TEST_F(ProgressTest, ComesAfterHalfASecondCountsSecondsAndGoes)
 {
     {
-        const Progress progress(64, &m_Messages);
+        const Progress progress("Asking 64 drives", &m_Terminal);
         EXPECT_EQ(pass(1), 500U);
         EXPECT_THAT(written(), ElementsAre("Asking 64 drives ...\r"));
         EXPECT_EQ(pass(2), 500U);
@@ -67,7 +53,7 @@ TEST_F(ProgressTest, ComesAfterHalfASecondCountsSecondsAndGoes)
 
 TEST_F(ProgressTest, KeepsToWholeSecondsWhenItIsLate)
 {
-    const Progress progress(1, &m_Messages);
+    const Progress progress("Asking 1 drive", &m_Terminal);
     m_Clock.AwaitWait(1);
     m_Clock.Advance(3700);
     EXPECT_EQ(m_Clock.AwaitWait(2), 300U);
@@ -77,7 +63,7 @@ TEST_F(ProgressTest, KeepsToWholeSecondsWhenItIsLate)
 TEST_F(ProgressTest, ShowsNothingOfShortWork)
 {
     {
-        const Progress progress(64, &m_Messages);
+        const Progress progress("Asking 64 drives", &m_Terminal);
         m_Clock.AwaitWait(1);
         m_Clock.Advance(499);
     }
@@ -86,9 +72,9 @@ TEST_F(ProgressTest, ShowsNothingOfShortWork)
 
 TEST_F(ProgressTest, AMessageTakesItsPlaceAndItComesAgainBelow)
 {
-    const Progress progress(64, &m_Messages);
+    const Progress progress("Asking 64 drives", &m_Terminal);
     pass(1);
-    m_Messages.tell("No.");
+    m_Terminal.tell("No.");
     pass(2);
     EXPECT_THAT(written(), ElementsAre("Asking 64 drives ...\r", std::string(20, ' ') + "\rostrel: No.\n",
                                        "Asking 64 drives, 1 s ...\r"));
@@ -96,12 +82,14 @@ TEST_F(ProgressTest, AMessageTakesItsPlaceAndItComesAgainBelow)
 
 TEST_F(ProgressTest, NeedsATerminal)
 {
-    Messages elsewhere(false, writer());
-    for (Messages* messages : {static_cast<Messages*>(nullptr), &elsewhere}) {
-        const Progress progress(64, messages);
+    HostTest::FakeOutput pipe(false);
+    Terminal elsewhere(m_Results, pipe);
+    for (Terminal* terminal : {static_cast<Terminal*>(nullptr), &elsewhere}) {
+        const Progress progress("Asking 64 drives", terminal);
         m_Clock.Advance(10'000);
     }
     EXPECT_THAT(written(), IsEmpty());
+    EXPECT_THAT(pipe.writes(), IsEmpty());
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"

@@ -1,4 +1,4 @@
-#include "Terminal/PollForecast.h"
+#include "Commands/PollForecast.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "Terminal/PropertyText.h"
+#include "Facts/PropertyText.h"
 
 #include "Base/Text.h"
 

@@ -1,10 +1,12 @@
-#include "Terminal/PollForecast.h"
+#include "Commands/PollForecast.h"
+
+#include "Base/Time.h"
 
 namespace Host::Cli {
 
 void PollForecast::update(std::uint64_t count, std::uint64_t interval, std::uint64_t now)
 {
-    constexpr std::uint64_t patience = 1000;
+    constexpr std::uint64_t patience = MILLISECONDS_A_SECOND;
     // A poll that is late has not begun, or still goes on.
     if (m_Count != count)
         m_Next = now + interval;

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Facts/EndOfLife.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <vector>
+
+namespace Host::Cli {
+
+/** The figures for the documents of `list`. */
+nlohmann::ordered_json endOfLifeJson(const EndOfLife& end);
+
+/** A list for the documents of `show`. */
+nlohmann::ordered_json endOfLifeJson(const std::vector<const PI::CObject*>& objects);
+
+} // namespace Host::Cli

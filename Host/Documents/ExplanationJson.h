@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Facts/Explanation.h"
+
+#include <nlohmann/json_fwd.hpp>
+
+#include <vector>
+
+namespace Host::Cli {
+
+/** A list for the documents of `show`. */
+nlohmann::ordered_json explanationsJson(const ObjectStore& store,
+                                        const std::vector<const PI::CObject*>& objects);
+
+} // namespace Host::Cli

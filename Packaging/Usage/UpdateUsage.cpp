@@ -1,0 +1,86 @@
+#include "Completions.h"
+
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <stdexcept>
+
+using namespace Host::Cli;
+
+namespace {
+
+constexpr char BEGIN[] = ".\\\" The options: ./dev docs makes them from the program's own description.\n";
+constexpr char END[] = ".\\\" End of the options.\n";
+
+std::string read(const std::string& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::string escaped(const std::string& text)
+{
+    std::string result;
+    for (const char character : text)
+        result += character == '\\' ? "\\e" : character == '-' ? "\\-" : std::string(1, character);
+    return result;
+}
+
+std::string manualEntry(const OptionUsage& option)
+{
+    std::string entry = ".TP\n";
+    for (const std::string& name : option.m_Names)
+        entry += (name == option.m_Names.front() ? "\\fB" : ", \\fB") + escaped(name) + "\\fR";
+    if (!option.m_Value.empty())
+        entry += " \\fI" + option.m_Value + "\\fR";
+    return entry + '\n' + escaped(option.m_Description) + ".\n" + escaped(option.m_Details);
+}
+
+/** The manual `text` with its options made anew. */
+std::string manual(const std::string& text, const Usage& usage)
+{
+    const std::size_t begin = text.find(BEGIN);
+    const std::size_t end = text.find(END);
+    if (begin == std::string::npos || end == std::string::npos)
+        throw std::runtime_error("the manual has no place for the options");
+    std::string options;
+    for (const OptionUsage& option : usage.m_Options)
+        options += manualEntry(option);
+    for (const CommandUsage& command : usage.m_Commands)
+        for (const OptionUsage& option : command.m_Options)
+            options += manualEntry(option);
+    return text.substr(0, begin) + BEGIN + options + text.substr(end);
+}
+
+} // namespace
+
+/** usage: UpdateUsage SOURCE_FOLDER [--check]: makes the completions and the options of the manual anew, or
+ * says whether they are as they should be. */
+int main(int argc, char** argv)
+{
+    try {
+        if (argc < 2)
+            throw std::runtime_error("usage: UpdateUsage SOURCE_FOLDER [--check]");
+        const std::string root = argv[1];
+        const Usage usage = Host::Cli::usage();
+        const std::string completions = root + "/Packaging/Completions/ostrel.";
+        const std::string page = root + "/Docs/ostrel.1.in";
+        const std::map<std::string, std::string> files = {{completions + "bash", bashCompletions(usage)},
+                                                          {completions + "fish", fishCompletions(usage)},
+                                                          {completions + "zsh", zshCompletions(usage)},
+                                                          {page, manual(read(page), usage)}};
+        for (const auto& [file, text] : files) {
+            if (read(file) == text)
+                continue;
+            if (argc > 2)
+                throw std::runtime_error(file + " is out of date; ./dev docs renews it");
+            std::ofstream(file, std::ios::binary) << text;
+        }
+    } catch (const std::exception& error) {
+        std::cerr << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}
