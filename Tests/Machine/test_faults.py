@@ -1,4 +1,4 @@
-"""Commands that fail on their way to a drive: nothing is told that nobody has seen."""
+"""ostrel while commands to a drive fail: it must not tell what it has not read."""
 
 import json
 import unittest
@@ -12,14 +12,14 @@ SICK = Controller("sick", "SICK", size=64 * MIB, options={"smart_critical_warnin
 LAST = Controller("last", "LAST", size=64 * MIB)
 FLEET = (FIRST, SICK, LAST)
 
-# What fails of the worker's rounds, by the name of the run.
+# The runs of watch; the job says which commands fail in each.
 WATCHES = ("watch-6+3", "watch-5+3", "watch-4")
-# What is done to the last drive meanwhile. Each of them takes a round of its own.
+# The warnings set on the last drive meanwhile, and the event of each. Each needs another round of the worker.
 STEPS = ((0x04, 11088), (0x05, 10968), (0x00, 10980))
 
 
 class Faults(unittest.TestCase):
-    """Three drives; strace lets commands to one of them fail."""
+    """Three drives; strace makes commands to one of them fail."""
 
     @classmethod
     def setUpClass(cls):
@@ -84,7 +84,7 @@ class Faults(unittest.TestCase):
         self.assertNotIn("othing needs to be done", shown)
 
     def test_dropped_list(self):
-        """drives behind one that does not answer have their real addresses, and their locations are doubted"""
+        """drives after one that does not answer have their real addresses, and doubted locations"""
         drives = self.drives("list-dropped")
         self.assertEqual(sorted(drives), ["LAST", "SICK"])
         for serial, drive in drives.items():

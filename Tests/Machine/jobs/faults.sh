@@ -1,6 +1,7 @@
-# Watches and looks while commands to a drive fail on their way to it, each time another one.
+# Runs ostrel while chosen commands to one drive fail.
 
-# failing DEVICE WHICH ARGUMENTS: ostrel, while those of each thread's commands to this device fail.
+# failing DEVICE WHICH ARGUMENTS: runs ostrel. The commands to the device that WHICH counts fail, in each thread:
+# "3" is the third one, "1+" all from the first one on, "6+3" every third one from the sixth on.
 failing() {
     local device=$1 which=$2
     shift 2
@@ -8,7 +9,7 @@ failing() {
         /opt/ostrel/bin/ostrel "$@"
 }
 
-# look NAME DEVICE WHICH ARGUMENTS: one run of it, its output, messages and exit code.
+# look NAME DEVICE WHICH ARGUMENTS: stores the output, the messages and the exit code of one such run.
 look() {
     local name=$1 code=0
     shift
@@ -33,7 +34,7 @@ look show-unread "$sick" 3 show SICK
 look list-dropped "$first" 1+ list --json
 look show-dropped "$first" 1+ show "$(cat /results/sysfs/SICK/address)"
 
-# The first round of the worker finds everything. Then the health log, the namespace, or the whole round fails.
+# The worker's first round succeeds. Then the health log fails, or Identify Namespace, or once Identify Controller.
 for which in 6+3 5+3 4; do
     name=watch-$which
     data=/tmp/$name
@@ -46,7 +47,7 @@ for which in 6+3 5+3 4; do
         case $line in *'"LAST"'*) event seen ;; *'"present"'*) event watching ;; esac
     done &
     await "$name"
-    # The program itself, and not the one that lets its commands fail.
+    # The signal is for ostrel, not for strace.
     kill -TERM "$(pidof ostrel)"
     wait $watch && code=0 || code=$?
     echo $code >"/results/$name.code"
