@@ -50,7 +50,7 @@ class Guest:
         for directory in ("/proc", "/sys", "/dev", "/tmp", "/root"):
             archive.directory(directory)
         archive.device("/dev/console", 5, 1)
-        for program in ("busybox", "nvme", "smartctl", "sqlite3"):
+        for program in ("busybox", "nvme", "smartctl", "sqlite3", "strace"):
             archive.program(program)
         archive.text("/etc/passwd", "root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n")
         archive.text("/etc/group", "root:x:0:\nnogroup:x:65534:\n")

@@ -85,6 +85,12 @@ def truth(files, kernel):
     def vendor(number):
         return VENDORS.get(number, "")
 
+    def amount(name, offset):
+        return {"nvme smart-log": int(smart[name]) * UNIT_BYTES, "log page": at(offset) * UNIT_BYTES,
+                "smartctl": smartctl_log[name] * UNIT_BYTES}
+
+    capacity = {"nvme id-ns": id_ns["nsze"] * block_size >> 20, "sysfs": sectors * 512 >> 20,
+                "smartctl": disk["user_capacity"]["bytes"] >> 20}
     vendors = {"nvme id-ctrl": vendor(id_ctrl["vid"]), "smartctl": vendor(smartctl["nvme_pci_vendor"]["id"]),
                "sysfs": vendor(int(files.text("vendor"), 16))}
     is_intel = vendors["nvme id-ctrl"] == "INTEL"
@@ -109,11 +115,12 @@ def truth(files, kernel):
         "device": {"sysfs": files.text(f"{namespace}/device")},
         "driver": {"sysfs": files.text("driver")},
         "driver version": {"sysfs": files.text("driver_version") or kernel},
+        "address": {"sysfs": pci},
         "pci": {"sysfs": pci if pci[1:] == (0, 0, 0) else (0, *pci[1:])},
         "location": {"sysfs": place},
         "drive location": {"sysfs": f"{place}&ID=0"},
-        "capacity": {"nvme id-ns": id_ns["nsze"] * block_size >> 20, "sysfs": sectors * 512 >> 20,
-                     "smartctl": disk["user_capacity"]["bytes"] >> 20},
+        "capacity": capacity,
+        "capacity in bytes": {source: mebibytes << 20 for source, mebibytes in capacity.items()},
         "block size": {"nvme id-ns": block_size, "sysfs": int(files.text(f"{namespace}/block_size")),
                        "smartctl": disk["logical_block_size"]},
         "temperature": temperatures,
@@ -123,11 +130,8 @@ def truth(files, kernel):
                   "log page": log[3]},
         "spare threshold": {"nvme smart-log": smart["spare_thresh"], "log page": log[4],
                             "smartctl": smartctl_log["available_spare_threshold"]},
-        "data read": {"nvme smart-log": int(smart["data_units_read"]) * UNIT_BYTES, "log page": at(32) * UNIT_BYTES,
-                      "smartctl": smartctl_log["data_units_read"] * UNIT_BYTES},
-        "data written": {"nvme smart-log": int(smart["data_units_written"]) * UNIT_BYTES,
-                         "log page": at(48) * UNIT_BYTES,
-                         "smartctl": smartctl_log["data_units_written"] * UNIT_BYTES},
+        "data read": amount("data_units_read", 32),
+        "data written": amount("data_units_written", 48),
         "endurance used": {"log page": (at(48) * UNIT_BYTES >> 40) * 100},
         "counter 128": {"nvme smart-log": int(smart["power_on_hours"]), "log page": at(128),
                         "smartctl": smartctl_log["power_on_hours"]},
@@ -161,6 +165,10 @@ def told(entry, adapter, drive):
     def amount(name):
         return entry[name]["value"] * UNITS[entry[name]["unit"]] if name in entry else None
 
+    def in_bytes(name):
+        # Whole bytes of a figure that has seven digits.
+        return float(entry[name]) if name in entry else None
+
     def address():
         return _pci(entry["pciAddress"]) if "pciAddress" in entry else None
 
@@ -181,18 +189,22 @@ def told(entry, adapter, drive):
         "device": both("device", [30247]),
         "driver": both("driver", [30266]),
         "driver version": both("driverVersion", [30018]),
-        "pci": {"list": address(), "adapter": tuple(adapter.value(n) for n in (30479, 30037, 30038, 30039))},
+        "address": {"list": address()},
+        "pci": {"adapter": tuple(adapter.value(n) for n in (30479, 30037, 30038, 30039))},
         "location": both("location", [30137]),
         "drive location": both(None, drives=[30137]),
         "capacity": both("capacityMiB", drives=[30059, 30060]),
+        "capacity in bytes": both("capacityBytes"),
         "block size": both("blockSize", drives=[30460]),
         "temperature": both("temperature"),
         "adapter temperature": both(None, [30442]),
         "drive temperature": both(None, drives=[30069]),
         "spare": both("spare", [30486]),
         "spare threshold": both("spareThreshold", [30488]),
-        "data read": {"list": amount("dataRead"), "adapter 30489": adapter.amount(30489)},
-        "data written": {"list": amount("dataWritten"), "adapter 30490": adapter.amount(30490)},
+        "data read": {"list": amount("dataRead"), "list in bytes": in_bytes("dataReadBytes"),
+                      "adapter 30489": adapter.amount(30489)},
+        "data written": {"list": amount("dataWritten"), "list in bytes": in_bytes("dataWrittenBytes"),
+                         "adapter 30490": adapter.amount(30490)},
         "endurance used": both("wear", [30494]),
         "counter 128": both("powerOnHours", [30498]),
         "counter 160": both("mediaErrors", [30189]),

@@ -3,7 +3,8 @@
 The machine test: ostrel in a virtual machine with emulated NVMe controllers, held against nvme-cli, smartctl and
 the kernel.
 
-Needs the Debian packages qemu-system-x86 busybox-static nvme-cli smartmontools sqlite3 python3 python3-jsonschema,
+Needs the Debian packages qemu-system-x86 busybox-static nvme-cli smartmontools sqlite3 strace python3
+python3-jsonschema,
 and a configured apt to download the guest's kernel from (it is unpacked below the work folder, never installed).
 It needs no special rights and no hardware virtualisation.
 """

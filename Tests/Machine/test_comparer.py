@@ -54,11 +54,12 @@ def listed():
     """What list says of that controller."""
     return {"drives": [{
         "device": "/dev/nvme0n1", "vendor": "INTEL", "model": "QUICK Drive 9", "serial": "S1", "firmware": "F1",
-        "capacityMiB": 5, "blockSize": 4096, "temperature": 37.0, "wear": 408100, "healthCode": 40095,
-        "reasonCodes": [40460, 40452], "pciAddress": "0000:02:0a.1",
+        "capacityMiB": 5, "capacityBytes": 5242880, "blockSize": 4096, "temperature": 37.0, "wear": 408100,
+        "healthCode": 40095, "reasonCodes": [40460, 40452], "pciAddress": "0000:02:0a.1",
         "location": "PCI:Bus=2&Device=10&Function=1", "driver": "nvme", "driverVersion": KERNEL, "spare": 77,
-        "spareThreshold": 12, "dataRead": {"value": 2.0604134, "unit": "GiB"},
-        "dataWritten": {"value": 3.986057, "unit": "PiB"}, "powerOnHours": 22, "mediaErrors": 4444}]}
+        "spareThreshold": 12, "dataRead": {"value": 2.0604134, "unit": "GiB"}, "dataReadBytes": 2212352034,
+        "dataWritten": {"value": 3.986057, "unit": "PiB"}, "dataWrittenBytes": 4487901298000000, "powerOnHours": 22,
+        "mediaErrors": 4444}]}
 
 
 def _object(number, kind, parents, children, values):

@@ -49,9 +49,10 @@ class Kept:
                 for row in self.table(when, "Adapter")}
 
     def test_runs(self):
-        """every run with --data ends well"""
+        """every run with --data ends well and has nothing to complain of"""
         for name in ("first", "second", "fourth"):
             self.assertEqual(self.files[f"ostrel/{name}.code"].strip(), b"0", self.files[f"ostrel/{name}.err"])
+            self.assertEqual(self.files[f"ostrel/{name}.err"], b"", name)
         self.assertIn(b"OK       database: /tmp/kept/data/Ostrel.db", self.files["ostrel/doctor.out"])
 
     def test_rows(self):

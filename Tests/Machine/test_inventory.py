@@ -39,7 +39,7 @@ LATER_WARNINGS = {"plain": 0x01, "intel": 0x02, "warned": 0x00, "large-blocks": 
 COMMANDS = ("pci_nvme_admin_cmd", "pci_nvme_io_cmd")
 GET_LOG_PAGE, IDENTIFY = "opc 0x2 ", "opc 0x6 "
 # The least number of comparisons for a controller. Fewer mean that both sides lost a field.
-COMPARISONS = 127
+COMPARISONS = 136
 
 
 class Booted(unittest.TestCase):
@@ -51,6 +51,8 @@ class Booted(unittest.TestCase):
     def output(self, name, code=0):
         """What a run of ostrel printed; it must have ended with that exit code and, when it was well, silently."""
         self.assertEqual(self.ended(name), code, self.messages(name))
+        if code == 0:
+            self.assertEqual(self.messages(name), "", name)
         return self.files[f"ostrel/{name}.out"].decode()
 
     def ended(self, name):
@@ -180,6 +182,15 @@ class Inventory(Booted):
                          for name in ("list", "list-replugged"))
         del before[UNPLUGGED.serial]
         self.assertEqual(after, {**before, LATE.serial: LATE.size // MIB})
+
+    def test_doubts(self):
+        """nothing is in doubt where every log is read and no drive is left out, and each drive has its end of life"""
+        entries = json.loads(self.output("list"))["drives"]
+        self.assertEqual({entry["endOfLife"]["object"] for entry in entries}, {entry["adapterId"] for entry in entries})
+        for entry in entries:
+            self.assertNotIn("healthLogRead", entry)
+            self.assertNotIn("locationIsReal", entry)
+            self.assertEqual(entry["endOfLife"]["powerOnHours"], entry["powerOnHours"])
 
     def test_text(self):
         """list shows each drive on a line of its own"""

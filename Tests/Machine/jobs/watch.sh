@@ -5,16 +5,12 @@ echo PollInterval=2 >"$data/Ostrel.ini"
 : >/results/watch.out
 /opt/ostrel/bin/ostrel watch --json --data "$data" >/results/watch.out 2>/results/watch.err &
 watch=$!
-# Each event goes on to the test at once. Other lines have no id.
+# Each line goes on to the test at once; the first tells of what was there at the start.
 tail -f /results/watch.out | while read -r line; do
-    case $line in *'"id"'*) event "seen $line" ;; esac
+    case $line in *'"present"'*) event watching ;; *) event "seen $line" ;; esac
 done &
 
-until grep -q 'adapter count' /results/watch.err; do
-    usleep 20000
-done
-event watching
-for step in warned-04 warned-14 warned-05 warned-00 unplugged plugged set warned-15; do
+for step in warned-04 warned-14 warned-05 warned-00 warned-0a warned-02 unplugged plugged set warned-15; do
     await "$step"
     [ $step != set ] || run set --data "$data" set plugin pollinterval 60 --json
     run "list-$step" list --json
