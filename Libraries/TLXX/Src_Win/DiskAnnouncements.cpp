@@ -2,11 +2,9 @@
 
 #include <utility>
 
-// The system's header is in order only after this one.
 #include <windows.h>
-#include <initguid.h>
 #include <cfgmgr32.h>
-#include <ntddstor.h>
+#include <winioctl.h>
 
 namespace TLXX {
 namespace {
