@@ -118,8 +118,11 @@ TEST_F(SetCommandTest, SaysWhenTheSettingsAreTornOrTheirFolderIsMissing)
     m_Folder.Write("Ostrel.ini", std::string("PollInterval=45\n\0", 17));
     EXPECT_THAT(failureOf(0, PI::PROP_POLL_INTERVAL, "60").what(), HasSubstr("it holds zero bytes"));
     std::filesystem::remove_all(m_Folder.Path());
+    std::error_code missing;
+    (void)std::filesystem::directory_iterator(m_Folder.Path(), missing);
     EXPECT_THAT(failureOf(0, PI::PROP_POLL_INTERVAL, "60").what(),
-                HasSubstr(m_Folder.Path().string() + ": No such file or directory. The plug-in "));
+                HasSubstr(" cannot be written: " + m_Folder.Path().string() + ": " + missing.message() +
+                          ". The plug-in "));
 }
 
 TEST_F(SetCommandTest, SaysNothingOfTheSettingsWhenThePropertyIsTheReason)
