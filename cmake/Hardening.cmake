@@ -15,7 +15,9 @@ function(ostrel_harden_compiler)
         int main(int count, char** words) { char text[16]; std::strncpy(text, words[count - 1], 15); return text[0]; }"
         ${taken})
     if(${taken})
+        # The linker's options, too: for Windows they name the library that checks frames.
         add_compile_options(${ARGN})
+        add_link_options(${ARGN})
     endif()
 endfunction()
 

@@ -134,7 +134,8 @@ unsigned StandardOutput::terminalWidth() const
 {
     constexpr unsigned usual = 80;
     winsize size{};
-    return ioctl(m_Native->m_Descriptor.Get(), TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
+    return ioctl(m_Native->m_Descriptor.Get(), TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col
+                                                                                          : usual;
 }
 
 bool StandardOutput::showsColours() const

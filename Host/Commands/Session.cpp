@@ -133,6 +133,10 @@ Watched::Watched(const Session& session) : m_Rows(session.warn())
         m_Monitors.emplace_back(std::move(plugin), session.keptData(), session.warn());
     cleanUp();
     keepAdapterNumbers(session.keptData(), session.warn());
+}
+
+void Watched::start()
+{
     for (Monitor& monitor : m_Monitors)
         monitor.start();
 }

@@ -88,9 +88,11 @@ private:
 class Watched
 {
 public:
-    /** Loads the plug-ins, takes their inventory, which is kept in the data folder, and starts them. Throws
-     * `Failure`. */
+    /** Loads the plug-ins and takes their inventory, which is kept in the data folder. Throws `Failure`. */
     explicit Watched(const Session& session);
+
+    /** Starts the plug-ins, once. Throws `Failure`. */
+    void start();
 
     /** Of the plug-ins that found drives, at least one. */
     std::list<Monitor>& monitors() { return m_Monitors; }

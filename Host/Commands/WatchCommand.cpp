@@ -93,6 +93,8 @@ public:
 
     void run(TLX::Threading::CEvent& askedToEnd)
     {
+        m_Watched.start();
+        m_Drives = joinDrives(m_Watched.objects());
         reportStart();
         watchUntil(askedToEnd);
         std::exception_ptr failed;
@@ -212,7 +214,7 @@ private:
     Watched m_Watched;
     PollForecast m_Forecast; ///< of the first plug-in
     std::uint64_t m_End = NEVER;
-    std::vector<Drive> m_Drives = joinDrives(m_Watched.objects()); ///< as the last report found them
+    std::vector<Drive> m_Drives; ///< as the last report found them
     std::vector<WatchedDrives> m_Plugins;
 };
 
@@ -222,7 +224,7 @@ ExitCode watch(const Session& session)
 {
     Platform::TerminationRequest termination;
     Watch watch(session);
-    // A start that takes its time, such as one beside a drive that does not answer, needs no end of its own.
+    // Until here a signal ends the program at once, because the inventory may wait for a silent drive.
     termination.defer();
     watch.run(termination.asked());
     return ExitCode::Done;

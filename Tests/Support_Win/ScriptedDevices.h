@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <windows.h>
+#include <winioctl.h>
 
 namespace TestSupport {
 
@@ -26,6 +27,10 @@ struct CScriptedDisk
     bool m_Detailed = true; ///< whether the second question for the path is answered
     /** How many bytes the detail is said to need; none: as many as it needs. */
     std::optional<DWORD> m_DetailSize;
+    /** What else it tells with its number, and how many bytes it says that it told. */
+    DWORD m_Type = FILE_DEVICE_DISK;
+    DWORD m_Partition = 0;
+    DWORD m_NumberBytes = 12;
 };
 
 /** One control call to a scripted device: its input, and the room for its output. */

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include <windows.h>
-#include <initguid.h>
 #include <cfgmgr32.h>
 #include <setupapi.h>
 #include <winioctl.h>
@@ -276,9 +275,9 @@ struct ScriptedFunctions
         const CScriptedDisk* const disk = devices().FindDisk(found->second);
         if (!disk->m_Number)
             return fail(ERROR_INVALID_FUNCTION);
-        const STORAGE_DEVICE_NUMBER number{FILE_DEVICE_DISK, *disk->m_Number, 0};
+        const STORAGE_DEVICE_NUMBER number{disk->m_Type, *disk->m_Number, disk->m_Partition};
         std::memcpy(output, &number, sizeof number);
-        *returned = sizeof number;
+        *returned = disk->m_NumberBytes;
         return TRUE;
     }
 

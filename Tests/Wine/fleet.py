@@ -6,6 +6,7 @@ import struct
 DISK_INTERFACE = "{53f56307-b6bf-11d0-94f2-00a0c91efb8b}"
 COMPATIBLE_IDS, SERVICE, BUS_NUMBER, LOCATION, ADDRESS, LOCATION_PATHS = 0x03, 0x05, 0x16, 0x0E, 0x1D, 0x24
 
+ADDRESS_ON_BUS = "scsi-address"
 TEMPERATURES, LEGACY_SMART, MARKETING = "log-c5", "log-ca", "log-dd"
 CONTROLLER, NAMESPACE, HEALTH = "identify-controller", "identify-namespace", "log-02"
 

@@ -53,7 +53,7 @@ OTHERS = (
 DISKLESS = ("PCI\\CHILDLESS\\1", "PCI\\ENCLOSURE\\1")
 
 # The requests that only read, by their names in the driver's log.
-READING = {"device-number", fleet.CONTROLLER, fleet.NAMESPACE, fleet.HEALTH, TEMPERATURES, LEGACY_SMART, MARKETING}
+READING = {"device-number", fleet.ADDRESS_ON_BUS, fleet.CONTROLLER, fleet.NAMESPACE, fleet.HEALTH, TEMPERATURES, LEGACY_SMART, MARKETING}
 # The least number of comparisons for a disk. Fewer mean that both sides lost a field.
 COMPARISONS = 45
 
@@ -217,3 +217,36 @@ class Doors(unittest.TestCase):
                           for entry in stage.document(run)["drives"]],
                          [("INNER", ".PhysicalDrive61", outer.address), ("OUTER", ".PhysicalDrive62", outer.address),
                           ("BEHIND", ".PhysicalDrive63", behind.address)])
+
+
+class Namespaces(unittest.TestCase):
+    """Drivers that differ in how Identify Namespace has to name its namespace."""
+
+    REFUSED = 0xC000000D
+    DISK = Disk(65, "NAMED", "Drive", NOBODY, (0, 1, 0, 0))
+
+    def asked(self, address, accepted):
+        """The statuses of Identify Namespace in one list, where the driver takes one sub-value alone."""
+        machine = stage.machine()
+        machine.equip((self.DISK,))
+        machine.storage.how(self.DISK, fleet.ADDRESS_ON_BUS, address)
+        machine.storage.how(self.DISK, fleet.NAMESPACE, f"subvalue={accepted}")
+        run = machine.ostrel("list", "--json")
+        self.assertEqual(run.code, 0, run.err)
+        (drive,) = stage.document(run)["drives"]
+        statuses = [status for _, page, status in machine.storage.requests() if page == fleet.NAMESPACE]
+        return drive["capacityMiB"], statuses
+
+    def test_named(self):
+        """a driver that refuses the sub-value 0 is told the namespace of its logical unit"""
+        self.assertEqual(self.asked("", 1), (1024, [0]))
+        self.assertEqual(self.asked("unit=4", 5), (1024, [0]))
+
+    def test_nameless(self):
+        """a driver that refuses any other sub-value is asked once more with 0"""
+        self.assertEqual(self.asked("", 0), (1024, [self.REFUSED, 0]))
+        self.assertEqual(self.asked("unit=4", 0), (1024, [self.REFUSED, 0]))
+
+    def test_unplaced(self):
+        """a driver that does not tell the logical unit is asked with 0 at once"""
+        self.assertEqual(self.asked(refusal(0xC0000010), 0), (1024, [0]))

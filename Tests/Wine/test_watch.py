@@ -30,9 +30,9 @@ class Watching:
 
     def __init__(self, machine, data, *arguments):
         self._machine = machine
-        # The trace has the plug-in's line which says that a scan is done.
+        # The trace shows when the worker has begun. A console event before that ends the program at once.
         self._process = machine.prefix.start(machine.console, machine.program, "--data", data, "watch", "--json",
-                                             "--trace", "1", *arguments, stdin=subprocess.PIPE)
+                                             "--trace", "2", *arguments, stdin=subprocess.PIPE)
         self._events, self.errors = queue.Queue(), []
         self._ready = threading.Event()
         self._readers = [threading.Thread(target=self._read, args=(stream, take), daemon=True)
@@ -51,7 +51,7 @@ class Watching:
 
     def _take_error(self, line):
         self.errors.append(line)
-        if "adapter count is" in line:
+        if "LEAVE SetAdapterIDs" in line:
             self._ready.set()
 
     def event(self):

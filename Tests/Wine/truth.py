@@ -69,7 +69,7 @@ def truth(disk, pages, rated, driver_version):
     rating = next((tebibytes for text, tebibytes in rated if text in model), 1)
     status, reasons, spare_state = _health(vendor, log, pages.get(fleet.LEGACY_SMART))
     tag = _text(controller[3100:3108]) if vendor == "INTEL" else ""
-    # The segment is shown only where all other numbers are 0.
+    # An adapter's properties have the segment only where all other numbers are 0.
     place = disk.place if disk.place[1:] == (0, 0, 0) else (0, *disk.place[1:])
     location = inventory.location(*disk.place)
 
@@ -80,7 +80,7 @@ def truth(disk, pages, rated, driver_version):
         "serial": serial, "model": _short_model(vendor, model), "firmware": _text(controller[64:72]),
         "vendor": vendor, "vendor tag": tag or None, "product": _product(vendor, model, pages.get(fleet.MARKETING, b"")),
         "family": 40480 if known else 40488, "device": f".PhysicalDrive{disk.number}", "driver": disk.driver,
-        "driver version": driver_version, "pci": place, "location": location, "drive location": f"{location}&ID=0",
+        "driver version": driver_version, "pci": place, "address": disk.place, "location": location, "drive location": f"{location}&ID=0",
         "capacity": blocks * block_size >> 20, "block size": block_size, "temperature": temperature,
         "adapter temperature": temperature if known else None,
         "drive temperature": None if known else temperature, "spare": log[3], "spare threshold": log[4],
@@ -95,5 +95,6 @@ def told(report, disk):
     """The same fields, as ostrel shows them for the controller with the disk's serial number."""
     (adapter,) = (each for each in report.of_type(inventory.ADAPTER) if each.value(30022) == disk.serial)
     (drive,) = (each for each in report.of_type(inventory.DRIVE) if each.id in adapter.children)
-    return {**report.told(disk.serial, disk.address),
+    said = report.told(disk.serial, disk.address)
+    return {**said, "pci": {"adapter": said["pci"]["adapter"]}, "address": {"list": said["pci"]["list"]},
             "spare state": {"adapter 30468": adapter.value(30468)}, "disk state": {"drive 30017": drive.value(30017)}}

@@ -51,6 +51,9 @@ std::string detailOf(sqlite3* connection, int code, const std::filesystem::path&
                                            [code](const CReason& reason) { return reason.m_Code == code; });
     if (known != std::end(REASONS))
         return known->m_Text;
+    std::error_code error;
+    if ((code & PRIMARY_CODE) == SQLITE_CANTOPEN && std::filesystem::is_directory(file, error))
+        return "it is a folder";
     const int number = hasSystemError(code) ? sqlite3_system_errno(connection) : 0;
     if (cannotBeMade(number, file))
         return "no file can be made in its folder";

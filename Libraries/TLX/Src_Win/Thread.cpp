@@ -1,11 +1,11 @@
 #include "CancelledThreads.h"
+#include "Interruption.h"
 #include "Wait.h"
 
 #include <TLX/ForcedEnd.h>
 #include <TLX/Thread.h>
 #include <TLX/Win/UniqueHandle.h>
 
-#include <atomic>
 #include <mutex>
 #include <system_error>
 #include <utility>
@@ -14,67 +14,6 @@
 
 namespace TLX::Threading {
 namespace {
-
-/**
- * The state that a thread shares with the code that ends it by force. A thread is terminated only within a
- * call that may be broken off. Outside such a call it may hold locks.
- */
-class CInterruption
-{
-public:
-    /** Marks the thread as ending, in its present call or the next. */
-    void Request() { m_Requested = true; }
-
-    /** Whether it is within a call. */
-    bool Inside() const { return m_State == EState::Inside; }
-
-    /** Takes the right to terminate the thread; false when it has left its call. */
-    bool Doom()
-    {
-        EState inside = EState::Inside;
-        return m_State.compare_exchange_strong(inside, EState::Doomed);
-    }
-
-    /** The thread enters a call, or ends here. */
-    void Enter()
-    {
-        m_State = EState::Inside;
-        if (m_Requested)
-            End();
-    }
-
-    /** The thread comes back from a call, or ends here. */
-    void Leave()
-    {
-        if (m_Requested)
-            End();
-        EState inside = EState::Inside;
-        if (!m_State.compare_exchange_strong(inside, EState::Outside))
-            End();
-    }
-
-private:
-    enum class EState
-    {
-        Outside,
-        Inside,
-        Doomed, ///< about to be terminated
-    };
-
-    [[noreturn]] void End()
-    {
-        EState inside = EState::Inside;
-        if (!m_State.compare_exchange_strong(inside, EState::Outside)) {
-            for (;;)
-                Sleep(INFINITE); // terminated in here
-        }
-        m_Requested = false; // a second cancellation changes nothing
-        throw CForcedEnd();
-    }
-
-    std::atomic<bool> m_Requested = false;
-    std::atomic<EState> m_State = EState::Outside;
-};
 
 /** How often a call's request is cancelled, and how many milliseconds the call then has to return. */
 constexpr int ATTEMPTS = 20;

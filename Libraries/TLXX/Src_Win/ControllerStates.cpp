@@ -8,7 +8,6 @@
 #include <locale>
 
 #include <windows.h>
-#include <initguid.h>
 #include <cfgmgr32.h>
 #include <winioctl.h>
 

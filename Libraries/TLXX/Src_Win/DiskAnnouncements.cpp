@@ -2,11 +2,10 @@
 
 #include <utility>
 
-// The system's header compiles only after this one.
+// The headers after it need this one first.
 #include <windows.h>
-#include <initguid.h>
 #include <cfgmgr32.h>
-#include <ntddstor.h>
+#include <winioctl.h>
 
 namespace TLXX {
 namespace {

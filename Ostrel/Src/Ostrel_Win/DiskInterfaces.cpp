@@ -11,7 +11,6 @@
 #include <string>
 
 #include <windows.h>
-#include <initguid.h>
 #include <setupapi.h>
 #include <winioctl.h>
 

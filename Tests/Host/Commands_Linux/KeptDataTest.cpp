@@ -104,7 +104,7 @@ TEST_F(KeptData, DoctorNamesADatabaseThatCannotBeUsed)
     const ProgramResult broken = Run("doctor", fleet);
     EXPECT_EQ(broken.m_ExitCode, 1);
     EXPECT_THAT(broken.m_Output, AllOf(HasSubstr("PROBLEM  database: database '" + File().string() +
-                                                 "': unable to open database file (Is a directory) -> "),
+                                                 "': unable to open database file (it is a folder) -> "),
                                        HasSubstr("OK       inventory: 1 adapter, 3 objects")));
 }
 

@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
-PI::CProperty codeProperty(std::uint32_t id, std::uint32_t value)
+PI::CProperty stateCode(std::uint32_t id, std::uint32_t value)
 {
     return property(id, 1, value, std::vector<std::uint32_t>{});
 }
@@ -33,8 +33,8 @@ protected:
         for (const auto& [id, value] : {std::pair(PI::PROP_HEALTH_STATUS, 40024U),
                                         {PI::PROP_SPARE_STATE, 40473U},
                                         {PI::PROP_WEAR_STATE, 40252U}})
-            m_Objects.m_Adapter.m_Properties.push_back(codeProperty(id, value));
-        m_Objects.m_Drive.m_Properties.push_back(codeProperty(PI::PROP_HEALTH_STATUS, 40099));
+            m_Objects.m_Adapter.m_Properties.push_back(stateCode(id, value));
+        m_Objects.m_Drive.m_Properties.push_back(stateCode(PI::PROP_HEALTH_STATUS, 40099));
     }
 
     void loseHealthLog()
@@ -101,7 +101,7 @@ TEST_F(MeasuredTest, WithoutItsHealthLogADriveIsNotHealthy)
                                                   PI::PROP_MEDIA_ERRORS, PI::PROP_HEALTH_STATUS));
     // Another log reported this.
     m_Objects.remove(PI::PROP_HEALTH_STATUS);
-    m_Objects.m_Adapter.m_Properties.push_back(codeProperty(PI::PROP_HEALTH_STATUS, 40150));
+    m_Objects.m_Adapter.m_Properties.push_back(stateCode(PI::PROP_HEALTH_STATUS, 40150));
     EXPECT_THAT(with(Basis::NotRead), Not(testing::Contains(PI::PROP_HEALTH_STATUS)));
 }
 

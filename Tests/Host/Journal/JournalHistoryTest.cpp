@@ -36,7 +36,10 @@ public:
     }
 
 private:
-    std::uint32_t below(std::uint32_t limit) { return static_cast<std::uint32_t>(m_Random() % limit); }
+    std::uint32_t below(std::uint32_t limit)
+    {
+        return static_cast<std::uint32_t>(std::uint64_t{m_Random()} % limit);
+    }
     bool sometimes() { return below(4) == 0; }
 
     ObservedDrive newDrive(std::uint32_t number)

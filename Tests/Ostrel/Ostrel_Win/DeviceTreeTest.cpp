@@ -227,6 +227,17 @@ TEST_F(DeviceTree, NumbersAreDecimalAndAsLargeAsTheyGet)
     EXPECT_THAT(Scan(), ElementsAre(R"(\\.\PhysicalDrive10)", R"(\\.\PhysicalDrive2147483647)"));
 }
 
+TEST_F(DeviceTree, TakesANumberWheneverTheSystemSaysThatItWasTold)
+{
+    CScriptedDisk partition = Disk(3), other = Disk(4), empty = Disk(5);
+    partition.m_Partition = 2;
+    other.m_Type = FILE_DEVICE_UNKNOWN;
+    empty.m_NumberBytes = 0;
+    m_Tree.AddController(ROOT, {partition, other, empty});
+    EXPECT_THAT(Scan(),
+                ElementsAre(R"(\\.\PhysicalDrive3)", R"(\\.\PhysicalDrive4)", R"(\\.\PhysicalDrive5)"));
+}
+
 TEST_F(DeviceTree, ThatLostADiskLeavesNothingOfAnEarlierScan)
 {
     const auto controller = m_Tree.AddController(ROOT, {Disk(0)});

@@ -20,6 +20,8 @@ typedef struct Manner
     ULONG status;   ///< `status=`: what they fail with
     ULONG offset;   ///< `offset=`: where the answer says that the page begins
     ULONG length;   ///< `length=`: what the answer says of the page's length
+    ULONG unit;     ///< `unit=`: the logical unit at which the disk says it is
+    ULONG subValue; ///< `subvalue=`: the only one with which the page is given; without it, any
     ULONG returned; ///< `returned=`: how many bytes of the answer are transferred
 } Manner;
 
@@ -36,7 +38,7 @@ static ULONG numberBehind(const char* text, const char* key)
 
 static Manner readManner(const Disk* disk, const char* name)
 {
-    Manner manner = {FALSE, UNSET, UNSET, UNSET, UNSET, UNSET};
+    Manner manner = {FALSE, UNSET, UNSET, UNSET, UNSET, UNSET, UNSET, UNSET};
     const DataPath path = diskFile(disk->number, name, ".how");
     ULONG size;
     char* text = readFile(&path, &size);
@@ -47,6 +49,8 @@ static Manner readManner(const Disk* disk, const char* name)
     manner.status = numberBehind(text, "status=");
     manner.offset = numberBehind(text, "offset=");
     manner.length = numberBehind(text, "length=");
+    manner.unit = numberBehind(text, "unit=");
+    manner.subValue = numberBehind(text, "subvalue=");
     manner.returned = numberBehind(text, "returned=");
     ExFreePool(text);
     return manner;
@@ -96,6 +100,25 @@ NTSTATUS tellNumber(Disk* disk, void* buffer, ULONG outputSize, ULONG_PTR* retur
         answer->deviceType = FILE_DEVICE_DISK;
         answer->deviceNumber = disk->number;
         answer->partitionNumber = 0;
+        *returned = sizeof(*answer);
+    }
+    record(disk, name, status);
+    return status;
+}
+
+NTSTATUS tellAddress(Disk* disk, void* buffer, ULONG outputSize, ULONG_PTR* returned)
+{
+    static const char name[] = "scsi-address";
+    const Manner manner = awaitManner(disk, name);
+    UnitAddress* answer = buffer;
+    NTSTATUS status = STATUS_SUCCESS;
+    if (outputSize < sizeof(*answer)) {
+        status = STATUS_BUFFER_TOO_SMALL;
+    } else if (manner.status != UNSET) {
+        status = (NTSTATUS)manner.status;
+    } else {
+        *answer =
+            (UnitAddress){.length = sizeof(*answer), .unit = manner.unit == UNSET ? 0 : (UCHAR)manner.unit};
         *returned = sizeof(*answer);
     }
     record(disk, name, status);
@@ -162,7 +185,9 @@ NTSTATUS tellPage(Disk* disk, void* buffer, ULONG inputSize, ULONG outputSize, U
     // One buffer holds the request and then the answer, and both keep the protocol's data at the same place.
     PropertyAnswer* answer = buffer;
     NTSTATUS status = (NTSTATUS)manner.status;
-    if (!refuses(&manner, &disk->failures[page.index])) {
+    if (manner.subValue != UNSET && answer->protocol.requestSubValue != manner.subValue) {
+        status = STATUS_INVALID_PARAMETER;
+    } else if (!refuses(&manner, &disk->failures[page.index])) {
         answer->version = answer->size = sizeof(*answer);
         status = copyPage(disk, &page, &manner, answer, returned);
     }

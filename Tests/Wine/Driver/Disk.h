@@ -21,5 +21,8 @@ typedef struct Disk
 /** Returns the disk's number. Every enumeration asks for it first. */
 NTSTATUS tellNumber(Disk* disk, void* buffer, ULONG outputSize, ULONG_PTR* returned);
 
+/** Tells where the disk is on its bus; its logical unit is 0 unless the `.how` file has another one. */
+NTSTATUS tellAddress(Disk* disk, void* buffer, ULONG outputSize, ULONG_PTR* returned);
+
 /** Answers a request for a page, from the page's file and as its `.how` file says. */
 NTSTATUS tellPage(Disk* disk, void* buffer, ULONG inputSize, ULONG outputSize, ULONG_PTR* returned);

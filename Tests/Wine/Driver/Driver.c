@@ -38,6 +38,9 @@ static NTSTATUS NTAPI control(DEVICE_OBJECT* device, IRP* request)
     case IOCTL_GET_DEVICE_NUMBER:
         status = tellNumber(disk, buffer, outputSize, &returned);
         break;
+    case IOCTL_GET_ADDRESS:
+        status = tellAddress(disk, buffer, outputSize, &returned);
+        break;
     case IOCTL_QUERY_PROPERTY:
         status = tellPage(disk, buffer, inputSize, outputSize, &returned);
         break;

@@ -7,6 +7,7 @@
 
 #define IOCTL_GET_DEVICE_NUMBER 0x002D1080
 #define IOCTL_QUERY_PROPERTY 0x002D1400
+#define IOCTL_GET_ADDRESS 0x00041018
 
 enum
 {
@@ -27,6 +28,16 @@ typedef struct DeviceNumber
     ULONG partitionNumber;
 } DeviceNumber;
 C_ASSERT(sizeof(DeviceNumber) == 12);
+
+typedef struct UnitAddress
+{
+    ULONG length;
+    UCHAR port;
+    UCHAR path;
+    UCHAR target;
+    UCHAR unit;
+} UnitAddress;
+C_ASSERT(sizeof(UnitAddress) == 8);
 
 typedef struct ProtocolData
 {
