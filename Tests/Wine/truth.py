@@ -80,8 +80,9 @@ def truth(disk, pages, rated, driver_version):
         "serial": serial, "model": _short_model(vendor, model), "firmware": _text(controller[64:72]),
         "vendor": vendor, "vendor tag": tag or None, "product": _product(vendor, model, pages.get(fleet.MARKETING, b"")),
         "family": 40480 if known else 40488, "device": f".PhysicalDrive{disk.number}", "driver": disk.driver,
-        "driver version": driver_version, "pci": place, "address": disk.place, "location": location, "drive location": f"{location}&ID=0",
-        "capacity": blocks * block_size >> 20, "block size": block_size, "temperature": temperature,
+        "driver version": driver_version, "pci": place, "address": disk.place, "location": location,
+        "drive location": f"{location}&ID=0",
+        "capacity": blocks * block_size >> 20, "capacity in bytes": blocks * block_size >> 20 << 20, "block size": block_size, "temperature": temperature,
         "adapter temperature": temperature if known else None,
         "drive temperature": None if known else temperature, "spare": log[3], "spare threshold": log[4],
         "data read": _amount(at(32)), "data written": _amount(at(48)),
@@ -95,6 +96,5 @@ def told(report, disk):
     """The same fields, as ostrel shows them for the controller with the disk's serial number."""
     (adapter,) = (each for each in report.of_type(inventory.ADAPTER) if each.value(30022) == disk.serial)
     (drive,) = (each for each in report.of_type(inventory.DRIVE) if each.id in adapter.children)
-    said = report.told(disk.serial, disk.address)
-    return {**said, "pci": {"adapter": said["pci"]["adapter"]}, "address": {"list": said["pci"]["list"]},
+    return {**report.told(disk.serial, disk.address),
             "spare state": {"adapter 30468": adapter.value(30468)}, "disk state": {"drive 30017": drive.value(30017)}}
