@@ -30,7 +30,8 @@ class Watching:
 
     def __init__(self, machine, data, *arguments):
         self._machine = machine
-        # The trace shows when the worker has begun. A console event before that ends the program at once.
+        # The trace shows the end of the worker's first cycle. A console event before the start of the worker ends
+        # the program at once.
         self._process = machine.prefix.start(machine.console, machine.program, "--data", data, "watch", "--json",
                                              "--trace", "2", *arguments, stdin=subprocess.PIPE)
         self._events, self.errors = queue.Queue(), []
@@ -51,7 +52,7 @@ class Watching:
 
     def _take_error(self, line):
         self.errors.append(line)
-        if "LEAVE SetAdapterIDs" in line:
+        if "Worker() before restart interval" in line:
             self._ready.set()
 
     def event(self):
@@ -145,6 +146,9 @@ class Watch(unittest.TestCase):
 
     def test_stuck(self):
         """a disk that never answers does not keep it from ending"""
+        # Between two cycles the program must have the time to collect what the first one found. A request waits for
+        # a cycle that hangs.
+        (self.folder / "Ostrel.ini").write_text("PollInterval=10\r\n")
         watch = self.watching("--trace", "18")
         self.machine.storage.forget_requests()
         self.machine.storage.how(PLAIN, HEALTH, "wait")
