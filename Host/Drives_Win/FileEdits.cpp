@@ -3,8 +3,9 @@
 namespace Host {
 
 // Polling finds edits here.
-std::unique_ptr<TLXX::IAnnouncements> announceEdits(const std::filesystem::path& /*file*/,
-                                                    std::function<void()> /*announce*/)
+std::unique_ptr<TLXX::IAnnouncements>
+announceEdits(const std::filesystem::path& /*file*/,
+              std::function<void()> /*announce*/) // NOLINT(performance-unnecessary-value-param)
 {
     return nullptr;
 }

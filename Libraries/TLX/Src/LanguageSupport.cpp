@@ -89,7 +89,7 @@ std::optional<std::string> CLanguageSupport::CLngFile::Text(std::uint32_t number
 /** The path of the file. The catalogue of another maker's plug-in is not in the host's folder. */
 std::filesystem::path CLanguageSupport::CLngFile::Find(const std::filesystem::path& folder) const
 {
-    const std::filesystem::path shared = folder.empty() ? folder : folder / m_FileName;
+    std::filesystem::path shared = folder.empty() ? folder : folder / m_FileName;
     std::error_code error;
     if (!shared.empty() && std::filesystem::exists(shared, error))
         return shared;

@@ -33,7 +33,8 @@ std::string IDeviceBackend::Instance(const std::string& path)
     return path;
 }
 
-std::unique_ptr<IAnnouncements> IDeviceBackend::Subscribe(std::function<void()> /*announce*/)
+std::unique_ptr<IAnnouncements>
+IDeviceBackend::Subscribe(std::function<void()> /*announce*/) // NOLINT(performance-unnecessary-value-param)
 {
     return nullptr;
 }
@@ -58,6 +59,7 @@ std::optional<std::vector<CDeviceEntry>> enumerateBackend()
         return std::nullopt;
     std::vector<CDeviceEntry> entries = source.m_Backend->Enumerate();
     std::vector<std::string> instances;
+    instances.reserve(entries.size());
     for (const CDeviceEntry& entry : entries)
         instances.push_back(source.m_Backend->Instance(entry.m_DeviceName));
     source.m_Memory->Retain(instances);

@@ -65,6 +65,7 @@ std::optional<std::uint32_t> numberOf(DeviceNode node, std::uint32_t property)
 void Win::rememberEnumeration(std::vector<CFoundDisk> disks)
 {
     std::vector<std::string> instances;
+    instances.reserve(disks.size());
     for (const CFoundDisk& disk : disks)
         instances.push_back(disk.m_Instance);
     platformMemory().Retain(instances);
