@@ -84,7 +84,7 @@ Examples:
   sudo ostrel doctor
   ostrel doctor --simulate fleet.json)";
 
-/** What the manual tells of an option beside its line in the help: a sentence a line. */
+/** The manual's further sentences about an option, one in each line. */
 struct OptionDetails
 {
     const char* m_Option;

@@ -65,7 +65,7 @@ constexpr Explanation HEALTH[] = {
      "Look at the other states of the drive."},
 };
 
-/** What to say of a state that nobody measured, by property; the last row is that of a medium's health. */
+/** The texts for states that were not measured, by property. The last row is for a medium's health. */
 struct Constant
 {
     std::uint32_t m_Property;

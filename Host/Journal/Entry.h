@@ -67,7 +67,7 @@ struct Entry
     std::string m_Key;                    ///< the drive's
     Cli::DriveIdentity m_Drive;
     std::string m_Text; ///< a sentence that names the drive
-    // It came about between these two looks, in milliseconds since 1970. No begin: nobody looked before.
+    // It happened between these two looks, in milliseconds since 1970. No begin: there was no look before.
     std::optional<std::uint64_t> m_Begin;
     std::uint64_t m_End = 0;
 

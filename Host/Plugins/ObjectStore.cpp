@@ -173,7 +173,7 @@ std::vector<const PI::CObject*> ObjectStore::namedByPlace(std::string_view name)
             matches.push_back(&object);
             children.insert(object.m_Children.begin(), object.m_Children.end());
         }
-    // A drive has the serial number of its adapter, which stands for both.
+    // A drive and its adapter have the same serial number. It names both.
     std::erase_if(matches, [&](const PI::CObject* object) { return children.contains(object->m_ID); });
     return matches;
 }

@@ -12,7 +12,7 @@ typedef struct Page
     char name[32];
 } Page;
 
-/** How a request is answered: the numbers in the `.how` file, all ones where it has none. */
+/** How a request is answered: the numbers of the `.how` file. A number that is missing is all ones. */
 typedef struct Manner
 {
     BOOLEAN wait;   ///< `wait`: no answer before the file says something else

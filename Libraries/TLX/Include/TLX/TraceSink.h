@@ -67,7 +67,7 @@ TLX_EXPORT void setSink(std::shared_ptr<ISink> sink);
 TLX_EXPORT void setMask(std::uint32_t moduleNumber, std::uint32_t mask);
 
 /**
- * Sets the mask of every module that has none of its own, whether it is loaded already or later. Initially 0.
+ * Sets the mask of every module without a mask of its own, loaded now or later. Initially 0.
  */
 TLX_EXPORT void setDefaultMask(std::uint32_t mask);
 
