@@ -132,7 +132,7 @@ TEST_F(PageMemoryTest, TakesAHealthLogOfZerosForAFailedQuery)
     EXPECT_EQ(Spare(FIRST), 10);
     EXPECT_EQ(m_Status, EMPTY_PAGE);
     EXPECT_EQ(TLXX::lastStatus(FIRST, TLXX::EQuery::SmartHealthLog), EMPTY_PAGE);
-    m_Drives.Change(0, [](CFakeDrive& drive) { drive.m_Health.Reserved176.back() = 1; });
+    m_Drives.Change(0, [](CFakeDrive& drive) { drive.m_Health.Reserved232.back() = 1; });
     EXPECT_EQ(Spare(FIRST), 0) << "one byte makes it a page";
     EXPECT_EQ(m_Status, 0U);
 }
