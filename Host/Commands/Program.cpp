@@ -111,8 +111,9 @@ private:
         Json document = {{"objects", Json::array()}};
         for (const PI::CObject* object : objects)
             document["objects"].push_back(objectJson(store, *object));
+        document["facts"] = ownFactsJson(store, objects);
         document["explanations"] = explanationsJson(store, objects);
-        document["endOfLife"] = endOfLifeJson(objects);
+        document["endOfLife"] = endOfLifeJson(store, objects);
         print(document);
     }
 
