@@ -2,6 +2,7 @@
 
 #include "Base/Text.h"
 #include "Documents/Json.h"
+#include "Facts/FactTable.h"
 #include "Facts/PropertyText.h"
 #include "Terminal/Paragraph.h"
 #include "Terminal/Table.h"
@@ -18,15 +19,15 @@ constexpr char UNKNOWN[] = "-";
 Table newTable()
 {
     // Widths that keep what a person tells drives apart by; the device's name is never cut.
-    return Table({{"Device"},
-                  {"Vendor", false, 0, 2},
-                  {"Model", false, 10, 6},
-                  {"Serial", false, 8},
-                  {"Firmware", false, 0, 1},
-                  {"Capacity", true, 0, 5},
-                  {"Temp", true, 0, 4},
-                  {"Wear", true, 0, 3},
-                  {"Health"}});
+    return Table({{factOf("device").heading()},
+                  {factOf("vendor").heading(), false, 0, 2},
+                  {factOf("model").heading(), false, 10, 6},
+                  {factOf("serial").heading(), false, 8},
+                  {factOf("firmware").heading(), false, 0, 1},
+                  {factOf("capacityMiB").heading(), true, 0, 5},
+                  {factOf("temperature").heading(), true, 0, 4},
+                  {factOf("wear").heading(), true, 0, 3},
+                  {factOf("health").heading()}});
 }
 
 std::string orUnknown(const std::string& text)

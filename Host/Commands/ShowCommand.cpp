@@ -9,12 +9,17 @@
 #include "Documents/Json.h"
 #include "Facts/EndOfLife.h"
 #include "Facts/Explanation.h"
+#include "Facts/FactTable.h"
 #include "Facts/PropertyText.h"
+#include "Terminal/Captions.h"
 #include "Terminal/Paragraph.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <initializer_list>
 #include <optional>
+#include <variant>
 
 namespace Host::Cli {
 namespace {
@@ -35,13 +40,67 @@ std::string section(const std::string& heading, const std::string& text, const S
            std::string(2 * MARGIN, ' ') + paragraph(text, 2 * MARGIN, screen);
 }
 
+/** A fact as people read it; empty when it is not known. */
+struct FactToText
+{
+    std::string_view m_Unit;
+
+    std::string operator()(const std::string& text) const { return text; }
+    std::string operator()(std::uint64_t number) const
+    {
+        constexpr unsigned mebibyte = 20;
+        const bool isSize = m_Unit == "bytes" && number >> mebibyte != 0;
+        return isSize ? sizeText(number >> mebibyte) : withUnit(std::to_string(number));
+    }
+    std::string operator()(std::int32_t number) const { return withUnit(std::to_string(number)); }
+    std::string operator()(float number) const { return withUnit(numberText(static_cast<double>(number))); }
+    /** Nothing that drive or system tell is of another kind. */
+    template<typename Other>
+    std::string operator()(const Other& /*value*/) const
+    {
+        return {};
+    }
+
+private:
+    std::string withUnit(const std::string& number) const
+    {
+        const std::string_view gap = m_Unit.empty() || m_Unit == "%" ? "" : " ";
+        return number + std::string(gap) + std::string(m_Unit);
+    }
+};
+
+/** The facts about `drive` that `origins` tell, below a heading; empty when nothing is known of them. */
+std::string factsText(const char* heading, std::initializer_list<FactOrigin> origins, const Drive& drive,
+                      const Screen& screen)
+{
+    std::vector<CaptionedValue> values;
+    for (const Fact& fact : facts())
+        if (std::find(origins.begin(), origins.end(), fact.m_Source.m_Origin) != origins.end())
+            values.push_back({fact.m_Caption, std::visit(FactToText{fact.m_Unit}, fact.m_Value(drive))});
+    const std::string text = captionsText(values, screen, 2 * MARGIN);
+    return text.empty()
+               ? text
+               : '\n' + std::string(MARGIN, ' ') + paragraph(heading, MARGIN, screen, Tone::Heading) + text;
+}
+
+std::string ownFactsText(const ObjectStore& store, const PI::CObject& object, const Screen& screen)
+{
+    const std::optional<Drive> drive = driveOf(store, object);
+    if (!drive)
+        return {};
+    return factsText("From the drive's own log", {FactOrigin::HealthLog, FactOrigin::Identify}, *drive,
+                     screen) +
+           factsText("From the system", {FactOrigin::System}, *drive, screen);
+}
+
 std::string explanationText(const ObjectStore& store, const PI::CObject& object, const Screen& screen)
 {
     std::string text;
     for (const ExplainedCode& each : explainedCodes(store, object))
         text += section(printable(captionText(*each.m_Property) + ": " + each.m_Text),
                         std::string(each.m_Meaning) + " " + each.m_Advice, screen);
-    if (const std::optional<EndOfLife> end = explainEndOfLife(object))
+    const std::optional<Drive> drive = driveOf(store, object);
+    if (const auto end = drive ? explainEndOfLife(*drive) : std::nullopt)
         text += section("Estimated end of life: " + end->m_Date, endOfLifeText(*end), screen);
     return text.empty() ? text : '\n' + text;
 }
@@ -51,8 +110,9 @@ nlohmann::ordered_json showJson(const ObjectStore& store, const std::vector<cons
     nlohmann::ordered_json document = {{"objects", nlohmann::ordered_json::array()}};
     for (const PI::CObject* object : objects)
         document["objects"].push_back(objectJson(store, *object));
+    document["facts"] = ownFactsJson(store, objects);
     document["explanations"] = explanationsJson(store, objects);
-    document["endOfLife"] = endOfLifeJson(objects);
+    document["endOfLife"] = endOfLifeJson(store, objects);
     return document;
 }
 
@@ -92,7 +152,8 @@ std::string showText(const ObjectStore& store, const std::vector<const PI::CObje
     std::string text;
     for (const PI::CObject* object : objects)
         text += (text.empty() ? "" : "\n") + headingText(*object, screen, 0) +
-                propertiesText(store, *object, screen, MARGIN) + explanationText(store, *object, screen);
+                propertiesText(store, *object, screen, MARGIN) + ownFactsText(store, *object, screen) +
+                explanationText(store, *object, screen);
     return text;
 }
 

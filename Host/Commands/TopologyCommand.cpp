@@ -4,13 +4,13 @@
 #include "Documents/Json.h"
 #include "Facts/Measured.h"
 #include "Facts/PropertyText.h"
+#include "Terminal/Captions.h"
 #include "Terminal/Paragraph.h"
 
 #include <PI/PluginHelper.h>
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <set>
 
 namespace Host::Cli {
@@ -102,33 +102,20 @@ std::string headingText(const PI::CObject& object, const Screen& screen, std::si
 std::string propertiesText(const ObjectStore& store, const PI::CObject& object, const Screen& screen,
                            std::size_t indent)
 {
-    std::size_t width = 0;
-    for (const PI::CProperty& property : object.m_Properties)
-        width = std::max(width, displayWidth(printable(captionText(property))));
-    // Beside captions that take most of a line values would stand word below word.
-    std::size_t column = indent + width + STEP;
-    const bool below = screen.m_Width && column > *screen.m_Width / 2;
-    if (below)
-        column = indent + STEP;
     std::string text;
     for (const std::string& caveat : caveatsOf(store, object))
         text += std::string(indent, ' ') + paragraph(caveat, indent, screen, Tone::Warning);
+    std::vector<CaptionedValue> values;
     for (const PI::CProperty& property : object.m_Properties) {
-        std::string value = printable(valueText(property));
-        if (value.empty())
-            continue;
+        std::string value = valueText(property);
         const bool measured = basisOf(store, object, property) == Basis::Measured;
-        if (!measured)
+        if (!measured && !value.empty())
             value += NOT_MEASURED;
-        const std::string caption = printable(captionText(property));
         const auto* code = std::get_if<PI::CCodeValue>(&property.GetValue());
-        text += std::string(indent, ' ') +
-                (below ? paragraph(caption, indent, screen) + std::string(column, ' ')
-                       : caption + std::string(column - indent - displayWidth(caption), ' ')) +
-                paragraph(value, column, screen,
-                          measured && code != nullptr ? toneOfCode(code->m_Code) : Tone::Plain);
+        values.push_back({captionText(property), value,
+                          measured && code != nullptr ? toneOfCode(code->m_Code) : Tone::Plain});
     }
-    return text;
+    return text + captionsText(values, screen, indent);
 }
 
 std::string topologyText(const ObjectStore& store, const Screen& screen)

@@ -40,11 +40,12 @@ nlohmann::ordered_json endOfLifeJson(const EndOfLife& end)
     return entry;
 }
 
-nlohmann::ordered_json endOfLifeJson(const std::vector<const PI::CObject*>& objects)
+nlohmann::ordered_json endOfLifeJson(const ObjectStore& store, const std::vector<const PI::CObject*>& objects)
 {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (const PI::CObject* object : objects) {
-        const std::optional<EndOfLife> end = explainEndOfLife(*object);
+        const std::optional<Drive> drive = driveOf(store, *object);
+        const std::optional<EndOfLife> end = drive ? explainEndOfLife(*drive) : std::nullopt;
         if (end)
             list.push_back(endOfLifeJson(*end));
     }

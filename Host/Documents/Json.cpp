@@ -3,6 +3,7 @@
 #include "Base/Time.h"
 #include "Documents/EndOfLifeJson.h"
 #include "Documents/JsonNumber.h"
+#include "Facts/FactTable.h"
 #include "Facts/PropertyText.h"
 
 #include <PI/ErrorCode.h>
@@ -12,7 +13,6 @@
 
 #include <array>
 #include <cstdio>
-#include <limits>
 #include <string>
 #include <variant>
 
@@ -56,12 +56,6 @@ Json identifiers(const std::vector<std::uint64_t>& ids)
     return list;
 }
 
-void add(Json& json, const char* name, const std::string& text)
-{
-    if (!text.empty())
-        json[name] = text;
-}
-
 void addLocationDoubt(Json& json, ShownPlace place)
 {
     if (place != ShownPlace::Real)
@@ -83,21 +77,27 @@ Json operationJson(const PI::COperation& operation)
     return json;
 }
 
-/** In its unit and, in a member of its own, in whole bytes. */
-void addAmount(Json& json, const std::string& name, const std::optional<Amount>& amount)
+/** Adds a fact that is known. */
+struct FactToJson
 {
-    addNumber(json, name, amount);
-    const std::optional<double> bytes = amount ? bytesOf(*amount) : std::nullopt;
-    if (bytes && *bytes >= 0 && *bytes < 0x1p64)
-        addNumber(json, name + "Bytes", static_cast<std::uint64_t>(*bytes));
-}
+    Json& m_Json;
+    const char* m_Key;
 
-void addCapacity(Json& json, const std::optional<std::uint64_t>& mebibytes)
+    void operator()(std::monostate) const {}
+    void operator()(std::uint64_t number) const { addNumber(m_Json, m_Key, number); }
+    void operator()(std::int32_t number) const { addNumber(m_Json, m_Key, number); }
+    void operator()(float number) const { addNumber(m_Json, m_Key, number); }
+    void operator()(const Amount& amount) const { addNumber(m_Json, m_Key, amount); }
+    template<typename Value>
+    void operator()(const Value& value) const
+    {
+        m_Json[m_Key] = value;
+    }
+};
+
+void addFact(Json& json, const Fact& fact, const Drive& drive)
 {
-    constexpr unsigned shift = 20;
-    addNumber(json, "capacityMiB", mebibytes);
-    if (mebibytes && *mebibytes <= std::numeric_limits<std::uint64_t>::max() >> shift)
-        addNumber(json, "capacityBytes", *mebibytes << shift);
+    std::visit(FactToJson{json, fact.m_Key}, fact.m_Value(drive));
 }
 
 Json documentJson(const Json& content, bool simulated)
@@ -137,17 +137,11 @@ std::string dumped(const Json& content, bool simulated, int indent)
 
 } // namespace
 
-Json identityJson(const DriveIdentity& drive)
+Json identityJson(const DriveIdentity& identity)
 {
-    Json json = Json::object();
-    add(json, "device", drive.m_Device);
-    add(json, "vendor", drive.m_Vendor);
-    add(json, "model", drive.m_Model);
-    add(json, "serial", drive.m_Serial);
-    add(json, "pciAddress", drive.m_PciAddress);
-    add(json, "location", drive.m_Location);
-    addLocationDoubt(json, drive.m_Place);
-    return json;
+    Drive drive;
+    static_cast<DriveIdentity&>(drive) = identity;
+    return driveJson(drive);
 }
 
 Json propertyJson(const PI::CProperty& property, Basis basis)
@@ -194,30 +188,9 @@ Json objectJson(const ObjectStore& store, const PI::CObject& object)
 
 Json driveJson(const Drive& drive)
 {
-    Json json = identityJson(drive);
-    add(json, "firmware", drive.m_Firmware);
-    addCapacity(json, drive.m_CapacityMiB);
-    addNumber(json, "blockSize", drive.m_BlockSize);
-    addNumber(json, "temperature", drive.m_Temperature);
-    addNumber(json, "wear", drive.m_Wear);
-    if (drive.m_Health) {
-        json["health"] = drive.m_Health->m_Text;
-        if (drive.m_Health->m_Code)
-            json["healthCode"] = *drive.m_Health->m_Code;
-    }
-    for (const CodeText& reason : drive.m_Reasons) {
-        json["reasons"].push_back(reason.m_Text);
-        json["reasonCodes"].push_back(reason.m_Code);
-    }
-    addHealthLogDoubt(json, drive.m_HealthLogRead);
-    add(json, "driver", drive.m_Driver);
-    add(json, "driverVersion", drive.m_DriverVersion);
-    addNumber(json, "spare", drive.m_Spare);
-    addNumber(json, "spareThreshold", drive.m_SpareThreshold);
-    addAmount(json, "dataRead", drive.m_DataRead);
-    addAmount(json, "dataWritten", drive.m_DataWritten);
-    addNumber(json, "powerOnHours", drive.m_PowerOnHours);
-    addNumber(json, "mediaErrors", drive.m_MediaErrors);
+    Json json = Json::object();
+    for (const Fact& fact : facts())
+        addFact(json, fact, drive);
     if (drive.m_AdapterId)
         json["adapterId"] = identifierText(*drive.m_AdapterId);
     if (drive.m_DriveId)
@@ -225,13 +198,28 @@ Json driveJson(const Drive& drive)
     return json;
 }
 
+Json ownFactsJson(const ObjectStore& store, const std::vector<const PI::CObject*>& objects)
+{
+    Json list = Json::array();
+    for (const PI::CObject* object : objects) {
+        const std::optional<Drive> drive = driveOf(store, *object);
+        if (!drive)
+            continue;
+        Json json = {{"object", identifierText(object->m_ID)}};
+        for (const Fact& fact : facts())
+            if (isOwn(fact.m_Source.m_Origin))
+                addFact(json, fact, *drive);
+        list.push_back(std::move(json));
+    }
+    return list;
+}
+
 Json listJson(const ObjectStore& store)
 {
     Json document = {{"drives", Json::array()}};
     for (const Drive& drive : joinDrives(store)) {
         Json json = driveJson(drive);
-        const PI::CObject* adapter = drive.m_AdapterId ? store.byId(*drive.m_AdapterId) : nullptr;
-        if (const auto end = adapter != nullptr ? explainEndOfLife(*adapter) : std::nullopt)
+        if (const auto end = explainEndOfLife(drive))
             json["endOfLife"] = endOfLifeJson(*end);
         document["drives"].push_back(std::move(json));
     }

@@ -20,12 +20,14 @@ inline constexpr int FORMAT = 1;
 nlohmann::ordered_json propertyJson(const PI::CProperty& property, Basis basis = Basis::Measured);
 nlohmann::ordered_json objectJson(const ObjectStore& store, const PI::CObject& object);
 nlohmann::ordered_json driveJson(const Drive& drive);
+/** What drives and system themselves tell, for the documents of `show`: of each adapter among `objects`. */
+nlohmann::ordered_json ownFactsJson(const ObjectStore& store, const std::vector<const PI::CObject*>& objects);
 /** All drives, as `list` shows them, with the end of their lives. */
 nlohmann::ordered_json listJson(const ObjectStore& store);
 nlohmann::ordered_json eventJson(const DriveEvent& event);
 
 /** What a drive is known by; how it fares changes too often to be part of what `watch` prints. */
-nlohmann::ordered_json identityJson(const DriveIdentity& drive);
+nlohmann::ordered_json identityJson(const DriveIdentity& identity);
 
 nlohmann::ordered_json failureJson(const std::string& message, const std::optional<RequestResult>& result);
 

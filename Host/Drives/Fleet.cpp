@@ -6,10 +6,13 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 #include <set>
+#include <span>
 #include <stdexcept>
 
 namespace Host {
@@ -26,17 +29,83 @@ void setField(std::array<std::uint8_t, Size>& field, const std::string& text)
     std::copy(text.begin(), text.end(), field.begin());
 }
 
+/** A number that a fleet file calls by name, and its bytes in a page. */
+struct NamedNumber
+{
+    const char* m_Name;
+    std::size_t m_Offset;
+    std::size_t m_Size; ///< bytes, at most 8; a wider field has zeros in the rest
+};
+
+std::vector<std::string> namesOf(std::span<const NamedNumber> numbers, std::vector<std::string> others)
+{
+    for (const NamedNumber& number : numbers)
+        others.emplace_back(number.m_Name);
+    return others;
+}
+
+void putNumber(std::uint8_t* page, std::uint64_t number, std::size_t offset, std::size_t size)
+{
+    std::memcpy(page + offset, &number, size); // little-endian, as the page is
+}
+
+template<typename Block>
+void putNumbers(const JsonReader& reader, std::span<const NamedNumber> numbers, Block& block)
+{
+    constexpr unsigned bitsAByte = 8;
+    for (const NamedNumber& number : numbers) {
+        const std::uint64_t largest = LARGEST_COUNTER >> bitsAByte * (sizeof LARGEST_COUNTER - number.m_Size);
+        if (const auto value = reader.number(number.m_Name, largest))
+            putNumber(reinterpret_cast<std::uint8_t*>(&block), *value, number.m_Offset, number.m_Size);
+    }
+}
+
+/** The temperature in kelvin; nothing when the file does not have it. */
+std::optional<std::uint16_t> kelvin(const JsonReader& reader, const char* key)
+{
+    constexpr std::int64_t hottest = 727;
+    const auto celsius = reader.signedNumber(key, 1 - ZERO_CELSIUS, hottest);
+    return celsius ? std::optional(static_cast<std::uint16_t>(*celsius + ZERO_CELSIUS)) : std::nullopt;
+}
+
+/** The version of "1.4" or "1.2.1" as Identify Controller has it. */
+std::uint32_t nvmeVersion(const JsonReader& reader)
+{
+    constexpr std::size_t longest = 16;
+    const std::string text = reader.text("nvmeVersion", longest).value_or("");
+    std::array<std::uint64_t, 3> parts{};
+    std::size_t part = 0;
+    for (std::size_t begin = 0; begin < text.size(); ++part) {
+        const std::size_t end = std::min(text.find('.', begin), text.size());
+        const auto number = parseNumber(text.substr(begin, end - begin), 10);
+        if (part == parts.size() || !number || *number > LARGEST_BYTE || end + 1 == text.size())
+            reader.fail("nvmeVersion", "has to be a version such as \"1.4\"");
+        parts[part] = *number;
+        begin = end + 1;
+    }
+    return static_cast<std::uint32_t>(parts[0] << 16U | parts[1] << 8U | parts[2]);
+}
+
 void fill(const JsonReader& reader, TLXX::NVME_IDENTIFY_CONTROLLER& block)
 {
-    constexpr std::size_t tagOffset = 3100 - offsetof(TLXX::NVME_IDENTIFY_CONTROLLER, VS);
+    using Block = TLXX::NVME_IDENTIFY_CONTROLLER;
+    constexpr std::size_t tagOffset = 3100 - offsetof(Block, VS);
     constexpr std::size_t tagSize = 8;
-    reader.allowOnly({"vendorId", "model", "serial", "firmware", "tag"});
+    constexpr NamedNumber numbers[] = {{"namespaceLimit", offsetof(Block, NN), 4},
+                                       {"totalCapacityBytes", offsetof(Block, TNVMCAP), 8},
+                                       {"unallocatedCapacityBytes", offsetof(Block, UNVMCAP), 8}};
+    reader.allowOnly(namesOf(numbers, {"vendorId", "model", "serial", "firmware", "tag", "nvmeVersion",
+                                       "warningTemperature", "criticalTemperature"}));
     block.VID = static_cast<std::uint16_t>(reader.required("vendorId", reader.number("vendorId", 0xFFFF)));
     setField(block.MN, reader.required("model", reader.text("model", block.MN.size())));
     setField(block.SN, reader.required("serial", reader.text("serial", block.SN.size())));
     setField(block.FR, reader.text("firmware", block.FR.size()).value_or(""));
     const std::string tag = reader.text("tag", tagSize).value_or("");
     std::copy(tag.begin(), tag.end(), block.VS.begin() + tagOffset);
+    block.VER = nvmeVersion(reader);
+    block.WCTEMP = kelvin(reader, "warningTemperature").value_or(0);
+    block.CCTEMP = kelvin(reader, "criticalTemperature").value_or(0);
+    putNumbers(reader, numbers, block);
 }
 
 void fill(const JsonReader& reader, TLXX::NVME_IDENTIFY_NAMESPACE& block)
@@ -61,26 +130,43 @@ void fill(const JsonReader& reader, TLXX::NVME_IDENTIFY_NAMESPACE& block)
 
 void fill(const JsonReader& reader, TLXX::NVME_SMART_HEALTH_INFORMATION_LOG& block)
 {
-    constexpr std::int64_t hottest = 727;
-    constexpr std::uint64_t usualThreshold = 10;
-    reader.allowOnly({"criticalWarning", "temperature", "spare", "threshold", "dataUnitsRead",
-                      "dataUnitsWritten", "powerOnHours", "mediaErrors"});
-    const auto counter = [&](const char* key) { return reader.number(key, LARGEST_COUNTER).value_or(0); };
-    const auto byte = [&](const char* key, std::uint64_t usual) {
-        return static_cast<std::uint8_t>(reader.number(key, LARGEST_BYTE).value_or(usual));
+    using Block = TLXX::NVME_SMART_HEALTH_INFORMATION_LOG;
+    constexpr NamedNumber numbers[] = {
+        {"criticalWarning", offsetof(Block, Warning), 1},
+        {"spare", offsetof(Block, AvailableSpare), 1},
+        {"threshold", offsetof(Block, AvailableSpareThreshold), 1},
+        {"percentageUsed", offsetof(Block, PercentageUsed), 1},
+        {"dataUnitsRead", offsetof(Block, DataUnitsRead), 8},
+        {"dataUnitsWritten", offsetof(Block, DataUnitsWritten), 8},
+        {"hostReadCommands", offsetof(Block, HostReadCommands), 8},
+        {"hostWriteCommands", offsetof(Block, HostWriteCommands), 8},
+        {"controllerBusyMinutes", offsetof(Block, ControllerBusyTime), 8},
+        {"powerCycles", offsetof(Block, PowerCycles), 8},
+        {"powerOnHours", offsetof(Block, Counter128), 8},
+        {"unsafeShutdowns", offsetof(Block, UnsafeShutdowns), 8},
+        {"mediaErrors", offsetof(Block, Counter160), 8},
+        {"errorLogEntries", offsetof(Block, ErrorLogEntries), 8},
+        {"warningTemperatureMinutes", offsetof(Block, WarningTemperatureTime), 4},
+        {"criticalTemperatureMinutes", offsetof(Block, CriticalTemperatureTime), 4},
+        {"thermalTransitions1", offsetof(Block, ThermalTransitions), 4},
+        {"thermalTransitions2", offsetof(Block, ThermalTransitions) + 4, 4},
+        {"thermalSeconds1", offsetof(Block, ThermalTime), 4},
+        {"thermalSeconds2", offsetof(Block, ThermalTime) + 4, 4},
     };
-    const auto kelvin = static_cast<std::uint16_t>(
-        reader.required("temperature", reader.signedNumber("temperature", 1 - ZERO_CELSIUS, hottest)) +
-        ZERO_CELSIUS);
-    block.Temperature = {static_cast<std::uint8_t>(kelvin & LARGEST_BYTE),
-                         static_cast<std::uint8_t>(kelvin >> 8U)};
-    block.Warning = byte("criticalWarning", 0);
-    block.AvailableSpare = byte("spare", 100);
-    block.AvailableSpareThreshold = byte("threshold", usualThreshold);
-    block.DataUnitsRead[0] = counter("dataUnitsRead");
-    block.DataUnitsWritten[0] = counter("dataUnitsWritten");
-    block.Counter128[0] = counter("powerOnHours");
-    block.Counter160[0] = counter("mediaErrors");
+    constexpr std::uint8_t usualSpare = 100;
+    constexpr std::uint8_t usualThreshold = 10;
+    std::vector<std::string> names = namesOf(numbers, {"temperature"});
+    for (std::size_t i = 0; i < block.TemperatureSensor.size(); ++i) {
+        names.push_back("temperatureSensor" + std::to_string(i + 1));
+        block.TemperatureSensor[i] = kelvin(reader, names.back().c_str()).value_or(0);
+    }
+    reader.allowOnly(names);
+    const std::uint16_t composite = reader.required("temperature", kelvin(reader, "temperature"));
+    block.Temperature = {static_cast<std::uint8_t>(composite & LARGEST_BYTE),
+                         static_cast<std::uint8_t>(composite >> 8U)};
+    block.AvailableSpare = usualSpare;
+    block.AvailableSpareThreshold = usualThreshold;
+    putNumbers(reader, numbers, block);
 }
 
 /** The block under `key`: values by name, or a recorded page in hexadecimal digits. */

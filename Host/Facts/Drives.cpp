@@ -1,6 +1,7 @@
 #include "Facts/Drives.h"
 
 #include <PI/PluginHelper.h>
+#include <TLXX/NvmeQuery.h>
 
 namespace Host::Cli {
 namespace {
@@ -72,6 +73,23 @@ void dropWhatNobodyRead(const ObjectStore& store, const PI::CObject& adapter, Dr
         drive.m_Health = Health{std::nullopt, UNKNOWN_HEALTH};
 }
 
+/** Plug-ins may shorten the path of a disk; the system's path is the one that was asked. */
+void addPages(const ObjectStore& store, const PI::CObject& adapter, Drive& drive)
+{
+    if (const TLXX::CControllerState* system = store.controllerOf(adapter))
+        drive.m_System = *system;
+    const std::string& path = drive.m_System ? drive.m_System->m_DeviceName : drive.m_Device;
+    drive.m_HealthLog = TLXX::lastHealthLog(path);
+    drive.m_Identify = TLXX::lastIdentifyController(path);
+}
+
+void addEndOfLife(const ObjectStore& store, const PI::CObject& adapter, Drive& drive)
+{
+    drive.m_EndOfLifeDate = textOf(adapter, PI::PROP_END_OF_LIFE_DATE);
+    const PI::CProperty* wear = findProperty(adapter, PI::PROP_WEAR_STATE);
+    drive.m_DateCountsWear = wear == nullptr || basisOf(store, adapter, *wear) == Basis::Measured;
+}
+
 Drive join(const ObjectStore& store, const PI::CObject& adapter, const PI::CObject* medium)
 {
     const Pair pair(adapter, medium);
@@ -106,6 +124,8 @@ Drive join(const ObjectStore& store, const PI::CObject& adapter, const PI::CObje
     drive.m_DataWritten = pair.amount(PI::PROP_DATA_WRITTEN);
     drive.m_PowerOnHours = pair.value<std::uint64_t>(PI::PROP_POWER_ON_HOURS);
     drive.m_MediaErrors = pair.value<std::uint64_t>(PI::PROP_MEDIA_ERRORS);
+    addPages(store, adapter, drive);
+    addEndOfLife(store, adapter, drive);
     dropWhatNobodyRead(store, adapter, drive);
     return drive;
 }
@@ -123,6 +143,14 @@ std::optional<double> bytesOf(const Amount& amount)
         scale *= 1024;
     }
     return std::nullopt;
+}
+
+std::optional<Drive> driveOf(const ObjectStore& store, const PI::CObject& object)
+{
+    if (object.m_Type != PI::TYPE_ADAPTER)
+        return std::nullopt;
+    const std::vector<const PI::CObject*> media = store.childrenOf(object);
+    return join(store, object, media.empty() ? nullptr : media.front());
 }
 
 std::vector<Drive> joinDrives(const ObjectStore& store)

@@ -5,6 +5,8 @@
 #include "Plugins/ObjectStore.h"
 
 #include <PI/Property.h>
+#include <TLXX/Diagnosis.h>
+#include <TLXX/NvmeStructures.h>
 
 #include <cstdint>
 #include <optional>
@@ -63,9 +65,18 @@ struct Drive : DriveIdentity
     std::optional<Amount> m_DataWritten;
     std::optional<std::uint64_t> m_PowerOnHours;
     std::optional<std::uint64_t> m_MediaErrors;
+    std::string m_EndOfLifeDate;  ///< year-month-day
+    bool m_DateCountsWear = true; ///< whether the drive's own wear was looked at for that date
+    std::optional<TLXX::CControllerState> m_System; ///< what the system says of its controller
+    // What the drive itself told last; none: it was never read.
+    std::optional<TLXX::NVME_SMART_HEALTH_INFORMATION_LOG> m_HealthLog;
+    std::optional<TLXX::NVME_IDENTIFY_CONTROLLER> m_Identify;
 };
 
 /** Every adapter with each of its drives, in the plug-in's order. */
 std::vector<Drive> joinDrives(const ObjectStore& store);
+
+/** `object` with the first of its drives; none when it is no adapter. */
+std::optional<Drive> driveOf(const ObjectStore& store, const PI::CObject& object);
 
 } // namespace Host::Cli

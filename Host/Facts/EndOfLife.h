@@ -2,8 +2,6 @@
 
 #include "Facts/Drives.h"
 
-#include <PI/Object.h>
-
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -24,22 +22,23 @@ struct EndOfLife
     };
 
     std::uint64_t m_AdapterId = 0;
-    std::string m_Date;                 ///< year-month-day
-    std::uint64_t m_RemainingHours = 0; ///< until then; 0 when it is over
+    std::string m_Date;                 ///< year-month-day, as the plug-in shows it
+    std::uint64_t m_RemainingHours = 0; ///< until the limit; 0 when it is over
     std::uint64_t m_PowerOnHours = 0;   ///< in which the rest came about
     std::optional<Amount> m_DataWritten;
     std::optional<std::uint64_t> m_Rating;   ///< TiB that may be written; none for a model without a rating
     std::optional<std::int32_t> m_Endurance; ///< percent of the rating that was written
-    /** Percent of life that the drive counts, about; there when it decides. May pass 100. */
+    /** Percent of life that the drive counts; there when it decides. May pass 100. */
     std::optional<std::uint64_t> m_Wear;
     Limit m_Limit = Limit::None;
+    bool m_DateTooLate = false; ///< whether the date takes no account of the wear that decides
 
     friend bool operator==(const EndOfLife&, const EndOfLife&) = default;
 };
 
-/** The figures behind an adapter's date, with what its drive last told the toolkit of its own wear; none when
- * the adapter shows no date or no hours. */
-std::optional<EndOfLife> explainEndOfLife(const PI::CObject& adapter);
+/** The figures behind a drive's date, from the health log that it gave last; none when there is no date, no
+ * such log, or no count of hours in it. */
+std::optional<EndOfLife> explainEndOfLife(const Drive& drive);
 
 /** Sentences about them. */
 std::string endOfLifeText(const EndOfLife& end);

@@ -2,11 +2,11 @@
 
 #include "Facts/DriveKey.h"
 #include "Facts/Drives.h"
+#include "Facts/PageFields.h"
 
 #include <PI/LifeTimeData.h>
 #include <PI/PropertyId.h>
 
-#include <limits>
 #include <utility>
 #include <variant>
 
@@ -14,7 +14,6 @@ namespace Host::Cli {
 namespace {
 
 constexpr std::uint32_t WEAR_NORMAL = 40252;
-constexpr std::uint64_t UNKNOWN_COUNTER = std::numeric_limits<std::uint64_t>::max();
 
 // The plug-in shows no warning byte. It shows each of these bits as a reason of the drive's health.
 constexpr std::pair<std::uint32_t, CriticalWarning> REASONS[] = {
@@ -62,6 +61,13 @@ std::optional<std::uint64_t> unlessNone(const std::optional<std::uint64_t>& amou
     return amount && *amount > 0 ? amount : std::nullopt;
 }
 
+/** The drive's own word; that of the plug-in where the program cannot read it. */
+std::optional<float> temperatureOf(const Drive& drive)
+{
+    const std::optional<std::int32_t> own = compositeTemperature(drive);
+    return own ? std::optional(static_cast<float>(*own)) : drive.m_Temperature;
+}
+
 ObservedDrive observed(const Drive& drive, const PI::CObject* adapter, std::string key)
 {
     ObservedDrive result;
@@ -73,7 +79,9 @@ ObservedDrive observed(const Drive& drive, const PI::CObject* adapter, std::stri
     result.m_BlockSize = result.m_CapacityMiB ? unlessNone(drive.m_BlockSize) : std::nullopt;
     result.m_Warnings = warningsOf(drive);
     result.m_BelowNew = belowNew(adapter);
-    result.m_Temperature = drive.m_Temperature;
+    result.m_Temperature = temperatureOf(drive);
+    result.m_TemperatureLimit = limit<&TLXX::NVME_IDENTIFY_CONTROLLER::WCTEMP>(drive);
+    result.m_CriticalTemperatureLimit = limit<&TLXX::NVME_IDENTIFY_CONTROLLER::CCTEMP>(drive);
     if (drive.m_MediaErrors != UNKNOWN_COUNTER)
         result.m_MediaErrors = drive.m_MediaErrors;
     result.m_Spare = spareOf(drive);

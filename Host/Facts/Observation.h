@@ -47,7 +47,7 @@ struct Observation
     std::vector<ObservedDrive> m_Drives;
 };
 
-/** What a plug-in's objects tell, at `time`. They tell no limits of the temperature. */
+/** What a plug-in's objects tell, and what their drives' own pages do, at `time`. */
 Observation observe(const ObjectStore& objects, std::uint64_t time);
 
 } // namespace Host::Cli

@@ -167,6 +167,7 @@ std::map<std::string, std::string> interfaceTables()
         {"operations", operations()},
         {"health", healthTable()},
         {"events", eventTable()},
+        {"facts", factTable()},
     };
     for (const auto& definition : getDatabasePointer()->m_Tables)
         tables["database " + definition->Name()] = databaseTable(*definition);

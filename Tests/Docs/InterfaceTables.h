@@ -11,4 +11,8 @@ namespace DocsTest {
  */
 std::map<std::string, std::string> interfaceTables();
 
+/** What the table of facts makes of the schema Docs/Schemas/<schema>.json, by the names of its definitions.
+ */
+std::map<std::string, std::string> schemaMembers(const std::string& schema);
+
 } // namespace DocsTest

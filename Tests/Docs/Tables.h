@@ -25,4 +25,7 @@ std::string pluginProperties();
 std::string healthTable();
 std::string eventTable();
 
+/** What is known of a drive. */
+std::string factTable();
+
 } // namespace DocsTest

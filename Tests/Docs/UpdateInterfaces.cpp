@@ -3,6 +3,7 @@
 #include <TLX/LanguageSupport.h>
 
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -11,32 +12,45 @@
 
 namespace {
 
-constexpr char BEGIN[] = "<!-- table: ";
-constexpr char NAME_END[] = " -->\n";
-constexpr char END[] = "<!-- end -->\n";
-
-/** `text` with every table made anew. Each table must be in it once, and no other table. */
-std::string updated(const std::string& text)
+/** How a kind of document marks what is made. Before the end stands a text that is part of the document. */
+struct Marks
 {
-    std::map<std::string, std::string> tables = DocsTest::interfaceTables();
+    std::string m_Begin;
+    std::string m_NameEnd;
+    std::string m_End;
+};
+
+const Marks MARKDOWN = {"<!-- table: ", " -->\n", "<!-- end -->\n"};
+const Marks SCHEMA = {"      \"$comment\": \"Made by ./dev docs: ", "\",\n", "\n    },\n"};
+
+/** `text` with everything made anew. Each has to stand in it once, and no other. */
+std::string updated(const std::string& text, const Marks& marks, std::map<std::string, std::string> made)
+{
     std::string result;
     std::size_t done = 0;
-    for (std::size_t begin = text.find(BEGIN); begin != std::string::npos; begin = text.find(BEGIN, done)) {
-        const std::size_t name = begin + std::size(BEGIN) - 1;
-        const std::size_t content = text.find(NAME_END, name);
-        const std::size_t end = text.find(END, name);
+    for (std::size_t begin = text.find(marks.m_Begin); begin != std::string::npos;
+         begin = text.find(marks.m_Begin, done)) {
+        const std::size_t name = begin + marks.m_Begin.size();
+        const std::size_t content = text.find(marks.m_NameEnd, name);
+        const std::size_t end = text.find(marks.m_End, name);
         if (content == std::string::npos || end == std::string::npos)
             throw std::runtime_error("a table has no end");
-        const auto table = tables.extract(text.substr(name, content - name));
+        const auto table = made.extract(text.substr(name, content - name));
         if (!table)
             throw std::runtime_error("there is no table \"" + text.substr(name, content - name) +
                                      "\", or not twice");
-        result += text.substr(done, content - done) + NAME_END + table.mapped() + END;
-        done = end + std::size(END) - 1;
+        result += text.substr(done, content - done) + marks.m_NameEnd + table.mapped() + marks.m_End;
+        done = end + marks.m_End.size();
     }
-    if (!tables.empty())
-        throw std::runtime_error("the table \"" + tables.begin()->first + "\" is missing");
+    if (!made.empty())
+        throw std::runtime_error("the table \"" + made.begin()->first + "\" is missing");
     return result + text.substr(done);
+}
+
+std::string updated(const std::filesystem::path& file, const std::string& text)
+{
+    return file.extension() == ".json" ? updated(text, SCHEMA, DocsTest::schemaMembers(file.stem().string()))
+                                       : updated(text, MARKDOWN, DocsTest::interfaceTables());
 }
 
 std::string read(const char* file)
@@ -47,8 +61,8 @@ std::string read(const char* file)
 
 } // namespace
 
-/** usage: UpdateInterfaces SHARE FILE [--check]: makes the tables of FILE anew, or says whether they are as
- * they should be. */
+/** usage: UpdateInterfaces SHARE FILE [--check]: makes the tables of FILE anew (of a schema: its members), or
+ * says whether they are as they should be. */
 int main(int argc, char** argv)
 {
     try {
@@ -56,7 +70,7 @@ int main(int argc, char** argv)
             throw std::runtime_error("usage: UpdateInterfaces SHARE FILE [--check]");
         TLX::Language_Support::CLanguageSupport::SetFolder(argv[1]);
         const std::string before = read(argv[2]);
-        const std::string after = updated(before);
+        const std::string after = updated(argv[2], before);
         if (argc > 3 && before != after)
             throw std::runtime_error(std::string(argv[2]) + " is out of date; ./dev docs renews it");
         if (before != after)

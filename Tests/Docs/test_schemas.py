@@ -29,7 +29,8 @@ LIMITS = {"controllers": [
      "identify": {"vendorId": 1, "model": "M", "serial": "LARGEST"},
      "namespace": {"blocks": LARGEST, "blockSize": 512},
      "health": {"temperature": -272, "criticalWarning": 31, "spare": 0, "threshold": 0, "dataUnitsRead": LARGEST,
-                "dataUnitsWritten": LARGEST, "powerOnHours": LARGEST, "mediaErrors": SMALLEST_INEXACT}},
+                "dataUnitsWritten": LARGEST, "powerOnHours": LARGEST, "mediaErrors": SMALLEST_INEXACT,
+                "powerCycles": LARGEST, "unsafeShutdowns": SMALLEST_INEXACT, "temperatureSensor8": 727}},
     {"location": "0000:02:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "SILENT"}},
     {"location": "0000:03:00.0", "identify": {"vendorId": 32902, "model": "INTEL SSDPE2KX020T8", "serial": "RATED"},
      "health": {"temperature": 30, "dataUnitsWritten": LARGEST, "powerOnHours": 1000}},
@@ -139,8 +140,18 @@ class Documents(unittest.TestCase):
         self.assertEqual((drive["powerOnHours"], drive["powerOnHoursText"]), (LARGEST, str(LARGEST)))
         self.assertEqual((drive["mediaErrors"], drive["mediaErrorsText"]), (SMALLEST_INEXACT, str(SMALLEST_INEXACT)))
         self.assertNotIn("capacityMiBText", drive)
+        self.assertEqual((drive["powerCycles"], drive["powerCyclesText"]), (LARGEST, str(LARGEST)))
+        self.assertEqual((drive["unsafeShutdowns"], drive["temperatureSensor8"]), (SMALLEST_INEXACT, 727))
         hours = self.document("property", "show", "LARGEST", "30498", fleet=self.limits)["property"]
         self.assertEqual((hours["value"], hours["valueText"]), (LARGEST, str(LARGEST)))
+
+    def test_pages_of_ones_tell_no_counters(self):
+        drive = self.document("list", "list", fleet=self.limits)["drives"][-1]
+        self.assertEqual(drive["percentageUsed"], 255)
+        for member in drive:
+            self.assertNotRegex(member, "powerCycles|temperatureSensor|Minutes|thermal|Temperature|Version$|Capacity")
+        (facts,) = self.document("show", "show", drive["device"], fleet=self.limits)["facts"]
+        self.assertEqual((facts["percentageUsed"], facts["object"]), (255, drive["adapterId"]))
 
     def news(self, fleet):
         """The documents that watch prints at its start, one on each line. Each must fit the schema."""
@@ -162,9 +173,10 @@ class Documents(unittest.TestCase):
                  "source": "0x0000000000004a3a", "sourceName": "x", "placeholder1": "x", "placeholder2": "",
                  "drive": {"device": "/dev/nvme0n1", "serial": "S"}}
         self.assertEqual(schemas.wrong("event", event), [])
+        whole = self.document("list", "list")
         documents = [("event", event),
                      ("news", next(each for each in self.news(DEMO) if "event" in each)),
-                     ("list", self.document("list", "list")),
+                     ("list", {**whole, "drives": whole["drives"][:2]}),
                      ("topology", {"format": 1, "objects": self.document("topology", "topology")["objects"][:2]}),
                      ("show", self.document("show", "show", "nvme6n1")),
                      ("property", self.document("property", "show", "plugin", "30005")),

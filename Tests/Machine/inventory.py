@@ -9,6 +9,23 @@ KNOWN_FAMILIES = ("INTEL SSDPED", "SAMSUNG MZP")
 UNIT_BYTES = 1000 * 512
 UNITS = {name: 1024**power for power, name in enumerate(("bytes", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"))}
 
+# Fields of the health log that only list and show tell: the member there, byte and size, nvme-cli's and smartctl's name.
+LOG_FACTS = [
+    ("percentageUsed", 5, 1, "percent_used", "percentage_used"),
+    ("hostReadCommands", 64, 8, "host_read_commands", "host_reads"),
+    ("hostWriteCommands", 80, 8, "host_write_commands", "host_writes"),
+    ("controllerBusyMinutes", 96, 8, "controller_busy_time", "controller_busy_time"),
+    ("powerCycles", 112, 8, "power_cycles", "power_cycles"),
+    ("unsafeShutdowns", 144, 8, "unsafe_shutdowns", "unsafe_shutdowns"),
+    ("errorLogEntries", 176, 8, "num_err_log_entries", "num_err_log_entries"),
+    ("warningTemperatureMinutes", 192, 4, "warning_temp_time", "warning_temp_time"),
+    ("criticalTemperatureMinutes", 196, 4, "critical_comp_time", "critical_comp_time"),
+    ("thermalTransitions1", 216, 4, "thm_temp1_trans_count", None),
+    ("thermalTransitions2", 220, 4, "thm_temp2_trans_count", None),
+    ("thermalSeconds1", 224, 4, "thm_temp1_total_time", None),
+    ("thermalSeconds2", 228, 4, "thm_temp2_total_time", None),
+]
+
 # Bit of the critical warning -> status and reason, in the order in which the bits are tested.
 WARNINGS = {1: (40150, 40459), 0: (40150, 40460), 4: (40095, 40449), 2: (40095, 40487), 3: (40095, 40452)}
 HEALTHY = 40024
@@ -59,6 +76,43 @@ def location(segment, bus, device, function):
     place = f"Bus={bus}&Device={device}&Function={function}"
     shown = segment if (bus, device, function) == (0, 0, 0) else 0
     return f"PCI:Segment={shown}&{place}" if shown else f"PCI:{place}"
+
+
+def celsius(kelvin):
+    """What is told of a temperature in kelvin; 0 is none."""
+    return kelvin - 273 if kelvin else None
+
+
+def page_facts(id_ctrl, raw, smart, log, smartctl_log):
+    """Field -> source -> value of what the drive's own pages tell past the plug-in."""
+    def number(page, offset, size):
+        return int.from_bytes(page[offset:offset + size], "little")
+
+    facts = {}
+    for name, offset, size, nvme, smart_name in LOG_FACTS:
+        facts[name] = {"log page": number(log, offset, size), "nvme smart-log": int(smart[nvme])}
+        # Old versions leave out what they do not know.
+        if smart_name in smartctl_log:
+            facts[name]["smartctl"] = smartctl_log[smart_name]
+    for sensor in range(1, 9):
+        # nvme-cli leaves out a sensor of 0 kelvin.
+        facts[f"temperatureSensor{sensor}"] = {
+            "log page": celsius(number(log, 198 + 2 * sensor, 2)),
+            "nvme smart-log": celsius(smart.get(f"temperature_sensor_{sensor}", 0))}
+    def version(word):
+        tertiary = f".{word & 255}" if word & 255 else ""
+        return f"{word >> 16}.{word >> 8 & 255}{tertiary}" if word else None
+
+    total, unallocated = number(raw, 280, 16), number(raw, 296, 16)
+    return facts | {
+        "warningTemperature": {"identify data": celsius(number(raw, 266, 2)), "nvme id-ctrl": celsius(id_ctrl["wctemp"])},
+        "criticalTemperature": {"identify data": celsius(number(raw, 268, 2)), "nvme id-ctrl": celsius(id_ctrl["cctemp"])},
+        "nvmeVersion": {"identify data": version(number(raw, 80, 4)), "nvme id-ctrl": version(id_ctrl["ver"])},
+        "namespaceLimit": {"identify data": number(raw, 516, 4) or None, "nvme id-ctrl": id_ctrl["nn"] or None},
+        "totalCapacityBytes": {"identify data": total or None, "nvme id-ctrl": int(id_ctrl["tnvmcap"]) or None},
+        "unallocatedCapacityBytes": {"identify data": unallocated if total else None,
+                                     "nvme id-ctrl": int(id_ctrl["unvmcap"]) if total else None},
+    }
 
 
 def truth(files, kernel):
@@ -139,7 +193,13 @@ def truth(files, kernel):
                         "smartctl": smartctl_log["media_errors"]},
         "health": {source: health(bits)[0] for source, bits in warnings.items()},
         "reasons": {source: health(bits)[1] for source, bits in warnings.items()},
-    }
+    } | page_facts(id_ctrl, raw, smart, log, smartctl_log)
+
+
+# What `list` alone tells of the pages.
+PAGE_FACTS = [name for name, *_ in LOG_FACTS] + [f"temperatureSensor{sensor}" for sensor in range(1, 9)] + [
+    "warningTemperature", "criticalTemperature", "nvmeVersion", "namespaceLimit", "totalCapacityBytes",
+    "unallocatedCapacityBytes"]
 
 
 class Object:
@@ -211,7 +271,7 @@ def told(entry, adapter, drive):
         "health": both("healthCode", [30017]),
         # An empty list is shown by its absence.
         "reasons": {"list": entry.get("reasonCodes", []), "adapter 30165": adapter.value(30165) or []},
-    }
+    } | {name: both(name) for name in PAGE_FACTS}
 
 
 def _agree(expected, actual):

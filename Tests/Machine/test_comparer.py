@@ -16,6 +16,10 @@ def _log_page():
     struct.pack_into("<BHBB", page, 0, 9, 310, 77, 12)
     for offset, value in ((32, 4321), (48, 8765432100), (112, 1), (128, 22), (144, 333), (160, 4444)):
         struct.pack_into("<Q", page, offset, value)
+    for offset, value in ((64, 501), (80, 502), (96, 503), (176, 504)):
+        struct.pack_into("<Q", page, offset, value)
+    page[5] = 7
+    struct.pack_into("<II8H4I", page, 192, 601, 602, 301, 302, 303, 304, 305, 306, 307, 308, 701, 702, 703, 704)
     return bytes(page)
 
 
@@ -25,20 +29,33 @@ def collected():
     struct.pack_into("<H20s40s8s", identify, 0, 0x8086, b"", b"", b"")
     identify[4:24], identify[24:64], identify[64:72] = (text.ljust(size) for text, size in (
         (b"S1", 20), (b"QUICK Drive 9", 40), (b"F1", 8)))
+    struct.pack_into("<I", identify, 80, 0x10201)
+    struct.pack_into("<HH", identify, 266, 343, 358)
+    struct.pack_into("<QQQ", identify, 280, 5 << 20, 0, 1 << 20)
+    struct.pack_into("<I", identify, 516, 32)
     identify[3100:3108] = b"TAG\0rest"
     smart = {"critical_warning": 9, "temperature": 310, "avail_spare": 77, "spare_thresh": 12,
              "data_units_read": "4321", "data_units_written": "8765432100", "power_on_hours": "22",
-             "media_errors": "4444"}
+             "media_errors": "4444", "percent_used": 7, "host_read_commands": "501", "host_write_commands": "502",
+             "controller_busy_time": "503", "power_cycles": "1", "unsafe_shutdowns": "333",
+             "num_err_log_entries": "504", "warning_temp_time": 601, "critical_comp_time": 602,
+             "thm_temp1_trans_count": 701, "thm_temp2_trans_count": 702, "thm_temp1_total_time": 703,
+             "thm_temp2_total_time": 704}
+    smart |= {f"temperature_sensor_{sensor}": 300 + sensor for sensor in range(1, 9)}
     smartctl = {"serial_number": "S1", "model_name": "QUICK Drive 9", "firmware_version": "F1",
                 "nvme_pci_vendor": {"id": 0x8086}, "temperature": {"current": 37},
                 "nvme_smart_health_information_log": {
                     "critical_warning": 9, "available_spare": 77, "available_spare_threshold": 12,
                     "data_units_read": 4321, "data_units_written": 8765432100, "power_on_hours": 22,
-                    "media_errors": 4444}}
+                    "media_errors": 4444, "percentage_used": 7, "host_reads": 501, "host_writes": 502,
+                    "controller_busy_time": 503, "power_cycles": 1, "unsafe_shutdowns": 333,
+                    "num_err_log_entries": 504, "warning_temp_time": 601, "critical_comp_time": 602}}
     disk = {"user_capacity": {"bytes": 5 << 20}, "logical_block_size": 4096}
     files = {"serial": "S1", "model": "QUICK Drive 9", "firmware_rev": "F1", "address": ADDRESS,
              "vendor": "0x8086", "driver": "nvme", "driver_version": "",
-             "id-ctrl.json": json.dumps({"vid": 0x8086, "sn": "S1 ", "mn": "QUICK Drive 9 ", "fr": "F1"}),
+             "id-ctrl.json": json.dumps({"vid": 0x8086, "sn": "S1 ", "mn": "QUICK Drive 9 ", "fr": "F1",
+                                         "ver": 0x10201, "wctemp": 343, "cctemp": 358, "nn": 32,
+                                         "tnvmcap": str(5 << 20), "unvmcap": str(1 << 20)}),
              "smart-log.json": json.dumps(smart), "smartctl.json": json.dumps(smartctl),
              "namespaces/2/device": "/dev/nvme0n1", "namespaces/2/sectors": str(5 << 11),
              "namespaces/2/block_size": "4096", "namespaces/2/smartctl.json": json.dumps(disk),
@@ -59,7 +76,14 @@ def listed():
         "location": "PCI:Bus=2&Device=10&Function=1", "driver": "nvme", "driverVersion": KERNEL, "spare": 77,
         "spareThreshold": 12, "dataRead": {"value": 2.0604134, "unit": "GiB"}, "dataReadBytes": 2212352034,
         "dataWritten": {"value": 3.986057, "unit": "PiB"}, "dataWrittenBytes": 4487901298000000, "powerOnHours": 22,
-        "mediaErrors": 4444}]}
+        "mediaErrors": 4444,
+        "percentageUsed": 7, "hostReadCommands": 501, "hostWriteCommands": 502, "controllerBusyMinutes": 503,
+        "powerCycles": 1, "unsafeShutdowns": 333, "errorLogEntries": 504, "warningTemperatureMinutes": 601,
+        "criticalTemperatureMinutes": 602, "thermalTransitions1": 701, "thermalTransitions2": 702,
+        "thermalSeconds1": 703, "thermalSeconds2": 704,
+        **{f"temperatureSensor{sensor}": 27 + sensor for sensor in range(1, 9)},
+        "warningTemperature": 70, "criticalTemperature": 85, "nvmeVersion": "1.2.1", "namespaceLimit": 32,
+        "totalCapacityBytes": 5 << 20, "unallocatedCapacityBytes": 1 << 20}]}
 
 
 def _object(number, kind, parents, children, values):
@@ -148,13 +172,15 @@ class Comparer(unittest.TestCase):
                     self.assertNotEqual(compared(listed(), topology(), files)[1], [])
 
     def test_counters(self):
-        """the comparison takes the counters at bytes 128 and 160, and not their neighbours"""
-        for offset, matters in ((112, False), (128, True), (144, False), (160, True)):
+        """the comparison takes each counter from its own bytes, and not from its neighbours'"""
+        for offset, field in ((112, "powerCycles"), (128, "counter 128"), (144, "unsafeShutdowns"),
+                              (160, "counter 160")):
             with self.subTest(offset=offset):
                 page = bytearray(_log_page())
                 page[offset] ^= 0x80
                 files = {**collected(), "first/nvme0/smart-log.bin": bytes(page)}
-                self.assertEqual(bool(compared(listed(), topology(), files)[1]), matters)
+                failures = compared(listed(), topology(), files)[1]
+                self.assertEqual({each.split(":")[0] for each in failures}, {field})
 
     def test_health(self):
         """the last warning bit looked at decides the status, and all give reasons"""

@@ -1,6 +1,6 @@
 #include <TLXX/NvmeStructures.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstring>
 #include <limits>
@@ -11,6 +11,7 @@
 namespace {
 
 using namespace std::string_view_literals;
+using testing::ElementsAre;
 
 /** A structure with bytes set by position, as a drive would send it. */
 template<typename Structure>
@@ -29,12 +30,14 @@ public:
         return *this;
     }
 
-    CImage& Word64(std::size_t offset, std::uint64_t value)
+    CImage& Bytes(std::size_t offset, std::uint64_t value, std::size_t size)
     {
-        for (std::size_t i = 0; i < sizeof value; ++i)
+        for (std::size_t i = 0; i < size; ++i)
             m_Bytes.at(offset + i) = static_cast<std::uint8_t>(value >> (8 * i));
         return *this;
     }
+
+    CImage& Word64(std::size_t offset, std::uint64_t value) { return Bytes(offset, value, sizeof value); }
 
     Structure Get() const
     {
@@ -66,6 +69,26 @@ TEST(IdentifyControllerTest, ReadsTheFieldsAtTheirOffsets)
     EXPECT_EQ(controller.sModelNumber(), "MODEL NUMBER OF FORTY CHARACTERS");
     EXPECT_EQ(controller.sFirmwareRevision(), "FW 1.2.3");
     EXPECT_EQ(controller.sVendorTag(), "TAG12345");
+}
+
+TEST(IdentifyControllerTest, ReadsVersionLimitsAndCapacitiesAtTheirOffsets)
+{
+    const auto controller = CControllerImage()
+                                .Bytes(80, 0x00010402, 4)
+                                .Bytes(266, 0x0157, 2)
+                                .Bytes(268, 0x0166, 2)
+                                .Bytes(280, 0x1122334455667788, 8)
+                                .Bytes(288, 3, 8)
+                                .Bytes(296, 0x99AABBCCDDEEFF00, 8)
+                                .Bytes(304, 4, 8)
+                                .Bytes(516, 0x12345678, 4)
+                                .Get();
+    EXPECT_EQ(controller.VER, 0x00010402U);
+    EXPECT_EQ(controller.WCTEMP, 0x0157U);
+    EXPECT_EQ(controller.CCTEMP, 0x0166U);
+    EXPECT_THAT(controller.TNVMCAP, ElementsAre(0x1122334455667788U, 3U));
+    EXPECT_THAT(controller.UNVMCAP, ElementsAre(0x99AABBCCDDEEFF00U, 4U));
+    EXPECT_EQ(controller.NN, 0x12345678U);
 }
 
 TEST(IdentifyControllerTest, NoFieldReachesIntoItsNeighbour)
@@ -206,6 +229,31 @@ TEST(HealthLogTest, CountersAreThoseAtBytes128And160)
         CHealthImage().Word64(112, 1112).Word64(128, 1128).Word64(144, 1144).Word64(160, 1160).Get();
     EXPECT_EQ(log.Counter128[0], 1128);
     EXPECT_EQ(log.Counter160[0], 1160);
+}
+
+TEST(HealthLogTest, ReadsEachFieldOfUseAndOfTemperatureAtItsOffset)
+{
+    CHealthImage image;
+    for (std::size_t offset = 64; offset < 192; offset += 16)
+        image.Word64(offset, offset).Word64(offset + 8, 1000 + offset);
+    image.Byte(5, 205).Bytes(192, 0xA0192, 4).Bytes(196, 0xA0196, 4);
+    for (std::size_t sensor = 0; sensor < 8; ++sensor)
+        image.Bytes(200 + 2 * sensor, 300 + sensor, 2);
+    for (std::size_t offset = 216; offset < 232; offset += 4)
+        image.Bytes(offset, 0xB0000 + offset, 4);
+    const auto log = image.Get();
+    EXPECT_EQ(log.PercentageUsed, 205);
+    EXPECT_THAT(log.HostReadCommands, ElementsAre(64U, 1064U));
+    EXPECT_THAT(log.HostWriteCommands, ElementsAre(80U, 1080U));
+    EXPECT_THAT(log.ControllerBusyTime, ElementsAre(96U, 1096U));
+    EXPECT_THAT(log.PowerCycles, ElementsAre(112U, 1112U));
+    EXPECT_THAT(log.UnsafeShutdowns, ElementsAre(144U, 1144U));
+    EXPECT_THAT(log.ErrorLogEntries, ElementsAre(176U, 1176U));
+    EXPECT_EQ(log.WarningTemperatureTime, 0xA0192U);
+    EXPECT_EQ(log.CriticalTemperatureTime, 0xA0196U);
+    EXPECT_THAT(log.TemperatureSensor, ElementsAre(300, 301, 302, 303, 304, 305, 306, 307));
+    EXPECT_THAT(log.ThermalTransitions, ElementsAre(0xB0000U + 216, 0xB0000U + 220));
+    EXPECT_THAT(log.ThermalTime, ElementsAre(0xB0000U + 224, 0xB0000U + 228));
 }
 
 } // namespace

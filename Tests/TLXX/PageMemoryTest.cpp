@@ -132,7 +132,7 @@ TEST_F(PageMemoryTest, TakesAHealthLogOfZerosForAFailedQuery)
     EXPECT_EQ(Spare(FIRST), 10);
     EXPECT_EQ(m_Status, EMPTY_PAGE);
     EXPECT_EQ(TLXX::lastStatus(FIRST, TLXX::EQuery::SmartHealthLog), EMPTY_PAGE);
-    m_Drives.Change(0, [](CFakeDrive& drive) { drive.m_Health.Reserved176.back() = 1; });
+    m_Drives.Change(0, [](CFakeDrive& drive) { drive.m_Health.Reserved232.back() = 1; });
     EXPECT_EQ(Spare(FIRST), 0) << "one byte makes it a page";
     EXPECT_EQ(m_Status, 0U);
 }
@@ -156,6 +156,7 @@ TEST_F(PageMemoryTest, KeepsADriveThatFailsToIdentifyItself)
     Silence(0);
     EXPECT_EQ(Identify(FIRST), REFUSED);
     EXPECT_EQ(Spare(FIRST), 10);
+    EXPECT_EQ(TLXX::lastIdentifyController(FIRST)->sSerialNumber(), "SN0");
 }
 
 TEST_F(PageMemoryTest, ForgetsADriveThatAnEnumerationNoLongerFinds)
@@ -168,7 +169,8 @@ TEST_F(PageMemoryTest, ForgetsADriveThatAnEnumerationNoLongerFinds)
     Silence(1);
     EXPECT_EQ(Spare(FIRST), 0);
     EXPECT_EQ(Spare(SECOND), 11);
-    EXPECT_EQ(TLXX::lastHealthLog("SN0"), std::nullopt);
+    EXPECT_EQ(TLXX::lastHealthLog(FIRST), std::nullopt);
+    EXPECT_EQ(TLXX::lastIdentifyController(FIRST), std::nullopt);
 }
 
 TEST_F(PageMemoryTest, KeepsNothingOfDrivesThatNoInstanceTellsApart)
@@ -191,19 +193,29 @@ TEST_F(PageMemoryTest, BelongsToTheBackendOfItsTime)
     EXPECT_EQ(Spare(FIRST), 0) << "what comes back may have changed meanwhile";
 }
 
-TEST_F(PageMemoryTest, TellsTheLastGoodPagesBySerialNumber)
+TEST_F(PageMemoryTest, TellsTheLastGoodPagesOfEachDeviceAndAsksNoDrive)
 {
     Silence(1);
     (void)Spare(SECOND);
-    EXPECT_EQ(TLXX::lastHealthLog("SN0")->AvailableSpare, 10);
-    EXPECT_EQ(TLXX::lastHealthLog("SN1")->AvailableSpare, 11);
-    EXPECT_EQ(TLXX::lastVendorLogPage("SN1", 0xCA)->back(), 0xCB);
-    EXPECT_EQ(TLXX::lastVendorLogPage("SN1", 0xDD), std::nullopt);
-    EXPECT_EQ(TLXX::lastHealthLog("SN2"), std::nullopt);
+    m_Drives.Change(1, [](CFakeDrive& drive) { drive.m_ControllerStatuses = {REFUSED}; });
+    EXPECT_EQ(Identify(SECOND), REFUSED);
+    const std::size_t asked = m_Drives.Queries().size();
+    EXPECT_EQ(TLXX::lastHealthLog(FIRST)->AvailableSpare, 10);
+    EXPECT_EQ(TLXX::lastHealthLog(SECOND)->AvailableSpare, 11);
+    EXPECT_EQ(TLXX::lastIdentifyController(FIRST)->sSerialNumber(), "SN0");
+    EXPECT_EQ(TLXX::lastIdentifyController(SECOND)->sSerialNumber(), "SN1");
+    EXPECT_EQ(TLXX::lastHealthLog("/dev/nvme2n1"), std::nullopt);
+    EXPECT_EQ(m_Drives.Queries().size(), asked);
+}
+
+TEST_F(PageMemoryTest, TellsDrivesOfOneSerialNumberApart)
+{
     m_Drives.Change(0, [](CFakeDrive& drive) { drive.Serial("SN1"); });
     EXPECT_EQ(Identify(FIRST), 0U);
+    EXPECT_EQ(TLXX::lastHealthLog(FIRST), std::nullopt) << "it is another drive now";
     (void)Spare(FIRST);
-    EXPECT_EQ(TLXX::lastHealthLog("SN1"), std::nullopt) << "two drives have the number";
+    EXPECT_EQ(TLXX::lastHealthLog(FIRST)->AvailableSpare, 10);
+    EXPECT_EQ(TLXX::lastHealthLog(SECOND)->AvailableSpare, 11);
 }
 
 TEST_F(PageMemoryTest, MayBeUsedByManyThreads)
@@ -219,7 +231,7 @@ TEST_F(PageMemoryTest, MayBeUsedByManyThreads)
                 EXPECT_EQ(log.AvailableSpare, 11);
                 (void)Identify(SECOND);
                 (void)TLXX::enumerateBackend();
-                EXPECT_TRUE(TLXX::lastHealthLog("SN1"));
+                EXPECT_TRUE(TLXX::lastHealthLog(SECOND));
             }
         });
     }

@@ -104,12 +104,13 @@ std::uint32_t remember(const std::string& path, CPageMemory& memory, const CAnsw
                        CPageMemory::Page page, Block& block)
 {
     if (answer.m_Status == STATUS_SUCCESS)
-        memory.Keep(answer.m_Instance, page, bytesOf(block));
+        memory.Keep(path, answer.m_Instance, page, bytesOf(block));
     else
         (void)memory.Recall(answer.m_Instance, page, bytesOf(block));
     return keep(path, page.first, answer.m_Status);
 }
 
+constexpr CPageMemory::Page CONTROLLER_PAGE{EQuery::IdentifyController, 0};
 constexpr CPageMemory::Page NAMESPACE_PAGE{EQuery::IdentifyNamespace, 0};
 constexpr CPageMemory::Page HEALTH_PAGE{EQuery::SmartHealthLog, 0};
 
@@ -127,10 +128,10 @@ constexpr bool isRemembered(std::uint8_t logIdentifier)
 }
 
 template<typename Block>
-std::optional<Block> lastPage(const std::string& serialNumber, CPageMemory::Page page)
+std::optional<Block> lastPage(const std::string& path, CPageMemory::Page page)
 {
     const CDeviceSource source = deviceSource();
-    const std::optional<std::string> instance = source.m_Memory->InstanceOf(serialNumber);
+    const std::optional<std::string> instance = source.m_Memory->InstanceAt(path);
     Block block{};
     if (!instance || !source.m_Memory->Recall(*instance, page, bytesOf(block)))
         return std::nullopt;
@@ -147,8 +148,11 @@ std::uint32_t NVMeStorageQueryPropertyIdentifyController(const std::string& path
         path, source.m_Backend.get(),
         [&](IDeviceBackend& backend) { return backend.IdentifyController(path, controller); },
         [&](Platform::CDisk& disk) { return disk.IdentifyController(controller); });
-    if (answer.m_Status == STATUS_SUCCESS)
+    // The caller's block stays as it was when this fails, so that a drive that has gone is not found again.
+    if (answer.m_Status == STATUS_SUCCESS) {
         source.m_Memory->Identified(answer.m_Instance, controller.sSerialNumber());
+        source.m_Memory->Keep(path, answer.m_Instance, CONTROLLER_PAGE, bytesOf(controller));
+    }
     return keep(path, EQuery::IdentifyController, answer.m_Status);
 }
 
@@ -193,14 +197,14 @@ std::uint32_t NVMeStorageQueryPropertyGetVendorSpecificLogPage(const std::string
     return remember(path, *source.m_Memory, answer, vendorPage(logIdentifier), page);
 }
 
-std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& serialNumber)
+std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string& path)
 {
-    return lastPage<NVME_SMART_HEALTH_INFORMATION_LOG>(serialNumber, HEALTH_PAGE);
+    return lastPage<NVME_IDENTIFY_CONTROLLER>(path, CONTROLLER_PAGE);
 }
 
-std::optional<VendorLogPage> lastVendorLogPage(const std::string& serialNumber, std::uint8_t logIdentifier)
+std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& path)
 {
-    return lastPage<VendorLogPage>(serialNumber, vendorPage(logIdentifier));
+    return lastPage<NVME_SMART_HEALTH_INFORMATION_LOG>(path, HEALTH_PAGE);
 }
 
 std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query)

@@ -5,12 +5,14 @@
 
 namespace TLXX {
 
-void CPageMemory::Keep(const std::string& instance, Page page, std::span<const std::uint8_t> bytes)
+void CPageMemory::Keep(const std::string& path, const std::string& instance, Page page,
+                       std::span<const std::uint8_t> bytes)
 {
     if (instance.empty())
         return;
     const std::scoped_lock guard(m_Lock);
     m_Drives[instance].m_Pages[page].assign(bytes.begin(), bytes.end());
+    m_Instances[path] = instance;
 }
 
 bool CPageMemory::Recall(const std::string& instance, Page page, std::span<std::uint8_t> bytes) const
@@ -37,18 +39,11 @@ void CPageMemory::Identified(const std::string& instance, const std::string& ser
     drive.m_SerialNumber = serialNumber;
 }
 
-std::optional<std::string> CPageMemory::InstanceOf(const std::string& serialNumber) const
+std::optional<std::string> CPageMemory::InstanceAt(const std::string& path) const
 {
     const std::scoped_lock guard(m_Lock);
-    std::optional<std::string> found;
-    for (const auto& [instance, drive] : m_Drives) {
-        if (drive.m_SerialNumber != serialNumber)
-            continue;
-        if (found)
-            return std::nullopt;
-        found = instance;
-    }
-    return found;
+    const auto found = m_Instances.find(path);
+    return found == m_Instances.end() ? std::nullopt : std::optional(found->second);
 }
 
 void CPageMemory::Retain(const std::vector<std::string>& instances)
@@ -56,6 +51,7 @@ void CPageMemory::Retain(const std::vector<std::string>& instances)
     const std::unordered_set<std::string> present(instances.begin(), instances.end());
     const std::scoped_lock guard(m_Lock);
     std::erase_if(m_Drives, [&](const auto& drive) { return !present.contains(drive.first); });
+    std::erase_if(m_Instances, [&](const auto& place) { return !present.contains(place.second); });
 }
 
 CPageMemory& platformMemory()

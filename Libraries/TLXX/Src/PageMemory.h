@@ -26,7 +26,9 @@ public:
     /** Identifies a page: the kind of query and, for a vendor log, its identifier. */
     using Page = std::pair<EQuery, std::uint8_t>;
 
-    void Keep(const std::string& instance, Page page, std::span<const std::uint8_t> bytes);
+    /** Keeps what the drive at `path` answered. */
+    void Keep(const std::string& path, const std::string& instance, Page page,
+              std::span<const std::uint8_t> bytes);
 
     /**
      * Copies the last good page into `bytes`, which has the page's size. Returns false and writes nothing
@@ -40,8 +42,8 @@ public:
      */
     void Identified(const std::string& instance, const std::string& serialNumber);
 
-    /** The instance that last reported this serial number; none when no instance or several did. */
-    std::optional<std::string> InstanceOf(const std::string& serialNumber) const;
+    /** The instance that was at `path` when a page was last kept of the drive there; none if nothing was. */
+    std::optional<std::string> InstanceAt(const std::string& path) const;
 
     /** Forgets every instance that is not in this list of an enumeration. */
     void Retain(const std::vector<std::string>& instances);
@@ -54,7 +56,8 @@ private:
     };
 
     mutable std::mutex m_Lock;
-    std::unordered_map<std::string, CDrive> m_Drives; // by instance
+    std::unordered_map<std::string, CDrive> m_Drives;         // by instance
+    std::unordered_map<std::string, std::string> m_Instances; // by path
 };
 
 /** The source of answers to queries, and the memory that belongs to it. */

@@ -1,5 +1,6 @@
 #include "DeviceTable.h"
 #include "FileDescriptor.h"
+#include "PciLink.h"
 #include "Platform.h"
 
 #include <TLXX/Linux/Sysfs.h>
@@ -16,6 +17,8 @@ CControllerState stateOf(const Linux::CController& controller)
     state.m_Transport = controller.m_Transport;
     state.m_State = controller.m_State;
     state.m_Location = controller.m_Location;
+    if (controller.m_Transport == "pcie")
+        state.m_Link = Linux::readLink(Linux::sysfsRoot() / "class" / "nvme" / controller.m_Name / "device");
     state.m_Namespaces = controller.m_Namespaces;
     state.m_AccessPath = Linux::controllerNode(controller.m_Instance);
     state.m_AccessStatus = Linux::CFileDescriptor(state.m_AccessPath.c_str()).Status();

@@ -4,6 +4,9 @@
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 #include "Plugins/ObjectStore.h"
+#include "Support/FakeDrives.h"
+
+#include <TLXX/NvmeQuery.h>
 
 namespace {
 
@@ -55,6 +58,46 @@ TEST_F(ShowCommandTest, PrefersAPropertyThatHasAValue)
     const std::vector<const PI::CObject*> adapter = {&m_Objects.m_Adapter};
     EXPECT_EQ(&namedProperty(adapter, "30007").m_Property,
               Host::findProperty(m_Objects.m_Adapter, PI::PROP_NAME));
+}
+
+TEST_F(ShowCommandTest, TellsWhatTheDriveAndTheSystemTellBelowThePluginsRows)
+{
+    TestSupport::CFakeDrives drives;
+    TestSupport::CFakeDrive& asked = drives.Add(TestSupport::CFakeDrive(0));
+    asked.m_Health.PowerCycles = {17, 0};
+    asked.m_Health.PercentageUsed = 3;
+    asked.m_Health.ControllerBusyTime = {5, 0};
+    asked.m_Controller.WCTEMP = 343;
+    asked.m_Controller.TNVMCAP = {3ULL << 40U, 0};
+    asked.m_Controller.UNVMCAP = {512, 0};
+    TLXX::NVME_IDENTIFY_CONTROLLER controller{};
+    TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+    (void)TLXX::NVMeStorageQueryPropertyIdentifyController("/dev/nvme0n1", controller);
+    (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("/dev/nvme0n1", log);
+    TLXX::CControllerState state;
+    state.m_DeviceName = "/dev/nvme0n1";
+    state.m_State = "live";
+    state.m_Link.m_Speed = 8.0F;
+    const Host::ObjectStore store(HostTest::topologyOf({m_Objects}), {state});
+    const std::string text = Host::Cli::showText(store, {&store.objects()[1]}, Host::Cli::Screen());
+    EXPECT_THAT(text, testing::MatchesRegex(".*\n  From the drive's own log\n"
+                                            "    Life used, by the drive's own count +3%\n"
+                                            "    Power cycles +17\n.*"));
+    EXPECT_THAT(text, testing::ContainsRegex("    Controller busy time +5 min\n"));
+    EXPECT_THAT(text, testing::ContainsRegex("    Warning temperature +70 °C\n"));
+    EXPECT_THAT(text, testing::ContainsRegex("    Total capacity +3.00 TiB\n"));
+    EXPECT_THAT(text, testing::ContainsRegex("    Unallocated capacity +512 bytes\n"));
+    EXPECT_THAT(text, testing::Not(HasSubstr("Critical temperature  ")));
+    EXPECT_THAT(text, testing::ContainsRegex("\n\n  From the system\n    Controller state +live\n"));
+    EXPECT_THAT(text, testing::ContainsRegex("    PCIe link speed +8 GT/s\n"));
+}
+
+TEST_F(ShowCommandTest, TellsNothingOfADriveThatWasNeverRead)
+{
+    const TestSupport::CFakeDrives none;
+    const Host::ObjectStore store(HostTest::topologyOf({m_Objects}));
+    EXPECT_THAT(Host::Cli::showText(store, {&store.objects()[1], &store.objects()[2]}, Host::Cli::Screen()),
+                testing::Not(testing::AnyOf(HasSubstr("own log"), HasSubstr("From the system"))));
 }
 
 TEST_F(ShowCommandTest, AnUnknownPropertyGetsAListOfWhatThereIs)
@@ -113,10 +156,14 @@ TEST_F(ShowCommandTest, SaysWhereTheEndOfLifeComesFrom)
 {
     m_Objects.m_Adapter.m_Properties.push_back(
         HostTest::property(PI::PROP_END_OF_LIFE_DATE, 1, "2099-01-01"));
+    TestSupport::CFakeDrives drives;
+    drives.Add(TestSupport::CFakeDrive(0)).m_Health.Counter128 = {11, 0};
+    TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+    (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("/dev/nvme0n1", log);
     EXPECT_THAT(
         Host::Cli::showText(Host::ObjectStore(HostTest::topologyOf({m_Objects})), m_Both, {}),
         HasSubstr(
-            "  Estimated end of life: 2099-01-01\n    Computed from 11 h of operation, 2.5 GiB written"));
+            "  Estimated end of life: 2099-01-01\n    Computed from 11 h of operation, 0 bytes written"));
 }
 
 } // namespace

@@ -2,6 +2,10 @@
 
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
+#include "Plugins/ObjectStore.h"
+#include "Support/FakeDrives.h"
+
+#include <TLXX/NvmeQuery.h>
 
 #include <nlohmann/json.hpp>
 
@@ -44,18 +48,36 @@ TEST(EndOfLifeJson, HasAWordForEachLimit)
     EXPECT_THAT(words, testing::ElementsAre("none", "beyond", "writing", "wear", "worn"));
 }
 
-TEST(EndOfLifeJson, ListsTheObjectsThatShowADate)
+/** Twins have one serial number; only the device tells them apart. */
+HostTest::DriveObjects twin(TestSupport::CFakeDrives& drives, std::uint32_t number)
 {
-    using HostTest::property;
-    PI::CObject adapter;
-    adapter.m_ID = 0x10;
-    adapter.m_Properties = {property(PI::PROP_END_OF_LIFE_DATE, 1, std::string("2027-01-01")),
-                            property(PI::PROP_POWER_ON_HOURS, PI::UNIT_HOURS, std::uint64_t{8766})};
-    const PI::CObject none;
-    const Json list = endOfLifeJson(std::vector<const PI::CObject*>{&none, &adapter});
-    ASSERT_EQ(list.size(), 1U);
-    EXPECT_EQ(list[0].at("object"), "0x0000000000000010");
-    EXPECT_EQ(endOfLifeJson(std::vector<const PI::CObject*>{&none}).dump(), "[]");
+    TestSupport::CFakeDrive drive(number);
+    drive.Serial("TWIN");
+    drive.m_Health.Counter128 = {100 + number, 0};
+    drives.Add(drive);
+    TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+    (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(drive.m_DeviceName, log);
+    return {16 + 2 * number, "TWIN", drive.m_DeviceName};
+}
+
+TEST(EndOfLifeJson, ListsTheAdaptersThatShowADate)
+{
+    TestSupport::CFakeDrives drives;
+    std::vector<HostTest::DriveObjects> objects;
+    for (std::uint32_t number = 0; number < 3; ++number)
+        objects.push_back(twin(drives, number));
+    for (const std::size_t dated : {0, 1})
+        objects[dated].m_Adapter.m_Properties.push_back(
+            HostTest::property(PI::PROP_END_OF_LIFE_DATE, 1, "2030-01-01"));
+    const Host::ObjectStore store(HostTest::topologyOf(objects));
+    std::vector<const PI::CObject*> all;
+    for (const PI::CObject& object : store.objects())
+        all.push_back(&object);
+    const Json list = endOfLifeJson(store, all);
+    ASSERT_EQ(list.size(), 2U);
+    EXPECT_EQ(list.at(0).at("powerOnHours"), 100);
+    EXPECT_EQ(list.at(1).at("powerOnHours"), 101);
+    EXPECT_EQ(endOfLifeJson(store, {}).dump(), "[]");
 }
 
 } // namespace

@@ -2,6 +2,9 @@
 
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
+#include "Support/FakeDrives.h"
+
+#include <TLXX/NvmeQuery.h>
 
 #include <nlohmann/json.hpp>
 
@@ -126,12 +129,52 @@ TEST_F(JsonTest, WritesTheEndOfEachLifeIntoTheList)
 {
     HostTest::DriveObjects ends(16, "A", "/dev/nvme0n1");
     ends.m_Adapter.m_Properties.push_back(property(PI::PROP_END_OF_LIFE_DATE, 1, "2099-01-01"));
+    TestSupport::CFakeDrives drives;
+    drives.Add(TestSupport::CFakeDrive(0));
+    TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+    (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("/dev/nvme0n1", log);
     const Json list =
         listJson(Host::ObjectStore(HostTest::topologyOf({ends, {32, "B", "/dev/nvme1n1"}})))["drives"];
     ASSERT_EQ(list.size(), 2U);
     EXPECT_EQ(list[0]["endOfLife"]["date"], "2099-01-01");
     EXPECT_EQ(list[0]["endOfLife"]["object"], list[0]["adapterId"]);
     EXPECT_FALSE(list[1].contains("endOfLife"));
+}
+
+TEST_F(JsonTest, WritesWhatADriveItselfTells)
+{
+    Drive drive;
+    drive.m_HealthLog.emplace();
+    drive.m_HealthLog->PowerCycles = {9007199254740993, 0};
+    drive.m_HealthLog->TemperatureSensor[1] = 300;
+    drive.m_Identify.emplace();
+    drive.m_Identify->VER = 0x10300;
+    drive.m_System.emplace();
+    drive.m_System->m_Link.m_Speed = 2.5F;
+    const Json json = driveJson(drive);
+    EXPECT_EQ(json["powerCycles"].dump(), "9007199254740993");
+    EXPECT_EQ(json["powerCyclesText"], "9007199254740993");
+    EXPECT_EQ(json["unsafeShutdowns"], 0);
+    EXPECT_EQ(json["temperatureSensor2"], 27);
+    EXPECT_FALSE(json.contains("temperatureSensor1"));
+    EXPECT_EQ(json["nvmeVersion"], "1.3");
+    EXPECT_EQ(json["linkSpeed"].dump(), "2.5");
+    EXPECT_FALSE(json.contains("numaNode"));
+}
+
+TEST_F(JsonTest, WritesWhatEachDriveItselfTellsApartFromTheProperties)
+{
+    const Host::ObjectStore store(HostTest::topologyOf({{0x81, "SERIAL", "/dev/nvme0n1"}}));
+    TestSupport::CFakeDrives drives;
+    drives.Add(TestSupport::CFakeDrive(0)).m_Health.PowerCycles = {7, 0};
+    TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+    (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("/dev/nvme0n1", log);
+    const Json list = ownFactsJson(store, {&store.objects()[0], &store.objects()[1], &store.objects()[2]});
+    ASSERT_EQ(list.size(), 1U);
+    EXPECT_EQ(list[0]["object"], "0x0000000000000081");
+    EXPECT_EQ(list[0]["powerCycles"], 7);
+    EXPECT_FALSE(list[0].contains("serial"));
+    EXPECT_FALSE(list[0].contains("powerOnHours"));
 }
 
 TEST_F(JsonTest, AmountsBeyondAllNumbersHaveNoBytes)

@@ -81,6 +81,79 @@ TEST(Fleet, TakesValuesByNameToTheirBytes)
     EXPECT_EQ(controller.m_VendorLogs.at(0xFE)[3], 0);
 }
 
+TEST(Fleet, TakesEachNumberOfThePagesToItsBytes)
+{
+    struct Case
+    {
+        const char* m_Name;
+        std::size_t m_Offset;
+        std::size_t m_Size;
+    };
+    const std::vector<Case> health = {{"criticalWarning", 0, 1},
+                                      {"spare", 3, 1},
+                                      {"threshold", 4, 1},
+                                      {"percentageUsed", 5, 1},
+                                      {"dataUnitsRead", 32, 8},
+                                      {"dataUnitsWritten", 48, 8},
+                                      {"hostReadCommands", 64, 8},
+                                      {"hostWriteCommands", 80, 8},
+                                      {"controllerBusyMinutes", 96, 8},
+                                      {"powerCycles", 112, 8},
+                                      {"powerOnHours", 128, 8},
+                                      {"unsafeShutdowns", 144, 8},
+                                      {"mediaErrors", 160, 8},
+                                      {"errorLogEntries", 176, 8},
+                                      {"warningTemperatureMinutes", 192, 4},
+                                      {"criticalTemperatureMinutes", 196, 4},
+                                      {"thermalTransitions1", 216, 4},
+                                      {"thermalTransitions2", 220, 4},
+                                      {"thermalSeconds1", 224, 4},
+                                      {"thermalSeconds2", 228, 4}};
+    const std::vector<Case> identify = {
+        {"namespaceLimit", 516, 4}, {"totalCapacityBytes", 280, 8}, {"unallocatedCapacityBytes", 296, 8}};
+    const auto check = [](const char* block, const Case& each, auto page) {
+        const std::uint64_t largest = ~std::uint64_t{0} >> 8 * (8 - each.m_Size);
+        json fleet = goodFleet();
+        fleet["controllers"][0][block][each.m_Name] = largest;
+        const auto parsed = Host::parseFleet(fleet.dump());
+        std::uint64_t value = 0;
+        std::memcpy(&value, reinterpret_cast<const char*>(&page(parsed[0])) + each.m_Offset, each.m_Size);
+        EXPECT_EQ(value, largest) << each.m_Name;
+        if (each.m_Size == 8)
+            return;
+        fleet["controllers"][0][block][each.m_Name] = largest + 1;
+        EXPECT_THAT(complaintAbout(fleet), testing::HasSubstr(each.m_Name));
+    };
+    for (const Case& each : health)
+        check(
+            "health", each, [](const auto& controller) -> const auto& { return *controller.m_Health; });
+    for (const Case& each : identify)
+        check(
+            "identify", each, [](const auto& controller) -> const auto& { return *controller.m_Identify; });
+}
+
+TEST(Fleet, TakesTemperaturesAndTheVersionToTheirBytes)
+{
+    json fleet = goodFleet();
+    json& controller = fleet["controllers"][0];
+    controller["identify"]["warningTemperature"] = 70;
+    controller["identify"]["criticalTemperature"] = 85;
+    controller["identify"]["nvmeVersion"] = "1.2.1";
+    controller["health"]["temperatureSensor1"] = -5;
+    controller["health"]["temperatureSensor8"] = 40;
+    const auto parsed = Host::parseFleet(fleet.dump());
+    EXPECT_EQ(parsed[0].m_Identify->WCTEMP, 343);
+    EXPECT_EQ(parsed[0].m_Identify->CCTEMP, 358);
+    EXPECT_EQ(parsed[0].m_Identify->VER, 0x00010201U);
+    EXPECT_THAT(parsed[0].m_Health->TemperatureSensor, testing::ElementsAre(268, 0, 0, 0, 0, 0, 0, 313));
+    controller["identify"]["nvmeVersion"] = "2.0";
+    EXPECT_EQ(Host::parseFleet(fleet.dump())[0].m_Identify->VER, 0x00020000U);
+    for (const char* wrong : {"1.", ".1", "1..2", "1.2.3.4", "1.256", "-1.0", "1.4 "}) {
+        controller["identify"]["nvmeVersion"] = wrong;
+        EXPECT_THAT(complaintAbout(fleet), testing::HasSubstr("such as \"1.4\"")) << wrong;
+    }
+}
+
 TEST(Fleet, TakesRecordedPagesAsHexadecimalDigits)
 {
     json fleet = goodFleet();

@@ -127,6 +127,21 @@ TEST_F(DrivesTest, TheAddressIsTheSystemsAndTheLocationThePlugins)
     EXPECT_EQ(with().m_Place, Host::Cli::ShownPlace::Real);
 }
 
+TEST_F(DrivesTest, TheDateCountsWearOnlyWhereThatIsMeasured)
+{
+    EXPECT_EQ(joined(m_Objects).m_EndOfLifeDate, "");
+    m_Objects.m_Adapter.m_Properties.push_back(property(PI::PROP_END_OF_LIFE_DATE, 1, "2030-01-01"));
+    m_Objects.m_Adapter.m_Properties.push_back(
+        property(PI::PROP_WEAR_STATE, 1, std::uint32_t{40252}, std::vector<std::uint32_t>{}));
+    EXPECT_EQ(joined(m_Objects).m_EndOfLifeDate, "2030-01-01");
+    EXPECT_TRUE(joined(m_Objects).m_DateCountsWear);
+    m_Objects.m_Adapter.m_ID |= 0x0139000000000000;
+    m_Objects.m_Adapter.m_Children.clear();
+    EXPECT_TRUE(joined(m_Objects).m_DateCountsWear) << "drives of this maker are asked";
+    m_Objects.remove(PI::PROP_VENDOR);
+    EXPECT_FALSE(joined(m_Objects).m_DateCountsWear);
+}
+
 TEST(BytesOf, CountTheUnitAndRefuseWhatIsNone)
 {
     EXPECT_EQ(Host::Cli::bytesOf({2, PI::UNIT_BYTES}), 2.0);

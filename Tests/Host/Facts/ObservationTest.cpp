@@ -3,8 +3,10 @@
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 #include "Plugins/ObjectStore.h"
+#include "Support/FakeDrives.h"
 
 #include <PI/LifeTimeData.h>
+#include <TLXX/NvmeQuery.h>
 
 #include <gmock/gmock.h>
 
@@ -56,6 +58,32 @@ TEST_F(ObservationTest, TellsWhatThePluginShows)
     EXPECT_EQ(drive.m_Spare, 98);
     EXPECT_EQ(drive.m_TemperatureLimit, std::nullopt);
     EXPECT_EQ(drive.m_CriticalTemperatureLimit, std::nullopt);
+}
+
+TEST_F(ObservationTest, TakesTemperatureAndLimitsFromTheDrivesOwnPages)
+{
+    TestSupport::CFakeDrives drives;
+    TestSupport::CFakeDrive& asked = drives.Add(TestSupport::CFakeDrive(0));
+    asked.Kelvin(330);
+    asked.m_Controller.WCTEMP = 343;
+    asked.m_Controller.CCTEMP = 358;
+    TLXX::NVME_IDENTIFY_CONTROLLER controller{};
+    TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+    (void)TLXX::NVMeStorageQueryPropertyIdentifyController("/dev/nvme0n1", controller);
+    (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("/dev/nvme0n1", log);
+    EXPECT_EQ(look().m_Temperature, 57.0F);
+    EXPECT_EQ(look().m_TemperatureLimit, 70.0F);
+    EXPECT_EQ(look().m_CriticalTemperatureLimit, 85.0F);
+    drives.Change(0, [](TestSupport::CFakeDrive& drive) {
+        drive.Kelvin(0);
+        drive.m_Controller.WCTEMP = 0;
+        drive.m_Controller.CCTEMP = 0xFFFF;
+    });
+    (void)TLXX::NVMeStorageQueryPropertyIdentifyController("/dev/nvme0n1", controller);
+    (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("/dev/nvme0n1", log);
+    EXPECT_EQ(look().m_Temperature, 36.0F) << "the plug-in's, for the drive does not tell";
+    EXPECT_EQ(look().m_TemperatureLimit, std::nullopt);
+    EXPECT_EQ(look().m_CriticalTemperatureLimit, std::nullopt);
 }
 
 TEST_F(ObservationTest, EachReasonIsAWarning)

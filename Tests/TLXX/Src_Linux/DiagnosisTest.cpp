@@ -6,6 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <map>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -44,6 +47,51 @@ TEST(DiagnosisTest, ShowsAControllerWithoutNamespaceAndNode)
     EXPECT_EQ(states[0].m_DeviceName, "");
     EXPECT_EQ(states[0].m_State, "resetting");
     EXPECT_EQ(states[0].m_AccessStatus, static_cast<std::uint32_t>(ENOENT));
+}
+
+/** The link of a controller whose attributes are `value` by name. */
+TLXX::CPciLink linkOf(const std::map<std::string, std::string>& values)
+{
+    const TLXXTest::CTemporarySysfs tree;
+    tree.Controller(0, "0000:01:00.0");
+    for (const auto& [name, value] : values)
+        tree.Attribute("nvme0/device/" + name, value);
+    const TLXXTest::CSysfsScope sysfs(tree.Root());
+    const TLXXTest::CScriptedKernel kernel;
+    return TLXX::controllerStates().at(0).m_Link;
+}
+
+TEST(DiagnosisTest, ShowsTheLinkNowAndAtMost)
+{
+    const TLXX::CPciLink link = linkOf({{"current_link_speed", "2.5 GT/s PCIe"},
+                                        {"max_link_speed", "16.0 GT/s PCIe"},
+                                        {"current_link_width", "2"},
+                                        {"max_link_width", "4"},
+                                        {"numa_node", "1"}});
+    EXPECT_EQ(link.m_Speed, 2.5F);
+    EXPECT_EQ(link.m_HighestSpeed, 16.0F);
+    EXPECT_EQ(link.m_Lanes, 2U);
+    EXPECT_EQ(link.m_MostLanes, 4U);
+    EXPECT_EQ(link.m_NumaNode, 1U);
+}
+
+TEST(DiagnosisTest, LeavesOutWhatNoLinkCanBe)
+{
+    const std::map<std::string, std::vector<std::string>> senseless = {
+        {"current_link_speed",
+         {"Unknown", "Unknown speed", "", "8", "8.0GT/s", "-8.0 GT/s", "0 GT/s", "nan GT/s"}},
+        {"current_link_width", {"0", "33", "63", "255", "-1", "x4", ""}},
+        {"numa_node", {"-1", "", "none"}}};
+    for (const auto& [name, values] : senseless)
+        for (const std::string& value : values) {
+            const TLXX::CPciLink link = linkOf({{name, value}});
+            EXPECT_FALSE(link.m_Speed || link.m_HighestSpeed || link.m_Lanes || link.m_MostLanes ||
+                         link.m_NumaNode)
+                << name << " " << value;
+        }
+    EXPECT_EQ(linkOf({{"numa_node", "0"}}).m_NumaNode, 0U);
+    EXPECT_EQ(linkOf({{"current_link_width", "32"}}).m_Lanes, 32U);
+    EXPECT_FALSE(linkOf({}).m_Speed);
 }
 
 TEST(DiagnosisTest, NothingWithoutControllers)

@@ -10,6 +10,16 @@
 
 namespace TLXX {
 
+/** How a controller is attached. What the system does not tell, or what cannot be, is left out. */
+struct CPciLink
+{
+    std::optional<float> m_Speed;        ///< now, in gigatransfers a second
+    std::optional<float> m_HighestSpeed; ///< that the controller can do
+    std::optional<std::uint32_t> m_Lanes;
+    std::optional<std::uint32_t> m_MostLanes;
+    std::optional<std::uint32_t> m_NumaNode; ///< the memory node that is nearest
+};
+
 /** What the system says of one NVMe controller before any command is sent to it. */
 struct CControllerState
 {
@@ -19,6 +29,7 @@ struct CControllerState
     std::string m_Transport; ///< such as "pcie"
     std::string m_State;     ///< such as "live"; empty if unknown
     std::optional<CPciLocation> m_Location;
+    CPciLink m_Link;
     std::uint32_t m_Namespaces = 0;   ///< how many the system shows; the disk is the first of them
     std::uint32_t m_AccessStatus = 0; ///< 0 when this user may open it, else a status for `statusText`
     std::string m_AccessPath;         ///< the path whose opening `m_AccessStatus` is about

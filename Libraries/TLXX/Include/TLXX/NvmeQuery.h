@@ -69,15 +69,12 @@ private:
 /** The status of the last query of this kind to `path`; none when there was none. Safe from any thread. */
 TLXX_EXPORT std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query);
 
-/**
- * The last health log of the drive with this serial number. None when the drive never gave one, or when
- * several drives have the number. Sends no query. Safe from any thread.
- */
-TLXX_EXPORT std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& serialNumber);
+/** What the drive at `path` last told of its controller; none when it told nothing yet. Asks no drive. Safe
+ * from any thread. */
+TLXX_EXPORT std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string& path);
 
-/** The same for one of the vendor logs C5h and CAh. */
-TLXX_EXPORT std::optional<VendorLogPage> lastVendorLogPage(const std::string& serialNumber,
-                                                           std::uint8_t logIdentifier);
+/** The same of its health log. */
+TLXX_EXPORT std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& path);
 
 /** A status in words, such as "permission denied" or "the drive answered with status 0x2002". */
 TLXX_EXPORT std::string statusText(std::uint32_t status);

@@ -24,7 +24,17 @@ struct TLXX_EXPORT NVME_IDENTIFY_CONTROLLER
     std::array<std::uint8_t, 20> SN;
     std::array<std::uint8_t, 40> MN;
     std::array<std::uint8_t, 8> FR;
-    std::array<std::uint8_t, 3000> Reserved72;
+    std::array<std::uint8_t, 8> Reserved72;
+    std::uint32_t VER; ///< version: major in the upper half, then minor and tertiary in a byte each
+    std::array<std::uint8_t, 182> Reserved84;
+    std::uint16_t WCTEMP; ///< composite temperature in kelvin from which on the drive warns; 0: not reported
+    std::uint16_t CCTEMP; ///< the same of a temperature that endangers it
+    std::array<std::uint8_t, 10> Reserved270;
+    std::array<std::uint64_t, 2> TNVMCAP; ///< bytes 280 to 295, low half first: total capacity in bytes
+    std::array<std::uint64_t, 2> UNVMCAP; ///< bytes 296 to 311: unallocated capacity in bytes
+    std::array<std::uint8_t, 204> Reserved312;
+    std::uint32_t NN; ///< the highest identifier that a namespace may have
+    std::array<std::uint8_t, 2552> Reserved520;
     std::array<std::uint8_t, 1024> VS; ///< vendor-specific area, bytes 3072 to 4095
 
     /** The model number as safe text. */
@@ -45,6 +55,12 @@ static_assert(sizeof(NVME_IDENTIFY_CONTROLLER) == 4096);
 static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, SN) == 4);
 static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, MN) == 24);
 static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, FR) == 64);
+static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, VER) == 80);
+static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, WCTEMP) == 266);
+static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, CCTEMP) == 268);
+static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, TNVMCAP) == 280);
+static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, UNVMCAP) == 296);
+static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, NN) == 516);
 static_assert(offsetof(NVME_IDENTIFY_CONTROLLER, VS) == 3072);
 
 /** One LBA format of a namespace. */
@@ -88,11 +104,20 @@ struct TLXX_EXPORT NVME_SMART_HEALTH_INFORMATION_LOG
     std::array<std::uint8_t, 26> Reserved6;
     std::array<std::uint64_t, 2> DataUnitsRead;    ///< bytes 32 to 47, low half first; units of 512,000 bytes
     std::array<std::uint64_t, 2> DataUnitsWritten; ///< bytes 48 to 63
-    std::array<std::uint8_t, 64> Reserved64;
+    std::array<std::uint64_t, 2> HostReadCommands; ///< bytes 64 to 79
+    std::array<std::uint64_t, 2> HostWriteCommands;
+    std::array<std::uint64_t, 2> ControllerBusyTime; ///< minutes
+    std::array<std::uint64_t, 2> PowerCycles;
     std::array<std::uint64_t, 2> Counter128; ///< the counter that the plug-in keeps as its power-on hours
-    std::array<std::uint8_t, 16> Reserved144;
+    std::array<std::uint64_t, 2> UnsafeShutdowns;
     std::array<std::uint64_t, 2> Counter160; ///< the counter that the plug-in keeps as its unsafe shutdowns
-    std::array<std::uint8_t, 336> Reserved176;
+    std::array<std::uint64_t, 2> ErrorLogEntries;
+    std::uint32_t WarningTemperatureTime;            ///< minutes above WCTEMP of Identify Controller
+    std::uint32_t CriticalTemperatureTime;           ///< minutes above CCTEMP
+    std::array<std::uint16_t, 8> TemperatureSensor;  ///< kelvin; 0: there is no such sensor
+    std::array<std::uint32_t, 2> ThermalTransitions; ///< how often each kind of thermal management began
+    std::array<std::uint32_t, 2> ThermalTime;        ///< seconds under each kind of thermal management
+    std::array<std::uint8_t, 280> Reserved232;
 
     /** Whether any byte is set. A page of zeros only was never filled by the drive. */
     bool Filled() const;
@@ -112,8 +137,19 @@ static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, AvailableSpareThreshol
 static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, PercentageUsed) == 5);
 static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, DataUnitsRead) == 32);
 static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, DataUnitsWritten) == 48);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, HostReadCommands) == 64);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, HostWriteCommands) == 80);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, ControllerBusyTime) == 96);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, PowerCycles) == 112);
 static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, Counter128) == 128);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, UnsafeShutdowns) == 144);
 static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, Counter160) == 160);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, ErrorLogEntries) == 176);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, WarningTemperatureTime) == 192);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, CriticalTemperatureTime) == 196);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, TemperatureSensor) == 200);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, ThermalTransitions) == 216);
+static_assert(offsetof(NVME_SMART_HEALTH_INFORMATION_LOG, ThermalTime) == 224);
 
 /** A vendor-specific log page as the plug-in reads it. */
 using VendorLogPage = std::array<std::uint8_t, 512>;

@@ -1,0 +1,239 @@
+#include "Facts/FactTable.h"
+
+#include "Facts/PageFields.h"
+
+#include <PI/PropertyId.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Host::Cli {
+namespace {
+
+// What a getter gives, as a value of the table: nothing and what is empty are not known.
+
+template<typename Value>
+struct Plain
+{
+    using Type = Value;
+};
+
+template<typename Value>
+struct Plain<std::optional<Value>>
+{
+    using Type = Value;
+};
+
+template<typename Value>
+FactValue known(const std::optional<Value>& value)
+{
+    return value ? FactValue(*value) : FactValue();
+}
+
+template<typename List>
+FactValue known(const List& list)
+{
+    return list.empty() ? FactValue() : FactValue(list);
+}
+
+/** A row whose value is what `Get`, a member of `Drive` or a function of one, gives. */
+template<auto Get>
+constexpr Fact fact(const char* key, const char* caption, const char* unit, FactType type, FactSource source)
+{
+    using Value =
+        typename Plain<std::remove_cvref_t<std::invoke_result_t<decltype(Get), const Drive&>>>::Type;
+    return {key,
+            caption,
+            unit,
+            type,
+            source,
+            [](const Drive& drive) { return known(std::invoke(Get, drive)); },
+            factKind<Value>()};
+}
+
+// What takes more than a look at a member.
+
+std::optional<bool> locationIsReal(const Drive& drive)
+{
+    return drive.m_Place == ShownPlace::Real ? std::nullopt : std::optional(false);
+}
+
+std::optional<bool> healthLogIsRead(const Drive& drive)
+{
+    return drive.m_HealthLogRead == false ? std::optional(false) : std::nullopt;
+}
+
+std::optional<std::uint64_t> capacityBytes(const Drive& drive)
+{
+    constexpr unsigned shift = 20;
+    const bool fits =
+        drive.m_CapacityMiB && *drive.m_CapacityMiB <= std::numeric_limits<std::uint64_t>::max() >> shift;
+    return fits ? std::optional(*drive.m_CapacityMiB << shift) : std::nullopt;
+}
+
+template<std::optional<Amount> Drive::*Member>
+std::optional<std::uint64_t> wholeBytes(const Drive& drive)
+{
+    const std::optional<double> bytes = drive.*Member ? bytesOf(*(drive.*Member)) : std::nullopt;
+    return bytes && *bytes >= 0 && *bytes < 0x1p64 ? std::optional(static_cast<std::uint64_t>(*bytes))
+                                                   : std::nullopt;
+}
+
+std::string healthText(const Drive& drive)
+{
+    return drive.m_Health ? drive.m_Health->m_Text : std::string();
+}
+
+std::optional<std::uint32_t> healthCode(const Drive& drive)
+{
+    return drive.m_Health ? drive.m_Health->m_Code : std::nullopt;
+}
+
+std::vector<std::string> reasonTexts(const Drive& drive)
+{
+    std::vector<std::string> texts;
+    for (const CodeText& reason : drive.m_Reasons)
+        texts.push_back(reason.m_Text);
+    return texts;
+}
+
+std::vector<std::uint32_t> reasonCodes(const Drive& drive)
+{
+    std::vector<std::uint32_t> codes;
+    for (const CodeText& reason : drive.m_Reasons)
+        codes.push_back(reason.m_Code);
+    return codes;
+}
+
+std::string controllerState(const Drive& drive)
+{
+    return drive.m_System ? drive.m_System->m_State : std::string();
+}
+
+std::optional<std::uint64_t> namespaces(const Drive& drive)
+{
+    return drive.m_System ? std::optional<std::uint64_t>(drive.m_System->m_Namespaces) : std::nullopt;
+}
+
+template<std::optional<float> TLXX::CPciLink::*Member>
+std::optional<float> linkSpeed(const Drive& drive)
+{
+    return drive.m_System ? drive.m_System->m_Link.*Member : std::nullopt;
+}
+
+template<std::optional<std::uint32_t> TLXX::CPciLink::*Member>
+std::optional<std::uint64_t> linkNumber(const Drive& drive)
+{
+    return drive.m_System && drive.m_System->m_Link.*Member
+               ? std::optional<std::uint64_t>(*(drive.m_System->m_Link.*Member))
+               : std::nullopt;
+}
+
+using enum FactType;
+using Log = TLXX::NVME_SMART_HEALTH_INFORMATION_LOG;
+using Controller = TLXX::NVME_IDENTIFY_CONTROLLER;
+using Link = TLXX::CPciLink;
+
+constexpr FactSource property(std::uint32_t id)
+{
+    return {FactOrigin::Plugin, id};
+}
+
+constexpr FactSource healthLog(std::uint32_t byte)
+{
+    return {FactOrigin::HealthLog, byte};
+}
+
+constexpr FactSource identify(std::uint32_t byte)
+{
+    return {FactOrigin::Identify, byte};
+}
+
+constexpr FactSource SYSTEM = {FactOrigin::System};
+constexpr FactSource PROGRAM = {FactOrigin::Program};
+
+// clang-format off
+constexpr Fact FACTS[] = {
+    fact<&Drive::m_Device>("device", "Device", "", Text, property(PI::PROP_DEVICE_NAME)),
+    fact<&Drive::m_Vendor>("vendor", "Vendor", "", Text, property(PI::PROP_VENDOR)),
+    fact<&Drive::m_Model>("model", "Model", "", Text, property(PI::PROP_MODEL)),
+    fact<&Drive::m_Serial>("serial", "Serial number", "", Text, property(PI::PROP_SERIAL_NUMBER)).headed("Serial"),
+    fact<&Drive::m_PciAddress>("pciAddress", "PCI address", "", Text, PROGRAM),
+    fact<&Drive::m_Location>("location", "Location", "", Text, property(PI::PROP_LOCATION)),
+    fact<locationIsReal>("locationIsReal", "Whether the location is the PCI address", "", State, PROGRAM),
+    fact<&Drive::m_Firmware>("firmware", "Firmware", "", Text, property(PI::PROP_FIRMWARE)),
+    fact<&Drive::m_CapacityMiB>("capacityMiB", "Capacity", "MiB", Gauge, property(PI::PROP_CAPACITY)),
+    fact<capacityBytes>("capacityBytes", "Capacity", "bytes", Gauge, property(PI::PROP_CAPACITY)),
+    fact<&Drive::m_BlockSize>("blockSize", "Block size", "bytes", Gauge, property(PI::PROP_BLOCK_SIZE)),
+    fact<&Drive::m_Temperature>("temperature", "Temperature", "°C", Gauge, property(PI::PROP_DRIVE_TEMPERATURE)).headed("Temp"),
+    fact<&Drive::m_Wear>("wear", "Rated amount of writing that is used", "%", Counter, property(PI::PROP_ENDURANCE_USED)).headed("Wear"),
+    fact<healthText>("health", "Health", "", State, property(PI::PROP_HEALTH_STATUS)),
+    fact<healthCode>("healthCode", "Code of the health", "", State, property(PI::PROP_HEALTH_STATUS)),
+    fact<reasonTexts>("reasons", "Reasons of the health", "", State, property(PI::PROP_STATUS_REASONS)),
+    fact<reasonCodes>("reasonCodes", "Codes of the reasons", "", State, property(PI::PROP_STATUS_REASONS)),
+    fact<healthLogIsRead>("healthLogRead", "Whether the health log was read", "", State, PROGRAM),
+    fact<&Drive::m_Driver>("driver", "Driver", "", Text, property(PI::PROP_DRIVER)),
+    fact<&Drive::m_DriverVersion>("driverVersion", "Version of the driver", "", Text, property(PI::PROP_DRIVER_VERSION)),
+    fact<&Drive::m_Spare>("spare", "Available spare", "%", Gauge, property(PI::PROP_AVAILABLE_SPARE)),
+    fact<&Drive::m_SpareThreshold>("spareThreshold", "Threshold of the available spare", "%", Gauge, property(PI::PROP_SPARE_THRESHOLD)),
+    fact<&Drive::m_DataRead>("dataRead", "Data read", "", Counter, property(PI::PROP_DATA_READ)),
+    fact<wholeBytes<&Drive::m_DataRead>>("dataReadBytes", "Data read, as exact as dataRead: about seven digits", "bytes", Counter, property(PI::PROP_DATA_READ)),
+    fact<&Drive::m_DataWritten>("dataWritten", "Data written", "", Counter, property(PI::PROP_DATA_WRITTEN)),
+    fact<wholeBytes<&Drive::m_DataWritten>>("dataWrittenBytes", "Data written, as exact as dataWritten: about seven digits", "bytes", Counter, property(PI::PROP_DATA_WRITTEN)),
+    fact<&Drive::m_PowerOnHours>("powerOnHours", "Power-on hours", "h", Counter, property(PI::PROP_POWER_ON_HOURS)),
+    fact<&Drive::m_MediaErrors>("mediaErrors", "Media and data integrity errors", "", Counter, property(PI::PROP_MEDIA_ERRORS)),
+
+    fact<logPercentage<&Log::PercentageUsed>>("percentageUsed", "Life used, by the drive's own count", "%", Counter, healthLog(5)),
+    fact<logCounter<&Log::PowerCycles>>("powerCycles", "Power cycles", "", Counter, healthLog(112)),
+    fact<logCounter<&Log::UnsafeShutdowns>>("unsafeShutdowns", "Unsafe shutdowns", "", Counter, healthLog(144)),
+    fact<logCounter<&Log::ErrorLogEntries>>("errorLogEntries", "Entries in the error log", "", Counter, healthLog(176)),
+    fact<logCounter<&Log::HostReadCommands>>("hostReadCommands", "Host read commands", "", Counter, healthLog(64)),
+    fact<logCounter<&Log::HostWriteCommands>>("hostWriteCommands", "Host write commands", "", Counter, healthLog(80)),
+    fact<logCounter<&Log::ControllerBusyTime>>("controllerBusyMinutes", "Controller busy time", "min", Counter, healthLog(96)),
+    fact<logCounter<&Log::WarningTemperatureTime>>("warningTemperatureMinutes", "Time above the warning temperature", "min", Counter, healthLog(192)),
+    fact<logCounter<&Log::CriticalTemperatureTime>>("criticalTemperatureMinutes", "Time above the critical temperature", "min", Counter, healthLog(196)),
+    fact<sensor<0>>("temperatureSensor1", "Temperature sensor 1", "°C", Gauge, healthLog(200)),
+    fact<sensor<1>>("temperatureSensor2", "Temperature sensor 2", "°C", Gauge, healthLog(202)),
+    fact<sensor<2>>("temperatureSensor3", "Temperature sensor 3", "°C", Gauge, healthLog(204)),
+    fact<sensor<3>>("temperatureSensor4", "Temperature sensor 4", "°C", Gauge, healthLog(206)),
+    fact<sensor<4>>("temperatureSensor5", "Temperature sensor 5", "°C", Gauge, healthLog(208)),
+    fact<sensor<5>>("temperatureSensor6", "Temperature sensor 6", "°C", Gauge, healthLog(210)),
+    fact<sensor<6>>("temperatureSensor7", "Temperature sensor 7", "°C", Gauge, healthLog(212)),
+    fact<sensor<7>>("temperatureSensor8", "Temperature sensor 8", "°C", Gauge, healthLog(214)),
+    fact<logElement<&Log::ThermalTransitions, 0>>("thermalTransitions1", "Times that light thermal management began", "", Counter, healthLog(216)),
+    fact<logElement<&Log::ThermalTransitions, 1>>("thermalTransitions2", "Times that heavy thermal management began", "", Counter, healthLog(220)),
+    fact<logElement<&Log::ThermalTime, 0>>("thermalSeconds1", "Time under light thermal management", "s", Counter, healthLog(224)),
+    fact<logElement<&Log::ThermalTime, 1>>("thermalSeconds2", "Time under heavy thermal management", "s", Counter, healthLog(228)),
+
+    fact<limit<&Controller::WCTEMP>>("warningTemperature", "Warning temperature", "°C", Gauge, identify(266)),
+    fact<limit<&Controller::CCTEMP>>("criticalTemperature", "Critical temperature", "°C", Gauge, identify(268)),
+    fact<nvmeVersion>("nvmeVersion", "NVMe version", "", Text, identify(80)),
+    fact<namespaceLimit>("namespaceLimit", "Highest identifier that a namespace may have", "", Gauge, identify(516)),
+    fact<totalCapacity>("totalCapacityBytes", "Total capacity", "bytes", Gauge, identify(280)),
+    fact<unallocatedCapacity>("unallocatedCapacityBytes", "Unallocated capacity", "bytes", Gauge, identify(296)),
+
+    fact<controllerState>("controllerState", "Controller state", "", State, SYSTEM),
+    fact<namespaces>("namespaces", "Namespaces", "", Gauge, SYSTEM),
+    fact<linkSpeed<&Link::m_Speed>>("linkSpeed", "PCIe link speed", "GT/s", Gauge, SYSTEM),
+    fact<linkSpeed<&Link::m_HighestSpeed>>("linkSpeedMaximum", "Highest PCIe link speed", "GT/s", Gauge, SYSTEM),
+    fact<linkNumber<&Link::m_Lanes>>("linkLanes", "PCIe lanes", "", Gauge, SYSTEM),
+    fact<linkNumber<&Link::m_MostLanes>>("linkLanesMaximum", "Most PCIe lanes", "", Gauge, SYSTEM),
+    fact<linkNumber<&Link::m_NumaNode>>("numaNode", "NUMA node", "", State, SYSTEM),
+};
+// clang-format on
+
+} // namespace
+
+std::span<const Fact> facts()
+{
+    return FACTS;
+}
+
+const Fact& factOf(std::string_view key)
+{
+    return *std::find_if(std::begin(FACTS), std::end(FACTS),
+                         [key](const Fact& fact) { return fact.m_Key == key; });
+}
+
+} // namespace Host::Cli
