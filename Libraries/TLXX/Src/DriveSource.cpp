@@ -1,0 +1,7 @@
+#include <TLXX/DriveSource.h>
+
+namespace TLXX {
+
+IDriveSource::~IDriveSource() = default;
+
+} // namespace TLXX
