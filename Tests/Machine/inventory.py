@@ -9,7 +9,7 @@ KNOWN_FAMILIES = ("INTEL SSDPED", "SAMSUNG MZP")
 UNIT_BYTES = 1000 * 512
 UNITS = {name: 1024**power for power, name in enumerate(("bytes", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"))}
 
-# Fields of the health log that only list and show tell: the member there, byte and size, nvme-cli's and smartctl's name.
+# Fields of the health log that only list and show print: the member there, byte and size, nvme-cli's and smartctl's name.
 LOG_FACTS = [
     ("percentageUsed", 5, 1, "percent_used", "percentage_used"),
     ("hostReadCommands", 64, 8, "host_read_commands", "host_reads"),
@@ -72,26 +72,26 @@ def _pci(address):
 
 
 def location(segment, bus, device, function):
-    """The location text of a controller at that place."""
+    """The location text of a controller at this address."""
     place = f"Bus={bus}&Device={device}&Function={function}"
     shown = segment if (bus, device, function) == (0, 0, 0) else 0
     return f"PCI:Segment={shown}&{place}" if shown else f"PCI:{place}"
 
 
 def celsius(kelvin):
-    """What is told of a temperature in kelvin; 0 is none."""
+    """How a temperature in kelvin is shown. 0 means that there is none."""
     return kelvin - 273 if kelvin else None
 
 
 def page_facts(id_ctrl, raw, smart, log, smartctl_log):
-    """Field -> source -> value of what the drive's own pages tell past the plug-in."""
+    """Field -> source -> value, for fields of the drive's own pages that the plug-in does not report."""
     def number(page, offset, size):
         return int.from_bytes(page[offset:offset + size], "little")
 
     facts = {}
     for name, offset, size, nvme, smart_name in LOG_FACTS:
         facts[name] = {"log page": number(log, offset, size), "nvme smart-log": int(smart[nvme])}
-        # Old versions leave out what they do not know.
+        # Old versions do not print fields that they do not know.
         if smart_name in smartctl_log:
             facts[name]["smartctl"] = smartctl_log[smart_name]
     for sensor in range(1, 9):
@@ -117,8 +117,8 @@ def page_facts(id_ctrl, raw, smart, log, smartctl_log):
 
 def truth(files, kernel):
     """
-    Field -> source -> value, from the collected `files` of one controller. A value of None says that there is
-    nothing to be shown.
+    Field -> source -> value, from the collected `files` of one controller. None means that nothing
+    may be shown.
     """
     id_ctrl, smart, smartctl = (files.json(f"{name}.json") for name in ("id-ctrl", "smart-log", "smartctl"))
     log, raw = files.bytes("smart-log.bin"), files.bytes("id-ctrl.bin")
@@ -269,7 +269,7 @@ def told(entry, adapter, drive):
         "counter 128": both("powerOnHours", [30498]),
         "counter 160": both("mediaErrors", [30189]),
         "health": both("healthCode", [30017]),
-        # An empty list is shown by its absence.
+        # An empty list is not shown.
         "reasons": {"list": entry.get("reasonCodes", []), "adapter 30165": adapter.value(30165) or []},
     } | {name: both(name) for name in PAGE_FACTS}
 
@@ -285,7 +285,7 @@ def _agree(expected, actual):
 
 def compare(expected, actual):
     """
-    Holds every source of a field against every place that shows it. Returns how many comparisons were made, and
+    Compares every source of a field with every place that shows it. Returns how many comparisons were made, and
     one line for each that failed.
     """
     count, failures = 0, []

@@ -64,7 +64,7 @@ public:
     /** Also answers the calls of a further module. */
     void Attach(const wchar_t* module);
 
-    /** Adds a node after the last child of `parent`. With an empty service the node has none. */
+    /** Adds a node after the last child of `parent`. Without a service the text is empty. */
     Node Add(Node parent, const std::string& service = {});
     /** A controller with one disk, which has the given interfaces. Returns the controller. */
     Node AddController(Node parent, std::vector<CScriptedDisk> disks,
