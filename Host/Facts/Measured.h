@@ -16,7 +16,7 @@ namespace Host::Cli {
 enum class Basis
 {
     Measured,    ///< the drive or the system told it
-    NotRead,     ///< the drive's health log was never read, and the value is that of a new drive
+    NotRead,     ///< the drive's log with it was never read, and the value is that of a new drive
     NotMeasured, ///< the plug-in shows the same value for every drive, or every drive of this maker
 };
 
@@ -25,6 +25,9 @@ inline constexpr char NOT_MEASURED[] = " (not measured)";
 
 /** The adapter that `object` is or belongs to; null when there is none. */
 const PI::CObject* adapterOf(const ObjectStore& store, const PI::CObject& object);
+
+/** The path at which the disk of `adapter` is asked. Plug-ins may shorten the path that they show. */
+std::string diskPathOf(const ObjectStore& store, const PI::CObject& adapter);
 
 /**
  * Whether the health log of the drive of `object`, an adapter or its medium, was ever read. None when the

@@ -76,6 +76,9 @@ TLXX_EXPORT std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const
 /** The same of its health log. */
 TLXX_EXPORT std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& path);
 
+/** The same of a vendor log: C5h or CAh, because no other one is kept. */
+TLXX_EXPORT std::optional<VendorLogPage> lastVendorLog(const std::string& path, std::uint8_t logIdentifier);
+
 /** A status in words, such as "permission denied" or "the drive answered with status 0x2002". */
 TLXX_EXPORT std::string statusText(std::uint32_t status);
 
