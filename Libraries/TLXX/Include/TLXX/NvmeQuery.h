@@ -78,6 +78,7 @@ TLXX_EXPORT std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const
 
 /** The same of a vendor log: C5h or CAh, because no other one is kept. */
 TLXX_EXPORT std::optional<VendorLogPage> lastVendorLog(const std::string& path, std::uint8_t logIdentifier);
+
 /** The status of a query that got no answer in time. */
 inline constexpr std::uint32_t STATUS_NO_ANSWER = 0x20003;
 
