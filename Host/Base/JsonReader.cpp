@@ -92,6 +92,39 @@ std::optional<std::int64_t> JsonReader::signedNumber(const char* key, std::int64
     return number;
 }
 
+std::optional<bool> JsonReader::flag(const char* key) const
+{
+    const nlohmann::json* value = find(key);
+    if (value == nullptr)
+        return std::nullopt;
+    if (!value->is_boolean())
+        fail(key, "has to be true or false");
+    return value->get<bool>();
+}
+
+std::optional<std::vector<std::size_t>> JsonReader::choices(const char* key,
+                                                            const std::vector<std::string>& names) const
+{
+    const nlohmann::json* value = find(key);
+    if (value == nullptr)
+        return std::nullopt;
+    std::vector<std::size_t> places;
+    bool good = value->is_array();
+    for (std::size_t i = 0; good && i < value->size(); ++i) {
+        const auto name = std::find(names.begin(), names.end(), value->at(i));
+        const auto place = static_cast<std::size_t>(name - names.begin());
+        good = name != names.end() && std::find(places.begin(), places.end(), place) == places.end();
+        places.push_back(place);
+    }
+    if (!good) {
+        std::string known;
+        for (const std::string& name : names)
+            known += (known.empty() ? "" : ", ") + name;
+        fail(key, "has to be a list, in brackets, with each of these at most once: " + known);
+    }
+    return places;
+}
+
 std::optional<std::string> JsonReader::text(const char* key, std::size_t longest) const
 {
     const nlohmann::json* value = find(key);

@@ -33,6 +33,11 @@ public:
     std::optional<std::uint64_t> number(const char* key, std::uint64_t largest) const;
     std::optional<std::int64_t> signedNumber(const char* key, std::int64_t smallest,
                                              std::int64_t largest) const;
+    /** Reads true or false. */
+    std::optional<bool> flag(const char* key) const;
+    /** Reads a list of names, each at most once. Returns their places in `names`. */
+    std::optional<std::vector<std::size_t>> choices(const char* key,
+                                                     const std::vector<std::string>& names) const;
     /** Reads printable ASCII of at most `longest` characters. */
     std::optional<std::string> text(const char* key, std::size_t longest) const;
 

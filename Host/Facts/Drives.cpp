@@ -1,6 +1,7 @@
 #include "Facts/Drives.h"
 
 #include <PI/PluginHelper.h>
+#include <TLXX/IntelLogs.h>
 #include <TLXX/NvmeQuery.h>
 
 namespace Host::Cli {
@@ -73,13 +74,13 @@ void dropWhatNobodyRead(const ObjectStore& store, const PI::CObject& adapter, Dr
         drive.m_Health = Health{std::nullopt, UNKNOWN_HEALTH};
 }
 
-/** Plug-ins may shorten the path of a disk. The system has the path that was used. */
 void addPages(const ObjectStore& store, const PI::CObject& adapter, Drive& drive)
 {
     if (const TLXX::CControllerState* system = store.controllerOf(adapter))
         drive.m_System = *system;
-    const std::string& path = drive.m_System ? drive.m_System->m_DeviceName : drive.m_Device;
+    const std::string path = diskPathOf(store, adapter);
     drive.m_HealthLog = TLXX::lastHealthLog(path);
+    drive.m_TemperatureLog = TLXX::lastVendorLog(path, TLXX::INTEL_TEMPERATURE_STATISTIC_LOG_PAGE);
     drive.m_Identify = TLXX::lastIdentifyController(path);
 }
 

@@ -70,6 +70,7 @@ struct Drive : DriveIdentity
     std::optional<TLXX::CControllerState> m_System; ///< what the system tells about its controller
     // What the drive itself told last. None when it was never read.
     std::optional<TLXX::NVME_SMART_HEALTH_INFORMATION_LOG> m_HealthLog;
+    std::optional<TLXX::VendorLogPage> m_TemperatureLog; ///< temperature statistics of an Intel drive
     std::optional<TLXX::NVME_IDENTIFY_CONTROLLER> m_Identify;
 };
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 #include <variant>
 
 namespace Host::Cli {
@@ -81,8 +82,13 @@ constexpr Constant CONSTANTS[] = {
      "Look at the health of its adapter."},
 };
 
-constexpr char LOG_NOT_READ[] = "The health log of this drive was not read, so its health is not known.";
-constexpr char ASK_DOCTOR[] = "\"ostrel doctor\" says why the log was not read.";
+/** The texts for states whose log was never read, by property. */
+constexpr Constant UNREAD[] = {
+    {PI::PROP_HEALTH_STATUS, "The health log of this drive was not read, so its health is not known.",
+     "\"ostrel doctor\" says why the log was not read."},
+    {PI::PROP_WEAR_STATE, "The log with the wear of this drive was not read, so its wear is not known.",
+     "Look at the endurance used and the available spare."},
+};
 
 template<std::size_t Size>
 const Explanation* find(const Explanation (&table)[Size], std::uint32_t code)
@@ -113,15 +119,12 @@ void addUnmeasured(const PI::CProperty& property, Basis basis, std::vector<Expla
     // For numbers that were not measured there is a sentence above the rows.
     if (codes.empty())
         return;
-    if (basis == Basis::NotRead) {
-        explained.push_back({&property, codes.front(), UNKNOWN_HEALTH, LOG_NOT_READ, ASK_DOCTOR});
-        return;
-    }
-    for (const Constant& row : CONSTANTS)
+    const bool isUnread = basis == Basis::NotRead;
+    const std::string state =
+        isUnread ? UNKNOWN_HEALTH : PI::PropertyValueToString(codes.front()) + NOT_MEASURED;
+    for (const Constant& row : isUnread ? std::span<const Constant>(UNREAD) : CONSTANTS)
         if (row.m_Property == property.Id())
-            explained.push_back({&property, codes.front(),
-                                 PI::PropertyValueToString(codes.front()) + NOT_MEASURED, row.m_Meaning,
-                                 row.m_Advice});
+            explained.push_back({&property, codes.front(), state, row.m_Meaning, row.m_Advice});
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include "Facts/Drives.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -77,7 +79,12 @@ struct Fact
 template<typename Value>
 constexpr std::size_t factKind()
 {
-    return FactValue(std::in_place_type<Value>).index();
+    // Clang 14 cannot make a text at compile time, so this looks at the types alone.
+    return []<typename... Kinds>(std::type_identity<std::variant<Kinds...>>) {
+        static_assert((std::is_same_v<Value, Kinds> || ...));
+        constexpr std::array same = {std::is_same_v<Value, Kinds>...};
+        return static_cast<std::size_t>(std::ranges::find(same, true) - same.begin());
+    }(std::type_identity<FactValue>());
 }
 
 /** All rows, in the order in which documents have them. */

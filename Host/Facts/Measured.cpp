@@ -2,6 +2,10 @@
 
 #include "Plugins/AdapterIdentities.h"
 
+#include <PI/StateCode.h>
+#include <TLXX/IntelLogs.h>
+#include <TLXX/NvmeQuery.h>
+
 #include <algorithm>
 #include <array>
 
@@ -15,8 +19,6 @@ constexpr unsigned MODULE_SHIFT = 48;
 
 // The plug-in reads the wear only from drives of this maker.
 constexpr char MAKER_WITH_WEAR[] = "INTEL";
-
-constexpr std::uint32_t HEALTHY = 40024;
 
 /** Rows that the plug-in always shows and fills from the health log. */
 constexpr std::array FROM_HEALTH_LOG = {PI::PROP_AVAILABLE_SPARE, PI::PROP_SPARE_THRESHOLD,
@@ -34,23 +36,46 @@ bool hasAny(const PI::CObject& object, const Ids& ids)
                        [&](std::uint32_t id) { return findProperty(object, id) != nullptr; });
 }
 
+bool isOfInstalledPlugin(const PI::CObject& object)
+{
+    return object.m_ID >> MODULE_SHIFT == MODULE;
+}
+
+bool hasWear(const PI::CObject& adapter)
+{
+    return textOf(adapter, PI::PROP_VENDOR) == MAKER_WITH_WEAR;
+}
+
 bool isConstant(const PI::CObject& object, std::uint32_t propertyId)
 {
-    if (object.m_ID >> MODULE_SHIFT != MODULE)
+    if (!isOfInstalledPlugin(object))
         return false;
     if (object.m_Type == PI::TYPE_PHYSICAL_DRIVE)
         return propertyId == PI::PROP_HEALTH_STATUS;
     if (object.m_Type != PI::TYPE_ADAPTER)
         return false;
-    return propertyId == PI::PROP_SPARE_STATE ||
-           (propertyId == PI::PROP_WEAR_STATE && textOf(object, PI::PROP_VENDOR) != MAKER_WITH_WEAR);
+    return propertyId == PI::PROP_SPARE_STATE || (propertyId == PI::PROP_WEAR_STATE && !hasWear(object));
+}
+
+bool isCode(const PI::CProperty& property, std::uint32_t expected)
+{
+    const auto* code = std::get_if<PI::CCodeValue>(&property.GetValue());
+    return code != nullptr && code->m_Code == expected;
 }
 
 /** When the health log was not read, a bad health comes from another log, and is true. */
-bool isHealthy(const PI::CProperty& property)
+bool comesFromHealthLog(const PI::CProperty& property)
 {
-    const auto* code = std::get_if<PI::CCodeValue>(&property.GetValue());
-    return code != nullptr && code->m_Code == HEALTHY;
+    return std::find(FROM_HEALTH_LOG.begin(), FROM_HEALTH_LOG.end(), property.Id()) !=
+               FROM_HEALTH_LOG.end() ||
+           (property.Id() == PI::PROP_HEALTH_STATUS && isCode(property, PI::HEALTH_HEALTHY));
+}
+
+bool isUnreadWear(const ObjectStore& store, const PI::CObject& object, const PI::CProperty& property)
+{
+    return property.Id() == PI::PROP_WEAR_STATE && isCode(property, PI::WEAR_OK) &&
+           isOfInstalledPlugin(object) && hasWear(object) &&
+           !TLXX::lastVendorLog(diskPathOf(store, object), TLXX::INTEL_LEGACY_SMART_LOG_PAGE);
 }
 
 } // namespace
@@ -65,6 +90,12 @@ const PI::CObject* adapterOf(const ObjectStore& store, const PI::CObject& object
             return parent;
     }
     return nullptr;
+}
+
+std::string diskPathOf(const ObjectStore& store, const PI::CObject& adapter)
+{
+    const TLXX::CControllerState* const system = store.controllerOf(adapter);
+    return system != nullptr ? system->m_DeviceName : textOf(adapter, PI::PROP_DEVICE_NAME);
 }
 
 std::optional<bool> healthLogRead(const ObjectStore& store, const PI::CObject& object)
@@ -82,10 +113,9 @@ Basis basisOf(const ObjectStore& store, const PI::CObject& object, const PI::CPr
 {
     if (isConstant(object, property.Id()))
         return Basis::NotMeasured;
-    const bool isFromLog =
-        std::find(FROM_HEALTH_LOG.begin(), FROM_HEALTH_LOG.end(), property.Id()) != FROM_HEALTH_LOG.end() ||
-        (property.Id() == PI::PROP_HEALTH_STATUS && isHealthy(property));
-    return isFromLog && healthLogRead(store, object) == false ? Basis::NotRead : Basis::Measured;
+    const bool isUnread = isUnreadWear(store, object, property) ||
+                          (comesFromHealthLog(property) && healthLogRead(store, object) == false);
+    return isUnread ? Basis::NotRead : Basis::Measured;
 }
 
 ShownPlace shownPlaceOf(const ObjectStore& store, const PI::CObject& adapter)

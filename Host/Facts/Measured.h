@@ -16,7 +16,7 @@ namespace Host::Cli {
 enum class Basis
 {
     Measured,    ///< the drive or the system reported it
-    NotRead,     ///< the health log was never read, so the value is that of a new drive
+    NotRead,     ///< the drive's log with it was never read, so the value is that of a new drive
     NotMeasured, ///< the plug-in shows this value for every drive, or for every drive of this maker
 };
 
@@ -25,6 +25,9 @@ inline constexpr char NOT_MEASURED[] = " (not measured)";
 
 /** The adapter that `object` is or belongs to. Null when there is none. */
 const PI::CObject* adapterOf(const ObjectStore& store, const PI::CObject& object);
+
+/** The path at which the disk of `adapter` is asked. Plug-ins may shorten the path that they show. */
+std::string diskPathOf(const ObjectStore& store, const PI::CObject& adapter);
 
 /**
  * Whether the health log was ever read. `object` is an adapter or its medium. Nothing when the plug-in shows

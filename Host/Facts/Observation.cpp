@@ -6,14 +6,13 @@
 
 #include <PI/LifeTimeData.h>
 #include <PI/PropertyId.h>
+#include <PI/StateCode.h>
 
 #include <utility>
 #include <variant>
 
 namespace Host::Cli {
 namespace {
-
-constexpr std::uint32_t WEAR_NORMAL = 40252;
 
 // The plug-in does not show the warning byte. It shows each of its bits as a reason of the drive's health.
 constexpr std::pair<std::uint32_t, CriticalWarning> REASONS[] = {
@@ -35,11 +34,14 @@ std::optional<std::uint8_t> warningsOf(const Drive& drive)
     return warnings;
 }
 
-std::optional<bool> belowNew(const PI::CObject* adapter)
+/** None when it was not looked at: then the plug-in shows the state of a new drive. */
+std::optional<bool> belowNew(const ObjectStore& objects, const PI::CObject* adapter)
 {
     const PI::CProperty* state = adapter != nullptr ? findProperty(*adapter, PI::PROP_WEAR_STATE) : nullptr;
     const auto* code = state != nullptr ? std::get_if<PI::CCodeValue>(&state->GetValue()) : nullptr;
-    return code != nullptr ? std::optional(code->m_Code != WEAR_NORMAL) : std::nullopt;
+    return code != nullptr && basisOf(objects, *adapter, *state) == Basis::Measured
+               ? std::optional(code->m_Code != PI::WEAR_OK)
+               : std::nullopt;
 }
 
 /** Without a rating, the plug-in's figure does not mean a percentage. */
@@ -70,7 +72,7 @@ std::optional<float> temperatureOf(const Drive& drive)
     return own ? std::optional(static_cast<float>(*own)) : drive.m_Temperature;
 }
 
-ObservedDrive observed(const Drive& drive, const PI::CObject* adapter, std::string key)
+ObservedDrive observed(const Drive& drive, std::optional<bool> belowNew, std::string key)
 {
     ObservedDrive result;
     static_cast<DriveIdentity&>(result) = drive;
@@ -80,8 +82,10 @@ ObservedDrive observed(const Drive& drive, const PI::CObject* adapter, std::stri
     // The plug-in shows a block size even for a namespace that was not read.
     result.m_BlockSize = result.m_CapacityMiB ? unlessNone(drive.m_BlockSize) : std::nullopt;
     result.m_Warnings = warningsOf(drive);
-    result.m_BelowNew = belowNew(adapter);
+    result.m_BelowNew = belowNew;
     result.m_Temperature = temperatureOf(drive);
+    if (drive.m_TemperatureLog)
+        result.m_TemperatureMargin = TLXX::temperatureMargin(*drive.m_TemperatureLog);
     result.m_TemperatureLimit = limit<&TLXX::NVME_IDENTIFY_CONTROLLER::WCTEMP>(drive);
     result.m_CriticalTemperatureLimit = limit<&TLXX::NVME_IDENTIFY_CONTROLLER::CCTEMP>(drive);
     if (drive.m_MediaErrors != UNKNOWN_COUNTER)
@@ -98,10 +102,11 @@ Observation observe(const ObjectStore& objects, std::uint64_t time)
     const std::vector<Drive> drives = joinDrives(objects);
     std::vector<std::string> keys = driveKeys(drives);
     Observation result{time, {}};
-    for (std::size_t i = 0; i < drives.size(); ++i)
+    for (std::size_t i = 0; i < drives.size(); ++i) {
+        const auto& id = drives[i].m_AdapterId;
         result.m_Drives.push_back(
-            observed(drives[i], drives[i].m_AdapterId ? objects.byId(*drives[i].m_AdapterId) : nullptr,
-                     std::move(keys[i])));
+            observed(drives[i], belowNew(objects, id ? objects.byId(*id) : nullptr), std::move(keys[i])));
+    }
     return result;
 }
 

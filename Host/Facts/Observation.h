@@ -2,6 +2,8 @@
 
 #include "Facts/DriveIdentity.h"
 
+#include <TLXX/IntelLogs.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -33,7 +35,9 @@ struct ObservedDrive : DriveIdentity
     std::optional<std::uint8_t> m_Warnings;   ///< of `CriticalWarning`
     std::optional<bool> m_BelowNew;           ///< an attribute of its blocks is worse than in a new drive
     std::optional<float> m_Temperature;       ///< degrees Celsius
-    std::optional<float> m_TemperatureLimit;  ///< at this temperature the drive warns
+    /** As the drive's temperature statistics show it. */
+    std::optional<TLXX::ETemperatureMargin> m_TemperatureMargin;
+    std::optional<float> m_TemperatureLimit;         ///< at this temperature the drive warns
     std::optional<float> m_CriticalTemperatureLimit; ///< at this temperature it may stop
     std::optional<std::uint64_t> m_MediaErrors;
     std::optional<std::int32_t> m_Spare; ///< percent left

@@ -22,6 +22,7 @@ enum class Kind : std::uint8_t
     ReliabilityDegraded,
     ReadOnly,
     MemoryBackupFailed,
+    TemperatureMargin,
     BelowNew,
     // Figures that passed a step. Each step is told once.
     SpareFell,

@@ -67,6 +67,24 @@ constexpr ConditionRule CONDITIONS[] = {
      "no attribute is below that of a new drive any more."},
 };
 
+std::optional<std::uint64_t> marginDegree(const ObservedDrive& drive)
+{
+    return drive.m_TemperatureMargin ? std::optional(static_cast<std::uint64_t>(*drive.m_TemperatureMargin))
+                                     : std::nullopt;
+}
+
+// In the order of `TLXX::ETemperatureMargin`, without the first one.
+constexpr Degree MARGIN_DEGREES[] = {
+    {Severity::Warning, 10967, "the temperature is close to the critical level."},
+    {Severity::Error, 10959, "the temperature has reached the critical level."},
+    {Severity::Error, 10960, "the temperature is well above the critical level."},
+};
+
+constexpr DegreeRule DEGREES[] = {
+    {Kind::TemperatureMargin, marginDegree, MARGIN_DEGREES,
+     "the temperature is no longer close to the critical level."},
+};
+
 constexpr Step SPARE_STEPS[] = {
     {75, Severity::Information}, {50, Severity::Warning}, {25, Severity::Warning}, {10, Severity::Error}};
 constexpr Step WEAR_STEPS[] = {
@@ -144,6 +162,17 @@ std::uint64_t StepRule::passed(std::int32_t figure) const
 std::span<const ConditionRule> conditionRules()
 {
     return CONDITIONS;
+}
+
+std::span<const DegreeRule> degreeRules()
+{
+    return DEGREES;
+}
+
+bool warnsOfNothing(const ObservedDrive& drive)
+{
+    return drive.m_Warnings == 0 && drive.m_TemperatureMargin.value_or(TLXX::ETemperatureMargin::Safe) ==
+                                        TLXX::ETemperatureMargin::Safe;
 }
 
 std::span<const StepRule> stepRules()

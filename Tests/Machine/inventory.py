@@ -83,36 +83,52 @@ def celsius(kelvin):
     return kelvin - 273 if kelvin else None
 
 
-def page_facts(id_ctrl, raw, smart, log, smartctl_log):
-    """Field -> source -> value, for fields of the drive's own pages that the plug-in does not report."""
+def version(word):
+    """The text of a version word; None when it is 0."""
+    tertiary = f".{word & 255}" if word & 255 else ""
+    return f"{word >> 16}.{word >> 8 & 255}{tertiary}" if word else None
+
+
+def page_values(raw, log):
+    """
+    Field -> value, for fields of the drive's own pages that the plug-in does not report: `raw` is the identify data,
+    `log` the health log. None means that nothing may be shown.
+    """
     def number(page, offset, size):
         return int.from_bytes(page[offset:offset + size], "little")
 
-    facts = {}
-    for name, offset, size, nvme, smart_name in LOG_FACTS:
-        facts[name] = {"log page": number(log, offset, size), "nvme smart-log": int(smart[nvme])}
+    total, unallocated = number(raw, 280, 16), number(raw, 296, 16)
+    return {name: number(log, offset, size) for name, offset, size, *_ in LOG_FACTS} | {
+        f"temperatureSensor{sensor}": celsius(number(log, 198 + 2 * sensor, 2)) for sensor in range(1, 9)} | {
+        "warningTemperature": celsius(number(raw, 266, 2)),
+        "criticalTemperature": celsius(number(raw, 268, 2)),
+        "nvmeVersion": version(number(raw, 80, 4)),
+        "namespaceLimit": number(raw, 516, 4) or None,
+        "totalCapacityBytes": total or None,
+        "unallocatedCapacityBytes": unallocated if total else None,
+    }
+
+
+def page_facts(id_ctrl, raw, smart, log, smartctl_log):
+    """Field -> source -> value, for the fields of `page_values`."""
+    values = page_values(raw, log)
+    facts = {name: {"pages": value} for name, value in values.items()}
+    for name, _, _, nvme, smart_name in LOG_FACTS:
+        facts[name]["nvme smart-log"] = int(smart[nvme])
         # Old versions do not print fields that they do not know.
         if smart_name in smartctl_log:
             facts[name]["smartctl"] = smartctl_log[smart_name]
     for sensor in range(1, 9):
         # nvme-cli leaves out a sensor of 0 kelvin.
-        facts[f"temperatureSensor{sensor}"] = {
-            "log page": celsius(number(log, 198 + 2 * sensor, 2)),
-            "nvme smart-log": celsius(smart.get(f"temperature_sensor_{sensor}", 0))}
-    def version(word):
-        tertiary = f".{word & 255}" if word & 255 else ""
-        return f"{word >> 16}.{word >> 8 & 255}{tertiary}" if word else None
-
-    total, unallocated = number(raw, 280, 16), number(raw, 296, 16)
-    return facts | {
-        "warningTemperature": {"identify data": celsius(number(raw, 266, 2)), "nvme id-ctrl": celsius(id_ctrl["wctemp"])},
-        "criticalTemperature": {"identify data": celsius(number(raw, 268, 2)), "nvme id-ctrl": celsius(id_ctrl["cctemp"])},
-        "nvmeVersion": {"identify data": version(number(raw, 80, 4)), "nvme id-ctrl": version(id_ctrl["ver"])},
-        "namespaceLimit": {"identify data": number(raw, 516, 4) or None, "nvme id-ctrl": id_ctrl["nn"] or None},
-        "totalCapacityBytes": {"identify data": total or None, "nvme id-ctrl": int(id_ctrl["tnvmcap"]) or None},
-        "unallocatedCapacityBytes": {"identify data": unallocated if total else None,
-                                     "nvme id-ctrl": int(id_ctrl["unvmcap"]) if total else None},
-    }
+        facts[f"temperatureSensor{sensor}"]["nvme smart-log"] = celsius(smart.get(f"temperature_sensor_{sensor}", 0))
+    has_total = values["totalCapacityBytes"] is not None
+    for name, value in {
+            "warningTemperature": celsius(id_ctrl["wctemp"]), "criticalTemperature": celsius(id_ctrl["cctemp"]),
+            "nvmeVersion": version(id_ctrl["ver"]), "namespaceLimit": id_ctrl["nn"] or None,
+            "totalCapacityBytes": int(id_ctrl["tnvmcap"]) or None,
+            "unallocatedCapacityBytes": int(id_ctrl["unvmcap"]) if has_total else None}.items():
+        facts[name]["nvme id-ctrl"] = value
+    return facts
 
 
 def truth(files, kernel):
@@ -197,9 +213,7 @@ def truth(files, kernel):
 
 
 # What `list` alone tells of the pages.
-PAGE_FACTS = [name for name, *_ in LOG_FACTS] + [f"temperatureSensor{sensor}" for sensor in range(1, 9)] + [
-    "warningTemperature", "criticalTemperature", "nvmeVersion", "namespaceLimit", "totalCapacityBytes",
-    "unallocatedCapacityBytes"]
+PAGE_FACTS = list(page_values(bytes(4096), bytes(512)))
 
 
 class Object:

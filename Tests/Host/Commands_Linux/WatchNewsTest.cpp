@@ -93,6 +93,48 @@ TEST_F(WatchNewsTest, WhatDrivesSufferFromAtTheStartIsToldOnce)
     end(program);
 }
 
+TEST_F(WatchNewsTest, TheLimitsThatADriveNamesCountWithoutAWarningOfIts)
+{
+    const auto heat = [this](int temperature) {
+        json warm = drive("A", 1);
+        warm["identify"]["warningTemperature"] = 70;
+        warm["identify"]["criticalTemperature"] = 80;
+        warm["health"]["temperature"] = temperature;
+        fleet({warm});
+    };
+    heat(70);
+    RunningProgram program(arguments({"--json"}));
+    EXPECT_EQ(next(program), "over-temperature present A");
+    program.awaitMessage("adapter count is");
+    heat(80);
+    EXPECT_EQ(next(program), "over-critical-temperature began A");
+    heat(68);
+    EXPECT_EQ(next(program), "over-critical-temperature ended A");
+    heat(67);
+    EXPECT_EQ(next(program), "over-temperature ended A");
+    end(program);
+}
+
+TEST_F(WatchNewsTest, AMarginOfTheTemperatureIsToldAtTheStartAndThenByEvents)
+{
+    const auto heat = [this](int temperature) {
+        json warm = drive("A", 1);
+        warm["vendorLogs"]["0xC5"] = {{"temperature", temperature}, {"offset", 0}};
+        fleet({warm});
+    };
+    heat(80);
+    RunningProgram program(arguments({"--json"}));
+    EXPECT_EQ(next(program), "temperature-margin present A");
+    program.awaitMessage("adapter count is");
+    heat(84);
+    EXPECT_EQ(next(program), "10960 A");
+    heat(78);
+    EXPECT_EQ(next(program), "10967 A");
+    heat(77);
+    EXPECT_EQ(next(program), "10980 A");
+    end(program);
+}
+
 TEST_F(WatchNewsTest, WhatNoEventTellsIsTold)
 {
     fleet({drive("A", 1)});
