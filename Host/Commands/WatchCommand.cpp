@@ -63,9 +63,8 @@ std::string sharedSerialText(const SharedSerial& shared)
     for (const std::string& device : shared.m_Devices)
         devices += (devices.empty() ? "" : ", ") + std::string(shortDeviceName(device));
     return "The serial number " + shared.m_Serial + " is that of several devices: " + devices +
-           ". They are two ways to one drive, or copies of one another. The plug-in takes them for one "
-           "drive. "
-           "It may repeat their warnings at each poll and not notice when one of them is removed.";
+           ". They are controllers of one drive, or copies of one another. The plug-in takes them for one "
+           "drive. It may repeat their warnings at each poll and not notice when one of them is removed.";
 }
 
 /** The drives of one plug-in. */
@@ -116,7 +115,7 @@ private:
         if (plugin.m_Monitor.stop())
             report(plugin);
         else
-            m_Terminal.tell("The plug-in did not end in time; a drive may not answer any more.");
+            m_Terminal.tell("The plug-in did not end in time. A drive may have stopped answering.");
     }
 
     void watchUntil(TLX::Threading::CEvent& askedToEnd)
@@ -204,8 +203,8 @@ private:
         const auto sick = std::count_if(m_Drives.begin(), m_Drives.end(), isSick);
         m_Terminal.showStatus((m_Session.simulated() ? "Simulated: " : "") + std::to_string(drives) +
                               (drives == 1 ? " drive" : " drives") +
-                              (sick == 0 ? "" : ", " + std::to_string(sick) + " sick") + ", next poll at " +
-                              timeOfDayText(TLX::Misc::now() + m_Forecast.next() - now));
+                              (sick == 0 ? "" : ", " + std::to_string(sick) + " unhealthy") +
+                              ", next poll at " + timeOfDayText(TLX::Misc::now() + m_Forecast.next() - now));
     }
 
     const Session& m_Session;

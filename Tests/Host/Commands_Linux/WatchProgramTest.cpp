@@ -198,7 +198,7 @@ TEST_F(WatchProgram, ATerminalHasAStatusLineBelowTheEvents)
     program.awaitResult("\033[K20");
     EXPECT_THAT(program.awaitResult("\n"), HasSubstr(" was added. (nvme1n1)"));
     program.awaitResult("\033[33mWarning\033[0m");
-    program.awaitResult("2 drives, 1 sick, next poll at ");
+    program.awaitResult("2 drives, 1 unhealthy, next poll at ");
     program.send(SIGTERM);
     const ProgramResult end = program.finish();
     EXPECT_EQ(end.m_ExitCode, 0);
@@ -269,7 +269,7 @@ TEST_F(WatchProgram, IsRefusedALockThatCannotBeOpened)
     const ProgramResult list =
         runProgram({"list", "--data", m_Data.Path(), "--simulate", m_Fleet.Path() / "fleet.json"});
     EXPECT_EQ(list.m_ExitCode, 0);
-    EXPECT_THAT(list.m_Errors, HasSubstr(". This run leaves them as they are.\n"));
+    EXPECT_THAT(list.m_Errors, HasSubstr(". This run does not change that data.\n"));
     EXPECT_FALSE(std::filesystem::exists(m_Data.Path() / "Ostrel.db"));
 }
 
@@ -340,9 +340,9 @@ TEST_F(WatchProgram, KeepsTheDataFolderToItself)
     EXPECT_THAT(list.m_Output, HasSubstr(" C "));
     EXPECT_THAT(list.m_Errors,
                 testing::ContainsRegex("ostrel: Another ostrel, process [0-9]+, keeps its data in "
-                                       ".*\\. This run leaves them as they are\\.\n"));
+                                       ".*\\. This run does not change that data\\.\n"));
     const ProgramResult doctor = runProgram({"doctor", "--data", m_Data.Path(), "--simulate", others});
-    EXPECT_THAT(doctor.m_Output, HasSubstr("Ostrel.db, which this run leaves as it is\n"));
+    EXPECT_THAT(doctor.m_Output, HasSubstr("Ostrel.db; this run does not change it\n"));
     EXPECT_EQ(query("SELECT ID FROM Plugin; SELECT ID FROM Adapter"), before);
 
     const ProgramResult second = runProgram(arguments({"--for", "0"}));
