@@ -15,15 +15,19 @@
 #include "Terminal/EventLine.h"
 
 #include <TLX/Clock.h>
+#include <TLX/Thread.h>
 #include <TLX/WaitInterval.h>
 #include <TLX/WaitResult.h>
 #include <TLX/Waiter.h>
+#include <TLXX/DeviceNotification.h>
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <exception>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <utility>
 
 namespace Host::Cli {
@@ -31,7 +35,7 @@ namespace {
 
 constexpr std::uint64_t NEVER = std::numeric_limits<std::uint64_t>::max();
 
-/** How often the plug-in polls, in milliseconds; 0 when it does not say. */
+/** The plug-in's poll interval in milliseconds, or 0 when it does not show one. */
 std::uint64_t pollInterval(const PI::CObject& plugin)
 {
     const PI::CProperty* property = findProperty(plugin, PI::PROP_POLL_INTERVAL);
@@ -42,7 +46,7 @@ std::uint64_t pollInterval(const PI::CObject& plugin)
                : 0;
 }
 
-/** Whether its health is known to be bad. */
+/** Whether the health is known and bad. */
 bool isSick(const Drive& drive)
 {
     const Tone tone =
@@ -56,16 +60,15 @@ std::string entryLine(const Journal::Entry& entry, const Screen& screen)
                       &entry.m_Drive, screen);
 }
 
-/** Two devices with one serial number are one drive to the plug-in. */
+/** For the plug-in, two devices with one serial number are one drive. */
 std::string sharedSerialText(const SharedSerial& shared)
 {
     std::string devices;
     for (const std::string& device : shared.m_Devices)
         devices += (devices.empty() ? "" : ", ") + std::string(shortDeviceName(device));
     return "The serial number " + shared.m_Serial + " is that of several devices: " + devices +
-           ". They are two ways to one drive, or copies of one another. The plug-in takes them for one "
-           "drive. "
-           "It may repeat their warnings at each poll and not notice when one of them is removed.";
+           ". They are controllers of one drive, or copies of one another. The plug-in takes them for one "
+           "drive. It may repeat their warnings at each poll and not notice when one of them is removed.";
 }
 
 /** The drives of one plug-in. */
@@ -84,15 +87,14 @@ public:
           m_ShowsStatus(m_Terminal.showsStatus() && !session.m_Options.m_Json),
           m_Watched(session)
     {
-        if (session.m_Options.m_Seconds)
-            m_End =
-                TLX::Misc::monotonic() + std::uint64_t{*session.m_Options.m_Seconds} * MILLISECONDS_A_SECOND;
         for (Monitor& monitor : m_Watched.monitors())
             m_Plugins.push_back({monitor, {}});
     }
 
-    void run(TLX::Threading::CEvent& askedToEnd)
+    /** Watches until `until`, in milliseconds of `TLX::Misc::monotonic`, or until `askedToEnd` fires. */
+    void run(TLX::Threading::CEvent& askedToEnd, std::uint64_t until)
     {
+        m_End = until;
         m_Watched.start();
         m_Drives = joinDrives(m_Watched.objects());
         reportStart();
@@ -102,7 +104,7 @@ public:
             try {
                 end(plugin);
             } catch (const Failure&) {
-                // The other plug-ins' last events are still to come.
+                // The last events of the other plug-ins must still be collected.
                 failed = std::current_exception();
             }
         if (failed)
@@ -112,11 +114,11 @@ public:
 private:
     void end(WatchedDrives& plugin)
     {
-        // What the last poll found is pending now.
+        // The last poll may have left pending events.
         if (plugin.m_Monitor.stop())
             report(plugin);
         else
-            m_Terminal.tell("The plug-in did not end in time; a drive may not answer any more.");
+            m_Terminal.tell("The plug-in did not end in time. A drive may have stopped answering.");
     }
 
     void watchUntil(TLX::Threading::CEvent& askedToEnd)
@@ -145,17 +147,17 @@ private:
         }
     }
 
-    /** How long there may be nothing to do, in milliseconds. */
+    /** How long the program may sleep, in milliseconds. */
     std::uint64_t patience() const
     {
-        // Nobody calls when the database fails.
+        // A failure of the database signals no event, so the program must look at times.
         constexpr std::uint64_t longest = 10'000;
         const std::uint64_t now = TLX::Misc::monotonic();
         const std::uint64_t next = std::min(m_End, m_ShowsStatus ? m_Forecast.next() : NEVER);
         return next <= now ? 0 : std::min(next - now, longest);
     }
 
-    /** Tells what the drives suffer from already. */
+    /** Prints what is already wrong with the drives. */
     void reportStart()
     {
         for (const SharedSerial& shared : sharedSerials(m_Drives))
@@ -178,7 +180,7 @@ private:
         m_Drives = std::move(after);
     }
 
-    /** What the plug-in's objects tell that was not known before. */
+    /** Prints what the plug-in's objects show and what was not known before. */
     static std::vector<Journal::Entry> news(WatchedDrives& plugin)
     {
         Journal::Outcome outcome =
@@ -204,8 +206,8 @@ private:
         const auto sick = std::count_if(m_Drives.begin(), m_Drives.end(), isSick);
         m_Terminal.showStatus((m_Session.simulated() ? "Simulated: " : "") + std::to_string(drives) +
                               (drives == 1 ? " drive" : " drives") +
-                              (sick == 0 ? "" : ", " + std::to_string(sick) + " sick") + ", next poll at " +
-                              timeOfDayText(TLX::Misc::now() + m_Forecast.next() - now));
+                              (sick == 0 ? "" : ", " + std::to_string(sick) + " unhealthy") +
+                              ", next poll at " + timeOfDayText(TLX::Misc::now() + m_Forecast.next() - now));
     }
 
     const Session& m_Session;
@@ -214,19 +216,84 @@ private:
     Watched m_Watched;
     PollForecast m_Forecast; ///< of the first plug-in
     std::uint64_t m_End = NEVER;
-    std::vector<Drive> m_Drives; ///< as the last report found them
+    std::vector<Drive> m_Drives; ///< from the last report of the drives
     std::vector<WatchedDrives> m_Plugins;
 };
+
+/** While it lives, nobody waits for a drive any more as soon as the program is asked to end. */
+class ShortEnd
+{
+public:
+    ShortEnd(TLX::Threading::CEvent& askedToEnd, std::shared_ptr<ParallelDrives> drives)
+    {
+        if (m_Over.Init(false, true) != TLX::Threading::WaitResult::Taken)
+            throw Failure(ExitCode::RequestFailed, "The system has no event left for the program.");
+        m_Thread.emplace([this, &askedToEnd, drives = std::move(drives)] {
+            constexpr std::uint32_t asked = 1;
+            if (TLX::Threading::CWaiter{&askedToEnd, &m_Over}.Wait() == asked)
+                drives->stopWaiting();
+        });
+    }
+
+    ~ShortEnd()
+    {
+        m_Over.Set();
+        (void)m_Thread->Wait();
+    }
+    ShortEnd(const ShortEnd&) = delete;
+    ShortEnd& operator=(const ShortEnd&) = delete;
+
+private:
+    TLX::Threading::CEvent m_Over;
+    std::optional<TLX::Threading::CThread> m_Thread;
+};
+
+std::uint64_t endOf(const Options& options)
+{
+    return options.m_Seconds
+               ? TLX::Misc::monotonic() + std::uint64_t{*options.m_Seconds} * MILLISECONDS_A_SECOND
+               : NEVER;
+}
+
+/** Begins to watch as soon as a drive answers. Throws `Failure` when none has until `--for` is over. */
+std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& session)
+{
+    // Nobody announces that a drive answers again.
+    constexpr std::uint64_t patience = 10'000;
+    TLX::Threading::CEvent announced;
+    (void)announced.Init(false, false);
+    const TLXX::CDeviceNotification notification(announced);
+    for (std::optional<std::uint64_t> end;;) {
+        try {
+            auto begun = std::make_unique<Watch>(session);
+            return {std::move(begun), end ? *end : endOf(session.m_Options)};
+        } catch (const Failure& failure) {
+            if (failure.exitCode() != ExitCode::NoHardware)
+                throw;
+            if (!end) {
+                end = endOf(session.m_Options);
+                session.m_Terminal.tell(failure.what() + std::string(" Waiting for the first drive."));
+            }
+            if (TLX::Misc::monotonic() >= *end)
+                throw;
+        }
+        const std::uint64_t now = TLX::Misc::monotonic();
+        (void)TLX::Threading::CWaiter{&announced}.Wait(
+            TLX::Threading::CWaitInterval(std::min(*end - std::min(now, *end), patience)));
+    }
+}
 
 } // namespace
 
 ExitCode watch(const Session& session)
 {
     Platform::TerminationRequest termination;
-    Watch watch(session);
-    // Until here a signal ends the program at once, because the inventory may wait for a silent drive.
+    const auto [watch, end] = beginWatch(session);
+    // Until here a signal ends the program at once, because the inventory may wait for a drive that does not
+    // answer.
     termination.defer();
-    watch.run(termination.asked());
+    const ShortEnd shortEnd(termination.asked(), session.drives());
+    watch->run(termination.asked(), end);
     return ExitCode::Done;
 }
 
