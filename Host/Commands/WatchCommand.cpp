@@ -112,11 +112,12 @@ public:
 private:
     void end(WatchedDrives& plugin)
     {
-        // What the last poll found is pending now.
-        if (plugin.m_Monitor.stop())
-            report(plugin);
-        else
+        const Ending ending = plugin.m_Monitor.stop();
+        if (ending != Ending::ByItself)
             m_Terminal.tell("The plug-in did not end in time; a drive may not answer any more.");
+        // What the last poll found is pending now.
+        if (ending != Ending::NotYet)
+            report(plugin);
     }
 
     void watchUntil(TLX::Threading::CEvent& askedToEnd)
@@ -179,10 +180,10 @@ private:
     }
 
     /** What the plug-in's objects tell that was not known before. */
-    static std::vector<Journal::Entry> news(WatchedDrives& plugin)
+    std::vector<Journal::Entry> news(WatchedDrives& plugin) const
     {
-        Journal::Outcome outcome =
-            Journal::advance(plugin.m_State, observe(plugin.m_Monitor.objects(), TLX::Misc::now()));
+        Journal::Outcome outcome = Journal::advance(
+            plugin.m_State, observe(m_Watched.objectsOf(plugin.m_Monitor), TLX::Misc::now()));
         plugin.m_State = std::move(outcome.m_State);
         return std::move(outcome.m_Entries);
     }

@@ -50,8 +50,8 @@ public:
     /** What there is now; `objects()` stays as it was. */
     ObjectStore look() const { return ObjectStore(m_Plugin.topology()); }
 
-    /** False when the plug-in did not end in time. */
-    bool mayBeAsked() const { return m_MayBeAsked; }
+    /** How the watching has ended; `ByItself` while it lasts. */
+    Ending ending() const { return m_Ending; }
 
     /** What there was at the last look. */
     const ObjectStore& objects() const { return m_Objects; }
@@ -60,10 +60,10 @@ public:
     const PI::CObject& pluginObject() const;
 
     /**
-     * Ends the watching. What is pending can still be collected, unless this returns false: then the plug-in
-     * did not end in time, and must not be asked anything any more.
+     * Ends the watching. What is pending can still be collected, unless it has not ended: then the plug-in
+     * must not be asked anything any more.
      */
-    bool stop();
+    Ending stop();
 
 private:
     void nameNewcomers();
@@ -77,7 +77,7 @@ private:
     ObjectStore m_Objects;
     std::string m_Complaint; ///< the last one, while it lasts
     bool m_Running = false;
-    bool m_MayBeAsked = true;
+    Ending m_Ending = Ending::ByItself;
 };
 
 } // namespace Host

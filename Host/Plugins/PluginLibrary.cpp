@@ -147,14 +147,17 @@ void PluginLibrary::setAdapterIds(std::vector<PI::CAdapterID> identities)
     m_Running = true;
 }
 
-bool PluginLibrary::deInitialize()
+Ending PluginLibrary::deInitialize()
 {
+    const std::uint64_t cancelled = TLX::Threading::countCancelledThreads();
     PI::CRequestData data;
     request(PI::REQUEST_DEINITIALIZE, 0, data);
     // The answer does not tell. A plug-in ends a thread by force that does not end by itself, and that need
     // not succeed, or not at once.
     m_Running = TLX::Threading::cancelledThreadRuns();
-    return !m_Running;
+    if (m_Running)
+        return Ending::NotYet;
+    return TLX::Threading::countCancelledThreads() == cancelled ? Ending::ByItself : Ending::ByForce;
 }
 
 std::vector<PI::CObject> PluginLibrary::topology()

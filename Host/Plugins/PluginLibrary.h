@@ -17,6 +17,14 @@ namespace Host {
 /** What people call a request, such as "Initialize". */
 std::string_view requestName(std::int32_t request);
 
+/** How the work of a plug-in has ended. */
+enum class Ending : std::uint8_t
+{
+    ByItself,
+    ByForce, ///< a thread of it was ended by force, mostly because a drive does not answer
+    NotYet,  ///< that thread still runs, and the plug-in must not be asked anything any more
+};
+
 /**
  * A loaded plug-in and its one object, released and unloaded on destruction. Each request throws `Failure`
  * when the plug-in refuses it.
@@ -45,11 +53,8 @@ public:
     /** Request 2. From now on the plug-in works by itself, until `deInitialize`. */
     void setAdapterIds(std::vector<PI::CAdapterID> identities);
 
-    /**
-     * Request 3. Returns false when a thread that had to be ended by force still runs: then nothing
-     * more may be asked, and the library stays loaded and its object alive until the process ends.
-     */
-    bool deInitialize();
+    /** Request 3. When the work has not ended, the library stays loaded and its object alive for good. */
+    Ending deInitialize();
 
     /** Request 4. */
     std::vector<PI::CObject> topology();
