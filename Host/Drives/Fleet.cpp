@@ -245,11 +245,26 @@ TLXX::VendorLogPage readVendorLog(const JsonReader& logs, const std::string& key
     return page;
 }
 
+/** How the drive answers, whatever it has to tell. */
+void readBehaviour(const JsonReader& reader, SimulatedController& controller)
+{
+    constexpr std::uint64_t longestDelay = 3600000;
+    static const std::vector<std::string> commands = {"identifyController", "identifyNamespace", "healthLog",
+                                                      "vendorLog"};
+    static constexpr std::array queries = {TLXX::EQuery::IdentifyController, TLXX::EQuery::IdentifyNamespace,
+                                           TLXX::EQuery::SmartHealthLog, TLXX::EQuery::VendorLog};
+    controller.m_Delay =
+        std::chrono::milliseconds(reader.number("delayMilliseconds", longestDelay).value_or(0));
+    controller.m_Hangs = reader.flag("hangs").value_or(false);
+    for (const std::size_t place : reader.choices("fails", commands).value_or(std::vector<std::size_t>()))
+        controller.m_Fails.insert(queries.at(place));
+}
+
 SimulatedController readController(const JsonReader& reader, std::size_t index)
 {
     constexpr std::size_t longestText = 255;
-    reader.allowOnly(
-        {"device", "driver", "driverVersion", "location", "identify", "namespace", "health", "vendorLogs"});
+    reader.allowOnly({"device", "driver", "driverVersion", "location", "identify", "namespace", "health",
+                      "vendorLogs", "delayMilliseconds", "hangs", "fails"});
     SimulatedController controller;
     controller.m_DeviceName =
         reader.text("device", longestText).value_or("/dev/nvme" + std::to_string(index) + "n1");
@@ -271,6 +286,7 @@ SimulatedController readController(const JsonReader& reader, std::size_t index)
                 logs.fail(key.c_str(), "is there in another spelling, too");
         }
     }
+    readBehaviour(reader, controller);
     return controller;
 }
 

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <TLXX/NvmeQuery.h>
 #include <TLXX/NvmeStructures.h>
 #include <TLXX/PciLocation.h>
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +26,9 @@ struct SimulatedController
     std::optional<TLXX::NVME_IDENTIFY_NAMESPACE> m_Namespace;
     std::optional<TLXX::NVME_SMART_HEALTH_INFORMATION_LOG> m_Health;
     std::map<std::uint8_t, TLXX::VendorLogPage> m_VendorLogs;
+    std::chrono::milliseconds m_Delay{0}; ///< before each answer
+    bool m_Hangs = false;                 ///< no command comes back
+    std::set<TLXX::EQuery> m_Fails;       ///< the drive refuses these commands
 };
 
 /**

@@ -7,7 +7,7 @@
 namespace Host::Cli {
 namespace {
 
-/** Looks a property up on the adapter first, then on its drive. */
+/** Looks for a property at the adapter first, then at its drive. */
 class Pair
 {
 public:
@@ -48,7 +48,7 @@ public:
         return value != nullptr ? std::optional(Amount{*value, property->Units()}) : std::nullopt;
     }
 
-    /** The adapter has it for the model families it knows, the drive for all others. */
+    /** The adapter has it for known model families, the drive has it for all others. */
     std::optional<float> temperature() const
     {
         const std::optional<float> adapters = value<float>(PI::PROP_TEMPERATURE);
@@ -60,7 +60,7 @@ private:
     const PI::CObject* m_Drive;
 };
 
-/** What only a health log tells is not known without one. */
+/** These values come from the health log. Without one they are not known. */
 void dropWhatNobodyRead(const ObjectStore& store, const PI::CObject& adapter, Drive& drive)
 {
     drive.m_HealthLogRead = healthLogRead(store, adapter);

@@ -57,7 +57,7 @@ constexpr Explanation EXPLANATIONS[] = {
     {PI::SPARE_EXHAUSTED, "The drive has no spare blocks left to replace worn ones.", REPLACE},
 };
 
-// A health status, for where no reason tells more.
+// A health status, if no reason tells more.
 constexpr Explanation HEALTH[] = {
     {PI::HEALTH_DEGRADED, "The drive works, but something about it is worse than in a new one.",
      "Look at the other states of the drive, and plan to replace it."},
@@ -66,7 +66,7 @@ constexpr Explanation HEALTH[] = {
      "Look at the other states of the drive."},
 };
 
-/** The texts for states that were not measured, by property. The last row is for a medium's health. */
+/** The texts for states that were not measured, by property. The last row is for the health of a medium. */
 struct Constant
 {
     std::uint32_t m_Property;
@@ -118,7 +118,7 @@ ExplainedCode explain(const PI::CProperty& property, const Explanation& explanat
 void addUnmeasured(const PI::CProperty& property, Basis basis, std::vector<ExplainedCode>& explained)
 {
     const std::vector<std::uint32_t> codes = codesOf(property);
-    // Numbers that nobody measured are told of above the rows.
+    // For numbers that were not measured there is a sentence above the rows.
     if (codes.empty())
         return;
     const bool isUnread = basis == Basis::NotRead;
@@ -150,7 +150,7 @@ std::vector<ExplainedCode> explainedCodes(const ObjectStore& store, const PI::CO
         }
         for (const std::uint32_t code : codesOf(property)) {
             const Explanation* explanation = find(EXPLANATIONS, code);
-            // Nobody should read that nothing needs to be done for a drive that is failing.
+            // Without this, a failing drive would be shown with the text that nothing needs to be done.
             const bool hidden =
                 trouble != nullptr && explanation != nullptr && explanation->m_Advice == NOTHING;
             if (explanation != nullptr && !hidden)

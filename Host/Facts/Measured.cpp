@@ -12,19 +12,19 @@
 namespace Host::Cli {
 namespace {
 
-// Only of the plug-in that comes with the program it is known which of its rows are constants. The upper bits
-// of an identifier are the number of its module.
+// It is only known for the plug-in of this program which of its rows are constants. The upper bits of an
+// object's identifier are the module number of its plug-in.
 constexpr std::uint64_t MODULE = 313;
 constexpr unsigned MODULE_SHIFT = 48;
 
-// The one maker whose drives are asked for their wear.
+// The plug-in reads the wear only from drives of this maker.
 constexpr char MAKER_WITH_WEAR[] = "INTEL";
 
-/** Rows that the plug-in always has, and fills from the health log. */
+/** Rows that the plug-in always shows and fills from the health log. */
 constexpr std::array FROM_HEALTH_LOG = {PI::PROP_AVAILABLE_SPARE, PI::PROP_SPARE_THRESHOLD,
                                         PI::PROP_MEDIA_ERRORS};
 
-/** Rows from the health log that only a drive has whose log was read. */
+/** Rows that the plug-in shows only when the drive's health log was read. */
 constexpr std::array SIGNS_OF_HEALTH_LOG = {PI::PROP_TEMPERATURE, PI::PROP_DRIVE_TEMPERATURE,
                                             PI::PROP_POWER_ON_HOURS, PI::PROP_DATA_READ,
                                             PI::PROP_DATA_WRITTEN};
@@ -63,7 +63,7 @@ bool isCode(const PI::CProperty& property, std::uint32_t expected)
     return code != nullptr && code->m_Code == expected;
 }
 
-/** A bad health of a drive whose log was not read comes from another log, and is true. */
+/** When the health log was not read, a bad health comes from another log, and is true. */
 bool comesFromHealthLog(const PI::CProperty& property)
 {
     return std::find(FROM_HEALTH_LOG.begin(), FROM_HEALTH_LOG.end(), property.Id()) !=

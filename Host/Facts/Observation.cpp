@@ -14,13 +14,13 @@
 namespace Host::Cli {
 namespace {
 
-// The plug-in shows no warning byte. It shows each of these bits as a reason of the drive's health.
+// The plug-in does not show the warning byte. It shows each of its bits as a reason of the drive's health.
 constexpr std::pair<std::uint32_t, CriticalWarning> REASONS[] = {
     {40460, WARNING_SPARE},     {40459, WARNING_TEMPERATURE},   {40487, WARNING_RELIABILITY},
     {40452, WARNING_READ_ONLY}, {40449, WARNING_MEMORY_BACKUP},
 };
 
-/** None when the health log was not read: a warning that nobody heard of has not cleared. */
+/** Nothing when the health log was not read. A warning that could not be read has not ended. */
 std::optional<std::uint8_t> warningsOf(const Drive& drive)
 {
     const bool unread = drive.m_HealthLogRead == false && drive.m_Reasons.empty();
@@ -44,26 +44,28 @@ std::optional<bool> belowNew(const ObjectStore& objects, const PI::CObject* adap
                : std::nullopt;
 }
 
-/** Without a rating the plug-in's figure is no percentage of anything. */
+/** Without a rating, the plug-in's figure does not mean a percentage. */
 std::optional<std::int32_t> wearOf(const Drive& drive)
 {
     return PI::findLifeTimeData(PI::GetLifeTimeDataNVMe(), drive.m_Model) != nullptr ? drive.m_Wear
                                                                                      : std::nullopt;
 }
 
-/** A drive that has used its last spare block up has a threshold; one without either reports neither. */
+/**
+ * A drive without spare blocks left still reports a threshold. When both are 0, the drive reports neither.
+ */
 std::optional<std::int32_t> spareOf(const Drive& drive)
 {
     return drive.m_Spare == 0 && drive.m_SpareThreshold == 0 ? std::nullopt : drive.m_Spare;
 }
 
-/** No drive has nothing: then its namespace was not read. */
+/** Every drive has blocks. A count of 0 means that the namespace was not read. */
 std::optional<std::uint64_t> unlessNone(const std::optional<std::uint64_t>& amount)
 {
     return amount && *amount > 0 ? amount : std::nullopt;
 }
 
-/** The drive's own word; that of the plug-in where the program cannot read it. */
+/** The value from the drive itself, or the plug-in's value when the program cannot read the drive. */
 std::optional<float> temperatureOf(const Drive& drive)
 {
     const std::optional<std::int32_t> own = compositeTemperature(drive);
@@ -77,7 +79,7 @@ ObservedDrive observed(const Drive& drive, std::optional<bool> belowNew, std::st
     result.m_Key = std::move(key);
     result.m_Firmware = drive.m_Firmware;
     result.m_CapacityMiB = unlessNone(drive.m_CapacityMiB);
-    // The plug-in gives a namespace that was not read a block size, too.
+    // The plug-in shows a block size even for a namespace that was not read.
     result.m_BlockSize = result.m_CapacityMiB ? unlessNone(drive.m_BlockSize) : std::nullopt;
     result.m_Warnings = warningsOf(drive);
     result.m_BelowNew = belowNew;

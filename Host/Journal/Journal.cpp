@@ -16,7 +16,7 @@ const Value* find(const DriveState& state, Kind kind)
     return found == state.m_Known.end() ? nullptr : std::get_if<Value>(&found->second.m_Value);
 }
 
-/** Compares one drive with what is known of it, and brings that up to date. */
+/** Compares one drive with its last known state, and updates that state. */
 class Comparison
 {
 public:
@@ -56,7 +56,7 @@ private:
         remember(rule.m_Kind, *holds);
     }
 
-    /** The plug-in tells of the end of the last warning alone. */
+    /** The plug-in only reports the end of the last warning. */
     std::optional<std::uint32_t> eventOfEnd() const
     {
         return warnsOfNothing(m_Drive) ? std::optional(EVENT_WARNINGS_CLEARED) : std::nullopt;
@@ -89,7 +89,7 @@ private:
         const std::uint64_t passed = std::max(rule.passed(*figure), before != nullptr ? *before : 0);
         if (passed > (before != nullptr ? *before : 0) && !holds(rule.m_Unless)) {
             const Severity severity = rule.m_Steps[passed - 1].m_Severity;
-            // A drive that has aged a little before it was seen is not worth a word.
+            // It is no news that a drive was used a little before it was first seen.
             if (before != nullptr || severity != Severity::Information)
                 tell(rule.m_Kind, before == nullptr ? Phase::Present : Phase::Change, severity, std::nullopt,
                      rule.m_Text(*figure));

@@ -7,7 +7,7 @@ namespace {
 
 using Cli::ObservedDrive;
 
-// A drive at its limit swings around it.
+// The temperature of a drive near its limit goes up and down around it.
 constexpr float HYSTERESIS = 3; // degrees
 
 constexpr std::uint32_t EVENT_DRIVE_CHANGED = 10985;
@@ -26,14 +26,14 @@ std::optional<bool> warns(const ObservedDrive& drive, bool /*before*/)
     return drive.m_Warnings ? std::optional((*drive.m_Warnings & Warning) != 0) : std::nullopt;
 }
 
-/** The drive may warn of it before, at, or after the limit that it names. */
+/** A drive may set its warning before, at, or after the limit that it reports. */
 std::optional<bool> isTooHot(const ObservedDrive& drive, bool before)
 {
     const std::optional<bool> warned = warns<Cli::WARNING_TEMPERATURE>(drive, before);
     const std::optional<bool> over = isOver(drive.m_Temperature, drive.m_TemperatureLimit, before);
     if (warned.value_or(false) || over.value_or(false))
         return true;
-    // A figure that is missing may be the one that holds.
+    // One of the two may be unknown, and that one may be over its limit. Then the result is unknown.
     const bool allKnown = warned && (over || !drive.m_TemperatureLimit);
     return allKnown ? std::optional(false) : std::nullopt;
 }

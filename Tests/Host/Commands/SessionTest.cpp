@@ -22,7 +22,7 @@ using namespace Host::Cli;
 class CountingBackend : public TestSupport::CSilentBackend
 {
 public:
-    std::vector<TLXX::CDeviceEntry> Enumerate() override
+    std::vector<TLXX::CControllerState> ControllerStates() override
     {
         ++m_Looks;
         return {};

@@ -43,13 +43,13 @@ protected:
 
     std::vector<std::string> arguments(std::vector<std::string> words = {}) const
     {
-        // Who traces sees the plug-in's own line, which says that it has looked.
+        // A trace contains the plug-in's own line, which says that it has looked.
         words.insert(words.begin(), {"watch", "--data", m_Data.Path(), "--simulate",
                                      m_Fleet.Path() / "fleet.json", "--trace", "1"});
         return words;
     }
 
-    /** The next line in short: an event's number, or kind and phase, and the drive's serial number. */
+    /** The next line in short form: an event's number, or kind and phase, and the drive's serial number. */
     static std::string next(RunningProgram& program)
     {
         const json line = json::parse(program.awaitResult("\n"));

@@ -87,7 +87,7 @@ TEST_F(DrivesTest, TheHealthOfADriveWithoutAHealthLogIsUnknown)
                                    PI::PROP_ENDURANCE_USED, PI::PROP_POWER_ON_HOURS})
         m_Objects.remove(id);
     m_Objects.remove(PI::PROP_STATUS_REASONS);
-    // The trouble that the drive had stays true, because another log reported it.
+    // The bad health remains, because another log reported it.
     EXPECT_EQ(joined(m_Objects).m_Health->m_Text, "Critical");
     m_Objects.remove(PI::PROP_HEALTH_STATUS);
     m_Objects.m_Adapter.m_Properties.push_back(
