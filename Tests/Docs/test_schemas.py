@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """
-What the program prints with --json fits the schemas in Docs/Schemas, and the schemas are strict enough to notice
-when it would not.
+The JSON documents of the program fit the schemas in Docs/Schemas. The schemas are strict enough to find documents
+that do not fit.
 
 usage: test_schemas.py PROGRAM SHARE REFUSING_PLUGIN [unittest arguments]
 """
