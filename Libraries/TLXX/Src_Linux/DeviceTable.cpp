@@ -17,11 +17,6 @@ CDiskOwner ownerOf(const CController& controller)
 
 } // namespace
 
-std::string CDiskOwner::Instance() const
-{
-    return controllerNode(m_Instance) + ' ' + std::to_string(m_Node) + ' ' + std::to_string(m_NamespaceId);
-}
-
 std::filesystem::path CDeviceTable::Root() const
 {
     const std::scoped_lock guard(m_Lock);
@@ -144,11 +139,6 @@ CDeviceTable& deviceTable()
     // Never destroyed, because a query may still run when the process exits.
     static auto* const instance = new CDeviceTable;
     return *instance;
-}
-
-std::string controllerNode(std::uint32_t instance)
-{
-    return "/dev/nvme" + std::to_string(instance);
 }
 
 std::filesystem::path sysfsRoot()

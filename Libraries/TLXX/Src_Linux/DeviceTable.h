@@ -3,6 +3,7 @@
 #include "NvmeNames.h"
 
 #include <TLXX/DeviceBackend.h>
+#include <TLXX/Linux/DiskOwner.h>
 #include <TLXX/PciLocation.h>
 
 #include <cstdint>
@@ -14,17 +15,6 @@
 #include <vector>
 
 namespace TLXX::Linux {
-
-/** The controller that takes the commands for a disk, and the namespace that they name. */
-struct CDiskOwner
-{
-    std::uint32_t m_Instance = 0;
-    std::uint64_t m_Node = 0; ///< the controller's node in sysfs; no later controller has the same number
-    std::uint32_t m_NamespaceId = 0;
-
-    /** Distinguishes this disk from all that were or will be at its path. */
-    std::string Instance() const;
-};
 
 /** The result of the last enumeration, kept so that queries need not walk sysfs. Safe from any thread. */
 class CDeviceTable
@@ -69,8 +59,5 @@ private:
 
 /** The table of this process. */
 CDeviceTable& deviceTable();
-
-/** The node that takes the admin commands of a controller. */
-std::string controllerNode(std::uint32_t instance);
 
 } // namespace TLXX::Linux
