@@ -8,7 +8,7 @@ namespace TLXX::Linux {
 namespace {
 
 constexpr std::uint32_t ALIGNMENT = 4;
-constexpr std::uint32_t BROADCAST_NAMESPACE = 0xFFFFFFFF;
+constexpr std::uint32_t ALL_NAMESPACES = 0xFFFFFFFF;
 constexpr std::uint32_t LOG_PAGES = READER_COMMANDS & ~(ReaderCommand::firstLogPage - 1);
 
 template<typename Record>
@@ -38,7 +38,7 @@ bool hasValidPart(const CReaderRequest& request)
 
 bool hasValidNamespace(const CReaderRequest& request)
 {
-    const bool isNamed = request.m_NamespaceId != 0 && request.m_NamespaceId != BROADCAST_NAMESPACE;
+    const bool isNamed = request.m_NamespaceId != 0 && request.m_NamespaceId != ALL_NAMESPACES;
     return (request.m_Commands & ReaderCommand::identifyNamespace) != 0 ? isNamed
                                                                         : request.m_NamespaceId == 0;
 }
