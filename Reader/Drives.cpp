@@ -1,9 +1,9 @@
 #include "Drives.h"
 
 #include <TLX/Clock.h>
+#include <TLXX/NvmeQuery.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <mutex>
 #include <new>
 
@@ -18,8 +18,8 @@ constexpr std::size_t MOST_TOGETHER = 16;
 constexpr std::size_t MOST_REMEMBERED = 1024;
 /** Different commands that wait for one controller. Further ones fail. */
 constexpr std::size_t MOST_WAITING = 1024;
-/** A status from here on is what the drive said; a smaller one is an error of the system. */
-constexpr std::uint32_t FIRST_OF_DRIVE = 0x10000;
+/** In a status that the drive itself gave. Others are errors of the system, which may be over soon. */
+constexpr std::uint32_t STATUS_FROM_DRIVE = 0x10000;
 
 } // namespace
 
@@ -56,13 +56,13 @@ namespace {
 Answer answerOf(IDrive* drive, const Command& command)
 {
     if (drive == nullptr)
-        return {ENOMEM, nullptr};
+        return {TLXX::STATUS_NO_RESOURCES, nullptr};
     try {
         auto block = std::make_shared<std::vector<std::uint8_t>>(command.m_Length);
         const std::uint32_t status = drive->ask(command, *block);
         return {status, status == 0 ? std::move(block) : nullptr};
     } catch (const std::bad_alloc&) {
-        return {ENOMEM, nullptr};
+        return {TLXX::STATUS_NO_RESOURCES, nullptr};
     }
 }
 
@@ -136,7 +136,7 @@ void Drives::ask(const Command& command, const Asker& asker)
         return;
     }
     if (queue.m_Waiting.size() >= MOST_WAITING) {
-        m_Ready.push_back({asker, command.m_Kind, {EBUSY, nullptr}});
+        m_Ready.push_back({asker, command.m_Kind, {TLXX::STATUS_NO_RESOURCES, nullptr}});
         return;
     }
     queue.m_Waiting.push_back(std::make_shared<Flight>(Flight{command, m_Doubts, {asker}}));
@@ -160,7 +160,7 @@ void Drives::deliver(const std::shared_ptr<Flight>& flight, const Answer& answer
 {
     for (const Asker& asker : flight->m_Askers)
         m_Ready.push_back({asker, flight->m_Command.m_Kind, answer});
-    const bool isOfDrive = answer.m_Status == 0 || answer.m_Status >= FIRST_OF_DRIVE;
+    const bool isOfDrive = answer.m_Status == 0 || (answer.m_Status & STATUS_FROM_DRIVE) != 0;
     if (flight->m_Doubts == m_Doubts && isOfDrive)
         remember(flight->m_Command, answer);
     const Controller controller = flight->m_Command.m_Controller;

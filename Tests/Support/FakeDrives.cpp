@@ -111,7 +111,7 @@ CFakeDrive& CFakeDrive::MarketingLog(std::string_view text)
 class CFakeDrives::CBackend : public TLXX::IDeviceBackend
 {
 public:
-    std::vector<TLXX::CDeviceEntry> Enumerate() override
+    std::vector<TLXX::CDeviceEntry> Enumerate(const TLXX::DeviceWalk&) override
     {
         CallTest("enumerate");
         const std::scoped_lock guard(m_Lock);

@@ -29,7 +29,7 @@ protected:
                 drive.m_VendorLogs[log][511] = static_cast<std::uint8_t>(log + number);
             m_Drives.Add(drive);
         }
-        (void)TLXX::enumerateBackend();
+        (void)TLXX::enumerateBackend({});
         for (const std::string& path : {FIRST, SECOND}) {
             EXPECT_EQ(Identify(path), 0U);
             (void)Blocks(path);
@@ -163,7 +163,7 @@ TEST_F(PageMemoryTest, ForgetsADriveThatAnEnumerationNoLongerFinds)
 {
     const CFakeDrive first = m_Drives.At(0);
     m_Drives.Remove(FIRST);
-    (void)TLXX::enumerateBackend();
+    (void)TLXX::enumerateBackend({});
     m_Drives.Add(first);
     Silence(0);
     Silence(1);
@@ -230,7 +230,7 @@ TEST_F(PageMemoryTest, MayBeUsedByManyThreads)
                 (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(SECOND, log);
                 EXPECT_EQ(log.AvailableSpare, 11);
                 (void)Identify(SECOND);
-                (void)TLXX::enumerateBackend();
+                (void)TLXX::enumerateBackend({});
                 EXPECT_TRUE(TLXX::lastHealthLog(SECOND));
             }
         });

@@ -1,17 +1,13 @@
 #include "AdminCommand.h"
+#include "DeviceTable.h"
 #include "NvmeStatus.h"
 
 #include <TLXX/Linux/ControllerNode.h>
 #include <TLXX/Linux/DiskOwner.h>
-#include <TLXX/Linux/Sysfs.h>
+#include <TLXX/NvmeQuery.h>
 #include <TLXX/NvmeStructures.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <string>
-
-#include <sys/stat.h>
-
 namespace TLXX::Linux {
 namespace {
 
@@ -29,33 +25,29 @@ ELength lengthOf(std::uint8_t logIdentifier, std::uint32_t offset, std::size_t s
 struct CControllerNode::Native
 {
     Native(std::uint32_t number, std::uint64_t node)
-        : m_Entry(sysfsRoot().native() + "/class/nvme/nvme" + std::to_string(number)),
-          m_Number(node),
+        : m_Number(number),
+          m_SysfsNode(node),
           m_Node(IsThere() ? CFileDescriptor(controllerNode(number).c_str())
-                           : CFileDescriptor::Failed(ENODEV))
+                           : CFileDescriptor::Failed(static_cast<int>(STATUS_NO_DEVICE)))
     {}
 
-    bool IsThere() const
-    {
-        struct stat status = {};
-        return ::lstat(m_Entry.c_str(), &status) == 0 && status.st_ino == m_Number;
-    }
+    bool IsThere() const { return controllerExists(m_Number, m_SysfsNode); }
 
     /** The result of `command`, if the controller is the one that is meant before and after it. */
     template<typename Command>
     std::uint32_t Checked(Command command, std::span<std::uint8_t> block) const
     {
         if (m_Node.Status() == STATUS_SUCCESS && !IsThere())
-            return ENODEV;
+            return STATUS_NO_DEVICE;
         const std::uint32_t status = command(m_Node);
         if (status != STATUS_SUCCESS || IsThere())
             return status;
         std::fill(block.begin(), block.end(), std::uint8_t{0});
-        return ENODEV;
+        return STATUS_NO_DEVICE;
     }
 
-    const std::string m_Entry;
-    const std::uint64_t m_Number;
+    const std::uint32_t m_Number;
+    const std::uint64_t m_SysfsNode;
     // An open node belongs to one controller for good, whatever happens to the name.
     const CFileDescriptor m_Node;
 };

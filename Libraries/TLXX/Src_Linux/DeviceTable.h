@@ -60,4 +60,7 @@ private:
 /** The table of this process. */
 CDeviceTable& deviceTable();
 
+/** Whether sysfs still has the controller of this number with this node. */
+bool controllerExists(std::uint32_t instance, std::uint64_t node);
+
 } // namespace TLXX::Linux

@@ -2,6 +2,7 @@
 #include "SysfsTree.h"
 
 #include <TLXX/Linux/ControllerNode.h>
+#include <TLXX/NvmeQuery.h>
 
 #include <gtest/gtest.h>
 
@@ -103,11 +104,11 @@ TEST_F(ControllerNodeTest, OpensNoControllerThatIsNotMeant)
     const std::uint64_t former = SysfsNode();
     Exchange();
     const CControllerNode exchanged(NUMBER, former);
-    EXPECT_EQ(exchanged.Status(), static_cast<std::uint32_t>(ENODEV));
+    EXPECT_EQ(exchanged.Status(), TLXX::STATUS_NO_DEVICE);
     const CControllerNode absent(5, former);
-    EXPECT_EQ(absent.Status(), static_cast<std::uint32_t>(ENODEV));
+    EXPECT_EQ(absent.Status(), TLXX::STATUS_NO_DEVICE);
     Bytes block(4096);
-    EXPECT_EQ(exchanged.IdentifyController(block), static_cast<std::uint32_t>(ENODEV));
+    EXPECT_EQ(exchanged.IdentifyController(block), TLXX::STATUS_NO_DEVICE);
     EXPECT_EQ(m_Kernel.Openings(), 0);
 }
 
@@ -125,7 +126,7 @@ TEST_F(ControllerNodeTest, SendsNothingAfterAnExchange)
     const CControllerNode controller(NUMBER, SysfsNode());
     Exchange();
     Bytes block(512);
-    EXPECT_EQ(controller.LogPage(0x02, 0, block), static_cast<std::uint32_t>(ENODEV));
+    EXPECT_EQ(controller.LogPage(0x02, 0, block), TLXX::STATUS_NO_DEVICE);
 }
 
 TEST_F(ControllerNodeTest, GivesNoAnswerThatAnExchangeMayHaveTouched)
@@ -133,7 +134,7 @@ TEST_F(ControllerNodeTest, GivesNoAnswerThatAnExchangeMayHaveTouched)
     const CControllerNode controller(NUMBER, SysfsNode());
     m_Kernel.Expect({NODE, 0x06, 0, 0x01, 4096}, {Bytes(4096, 1), 0, 0, [this] { Exchange(); }});
     Bytes block(4096);
-    EXPECT_EQ(controller.IdentifyController(block), static_cast<std::uint32_t>(ENODEV));
+    EXPECT_EQ(controller.IdentifyController(block), TLXX::STATUS_NO_DEVICE);
     EXPECT_EQ(block, Bytes(4096));
 }
 

@@ -27,7 +27,7 @@ public:
     CControllerNode(const CControllerNode&) = delete;
     CControllerNode& operator=(const CControllerNode&) = delete;
 
-    /** 0, or the reason why every command fails. ENODEV: the controller has gone. */
+    /** 0, or the reason why every command fails. `STATUS_NO_DEVICE`: it has gone. */
     std::uint32_t Status() const;
 
     /** Identify, CNS 01h. The block has 4096 bytes. */
