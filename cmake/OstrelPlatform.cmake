@@ -24,7 +24,7 @@ else()
     # Programs that only the program starts.
     set(OSTREL_READER_FOLDER libexec/ostrel)
     set(OSTREL_BOOST_COMPONENTS COMPONENTS filesystem)
-    # The plug-in and the libraries find one another in their own folder; the program has another path to them.
+    # The plug-in and the libraries find each other in their own folder. The program needs another path to them.
     set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
     set(CMAKE_INSTALL_RPATH "$ORIGIN")
 endif()

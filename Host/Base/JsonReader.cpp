@@ -19,7 +19,8 @@ JsonReader::JsonReader(const nlohmann::json& object, std::string place)
 void JsonReader::fail(const char* key, const std::string& what) const
 {
     const std::string place = *key != '\0' ? m_Place + "/" + key : m_Place;
-    // Names are whatever the file holds, and line ends among them could pass for lines of this program.
+    // A file can have any bytes in a name. A line end could look like the beginning of a message of this
+    // program.
     throw std::runtime_error((place.empty() ? "the document" : printable(place)) + " " + what);
 }
 
@@ -82,13 +83,46 @@ std::optional<std::int64_t> JsonReader::signedNumber(const char* key, std::int64
     const nlohmann::json* value = find(key);
     if (value == nullptr)
         return std::nullopt;
-    // An unsigned number above the signed range would come out negative, but never within these bounds.
+    // An unsigned number above the signed range would become negative. It would never be within these bounds.
     const std::int64_t number = value->is_number_integer() ? value->get<std::int64_t>() : smallest - 1;
     const bool wrapped = value->is_number_unsigned() && number < 0;
     if (wrapped || number < smallest || number > largest)
         fail(key,
              "has to be a whole number from " + std::to_string(smallest) + " to " + std::to_string(largest));
     return number;
+}
+
+std::optional<bool> JsonReader::flag(const char* key) const
+{
+    const nlohmann::json* value = find(key);
+    if (value == nullptr)
+        return std::nullopt;
+    if (!value->is_boolean())
+        fail(key, "has to be true or false");
+    return value->get<bool>();
+}
+
+std::optional<std::vector<std::size_t>> JsonReader::choices(const char* key,
+                                                            const std::vector<std::string>& names) const
+{
+    const nlohmann::json* value = find(key);
+    if (value == nullptr)
+        return std::nullopt;
+    std::vector<std::size_t> places;
+    bool good = value->is_array();
+    for (std::size_t i = 0; good && i < value->size(); ++i) {
+        const auto name = std::find(names.begin(), names.end(), value->at(i));
+        const auto place = static_cast<std::size_t>(name - names.begin());
+        good = name != names.end() && std::find(places.begin(), places.end(), place) == places.end();
+        places.push_back(place);
+    }
+    if (!good) {
+        std::string known;
+        for (const std::string& name : names)
+            known += (known.empty() ? "" : ", ") + name;
+        fail(key, "has to be a list, in brackets, with each of these at most once: " + known);
+    }
+    return places;
 }
 
 std::optional<std::string> JsonReader::text(const char* key, std::size_t longest) const

@@ -14,7 +14,7 @@
 namespace Host::Cli {
 namespace {
 
-constexpr char POINTER[] = " \"ostrel --help\" tells what there is.";
+constexpr char POINTER[] = " \"ostrel --help\" shows the usage.";
 
 std::optional<std::uint32_t> fitting(std::optional<std::uint64_t> number)
 {
@@ -46,7 +46,7 @@ std::string refuseBadSeconds(const std::string& text)
     return parseSeconds(text) ? std::string() : "\"" + text + "\" is not a number from 0 to 4294967295";
 }
 
-/** The parser and what it parses into. */
+/** The parser and the options that it fills. */
 class Parser
 {
 public:
@@ -76,7 +76,7 @@ public:
         } catch (const CLI::ParseError& error) {
             throw Failure(ExitCode::WrongUsage, printable(complaint(error)) + "." + suggestion() +
                                                     " \"ostrel " + commandInQuestion(error) +
-                                                    "--help\" tells what there is.");
+                                                    "--help\" shows the usage.");
         }
         if (m_Options.m_Command == Command::Set && m_Options.m_Fleet && !m_Options.m_Data)
             throw Failure(ExitCode::WrongUsage,
@@ -85,7 +85,7 @@ public:
         return std::move(m_Options);
     }
 
-    /** What it takes, for documents and shells. */
+    /** The description of the command line, for documents and shells. */
     Usage usage() const
     {
         Usage usage;
@@ -105,7 +105,7 @@ public:
         try {
             take(std::move(words));
         } catch (const std::exception&) {
-            // The command may have been recognised before.
+            // An error may come after the command was recognised.
         }
         const std::vector<CLI::App*> commands = m_App.get_subcommands();
         return commands.empty() ? "" : commands.front()->get_name();
@@ -132,7 +132,7 @@ private:
         return options;
     }
 
-    /** The library wants the words in reverse, without the program's. */
+    /** The library expects the words in reverse order, without the program's name. */
     void take(std::vector<std::string> words)
     {
         findOptionWithoutValue(words);
@@ -141,7 +141,9 @@ private:
         m_App.parse(words);
     }
 
-    /** The library would take the next word for an empty value, and not look at the words after a wrong one.
+    /**
+     * The library would take the next word in place of an empty value. After a wrong option it would not look
+     * at further words.
      */
     void refuseOddValues(const std::vector<std::string>& words) const
     {
@@ -159,7 +161,7 @@ private:
         }
     }
 
-    /** The option of this name, whosever it is; null when there is none. */
+    /** The option with this name, of the program or of a command. Null when there is none. */
     const CLI::Option* optionNamed(const std::string& name) const
     {
         const CLI::App* const command = commandWith(name);
@@ -167,7 +169,9 @@ private:
         return own != nullptr ? own : m_App.get_option_no_throw(name);
     }
 
-    /** The library does not say in data which option is without its value: the first that no value follows.
+    /**
+     * The library's error does not hold the option without a value as data. It is the first option that no
+     * value follows.
      */
     void findOptionWithoutValue(const std::vector<std::string>& words)
     {
@@ -209,10 +213,10 @@ private:
         addList(
             "--plugin",
             [this](const std::string& text) { m_Options.m_Plugins.push_back(pathFromUtf8(text)); },
-            "Plug-in to load beside the installed one")
+            "Load this plug-in in addition to the installed one")
             ->option_text("FILE")
             ->check(refuseNoPath);
-        addPath("--data", m_Options.m_Data, "Folder of database, adapter numbers and settings")
+        addPath("--data", m_Options.m_Data, "Folder for database, adapter numbers and settings")
             ->option_text("DIR");
         addPath("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
             ->option_text("FLEET.json");
@@ -222,7 +226,7 @@ private:
                 "Write trace lines of these levels (of module N)")
                 ->option_text("[N=]MASK")
                 ->check(refuseBadMask);
-        addPath("--trace-file", m_Options.m_Trace.m_File, "Where trace lines go instead of standard error")
+        addPath("--trace-file", m_Options.m_Trace.m_File, "File for trace lines instead of standard error")
             ->option_text("FILE")
             ->needs(trace);
         addJson(m_App);
@@ -230,7 +234,7 @@ private:
 
     void addJson(CLI::App& app)
     {
-        app.add_flag("--json", m_Options.m_Json, "Print one JSON document (watch: one object a line)")
+        app.add_flag("--json", m_Options.m_Json, "Print a JSON document (watch: one object per line)")
             ->disable_flag_override();
     }
 
@@ -240,7 +244,7 @@ private:
         app->fallthrough();
         app->footer(footer);
         app->group("Commands");
-        // The help of a command tells its own options alone, and nobody should have to look for this one.
+        // The help of a command lists only its own options, and this one must be among them.
         addJson(*app);
         app->parse_complete_callback([this, command] { m_Options.m_Command = command; });
         return app;
@@ -248,9 +252,9 @@ private:
 
     void addCommands()
     {
-        addCommand(Command::List, "list", "One line a drive", LIST_FOOTER);
-        addCommand(Command::Topology, "topology", "Every object with its properties", TOPOLOGY_FOOTER);
-        CLI::App* show = addCommand(Command::Show, "show", "The properties of one object", SHOW_FOOTER);
+        addCommand(Command::List, "list", "Show one line for each drive", LIST_FOOTER);
+        addCommand(Command::Topology, "topology", "Show every object with its properties", TOPOLOGY_FOOTER);
+        CLI::App* show = addCommand(Command::Show, "show", "Show the properties of one object", SHOW_FOOTER);
         show->add_option("OBJECT", m_Options.m_Object, "A drive or another object; see below")
             ->required()
             ->option_text(" ");
@@ -258,13 +262,14 @@ private:
             ->option_text(" ");
         addSetCommand();
         addWatchCommand();
-        addCommand(Command::Doctor, "doctor", "Check what can be seen here, and why not more", DOCTOR_FOOTER);
+        addCommand(Command::Doctor, "doctor", "Check what can be seen here, and say what is wrong",
+                   DOCTOR_FOOTER);
     }
 
     void addSetCommand()
     {
-        CLI::App* set = addCommand(Command::Set, "set", "Give a property another value", SET_FOOTER);
-        set->add_option("OBJECT", m_Options.m_Object, "As in \"show\"; today \"plugin\"")
+        CLI::App* set = addCommand(Command::Set, "set", "Set a property to another value", SET_FOOTER);
+        set->add_option("OBJECT", m_Options.m_Object, "As in \"show\"; at present only \"plugin\"")
             ->required()
             ->option_text(" ");
         set->add_option("PROPERTY", m_Options.m_Property, "Number or caption of the property")
@@ -276,16 +281,16 @@ private:
     void addWatchCommand()
     {
         CLI::App* watch =
-            addCommand(Command::Watch, "watch", "Each event of the drives as it comes", WATCH_FOOTER);
+            addCommand(Command::Watch, "watch", "Print each event of the drives when it comes", WATCH_FOOTER);
         watch
             ->add_option_function<std::string>(
                 "--for", [this](const std::string& text) { m_Options.m_Seconds = parseSeconds(text); },
-                "End after so many seconds")
+                "End after this number of seconds")
             ->option_text("SECONDS")
             ->check(refuseBadSeconds);
     }
 
-    /** The library would call for a command even where there is a word that is none. */
+    /** The library would report a missing command even if a word is there that is not a command. */
     std::string complaint(const CLI::ParseError& error) const
     {
         const std::vector<std::string> unknown = m_App.remaining(true);
@@ -299,21 +304,21 @@ private:
             return unknown.empty() ? "A command is missing" + swallowedCommand()
                                    : "There is no command \"" + unknown.front() + "\"";
         if (!unknown.empty())
-            return "\"" + unknown.front() + "\" is one argument too many";
+            return "\"" + unknown.front() + "\" is not expected here";
         return error.what();
     }
 
-    /** Which option has no value, or more than one. */
+    /** The option that has no value or more than one. */
     std::string mismatch() const
     {
         for (const CLI::App* app : appsInUse())
             for (const CLI::Option* option : app->get_options())
                 if (option->results().size() > static_cast<std::size_t>(option->get_items_expected_max()))
-                    return option->get_name() + " may be given once";
+                    return option->get_name() + " may be given only once";
         return m_WithoutValue + " needs a value";
     }
 
-    /** Where a command went when the value of an option was forgotten. */
+    /** Whether a command was taken for an option's value, because the value was forgotten. */
     std::string swallowedCommand() const
     {
         for (const CLI::Option* option : m_App.get_options())
@@ -324,7 +329,7 @@ private:
         return {};
     }
 
-    /** The command that has this option for itself; null when none has. */
+    /** The command that has this option of its own. Null when no command has it. */
     const CLI::App* commandWith(const std::string& word) const
     {
         const std::string option = word.substr(0, word.find('='));
@@ -334,7 +339,9 @@ private:
         return nullptr;
     }
 
-    /** The command whose own words are wrong, and a blank; empty when it is an option that may be anybody's.
+    /**
+     * The command whose arguments are wrong, and a blank. Empty when the wrong word is an option, because
+     * that may belong to any command.
      */
     std::string commandInQuestion(const CLI::ParseError& error) const
     {
@@ -348,7 +355,7 @@ private:
 
     static bool isOption(const std::string& word) { return word.starts_with('-'); }
 
-    /** What the first word that is not understood may have been meant to be. */
+    /** A question that suggests what the first unknown word may mean. */
     std::string suggestion() const
     {
         const std::vector<std::string> unknown = m_App.remaining(true);
@@ -394,7 +401,7 @@ std::optional<std::uint32_t> parseMask(std::string_view text)
 
 bool keepsRows(const Options& options)
 {
-    // "set" writes settings alone. Simulated drives do not belong among those of the machine.
+    // "set" only writes settings. Rows of simulated drives must not be mixed with those of the machine.
     return options.m_Command != Command::Set &&
            (options.m_Data || (options.m_Command == Command::Watch && !options.m_Fleet));
 }

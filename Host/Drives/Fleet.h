@@ -1,18 +1,23 @@
 #pragma once
 
+#include <TLXX/NvmeQuery.h>
 #include <TLXX/NvmeStructures.h>
 #include <TLXX/PciLocation.h>
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace Host {
 
-/** One simulated controller and its disk. A block that is not there is one that the drive does not answer. */
+/**
+ * One simulated controller and its disk. The drive does not answer queries for a block that is missing here.
+ */
 struct SimulatedController
 {
     std::string m_DeviceName;
@@ -23,11 +28,14 @@ struct SimulatedController
     std::optional<TLXX::NVME_IDENTIFY_NAMESPACE> m_Namespace;
     std::optional<TLXX::NVME_SMART_HEALTH_INFORMATION_LOG> m_Health;
     std::map<std::uint8_t, TLXX::VendorLogPage> m_VendorLogs;
+    std::chrono::milliseconds m_Delay{0}; ///< before each answer
+    bool m_Hangs = false;                 ///< no command is ever answered
+    std::set<TLXX::EQuery> m_Fails;       ///< the drive refuses these commands
 };
 
 /**
- * The controllers that the text of a fleet file describes, in its order. Throws `std::runtime_error`, naming
- * the place and what belongs there, for anything that it does not know, misses, or that lies out of range.
+ * The controllers in the text of a fleet file, in its order. Throws `std::runtime_error` for anything
+ * unknown, missing or out of range. The message names the place and what is expected there.
  */
 std::vector<SimulatedController> parseFleet(std::string_view text);
 

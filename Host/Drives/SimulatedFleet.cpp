@@ -11,16 +11,28 @@
 namespace Host {
 namespace {
 
-// Statuses as a system and a drive would give them: no such file; internal error; invalid log page.
+// Statuses that a system and a drive would return: no such file, internal error, invalid log page.
 constexpr std::uint32_t NO_SUCH_DISK = 2;
 constexpr std::uint32_t INTERNAL_ERROR = 0x10006;
 constexpr std::uint32_t INVALID_LOG_PAGE = 0x10109;
+
+/** The time after which a command that hangs looks again whether the file was edited. */
+constexpr std::chrono::milliseconds LOOK_INTERVAL{250};
 
 constexpr char REMEDY[] = " Correct the file; DemoFleet.json in the program's share folder is an example.";
 
 std::string nameOf(const std::filesystem::path& file)
 {
     return "The fleet file " + printable(file.string());
+}
+
+template<typename Block>
+std::uint32_t copyBlock(const std::optional<Block>& block, Block& target, std::uint32_t refusal)
+{
+    if (!block)
+        return refusal;
+    target = *block;
+    return 0;
 }
 
 } // namespace
@@ -34,10 +46,25 @@ SimulatedFleet::SimulatedFleet(std::filesystem::path file, Warn warn)
                                             ? " is no regular file."
                                             : " cannot be read, or is larger than 64 MiB."));
     try {
-        m_Controllers = parseFleet(*m_LastText);
+        take(parseFleet(*m_LastText));
     } catch (const std::runtime_error& error) {
         throw Failure(ExitCode::WrongUsage, nameOf(m_File) + " is wrong: " + error.what() + "." + REMEDY);
     }
+}
+
+void SimulatedFleet::take(std::vector<SimulatedController> controllers)
+{
+    std::vector<Controller> taken;
+    for (SimulatedController& each : controllers) {
+        const Controller* before = find(each.m_DeviceName);
+        // Names have no line ends, so different pairs give different texts.
+        std::string instance = each.m_Identify ? each.m_DeviceName + '\n' + each.m_Identify->sSerialNumber()
+                               : before        ? before->m_Instance
+                                               : each.m_DeviceName;
+        taken.push_back({std::move(each), std::move(instance)});
+    }
+    m_Controllers = std::move(taken);
+    m_Changed.notify_all();
 }
 
 void SimulatedFleet::lookAgain()
@@ -47,13 +74,15 @@ void SimulatedFleet::lookAgain()
         return;
     m_LastText = std::move(text);
     if (!m_LastText) {
-        m_Warn(nameOf(m_File) + " can no longer be read; the fleet stays as it was.");
+        m_Complaint = nameOf(m_File) + " can no longer be read; the fleet stays as it was.";
         return;
     }
     try {
-        m_Controllers = parseFleet(*m_LastText);
+        take(parseFleet(*m_LastText));
+        m_Complaint.clear();
     } catch (const std::runtime_error& error) {
-        m_Warn(nameOf(m_File) + " is wrong now, the fleet stays as it was: " + error.what() + "." + REMEDY);
+        m_Complaint =
+            nameOf(m_File) + " is wrong now, the fleet stays as it was: " + error.what() + "." + REMEDY;
     }
 }
 
@@ -61,6 +90,10 @@ std::vector<TLXX::CDeviceEntry> SimulatedFleet::Enumerate(const TLXX::DeviceWalk
 {
     const std::scoped_lock guard(m_Lock);
     lookAgain();
+    // Only an enumeration warns. A command that hangs also reads the file, but at a time when a warning may
+    // not be possible.
+    if (!m_Complaint.empty())
+        m_Warn(std::exchange(m_Complaint, {}));
     std::vector<TLXX::CDeviceEntry> entries;
     for (const SimulatedController& controller : m_Controllers)
         entries.push_back({controller.m_DeviceName, controller.m_Driver});
@@ -90,7 +123,7 @@ std::vector<TLXX::CControllerState> SimulatedFleet::ControllerStates()
     return states;
 }
 
-const SimulatedController* SimulatedFleet::find(const std::string& path) const
+const SimulatedFleet::Controller* SimulatedFleet::find(const std::string& path) const
 {
     const auto found =
         std::find_if(m_Controllers.begin(), m_Controllers.end(),
@@ -98,52 +131,83 @@ const SimulatedController* SimulatedFleet::find(const std::string& path) const
     return found == m_Controllers.end() ? nullptr : &*found;
 }
 
-template<typename Block>
-std::uint32_t SimulatedFleet::answer(const std::string& path,
-                                     std::optional<Block> SimulatedController::*source, Block& target,
-                                     std::uint32_t refusal) const
+/**
+ * Waits until the controller at `path` is ready to answer. Null when there is none, or when it goes away
+ * during the wait. The lock is released while this waits.
+ */
+const SimulatedFleet::Controller* SimulatedFleet::awaitTurn(std::unique_lock<std::mutex>& guard,
+                                                            const std::string& path)
 {
-    const std::scoped_lock guard(m_Lock);
-    const SimulatedController* controller = find(path);
+    using Clock = std::chrono::steady_clock;
+    const Controller* controller = find(path);
+    if (controller == nullptr || (controller->m_Delay == controller->m_Delay.zero() && !controller->m_Hangs))
+        return controller;
+    const std::string instance = controller->m_Instance;
+    const auto isGone = [&] {
+        controller = find(path);
+        return controller == nullptr || controller->m_Instance != instance;
+    };
+    m_Changed.wait_until(guard, Clock::now() + controller->m_Delay, isGone);
+    while (!isGone() && controller->m_Hangs) {
+        m_Changed.wait_for(guard, LOOK_INTERVAL);
+        if (Clock::now() >= m_NextLook) {
+            lookAgain();
+            m_NextLook = Clock::now() + LOOK_INTERVAL;
+        }
+    }
+    return isGone() ? nullptr : controller;
+}
+
+/** `fetch` gives the status of a drive that is ready to answer. */
+template<typename Fetch>
+std::uint32_t SimulatedFleet::answer(const std::string& path, TLXX::EQuery query, const Fetch& fetch)
+{
+    std::unique_lock guard(m_Lock);
+    const Controller* controller = awaitTurn(guard, path);
     if (controller == nullptr)
         return NO_SUCH_DISK;
-    const std::optional<Block>& block = controller->*source;
-    if (!block)
-        return refusal;
-    target = *block;
-    return 0;
+    return controller->m_Fails.contains(query) ? INTERNAL_ERROR : fetch(*controller);
 }
 
 std::uint32_t SimulatedFleet::IdentifyController(const std::string& path,
                                                  TLXX::NVME_IDENTIFY_CONTROLLER& controller)
 {
-    return answer(path, &SimulatedController::m_Identify, controller, INTERNAL_ERROR);
+    return answer(path, TLXX::EQuery::IdentifyController, [&](const SimulatedController& drive) {
+        return copyBlock(drive.m_Identify, controller, INTERNAL_ERROR);
+    });
 }
 
 std::uint32_t SimulatedFleet::IdentifyNamespace(const std::string& path,
                                                 TLXX::NVME_IDENTIFY_NAMESPACE& name_space)
 {
-    return answer(path, &SimulatedController::m_Namespace, name_space, INTERNAL_ERROR);
+    return answer(path, TLXX::EQuery::IdentifyNamespace, [&](const SimulatedController& drive) {
+        return copyBlock(drive.m_Namespace, name_space, INTERNAL_ERROR);
+    });
 }
 
 std::uint32_t SimulatedFleet::SmartHealthLog(const std::string& path,
                                              TLXX::NVME_SMART_HEALTH_INFORMATION_LOG& log)
 {
-    return answer(path, &SimulatedController::m_Health, log, INVALID_LOG_PAGE);
+    return answer(path, TLXX::EQuery::SmartHealthLog, [&](const SimulatedController& drive) {
+        return copyBlock(drive.m_Health, log, INVALID_LOG_PAGE);
+    });
 }
 
 std::uint32_t SimulatedFleet::VendorLogPage(const std::string& path, std::uint8_t logIdentifier,
                                             TLXX::VendorLogPage& page)
 {
+    return answer(path, TLXX::EQuery::VendorLog, [&](const SimulatedController& drive) {
+        const auto log = drive.m_VendorLogs.find(logIdentifier);
+        return copyBlock(log == drive.m_VendorLogs.end() ? std::nullopt : std::optional(log->second), page,
+                         INVALID_LOG_PAGE);
+    });
+}
+
+std::string SimulatedFleet::Instance(const std::string& path)
+{
     const std::scoped_lock guard(m_Lock);
-    const SimulatedController* controller = find(path);
-    if (controller == nullptr)
-        return NO_SUCH_DISK;
-    const auto log = controller->m_VendorLogs.find(logIdentifier);
-    if (log == controller->m_VendorLogs.end())
-        return INVALID_LOG_PAGE;
-    page = log->second;
-    return 0;
+    const Controller* controller = find(path);
+    return controller != nullptr ? controller->m_Instance : path;
 }
 
 std::optional<TLXX::CPciLocation> SimulatedFleet::Location(std::uint32_t number)

@@ -131,8 +131,16 @@ void ReaderClient::flush()
         else if (errno == EAGAIN || errno == ENOBUFS || errno == ENOMEM)
             return;
         else if (errno != EINTR)
-            return receive(); // answers may have come before the end
+            return end();
     }
+}
+
+/** Takes the answers that came before the end of the connection. */
+void ReaderClient::end()
+{
+    receive();
+    if (m_Connection.Valid())
+        lose();
 }
 
 void ReaderClient::receive()

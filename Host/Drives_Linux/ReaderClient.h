@@ -46,6 +46,7 @@ private:
     void send(const TLXX::CDriveAddress& drive, TLXX::Linux::CReaderRequest request, std::vector<Kind> kinds);
     void flush();
     void receive();
+    void end();
     bool take(std::span<const std::uint8_t> packet);
     void fail(const TLXX::CDriveAddress& drive, const TLXX::CDriveCommand& command, std::uint32_t status);
     void lose();

@@ -29,20 +29,20 @@ bool isNvmeFunction(DeviceNode node)
 std::string addressOf(DeviceNode node)
 {
     const auto location = TLXX::Win::nodeLocation(node);
-    return location ? location->Text() : "a place that Windows does not tell";
+    return location ? location->Text() : "a place that Windows does not report";
 }
 
 } // namespace
 
 bool isPassThrough(std::string_view driver)
 {
-    // The proxy that Hyper-V puts in the place of what it gives a virtual machine.
+    // The proxy that Hyper-V uses in place of a device that it gave to a virtual machine.
     return boost::iequals(driver, "pcip", std::locale::classic());
 }
 
 std::string_view passThroughRemedy()
 {
-    return "To have it back, take it from the virtual machine (Remove-VMAssignableDevice), mount it "
+    return "To get it back, take it from the virtual machine (Remove-VMAssignableDevice), mount it "
            "(Mount-VMHostAssignableDevice), and enable it in the Device Manager.";
 }
 

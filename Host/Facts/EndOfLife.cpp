@@ -15,15 +15,15 @@ namespace {
 
 constexpr std::uint64_t USED_UP = 100; // percent
 
-/** What the drive's log has of its use. */
+/** What the drive's log says about its use. */
 struct Use
 {
     std::uint64_t m_Hours = 0;
     std::uint64_t m_BytesWritten = UNKNOWN_COUNTER;
-    std::uint64_t m_Wear = 0; ///< percent, by the drive's own count
+    std::uint64_t m_Wear = 0; ///< percent, as counted by the drive itself
 };
 
-/** None without the log, or when it does not count hours. */
+/** Nothing without the log, or when the log does not count hours. */
 std::optional<Use> useOf(const Drive& drive)
 {
     constexpr std::uint64_t bytesAUnit = 512'000;
@@ -31,14 +31,14 @@ std::optional<Use> useOf(const Drive& drive)
     if (!hours)
         return std::nullopt;
     Use use{*hours, UNKNOWN_COUNTER, drive.m_HealthLog->PercentageUsed};
-    // What fits no 64 bits is the highest number that does; all ones stand for what is not known.
+    // A number that does not fit 64 bits becomes the highest number. All ones means not known.
     if (const auto units = logCounter<&TLXX::NVME_SMART_HEALTH_INFORMATION_LOG::DataUnitsWritten>(drive))
         use.m_BytesWritten =
             *units < UNKNOWN_COUNTER / bytesAUnit ? *units * bytesAUnit : UNKNOWN_COUNTER - 1;
     return use;
 }
 
-/** How long the drive lasts by what was written to it or by its wear; none when that tells nothing. */
+/** How long the drive lasts, from the amount written or from its wear. Nothing when neither can tell. */
 std::optional<std::uint64_t> hoursLeft(std::uint64_t hours, std::uint64_t bytesWritten, std::uint64_t wear,
                                        std::uint64_t rating)
 {
@@ -71,7 +71,7 @@ void findLimit(EndOfLife& end, const Use& use)
         end.m_Wear = use.m_Wear;
 }
 
-/** A plug-in may take a drive that is worn out for one whose wear it does not know. */
+/** A plug-in may treat a drive that is worn out like one whose wear is not known. */
 bool isTooLate(const EndOfLife& end, bool dateCountsWear)
 {
     constexpr std::uint64_t someDays = 2ULL * 24 * 3600 * MILLISECONDS_A_SECOND;
@@ -86,20 +86,20 @@ std::string sentenceOf(const EndOfLife& end)
 {
     switch (end.m_Limit) {
     case EndOfLife::Limit::None:
-        return "Too little is known of this drive to foresee its end; the date, a hundred years from now, "
-               "says no more than that.";
+        return "Too little is known about this drive to compute its end of life. So the date is a hundred "
+               "years from now.";
     case EndOfLife::Limit::Beyond:
         return "If it is used as up to now, the drive lasts longer than the hundred years to that date.";
     case EndOfLife::Limit::Writing:
         return end.m_RemainingHours == 0
-                   ? "All that its maker lets be written to it has been written; plan to replace it."
+                   ? "The whole amount that its maker allows has been written; plan to replace it."
                    : "If it is written to as up to now, the rating is reached in " +
                          durationText(end.m_RemainingHours) + '.';
     case EndOfLife::Limit::Wear:
         return end.m_RemainingHours == 0
                    ? "By its own count of wear the drive is worn out; plan to replace it."
                    : "If it is used as up to now, the drive's own count of wear, " +
-                         std::to_string(end.m_Wear.value_or(0)) + "% now, is at its end in " +
+                         std::to_string(end.m_Wear.value_or(0)) + "% now, reaches 100% in " +
                          durationText(end.m_RemainingHours) +
                          (end.m_Rating ? ", before the rating is reached." : ".");
     case EndOfLife::Limit::Worn:

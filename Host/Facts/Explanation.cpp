@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 #include <variant>
 
 namespace Host::Cli {
@@ -27,36 +28,34 @@ constexpr Explanation EXPLANATIONS[] = {
     // Reasons of a health status.
     {PI::REASON_TEMPERATURE,
      "The drive is hotter or colder than its maker allows. It slows down to protect itself, and ages faster.",
-     "Look at fans, dust filters and the air's way to the drive; if it stays that way, move the drive or its "
-     "load."},
+     "Check fans, dust filters and the flow of air to the drive. If that does not help, move the drive "
+     "or its load."},
     {PI::REASON_SPARE_LOW,
-     "The blocks that the drive keeps to replace worn ones are nearly used up. When they are gone it stops "
-     "taking "
-     "data.",
+     "The blocks that the drive keeps to replace worn ones are nearly used up. When none is left, it stops "
+     "taking data.",
      REPLACE},
     {PI::REASON_MEMORY_BACKUP_FAILED,
-     "What saves the drive's volatile memory when the power fails does not work. Data that was just written "
-     "may be "
-     "lost then.",
-     "Replace the drive; until then turn its write cache off, or see that the power cannot fail."},
+     "The backup of the drive's volatile memory for power failures does not work. Data that was just written "
+     "may be lost then.",
+     "Replace the drive; until then turn its write cache off, or make sure that the power cannot fail."},
     {PI::REASON_RELIABILITY_DEGRADED,
-     "Errors of the medium or within the drive have made it unreliable: what it holds may become unreadable.",
+     "Errors of the medium or within the drive have made it unreliable. Its data may become unreadable.",
      REPLACE},
-    {PI::REASON_READ_ONLY, "The drive has stopped taking data, to keep what it holds readable.",
+    {PI::REASON_READ_ONLY, "The drive has stopped taking data, so that its data stays readable.",
      "Copy what is on it to another drive at once, and replace it."},
 
     // States of wear and of spare blocks.
-    {PI::WEAR_OK, "The drive reports no more wear than use brings with it.", NOTHING},
+    {PI::WEAR_OK, "The drive reports no unusual wear.", NOTHING},
     {PI::WEAR_WARNING,
      "An attribute of the drive has fallen below the value of a new one: blocks wear out or fail.",
      "Plan to replace the drive, and watch whether this gets worse."},
-    {PI::WEAR_CRITICAL, "The drive is worn out, or reports a wear that makes no sense.", REPLACE},
+    {PI::WEAR_CRITICAL, "The drive is worn out, or reports an impossible value for its wear.", REPLACE},
     {PI::SPARE_SUFFICIENT,
      "The drive has not reported that the blocks which replace worn ones are running out.", NOTHING},
     {PI::SPARE_EXHAUSTED, "The drive has no spare blocks left to replace worn ones.", REPLACE},
 };
 
-// A health status, for where no reason tells more.
+// A health status, if no reason tells more.
 constexpr Explanation HEALTH[] = {
     {PI::HEALTH_DEGRADED, "The drive works, but something about it is worse than in a new one.",
      "Look at the other states of the drive, and plan to replace it."},
@@ -65,7 +64,7 @@ constexpr Explanation HEALTH[] = {
      "Look at the other states of the drive."},
 };
 
-/** The texts for states that were not measured, by property. The last row is for a medium's health. */
+/** The texts for states that were not measured, by property. The last row is for the health of a medium. */
 struct Constant
 {
     std::uint32_t m_Property;
@@ -83,8 +82,13 @@ constexpr Constant CONSTANTS[] = {
      "Look at the health of its adapter."},
 };
 
-constexpr char LOG_NOT_READ[] = "The health log of this drive was not read, so nobody knows how it fares.";
-constexpr char ASK_DOCTOR[] = "\"ostrel doctor\" says why the log was not read.";
+/** The texts for states whose log was never read, by property. */
+constexpr Constant UNREAD[] = {
+    {PI::PROP_HEALTH_STATUS, "The health log of this drive was not read, so its health is not known.",
+     "\"ostrel doctor\" says why the log was not read."},
+    {PI::PROP_WEAR_STATE, "The log with the wear of this drive was not read, so its wear is not known.",
+     "Look at the endurance used and the available spare."},
+};
 
 template<std::size_t Size>
 const Explanation* find(const Explanation (&table)[Size], std::uint32_t code)
@@ -112,18 +116,15 @@ ExplainedCode explain(const PI::CProperty& property, const Explanation& explanat
 void addUnmeasured(const PI::CProperty& property, Basis basis, std::vector<ExplainedCode>& explained)
 {
     const std::vector<std::uint32_t> codes = codesOf(property);
-    // Numbers that nobody measured are told of above the rows.
+    // For numbers that were not measured there is a sentence above the rows.
     if (codes.empty())
         return;
-    if (basis == Basis::NotRead) {
-        explained.push_back({&property, codes.front(), UNKNOWN_HEALTH, LOG_NOT_READ, ASK_DOCTOR});
-        return;
-    }
-    for (const Constant& row : CONSTANTS)
+    const bool isUnread = basis == Basis::NotRead;
+    const std::string state =
+        isUnread ? UNKNOWN_HEALTH : PI::PropertyValueToString(codes.front()) + NOT_MEASURED;
+    for (const Constant& row : isUnread ? std::span<const Constant>(UNREAD) : CONSTANTS)
         if (row.m_Property == property.Id())
-            explained.push_back({&property, codes.front(),
-                                 PI::PropertyValueToString(codes.front()) + NOT_MEASURED, row.m_Meaning,
-                                 row.m_Advice});
+            explained.push_back({&property, codes.front(), state, row.m_Meaning, row.m_Advice});
 }
 
 } // namespace
@@ -147,7 +148,7 @@ std::vector<ExplainedCode> explainedCodes(const ObjectStore& store, const PI::CO
         }
         for (const std::uint32_t code : codesOf(property)) {
             const Explanation* explanation = find(EXPLANATIONS, code);
-            // Nobody should read that nothing needs to be done for a drive that is failing.
+            // Without this, a failing drive would be shown with the text that nothing needs to be done.
             const bool hidden =
                 trouble != nullptr && explanation != nullptr && explanation->m_Advice == NOTHING;
             if (explanation != nullptr && !hidden)

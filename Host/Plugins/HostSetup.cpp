@@ -26,7 +26,7 @@ void startTrace(const TraceOptions& trace)
         const bool isUnread = error.code() == std::errc::no_such_device_or_address;
         throw Failure(ExitCode::WrongUsage,
                       "The trace file " + printable(trace.m_File->string()) + " cannot be written: " +
-                          (isUnread ? "nobody reads from it" : error.code().message()) + ".");
+                          (isUnread ? "no program reads from it" : error.code().message()) + ".");
     }
     TLX::Trace::setDefaultMask(trace.m_Mask);
     for (const auto& [module, mask] : trace.m_ModuleMasks)
@@ -60,6 +60,7 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
                      const std::optional<std::filesystem::path>& fleetFile, const Warn& warn)
     : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr), m_Trace(trace)
 {
+    keepNoRows();
     if (folders.m_KeepsRows) {
         m_Claim.emplace(folders.m_Data, folders.m_Patience);
         if (m_Claim->granted())

@@ -10,7 +10,7 @@
 namespace Host {
 namespace {
 
-// Above these bits an object's identifier names the module that shows it.
+// The bits of an object's identifier above these are the module number of its plug-in.
 constexpr unsigned MODULE_SHIFT = 48;
 
 } // namespace
@@ -75,7 +75,7 @@ PluginLibrary& PluginSet::showing(std::uint64_t objectId)
         return plugin.module() == objectId >> MODULE_SHIFT;
     });
     if (found == m_Plugins.end())
-        throw Failure(ExitCode::RequestFailed, "The object belongs to no plug-in that is loaded.");
+        throw Failure(ExitCode::RequestFailed, "No loaded plug-in has this object.");
     return *found;
 }
 

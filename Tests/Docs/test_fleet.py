@@ -44,6 +44,8 @@ GOOD = [
                   "temperatureSensor1": -272, "temperatureSensor8": 727, "thermalTransitions1": 7,
                   "thermalTransitions2": 8, "thermalSeconds1": 9, "thermalSeconds2": "0xFFFFFFFF"}),
     fleet(vendorLogs={"0xC5": {"temperature": 1, "offset": 2}, "0xCA": {"attributeAD": 3, "attributeEA": 4}}),
+    fleet(delayMilliseconds=0, hangs=False, fails=[]),
+    fleet(delayMilliseconds="0x1", fails=["vendorLog", "healthLog", "identifyNamespace", "identifyController"]),
     fleet(vendorLogs={"0xdd": {"name": "Some Series"}, "0xC0": "01 02", "0xFF": ""}),
 ]
 
@@ -85,6 +87,13 @@ BAD = [
     fleet(identify={**IDENTIFY, "nvmeVersion": "1."}),
     fleet(identify={**IDENTIFY, "nvmeVersion": "1.2.3.4"}),
     fleet(identify={**IDENTIFY, "nvmeVersion": "one"}),
+    fleet(delayMilliseconds=-1),
+    fleet(delayMilliseconds=3600001),
+    fleet(delayMilliseconds=0.5),
+    fleet(hangs="yes"),
+    fleet(fails="healthLog"),
+    fleet(fails=["healthLogs"]),
+    fleet(fails=["healthLog", "healthLog"]),
     fleet(vendorLogs={"0xBF": "00"}),
     fleet(vendorLogs={"C5": "00"}),
     fleet(vendorLogs={"0xC0": {"temperature": 1}}),
@@ -109,7 +118,7 @@ class FleetFiles(unittest.TestCase):
         self.addCleanup(self.folder.cleanup)
 
     def refused(self, document):
-        """Whether the program says that the file is wrong; a fault of a drive in it does not count."""
+        """Whether the program refuses the file. A fault of a drive in it does not count."""
         file = pathlib.Path(self.folder.name) / "fleet.json"
         file.write_text(json.dumps(document))
         result = subprocess.run([PROGRAM, "--simulate", str(file), "list", "--json"], capture_output=True, text=True,

@@ -205,6 +205,12 @@ TEST_F(PageMemoryTest, TellsTheLastGoodPagesOfEachDeviceAndAsksNoDrive)
     EXPECT_EQ(TLXX::lastIdentifyController(FIRST)->sSerialNumber(), "SN0");
     EXPECT_EQ(TLXX::lastIdentifyController(SECOND)->sSerialNumber(), "SN1");
     EXPECT_EQ(TLXX::lastHealthLog("/dev/nvme2n1"), std::nullopt);
+    for (const std::uint8_t log : {std::uint8_t{0xC5}, std::uint8_t{0xCA}}) {
+        EXPECT_EQ(TLXX::lastVendorLog(FIRST, log)->back(), log);
+        EXPECT_EQ(TLXX::lastVendorLog(SECOND, log)->back(), log + 1);
+        EXPECT_EQ(TLXX::lastVendorLog("/dev/nvme2n1", log), std::nullopt);
+    }
+    EXPECT_EQ(TLXX::lastVendorLog(FIRST, 0xDD), std::nullopt);
     EXPECT_EQ(m_Drives.Queries().size(), asked);
 }
 

@@ -3,6 +3,7 @@
 #include "QuerySession.h"
 
 #include <TLXX/DeviceBackend.h>
+#include <TLXX/IntelLogs.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <map>
@@ -84,9 +85,8 @@ constexpr CPageMemory::Page vendorPage(std::uint8_t logIdentifier)
 /** These vendor logs decide states. Texts are not kept. */
 constexpr bool isRemembered(std::uint8_t logIdentifier)
 {
-    constexpr std::uint8_t temperatures = 0xC5;
-    constexpr std::uint8_t legacySmart = 0xCA;
-    return logIdentifier == temperatures || logIdentifier == legacySmart;
+    return logIdentifier == INTEL_TEMPERATURE_STATISTIC_LOG_PAGE ||
+           logIdentifier == INTEL_LEGACY_SMART_LOG_PAGE;
 }
 
 template<typename Block>
@@ -167,6 +167,11 @@ std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string
 std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& path)
 {
     return lastPage<NVME_SMART_HEALTH_INFORMATION_LOG>(path, HEALTH_PAGE);
+}
+
+std::optional<VendorLogPage> lastVendorLog(const std::string& path, std::uint8_t logIdentifier)
+{
+    return lastPage<VendorLogPage>(path, vendorPage(logIdentifier));
 }
 
 std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query)

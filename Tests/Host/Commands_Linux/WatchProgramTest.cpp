@@ -79,7 +79,7 @@ TEST_F(WatchProgram, PrintsEachEventOnceAndKeepsTheRows)
     awaitInventory(program);
     fleet({{1, "A", 0x14}, {3, "C"}});
 
-    // The order of pending events: the last made is the first.
+    // Pending events come with the newest first.
     const json removed = nextEvent(program);
     EXPECT_EQ(removed["id"], 11094);
     EXPECT_EQ(removed["severity"], 3);
@@ -117,7 +117,7 @@ TEST_F(WatchProgram, TellsAnEditOfTheFleetLongBeforeTheNextPoll)
     fleet({{1, "A"}});
     RunningProgram program(arguments({"--json"}));
     awaitInventory(program);
-    // The first one may be found by the scan at the start.
+    // The scan at the start may find the first one.
     fleet({{1, "A"}, {2, "B"}});
     EXPECT_EQ(nextEvent(program)["drive"]["serial"], "B");
     fleet({{1, "A"}, {2, "B"}, {3, "C"}});
@@ -198,7 +198,7 @@ TEST_F(WatchProgram, ATerminalHasAStatusLineBelowTheEvents)
     program.awaitResult("\033[K20");
     EXPECT_THAT(program.awaitResult("\n"), HasSubstr(" was added. (nvme1n1)"));
     program.awaitResult("\033[33mWarning\033[0m");
-    program.awaitResult("2 drives, 1 sick, next poll at ");
+    program.awaitResult("2 drives, 1 unhealthy, next poll at ");
     program.send(SIGTERM);
     const ProgramResult end = program.finish();
     EXPECT_EQ(end.m_ExitCode, 0);
@@ -269,7 +269,7 @@ TEST_F(WatchProgram, IsRefusedALockThatCannotBeOpened)
     const ProgramResult list =
         runProgram({"list", "--data", m_Data.Path(), "--simulate", m_Fleet.Path() / "fleet.json"});
     EXPECT_EQ(list.m_ExitCode, 0);
-    EXPECT_THAT(list.m_Errors, HasSubstr(". This run leaves them as they are.\n"));
+    EXPECT_THAT(list.m_Errors, HasSubstr(". This run does not change that data.\n"));
     EXPECT_FALSE(std::filesystem::exists(m_Data.Path() / "Ostrel.db"));
 }
 
@@ -340,9 +340,9 @@ TEST_F(WatchProgram, KeepsTheDataFolderToItself)
     EXPECT_THAT(list.m_Output, HasSubstr(" C "));
     EXPECT_THAT(list.m_Errors,
                 testing::ContainsRegex("ostrel: Another ostrel, process [0-9]+, keeps its data in "
-                                       ".*\\. This run leaves them as they are\\.\n"));
+                                       ".*\\. This run does not change that data\\.\n"));
     const ProgramResult doctor = runProgram({"doctor", "--data", m_Data.Path(), "--simulate", others});
-    EXPECT_THAT(doctor.m_Output, HasSubstr("Ostrel.db, which this run leaves as it is\n"));
+    EXPECT_THAT(doctor.m_Output, HasSubstr("Ostrel.db; this run does not change it\n"));
     EXPECT_EQ(query("SELECT ID FROM Plugin; SELECT ID FROM Adapter"), before);
 
     const ProgramResult second = runProgram(arguments({"--for", "0"}));
@@ -358,7 +358,7 @@ TEST_F(WatchProgram, DropsTheRowsOfDrivesThatWent)
     fleet({{1, "A"}, {2, "B"}});
     RunningProgram program(arguments({"--json"}));
     awaitInventory(program);
-    // A drive that lost its adapter's row keeps its own, because the trigger cannot find it.
+    // A drive whose adapter lost its row keeps its own row, because the trigger cannot find it.
     query("DELETE FROM Adapter WHERE SerialNumber = 'B';"
           "INSERT INTO PD (HostName, DriveKey) VALUES ('localhost', 'B'), ('localhost', 'GHOST')");
     fleet({{1, "A"}});

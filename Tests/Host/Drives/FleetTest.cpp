@@ -176,6 +176,41 @@ TEST(Fleet, TakesAnEmptyPageForOneOfZeros)
     EXPECT_EQ(parsed[0].m_Health->CompositeTemperature(), 0);
 }
 
+TEST(Fleet, TakesHowADriveAnswers)
+{
+    json fleet = goodFleet();
+    json& controller = fleet["controllers"][0];
+    controller["delayMilliseconds"] = 20;
+    controller["hangs"] = true;
+    controller["fails"] = {"vendorLog", "identifyController"};
+    auto parsed = Host::parseFleet(fleet.dump());
+    EXPECT_EQ(parsed[0].m_Delay, std::chrono::milliseconds(20));
+    EXPECT_TRUE(parsed[0].m_Hangs);
+    EXPECT_EQ(parsed[0].m_Fails, (std::set{TLXX::EQuery::IdentifyController, TLXX::EQuery::VendorLog}));
+    controller["hangs"] = false;
+    controller["fails"] = {"healthLog", "identifyNamespace"};
+    parsed = Host::parseFleet(fleet.dump());
+    EXPECT_FALSE(parsed[0].m_Hangs);
+    EXPECT_EQ(parsed[0].m_Fails, (std::set{TLXX::EQuery::IdentifyNamespace, TLXX::EQuery::SmartHealthLog}));
+}
+
+TEST(Fleet, RefusesWaysToAnswerThatAreNone)
+{
+    for (const json& value : {json(-1), json(3600001), json(0.5), json("soon")})
+        EXPECT_THAT(complaintAfter([&](json& c) { c["delayMilliseconds"] = value; }),
+                    testing::StartsWith("/controllers/0/delayMilliseconds has to be a whole number"))
+            << value;
+    EXPECT_EQ(complaintAfter([](json& c) { c["hangs"] = 1; }),
+              "/controllers/0/hangs has to be true or false");
+    for (const json& value : {json("vendorLog"), json({"vendorLogs"}), json({"healthLog", "healthLog"}),
+                              json::array({1}), json(true)})
+        EXPECT_EQ(complaintAfter([&](json& c) { c["fails"] = value; }),
+                  "/controllers/0/fails has to be a list, in brackets, with each of these at most once: "
+                  "identifyController, identifyNamespace, healthLog, vendorLog")
+            << value;
+    EXPECT_EQ(complaintAfter([](json& c) { c["fails"] = json::array(); }), "accepted");
+}
+
 TEST(Fleet, LeavesOutWhatIsNotThere)
 {
     const auto fleet = Host::parseFleet(R"({"controllers": [{}, {}]})");
@@ -185,6 +220,9 @@ TEST(Fleet, LeavesOutWhatIsNotThere)
     EXPECT_EQ(fleet[1].m_Driver, "nvme");
     EXPECT_FALSE(fleet[0].m_Location || fleet[0].m_Identify || fleet[0].m_Namespace || fleet[0].m_Health);
     EXPECT_TRUE(fleet[0].m_VendorLogs.empty());
+    EXPECT_EQ(fleet[0].m_Delay.count(), 0);
+    EXPECT_FALSE(fleet[0].m_Hangs);
+    EXPECT_TRUE(fleet[0].m_Fails.empty());
     EXPECT_TRUE(Host::parseFleet(R"({"controllers": []})").empty());
 }
 

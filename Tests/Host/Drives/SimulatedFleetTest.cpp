@@ -3,6 +3,9 @@
 #include "Base/Failure.h"
 #include "Support/TemporaryFolder.h"
 
+#include <chrono>
+#include <future>
+
 namespace {
 
 using testing::AllOf;
@@ -15,6 +18,29 @@ constexpr char ONE[] = R"({"controllers": [{"identify": {"vendorId": 1, "model":
 constexpr char TWO[] = R"({"controllers": [
     {"identify": {"vendorId": 1, "model": "M", "serial": "A"}},
     {"identify": {"vendorId": 1, "model": "M", "serial": "B"}, "location": "0000:05:00.0"}]})";
+
+constexpr char HANGS[] = R"("hangs": true)";
+
+/** A fleet of one drive, and how it answers. */
+std::string oneDrive(const std::string& serial, const std::string& firmware, const std::string& manner)
+{
+    return R"({"controllers": [{"identify": {"vendorId": 1, "model": "M", "serial": ")" + serial +
+           R"(", "firmware": ")" + firmware + R"("}, )" + manner + "}]}";
+}
+
+/** The firmware that the first drive tells, or the status. */
+std::string answerOf(Host::SimulatedFleet& fleet)
+{
+    TLXX::NVME_IDENTIFY_CONTROLLER controller{};
+    const std::uint32_t status = fleet.IdentifyController("/dev/nvme0n1", controller);
+    return status == 0 ? controller.sFirmwareRevision() : "status " + std::to_string(status);
+}
+
+/** The same on a thread of its own. */
+std::future<std::string> startCommand(Host::SimulatedFleet& fleet)
+{
+    return std::async(std::launch::async, [&fleet] { return answerOf(fleet); });
+}
 
 class SimulatedFleetTest : public testing::Test
 {
@@ -170,6 +196,100 @@ TEST_F(SimulatedFleetTest, AnUnknownDiskOrAMissingBlockFailsAndLeavesTheCallersB
     EXPECT_EQ(name_space.NSZE, 7U);
     EXPECT_EQ(log.Warning, 7);
     EXPECT_EQ(page[0], 7);
+}
+
+TEST_F(SimulatedFleetTest, RefusesTheCommandsThatFailWithAStatusOfTheDrive)
+{
+    constexpr const char* names[] = {"identifyController", "identifyNamespace", "healthLog", "vendorLog"};
+    for (std::size_t failing = 0; failing < std::size(names); ++failing) {
+        Host::SimulatedFleet fleet = fleetOf(R"({"controllers": [{
+            "identify": {"vendorId": 1, "model": "M", "serial": "A"}, "namespace": {"blocks": 1},
+            "health": {"temperature": 30}, "vendorLogs": {"0xC5": {"temperature": 80}}, "fails": [")" +
+                                             std::string(names[failing]) + R"("]}]})");
+        const std::string path = "/dev/nvme0n1";
+        TLXX::NVME_IDENTIFY_CONTROLLER controller{};
+        TLXX::NVME_IDENTIFY_NAMESPACE name_space{};
+        TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+        TLXX::VendorLogPage page{};
+        const std::uint32_t statuses[] = {
+            fleet.IdentifyController(path, controller), fleet.IdentifyNamespace(path, name_space),
+            fleet.SmartHealthLog(path, log), fleet.VendorLogPage(path, 0xC5, page)};
+        for (std::size_t each = 0; each < std::size(statuses); ++each)
+            EXPECT_EQ(TLXX::statusText(statuses[each]), TLXX::statusText(each == failing ? 0x10006 : 0))
+                << names[failing] << each;
+        EXPECT_EQ(controller.VID, failing == 0 ? 0 : 1);
+        EXPECT_EQ(name_space.NSZE, failing == 1 ? 0U : 1U);
+        EXPECT_EQ(log.CompositeTemperature(), failing == 2 ? 0 : 303);
+        EXPECT_EQ(page[0], failing == 3 ? 0 : 80);
+    }
+}
+
+TEST_F(SimulatedFleetTest, TakesItsTimeForEachCommand)
+{
+    using Clock = std::chrono::steady_clock;
+    Host::SimulatedFleet fleet = fleetOf(oneDrive("A", "F1", R"("delayMilliseconds": 30)"));
+    const Clock::time_point begin = Clock::now();
+    EXPECT_EQ(answerOf(fleet), "F1");
+    EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(30));
+}
+
+TEST_F(SimulatedFleetTest, ADriveThatHangsAnswersAfterTheEditAndDelaysNobodyElse)
+{
+    Host::SimulatedFleet fleet = fleetOf(oneDrive("A", "F1", HANGS));
+    std::future<std::string> command = startCommand(fleet);
+    EXPECT_EQ(command.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    EXPECT_THAT(devices(fleet), ElementsAre("/dev/nvme0n1"));
+    EXPECT_EQ(fleet.ModuleVersion("nvme"), "");
+    // Nobody enumerates: the command itself notices the edit.
+    m_Folder.Write("fleet.json", oneDrive("A", "F2", R"("hangs": false)"));
+    EXPECT_EQ(command.get(), "F2");
+}
+
+TEST_F(SimulatedFleetTest, ACommandThatHangsFailsWhenItsDriveIsRemovedOrExchanged)
+{
+    for (const std::string& next : {std::string(R"({"controllers": []})"), oneDrive("B", "F2", HANGS),
+                                    oneDrive("B", "F2", R"("hangs": false)")}) {
+        Host::SimulatedFleet fleet = fleetOf(oneDrive("A", "F1", HANGS));
+        std::future<std::string> command = startCommand(fleet);
+        EXPECT_EQ(command.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+        m_Folder.Write("fleet.json", next);
+        EXPECT_EQ(command.get(), "status 2") << next;
+    }
+}
+
+TEST_F(SimulatedFleetTest, ACommandThatHangsLeavesAWrongEditToTheNextEnumeration)
+{
+    Host::SimulatedFleet fleet = fleetOf(oneDrive("A", "F1", HANGS));
+    std::future<std::string> command = startCommand(fleet);
+    m_Folder.Write("fleet.json", "{");
+    EXPECT_EQ(command.wait_for(std::chrono::milliseconds(400)), std::future_status::timeout);
+    EXPECT_THAT(m_Warnings, IsEmpty());
+    EXPECT_THAT(devices(fleet), ElementsAre("/dev/nvme0n1"));
+    EXPECT_EQ(m_Warnings.size(), 1U);
+    m_Folder.Write("fleet.json", oneDrive("A", "F2", R"("hangs": false)"));
+    EXPECT_EQ(command.get(), "F2");
+}
+
+TEST_F(SimulatedFleetTest, TellsDrivesApartByNameAndSerialNumber)
+{
+    Host::SimulatedFleet fleet = fleetOf(TWO);
+    const std::string first = fleet.Instance("/dev/nvme0n1");
+    const std::string second = fleet.Instance("/dev/nvme1n1");
+    EXPECT_NE(first, second);
+    EXPECT_EQ(fleet.Instance("/dev/nvme9n1"), "/dev/nvme9n1");
+
+    // Another firmware makes no other drive; neither does a drive that no longer says who it is.
+    m_Folder.Write("fleet.json", oneDrive("A", "F2", R"("hangs": false)"));
+    devices(fleet);
+    EXPECT_EQ(fleet.Instance("/dev/nvme0n1"), first);
+    m_Folder.Write("fleet.json", R"({"controllers": [{}]})");
+    devices(fleet);
+    EXPECT_EQ(fleet.Instance("/dev/nvme0n1"), first);
+
+    m_Folder.Write("fleet.json", oneDrive("B", "F1", R"("hangs": false)"));
+    devices(fleet);
+    EXPECT_NE(fleet.Instance("/dev/nvme0n1"), first);
+    EXPECT_NE(fleet.Instance("/dev/nvme0n1"), second);
 }
 
 TEST_F(SimulatedFleetTest, TellsTheVersionOfItsDrivers)

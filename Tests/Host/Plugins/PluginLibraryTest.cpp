@@ -49,7 +49,7 @@ TEST(PluginLibrary, RefusesAnotherInterfaceVersion)
 {
     const Host::Failure failure = failureOf([] { PluginLibrary plugin(Built::WRONG_VERSION_PLUGIN); });
     EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
-    EXPECT_THAT(failure.what(), HasSubstr("speaks interface version 3, this program version 2"));
+    EXPECT_THAT(failure.what(), HasSubstr(" has interface version 3, but this program has version 2"));
 }
 
 TEST(PluginLibrary, RefusesAPluginThatCannotBeCreated)
@@ -124,7 +124,7 @@ TEST(PluginLibrary, LeavesAPluginAloneWhoseThreadCouldNotBeEnded)
         clock.OnSleep([&thread] { thread.Cancel(); });
         EXPECT_FALSE(plugin.deInitialize());
     }
-    // Otherwise it would have slept once more when it was released.
+    // Otherwise its release would have slept once more.
     EXPECT_EQ(clock.Sleeps().size(), 1U);
     end.Set();
     EXPECT_EQ(thread.Wait(), TLX::Threading::WaitResult::Taken);

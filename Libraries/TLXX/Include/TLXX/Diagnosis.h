@@ -10,7 +10,10 @@
 
 namespace TLXX {
 
-/** How a controller is attached. What the system does not tell, or what cannot be, is left out. */
+/**
+ * How a controller is attached. A value is left out when the system does not tell it, or tells an impossible
+ * one.
+ */
 struct CPciLink
 {
     std::optional<float> m_Speed;        ///< now, in gigatransfers a second
