@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Warn.h"
+#include "Drives/ParallelDrives.h"
 #include "Drives/SimulatedFleet.h"
 #include "Plugins/DataFolder.h"
 
@@ -41,9 +42,9 @@ std::filesystem::path shareFolder(const std::filesystem::path& programFolder);
 std::filesystem::path installedPlugin(const std::filesystem::path& programFolder);
 
 /**
- * Prepares the process as plug-ins expect it. Sets the folders, starts the traces, and puts a simulated fleet
- * in place of the machine if one was asked for. The destructor ends the traces and the simulation. Only one
- * may exist at a time.
+ * Prepares the process as plug-ins expect it. Sets the folders, starts the traces, lets the drives be read side
+ * by side, and puts a simulated fleet in place of the machine if one was asked for. The destructor ends all of
+ * this. Only one may exist at a time.
  */
 class HostSetup
 {
@@ -61,8 +62,13 @@ public:
     /** The simulated fleet. Null when the machine's own drives are shown. */
     const std::shared_ptr<SimulatedFleet>& fleet() const { return m_Fleet; }
 
+    /** What reads the drives; never null. */
+    const std::shared_ptr<ParallelDrives>& drives() const { return m_Drives; }
+
 private:
     std::shared_ptr<SimulatedFleet> m_Fleet;
+    std::shared_ptr<TLXX::IDeviceBackend> m_Former; ///< the back-end that was in use before
+    std::shared_ptr<ParallelDrives> m_Drives;
     std::optional<DataFolderClaim> m_Claim;
     const TraceOptions m_Trace;
 };
