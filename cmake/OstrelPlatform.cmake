@@ -21,6 +21,8 @@ else()
     # A folder of their own, because only plug-ins and their host use these libraries.
     set(OSTREL_LIBRARY_FOLDER ${CMAKE_INSTALL_LIBDIR}/ostrel)
     set(OSTREL_LINK_FOLDER ${OSTREL_LIBRARY_FOLDER})
+    # Programs that only the program starts.
+    set(OSTREL_READER_FOLDER libexec/ostrel)
     set(OSTREL_BOOST_COMPONENTS COMPONENTS filesystem)
     # The plug-in and the libraries find each other in their own folder. The program needs another path to them.
     set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)

@@ -13,5 +13,6 @@ const char SECOND_PLUGIN[] = OSTREL_SECOND_PLUGIN;
 const char SLOW_PLUGIN[] = OSTREL_SLOW_PLUGIN;
 const char SLOW_TO_START_PLUGIN[] = OSTREL_SLOW_TO_START_PLUGIN;
 const char NO_PLUGIN[] = OSTREL_NO_PLUGIN;
+const char READER[] = OSTREL_READER;
 
 } // namespace HostTest::Built

@@ -15,5 +15,6 @@ extern const char SECOND_PLUGIN[];        ///< one of another module
 extern const char SLOW_PLUGIN[];          ///< takes 24,999 ms to end
 extern const char SLOW_TO_START_PLUGIN[]; ///< request 1 does not return
 extern const char NO_PLUGIN[];            ///< a file that is no library
+extern const char READER[];               ///< the reader of drives; empty where there is none
 
 } // namespace HostTest::Built

@@ -11,7 +11,9 @@ import stage
 
 SCHEMAS = pathlib.Path(__file__).resolve().parents[2] / "Docs/Schemas"
 PLACES = (
-    "bin/ostrel",
+    "bin/ostrel", "libexec/ostrel/ostrel-reader",
+    "lib/systemd/system/ostrel-reader.socket", "lib/systemd/system/ostrel-reader.service",
+    "lib/sysusers.d/ostrel.conf", "share/doc/ostrel/Reader.md.gz",
     "lib/*/ostrel/libOstrel.so",
     "share/ostrel/Ostrel.nls", "share/ostrel/Endurance.txt", "share/ostrel/DemoFleet.json",
     "share/man/man1/ostrel.1.gz", "share/doc/ostrel/copyright", "share/doc/ostrel/changelog.gz",

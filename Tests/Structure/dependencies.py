@@ -48,6 +48,8 @@ ALLOWED = {
     "Libraries/TLXX/Src_Linux": TLX + TLX_LINUX + TLXX + TLXX_LINUX + rooms("Libraries/TLXX", "Src"),
     "Libraries/TLXX/Src_Win": TLX + TLX_WIN + TLXX + TLXX_WIN + rooms("Libraries/TLXX", "Src"),
 
+    "Reader": TLX + TLX_LINUX + TLXX + TLXX_LINUX,
+
     "Libraries/PI/Include/PI": TLX,
     "Libraries/PI/Src": TLX + PI + rooms("Libraries/PI", "Src_Linux", "Src_Win"),
     "Libraries/PI/Src_Linux": TLX + TLX_LINUX + PI + rooms("Libraries/PI", "Src"),
@@ -92,7 +94,7 @@ CONFINED = {
 }
 # The build writes this one into a folder of its own.
 GENERATED = re.compile(r"(TLX|TLXX|PI|Database)/Export\.h")
-SOURCES = ("Libraries", "DatabaseORM", "Ostrel/Src", "Host")
+SOURCES = ("Libraries", "DatabaseORM", "Ostrel/Src", "Reader", "Host")
 LIBRARIES = ("Libraries/TLX", "Libraries/TLXX", "Libraries/PI", "Libraries/Database", "DatabaseORM")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 OTHER_SYSTEM = {"Linux": "_Win", "Win": "_Linux"}

@@ -19,11 +19,6 @@ CDiskOwner ownerOf(const CController& controller)
 
 } // namespace
 
-std::string CDiskOwner::Instance() const
-{
-    return controllerNode(m_Instance) + ' ' + std::to_string(m_Node) + ' ' + std::to_string(m_NamespaceId);
-}
-
 std::filesystem::path CDeviceTable::Root() const
 {
     const std::scoped_lock guard(m_Lock);
@@ -153,11 +148,6 @@ bool controllerExists(std::uint32_t instance, std::uint64_t node)
     const std::filesystem::path link = sysfsRoot() / "class" / "nvme" / ("nvme" + std::to_string(instance));
     struct stat status = {};
     return ::lstat(link.c_str(), &status) == 0 && status.st_ino == node;
-}
-
-std::string controllerNode(std::uint32_t instance)
-{
-    return "/dev/nvme" + std::to_string(instance);
 }
 
 std::filesystem::path sysfsRoot()

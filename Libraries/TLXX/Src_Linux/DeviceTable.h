@@ -3,6 +3,7 @@
 #include "NvmeNames.h"
 
 #include <TLXX/DeviceBackend.h>
+#include <TLXX/Linux/DiskOwner.h>
 #include <TLXX/PciLocation.h>
 
 #include <cstdint>
@@ -14,17 +15,6 @@
 #include <vector>
 
 namespace TLXX::Linux {
-
-/** The controller that takes the commands for a disk, and the namespace that they name. */
-struct CDiskOwner
-{
-    std::uint32_t m_Instance = 0;
-    std::uint64_t m_Node = 0; ///< the controller's node in sysfs; no later controller has the same number
-    std::uint32_t m_NamespaceId = 0;
-
-    /** Distinguishes this disk from all that were or will be at its path. */
-    std::string Instance() const;
-};
 
 /** The result of the last enumeration, kept so that queries need not walk sysfs. Safe from any thread. */
 class CDeviceTable
@@ -72,8 +62,5 @@ CDeviceTable& deviceTable();
 
 /** Whether sysfs still has the controller of this number with this node. */
 bool controllerExists(std::uint32_t instance, std::uint64_t node);
-
-/** The node that takes the admin commands of a controller. */
-std::string controllerNode(std::uint32_t instance);
 
 } // namespace TLXX::Linux

@@ -45,24 +45,24 @@ TLX::Linux::CDescriptor openUeventSocket()
 CUeventAnnouncements::CUeventAnnouncements(TLX::Linux::CDescriptor messages, std::function<void()> announce)
     : m_Messages(std::move(messages)),
       m_Announce(std::move(announce)),
-      m_Watch(m_Messages.Get(), [this] { return ReadAll(); })
+      m_Watch(m_Messages.Get(), [this] { return readAnnouncements(m_Messages.Get(), m_Announce); })
 {}
 
-bool CUeventAnnouncements::ReadAll() const
+bool readAnnouncements(int messages, const std::function<void()>& announce)
 {
     std::array<char, LARGEST_MESSAGE> message{};
     for (;;) {
         Sender sender{};
         socklen_t senderSize = sizeof sender;
         const ssize_t size =
-            ::recvfrom(m_Messages.Get(), message.data(), message.size(), 0, &sender.m_Any, &senderSize);
+            ::recvfrom(messages, message.data(), message.size(), 0, &sender.m_Any, &senderSize);
         if (size > 0) {
             if (isTrusted(sender, senderSize) &&
                 announcesDrives({message.data(), static_cast<std::size_t>(size)}))
-                m_Announce();
+                announce();
         } else if (size < 0 && errno == ENOBUFS) {
             // Messages were lost, and each of them may have concerned a drive.
-            m_Announce();
+            announce();
         } else if (size == 0 || (errno != EINTR))
             return size < 0 && errno == EAGAIN;
     }

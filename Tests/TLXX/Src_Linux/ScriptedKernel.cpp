@@ -146,6 +146,7 @@ int CScriptedKernel::Control(int descriptor, unsigned long request, void* argume
     whole.nsid = step.m_Command.m_NamespaceId;
     whole.cdw10 = step.m_Command.m_Word10;
     whole.data_len = step.m_Command.m_Length;
+    whole.cdw12 = step.m_Command.m_Word12;
     whole.timeout_ms = PATIENCE_MS;
     whole.addr = command.addr;
     EXPECT_EQ(std::memcmp(&command, &whole, sizeof command), 0) << "a word that must be zero is not";
@@ -154,6 +155,8 @@ int CScriptedKernel::Control(int descriptor, unsigned long request, void* argume
     if (!step.m_Reply.m_Data.empty())
         std::memcpy(std::bit_cast<void*>(command.addr), step.m_Reply.m_Data.data(),
                     step.m_Reply.m_Data.size());
+    if (step.m_Reply.m_Meanwhile)
+        step.m_Reply.m_Meanwhile();
     errno = step.m_Reply.m_Error;
     return step.m_Reply.m_Result;
 }

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -19,6 +20,7 @@ struct CExpectedCommand
     std::uint32_t m_NamespaceId = 0;
     std::uint32_t m_Word10 = 0;
     std::uint32_t m_Length = 0;
+    std::uint32_t m_Word12 = 0;
 };
 
 /** What the kernel then does: moves the bytes and returns. */
@@ -26,7 +28,8 @@ struct CReply
 {
     std::vector<std::uint8_t> m_Data;
     int m_Result = 0;
-    int m_Error = 0; ///< errno of a result below 0
+    int m_Error = 0;                        ///< errno of a result below 0
+    std::function<void()> m_Meanwhile = {}; ///< what else happens while the command runs
 };
 
 /**

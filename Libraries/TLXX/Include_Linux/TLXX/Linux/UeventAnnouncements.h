@@ -19,13 +19,16 @@ public:
     CUeventAnnouncements(TLX::Linux::CDescriptor messages, std::function<void()> announce);
 
 private:
-    /** Reads what has come. Returns false when nothing will come any more. */
-    bool ReadAll() const;
-
     const TLX::Linux::CDescriptor m_Messages;
     const std::function<void()> m_Announce;
     const TLX::Linux::CDescriptorWatch m_Watch; // the last one, because its thread uses the others
 };
+
+/**
+ * Reads all messages from the non-blocking socket `messages` without waiting. Calls `announce` for each that
+ * concerns drives, and when messages were lost. Returns false when nothing will come any more.
+ */
+TLXX_EXPORT bool readAnnouncements(int messages, const std::function<void()>& announce);
 
 /** A socket on which the kernel announces devices. It needs no privilege. None when the system refuses it. */
 TLXX_EXPORT TLX::Linux::CDescriptor openUeventSocket();
