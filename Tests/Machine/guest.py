@@ -59,7 +59,7 @@ class Guest:
         namespaces = sum(drive.namespace_count() for drive in self._drives)
         archive.text("/job/job.sh", f"await_drives {len(self._drives)} {paths} {namespaces}\n{job}")
         if tree is not None:
-            archive.tree("/opt/ostrel", tree, ("bin/ostrel", "lib/**/*.so*", "share/ostrel/*"))
+            archive.tree("/opt/ostrel", tree, ("bin/ostrel", "libexec/**/*", "lib/**/*.so*", "share/ostrel/*"))
         for program in programs:
             if tree is not None and (tree / "bin" / program).exists():
                 archive.tree("/opt/ostrel", tree, (f"bin/{program}",))
