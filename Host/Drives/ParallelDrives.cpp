@@ -49,8 +49,11 @@ std::vector<TLXX::CControllerState> controllersNow(TLXX::IDeviceBackend& machine
 } // namespace
 
 ParallelDrives::ParallelDrives(std::shared_ptr<TLXX::IDeviceBackend> machine,
-                               std::unique_ptr<TLXX::IDriveSource> source)
-    : m_Number(uniqueNumber()), m_Machine(std::move(machine)), m_Rounds(std::move(source))
+                               std::unique_ptr<TLXX::IDriveSource> source, bool ownRights)
+    : m_Number(uniqueNumber()),
+      m_OwnRights(ownRights),
+      m_Machine(std::move(machine)),
+      m_Rounds(std::move(source))
 {
     if (m_RoundEnded.Init(false, false) != TLX::Threading::WaitResult::Taken)
         throw std::runtime_error("no event for the rounds of drives");
@@ -227,7 +230,11 @@ std::optional<TLXX::CPciLocation> ParallelDrives::Location(std::uint32_t number)
 
 std::vector<TLXX::CControllerState> ParallelDrives::ControllerStates()
 {
-    return m_Machine->ControllerStates();
+    std::vector<TLXX::CControllerState> states = m_Machine->ControllerStates();
+    if (!m_OwnRights)
+        for (TLXX::CControllerState& state : states)
+            state.m_AccessStatus = 0;
+    return states;
 }
 
 std::string ParallelDrives::ModuleVersion(const std::string& driver)

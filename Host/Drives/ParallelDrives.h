@@ -30,10 +30,12 @@ class ParallelDrives : public TLXX::IDeviceBackend
 {
 public:
     /**
-     * `machine` enumerates, and `source` asks its drives. Throws `std::runtime_error` when the system gives
-     * no event.
+     * `machine` enumerates, and `source` asks its drives: with this user's rights, or with those of another
+     * process. In the latter case no drive refuses this user. Throws `std::runtime_error` when the system
+     * gives no event.
      */
-    ParallelDrives(std::shared_ptr<TLXX::IDeviceBackend> machine, std::unique_ptr<TLXX::IDriveSource> source);
+    ParallelDrives(std::shared_ptr<TLXX::IDeviceBackend> machine, std::unique_ptr<TLXX::IDriveSource> source,
+                   bool ownRights = true);
 
     /** What the last round found. Waits for no drive. */
     DriveRound lastRound() const;
@@ -87,6 +89,7 @@ private:
                         std::span<std::uint8_t> block);
 
     const std::uint64_t m_Number;
+    const bool m_OwnRights;
     const std::shared_ptr<TLXX::IDeviceBackend> m_Machine;
     TLX::Threading::CEvent m_RoundEnded;
 

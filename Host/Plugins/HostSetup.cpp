@@ -2,6 +2,7 @@
 
 #include "Base/Failure.h"
 #include "Base/Text.h"
+#include "Drives/MachineDrives.h"
 
 #include <Database/Database.h>
 #include <PI/ConfigFile.h>
@@ -35,19 +36,24 @@ void startTrace(const TraceOptions& trace)
         TLX::Trace::setMask(module, mask);
 }
 
-/** The machine whose drives are read. */
-std::shared_ptr<TLXX::IDeviceBackend> machine(const std::shared_ptr<SimulatedFleet>& fleet,
-                                              const std::shared_ptr<TLXX::IDeviceBackend>& former)
+std::shared_ptr<ParallelDrives> readSideBySide(std::shared_ptr<TLXX::IDeviceBackend> backend)
 {
-    if (fleet)
-        return fleet;
-    return former ? former : TLXX::platformBackend();
+    auto source = std::make_unique<TLXX::CThreadedSource>(backend);
+    return std::make_shared<ParallelDrives>(std::move(backend), std::move(source));
 }
 
-std::shared_ptr<ParallelDrives> readSideBySide(std::shared_ptr<TLXX::IDeviceBackend> machine)
+/** The drives of the fleet or else of the former back-end. If there is neither, those of this machine. */
+std::shared_ptr<ParallelDrives> drivesOf(std::shared_ptr<SimulatedFleet> fleet,
+                                         std::shared_ptr<TLXX::IDeviceBackend> former,
+                                         const std::optional<std::filesystem::path>& reader)
 {
-    auto source = std::make_unique<TLXX::CThreadedSource>(machine);
-    return std::make_shared<ParallelDrives>(std::move(machine), std::move(source));
+    if (fleet)
+        return readSideBySide(std::move(fleet));
+    if (former)
+        return readSideBySide(std::move(former));
+    MachineDrives drives = machineDrives(reader);
+    return std::make_shared<ParallelDrives>(TLXX::platformBackend(), std::move(drives.m_Source),
+                                            drives.m_OwnRights);
 }
 
 } // namespace
@@ -77,7 +83,7 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
                      const std::optional<std::filesystem::path>& fleetFile, const Warn& warn)
     : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr),
       m_Former(TLXX::deviceBackend()),
-      m_Drives(readSideBySide(machine(m_Fleet, m_Former))),
+      m_Drives(drivesOf(m_Fleet, m_Former, folders.m_Reader)),
       m_Trace(trace)
 {
     keepNoRows();

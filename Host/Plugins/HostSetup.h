@@ -20,6 +20,7 @@ struct HostFolders
     std::filesystem::path m_Data;  ///< settings
     bool m_KeepsRows = false;      ///< the data folder holds the database, too; otherwise no rows are kept
     std::uint64_t m_Patience = 0;  ///< milliseconds to wait for another process that keeps rows there
+    std::optional<std::filesystem::path> m_Reader = {}; ///< socket of a reader; see `machineDrives`
 };
 
 struct TraceOptions
@@ -42,9 +43,9 @@ std::filesystem::path shareFolder(const std::filesystem::path& programFolder);
 std::filesystem::path installedPlugin(const std::filesystem::path& programFolder);
 
 /**
- * Prepares the process as plug-ins expect it. Sets the folders, starts the traces, lets the drives be read side
- * by side, and puts a simulated fleet in place of the machine if one was asked for. The destructor ends all of
- * this. Only one may exist at a time.
+ * Prepares the process as plug-ins expect it. Sets the folders, starts the traces, lets the drives be read
+ * side by side, and puts a simulated fleet in place of the machine if one was asked for. The destructor ends
+ * all of this. Only one may exist at a time.
  */
 class HostSetup
 {

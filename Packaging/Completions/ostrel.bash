@@ -3,7 +3,7 @@
 _ostrel() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} word command=
     local commands="list topology show set watch doctor"
-    local options="--version -h --help --plugin --data --simulate --trace --trace-file --json"
+    local options="--version -h --help --plugin --data --simulate --reader --trace --trace-file --json"
 
     case $previous in
         --plugin | --simulate | --trace-file)
@@ -16,7 +16,7 @@ _ostrel() {
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
             return
             ;;
-        --trace | --for) return ;;
+        --reader | --trace | --for) return ;;
     esac
 
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do

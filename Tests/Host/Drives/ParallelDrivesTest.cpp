@@ -423,4 +423,12 @@ TEST_F(ParallelDrivesTest, LeavesTheMachineItself)
     EXPECT_EQ(m_Parallel.Instance("none"), "");
 }
 
+TEST_F(ParallelDrivesTest, RefusesNobodyWithTheRightsOfAnotherProcess)
+{
+    m_Drives->add("a");
+    EXPECT_EQ(m_Parallel.ControllerStates().at(0).m_AccessStatus, ScriptedDrives::REFUSED);
+    ParallelDrives privileged(m_Drives, m_Drives->source(), false);
+    EXPECT_EQ(privileged.ControllerStates().at(0).m_AccessStatus, 0U);
+}
+
 } // namespace
