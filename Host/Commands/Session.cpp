@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <functional>
 #include <utility>
 
 namespace Host::Cli {
@@ -132,6 +131,7 @@ Watched::Watched(const Session& session) : m_Rows(session.warn())
     for (EquippedPlugin& plugin : m_Plugins.initialize())
         m_Monitors.emplace_back(std::move(plugin), session.keptData(), session.warn());
     cleanUp();
+    lookAtControllers();
     keepAdapterNumbers(session.keptData(), session.warn());
 }
 
@@ -145,6 +145,7 @@ std::vector<PI::CEvent> Watched::collect(Monitor& monitor)
 {
     std::vector<PI::CEvent> events = monitor.collect();
     cleanUp();
+    lookAtControllers();
     return events;
 }
 
@@ -159,13 +160,27 @@ void Watched::cleanUp()
         return ObjectStore(std::move(all));
     };
     // A plug-in that may not be asked may still have drives with rows.
-    if (!std::all_of(m_Monitors.begin(), m_Monitors.end(), std::mem_fn(&Monitor::mayBeAsked)))
+    if (std::any_of(m_Monitors.begin(), m_Monitors.end(),
+                    [](const Monitor& monitor) { return monitor.ending() == Ending::NotYet; }))
         return;
     try {
         m_Rows.cleanUp(look);
     } catch (const Failure&) {
         // The monitor has already reported it.
     }
+}
+
+void Watched::lookAtControllers()
+{
+    // Where a plug-in was stuck, the program would be, too.
+    if (std::all_of(m_Monitors.begin(), m_Monitors.end(),
+                    [](const Monitor& monitor) { return monitor.ending() == Ending::ByItself; }))
+        m_Controllers = controllersNow();
+}
+
+ObjectStore Watched::objectsOf(const Monitor& monitor) const
+{
+    return ObjectStore(monitor.objects().objects(), m_Controllers);
 }
 
 ObjectStore Watched::objects() const
@@ -175,7 +190,7 @@ ObjectStore Watched::objects() const
         const std::vector<PI::CObject>& objects = monitor.objects().objects();
         all.insert(all.end(), objects.begin(), objects.end());
     }
-    return ObjectStore(std::move(all), controllersNow());
+    return ObjectStore(std::move(all), m_Controllers);
 }
 
 } // namespace Host::Cli

@@ -126,12 +126,17 @@ public:
     /** The objects that all plug-ins showed at the last look. */
     ObjectStore objects() const;
 
+    /** What `monitor`, one of `monitors()`, showed at the last look. */
+    ObjectStore objectsOf(const Monitor& monitor) const;
+
 private:
     void cleanUp();
+    void lookAtControllers();
 
     PluginSet m_Plugins;
     std::list<Monitor> m_Monitors;
     KeptRows m_Rows;
+    std::vector<TLXX::CControllerState> m_Controllers; ///< of the last look
 };
 
 } // namespace Host::Cli

@@ -111,11 +111,12 @@ public:
 private:
     void end(WatchedDrives& plugin)
     {
-        // The last poll may have left pending events.
-        if (plugin.m_Monitor.stop())
-            report(plugin);
-        else
+        const Ending ending = plugin.m_Monitor.stop();
+        if (ending != Ending::ByItself)
             m_Terminal.tell("The plug-in did not end in time. A drive may have stopped answering.");
+        // The last poll may have left pending events.
+        if (ending != Ending::NotYet)
+            report(plugin);
     }
 
     void watchUntil(TLX::Threading::CEvent& askedToEnd)
@@ -177,11 +178,11 @@ private:
         m_Drives = std::move(after);
     }
 
-    /** Prints what the plug-in's objects show and what was not known before. */
-    static std::vector<Journal::Entry> news(WatchedDrives& plugin)
+    /** Returns what the plug-in's objects show and what was not known before. */
+    std::vector<Journal::Entry> news(WatchedDrives& plugin) const
     {
-        Journal::Outcome outcome =
-            Journal::advance(plugin.m_State, observe(plugin.m_Monitor.objects(), TLX::Misc::now()));
+        Journal::Outcome outcome = Journal::advance(
+            plugin.m_State, observe(m_Watched.objectsOf(plugin.m_Monitor), TLX::Misc::now()));
         plugin.m_State = std::move(outcome.m_State);
         return std::move(outcome.m_Entries);
     }

@@ -69,14 +69,14 @@ Failure DataFolderClaim::failure() const
     if (!m_Error)
         return {ExitCode::RequestFailed, refusal() + ". End it, or name another folder with --data."};
     return {m_Error == std::errc::permission_denied ? ExitCode::NoPermission : ExitCode::RequestFailed,
-            refusal() + ". Remove what is there, or name another folder with --data."};
+            refusal() + ". Look at what is there, or name another folder with --data."};
 }
 
 std::string DataFolderClaim::refusal() const
 {
     if (m_Error)
         return "The lock file " + printable(lockFile(m_Folder).string()) +
-               " cannot be opened: " + m_Error.message();
+               " cannot be used: " + m_Error.message();
     const std::string text = readFile(lockFile(m_Folder)).value_or("");
     const auto process = parseNumber(text.substr(0, text.find_first_of("\r\n")), 10);
     return "Another ostrel" + (process ? ", process " + std::to_string(*process) + "," : "") +

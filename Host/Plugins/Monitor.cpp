@@ -81,11 +81,11 @@ void Monitor::complain(const Failure& failure)
     m_Warn(m_Complaint);
 }
 
-bool Monitor::stop()
+Ending Monitor::stop()
 {
     m_Running = false;
-    m_MayBeAsked = m_Plugin.deInitialize();
-    return m_MayBeAsked;
+    m_Ending = m_Plugin.deInitialize();
+    return m_Ending;
 }
 
 const PI::CObject& Monitor::pluginObject() const

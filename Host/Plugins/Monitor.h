@@ -50,8 +50,8 @@ public:
     /** Reads the objects and returns them. `objects()` does not change. */
     ObjectStore look() const { return ObjectStore(m_Plugin.topology()); }
 
-    /** False when the plug-in's worker did not end in time. Then the plug-in must not be asked. */
-    bool mayBeAsked() const { return m_MayBeAsked; }
+    /** How the plug-in's worker has ended; `ByItself` while it runs as it should. */
+    Ending ending() const { return m_Ending; }
 
     /** The objects of the last look. */
     const ObjectStore& objects() const { return m_Objects; }
@@ -60,10 +60,10 @@ public:
     const PI::CObject& pluginObject() const;
 
     /**
-     * Stops the plug-in. Pending events can still be collected. Returns false when the plug-in's worker did
-     * not end in time. Then the plug-in must not be asked any more.
+     * Stops the plug-in. Pending events can still be collected, unless the worker has not ended. Then the
+     * plug-in must not be asked any more.
      */
-    bool stop();
+    Ending stop();
 
 private:
     void nameNewcomers();
@@ -77,7 +77,7 @@ private:
     ObjectStore m_Objects;
     std::string m_Complaint; ///< the last complaint, while its reason lasts
     bool m_Running = false;
-    bool m_MayBeAsked = true;
+    Ending m_Ending = Ending::ByItself;
 };
 
 } // namespace Host

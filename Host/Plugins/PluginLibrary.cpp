@@ -149,14 +149,17 @@ void PluginLibrary::setAdapterIds(std::vector<PI::CAdapterID> identities)
     m_Running = true;
 }
 
-bool PluginLibrary::deInitialize()
+Ending PluginLibrary::deInitialize()
 {
+    const std::uint64_t cancelled = TLX::Threading::countCancelledThreads();
     PI::CRequestData data;
     request(PI::REQUEST_DEINITIALIZE, 0, data);
     // The result of the request does not tell this. A plug-in cancels a thread that does not end by itself.
     // The cancellation may fail or take time.
     m_Running = TLX::Threading::cancelledThreadRuns();
-    return !m_Running;
+    if (m_Running)
+        return Ending::NotYet;
+    return TLX::Threading::countCancelledThreads() == cancelled ? Ending::ByItself : Ending::ByForce;
 }
 
 std::vector<PI::CObject> PluginLibrary::topology()

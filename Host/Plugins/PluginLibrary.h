@@ -17,6 +17,14 @@ namespace Host {
 /** The name of a request, such as "Initialize". */
 std::string_view requestName(std::int32_t request);
 
+/** How the worker of a plug-in has ended. */
+enum class Ending : std::uint8_t
+{
+    ByItself,
+    ByForce, ///< it was cancelled, mostly because a drive does not answer
+    NotYet,  ///< it was cancelled and still runs; the plug-in must not be asked any more
+};
+
 /**
  * A loaded plug-in and its object. The destructor releases the object and unloads the library. Each request
  * throws `Failure` when the plug-in refuses it.
@@ -45,10 +53,10 @@ public:
     void setAdapterIds(std::vector<PI::CAdapterID> identities);
 
     /**
-     * Request 3. Returns false when a cancelled thread of the plug-in still runs. Then the plug-in must not
-     * be asked any more. Its library stays loaded and its object alive until the process ends.
+     * Request 3. When the worker has not ended, the library stays loaded and its object alive until the
+     * process ends.
      */
-    bool deInitialize();
+    Ending deInitialize();
 
     /** Request 4. */
     std::vector<PI::CObject> topology();

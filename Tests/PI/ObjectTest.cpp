@@ -59,7 +59,8 @@ TEST(Object, CopiesAreDeep)
 
 TEST(Object, MovesKeepTheValues)
 {
-    PI::CObject moved = std::move(sample());
+    PI::CObject source = sample();
+    PI::CObject moved = std::move(source);
     EXPECT_EQ(moved.m_Children, (std::vector<std::uint64_t>{2, 3}));
     PI::CObject assigned;
     assigned = std::move(moved);

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """
-The test of what users install: the Debian packages, unpacked into a folder of their own and used from there, the
-manual, the completions, and a host and a plug-in that are built against them alone.
+The test of what users install. It unpacks the Debian packages into a folder of their own and uses them from there. It
+tests the manual and the completions, and builds a host and a plug-in with the packages only.
 
-Needs the Debian packages binutils cmake dpkg faketime fish g++ groff-base libboost-filesystem-dev lintian ninja-build zsh. It
-installs nothing and needs no special rights.
+Needs the Debian packages binutils cmake dpkg faketime fish g++ groff-base libboost-filesystem-dev lintian ninja-build
+zsh. It installs nothing and needs no special rights.
 """
 
 import argparse

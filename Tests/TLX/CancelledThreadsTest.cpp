@@ -17,11 +17,14 @@ TEST(CancelledThreads, AreRememberedUntilTheyHaveEnded)
     EXPECT_FALSE(cancelledThreadRuns());
     CThread thread([&end] { (void)end.Wait(); });
     EXPECT_FALSE(cancelledThreadRuns()) << "nobody has cancelled it";
+    const std::uint64_t before = countCancelledThreads();
     thread.Cancel();
     EXPECT_TRUE(cancelledThreadRuns());
+    EXPECT_EQ(countCancelledThreads(), before + 1);
     end.Set();
     EXPECT_EQ(thread.Wait(), WaitResult::Taken);
     EXPECT_FALSE(cancelledThreadRuns());
+    EXPECT_EQ(countCancelledThreads(), before + 1) << "it was cancelled all the same";
 }
 
 TEST(CancelledThreads, AreRememberedWithoutTheirObject)

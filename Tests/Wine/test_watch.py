@@ -144,8 +144,6 @@ class Watch(unittest.TestCase):
         self.assertEqual({path.name for path in self.folder.iterdir()} - {"AdapterNumbers.txt"},
                          {"Ostrel.db", "Ostrel.ini", "Ostrel.lock"})
 
-    # Known fault: the program does not end within two minutes here. Remove this mark with the fix.
-    @unittest.expectedFailure
     def test_stuck(self):
         """a disk that never answers does not keep it from ending"""
         # Between two cycles the program must have the time to collect what the first one found. A request waits for

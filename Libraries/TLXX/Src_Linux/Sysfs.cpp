@@ -29,9 +29,9 @@ std::optional<std::uint32_t> namespaceIdentifier(const CFolder& controller, cons
 }
 
 /**
- * The disk path of a namespace of `controller`. Several controllers can share one disk, the head. It belongs
- * to the controller in its name. For the others the path has the name of their own way to the head, so that
- * no two disks have one path.
+ * The disk path of a namespace of `controller`. Several controllers can share one disk, the head. The head's
+ * name contains one controller, and that one gets the head's path. Each other controller gets the name of its
+ * own path to the head. So no two disks have the same path.
  */
 std::string devicePath(const CController& controller, const std::string& node, const CNamespaceName& name)
 {

@@ -83,6 +83,19 @@ TEST_F(KeptData, NumbersStayWithTheirLocationsAndGoneObjectsGo)
                 ElementsAre("1", "S7", "S7"));
 }
 
+TEST_F(KeptData, WatchDropsTheRowsOfWhatIsGoneAtItsStart)
+{
+    ASSERT_EQ(Run("list", Fleet({{7, "S7"}, {8, "S8"}})).m_ExitCode, 0);
+    // It suffers from something, which nobody reads. So watch ends before it collects anything.
+    const std::string fleet = m_Fleets.Write("sick.json", R"({"controllers": [{
+        "location": "0000:07:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "S7"},
+        "namespace": {"blocks": 2048}, "health": {"temperature": 20, "criticalWarning": 8}}]})");
+    const ProgramResult watch =
+        HostTest::runUnread({"watch", "--simulate", fleet, "--data", m_Folder.Path() / "data"});
+    EXPECT_EQ(watch.m_ExitCode, 0) << watch.m_Errors;
+    EXPECT_THAT(Query("SELECT SerialNumber FROM Adapter; SELECT DriveKey FROM PD"), ElementsAre("S7", "S7"));
+}
+
 TEST_F(KeptData, ADatabaseThatCannotBeUsedCostsAWarningAlone)
 {
     std::filesystem::create_directories(File());

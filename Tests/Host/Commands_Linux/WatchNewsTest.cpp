@@ -93,6 +93,18 @@ TEST_F(WatchNewsTest, WhatDrivesSufferFromAtTheStartIsToldOnce)
     end(program);
 }
 
+TEST_F(WatchNewsTest, ALineHasTheDrivesRealAddress)
+{
+    json far = drive("A", 1, 0x08);
+    far["location"] = "10000:e1:00.0";
+    fleet({far});
+    const ProgramResult result = runProgram(arguments({"--json", "--for", "0"}));
+    const json line = json::parse(result.m_Output);
+    EXPECT_EQ(line["kind"], "read-only");
+    EXPECT_EQ(line["drive"]["pciAddress"], "10000:e1:00.0");
+    EXPECT_EQ(line["drive"]["locationIsReal"], false);
+}
+
 TEST_F(WatchNewsTest, TheLimitsThatADriveNamesCountWithoutAWarningOfIts)
 {
     const auto heat = [this](int temperature) {

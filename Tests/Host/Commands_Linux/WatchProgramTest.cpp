@@ -263,7 +263,7 @@ TEST_F(WatchProgram, IsRefusedALockThatCannotBeOpened)
         const ProgramResult result = runProgram(arguments({"--for", "0"}));
         EXPECT_EQ(result.m_ExitCode, 1);
         EXPECT_THAT(result.m_Errors,
-                    HasSubstr("ostrel: The lock file " + lock.string() + " cannot be opened: "));
+                    HasSubstr("ostrel: The lock file " + lock.string() + " cannot be used: "));
     }
     EXPECT_TRUE(std::filesystem::is_empty(other.Path()));
     const ProgramResult list =

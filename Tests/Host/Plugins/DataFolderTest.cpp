@@ -140,8 +140,7 @@ TEST_F(DataFolder, IsNobodysWhereItTakesNoLock)
     std::filesystem::create_directory(lock);
     const Host::DataFolderClaim claim(m_Folder.Path(), 0);
     EXPECT_FALSE(claim.granted());
-    EXPECT_THAT(claim.refusal(),
-                testing::StartsWith("The lock file " + lock.string() + " cannot be opened: "));
+    EXPECT_THAT(claim.refusal(), testing::StartsWith("The lock file " + lock.string() + " cannot be used: "));
     EXPECT_THAT(claim.failure().what(), testing::EndsWith("name another folder with --data."));
 }
 

@@ -15,6 +15,7 @@
 
 namespace {
 
+using Host::Ending;
 using Host::ExitCode;
 using Host::PluginLibrary;
 namespace Built = HostTest::Built;
@@ -107,7 +108,7 @@ TEST(PluginLibrary, ReleasesAPluginThatEndedHoweverLate)
     {
         PluginLibrary plugin(Built::SLOW_PLUGIN);
         clock.OnSleep([&] { clock.Advance(25'200); });
-        EXPECT_TRUE(plugin.deInitialize());
+        EXPECT_EQ(plugin.deInitialize(), Ending::ByItself);
         clock.OnSleep({});
     }
     EXPECT_EQ(clock.Sleeps().size(), 2U) << "at its end, and when it was released";
@@ -122,13 +123,29 @@ TEST(PluginLibrary, LeavesAPluginAloneWhoseThreadCouldNotBeEnded)
     {
         PluginLibrary plugin(Built::SLOW_PLUGIN);
         clock.OnSleep([&thread] { thread.Cancel(); });
-        EXPECT_FALSE(plugin.deInitialize());
+        EXPECT_EQ(plugin.deInitialize(), Ending::NotYet);
     }
     // Otherwise its release would have slept once more.
     EXPECT_EQ(clock.Sleeps().size(), 1U);
     end.Set();
     EXPECT_EQ(thread.Wait(), TLX::Threading::WaitResult::Taken);
-    EXPECT_TRUE(PluginLibrary(Built::SLOW_PLUGIN).deInitialize()) << "its end is seen";
+    clock.OnSleep({});
+    EXPECT_EQ(PluginLibrary(Built::SLOW_PLUGIN).deInitialize(), Ending::ByItself) << "its end is seen";
+}
+
+TEST(PluginLibrary, TellsThatAThreadOfThePluginWasEndedByForce)
+{
+    TestSupport::CVirtualClock clock;
+    TLX::Threading::CEvent end;
+    ASSERT_EQ(end.Init(true, true), TLX::Threading::WaitResult::Taken);
+    PluginLibrary plugin(Built::SLOW_PLUGIN);
+    clock.OnSleep([&end] {
+        TLX::Threading::CThread thread([&end] { (void)end.Wait(); });
+        thread.Cancel();
+        EXPECT_EQ(thread.Wait(), TLX::Threading::WaitResult::Taken);
+    });
+    EXPECT_EQ(plugin.deInitialize(), Ending::ByForce);
+    clock.OnSleep({});
 }
 
 class RealPluginTest : public testing::Test

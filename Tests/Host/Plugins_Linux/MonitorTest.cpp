@@ -178,14 +178,14 @@ TEST_F(MonitorTest, WhatTheLastPollFoundIsNotLost)
 {
     writeFleet(drive(1, "A"));
     poll();
-    EXPECT_TRUE(m_Monitor.stop());
+    EXPECT_EQ(m_Monitor.stop(), Host::Ending::ByItself);
     EXPECT_THAT(collected(), ElementsAre(11094));
 }
 
 TEST_F(MonitorTest, StopsThePluginInTheEnd)
 {
     EXPECT_EQ(threads(), m_Threads + 1);
-    EXPECT_TRUE(m_Monitor.stop());
+    EXPECT_EQ(m_Monitor.stop(), Host::Ending::ByItself);
     EXPECT_EQ(threads(), m_Threads);
 }
 

@@ -321,7 +321,7 @@ TEST_P(UpdateSystemRowFaults, AMoveWhoseRowsFailedIsMendedByTheNextScan)
 // The database changes nothing of what a host sees.
 TEST_P(UpdateSystemRowFaults, NeitherListsNorEventsNoticeABrokenDatabase)
 {
-    const auto run = [this](bool broken) {
+    const auto run = [](bool broken) {
         CPluginUnderTest plugin;
         EXPECT_EQ(plugin.m_EventsLock.Init(), TLX::Threading::WaitResult::Taken);
         CFakeDrives fakes;

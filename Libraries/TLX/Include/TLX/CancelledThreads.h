@@ -2,6 +2,8 @@
 
 #include <TLX/Export.h>
 
+#include <cstdint>
+
 namespace TLX::Threading {
 
 /**
@@ -9,5 +11,8 @@ namespace TLX::Threading {
  * loaded, and what it uses must stay alive. Safe from any thread.
  */
 TLX_EXPORT bool cancelledThreadRuns();
+
+/** How many threads were cancelled in this process up to now, ended or not. Safe from any thread. */
+TLX_EXPORT std::uint64_t countCancelledThreads();
 
 } // namespace TLX::Threading

@@ -1,6 +1,6 @@
 #pragma once
 
-// Clang's thread-safety annotations; empty for other compilers. The preset `clang-tsa` enforces them.
+// Clang's thread-safety annotations; empty for other compilers. The preset `asan` enforces them.
 #if defined(__clang__)
 #define TLX_ANNOTATION(x) __attribute__((x))
 #else
