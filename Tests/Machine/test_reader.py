@@ -58,6 +58,13 @@ class Reader(Booted):
         """a private reader ends with the program"""
         self.assertEqual(self.files["left-behind"].strip(), b"")
 
+    def test_silent(self):
+        """the program leaves a private reader behind that a drive keeps in the kernel, and shows the other drives"""
+        self.assertEqual(len(self.files["stuck"].split()), 1)
+        shown = {entry["serial"] for entry in json.loads(self.files["ostrel/list-silent.out"])["drives"]}
+        self.assertLessEqual({"INTEL-1", "TWO-DISKS"}, shown)
+        self.assertEqual(self.document("list-recovered"), self.document("list-root"))
+
     def test_restrictions(self):
         """the reader keeps one capability and a filter of system calls"""
         lines = dict(line.split(":", 1) for line in self.files["restrictions"].decode().splitlines())

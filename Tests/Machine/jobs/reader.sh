@@ -41,3 +41,11 @@ kill $reader
 wait $reader || true
 rm /run/ostrel/reader.sock
 run list-again list --json
+
+# A drive falls silent: without the bus it can answer nothing, until the kernel resets it after 10 s.
+silent=$(cat "$(dirname "$(grep -l '^PLAIN *$' /sys/class/nvme/nvme*/serial)")/address")
+printf '\002' | dd of="/sys/bus/pci/devices/$silent/config" bs=1 seek=4 count=1 conv=notrunc 2>/dev/null
+run list-silent list --json
+pidof ostrel-reader >/results/stuck || true
+while pidof ostrel-reader; do usleep 100000; done
+run list-recovered list --json
