@@ -6,7 +6,7 @@ _ostrel() {
     local options="--version -h --help --plugin --data --simulate --reader --trace --trace-file --json"
 
     case $previous in
-        --plugin | --simulate | --trace-file)
+        --plugin | --simulate | --reader | --trace-file)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             return
@@ -16,7 +16,7 @@ _ostrel() {
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
             return
             ;;
-        --reader | --trace | --for) return ;;
+        --trace | --for) return ;;
     esac
 
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do

@@ -204,7 +204,7 @@ public:
             for (const PI::CEvent& event : plugin.collectEvents(own))
                 m_Lines.push_back(textOf(event));
         }
-        EXPECT_TRUE(plugin.deInitialize());
+        EXPECT_EQ(plugin.deInitialize(), Host::Ending::ByItself);
         return m_Lines;
     }
 
