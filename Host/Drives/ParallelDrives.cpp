@@ -49,11 +49,8 @@ std::vector<TLXX::CControllerState> controllersNow(TLXX::IDeviceBackend& machine
 } // namespace
 
 ParallelDrives::ParallelDrives(std::shared_ptr<TLXX::IDeviceBackend> machine,
-                               std::unique_ptr<TLXX::IDriveSource> source, bool ownRights)
-    : m_Number(uniqueNumber()),
-      m_OwnRights(ownRights),
-      m_Machine(std::move(machine)),
-      m_Rounds(std::move(source))
+                               std::unique_ptr<TLXX::IDriveSource> source, Rights rights)
+    : m_Number(uniqueNumber()), m_Machine(std::move(machine)), m_Rights(rights), m_Rounds(std::move(source))
 {
     if (m_RoundEnded.Init(false, false) != TLX::Threading::WaitResult::Taken)
         throw std::runtime_error("no event for the rounds of drives");
@@ -235,7 +232,7 @@ std::optional<TLXX::CPciLocation> ParallelDrives::Location(std::uint32_t number)
 std::vector<TLXX::CControllerState> ParallelDrives::ControllerStates()
 {
     std::vector<TLXX::CControllerState> states = m_Machine->ControllerStates();
-    if (!m_OwnRights)
+    if (m_Rights == Rights::Readers)
         for (TLXX::CControllerState& state : states)
             state.m_AccessStatus = 0;
     return states;

@@ -36,24 +36,17 @@ void startTrace(const TraceOptions& trace)
         TLX::Trace::setMask(module, mask);
 }
 
-std::shared_ptr<ParallelDrives> readSideBySide(std::shared_ptr<TLXX::IDeviceBackend> backend)
+/** Reads the drives of `fleet`, of `former`, or of this machine: the first of them that there is. */
+std::shared_ptr<ParallelDrives> readSideBySide(const std::shared_ptr<SimulatedFleet>& fleet,
+                                               const std::shared_ptr<TLXX::IDeviceBackend>& former,
+                                               const std::optional<std::filesystem::path>& reader)
 {
-    auto source = std::make_unique<TLXX::CThreadedSource>(backend);
-    return std::make_shared<ParallelDrives>(std::move(backend), std::move(source));
-}
-
-/** The drives of the fleet or else of the former back-end. If there is neither, those of this machine. */
-std::shared_ptr<ParallelDrives> drivesOf(std::shared_ptr<SimulatedFleet> fleet,
-                                         std::shared_ptr<TLXX::IDeviceBackend> former,
-                                         const std::optional<std::filesystem::path>& reader)
-{
-    if (fleet)
-        return readSideBySide(std::move(fleet));
-    if (former)
-        return readSideBySide(std::move(former));
+    const std::shared_ptr<TLXX::IDeviceBackend> other = fleet ? fleet : former;
+    if (other)
+        return std::make_shared<ParallelDrives>(other, std::make_unique<TLXX::CThreadedSource>(other));
     MachineDrives drives = machineDrives(reader);
     return std::make_shared<ParallelDrives>(TLXX::platformBackend(), std::move(drives.m_Source),
-                                            drives.m_OwnRights);
+                                            drives.m_OwnRights ? Rights::Own : Rights::Readers);
 }
 
 } // namespace
@@ -83,7 +76,7 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
                      const std::optional<std::filesystem::path>& fleetFile, const Warn& warn)
     : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr),
       m_Former(TLXX::deviceBackend()),
-      m_Drives(drivesOf(m_Fleet, m_Former, folders.m_Reader)),
+      m_Drives(readSideBySide(m_Fleet, m_Former, folders.m_Reader)),
       m_Trace(trace)
 {
     keepNoRows();

@@ -85,9 +85,6 @@ public:
     {
         return TLXX::CPciLocation{0, static_cast<std::int32_t>(number), 0, 0};
     }
-    /** The system lets this user open none of them. */
-    static constexpr std::uint32_t REFUSED = 13;
-
     std::vector<TLXX::CControllerState> ControllerStates() override
     {
         std::vector<TLXX::CControllerState> states;
@@ -95,8 +92,8 @@ public:
             TLXX::CControllerState state;
             state.m_DeviceName = drive.m_Path;
             state.m_SerialNumber = drive.m_Serial + " of the system";
+            state.m_AccessStatus = 13;
             state.m_Model = "Model of the system";
-            state.m_AccessStatus = REFUSED;
             states.push_back(state);
         }
         return states;
