@@ -97,15 +97,15 @@ void Session::print(const std::string& text) const
     const std::string mark =
         simulated() ? printable("Simulated fleet: " + m_Setup.fleet()->file().filename().string()) + '\n'
                     : "";
-    write(mark + text);
+    printAsIs(mark + text);
 }
 
 void Session::print(const nlohmann::ordered_json& document) const
 {
-    write(documentText(document, simulated()));
+    printAsIs(documentText(document, simulated()));
 }
 
-void Session::write(const std::string& text) const
+void Session::printAsIs(const std::string& text) const
 {
     try {
         m_Terminal.print(text);

@@ -53,15 +53,14 @@ public:
      */
     void print(const std::string& text) const;
     void print(const nlohmann::ordered_json& document) const;
+    /** The same for a text that says itself where the drives are simulated. */
+    void printAsIs(const std::string& text) const;
 
     const Options& m_Options;
     Terminal& m_Terminal;
     const HostFolders m_Folders;
     const std::vector<std::filesystem::path> m_Plugins; ///< the installed one first
     const HostSetup m_Setup;
-
-private:
-    void write(const std::string& text) const;
 };
 
 /** Lives while request 1 runs: on a terminal it tells when the disks among `states` take their time. */

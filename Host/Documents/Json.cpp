@@ -214,15 +214,19 @@ Json ownFactsJson(const ObjectStore& store, const std::vector<const PI::CObject*
     return list;
 }
 
+Json listedJson(const Drive& drive)
+{
+    Json json = driveJson(drive);
+    if (const auto end = explainEndOfLife(drive))
+        json["endOfLife"] = endOfLifeJson(*end);
+    return json;
+}
+
 Json listJson(const ObjectStore& store)
 {
     Json document = {{"drives", Json::array()}};
-    for (const Drive& drive : joinDrives(store)) {
-        Json json = driveJson(drive);
-        if (const auto end = explainEndOfLife(drive))
-            json["endOfLife"] = endOfLifeJson(*end);
-        document["drives"].push_back(std::move(json));
-    }
+    for (const Drive& drive : joinDrives(store))
+        document["drives"].push_back(listedJson(drive));
     return document;
 }
 

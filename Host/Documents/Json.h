@@ -22,7 +22,9 @@ nlohmann::ordered_json objectJson(const ObjectStore& store, const PI::CObject& o
 nlohmann::ordered_json driveJson(const Drive& drive);
 /** What drives and system themselves tell, for the documents of `show`: of each adapter among `objects`. */
 nlohmann::ordered_json ownFactsJson(const ObjectStore& store, const std::vector<const PI::CObject*>& objects);
-/** All drives, as `list` shows them, with the end of their lives. */
+/** A drive as `list` shows it, with the end of its life. */
+nlohmann::ordered_json listedJson(const Drive& drive);
+/** All drives. */
 nlohmann::ordered_json listJson(const ObjectStore& store);
 nlohmann::ordered_json eventJson(const DriveEvent& event);
 

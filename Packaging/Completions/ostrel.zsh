@@ -8,6 +8,7 @@ _ostrel_commands() {
         'show:The properties of one object'
         'set:Give a property another value'
         'watch:Each event of the drives as it comes'
+        'check:A verdict for monitoring systems'
         'doctor:Check what can be seen here, and why not more'
     )
     _describe -t commands command commands

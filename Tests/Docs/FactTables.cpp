@@ -160,7 +160,7 @@ std::string factTable()
 
 std::map<std::string, std::string> schemaMembers(const std::string& schema)
 {
-    if (schema == "list")
+    if (schema == "list" || schema == "check")
         return {{"drive", driveMembers()}};
     if (schema == "show")
         return {{"facts", ownFactMembers()}};

@@ -100,6 +100,8 @@ class Documents(unittest.TestCase):
         self.document("property", "set", "plugin", "pollinterval", "60", "--data", self.folder.name)
         (end,) = self.document("show", "show", "RATED", fleet=self.limits)["endOfLife"]
         self.assertEqual(end["limit"], "writing")
+        self.document("check", "check", code=2)
+        self.document("check", "check", fleet=self.limits, code=2)
         self.document("doctor", "doctor")
         self.document("doctor", "doctor", fleet=self.limits, code=1)
         self.document("doctor", "doctor", fleet=self.empty, code=3)
@@ -115,6 +117,8 @@ class Documents(unittest.TestCase):
         self.error("list", "--plugin", "/no/such.so", code=1)
         self.error("list", "--data", "/dev/null/x", code=2)
         self.error("list", fleet="/no/such/fleet", code=2)
+        for words, fleet in ((("check",), self.empty), (("check", "none"), DEMO), (("check", "--colour"), DEMO)):
+            self.assertIn("error", self.document("check", *words, fleet=fleet, code=3))
         self.assertEqual(run("list", "--json=false").returncode, 2)
 
     def test_members_that_tell_what_a_row_is_worth(self):
@@ -180,6 +184,7 @@ class Documents(unittest.TestCase):
                      ("topology", {"format": 1, "objects": self.document("topology", "topology")["objects"][:2]}),
                      ("show", self.document("show", "show", "nvme6n1")),
                      ("property", self.document("property", "show", "plugin", "30005")),
+                     ("check", self.document("check", "check", "nvme6n1", code=2)),
                      ("doctor", self.document("doctor", "doctor", fleet=self.limits, code=1)),
                      ("error", self.document("error", "list", fleet=self.empty, code=3))]
         for name, document in documents:
