@@ -14,8 +14,8 @@ double secondsOf(Work work)
 }
 
 /**
- * Runs the registered benchmarks. Their results go to the process's real standard output; what the plug-in
- * prints there goes elsewhere.
+ * Runs the registered benchmarks. Their results go to the process's real standard output. What the plug-in
+ * prints goes elsewhere.
  */
 int run(int argc, char** argv);
 

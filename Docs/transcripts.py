@@ -2,13 +2,13 @@
 """
 Puts into documents what the program really prints.
 
-A transcript is a block that begins with ```console. Each of its lines that begins with "$ " is a command for a shell;
-what stands below it is replaced by what it prints to standard output. A line that begins with "# " is a change of the
-fleet, one of those in CHANGES: it happens while the command above it runs, and makes that print one line, after those
-that it prints at its start. Such a command is told to end when the last change has shown.
+A transcript is a block that begins with ```console. A line in it that begins with "$ " is a command for a shell. The
+text below that line is replaced by what the command prints to standard output. A line that begins with "# " is one of
+the changes of the fleet in CHANGES. It happens while the command above it runs, after the lines that the command prints
+at its start. The command must print one line for each change. It is told to end after the last one.
 
-The commands of a block run one after the other in an empty folder with a copy of the demonstration fleet in it, with
-the installed program first in the path, at a fixed date: some figures depend on the day.
+The commands of a block run one after the other in an empty folder. The folder has a copy of the demonstration fleet.
+The installed program is first in the path. The date is fixed, because some figures depend on the day.
 
 Needs the Debian package faketime.
 """
@@ -59,7 +59,7 @@ def change(file, changed):
 
 
 def watched(command, changes, started, folder):
-    """The output of a command during which the fleet changes."""
+    """The output of a command while the fleet changes."""
     beginning = subprocess.run([*CLOCK, "sh", "-c", f"{command} --for 0"], stderr=subprocess.DEVNULL, check=True,
                                **started).stdout.splitlines()
     with subprocess.Popen([*CLOCK, "sh", "-c", f"echo $$ >&2; exec {command} {TRACE}"], stderr=subprocess.PIPE,

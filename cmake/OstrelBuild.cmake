@@ -77,7 +77,7 @@ function(ostrel_test name)
     target_link_libraries(${name} PRIVATE OstrelOptions ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
     target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
     if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        # In a batch GCC takes sources for headers, where a fixture in an unnamed namespace would be a mistake.
+        # In a batch GCC takes sources for headers. There it would warn of fixtures in unnamed namespaces.
         target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
     endif()
     target_precompile_headers(${name} REUSE_FROM OstrelTestHeaders)

@@ -22,7 +22,7 @@ else()
     set(OSTREL_LIBRARY_FOLDER ${CMAKE_INSTALL_LIBDIR}/ostrel)
     set(OSTREL_LINK_FOLDER ${OSTREL_LIBRARY_FOLDER})
     set(OSTREL_BOOST_COMPONENTS COMPONENTS filesystem)
-    # The plug-in and the libraries find one another in their own folder; the program has another path to them.
+    # The plug-in and the libraries find each other in their own folder. The program needs another path to them.
     set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
     set(CMAKE_INSTALL_RPATH "$ORIGIN")
 endif()

@@ -1,6 +1,6 @@
 /*
- * The least that a look at the drives can cost: opens each drive once and sends it the three commands that
- * every look needs. Prints the instructions of each of several rounds.
+ * The smallest possible cost of a look at the drives. Opens each drive once and sends it the three commands
+ * that every look needs. Prints the instructions of each of several rounds.
  */
 #include <fcntl.h>
 #include <stdint.h>

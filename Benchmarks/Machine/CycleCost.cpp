@@ -1,7 +1,7 @@
 /**
  * The cost of a worker's cycle in which nothing changed, on a machine whose clock advances one nanosecond for
- * each instruction. Runs the plug-in on this machine's drives as a host does and forces cycles. Writes down
- * the instructions that the worker's thread executed in each cycle, and then those of the steps of one cycle.
+ * each instruction. Runs the plug-in on this machine's drives as a host does and forces cycles. Writes the
+ * instructions that the worker's thread executed in each cycle, and then those of the steps of one cycle.
  */
 #include "Support/PluginUnderTest.h"
 
@@ -65,7 +65,7 @@ void awaitCycle(CPluginUnderTest& plugin, std::uint64_t former)
 {
     while (cyclesOf(plugin) == former)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    // The worker has released its locks by then and waits again.
+    // Then the worker has released its locks and waits again.
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
 }
 

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """
-What looking at NVMe drives costs, counted in instructions in a virtual machine: a cycle of the worker in which
-nothing changed and `ostrel list --json`, beside the bare minimum, smartd and nvme-cli.
+The cost of looking at NVMe drives, counted in instructions in a virtual machine. It measures a cycle of the worker in
+which nothing changed and `ostrel list --json`, and compares them with the bare minimum, smartd and nvme-cli.
 
-The machine's clock goes one nanosecond an instruction (QEMU's `-icount shift=0`), and the kernel charges every
-process by that clock. So a process's processor time is the number of instructions that it, and the kernel in its
-service, executed; waiting for a drive counts nothing. A loop of known length checks that first.
+The machine's clock advances one nanosecond for each instruction (QEMU's `-icount shift=0`). The kernel measures the
+processor time of every process with that clock. So this time is the number of instructions that the process, and the
+kernel for it, executed. Waiting for a drive costs nothing. A loop of known length checks this first.
 """
 
 import argparse

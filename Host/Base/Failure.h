@@ -7,11 +7,11 @@
 
 namespace Host {
 
-/** What the program returns to its caller. */
+/** The exit codes of the program. */
 enum class ExitCode : int
 {
     Done = 0,
-    RequestFailed = 1, ///< also: what the program needs for its work is missing or does not fit
+    RequestFailed = 1, ///< also used when something that the program needs is missing or does not fit
     WrongUsage = 2,
     NoHardware = 3,
     NoPermission = 4,
@@ -25,7 +25,7 @@ struct RequestResult
     std::uint32_t m_Code = 0;
 };
 
-/** Ends a command. The message is a whole sentence or more for the administrator and says what to do. */
+/** Ends a command. The message says in whole sentences what is wrong and what the administrator can do. */
 class Failure : public std::runtime_error
 {
 public:

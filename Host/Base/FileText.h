@@ -8,7 +8,9 @@
 
 namespace Host {
 
-/** The bytes of a file; none when it is no regular file, cannot be read to its end or is larger than 64 MiB.
+/**
+ * The bytes of a file. Returns nothing when it is no regular file, cannot be read completely or is larger
+ * than 64 MiB.
  */
 inline std::optional<std::string> readFile(const std::filesystem::path& file)
 {

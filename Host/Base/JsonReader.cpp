@@ -19,7 +19,8 @@ JsonReader::JsonReader(const nlohmann::json& object, std::string place)
 void JsonReader::fail(const char* key, const std::string& what) const
 {
     const std::string place = *key != '\0' ? m_Place + "/" + key : m_Place;
-    // Names are whatever the file holds, and line ends among them could pass for lines of this program.
+    // A file can have any bytes in a name. A line end could look like the beginning of a message of this
+    // program.
     throw std::runtime_error((place.empty() ? "the document" : printable(place)) + " " + what);
 }
 
@@ -82,7 +83,7 @@ std::optional<std::int64_t> JsonReader::signedNumber(const char* key, std::int64
     const nlohmann::json* value = find(key);
     if (value == nullptr)
         return std::nullopt;
-    // An unsigned number above the signed range would come out negative, but never within these bounds.
+    // An unsigned number above the signed range would become negative. It would never be within these bounds.
     const std::int64_t number = value->is_number_integer() ? value->get<std::int64_t>() : smallest - 1;
     const bool wrapped = value->is_number_unsigned() && number < 0;
     if (wrapped || number < smallest || number > largest)

@@ -14,19 +14,21 @@
 #include <system_error>
 #include <vector>
 
-// What differs from system to system; each has a folder of its own behind this header.
+// What differs between the systems. Each system has its own folder with an implementation of this header.
 namespace Host::Platform {
 
-/** The words of the command line in UTF-8, the program's name first, from the arguments of `main`. */
+/**
+ * The words of the command line in UTF-8, from the arguments of `main`. The first one is the program's name.
+ */
 std::vector<std::string> commandLine(int argc, char** argv);
 
 /** The folder of the running program. */
 std::filesystem::path programFolder();
 
-/** Where settings are kept when the user names no folder. */
+/** The folder of the settings when the user names none. */
 std::filesystem::path defaultDataFolder();
 
-/** What a process may want of a file or folder. */
+/** What a process may want to do with a file or folder. */
 enum class Access
 {
     Read,
@@ -35,10 +37,10 @@ enum class Access
     AddFolder, ///< to this folder
 };
 
-/** Why the system refuses this process that access to what is at `path`; no error when it grants it. */
+/** Why the system does not allow this process that access to `path`. No error when it is allowed. */
 std::error_code accessError(const std::filesystem::path& path, Access access);
 
-/** A loaded dynamic library; unloaded on destruction. */
+/** A loaded dynamic library. The destructor unloads it. */
 class DynamicLibrary
 {
 public:
@@ -48,7 +50,7 @@ public:
     DynamicLibrary(const DynamicLibrary&) = delete;
     DynamicLibrary& operator=(const DynamicLibrary&) = delete;
 
-    /** The address of an export; null when there is none of that name. */
+    /** The address of an export, or null when the library has no export of that name. */
     void* symbol(const char* name) const;
 
 private:
@@ -56,8 +58,8 @@ private:
 };
 
 /**
- * A file that one process holds at a time, at the longest until it ends, and in which others read its process
- * identifier. A file that is deleted meanwhile lets nobody else in.
+ * A file that only one process can hold at a time. The process holds it until it ends, at the latest. Other
+ * processes can read its process identifier in the file. Deleting the file does not let another process in.
  */
 class LockFile
 {
@@ -68,8 +70,9 @@ public:
     LockFile& operator=(const LockFile&) = delete;
 
     /**
-     * Makes the file when it is missing. Returns whether this process holds it from now on: no other one
-     * does. Throws `std::system_error` when there is no file to be held, such as where a folder has its name.
+     * Creates the file if it is missing. Returns whether this process holds it from now on. It does not when
+     * another process holds it. Throws `std::system_error` when the file cannot be created or opened, for
+     * example because a folder has its name.
      */
     bool take();
 
@@ -78,21 +81,21 @@ private:
     std::unique_ptr<Native> m_Native;
 };
 
-/** Where the rest of the process writes that believes to write to standard output. */
+/** Where output goes that other parts of the process write to standard output. */
 enum class Elsewhere
 {
     StandardError,
     Nowhere,
 };
 
-/** Nobody reads an output of the program any more. */
+/** The program that read one of our outputs has closed it. */
 class ReaderGone : public std::runtime_error
 {
 public:
     ReaderGone() : std::runtime_error("nobody reads the output any more") {}
 };
 
-/** An output that the process was started with. */
+/** One of the outputs that the process got at its start. */
 enum class Standard
 {
     Output,
@@ -100,9 +103,9 @@ enum class Standard
 };
 
 /**
- * A standard output, kept under a number of its own: what is done with the process's own number later changes
- * nothing here. From construction on, a write to an output that nobody reads any more fails; it never ends
- * the process.
+ * A standard output under a descriptor of its own. Later changes of the process's own descriptor do not
+ * affect it. Once an object exists, a write to an output that is no longer read fails. It does not end the
+ * process.
  */
 class StandardOutput : public Output
 {
@@ -112,7 +115,9 @@ public:
     StandardOutput(const StandardOutput&) = delete;
     StandardOutput& operator=(const StandardOutput&) = delete;
 
-    /** Throws `ReaderGone`, and `std::system_error` when not everything could be written for another reason.
+    /**
+     * Throws `ReaderGone`, or `std::system_error` when the text could not be written completely for another
+     * reason.
      */
     void write(std::string_view text) override;
 
@@ -125,14 +130,16 @@ private:
     std::unique_ptr<Native> m_Native;
 };
 
-/** From now on whatever prints to the standard output, such as a plug-in, prints elsewhere. A
- * `StandardOutput` that was made before still writes to the real one. */
+/**
+ * From now on, whatever others such as a plug-in print to standard output goes elsewhere. A `StandardOutput`
+ * that was made before still writes to the real one.
+ */
 void divertStandardOutput(Elsewhere elsewhere);
 
 /**
- * While it lives, it takes what asks the program to end: an interrupt, a closed terminal, a shutdown. That
- * ends the program at once until `defer` is called. From then on the first time fires `asked()`, and the
- * second time ends the program. One at a time, made while the process has a single thread.
+ * While it lives, it receives requests to end the program: an interrupt, a closed terminal, a shutdown. Until
+ * `defer` is called, a request ends the program at once. After that the first request signals `asked()`, and
+ * the second one ends the program. Only one may exist. Create it while the process has a single thread.
  */
 class TerminationRequest
 {
@@ -143,7 +150,7 @@ public:
     TerminationRequest(const TerminationRequest&) = delete;
     TerminationRequest& operator=(const TerminationRequest&) = delete;
 
-    /** From now on the program ends in its own time. */
+    /** From now on the first request only signals `asked()`, and the program decides when it ends. */
     void defer();
 
     /** A manual-reset event. */
@@ -177,47 +184,47 @@ private:
     std::unique_ptr<Native> m_Native;
 };
 
-/** `time` on the clock on this machine's wall. */
+/** `time` in the time zone of this machine. */
 std::tm localTime(std::time_t time);
 
-/** An NVMe function on a PCI bus that the system's NVMe driver does not serve. */
+/** An NVMe function on a PCI bus that the system's NVMe driver does not use. */
 struct UnservedFunction
 {
     std::string m_Address;
-    std::string m_Driver; ///< empty: none at all
+    std::string m_Driver; ///< empty: it has no driver
 };
 
-/** Controllers that no enumeration can find, because another driver or none has them. */
+/** Controllers that no enumeration can find, because they have another driver or none. */
 std::vector<UnservedFunction> unservedFunctions();
 
-/** Whether a driver holds devices for others, such as virtual machines, and has no use for them itself. */
+/** Whether this driver only reserves devices for others, such as virtual machines. */
 bool isPassThrough(std::string_view driver);
 
-/** What a user does who wants such a device back. */
+/** What a user must do to get such a device back. */
 std::string_view passThroughRemedy();
 
 /** The running system. */
 struct System
 {
     std::string m_Name;       ///< with its version
-    bool m_Supported = false; ///< whether it has what the search for drives needs
+    bool m_Supported = false; ///< whether it has what is needed to find drives
 };
 
 System runningSystem();
 
-/** What a user does whose system is not supported. */
+/** What a user can do when the system is not supported. */
 std::string_view systemRemedy();
 
-/** The NVMe driver that the system has. */
+/** The name of the system's NVMe driver. */
 std::string_view driverName();
 
-/** Whether that driver is there, for the case that no controller shows it. */
+/** Whether that driver is loaded. It is asked when no controller was found. */
 bool isDriverThere();
 
-/** What a user does who may not open the drives. */
+/** What a user can do who has no permission to open the drives. */
 std::string_view permissionRemedy();
 
-/** What a user does whose controllers have no driver. */
+/** What a user can do when controllers have no driver. */
 std::string_view driverRemedy();
 
 } // namespace Host::Platform

@@ -8,7 +8,7 @@
 namespace Host {
 namespace {
 
-// What people type by hand is short; the work grows with the product of the lengths.
+// People type short words. The time grows with the product of the lengths, so longer ones are ignored.
 constexpr std::size_t LONGEST_WORD = 64;
 
 bool same(char a, char b)
@@ -16,10 +16,10 @@ bool same(char a, char b)
     return equalIgnoringCase({&a, 1}, {&b, 1});
 }
 
-/** The changes that make `to` of `from`. */
+/** The number of changes that turn `from` into `to`. */
 std::size_t distance(std::string_view from, std::string_view to)
 {
-    // changes[i][j]: those for the first i and j characters.
+    // changes[i][j] is that number for the first i characters of one and the first j of the other.
     std::vector<std::vector<std::size_t>> changes(from.size() + 1, std::vector<std::size_t>(to.size() + 1));
     for (std::size_t i = 0; i <= from.size(); ++i)
         for (std::size_t j = 0; j <= to.size(); ++j) {
@@ -49,7 +49,7 @@ std::string didYouMean(std::string_view word, const std::vector<std::string>& kn
             continue;
         const std::size_t tolerated = std::max<std::size_t>(1, candidate.size() / 3);
         const std::size_t changes = distance(word, candidate);
-        // A short word would otherwise be near to any other one.
+        // Otherwise a short word would be similar to almost any other one.
         if (changes > tolerated || changes >= candidate.size())
             continue;
         if (nearest == nullptr || changes < fewest) {

@@ -93,7 +93,7 @@ std::optional<std::uint64_t> parseHexadecimal(std::string_view text)
 
 std::string decimalText(double number, int decimals)
 {
-    // Wide enough for the largest number in fixed notation.
+    // Large enough for the largest number in fixed notation.
     char buffer[400];
     const auto result =
         std::to_chars(buffer, buffer + sizeof buffer, number, std::chars_format::fixed, decimals);

@@ -11,10 +11,10 @@ inline constexpr std::uint64_t MILLISECONDS_A_SECOND = 1000;
 /** An instant as "2026-01-01T00:00:00.000Z". */
 std::string utcText(std::uint64_t milliseconds);
 
-/** An instant on the clock of this machine's time zone, as "2026-01-01 00:00:00". */
+/** An instant in this machine's time zone, as "2026-01-01 00:00:00". */
 std::string localTimeText(std::uint64_t milliseconds);
 
-/** The time of day in it, as "00:00:00". */
+/** The time of day in this machine's time zone, as "00:00:00". */
 std::string timeOfDayText(std::uint64_t milliseconds);
 
 } // namespace Host

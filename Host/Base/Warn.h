@@ -5,7 +5,7 @@
 
 namespace Host {
 
-/** Tells the administrator what is wrong but ends nothing: a sentence or more. */
+/** Gets whole sentences that tell the administrator what is wrong. Does not end the command. */
 using Warn = std::function<void(const std::string&)>;
 
 } // namespace Host

@@ -23,13 +23,13 @@ using TLX::Linux::CDescriptor;
     throw std::system_error(error, std::generic_category(), file.string());
 }
 
-/** Throws for anything but a regular file: what else is there, a link included, is nothing of ours. */
+/** Throws for anything but a regular file. Anything else, a link too, does not come from this program. */
 CDescriptor openToLock(const std::filesystem::path& file)
 {
     constexpr int flags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
     CDescriptor descriptor(open(file.c_str(), O_RDWR | O_CREAT | flags, 0644));
     const int error = errno;
-    // Somebody else's file can be locked as well, but not written to.
+    // Another user's file can be locked, too, but it cannot be written.
     if (!descriptor.Valid())
         descriptor = CDescriptor(open(file.c_str(), O_RDONLY | flags));
     struct stat status
@@ -41,13 +41,13 @@ CDescriptor openToLock(const std::filesystem::path& file)
     return descriptor;
 }
 
-/** False when another process holds it. */
+/** Returns false when another process holds it. */
 bool lock(const CDescriptor& descriptor)
 {
     return flock(descriptor.Get(), LOCK_EX | LOCK_NB) == 0;
 }
 
-/** Whether `descriptor` still is the file at this path. */
+/** Whether this path still leads to the file of `descriptor`. */
 bool isAt(const std::filesystem::path& file, const CDescriptor& descriptor)
 {
     struct stat ours
@@ -62,11 +62,15 @@ bool isAt(const std::filesystem::path& file, const CDescriptor& descriptor)
 
 struct LockFile::Native
 {
-    /** False when another process holds the folder, whose lock outlives a lock file that somebody deletes. */
+    /**
+     * Returns false when another process holds the folder. Its lock stays when somebody deletes the lock
+     * file.
+     */
     bool takeFolder()
     {
         CDescriptor folder(open(m_File.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        // Not every file system locks folders, and not everybody may open them. The file has the last word.
+        // Some file systems cannot lock folders, and some users may not open them. Then the lock of the file
+        // decides.
         if (!lock(folder) && errno == EWOULDBLOCK)
             return false;
         m_Folder = std::move(folder);
@@ -82,7 +86,7 @@ struct LockFile::Native
                     fail(m_File, errno);
                 return false;
             }
-            // Whoever made another file at this place meanwhile may hold that one.
+            // Another process may have created a new file at this path and hold it.
             if (!isAt(m_File, file))
                 continue;
             m_Locked = std::move(file);

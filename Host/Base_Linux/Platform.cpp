@@ -30,7 +30,7 @@ std::filesystem::path programFolder()
 
 namespace {
 
-/** The user's folder; the root folder for a user whom the system does not know. */
+/** The user's home folder, or the root folder when the system does not know the user. */
 std::filesystem::path homeFolder()
 {
     if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0')
@@ -48,7 +48,7 @@ std::filesystem::path defaultDataFolder()
 {
     if (geteuid() == 0)
         return "/var/lib/ostrel";
-    // The XDG base directory specification has relative paths ignored.
+    // The XDG base directory specification says that relative paths must be ignored.
     if (const char* state = std::getenv("XDG_STATE_HOME"); state != nullptr && state[0] == '/')
         return std::filesystem::path(state) / "ostrel";
     return homeFolder() / ".local" / "state" / "ostrel";
@@ -89,12 +89,12 @@ struct StandardOutput::Native
           m_Name(which == Standard::Output ? "standard output" : "standard error")
     {}
 
-    /** Returns when a write that failed with `error` may be tried again; throws when it may not. */
+    /** Returns when a write that failed with `error` may be tried again. Throws when it may not. */
     void awaitRoom(int error) const
     {
         if (error == EPIPE)
             throw ReaderGone();
-        // Another process that has the same output may have made it non-blocking.
+        // Another process that shares the output may have made it non-blocking.
         pollfd output{m_Descriptor.Get(), POLLOUT, 0};
         const bool mayWait = error == EAGAIN && (poll(&output, 1, -1) >= 0 || errno == EINTR);
         if (!mayWait && error != EINTR)
@@ -107,7 +107,7 @@ struct StandardOutput::Native
 
 StandardOutput::StandardOutput(Standard which) : m_Native(std::make_unique<Native>(which))
 {
-    // For good: what is said about a failed write may go to the same output.
+    // This stays ignored, because messages about a failed write may go to the same output.
     (void)std::signal(SIGPIPE, SIG_IGN);
 }
 

@@ -12,7 +12,10 @@
 namespace Host::Platform {
 namespace {
 
-/** The signals that ask for an end. One that the program's starter wants ignored stays so, as with nohup. */
+/**
+ * The signals that ask for an end. A signal that is ignored at the start stays ignored, for example under
+ * nohup.
+ */
 sigset_t endingSignals()
 {
     sigset_t signals;
@@ -28,14 +31,14 @@ sigset_t endingSignals()
 
 } // namespace
 
-/** A thread of its own takes the signals, so that none interrupts a plug-in's thread. */
+/** A separate thread takes the signals, so that they do not interrupt a thread of a plug-in. */
 struct TerminationRequest::Native
 {
     Native()
     {
         if (m_Asked.Init(false, true) != TLX::Threading::WaitResult::Taken)
             throw std::system_error(errno, std::generic_category(), "event");
-        // Every thread that is started from now on leaves the signals alone, too.
+        // Threads that are started later inherit this and block the signals, too.
         (void)pthread_sigmask(SIG_BLOCK, &m_Signals, &m_FormerMask);
         m_Thread = std::thread([this] { takeSignals(); });
     }
@@ -64,7 +67,7 @@ struct TerminationRequest::Native
         }
     }
 
-    /** What the signal does to a program that does not care for it. */
+    /** Does what the signal does to a program without a handler. */
     void endBy(int signal) const
     {
         (void)std::signal(signal, SIG_DFL);

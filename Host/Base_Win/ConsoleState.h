@@ -5,8 +5,8 @@
 namespace Host::Platform {
 
 /**
- * While it lives, the console of `output` shows UTF-8 and understands the escape sequences of colours, as far
- * as it can. Does nothing where there is no console.
+ * While it lives, the console of `output` shows UTF-8 and understands escape sequences for colours, if it
+ * can. Does nothing when there is no console.
  */
 class ConsoleState
 {

@@ -28,10 +28,11 @@ LockFile::~LockFile() = default;
 
 bool LockFile::take()
 {
-    // Others may read what is in it, but neither open it to write nor delete it.
+    // Others may read the file. They cannot open it for writing or delete it.
     m_Native->m_Handle = CreateFileW(m_Native->m_File.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
                                      CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    // Somebody else's file, which only he may write to, can still tell whether he does.
+    // Only its owner may write to another user's file. Opening it for reading still tells whether the owner
+    // holds it.
     if (m_Native->m_Handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_ACCESS_DENIED)
         m_Native->m_Handle = CreateFileW(m_Native->m_File.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -86,7 +86,7 @@ std::error_code accessError(const std::filesystem::path& path, Access access)
                         : access == Access::Write   ? GENERIC_WRITE
                         : access == Access::AddFile ? FILE_ADD_FILE
                                                     : FILE_ADD_SUBDIRECTORY;
-    // The flag is what lets folders be opened.
+    // Windows opens a folder only with this flag.
     const HANDLE handle =
         CreateFileW(path.c_str(), right, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                     OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
@@ -151,7 +151,7 @@ void StandardOutput::write(std::string_view text)
     while (!text.empty()) {
         const auto length = static_cast<unsigned>(std::min<std::size_t>(text.size(), INT_MAX));
         const int written = _write(m_Native->m_Descriptor.m_Number, text.data(), length);
-        // The runtime does not know every number that Windows has for a pipe without a reader.
+        // The runtime does not translate every error number that Windows has for a pipe without a reader.
         if (written < 0 && (errno == EPIPE || _doserrno == ERROR_NO_DATA))
             throw ReaderGone();
         if (written < 0)

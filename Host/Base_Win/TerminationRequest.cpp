@@ -10,7 +10,7 @@
 namespace Host::Platform {
 namespace {
 
-// Where the system's thread finds them that tells of the console; it may come at any time.
+// The system calls the console handler on a thread of its own at any time. It finds the state here.
 TLX::Threading::CEvent askedToEnd;
 TLX::Threading::CEvent hasEnded;
 std::atomic<bool> isDeferred = false;
@@ -23,7 +23,8 @@ BOOL WINAPI onConsole(DWORD what)
         (what == CTRL_C_EVENT || what == CTRL_BREAK_EVENT))
         return FALSE;
     askedToEnd.Set();
-    // Of a console that closes, and of a shutdown, the process does not survive this function's return.
+    // When a console closes or the system shuts down, Windows ends the process as soon as this function
+    // returns.
     if (what != CTRL_C_EVENT && what != CTRL_BREAK_EVENT)
         (void)hasEnded.Wait();
     return TRUE;
@@ -43,7 +44,7 @@ struct TerminationRequest::Native
 
     ~Native()
     {
-        // In this order: who takes a handler away waits until none runs.
+        // The event comes first, because removing the handler waits until the handler has returned.
         hasEnded.Set();
         SetConsoleCtrlHandler(onConsole, FALSE);
         isDeferred = false;

@@ -46,7 +46,7 @@ std::string refuseBadSeconds(const std::string& text)
     return parseSeconds(text) ? std::string() : "\"" + text + "\" is not a number from 0 to 4294967295";
 }
 
-/** The parser and what it parses into. */
+/** The parser and the options that it fills. */
 class Parser
 {
 public:
@@ -85,7 +85,7 @@ public:
         return std::move(m_Options);
     }
 
-    /** What it takes, for documents and shells. */
+    /** The description of the command line, for documents and shells. */
     Usage usage() const
     {
         Usage usage;
@@ -105,7 +105,7 @@ public:
         try {
             take(std::move(words));
         } catch (const std::exception&) {
-            // The command may have been recognised before.
+            // An error may come after the command was recognised.
         }
         const std::vector<CLI::App*> commands = m_App.get_subcommands();
         return commands.empty() ? "" : commands.front()->get_name();
@@ -132,7 +132,7 @@ private:
         return options;
     }
 
-    /** The library wants the words in reverse, without the program's. */
+    /** The library expects the words in reverse order, without the program's name. */
     void take(std::vector<std::string> words)
     {
         findOptionWithoutValue(words);
@@ -141,7 +141,9 @@ private:
         m_App.parse(words);
     }
 
-    /** The library would take the next word for an empty value, and not look at the words after a wrong one.
+    /**
+     * The library would take the next word in place of an empty value. After a wrong option it would not look
+     * at further words.
      */
     void refuseOddValues(const std::vector<std::string>& words) const
     {
@@ -159,7 +161,7 @@ private:
         }
     }
 
-    /** The option of this name, whosever it is; null when there is none. */
+    /** The option with this name, of the program or of a command. Null when there is none. */
     const CLI::Option* optionNamed(const std::string& name) const
     {
         const CLI::App* const command = commandWith(name);
@@ -167,7 +169,9 @@ private:
         return own != nullptr ? own : m_App.get_option_no_throw(name);
     }
 
-    /** The library does not say in data which option is without its value: the first that no value follows.
+    /**
+     * The library's error does not hold the option without a value as data. It is the first option that no
+     * value follows.
      */
     void findOptionWithoutValue(const std::vector<std::string>& words)
     {
@@ -240,7 +244,7 @@ private:
         app->fallthrough();
         app->footer(footer);
         app->group("Commands");
-        // The help of a command tells its own options alone, and nobody should have to look for this one.
+        // The help of a command lists only its own options, and this one must be among them.
         addJson(*app);
         app->parse_complete_callback([this, command] { m_Options.m_Command = command; });
         return app;
@@ -288,7 +292,7 @@ private:
             ->check(refuseBadSeconds);
     }
 
-    /** The library would call for a command even where there is a word that is none. */
+    /** The library would report a missing command even if a word is there that is not a command. */
     std::string complaint(const CLI::ParseError& error) const
     {
         const std::vector<std::string> unknown = m_App.remaining(true);
@@ -306,7 +310,7 @@ private:
         return error.what();
     }
 
-    /** Which option has no value, or more than one. */
+    /** The option that has no value or more than one. */
     std::string mismatch() const
     {
         for (const CLI::App* app : appsInUse())
@@ -316,7 +320,7 @@ private:
         return m_WithoutValue + " needs a value";
     }
 
-    /** Where a command went when the value of an option was forgotten. */
+    /** Whether a command was taken for an option's value, because the value was forgotten. */
     std::string swallowedCommand() const
     {
         for (const CLI::Option* option : m_App.get_options())
@@ -327,7 +331,7 @@ private:
         return {};
     }
 
-    /** The command that has this option for itself; null when none has. */
+    /** The command that has this option of its own. Null when no command has it. */
     const CLI::App* commandWith(const std::string& word) const
     {
         const std::string option = word.substr(0, word.find('='));
@@ -337,7 +341,9 @@ private:
         return nullptr;
     }
 
-    /** The command whose own words are wrong, and a blank; empty when it is an option that may be anybody's.
+    /**
+     * The command whose arguments are wrong, and a blank. Empty when the wrong word is an option, because
+     * that may belong to any command.
      */
     std::string commandInQuestion(const CLI::ParseError& error) const
     {
@@ -351,7 +357,7 @@ private:
 
     static bool isOption(const std::string& word) { return word.starts_with('-'); }
 
-    /** What the first word that is not understood may have been meant to be. */
+    /** A question that suggests what the first unknown word may mean. */
     std::string suggestion() const
     {
         const std::vector<std::string> unknown = m_App.remaining(true);
@@ -397,7 +403,7 @@ std::optional<std::uint32_t> parseMask(std::string_view text)
 
 bool keepsRows(const Options& options)
 {
-    // "set" writes settings alone. Simulated drives do not belong among those of the machine.
+    // "set" only writes settings. Rows of simulated drives must not be mixed with those of the machine.
     return options.m_Command != Command::Set &&
            (options.m_Data || (options.m_Command == Command::Watch && !options.m_Fleet));
 }

@@ -26,7 +26,7 @@ enum class Command
 struct Options
 {
     Command m_Command = Command::List;
-    std::vector<std::filesystem::path> m_Plugins; ///< to load beside the installed one
+    std::vector<std::filesystem::path> m_Plugins; ///< plug-ins to load in addition to the installed one
     std::optional<std::filesystem::path> m_Data;
     std::optional<std::filesystem::path> m_Fleet;
     TraceOptions m_Trace;
@@ -37,7 +37,10 @@ struct Options
     std::optional<std::uint32_t> m_Seconds; ///< of `watch`
 };
 
-/** Whether a command keeps rows in the data folder: `watch` of real drives, and who is told a folder. */
+/**
+ * Whether a command keeps rows in the data folder. `watch` of real drives does, and every command but `set`
+ * that was given a folder.
+ */
 bool keepsRows(const Options& options);
 
 /** The user asked for help or the version: `what()` is the text to print. */
@@ -46,47 +49,49 @@ class TextAsked : public std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/** A trace mask: decimal, or hexadecimal behind "0x". */
+/** A trace mask: decimal, or hexadecimal after "0x". */
 std::optional<std::uint32_t> parseMask(std::string_view text);
 
-/** Takes "MASK" for every module, or "MODULE=MASK" for the one of that number. False when `text` is neither.
+/**
+ * Takes "MASK" for every module, or "MODULE=MASK" for the module with that number. Returns false for any
+ * other text.
  */
 bool addTraceMask(std::string_view text, TraceOptions& trace);
 
 /**
- * What the words of a command line, the program's name first, ask for. Throws `TextAsked`, or `Failure`
- * (wrong usage).
+ * Reads the words of a command line, of which the first is the program's name. Throws `TextAsked`, or
+ * `Failure` (wrong usage).
  */
 Options parseCommandLine(const std::vector<std::string>& words);
 
-/** An option as people are told of it. */
+/** The description of an option. */
 struct OptionUsage
 {
-    std::vector<std::string> m_Names; ///< short ones first: "-h", "--help"
-    std::string m_Value;              ///< what it takes, such as "FILE"; empty for a flag
+    std::vector<std::string> m_Names; ///< all its names, short ones first: "-h", "--help"
+    std::string m_Value;              ///< the word for its value, such as "FILE"; empty for a flag
     std::string m_Description;        ///< a line
-    std::string m_Details;            ///< more of it, for the manual: a sentence a line
-    bool m_IsRepeated = false;        ///< may be given several times
+    std::string m_Details;            ///< further sentences for the manual, one in each line
+    bool m_IsRepeated = false;        ///< whether it may be given several times
 };
 
 struct CommandUsage
 {
     std::string m_Name;
     std::string m_Description;
-    std::vector<OptionUsage> m_Options; ///< those that no other command has
+    std::vector<OptionUsage> m_Options; ///< the options that only this command has
 };
 
-/** What the command line takes. */
+/** The description of the whole command line. */
 struct Usage
 {
-    std::vector<OptionUsage> m_Options; ///< those of every command
+    std::vector<OptionUsage> m_Options; ///< the options that every command accepts
     std::vector<CommandUsage> m_Commands;
 };
 
-/** The description from which help, manual and completions come. */
+/** Help, manual and completions are made from this description. */
 Usage usage();
 
-/** The name of the command among these words, even where the others are wrong; empty when there is none. */
+/** The command among these words, even if other words are wrong. Empty when there is none. */
 std::string commandIn(const std::vector<std::string>& words);
 
 } // namespace Host::Cli

@@ -134,7 +134,7 @@ Checks examine(const Session& session)
     PluginSet plugins;
     for (const std::filesystem::path& file : session.m_Plugins)
         checks.push_back(checkPlugin(plugins, file));
-    // The catalogue is the plug-in's, and known as long as that is loaded.
+    // The catalogue belongs to the plug-in and is only available while the plug-in is loaded.
     if (!plugins.empty())
         checks.push_back(checkTexts(session.m_Folders));
     checks.push_back(checkEndurance(session.m_Folders));
@@ -150,7 +150,7 @@ Checks examine(const Session& session)
     append(checks, unserved);
     append(checks, checkControllers(states));
     append(checks, checkAnyDisk(states, !unserved.empty(), session.m_Setup.fleet().get()));
-    // Other plug-ins may look for other devices.
+    // Other plug-ins may look for other kinds of devices.
     if (!plugins.empty() && (anyDiskOpens(states) || session.m_Plugins.size() > 1))
         checkRequests(plugins, states, session, checks);
     return checks;

@@ -19,11 +19,11 @@ namespace Host::Cli {
 enum class Finding
 {
     Ok,
-    Note,    ///< worth knowing; nothing is broken
-    Problem, ///< something is not to be seen
+    Note,    ///< worth knowing, but nothing is broken
+    Problem, ///< something cannot be seen
 };
 
-/** One thing that was looked at. */
+/** One thing that was checked. */
 struct Check
 {
     Finding m_Finding = Finding::Ok;
@@ -40,52 +40,60 @@ Check problem(ExitCode exitCode, std::string subject, std::string message, std::
 /** Prints what `examine` finds. */
 ExitCode doctor(const Session& session);
 
-/** Looks at everything from the plug-in's file to each drive's answers. Throws nothing for what it finds. */
+/**
+ * Checks everything from the plug-in's file to the answers of each drive. Reports what it finds and never
+ * throws because of it.
+ */
 std::vector<Check> examine(const Session& session);
 
-/** Whether the settings in `folder` are taken into account, each as it stands. */
+/** Whether the settings in `folder` are used. Reports each setting with the value that the file has. */
 Check checkSettings(const std::filesystem::path& folder);
 
-/** Whether the rows can be kept, or, where this run keeps none, could be. */
+/** Whether the rows can be kept. If this run keeps none, whether it could. */
 Check checkRows(const Session& session);
 
 /**
- * Whether `file`, where commands that keep rows have them, can be read and is sound, or, where there is none
- * yet, could be made; changes nothing.
+ * Whether the database `file` can be read and is sound. If there is none yet, whether it could be created.
+ * Changes nothing.
  */
 Check checkKeptRows(const std::filesystem::path& file);
 
-/** Whether the system, its NVMe driver and this user's rights let drives be asked. */
+/**
+ * Whether drives can be asked here. That depends on the system, its NVMe driver and the rights of this user.
+ */
 std::vector<Check> checkSystem(const Platform::System& system, bool driverIsThere,
                                const std::vector<TLXX::CControllerState>& states);
 
-/** What no enumeration finds, for another driver or none has it; no problem when it was given away. */
+/**
+ * Controllers that no enumeration finds, because another driver or none has them. It is no problem if a
+ * controller was given to a virtual machine on purpose.
+ */
 std::vector<Check> checkUnserved(const std::vector<Platform::UnservedFunction>& functions);
 
-/** The release of each plug-in, and whether it is this program's. */
+/** The release of each plug-in, and whether it is the release of this program. */
 std::vector<Check> checkVersions(const ObjectStore& store);
 
-/** What the system says of its controllers. */
+/** What the system tells about its controllers. */
 std::vector<Check> checkControllers(const std::vector<TLXX::CControllerState>& states);
 
 /**
- * Why there is no disk to show at all; nothing when there is one. `anyUnserved`: there are controllers that
- * the NVMe driver does not serve. `fleet`: what stands in the machine's place, or null.
+ * Why there is no disk to show. Nothing when there is one. `anyUnserved` says that there are controllers that
+ * the NVMe driver does not use. `fleet` is the simulated fleet in place of the machine, or null.
  */
 std::vector<Check> checkAnyDisk(const std::vector<TLXX::CControllerState>& states, bool anyUnserved,
                                 const SimulatedFleet* fleet);
 
 /**
- * Whether every disk of the store's controllers became an adapter, at its own place, what its drive left
- * unanswered, and which drives are not to be told apart.
+ * Checks that every disk of the store's controllers became an adapter with the right location. Also reports
+ * what a drive did not answer, and drives that cannot be told apart.
  */
 std::vector<Check> checkInventory(const ObjectStore& store);
 
-/** Which disks may have made the plug-in refuse a request of the inventory. */
+/** The disks that may be the reason why the plug-in refused a request of the inventory. */
 std::vector<Check> checkRefusal(const std::vector<TLXX::CControllerState>& states,
                                 const RequestResult& result);
 
-/** The code of the first problem. */
+/** The exit code of the first problem. */
 ExitCode exitCodeOf(const std::vector<Check>& checks);
 
 std::string doctorText(const std::vector<Check>& checks, const Screen& screen);

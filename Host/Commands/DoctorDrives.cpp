@@ -65,7 +65,10 @@ Check checkMissing(const TLXX::CControllerState& state)
     return silent(state, *status);
 }
 
-/** The plug-in cuts the maker's name off these makers' models, and fails where nothing stands behind it. */
+/**
+ * The plug-in removes the maker's name from the models of these makers. It fails when no text follows the
+ * name.
+ */
 bool isMakerAlone(const TLXX::NVME_IDENTIFY_CONTROLLER& controller)
 {
     constexpr std::uint16_t intel = 0x8086;
@@ -86,7 +89,7 @@ void checkIdentity(const TLXX::CControllerState& state, Checks& checks)
                                  "Disable or remove that drive; the others are then shown."));
 }
 
-/** What a query of `device` that left the plug-in without its data ended with, in brackets. */
+/** Why a query of `device` gave the plug-in no data, in brackets. */
 std::string reasonText(const std::string& device, TLXX::EQuery query)
 {
     const std::uint32_t status = TLXX::lastStatus(device, query).value_or(0);
@@ -141,7 +144,7 @@ void checkPlace(const ObjectStore& store, const TLXX::CControllerState& state, c
                                                    "out")));
 }
 
-/** Calls `tell` with each text that more than one of `drives` has, and their devices. */
+/** Calls `tell` with each text that more than one of `drives` has, and with the devices that have it. */
 template<typename Tell>
 void forEachShared(const std::vector<Drive>& drives, std::string Drive::*text, Tell tell)
 {
@@ -236,7 +239,7 @@ Checks checkInventory(const ObjectStore& store)
     if (dropped)
         checks.push_back(
             note("numbers", "disks that were left out shift the numbers and locations of those behind"));
-    // Only the system's NVMe drives: those of other plug-ins may be something else.
+    // These checks are about the system's NVMe drives only. Drives of other plug-ins may be something else.
     std::vector<Drive> drives;
     for (const Drive& drive : joinDrives(store))
         if (const TLXX::CControllerState* controller = store.controllerOf(*store.byId(*drive.m_AdapterId))) {

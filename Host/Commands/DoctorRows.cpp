@@ -17,20 +17,20 @@ Check badDatabase(const std::string& message, std::error_code error = {})
                    "See to the file and its folder, or name another folder with --data.");
 }
 
-/** What is the matter with `path`, which is not `what` it should be or cannot be looked at. */
+/** Describes what is wrong with `path`: it is not `what` it must be, or its state cannot be read. */
 std::string complaint(const std::filesystem::path& path, std::error_code error, const std::string& what)
 {
     return path.string() + (error ? ": " + error.message() : " is no " + what);
 }
 
-/** Folders that are missing are made with the file, so the nearest one there is has to take the next. */
+/** Missing folders are created with the file. So the nearest existing folder must allow a new one. */
 Check checkPlaceOf(const std::filesystem::path& file)
 {
     using Platform::Access;
     std::error_code error;
     std::filesystem::path folder = std::filesystem::absolute(file).parent_path();
     Access access = Access::AddFile;
-    // A link to nothing is in the way of a folder.
+    // A link that leads to nothing prevents a folder of this name.
     while (folder.has_relative_path() &&
            std::filesystem::symlink_status(folder, error).type() == std::filesystem::file_type::not_found) {
         folder = folder.parent_path();

@@ -42,7 +42,7 @@ Check checkDriver(bool isThere, const std::vector<TLXX::CControllerState>& state
     return ok("driver", text);
 }
 
-/** Nothing where a drive refuses this user, for then a line of its own says so. */
+/** Nothing when a drive refuses this user, because that is reported in a line of its own. */
 Checks checkPermissions(const std::vector<TLXX::CControllerState>& states)
 {
     const std::size_t disks = countDisks(states);

@@ -1,6 +1,6 @@
 #pragma once
 
-/** What the help tells beside the list of options: of the program, and below those of each command. */
+/** The help texts of the program and of each command, besides the list of options. */
 namespace Host::Cli {
 
 inline constexpr char PROGRAM_HELP[] =
@@ -99,7 +99,7 @@ Examples:
   sudo ostrel doctor
   ostrel doctor --simulate fleet.json)";
 
-/** The manual's further sentences about an option, one in each line. */
+/** Further sentences about an option for the manual, one in each line. */
 struct OptionDetails
 {
     const char* m_Option;

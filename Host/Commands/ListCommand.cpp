@@ -18,7 +18,7 @@ constexpr char UNKNOWN[] = "-";
 
 Table newTable()
 {
-    // Widths that keep what a person tells drives apart by; the device's name is never cut.
+    // The least widths at which drives can still be told apart. The device's name is never shortened.
     return Table({{factOf("device").heading()},
                   {factOf("vendor").heading(), false, 0, 2},
                   {factOf("model").heading(), false, 10, 6},
@@ -49,7 +49,7 @@ std::string reasonsText(const Drive& drive)
     return text;
 }
 
-/** What to say of a drive below the table, a paragraph each. */
+/** The remarks about a drive below the table, each a paragraph. */
 std::string notesText(const std::string& device, const Drive& drive, const Screen& screen)
 {
     std::vector<std::string> notes;

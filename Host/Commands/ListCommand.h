@@ -12,7 +12,7 @@ namespace Host::Cli {
 /** Prints every drive. Throws `Failure`. */
 ExitCode list(const Session& session);
 
-/** One line a drive; on a terminal the reasons of a bad health stand below. */
+/** One line for each drive. On a terminal, the reasons of a bad health are below the table. */
 std::string listText(const std::vector<Drive>& drives, const Screen& screen);
 
 } // namespace Host::Cli

@@ -7,7 +7,7 @@ namespace Host::Cli {
 void PollForecast::update(std::uint64_t count, std::uint64_t interval, std::uint64_t now)
 {
     constexpr std::uint64_t patience = MILLISECONDS_A_SECOND;
-    // A poll that is late has not begun, or still goes on.
+    // If a poll is late, it has not begun or is still running.
     if (m_Count != count)
         m_Next = now + interval;
     else if (m_Next <= now)

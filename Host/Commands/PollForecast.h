@@ -5,14 +5,19 @@
 
 namespace Host::Cli {
 
-/** When a plug-in polls next, as far as its counter of polls and its interval tell. Times in milliseconds. */
+/**
+ * Computes when a plug-in polls next, from its count of polls and its interval. Times are in milliseconds.
+ */
 class PollForecast
 {
 public:
-    /** `count` and `interval` are the plug-in's as it shows them `now`, on a clock that never steps back. */
+    /**
+     * `count` and `interval` are the values that the plug-in shows at `now`. `now` is from a clock that never
+     * goes back.
+     */
     void update(std::uint64_t count, std::uint64_t interval, std::uint64_t now);
 
-    /** When the next poll should be over. */
+    /** When the next poll is expected to be finished. */
     std::uint64_t next() const { return m_Next; }
 
 private:

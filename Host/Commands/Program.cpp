@@ -22,7 +22,7 @@
 namespace Host::Cli {
 namespace {
 
-/** What a command line asks for even where it cannot be understood. */
+/** Whether the words contain an option. This works even when the command line as a whole is wrong. */
 bool asksFor(const std::vector<std::string>& words, const std::string& option)
 {
     return std::any_of(words.begin(), words.end(), [&](const std::string& word) {
@@ -32,7 +32,7 @@ bool asksFor(const std::vector<std::string>& words, const std::string& option)
 
 int execute(const Options& options, Terminal& terminal)
 {
-    // Plug-ins print to standard output. Only those who read traces want that.
+    // Plug-ins may print to standard output. That output is only useful together with trace lines.
     Platform::divertStandardOutput(options.m_Trace.wanted() ? Platform::Elsewhere::StandardError
                                                             : Platform::Elsewhere::Nowhere);
     const Session session(options, terminal);
@@ -57,7 +57,7 @@ int execute(const Options& options, Terminal& terminal)
 
 constexpr int NO_VERDICT = static_cast<int>(Verdict::Unknown);
 
-/** Tells failures; those who asked for documents get one, too. */
+/** Reports failures as a message, and also as a document if the user asked for documents. */
 class FailureReport
 {
 public:
@@ -87,9 +87,9 @@ public:
                 m_Terminal.print(text(failureJson(message, result), m_Simulated));
             }
         } catch (const Platform::ReaderGone&) {
-            // The exit code tells the failure, too.
+            // The exit code also reports the failure.
         } catch (const std::exception& error) {
-            // That the results cannot be written may be just what was told.
+            // The message may already be about results that could not be written.
             if (error.what() != message)
                 m_Terminal.tell(error.what());
         }
@@ -135,7 +135,7 @@ int run(const std::vector<std::string>& words)
             return failures.isCheck() ? NO_VERDICT : static_cast<int>(ExitCode::Done);
         }
     } catch (const Platform::ReaderGone&) {
-        // Whoever closes a pipe has read enough.
+        // A reader that closes the pipe has read enough.
         return static_cast<int>(ExitCode::Done);
     } catch (const Failure& failure) {
         return failures.report(failure.exitCode(), failure.what(), failure.result());

@@ -5,7 +5,7 @@
 
 namespace Host::Cli {
 
-/** The whole program: `words` are its name and arguments. Returns the exit code. */
+/** The whole program. `words` are its name and its arguments. Returns the exit code. */
 int run(const std::vector<std::string>& words);
 
 } // namespace Host::Cli

@@ -18,7 +18,7 @@
 namespace Host::Cli {
 namespace {
 
-/** Commands that look and keep what they see are done by then, in milliseconds. */
+/** In milliseconds. Commands that take one look and keep what they see have ended by then. */
 constexpr std::uint64_t WATCH_PATIENCE = 3000;
 
 HostFolders foldersOf(const Options& options)
@@ -34,7 +34,7 @@ std::vector<std::filesystem::path> pluginsOf(const Options& options)
     return plugins;
 }
 
-/** Loads the plug-ins and says which devices refuse. */
+/** Loads the plug-ins and reports the devices that this user may not open. */
 std::vector<TLXX::CControllerState> beginInventory(PluginSet& plugins, const Session& session)
 {
     for (const std::filesystem::path& file : session.m_Plugins)
@@ -54,7 +54,7 @@ ObjectStore takeInventory(PluginSet& plugins, const Session& session)
     return inventory;
 }
 
-/** None when the system cannot tell just now: events must not be lost because of an address. */
+/** Empty when the system cannot tell now. Events must not be lost because an address is unknown. */
 std::vector<TLXX::CControllerState> controllersNow()
 {
     try {
@@ -77,7 +77,7 @@ Session::Session(const Options& options, Terminal& terminal)
         return;
     if (options.m_Command == Command::Watch)
         throw m_Setup.claim()->failure();
-    // "doctor" has a line for it.
+    // "doctor" reports this in a line of its own.
     if (options.m_Command != Command::Doctor)
         terminal.tell(m_Setup.claim()->refusal() + ". This run leaves them as they are.");
 }
@@ -116,7 +116,7 @@ void Session::printAsIs(const std::string& text) const
 
 Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Session& session)
 {
-    // Trace lines are a sign of life themselves, and must not be torn.
+    // Trace lines show progress themselves, and a progress line must not break them.
     const TraceOptions& trace = session.m_Options.m_Trace;
     const bool traced = trace.wanted() && !trace.m_File;
     const std::size_t drives = countDisks(states);
@@ -158,13 +158,13 @@ void Watched::cleanUp()
         }
         return ObjectStore(std::move(all));
     };
-    // Who cannot be asked may still have drives, and rows of theirs.
+    // A plug-in that may not be asked may still have drives with rows.
     if (!std::all_of(m_Monitors.begin(), m_Monitors.end(), std::mem_fn(&Monitor::mayBeAsked)))
         return;
     try {
         m_Rows.cleanUp(look);
     } catch (const Failure&) {
-        // The monitor has told it.
+        // The monitor has already reported it.
     }
 }
 

@@ -20,25 +20,25 @@
 
 namespace Host::Cli {
 
-/** What a command works with: the prepared process, and the terminal that it talks to. */
+/** What a command needs: the prepared process, and the terminal for its output. */
 class Session
 {
 public:
     /**
-     * Prepares the process as plug-ins expect it. Throws `Failure`, also for a command that keeps rows where
-     * another process does.
+     * Prepares the process as plug-ins expect it. Throws `Failure`. It also does so when a command must keep
+     * rows while another process keeps rows in the same folder.
      */
     Session(const Options& options, Terminal& terminal);
 
-    /** Tells what does not end the command. */
+    /** Receives warnings that do not end the command. */
     Warn warn() const;
 
     bool simulated() const { return m_Setup.fleet() != nullptr; }
 
-    /** Whether what is seen is kept in the data folder. */
+    /** Whether the command keeps what it sees in the data folder. */
     bool keepsRows() const { return m_Setup.claim() && m_Setup.claim()->granted(); }
 
-    /** Where that is; empty when it is nowhere. */
+    /** The data folder, or an empty path when nothing is kept. */
     std::filesystem::path keptData() const
     {
         return keepsRows() ? m_Folders.m_Data : std::filesystem::path();
@@ -48,8 +48,8 @@ public:
     std::vector<const PI::CObject*> namedObjects(const ObjectStore& store) const;
 
     /**
-     * Prints the command's result: a text, or one document. Says so where the drives are simulated. When
-     * nobody reads any more, enough has been read, and what the command found still makes the exit code.
+     * Prints the command's result, a text or one document. Says if the drives are simulated. When the reader
+     * has closed the output, this is no error, and the result of the command still decides the exit code.
      */
     void print(const std::string& text) const;
     void print(const nlohmann::ordered_json& document) const;
@@ -63,10 +63,16 @@ public:
     const HostSetup m_Setup;
 };
 
-/** Lives while request 1 runs: on a terminal it tells when the disks among `states` take their time. */
+/**
+ * Shows on a terminal, after a while, that the disks among `states` are being asked. Keep it while request 1
+ * runs.
+ */
 Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Session& session);
 
-/** What the plug-ins show. They stay loaded meanwhile, for the texts of their codes go with them. */
+/**
+ * The objects that the plug-ins show. The plug-ins stay loaded, because the texts of their codes would be
+ * unloaded with them.
+ */
 class Inventory
 {
 public:
@@ -82,30 +88,38 @@ private:
     ObjectStore m_Objects;
 };
 
-/** The plug-ins at work on their own, each with the numbers of its adapters, until destruction at the latest.
+/**
+ * The plug-ins with running workers. Each has the numbers of its adapters. The destructor stops them at the
+ * latest.
  */
 class Watched
 {
 public:
-    /** Loads the plug-ins and takes their inventory, which is kept in the data folder. Throws `Failure`. */
+    /**
+     * Loads the plug-ins and takes their inventory. The inventory is kept in the data folder. Throws
+     * `Failure`.
+     */
     explicit Watched(const Session& session);
 
-    /** Starts the plug-ins, once. Throws `Failure`. */
+    /** Starts the workers of the plug-ins. Call it once. Throws `Failure`. */
     void start();
 
-    /** Of the plug-ins that found drives, at least one. */
+    /** The monitors of the plug-ins that found drives. There is at least one. */
     std::list<Monitor>& monitors() { return m_Monitors; }
 
     /**
-     * Takes the events that are pending with `monitor`, one of `monitors()`. The rows of what went are gone
-     * then, too.
+     * Takes the pending events of `monitor`, which is one of `monitors()`. After that the rows of vanished
+     * objects are removed, too.
      */
     std::vector<PI::CEvent> collect(Monitor& monitor);
 
-    /** Tells once when rows could not be written; the plug-ins do not say so. Costs next to nothing. */
+    /**
+     * Reports once when rows could not be written, because the plug-ins do not report that. Costs almost
+     * nothing.
+     */
     void tellFailure() { m_Rows.tellFailure(); }
 
-    /** What all of them showed at the last look. */
+    /** The objects that all plug-ins showed at the last look. */
     ObjectStore objects() const;
 
 private:

@@ -37,7 +37,7 @@ void putValue(PI::CProperty& property, std::string_view text)
     std::int32_t minimum = 0;
     std::int32_t maximum = 0;
     std::int32_t step = 0;
-    // The plug-in holds the value against the bounds that it gets back.
+    // The plug-in checks the value against the bounds that are in the property that it gets back.
     if (!property.GetValue(value, minimum, maximum, step))
         return;
     const std::optional<std::int32_t> wanted = parseValue(text);
@@ -49,7 +49,7 @@ void putValue(PI::CProperty& property, std::string_view text)
     property.SetValue(*wanted, minimum, maximum, step);
 }
 
-/** Why `file` cannot be replaced; empty when nothing speaks against it. */
+/** The reason why `file` cannot be replaced. Empty when there is none. */
 std::string writeFault(const std::filesystem::path& file)
 {
     namespace fs = std::filesystem;
@@ -97,7 +97,7 @@ PI::CProperty setProperty(PluginLibrary& plugin, const PI::CObject& object, cons
                           std::string_view value, const std::filesystem::path& settings)
 {
     PI::CProperty wanted = plugin.property(object.m_ID, property.Id());
-    // What cannot be set goes back as it is: it is the plug-in's to refuse.
+    // A property that cannot be set is sent as it is, so that the plug-in refuses it itself.
     if (wanted.Settable())
         putValue(wanted, value);
     try {

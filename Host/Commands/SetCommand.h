@@ -11,20 +11,20 @@
 namespace Host::Cli {
 
 /**
- * Gives a property of an object another value, and prints what it is then. The plug-ins do not start to
- * watch, and no row is kept. Throws `Failure`.
+ * Changes a property of an object and prints its new value. The plug-ins start no worker, and no row is kept.
+ * Throws `Failure`.
  */
 ExitCode set(const Session& session);
 
 /**
- * Gives a property of an object another value and returns it as it is then; the plug-in keeps it within its
- * bounds. Throws `Failure`: wrong usage for what is no such value, a failed request for a property that
- * cannot be set, which says what is wrong with the file `settings` where that is the reason.
+ * Changes a property of an object and returns it with its new value. The plug-in keeps the value within its
+ * bounds. Throws `Failure`: wrong usage when the value has the wrong form, a failed request when the property
+ * cannot be set. If the file `settings` is the reason, the message says what is wrong with it.
  */
 PI::CProperty setProperty(PluginLibrary& plugin, const PI::CObject& object, const PI::CProperty& property,
                           std::string_view value, const std::filesystem::path& settings);
 
-/** What a property is now, and why it is not what was asked for. */
+/** The value that a property has now. If it is not the one that was asked for, the reason. */
 std::string setText(const PI::CProperty& property, std::string_view value);
 
 } // namespace Host::Cli

@@ -33,14 +33,14 @@ std::string withoutBlanks(std::string_view text)
 
 constexpr std::size_t MARGIN = 2;
 
-/** A heading, and below it what there is to say. */
+/** A heading and its paragraph. */
 std::string section(const std::string& heading, const std::string& text, const Screen& screen)
 {
     return std::string(MARGIN, ' ') + paragraph(heading, MARGIN, screen, Tone::Heading) +
            std::string(2 * MARGIN, ' ') + paragraph(text, 2 * MARGIN, screen);
 }
 
-/** A fact as people read it; empty when it is not known. */
+/** A fact as text for people. Empty when it is not known. */
 struct FactToText
 {
     std::string_view m_Unit;
@@ -54,7 +54,7 @@ struct FactToText
     }
     std::string operator()(std::int32_t number) const { return withUnit(std::to_string(number)); }
     std::string operator()(float number) const { return withUnit(numberText(static_cast<double>(number))); }
-    /** Nothing that drive or system tell is of another kind. */
+    /** Facts from the drive or the system have no other type. */
     template<typename Other>
     std::string operator()(const Other& /*value*/) const
     {
@@ -69,7 +69,7 @@ private:
     }
 };
 
-/** The facts about `drive` that `origins` tell, below a heading; empty when nothing is known of them. */
+/** The facts about `drive` from these `origins`, below a heading. Empty when none of them is known. */
 std::string factsText(const char* heading, std::initializer_list<FactOrigin> origins, const Drive& drive,
                       const Screen& screen)
 {

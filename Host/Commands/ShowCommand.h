@@ -10,7 +10,7 @@
 
 namespace Host::Cli {
 
-/** Prints the objects that the user named, or one property of theirs. Throws `Failure`. */
+/** Prints the objects that the user named, or one property of them. Throws `Failure`. */
 ExitCode show(const Session& session);
 
 /** A property and the object that has it. */
@@ -20,14 +20,17 @@ struct NamedProperty
     const PI::CProperty& m_Property;
 };
 
-/** Headings and properties of the objects, with what their states mean and where their dates come from. */
+/**
+ * The properties of the objects below headings, with the meaning of their states and the figures of their
+ * end-of-life dates.
+ */
 std::string showText(const ObjectStore& store, const std::vector<const PI::CObject*>& objects,
                      const Screen& screen);
 
 /**
- * The property of the objects with this number or caption, case and blanks aside: the first that has a value,
- * for an adapter without a name must not hide that of its drive. Throws `Failure` (wrong usage), listing what
- * there is, when there is none.
+ * The property of the objects with this number or caption. Case and blanks do not matter. The first one with
+ * a value is taken, because an adapter without a name must not hide the name of its drive. Throws `Failure`
+ * (wrong usage) with a list of the properties when there is none.
  */
 NamedProperty namedProperty(const std::vector<const PI::CObject*>& objects, std::string_view name);
 

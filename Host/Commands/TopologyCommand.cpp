@@ -18,7 +18,9 @@ namespace {
 
 constexpr std::size_t STEP = 2;
 
-/** The display name; before the host has handed out identities adapters have none, then maker and model. */
+/**
+ * The display name. Before the host has handed out identities adapters have none. Then it is maker and model.
+ */
 std::string nameOf(const PI::CObject& object)
 {
     if (std::string name = textOf(object, PI::PROP_NAME); !name.empty())
@@ -43,7 +45,10 @@ std::string operationsText(const PI::CObject& object, std::size_t indent)
     return ids.empty() ? ids : std::string(indent, ' ') + "Operations: " + ids + '\n';
 }
 
-/** Walks down from an object; one that was shown already is not shown again, whatever the lists say. */
+/**
+ * Prints an object and those below it. An object that was printed before is not printed again, even if the
+ * lists of children name it again.
+ */
 class Tree
 {
 public:
@@ -124,7 +129,7 @@ std::string topologyText(const ObjectStore& store, const Screen& screen)
     std::string text;
     for (const PI::CObject* root : store.roots())
         text += tree.branch(*root, 0);
-    // Objects that name one another in a circle have no root.
+    // Objects that name one another as children in a circle have no root.
     for (const PI::CObject& object : store.objects())
         text += tree.branch(object, 0);
     return text;

@@ -11,12 +11,12 @@ namespace Host::Cli {
 /** Prints every object below its parent. Throws `Failure`. */
 ExitCode topology(const Session& session);
 
-/** What an object is, what it is called, and its identifier. */
+/** The kind of an object, its name and its identifier. */
 std::string headingText(const PI::CObject& object, const Screen& screen, std::size_t indent);
 
 /**
- * The properties of `object`, a line each, captions aligned, behind `indent` blanks. Above them is said which
- * of them are not to be relied on.
+ * The properties of `object`, each on a line after `indent` blanks, with aligned captions. A text above them
+ * says which values were not measured.
  */
 std::string propertiesText(const ObjectStore& store, const PI::CObject& object, const Screen& screen,
                            std::size_t indent);

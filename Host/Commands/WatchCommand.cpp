@@ -31,7 +31,7 @@ namespace {
 
 constexpr std::uint64_t NEVER = std::numeric_limits<std::uint64_t>::max();
 
-/** How often the plug-in polls, in milliseconds; 0 when it does not say. */
+/** The plug-in's poll interval in milliseconds, or 0 when it does not show one. */
 std::uint64_t pollInterval(const PI::CObject& plugin)
 {
     const PI::CProperty* property = findProperty(plugin, PI::PROP_POLL_INTERVAL);
@@ -42,7 +42,7 @@ std::uint64_t pollInterval(const PI::CObject& plugin)
                : 0;
 }
 
-/** Whether its health is known to be bad. */
+/** Whether the health is known and bad. */
 bool isSick(const Drive& drive)
 {
     const Tone tone =
@@ -56,7 +56,7 @@ std::string entryLine(const Journal::Entry& entry, const Screen& screen)
                       &entry.m_Drive, screen);
 }
 
-/** Two devices with one serial number are one drive to the plug-in. */
+/** For the plug-in, two devices with one serial number are one drive. */
 std::string sharedSerialText(const SharedSerial& shared)
 {
     std::string devices;
@@ -102,7 +102,7 @@ public:
             try {
                 end(plugin);
             } catch (const Failure&) {
-                // The other plug-ins' last events are still to come.
+                // The last events of the other plug-ins must still be collected.
                 failed = std::current_exception();
             }
         if (failed)
@@ -112,7 +112,7 @@ public:
 private:
     void end(WatchedDrives& plugin)
     {
-        // What the last poll found is pending now.
+        // The last poll may have left pending events.
         if (plugin.m_Monitor.stop())
             report(plugin);
         else
@@ -145,17 +145,17 @@ private:
         }
     }
 
-    /** How long there may be nothing to do, in milliseconds. */
+    /** How long the program may sleep, in milliseconds. */
     std::uint64_t patience() const
     {
-        // Nobody calls when the database fails.
+        // A failure of the database signals no event, so the program must look at times.
         constexpr std::uint64_t longest = 10'000;
         const std::uint64_t now = TLX::Misc::monotonic();
         const std::uint64_t next = std::min(m_End, m_ShowsStatus ? m_Forecast.next() : NEVER);
         return next <= now ? 0 : std::min(next - now, longest);
     }
 
-    /** Tells what the drives suffer from already. */
+    /** Prints what is already wrong with the drives. */
     void reportStart()
     {
         for (const SharedSerial& shared : sharedSerials(m_Drives))
@@ -178,7 +178,7 @@ private:
         m_Drives = std::move(after);
     }
 
-    /** What the plug-in's objects tell that was not known before. */
+    /** Prints what the plug-in's objects show and what was not known before. */
     static std::vector<Journal::Entry> news(WatchedDrives& plugin)
     {
         Journal::Outcome outcome =
@@ -214,7 +214,7 @@ private:
     Watched m_Watched;
     PollForecast m_Forecast; ///< of the first plug-in
     std::uint64_t m_End = NEVER;
-    std::vector<Drive> m_Drives; ///< as the last report found them
+    std::vector<Drive> m_Drives; ///< from the last report of the drives
     std::vector<WatchedDrives> m_Plugins;
 };
 
@@ -224,7 +224,8 @@ ExitCode watch(const Session& session)
 {
     Platform::TerminationRequest termination;
     Watch watch(session);
-    // Until here a signal ends the program at once, because the inventory may wait for a silent drive.
+    // Until here a signal ends the program at once, because the inventory may wait for a drive that does not
+    // answer.
     termination.defer();
     watch.run(termination.asked());
     return ExitCode::Done;

@@ -5,8 +5,8 @@
 namespace Host::Cli {
 
 /**
- * Has the plug-ins watch, and prints each event as it comes, until the time of `--for` is over or somebody
- * asks the program to end. Throws `Failure`, and `std::system_error` when an event cannot be written.
+ * Starts the plug-ins and prints each event when it comes. Ends when the time of `--for` is over or when the
+ * user asks the program to end. Throws `Failure`, and `std::system_error` when an event cannot be written.
  */
 ExitCode watch(const Session& session);
 

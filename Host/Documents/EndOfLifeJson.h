@@ -8,10 +8,10 @@
 
 namespace Host::Cli {
 
-/** The figures for the documents of `list`. */
+/** The figures of one drive, for the document of `list`. */
 nlohmann::ordered_json endOfLifeJson(const EndOfLife& end);
 
-/** A list for the documents of `show`: of each adapter among `objects`. */
+/** A list of these figures for the document of `show`, with an element for each adapter among `objects`. */
 nlohmann::ordered_json endOfLifeJson(const ObjectStore& store,
                                      const std::vector<const PI::CObject*>& objects);
 

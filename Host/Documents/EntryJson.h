@@ -6,7 +6,7 @@
 
 namespace Host::Cli {
 
-/** The line of `watch` for what no event of the plug-in tells. */
+/** The line that `watch --json` prints for a change that no event of the plug-in tells. */
 nlohmann::ordered_json entryJson(const Journal::Entry& entry);
 
 } // namespace Host::Cli

@@ -8,7 +8,7 @@
 
 namespace Host::Cli {
 
-/** A list for the documents of `show`. */
+/** The list of explanations in the document of `show`. */
 nlohmann::ordered_json explanationsJson(const ObjectStore& store,
                                         const std::vector<const PI::CObject*>& objects);
 

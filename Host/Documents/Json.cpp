@@ -21,7 +21,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/** Adds a value, and the bounds and codes that come with it. */
+/** Adds a value with its bounds and allowed codes. */
 struct ValueToJson
 {
     Json& m_Json;
@@ -77,7 +77,7 @@ Json operationJson(const PI::COperation& operation)
     return json;
 }
 
-/** Adds a fact that is known. */
+/** Adds a fact, if it is known. */
 struct FactToJson
 {
     Json& m_Json;
@@ -109,10 +109,10 @@ Json documentJson(const Json& content, bool simulated)
     return document;
 }
 
-/** JSON lets DEL and the C1 controls stand as they are, but a terminal obeys them. */
+/** JSON allows DEL and the C1 control characters unescaped, but a terminal obeys them. */
 std::string withoutControls(const std::string& json)
 {
-    constexpr char lead = '\xC2'; // of U+0080 to U+00BF
+    constexpr char lead = '\xC2'; // the second byte of U+0080 to U+00BF
     std::string text;
     for (std::size_t i = 0; i < json.size(); ++i) {
         const bool isLead = json[i] == lead && i + 1 < json.size();

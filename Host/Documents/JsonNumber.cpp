@@ -12,7 +12,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/** The shortest decimal number that stands for `number`, so that 1.6 does not print as 1.60000002384. */
+/** The shortest decimal number that reads back as `number`. So 1.6 does not print as 1.60000002384. */
 double shortest(float number)
 {
     char buffer[64];

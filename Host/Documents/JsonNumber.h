@@ -8,22 +8,21 @@
 #include <optional>
 #include <string>
 
-// Numbers as members of JSON documents, each in the form that loses nothing.
+// Numbers as members of JSON documents, each in a form that loses no digit.
 namespace Host::Cli {
 
-/** Above 2^53, where not every reader keeps integers exact, the digits stand as text beside the number, too.
- */
+/** Not every reader keeps integers above 2^53 exact. For those the document also has the digits as a text. */
 void addNumber(nlohmann::ordered_json& json, const std::string& name, std::uint64_t number);
 
 void addNumber(nlohmann::ordered_json& json, const std::string& name, std::int32_t number);
 
-/** As short as it is. What is no number is left out, for JSON has none such. */
+/** In its shortest form. Infinity and not-a-number are left out, because JSON does not have them. */
 void addNumber(nlohmann::ordered_json& json, const std::string& name, float number);
 
-/** An object of value and unit. */
+/** An object with the value and its unit. */
 void addNumber(nlohmann::ordered_json& json, const std::string& name, const Amount& amount);
 
-/** Nothing when there is none. */
+/** Returns nothing when there is no amount. */
 template<typename Number>
 void addNumber(nlohmann::ordered_json& json, const std::string& name, const std::optional<Number>& number)
 {

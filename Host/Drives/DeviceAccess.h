@@ -10,18 +10,18 @@
 
 namespace Host {
 
-/** Whether this user is refused the disk that the enumeration yields for the controller. */
+/** Whether this user may not open the controller's disk. */
 bool isRefused(const TLXX::CControllerState& state);
 
-/** How many disks the enumeration yields. */
+/** The number of disks that the enumeration finds. */
 std::size_t countDisks(const std::vector<TLXX::CControllerState>& states);
 
-/** Whether there is a disk that does not refuse this user. */
+/** Whether there is a disk that this user may open. */
 bool anyDiskOpens(const std::vector<TLXX::CControllerState>& states);
 
 /**
- * Says at once what a request would find out only after its retries: throws `Failure` (no permission) when
- * there are disks and every one refuses this user; warns when some do.
+ * Reports a missing permission at once. A request would find it only after its retries. Throws `Failure` (no
+ * permission) when this user may open none of the disks. Warns when the user may open some only.
  */
 void checkAccess(const std::vector<TLXX::CControllerState>& states, const Warn& warn);
 

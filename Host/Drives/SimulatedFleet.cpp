@@ -86,7 +86,7 @@ void SimulatedFleet::lookAgain()
     }
 }
 
-std::vector<TLXX::CDeviceEntry> SimulatedFleet::Enumerate()
+std::vector<TLXX::CDeviceEntry> SimulatedFleet::Enumerate(const TLXX::DeviceWalk& /*walk*/)
 {
     const std::scoped_lock guard(m_Lock);
     lookAgain();
@@ -97,6 +97,29 @@ std::vector<TLXX::CDeviceEntry> SimulatedFleet::Enumerate()
     for (const SimulatedController& controller : m_Controllers)
         entries.push_back({controller.m_DeviceName, controller.m_Driver});
     return entries;
+}
+
+std::vector<TLXX::CControllerState> SimulatedFleet::ControllerStates()
+{
+    const std::scoped_lock guard(m_Lock);
+    std::vector<TLXX::CControllerState> states;
+    for (const SimulatedController& controller : m_Controllers) {
+        TLXX::CControllerState state;
+        state.m_Name = controller.m_DeviceName;
+        state.m_DeviceName = controller.m_DeviceName;
+        state.m_Driver = controller.m_Driver;
+        state.m_Location = controller.m_Location;
+        state.m_Transport = state.m_Location ? "pcie" : "";
+        state.m_Namespaces = 1;
+        state.m_AccessPath = controller.m_DeviceName;
+        if (controller.m_Identify) {
+            state.m_SerialNumber = controller.m_Identify->sSerialNumber();
+            state.m_Model = controller.m_Identify->sModelNumber();
+            state.m_FirmwareRevision = controller.m_Identify->sFirmwareRevision();
+        }
+        states.push_back(std::move(state));
+    }
+    return states;
 }
 
 const SimulatedFleet::Controller* SimulatedFleet::find(const std::string& path) const

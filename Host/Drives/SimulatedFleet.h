@@ -35,7 +35,7 @@ public:
 
     const std::filesystem::path& file() const { return m_File; }
 
-    std::vector<TLXX::CDeviceEntry> Enumerate() override;
+    std::vector<TLXX::CDeviceEntry> Enumerate(const TLXX::DeviceWalk& walk) override;
     std::uint32_t IdentifyController(const std::string& path,
                                      TLXX::NVME_IDENTIFY_CONTROLLER& controller) override;
     std::uint32_t IdentifyNamespace(const std::string& path,
@@ -47,6 +47,8 @@ public:
     /** Device name and serial number. A drive that does not tell its own keeps that of the one before it. */
     std::string Instance(const std::string& path) override;
     std::optional<TLXX::CPciLocation> Location(std::uint32_t number) override;
+    /** Does not look at the file again. */
+    std::vector<TLXX::CControllerState> ControllerStates() override;
     std::string ModuleVersion(const std::string& driver) override;
     /** Announces edits of the file, where the system tells of them. */
     std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()> announce) override;

@@ -13,7 +13,7 @@
 namespace Host {
 namespace {
 
-/** Reads what the kernel tells of a folder and announces what concerns one file in it. */
+/** Reads the kernel's messages about a folder, and calls `announce` for those about one file in it. */
 class FolderAnnouncements : public TLXX::IAnnouncements
 {
 public:
@@ -28,7 +28,7 @@ public:
 private:
     bool readAll() const
     {
-        // Wide enough for several messages; one with the longest name takes 272 bytes.
+        // Large enough for several messages. A message with the longest name takes 272 bytes.
         alignas(inotify_event) std::array<char, 4096> buffer{};
         for (;;) {
             const ssize_t size = ::read(m_Messages.Get(), buffer.data(), buffer.size());
@@ -45,7 +45,7 @@ private:
             inotify_event head{};
             std::memcpy(&head, messages + at, sizeof head);
             const char* const name = messages + at + sizeof head;
-            // After an overflow messages are missing, and any of them may have been about the file.
+            // After an overflow some messages are lost, and one of them may have been about the file.
             if ((head.mask & IN_Q_OVERFLOW) != 0 || (head.len > 0 && m_FileName == name))
                 return true;
             at += sizeof head + head.len;
@@ -64,7 +64,7 @@ private:
 std::unique_ptr<TLXX::IAnnouncements> announceEdits(const std::filesystem::path& file,
                                                     std::function<void()> announce)
 {
-    // The folder is watched because most editors put another file in the place of the edited one.
+    // The folder is watched because most editors replace the edited file by another one.
     const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
     TLX::Linux::CDescriptor messages(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     if (!messages.Valid() ||

@@ -13,12 +13,12 @@
 namespace Host::Platform {
 namespace {
 
-/** Since then the kernel tells the disks of controllers that share a namespace apart. */
+/** Older kernels do not tell the disks of controllers apart that share a namespace. */
 constexpr std::pair<std::uint64_t, std::uint64_t> OLDEST_KERNEL = {4, 15};
 
 constexpr std::string_view DRIVER = "nvme";
 
-/** The number at the head of `text`, which is taken off; 0 when there is none. */
+/** The number at the beginning of `text`. It is removed from `text`. 0 when there is none. */
 std::uint64_t takeNumber(std::string_view& text)
 {
     const std::size_t length = std::min(text.find_first_not_of("0123456789"), text.size());

@@ -13,7 +13,7 @@ namespace {
 /** Class, subclass and programming interface of an NVM Express I/O controller. */
 constexpr std::string_view NVME_CLASS = "0x010802";
 
-/** For virtual machines, and for programs that bring their own driver. */
+/** Drivers that reserve a device for a virtual machine or for a program with a driver of its own. */
 constexpr std::string_view PASS_THROUGH[] = {"vfio-pci",    "pci-stub",        "pciback",
                                              "xen-pciback", "uio_pci_generic", "igb_uio"};
 

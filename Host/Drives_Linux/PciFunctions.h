@@ -7,7 +7,7 @@
 
 namespace Host::Platform {
 
-/** The NVMe functions below `root` (normally "/sys") that the driver "nvme" does not serve. */
+/** The NVMe functions below `root` (usually "/sys") that the driver "nvme" does not use. */
 std::vector<UnservedFunction> unservedFunctionsBelow(const std::filesystem::path& root);
 
 } // namespace Host::Platform

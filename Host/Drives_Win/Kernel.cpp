@@ -11,7 +11,7 @@ namespace {
 
 constexpr char DRIVER[] = "stornvme";
 
-/** Since Windows 10 a program can ask a drive for what is specific to its protocol. */
+/** Since Windows 10 a program can read data from a drive that is specific to its protocol. */
 constexpr DWORD OLDEST_VERSION = 10;
 
 using GetVersionFunction = LONG(WINAPI*)(OSVERSIONINFOW*);
@@ -20,7 +20,7 @@ using GetVersionFunction = LONG(WINAPI*)(OSVERSIONINFOW*);
 
 System runningSystem()
 {
-    // The documented function tells a program without a manifest of an older Windows.
+    // The documented function reports an older Windows to programs without a manifest.
     HMODULE const library = GetModuleHandleW(L"ntdll.dll");
     FARPROC const address = library != nullptr ? GetProcAddress(library, "RtlGetVersion") : nullptr;
     OSVERSIONINFOW version{};

@@ -36,7 +36,7 @@ std::string addressOf(DeviceNode node)
 
 bool isPassThrough(std::string_view driver)
 {
-    // The proxy that Hyper-V puts in the place of what it gives a virtual machine.
+    // The proxy that Hyper-V uses in place of a device that it gave to a virtual machine.
     return boost::iequals(driver, "pcip", std::locale::classic());
 }
 

@@ -10,7 +10,7 @@
 namespace Host::Cli {
 namespace {
 
-/** The drives whose serial number none of `others` has: plug-ins tell drives apart by it. */
+/** The drives whose serial number is in none of `others`. Plug-ins tell drives apart by serial number. */
 std::vector<const Drive*> missingFrom(const std::vector<Drive>& others, const std::vector<Drive>& drives)
 {
     std::set<std::string> serials;
@@ -23,7 +23,7 @@ std::vector<const Drive*> missingFrom(const std::vector<Drive>& others, const st
     return missing;
 }
 
-/** Gives the drives to the events with this identifier: by name, and what is left in order. */
+/** Gives a drive to each event with this identifier: first by name, then the remaining ones in order. */
 void match(std::vector<DriveEvent>& events, std::uint32_t id, std::vector<const Drive*> drives)
 {
     std::vector<DriveEvent*> nameless;
@@ -41,7 +41,8 @@ void match(std::vector<DriveEvent>& events, std::uint32_t id, std::vector<const 
         event.m_Drive = **named;
         drives.erase(named);
     }
-    // With more events than drives, one came and went meanwhile, and nobody knows which event was whose.
+    // With more events than drives, a drive came and went between the looks. Then it is not known which event
+    // belongs to which drive.
     if (nameless.size() != drives.size())
         return;
     for (std::size_t i = 0; i < drives.size(); ++i)
@@ -56,7 +57,7 @@ const Drive* bySource(std::uint64_t source, const std::vector<Drive>& drives)
     return found == drives.end() ? nullptr : &*found;
 }
 
-/** The first placeholder. New adapters may have no name yet. */
+/** The event's first placeholder is the drive's name. New adapters may have no name yet. */
 std::string subjectOf(const DriveEvent& event)
 {
     if (const std::string& name = event.m_Event.PlaceHolder1(); !name.empty())
@@ -64,7 +65,7 @@ std::string subjectOf(const DriveEvent& event)
     DriveIdentity unnamed;
     if (event.m_Drive)
         unnamed = *event.m_Drive;
-    // What the drive is called now may not be what it was called then.
+    // The drive's name may have changed since the event was made.
     unnamed.m_Name.clear();
     return subjectText(unnamed);
 }
@@ -81,8 +82,8 @@ std::vector<DriveEvent> withDrives(std::vector<PI::CEvent> events, const std::ve
             drive = bySource(event.m_Source, before);
         result.push_back({std::move(event), drive != nullptr ? std::optional(*drive) : std::nullopt});
     }
-    // Pending events stand last made first. Adapters do so after a scan, and are looked at from the front for
-    // what is gone.
+    // A plug-in hands over the newest event first. New adapters are in the same order. Events of vanished
+    // ones were made from the first adapter on, so their drives must be reversed.
     std::vector<const Drive*> removed = missingFrom(after, before);
     std::reverse(removed.begin(), removed.end());
     match(result, PI::EVENT_ADAPTER_ADDED, missingFrom(before, after));

@@ -11,7 +11,7 @@
 
 namespace Host::Cli {
 
-/** An event and the drive that it was about, where that is known. */
+/** An event and its drive, if the drive is known. */
 struct DriveEvent
 {
     PI::CEvent m_Event;
@@ -19,16 +19,18 @@ struct DriveEvent
 };
 
 /**
- * Finds the drives of `events` in what there was before and after them. The events of drives that came or
- * went name no object, and a new one may have no name either, so that only the difference tells.
+ * Finds the drive of each event by comparing the drives before and after the events. This is needed because
+ * an event of a drive that came or went names no object. A new drive may also have no name yet.
  */
 std::vector<DriveEvent> withDrives(std::vector<PI::CEvent> events, const std::vector<Drive>& before,
                                    const std::vector<Drive>& after);
 
-/** What happened, as the catalogue has it. A drive without a name goes by model and serial number. */
+/**
+ * What happened, in the words of the catalogue. A drive without a name is called by model and serial number.
+ */
 std::string eventText(const DriveEvent& event);
 
-/** How bad it is, in a word. */
+/** The severity in one word. */
 std::string severityText(std::uint32_t severity);
 
 } // namespace Host::Cli

@@ -4,15 +4,15 @@
 
 namespace Host::Cli {
 
-/** How the location that the plug-in shows for a drive relates to where the drive is. */
+/** How the location that the plug-in shows for a drive differs from the drive's real location. */
 enum class ShownPlace
 {
-    Real,           ///< it is the same, or nobody knows better
-    WithoutSegment, ///< only the PCI segment is missing
-    Another,        ///< it is another place
+    Real,           ///< they are the same, or the real one is not known
+    WithoutSegment, ///< the shown one lacks the PCI segment
+    Another,        ///< they are different places
 };
 
-/** What a drive is known by. Empty: the plug-in does not report it. */
+/** What identifies a drive. A text is empty when the plug-in does not report it. */
 struct DriveIdentity
 {
     std::string m_Name; ///< the adapter's
@@ -21,13 +21,13 @@ struct DriveIdentity
     std::string m_Model;
     std::string m_Serial;
     std::string m_Location;
-    std::string m_PciAddress; ///< where the drive really is; `m_Location` is the plug-in's word
+    std::string m_PciAddress; ///< the real location; `m_Location` is the one that the plug-in shows
     ShownPlace m_Place = ShownPlace::Real;
 
     friend bool operator==(const DriveIdentity&, const DriveIdentity&) = default;
 };
 
-/** What a sentence calls the drive: its name, or its maker, model and serial number while it has none. */
+/** How a sentence names the drive: by its name, or by maker, model and serial number while it has no name. */
 std::string subjectText(const DriveIdentity& drive);
 
 } // namespace Host::Cli

@@ -16,8 +16,8 @@ std::vector<std::string> driveKeys(const std::vector<Drive>& drives)
         std::string key = drive.m_Serial;
         if (key.empty() || bySerial[key] > 1)
             key = drive.m_PciAddress.empty() ? "device-" + drive.m_Device : "pci-" + drive.m_PciAddress;
-        // An adapter with several drives shows one address for all of them, or a serial number looks like
-        // one.
+        // This key is already used. Several drives of one adapter have its address, or another drive's serial
+        // number looks like an address.
         std::string unique = key;
         while (++taken[unique] > 1)
             unique = key + '#' + std::to_string(taken[key]);

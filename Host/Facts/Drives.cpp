@@ -1,12 +1,13 @@
 #include "Facts/Drives.h"
 
 #include <PI/PluginHelper.h>
+#include <TLXX/IntelLogs.h>
 #include <TLXX/NvmeQuery.h>
 
 namespace Host::Cli {
 namespace {
 
-/** Looks a property up on the adapter first, then on its drive. */
+/** Looks for a property at the adapter first, then at its drive. */
 class Pair
 {
 public:
@@ -47,7 +48,7 @@ public:
         return value != nullptr ? std::optional(Amount{*value, property->Units()}) : std::nullopt;
     }
 
-    /** The adapter has it for the model families it knows, the drive for all others. */
+    /** The adapter has it for known model families, the drive has it for all others. */
     std::optional<float> temperature() const
     {
         const std::optional<float> adapters = value<float>(PI::PROP_TEMPERATURE);
@@ -59,7 +60,7 @@ private:
     const PI::CObject* m_Drive;
 };
 
-/** What only a health log tells is not known without one. */
+/** These values come from the health log. Without one they are not known. */
 void dropWhatNobodyRead(const ObjectStore& store, const PI::CObject& adapter, Drive& drive)
 {
     drive.m_HealthLogRead = healthLogRead(store, adapter);
@@ -73,13 +74,13 @@ void dropWhatNobodyRead(const ObjectStore& store, const PI::CObject& adapter, Dr
         drive.m_Health = Health{std::nullopt, UNKNOWN_HEALTH};
 }
 
-/** Plug-ins may shorten the path of a disk; the system's path is the one that was asked. */
 void addPages(const ObjectStore& store, const PI::CObject& adapter, Drive& drive)
 {
     if (const TLXX::CControllerState* system = store.controllerOf(adapter))
         drive.m_System = *system;
-    const std::string& path = drive.m_System ? drive.m_System->m_DeviceName : drive.m_Device;
+    const std::string path = diskPathOf(store, adapter);
     drive.m_HealthLog = TLXX::lastHealthLog(path);
+    drive.m_TemperatureLog = TLXX::lastVendorLog(path, TLXX::INTEL_TEMPERATURE_STATISTIC_LOG_PAGE);
     drive.m_Identify = TLXX::lastIdentifyController(path);
 }
 

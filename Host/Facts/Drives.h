@@ -22,14 +22,14 @@ struct CodeText
     std::string m_Text;
 };
 
-/** How a drive fares. Without a code: nobody knows. */
+/** The health of a drive. It has no code when it is not known. */
 struct Health
 {
     std::optional<std::uint32_t> m_Code;
     std::string m_Text;
 };
 
-/** What is said of a health that nobody knows. */
+/** The text for a health that is not known. */
 inline constexpr char UNKNOWN_HEALTH[] = "Unknown";
 
 /** A measured amount. */
@@ -41,10 +41,10 @@ struct Amount
     friend bool operator==(const Amount&, const Amount&) = default;
 };
 
-/** In bytes; none for a unit that is no amount of data. */
+/** The amount in bytes. Nothing when its unit is not one of data. */
 std::optional<double> bytesOf(const Amount& amount);
 
-/** An adapter and the drive behind it, as one line of `list`. Empty: the plug-in does not report it. */
+/** An adapter and its drive, as one line of `list`. A text is empty when the plug-in does not report it. */
 struct Drive : DriveIdentity
 {
     std::optional<std::uint64_t> m_AdapterId;
@@ -55,9 +55,9 @@ struct Drive : DriveIdentity
     std::optional<std::uint64_t> m_CapacityMiB;
     std::optional<std::uint64_t> m_BlockSize;
     std::optional<float> m_Temperature; ///< degrees Celsius
-    std::optional<std::int32_t> m_Wear; ///< percent; above 100 past the rating
+    std::optional<std::int32_t> m_Wear; ///< percent; above 100 when the rating is exceeded
     std::optional<Health> m_Health;
-    std::optional<bool> m_HealthLogRead; ///< none: the plug-in shows nothing from such a log
+    std::optional<bool> m_HealthLogRead; ///< none: the plug-in shows nothing from a health log
     std::vector<CodeText> m_Reasons;
     std::optional<std::int32_t> m_Spare;
     std::optional<std::int32_t> m_SpareThreshold;
@@ -66,17 +66,18 @@ struct Drive : DriveIdentity
     std::optional<std::uint64_t> m_PowerOnHours;
     std::optional<std::uint64_t> m_MediaErrors;
     std::string m_EndOfLifeDate;  ///< year-month-day
-    bool m_DateCountsWear = true; ///< whether the drive's own wear was looked at for that date
-    std::optional<TLXX::CControllerState> m_System; ///< what the system says of its controller
-    // What the drive itself told last; none: it was never read.
+    bool m_DateCountsWear = true; ///< whether that date takes the drive's own count of wear into account
+    std::optional<TLXX::CControllerState> m_System; ///< what the system tells about its controller
+    // What the drive itself told last. None when it was never read.
     std::optional<TLXX::NVME_SMART_HEALTH_INFORMATION_LOG> m_HealthLog;
+    std::optional<TLXX::VendorLogPage> m_TemperatureLog; ///< temperature statistics of an Intel drive
     std::optional<TLXX::NVME_IDENTIFY_CONTROLLER> m_Identify;
 };
 
-/** Every adapter with each of its drives, in the plug-in's order. */
+/** Every adapter with each of its drives, in the order of the plug-in. */
 std::vector<Drive> joinDrives(const ObjectStore& store);
 
-/** `object` with the first of its drives; none when it is no adapter. */
+/** `object` with its first drive. Nothing when it is no adapter. */
 std::optional<Drive> driveOf(const ObjectStore& store, const PI::CObject& object);
 
 } // namespace Host::Cli

@@ -15,15 +15,15 @@ namespace {
 
 constexpr std::uint64_t USED_UP = 100; // percent
 
-/** What the drive's log has of its use. */
+/** What the drive's log says about its use. */
 struct Use
 {
     std::uint64_t m_Hours = 0;
     std::uint64_t m_BytesWritten = UNKNOWN_COUNTER;
-    std::uint64_t m_Wear = 0; ///< percent, by the drive's own count
+    std::uint64_t m_Wear = 0; ///< percent, as counted by the drive itself
 };
 
-/** None without the log, or when it does not count hours. */
+/** Nothing without the log, or when the log does not count hours. */
 std::optional<Use> useOf(const Drive& drive)
 {
     constexpr std::uint64_t bytesAUnit = 512'000;
@@ -31,14 +31,14 @@ std::optional<Use> useOf(const Drive& drive)
     if (!hours)
         return std::nullopt;
     Use use{*hours, UNKNOWN_COUNTER, drive.m_HealthLog->PercentageUsed};
-    // What fits no 64 bits is the highest number that does; all ones stand for what is not known.
+    // A number that does not fit 64 bits becomes the highest number. All ones means not known.
     if (const auto units = logCounter<&TLXX::NVME_SMART_HEALTH_INFORMATION_LOG::DataUnitsWritten>(drive))
         use.m_BytesWritten =
             *units < UNKNOWN_COUNTER / bytesAUnit ? *units * bytesAUnit : UNKNOWN_COUNTER - 1;
     return use;
 }
 
-/** How long the drive lasts by what was written to it or by its wear; none when that tells nothing. */
+/** How long the drive lasts, from the amount written or from its wear. Nothing when neither can tell. */
 std::optional<std::uint64_t> hoursLeft(std::uint64_t hours, std::uint64_t bytesWritten, std::uint64_t wear,
                                        std::uint64_t rating)
 {
@@ -71,7 +71,7 @@ void findLimit(EndOfLife& end, const Use& use)
         end.m_Wear = use.m_Wear;
 }
 
-/** A plug-in may take a drive that is worn out for one whose wear it does not know. */
+/** A plug-in may treat a drive that is worn out like one whose wear is not known. */
 bool isTooLate(const EndOfLife& end, bool dateCountsWear)
 {
     constexpr std::uint64_t someDays = 2ULL * 24 * 3600 * MILLISECONDS_A_SECOND;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <span>
 #include <variant>
 
 namespace Host::Cli {
@@ -56,7 +57,7 @@ constexpr Explanation EXPLANATIONS[] = {
     {PI::SPARE_EXHAUSTED, "The drive has no spare blocks left to replace worn ones.", REPLACE},
 };
 
-// A health status, for where no reason tells more.
+// A health status, if no reason tells more.
 constexpr Explanation HEALTH[] = {
     {PI::HEALTH_DEGRADED, "The drive works, but something about it is worse than in a new one.",
      "Look at the other states of the drive, and plan to replace it."},
@@ -65,7 +66,7 @@ constexpr Explanation HEALTH[] = {
      "Look at the other states of the drive."},
 };
 
-/** The texts for states that were not measured, by property. The last row is for a medium's health. */
+/** The texts for states that were not measured, by property. The last row is for the health of a medium. */
 struct Constant
 {
     std::uint32_t m_Property;
@@ -83,8 +84,13 @@ constexpr Constant CONSTANTS[] = {
      "Look at the health of its adapter."},
 };
 
-constexpr char LOG_NOT_READ[] = "The health log of this drive was not read, so nobody knows how it fares.";
-constexpr char ASK_DOCTOR[] = "\"ostrel doctor\" says why the log was not read.";
+/** The texts for states whose log was never read, by property. */
+constexpr Constant UNREAD[] = {
+    {PI::PROP_HEALTH_STATUS, "The health log of this drive was not read, so nobody knows how it fares.",
+     "\"ostrel doctor\" says why the log was not read."},
+    {PI::PROP_WEAR_STATE, "The log with the wear of this drive was not read, so nobody knows its wear.",
+     "Look at the endurance used and the available spare."},
+};
 
 template<std::size_t Size>
 const Explanation* find(const Explanation (&table)[Size], std::uint32_t code)
@@ -112,18 +118,15 @@ ExplainedCode explain(const PI::CProperty& property, const Explanation& explanat
 void addUnmeasured(const PI::CProperty& property, Basis basis, std::vector<ExplainedCode>& explained)
 {
     const std::vector<std::uint32_t> codes = codesOf(property);
-    // Numbers that nobody measured are told of above the rows.
+    // For numbers that were not measured there is a sentence above the rows.
     if (codes.empty())
         return;
-    if (basis == Basis::NotRead) {
-        explained.push_back({&property, codes.front(), UNKNOWN_HEALTH, LOG_NOT_READ, ASK_DOCTOR});
-        return;
-    }
-    for (const Constant& row : CONSTANTS)
+    const bool isUnread = basis == Basis::NotRead;
+    const std::string state =
+        isUnread ? UNKNOWN_HEALTH : PI::PropertyValueToString(codes.front()) + NOT_MEASURED;
+    for (const Constant& row : isUnread ? std::span<const Constant>(UNREAD) : CONSTANTS)
         if (row.m_Property == property.Id())
-            explained.push_back({&property, codes.front(),
-                                 PI::PropertyValueToString(codes.front()) + NOT_MEASURED, row.m_Meaning,
-                                 row.m_Advice});
+            explained.push_back({&property, codes.front(), state, row.m_Meaning, row.m_Advice});
 }
 
 } // namespace
@@ -147,7 +150,7 @@ std::vector<ExplainedCode> explainedCodes(const ObjectStore& store, const PI::CO
         }
         for (const std::uint32_t code : codesOf(property)) {
             const Explanation* explanation = find(EXPLANATIONS, code);
-            // Nobody should read that nothing needs to be done for a drive that is failing.
+            // Without this, a failing drive would be shown with the text that nothing needs to be done.
             const bool hidden =
                 trouble != nullptr && explanation != nullptr && explanation->m_Advice == NOTHING;
             if (explanation != nullptr && !hidden)

@@ -11,7 +11,7 @@
 namespace Host::Cli {
 namespace {
 
-// What a getter gives, as a value of the table: nothing and what is empty are not known.
+// Makes a value of the table from what a getter returned. Nothing and an empty value mean not known.
 
 template<typename Value>
 struct Plain
@@ -37,7 +37,7 @@ FactValue known(const List& list)
     return list.empty() ? FactValue() : FactValue(list);
 }
 
-/** A row whose value is what `Get`, a member of `Drive` or a function of one, gives. */
+/** A row whose value is what `Get` returns. `Get` is a member or a function of `Drive`. */
 template<auto Get>
 constexpr Fact fact(const char* key, const char* caption, const char* unit, FactType type, FactSource source)
 {
@@ -52,7 +52,7 @@ constexpr Fact fact(const char* key, const char* caption, const char* unit, Fact
             factKind<Value>()};
 }
 
-// What takes more than a look at a member.
+// Getters that need more than one member.
 
 std::optional<bool> locationIsReal(const Drive& drive)
 {

@@ -2,6 +2,8 @@
 
 #include "Facts/Drives.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -13,33 +15,33 @@
 #include <variant>
 #include <vector>
 
-// The one table of what is known of a drive. Documents, their schemas, the headings of `list`, what `show`
-// prints beside the plug-in's rows and a table in Docs/Interfaces.md come from it.
+// The one table of the facts about a drive. Documents, their schemas, the headings of `list`, the additional
+// rows of `show` and a table in Docs/Interfaces.md are made from it.
 namespace Host::Cli {
 
-/** What a fact is at a drive now; nothing when it is not known. */
+/** The value of a fact for a drive now. Nothing when it is not known. */
 using FactValue = std::variant<std::monostate, std::string, std::uint64_t, std::uint32_t, std::int32_t, float,
                                bool, Amount, std::vector<std::string>, std::vector<std::uint32_t>>;
 
 enum class FactType : std::uint8_t
 {
-    Gauge,   ///< goes up and down
-    Counter, ///< only grows in the life of a drive
-    State,   ///< one of several
+    Gauge,   ///< can go up and down
+    Counter, ///< only grows during the life of a drive
+    State,   ///< one word of several
     Text,
 };
 
-/** Who tells a fact. */
+/** Where a fact comes from. */
 enum class FactOrigin : std::uint8_t
 {
     Plugin,    ///< a property
     HealthLog, ///< a field of the drive's health log
     Identify,  ///< a field of Identify Controller
     System,    ///< the operating system
-    Program,   ///< the program, from several of these
+    Program,   ///< computed by the program from several of these
 };
 
-/** Whether a fact comes past the plug-in: `show` prints it in a section of its own. */
+/** Whether the plug-in does not report a fact. `show` prints these in a section of their own. */
 constexpr bool isOwn(FactOrigin origin)
 {
     return origin == FactOrigin::HealthLog || origin == FactOrigin::Identify || origin == FactOrigin::System;
@@ -48,20 +50,20 @@ constexpr bool isOwn(FactOrigin origin)
 struct FactSource
 {
     FactOrigin m_Origin;
-    std::uint32_t m_Place = 0; ///< the property's identifier, or the first byte of the field
+    std::uint32_t m_Place = 0; ///< identifier of the property, or first byte of the field
 };
 
 /** One row of the table. */
 struct Fact
 {
-    const char* m_Key; ///< the member of JSON documents
+    const char* m_Key; ///< its member in JSON documents
     const char* m_Caption;
     const char* m_Unit; ///< empty: none
     FactType m_Type;
     FactSource m_Source;
     FactValue (*m_Value)(const Drive& drive);
-    std::size_t m_Kind;             ///< which alternative of `FactValue` it is when it is known
-    const char* m_Column = nullptr; ///< its heading in `list`; null: the caption
+    std::size_t m_Kind;             ///< which alternative of `FactValue` a known value has
+    const char* m_Column = nullptr; ///< its heading in `list`; null: the caption is used
 
     constexpr Fact headed(const char* heading) const
     {
@@ -73,17 +75,22 @@ struct Fact
     constexpr const char* heading() const { return m_Column != nullptr ? m_Column : m_Caption; }
 };
 
-/** Which alternative of `FactValue` holds a `Value`. */
+/** The index of the alternative of `FactValue` that holds a `Value`. */
 template<typename Value>
 constexpr std::size_t factKind()
 {
-    return FactValue(std::in_place_type<Value>).index();
+    // Clang 14 cannot make a text at compile time, so this looks at the types alone.
+    return []<typename... Kinds>(std::type_identity<std::variant<Kinds...>>) {
+        static_assert((std::is_same_v<Value, Kinds> || ...));
+        constexpr std::array same = {std::is_same_v<Value, Kinds>...};
+        return static_cast<std::size_t>(std::ranges::find(same, true) - same.begin());
+    }(std::type_identity<FactValue>());
 }
 
-/** All rows, in the order of documents. */
+/** All rows, in the order in which documents have them. */
 std::span<const Fact> facts();
 
-/** The row of a key that is in the table. */
+/** The row with this key. The key must be in the table. */
 const Fact& factOf(std::string_view key);
 
 } // namespace Host::Cli

@@ -2,27 +2,29 @@
 
 #include "Plugins/AdapterIdentities.h"
 
+#include <PI/StateCode.h>
+#include <TLXX/IntelLogs.h>
+#include <TLXX/NvmeQuery.h>
+
 #include <algorithm>
 #include <array>
 
 namespace Host::Cli {
 namespace {
 
-// Only of the plug-in that comes with the program it is known which of its rows are constants. The upper bits
-// of an identifier are the number of its module.
+// It is only known for the plug-in of this program which of its rows are constants. The upper bits of an
+// object's identifier are the module number of its plug-in.
 constexpr std::uint64_t MODULE = 313;
 constexpr unsigned MODULE_SHIFT = 48;
 
-// The one maker whose drives are asked for their wear.
+// The plug-in reads the wear only from drives of this maker.
 constexpr char MAKER_WITH_WEAR[] = "INTEL";
 
-constexpr std::uint32_t HEALTHY = 40024;
-
-/** Rows that the plug-in always has, and fills from the health log. */
+/** Rows that the plug-in always shows and fills from the health log. */
 constexpr std::array FROM_HEALTH_LOG = {PI::PROP_AVAILABLE_SPARE, PI::PROP_SPARE_THRESHOLD,
                                         PI::PROP_MEDIA_ERRORS};
 
-/** Rows from the health log that only a drive has whose log was read. */
+/** Rows that the plug-in shows only when the drive's health log was read. */
 constexpr std::array SIGNS_OF_HEALTH_LOG = {PI::PROP_TEMPERATURE, PI::PROP_DRIVE_TEMPERATURE,
                                             PI::PROP_POWER_ON_HOURS, PI::PROP_DATA_READ,
                                             PI::PROP_DATA_WRITTEN};
@@ -34,23 +36,46 @@ bool hasAny(const PI::CObject& object, const Ids& ids)
                        [&](std::uint32_t id) { return findProperty(object, id) != nullptr; });
 }
 
+bool isOfInstalledPlugin(const PI::CObject& object)
+{
+    return object.m_ID >> MODULE_SHIFT == MODULE;
+}
+
+bool hasWear(const PI::CObject& adapter)
+{
+    return textOf(adapter, PI::PROP_VENDOR) == MAKER_WITH_WEAR;
+}
+
 bool isConstant(const PI::CObject& object, std::uint32_t propertyId)
 {
-    if (object.m_ID >> MODULE_SHIFT != MODULE)
+    if (!isOfInstalledPlugin(object))
         return false;
     if (object.m_Type == PI::TYPE_PHYSICAL_DRIVE)
         return propertyId == PI::PROP_HEALTH_STATUS;
     if (object.m_Type != PI::TYPE_ADAPTER)
         return false;
-    return propertyId == PI::PROP_SPARE_STATE ||
-           (propertyId == PI::PROP_WEAR_STATE && textOf(object, PI::PROP_VENDOR) != MAKER_WITH_WEAR);
+    return propertyId == PI::PROP_SPARE_STATE || (propertyId == PI::PROP_WEAR_STATE && !hasWear(object));
 }
 
-/** A bad health of a drive whose log was not read comes from another log, and is true. */
-bool isHealthy(const PI::CProperty& property)
+bool isCode(const PI::CProperty& property, std::uint32_t expected)
 {
     const auto* code = std::get_if<PI::CCodeValue>(&property.GetValue());
-    return code != nullptr && code->m_Code == HEALTHY;
+    return code != nullptr && code->m_Code == expected;
+}
+
+/** When the health log was not read, a bad health comes from another log, and is true. */
+bool comesFromHealthLog(const PI::CProperty& property)
+{
+    return std::find(FROM_HEALTH_LOG.begin(), FROM_HEALTH_LOG.end(), property.Id()) !=
+               FROM_HEALTH_LOG.end() ||
+           (property.Id() == PI::PROP_HEALTH_STATUS && isCode(property, PI::HEALTH_HEALTHY));
+}
+
+bool isUnreadWear(const ObjectStore& store, const PI::CObject& object, const PI::CProperty& property)
+{
+    return property.Id() == PI::PROP_WEAR_STATE && isCode(property, PI::WEAR_OK) &&
+           isOfInstalledPlugin(object) && hasWear(object) &&
+           !TLXX::lastVendorLog(diskPathOf(store, object), TLXX::INTEL_LEGACY_SMART_LOG_PAGE);
 }
 
 } // namespace
@@ -65,6 +90,12 @@ const PI::CObject* adapterOf(const ObjectStore& store, const PI::CObject& object
             return parent;
     }
     return nullptr;
+}
+
+std::string diskPathOf(const ObjectStore& store, const PI::CObject& adapter)
+{
+    const TLXX::CControllerState* const system = store.controllerOf(adapter);
+    return system != nullptr ? system->m_DeviceName : textOf(adapter, PI::PROP_DEVICE_NAME);
 }
 
 std::optional<bool> healthLogRead(const ObjectStore& store, const PI::CObject& object)
@@ -82,10 +113,9 @@ Basis basisOf(const ObjectStore& store, const PI::CObject& object, const PI::CPr
 {
     if (isConstant(object, property.Id()))
         return Basis::NotMeasured;
-    const bool isFromLog =
-        std::find(FROM_HEALTH_LOG.begin(), FROM_HEALTH_LOG.end(), property.Id()) != FROM_HEALTH_LOG.end() ||
-        (property.Id() == PI::PROP_HEALTH_STATUS && isHealthy(property));
-    return isFromLog && healthLogRead(store, object) == false ? Basis::NotRead : Basis::Measured;
+    const bool isUnread = isUnreadWear(store, object, property) ||
+                          (comesFromHealthLog(property) && healthLogRead(store, object) == false);
+    return isUnread ? Basis::NotRead : Basis::Measured;
 }
 
 ShownPlace shownPlaceOf(const ObjectStore& store, const PI::CObject& adapter)

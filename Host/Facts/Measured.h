@@ -8,37 +8,40 @@
 #include <string>
 #include <vector>
 
-// How much of what a plug-in shows has really been looked at. Its rows stay as they are; whoever shows them
-// says what they are worth.
+// Which of the plug-in's values were really measured. The rows are not changed. The texts here tell users how
+// far they may rely on them.
 namespace Host::Cli {
 
 /** Where the value of a property comes from. */
 enum class Basis
 {
-    Measured,    ///< the drive or the system told it
-    NotRead,     ///< the drive's health log was never read, and the value is that of a new drive
-    NotMeasured, ///< the plug-in shows the same value for every drive, or every drive of this maker
+    Measured,    ///< the drive or the system reported it
+    NotRead,     ///< the drive's log with it was never read, so the value is that of a new drive
+    NotMeasured, ///< the plug-in shows this value for every drive, or for every drive of this maker
 };
 
-/** What follows a value that is not measured. */
+/** The text that follows a value that was not measured. */
 inline constexpr char NOT_MEASURED[] = " (not measured)";
 
-/** The adapter that `object` is or belongs to; null when there is none. */
+/** The adapter that `object` is or belongs to. Null when there is none. */
 const PI::CObject* adapterOf(const ObjectStore& store, const PI::CObject& object);
 
+/** The path at which the disk of `adapter` is asked. Plug-ins may shorten the path that they show. */
+std::string diskPathOf(const ObjectStore& store, const PI::CObject& adapter);
+
 /**
- * Whether the health log of the drive of `object`, an adapter or its medium, was ever read. None when the
- * plug-in shows nothing that comes from such a log.
+ * Whether the health log was ever read. `object` is an adapter or its medium. Nothing when the plug-in shows
+ * no value from a health log.
  */
 std::optional<bool> healthLogRead(const ObjectStore& store, const PI::CObject& object);
 
-/** The basis of a property of `object`. */
+/** Where the value of a property of `object` comes from. */
 Basis basisOf(const ObjectStore& store, const PI::CObject& object, const PI::CProperty& property);
 
-/** How the location that is shown for `adapter` relates to where the adapter is. */
+/** How the location that the plug-in shows for `adapter` differs from its real location. */
 ShownPlace shownPlaceOf(const ObjectStore& store, const PI::CObject& adapter);
 
-/** What to say above the rows of `object`, a sentence or two for each reason; mostly nothing. */
+/** The sentences to show above the rows of `object`, one or two for each reason. Usually empty. */
 std::vector<std::string> caveatsOf(const ObjectStore& store, const PI::CObject& object);
 
 } // namespace Host::Cli

@@ -6,6 +6,7 @@
 
 #include <PI/LifeTimeData.h>
 #include <PI/PropertyId.h>
+#include <PI/StateCode.h>
 
 #include <utility>
 #include <variant>
@@ -13,15 +14,13 @@
 namespace Host::Cli {
 namespace {
 
-constexpr std::uint32_t WEAR_NORMAL = 40252;
-
-// The plug-in shows no warning byte. It shows each of these bits as a reason of the drive's health.
+// The plug-in does not show the warning byte. It shows each of its bits as a reason of the drive's health.
 constexpr std::pair<std::uint32_t, CriticalWarning> REASONS[] = {
     {40460, WARNING_SPARE},     {40459, WARNING_TEMPERATURE},   {40487, WARNING_RELIABILITY},
     {40452, WARNING_READ_ONLY}, {40449, WARNING_MEMORY_BACKUP},
 };
 
-/** None when the health log was not read: a warning that nobody heard of has not cleared. */
+/** Nothing when the health log was not read. A warning that could not be read has not ended. */
 std::optional<std::uint8_t> warningsOf(const Drive& drive)
 {
     const bool unread = drive.m_HealthLogRead == false && drive.m_Reasons.empty();
@@ -35,51 +34,58 @@ std::optional<std::uint8_t> warningsOf(const Drive& drive)
     return warnings;
 }
 
-std::optional<bool> belowNew(const PI::CObject* adapter)
+/** None when it was not looked at: then the plug-in shows the state of a new drive. */
+std::optional<bool> belowNew(const ObjectStore& objects, const PI::CObject* adapter)
 {
     const PI::CProperty* state = adapter != nullptr ? findProperty(*adapter, PI::PROP_WEAR_STATE) : nullptr;
     const auto* code = state != nullptr ? std::get_if<PI::CCodeValue>(&state->GetValue()) : nullptr;
-    return code != nullptr ? std::optional(code->m_Code != WEAR_NORMAL) : std::nullopt;
+    return code != nullptr && basisOf(objects, *adapter, *state) == Basis::Measured
+               ? std::optional(code->m_Code != PI::WEAR_OK)
+               : std::nullopt;
 }
 
-/** Without a rating the plug-in's figure is no percentage of anything. */
+/** Without a rating, the plug-in's figure does not mean a percentage. */
 std::optional<std::int32_t> wearOf(const Drive& drive)
 {
     return PI::findLifeTimeData(PI::GetLifeTimeDataNVMe(), drive.m_Model) != nullptr ? drive.m_Wear
                                                                                      : std::nullopt;
 }
 
-/** A drive that has used its last spare block up has a threshold; one without either reports neither. */
+/**
+ * A drive without spare blocks left still reports a threshold. When both are 0, the drive reports neither.
+ */
 std::optional<std::int32_t> spareOf(const Drive& drive)
 {
     return drive.m_Spare == 0 && drive.m_SpareThreshold == 0 ? std::nullopt : drive.m_Spare;
 }
 
-/** No drive has nothing: then its namespace was not read. */
+/** Every drive has blocks. A count of 0 means that the namespace was not read. */
 std::optional<std::uint64_t> unlessNone(const std::optional<std::uint64_t>& amount)
 {
     return amount && *amount > 0 ? amount : std::nullopt;
 }
 
-/** The drive's own word; that of the plug-in where the program cannot read it. */
+/** The value from the drive itself, or the plug-in's value when the program cannot read the drive. */
 std::optional<float> temperatureOf(const Drive& drive)
 {
     const std::optional<std::int32_t> own = compositeTemperature(drive);
     return own ? std::optional(static_cast<float>(*own)) : drive.m_Temperature;
 }
 
-ObservedDrive observed(const Drive& drive, const PI::CObject* adapter, std::string key)
+ObservedDrive observed(const Drive& drive, std::optional<bool> belowNew, std::string key)
 {
     ObservedDrive result;
     static_cast<DriveIdentity&>(result) = drive;
     result.m_Key = std::move(key);
     result.m_Firmware = drive.m_Firmware;
     result.m_CapacityMiB = unlessNone(drive.m_CapacityMiB);
-    // The plug-in gives a namespace that was not read a block size, too.
+    // The plug-in shows a block size even for a namespace that was not read.
     result.m_BlockSize = result.m_CapacityMiB ? unlessNone(drive.m_BlockSize) : std::nullopt;
     result.m_Warnings = warningsOf(drive);
-    result.m_BelowNew = belowNew(adapter);
+    result.m_BelowNew = belowNew;
     result.m_Temperature = temperatureOf(drive);
+    if (drive.m_TemperatureLog)
+        result.m_TemperatureMargin = TLXX::temperatureMargin(*drive.m_TemperatureLog);
     result.m_TemperatureLimit = limit<&TLXX::NVME_IDENTIFY_CONTROLLER::WCTEMP>(drive);
     result.m_CriticalTemperatureLimit = limit<&TLXX::NVME_IDENTIFY_CONTROLLER::CCTEMP>(drive);
     if (drive.m_MediaErrors != UNKNOWN_COUNTER)
@@ -96,10 +102,11 @@ Observation observe(const ObjectStore& objects, std::uint64_t time)
     const std::vector<Drive> drives = joinDrives(objects);
     std::vector<std::string> keys = driveKeys(drives);
     Observation result{time, {}};
-    for (std::size_t i = 0; i < drives.size(); ++i)
+    for (std::size_t i = 0; i < drives.size(); ++i) {
+        const auto& id = drives[i].m_AdapterId;
         result.m_Drives.push_back(
-            observed(drives[i], drives[i].m_AdapterId ? objects.byId(*drives[i].m_AdapterId) : nullptr,
-                     std::move(keys[i])));
+            observed(drives[i], belowNew(objects, id ? objects.byId(*id) : nullptr), std::move(keys[i])));
+    }
     return result;
 }
 

@@ -2,6 +2,8 @@
 
 #include "Facts/DriveIdentity.h"
 
+#include <TLXX/IntelLogs.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -23,7 +25,7 @@ enum CriticalWarning : std::uint8_t
     WARNING_MEMORY_BACKUP = 1U << 4U,
 };
 
-/** What is known of one drive at one look. Absent: not known, so that nothing follows from it. */
+/** What is known about one drive at one moment. An absent value is not known, so it causes no entry. */
 struct ObservedDrive : DriveIdentity
 {
     std::string m_Key; ///< see `driveKeys`
@@ -31,23 +33,25 @@ struct ObservedDrive : DriveIdentity
     std::optional<std::uint64_t> m_CapacityMiB;
     std::optional<std::uint64_t> m_BlockSize; ///< bytes
     std::optional<std::uint8_t> m_Warnings;   ///< of `CriticalWarning`
-    std::optional<bool> m_BelowNew;           ///< an attribute of its blocks is worse than in a new one
+    std::optional<bool> m_BelowNew;           ///< an attribute of its blocks is worse than in a new drive
     std::optional<float> m_Temperature;       ///< degrees Celsius
-    std::optional<float> m_TemperatureLimit;  ///< from which on the drive calls itself too hot
-    std::optional<float> m_CriticalTemperatureLimit; ///< from which on it may stop
+    /** As the drive's temperature statistics show it. */
+    std::optional<TLXX::ETemperatureMargin> m_TemperatureMargin;
+    std::optional<float> m_TemperatureLimit;         ///< at this temperature the drive warns
+    std::optional<float> m_CriticalTemperatureLimit; ///< at this temperature it may stop
     std::optional<std::uint64_t> m_MediaErrors;
     std::optional<std::int32_t> m_Spare; ///< percent left
-    std::optional<std::int32_t> m_Wear;  ///< percent used; above 100 past the rating
+    std::optional<std::int32_t> m_Wear;  ///< percent used; above 100 when the rating is exceeded
 };
 
-/** What is known of a machine at one look. */
+/** What is known about a machine at one moment. */
 struct Observation
 {
     std::uint64_t m_Time = 0; ///< milliseconds since 1970
     std::vector<ObservedDrive> m_Drives;
 };
 
-/** What a plug-in's objects tell, and what their drives' own pages do, at `time`. */
+/** Reads from the plug-in's objects and from the pages of their drives. The observation is of `time`. */
 Observation observe(const ObjectStore& objects, std::uint64_t time);
 
 } // namespace Host::Cli

@@ -9,36 +9,37 @@
 #include <optional>
 #include <string>
 
-// Fields of a drive's own pages. Each is nothing when the page was never read, or when the field says that
-// the drive does not report it. All ones say that, too: a drive that does not answer reads so.
+// Fields of the pages that a drive reports itself. Each is nothing when the page was never read or the field
+// is not reported. All ones also mean that it is not known, because a drive that does not answer gives all
+// ones.
 namespace Host::Cli {
 
-/** What stands for a counter that is not known. */
+/** A counter of this value is not known. */
 inline constexpr std::uint64_t UNKNOWN_COUNTER = std::numeric_limits<std::uint64_t>::max();
 
-/** Of 16 bytes, low half first. A number that does not fit 64 bits is none. */
+/** A number of 16 bytes, low half first. Nothing when it does not fit 64 bits. */
 std::optional<std::uint64_t> numberOf(const std::array<std::uint64_t, 2>& field);
 
 std::optional<std::uint64_t> numberOf(std::uint32_t field);
 
-/** Degrees Celsius of a field in kelvin; 0 kelvin is no temperature. */
+/** A field in kelvin, converted to degrees Celsius. Nothing for 0 kelvin. */
 std::optional<std::int32_t> celsiusOf(std::uint16_t kelvin);
 
-/** The composite temperature of the health log in degrees Celsius. */
+/** The composite temperature in the health log, in degrees Celsius. */
 std::optional<std::int32_t> compositeTemperature(const Drive& drive);
 
-/** Such as "1.4", or "1.2.1". */
+/** The NVMe version, such as "1.4" or "1.2.1". */
 std::string nvmeVersion(const Drive& drive);
 
 std::optional<std::uint64_t> namespaceLimit(const Drive& drive);
 
-/** Bytes; reported by drives whose namespaces can be made and removed. */
+/** Bytes. Only drives that can create and delete namespaces report it. */
 std::optional<std::uint64_t> totalCapacity(const Drive& drive);
 
-/** Bytes of the total capacity; nothing where that is not reported. */
+/** The total capacity in bytes. Nothing when the drive does not report it. */
 std::optional<std::uint64_t> unallocatedCapacity(const Drive& drive);
 
-// A field of the health log, as getters of the table of facts.
+// A field of the health log, as a getter for the table of facts.
 
 template<auto Field>
 std::optional<std::uint64_t> logCounter(const Drive& drive)
@@ -52,7 +53,7 @@ std::optional<std::uint64_t> logElement(const Drive& drive)
     return drive.m_HealthLog ? numberOf(((*drive.m_HealthLog).*Field)[Index]) : std::nullopt;
 }
 
-/** May pass 100; a drive counts no further than 255. */
+/** May exceed 100. A drive counts up to 255. */
 template<auto Field>
 std::optional<std::int32_t> logPercentage(const Drive& drive)
 {
@@ -65,7 +66,7 @@ std::optional<std::int32_t> sensor(const Drive& drive)
     return drive.m_HealthLog ? celsiusOf(drive.m_HealthLog->TemperatureSensor[Index]) : std::nullopt;
 }
 
-/** A limit of the temperature in Identify Controller. */
+/** A temperature limit in Identify Controller. */
 template<auto Field>
 std::optional<std::int32_t> limit(const Drive& drive)
 {

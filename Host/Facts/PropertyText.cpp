@@ -81,7 +81,7 @@ std::string numberText(double number)
 
 std::string withUnit(const std::string& number, std::uint32_t unit)
 {
-    // 0 is what a property has that was built without any unit.
+    // A property that was built without any unit has 0.
     if (unit <= PI::UNIT_NONE)
         return number;
     return number + (unit == PI::UNIT_PERCENT ? "" : " ") + PI::PropertyValueToString(unit);
@@ -111,7 +111,7 @@ std::string hoursText(std::uint64_t hours)
 std::string sizeText(std::uint64_t mebibytes)
 {
     constexpr double step = 1024;
-    // What three digits round up to a fourth belongs to the next unit.
+    // If rounding gives a fourth digit, the next unit is used.
     constexpr double next = 1023.5;
     constexpr std::array units = {"MiB", "GiB", "TiB", "PiB", "EiB"};
     auto size = static_cast<double>(mebibytes);

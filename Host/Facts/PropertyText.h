@@ -7,25 +7,25 @@
 
 namespace Host::Cli {
 
-/** A property's caption; of one without a caption, the program's own name for it. */
+/** The caption of a property. If it has none, a name that the program gives it. */
 std::string captionText(const PI::CProperty& property);
 
-/** A property's value as people read it, in a unit that suits its size. */
+/** A property's value for people, in a unit that suits its size. */
 std::string valueText(const PI::CProperty& property);
 
-/** `number` with two decimals at most. */
+/** `number` with at most two decimals. */
 std::string numberText(double number);
 
 /** `number` and its unit; a percent sign follows without a blank. */
 std::string withUnit(const std::string& number, std::uint32_t unit);
 
-/** A span of time in the unit that people would choose: days, months or years. */
+/** A span of time in days, months or years, whichever suits its size. */
 std::string durationText(std::uint64_t hours);
 
-/** Hours and, from a day on, the span of time in people's unit behind them. */
+/** Hours. From a day on, the same span in days, months or years follows. */
 std::string hoursText(std::uint64_t hours);
 
-/** A size in the largest binary unit in which it is at least 1, in three digits. */
+/** A size with three digits, in the largest binary unit in which it is at least 1. */
 std::string sizeText(std::uint64_t mebibytes);
 
 } // namespace Host::Cli

@@ -6,7 +6,9 @@
 namespace Host::Journal {
 namespace {
 
-/** A key that says where a drive is does not say which one it is. */
+/**
+ * A key made from a location says where a drive is, but not which drive it is. So this compares the drives.
+ */
 bool mayBeSame(const DriveState& former, const Cli::ObservedDrive& drive)
 {
     return former.m_Drive.m_Serial == drive.m_Serial &&
@@ -20,7 +22,10 @@ public:
         : m_Former(former), m_Drives(drives), m_Claimed(former.size()), m_Found(drives.size())
     {}
 
-    /** Gives each drive that has none yet the first free one with the same name, unless that is empty. */
+    /**
+     * Matches each drive that has no partner yet with the first free former drive of the same name. Empty
+     * names do not match.
+     */
     template<typename NameOf>
     void by(NameOf nameOf)
     {

@@ -9,9 +9,9 @@
 namespace Host::Journal {
 
 /**
- * For each of `drives`, which one of `former` it is, as an index; none for a newcomer. Each former drive is
- * at most one of them. A serial number that was shared and no longer is, or the other way round, changes the
- * key of a drive that stays where it is; that is still the same drive.
+ * For each of `drives`, the index of the former drive that it is, or nothing for a new drive. Each former
+ * drive is used at most once. When several drives begin or end to share a serial number, the key of a drive
+ * changes. It is still matched by its place.
  */
 std::vector<std::optional<std::size_t>> matchDrives(const std::vector<DriveState>& former,
                                                     const std::vector<Cli::ObservedDrive>& drives);

@@ -21,6 +21,8 @@ std::string_view kindName(Kind kind)
         return "read-only";
     case Kind::MemoryBackupFailed:
         return "memory-backup-failed";
+    case Kind::TemperatureMargin:
+        return "temperature-margin";
     case Kind::BelowNew:
         return "below-new";
     case Kind::SpareFell:

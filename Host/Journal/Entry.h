@@ -12,21 +12,22 @@ namespace Host::Journal {
 /** What an entry is about. */
 enum class Kind : std::uint8_t
 {
-    // Drives come and go.
+    // A drive came or went.
     DriveAdded,
     DriveRemoved,
-    // Conditions: they hold for some time.
+    // Conditions that hold for some time.
     SpareLow,
     OverTemperature,
     OverCriticalTemperature,
     ReliabilityDegraded,
     ReadOnly,
     MemoryBackupFailed,
+    TemperatureMargin,
     BelowNew,
-    // Figures that pass a step, once each.
+    // Figures that passed a step. Each step is told once.
     SpareFell,
     WearGrew,
-    // Figures and texts that become others.
+    // Figures and texts that changed.
     MediaErrorsGrew,
     FirmwareChanged,
     CapacityChanged,
@@ -34,22 +35,22 @@ enum class Kind : std::uint8_t
     Moved,
 };
 
-/** The word for it in documents, such as "read-only". */
+/** The word for the kind in documents, such as "read-only". */
 std::string_view kindName(Kind kind);
 
-/** How what an entry is about stands in time. */
+/** What happened to the subject of an entry. */
 enum class Phase : std::uint8_t
 {
     Change,  ///< it happened
-    Present, ///< it was there when the drive was seen first
-    Began,   ///< it holds from now on
-    Ended,   ///< it no longer holds
+    Present, ///< it was already so when the drive was first seen
+    Began,   ///< it began
+    Ended,   ///< it ended
 };
 
-/** The word for it in documents, such as "began". */
+/** The word for the phase in documents, such as "began". */
 std::string_view phaseName(Phase phase);
 
-/** How bad it is; the numbers are those of the plug-in's events. */
+/** The numbers are the severities of the plug-in's events. */
 enum class Severity : std::uint32_t
 {
     Information = 2,
@@ -57,17 +58,18 @@ enum class Severity : std::uint32_t
     Error = 4,
 };
 
-/** One thing to tell about one drive. */
+/** One piece of news about one drive. */
 struct Entry
 {
     Kind m_Kind = Kind::DriveAdded;
     Phase m_Phase = Phase::Change;
     Severity m_Severity = Severity::Information;
-    std::optional<std::uint32_t> m_Event; ///< the number of the plug-in's event that tells the same
+    std::optional<std::uint32_t> m_Event; ///< the plug-in's event for the same news
     std::string m_Key;                    ///< the drive's
     Cli::DriveIdentity m_Drive;
-    std::string m_Text; ///< a sentence that names the drive
-    // It happened between these two looks, in milliseconds since 1970. No begin: there was no look before.
+    std::string m_Text; ///< a sentence that begins with the drive's name
+    // It happened between these two looks, in milliseconds since 1970. Without a begin there was no earlier
+    // look.
     std::optional<std::uint64_t> m_Begin;
     std::uint64_t m_End = 0;
 

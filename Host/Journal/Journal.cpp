@@ -16,7 +16,7 @@ const Value* find(const DriveState& state, Kind kind)
     return found == state.m_Known.end() ? nullptr : std::get_if<Value>(&found->second.m_Value);
 }
 
-/** Compares one drive with what is known of it, and brings that up to date. */
+/** Compares one drive with its last known state, and updates that state. */
 class Comparison
 {
 public:
@@ -28,6 +28,8 @@ public:
     void run()
     {
         for (const ConditionRule& rule : conditionRules())
+            compare(rule);
+        for (const DegreeRule& rule : degreeRules())
             compare(rule);
         for (const StepRule& rule : stepRules())
             compare(rule);
@@ -49,15 +51,33 @@ private:
             const Phase phase = before == nullptr ? Phase::Present : Phase::Began;
             tell(rule.m_Kind, phase, rule.m_Severity, rule.m_Event, rule.m_Text);
         } else if (!*holds && held)
-            tell(rule.m_Kind, Phase::Ended, Severity::Information, eventOfEnd(rule), rule.m_EndText);
+            tell(rule.m_Kind, Phase::Ended, Severity::Information,
+                 rule.m_Warning ? eventOfEnd() : std::nullopt, rule.m_EndText);
         remember(rule.m_Kind, *holds);
     }
 
-    /** The plug-in tells of the end of the last warning alone. */
-    std::optional<std::uint32_t> eventOfEnd(const ConditionRule& rule) const
+    /** The plug-in only reports the end of the last warning. */
+    std::optional<std::uint32_t> eventOfEnd() const
     {
-        const bool last = rule.m_Warning && m_Drive.m_Warnings == 0;
-        return last ? std::optional(EVENT_WARNINGS_CLEARED) : std::nullopt;
+        return warnsOfNothing(m_Drive) ? std::optional(EVENT_WARNINGS_CLEARED) : std::nullopt;
+    }
+
+    void compare(const DegreeRule& rule)
+    {
+        const auto* before = find<std::uint64_t>(m_State, rule.m_Kind);
+        const std::optional<std::uint64_t> degree = rule.m_Degree(m_Drive);
+        if (!degree)
+            return;
+        if (*degree != (before != nullptr ? *before : 0)) {
+            if (*degree == 0)
+                tell(rule.m_Kind, Phase::Ended, Severity::Information, eventOfEnd(), rule.m_EndText);
+            else {
+                const Degree& now = rule.m_Degrees[*degree - 1];
+                tell(rule.m_Kind, before == nullptr ? Phase::Present : Phase::Began, now.m_Severity,
+                     now.m_Event, now.m_Text);
+            }
+        }
+        remember(rule.m_Kind, *degree);
     }
 
     void compare(const StepRule& rule)
@@ -69,7 +89,7 @@ private:
         const std::uint64_t passed = std::max(rule.passed(*figure), before != nullptr ? *before : 0);
         if (passed > (before != nullptr ? *before : 0) && !holds(rule.m_Unless)) {
             const Severity severity = rule.m_Steps[passed - 1].m_Severity;
-            // A drive that has aged a little before it was seen is not worth a word.
+            // It is no news that a drive was used a little before it was first seen.
             if (before != nullptr || severity != Severity::Information)
                 tell(rule.m_Kind, before == nullptr ? Phase::Present : Phase::Change, severity, std::nullopt,
                      rule.m_Text(*figure));

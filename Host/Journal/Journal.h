@@ -8,17 +8,18 @@
 
 namespace Host::Journal {
 
-/** What a look brings. */
+/** The result of a look. */
 struct Outcome
 {
     std::vector<Entry> m_Entries;
-    State m_State; ///< to be handed to the next look
+    State m_State; ///< must be passed to the next look
 };
 
 /**
- * What `now` tells that `before` did not know: each change once. The first look of all adopts the drives that
- * it finds; what they suffer from is told of them as of any drive that is seen first. Drives are the same
- * ones by their keys. What `now` leaves out stays as it was. Depends on its arguments alone.
+ * Returns each change from `before` to `now` once. The very first look adopts all drives that it finds. It
+ * still tells what is wrong with them, as for any drive that is seen for the first time. Drives are matched
+ * by their keys. A value that is missing in `now` keeps its last state. The result depends on the arguments
+ * only.
  */
 Outcome advance(const State& before, const Cli::Observation& now);
 

@@ -7,7 +7,7 @@ namespace {
 
 using Cli::ObservedDrive;
 
-// A drive at its limit swings around it.
+// The temperature of a drive near its limit goes up and down around it.
 constexpr float HYSTERESIS = 3; // degrees
 
 constexpr std::uint32_t EVENT_DRIVE_CHANGED = 10985;
@@ -26,14 +26,14 @@ std::optional<bool> warns(const ObservedDrive& drive, bool /*before*/)
     return drive.m_Warnings ? std::optional((*drive.m_Warnings & Warning) != 0) : std::nullopt;
 }
 
-/** The drive may warn of it before, at, or after the limit that it names. */
+/** A drive may set its warning before, at, or after the limit that it reports. */
 std::optional<bool> isTooHot(const ObservedDrive& drive, bool before)
 {
     const std::optional<bool> warned = warns<Cli::WARNING_TEMPERATURE>(drive, before);
     const std::optional<bool> over = isOver(drive.m_Temperature, drive.m_TemperatureLimit, before);
     if (warned.value_or(false) || over.value_or(false))
         return true;
-    // A figure that is missing may be the one that holds.
+    // One of the two may be unknown, and that one may be over its limit. Then the result is unknown.
     const bool allKnown = warned && (over || !drive.m_TemperatureLimit);
     return allKnown ? std::optional(false) : std::nullopt;
 }
@@ -65,6 +65,24 @@ constexpr ConditionRule CONDITIONS[] = {
     {Kind::BelowNew, isBelowNew, Severity::Warning, std::nullopt, false,
      "blocks wear out or fail: an attribute is below that of a new drive.",
      "no attribute is below that of a new drive any more."},
+};
+
+std::optional<std::uint64_t> marginDegree(const ObservedDrive& drive)
+{
+    return drive.m_TemperatureMargin ? std::optional(static_cast<std::uint64_t>(*drive.m_TemperatureMargin))
+                                     : std::nullopt;
+}
+
+// In the order of `TLXX::ETemperatureMargin`, without the first one.
+constexpr Degree MARGIN_DEGREES[] = {
+    {Severity::Warning, 10967, "the temperature is close to the critical level."},
+    {Severity::Error, 10959, "the temperature has reached the critical level."},
+    {Severity::Error, 10960, "the temperature is well above the critical level."},
+};
+
+constexpr DegreeRule DEGREES[] = {
+    {Kind::TemperatureMargin, marginDegree, MARGIN_DEGREES,
+     "the temperature is no longer close to the critical level."},
 };
 
 constexpr Step SPARE_STEPS[] = {
@@ -144,6 +162,17 @@ std::uint64_t StepRule::passed(std::int32_t figure) const
 std::span<const ConditionRule> conditionRules()
 {
     return CONDITIONS;
+}
+
+std::span<const DegreeRule> degreeRules()
+{
+    return DEGREES;
+}
+
+bool warnsOfNothing(const ObservedDrive& drive)
+{
+    return drive.m_Warnings == 0 && drive.m_TemperatureMargin.value_or(TLXX::ETemperatureMargin::Safe) ==
+                                        TLXX::ETemperatureMargin::Safe;
 }
 
 std::span<const StepRule> stepRules()

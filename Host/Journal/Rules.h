@@ -8,30 +8,56 @@
 #include <span>
 #include <string>
 
-// What the journal tells of a drive, one row for each kind. Texts follow the drive's name.
+// The rules of the journal, one row for each kind of news. In entries, the texts follow the drive's name.
 namespace Host::Journal {
 
-/** The plug-in's events that tell of drives, not of a condition. */
+/** The events of the plug-in that do not belong to a single condition. */
 inline constexpr std::uint32_t EVENT_DRIVE_ADDED = 11093;
 inline constexpr std::uint32_t EVENT_DRIVE_REMOVED = 11094;
 inline constexpr std::uint32_t EVENT_WARNINGS_CLEARED = 10980;
 
-/** Something that holds for some time. */
+/** A rule for a condition that holds for some time. */
 struct ConditionRule
 {
     Kind m_Kind;
-    /** Whether it holds now, when it held `before` or did not; none: not known. */
+    /**
+     * Whether it holds now. `before` says whether it held at the last look. Nothing when that is not known.
+     */
     std::optional<bool> (*m_Holds)(const Cli::ObservedDrive&, bool before);
     Severity m_Severity;
-    std::optional<std::uint32_t> m_Event; ///< of its beginning
-    bool m_Warning; ///< the drive warns of it; then its end may be the end of all warnings
+    std::optional<std::uint32_t> m_Event; ///< the plug-in's event for its beginning
+    bool m_Warning; ///< whether it is a warning of the drive; its end may then be the end of all warnings
     const char* m_Text;
     const char* m_EndText;
 };
 
 std::span<const ConditionRule> conditionRules();
 
-/** A figure and the steps that are worth telling, each once. */
+/** One of the degrees of a condition. */
+struct Degree
+{
+    Severity m_Severity;
+    std::optional<std::uint32_t> m_Event; ///< of its beginning
+    const char* m_Text;
+};
+
+/** Something that holds for some time in degrees. Another degree is told like a beginning. */
+struct DegreeRule
+{
+    Kind m_Kind;
+    /** The degree that holds, counted from 1; 0: none holds; nothing: not known. */
+    std::optional<std::uint64_t> (*m_Degree)(const Cli::ObservedDrive&);
+    std::span<const Degree> m_Degrees;
+    const char* m_EndText;
+};
+
+std::span<const DegreeRule> degreeRules();
+
+/** Whether a drive warns of nothing, as far as is known: then the plug-in tells that all warnings are over.
+ */
+bool warnsOfNothing(const Cli::ObservedDrive& drive);
+
+/** A step of a figure. Passing it is told once. */
 struct Step
 {
     std::int32_t m_Limit;
@@ -42,23 +68,25 @@ struct StepRule
 {
     Kind m_Kind;
     std::optional<std::int32_t> Cli::ObservedDrive::*m_Figure; ///< percent
-    bool m_Rises;                                              ///< it passes a step upwards
-    std::span<const Step> m_Steps;                             ///< in the order in which they are passed
-    std::optional<Kind> m_Unless;                              ///< while this condition holds, it says enough
+    bool m_Rises;                                              ///< whether steps are passed upwards
+    std::span<const Step> m_Steps;                             ///< in the order in which the figure passes
+                                                               ///< them
+    std::optional<Kind> m_Unless;                              ///< nothing is told while this condition
+                                                               ///< holds, because it already says enough
     std::string (*m_Text)(std::int32_t figure);
 
-    /** How many steps `figure` has passed. */
+    /** The number of steps that `figure` has passed. */
     std::uint64_t passed(std::int32_t figure) const;
 };
 
 std::span<const StepRule> stepRules();
 
-/** A figure that becomes another. */
+/** A rule for a figure that changes. */
 struct FigureRule
 {
     Kind m_Kind;
     std::optional<std::uint64_t> Cli::ObservedDrive::*m_Figure;
-    bool m_OnlyGrowth; ///< a lower one is taken over without a word
+    bool m_OnlyGrowth; ///< whether a lower figure is adopted without an entry
     Severity m_Severity;
     std::optional<std::uint32_t> m_Event;
     std::string (*m_Text)(std::uint64_t before, std::uint64_t now);
@@ -66,13 +94,13 @@ struct FigureRule
 
 std::span<const FigureRule> figureRules();
 
-/** A text that becomes another. An empty one is not known. */
+/** A rule for a text that changes. An empty text is not known. */
 struct TextRule
 {
     Kind m_Kind;
     const std::string& (*m_Of)(const Cli::ObservedDrive&);
     Severity m_Severity;
-    const char* m_Text; ///< before "from A to B."
+    const char* m_Text; ///< followed by "from A to B."
 };
 
 std::span<const TextRule> textRules();

@@ -12,29 +12,32 @@
 
 namespace Host::Journal {
 
-/** What was known at last of one subject: whether a condition holds, a step, a figure, or a text. */
+/**
+ * The last known state of one subject: whether a condition holds, a number of passed steps, a figure, or a
+ * text.
+ */
 struct Remembered
 {
     std::variant<bool, std::uint64_t, std::string> m_Value;
-    std::uint64_t m_Time = 0; ///< the last look that told it, in milliseconds since 1970
+    std::uint64_t m_Time = 0; ///< the last look at which it was known, in milliseconds since 1970
 
     friend bool operator==(const Remembered&, const Remembered&) = default;
 };
 
-/** A drive as the last look left it. */
+/** The state of a drive after the last look. */
 struct DriveState
 {
     std::string m_Key;
     Cli::DriveIdentity m_Drive;
-    std::map<Kind, Remembered> m_Known; ///< what was never known is not in it
+    std::map<Kind, Remembered> m_Known; ///< does not contain what was never known
 
     friend bool operator==(const DriveState&, const DriveState&) = default;
 };
 
-/** All that one look hands on to the next. Plain data; a new one has seen nothing. */
+/** Everything that one look passes on to the next. Plain data. A new object knows no drive. */
 struct State
 {
-    std::optional<std::uint64_t> m_Time; ///< of the last look; none: there was none
+    std::optional<std::uint64_t> m_Time; ///< time of the last look; none: there was no look
     std::vector<DriveState> m_Drives;    ///< in the order of that look
 
     friend bool operator==(const State&, const State&) = default;

@@ -6,7 +6,7 @@
 namespace Host::Journal {
 namespace {
 
-/** Plug-ins tell drives apart by serial number, so their events are of all drives that have it. */
+/** Plug-ins tell drives apart by serial number, so an event is about all drives with that number. */
 bool isAbout(const Cli::DriveIdentity& one, const Cli::DriveIdentity& other)
 {
     return one.m_Serial == other.m_Serial &&

@@ -8,8 +8,8 @@
 namespace Host::Journal {
 
 /**
- * The entries that none of `events`, which the same look brought, tells already. An event whose drive nobody
- * knows stands for one entry of its number.
+ * Removes the entries that one of the `events` of the same look already tells. An event whose drive is not
+ * known removes one entry with its number.
  */
 std::vector<Entry> withoutTold(std::vector<Entry> entries, const std::vector<Cli::DriveEvent>& events);
 

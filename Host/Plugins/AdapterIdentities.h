@@ -10,21 +10,23 @@
 
 namespace Host {
 
-/** Where an adapter sits; none when it does not say. */
+/** The PCI location of an adapter. Nothing when the plug-in does not show one. */
 std::optional<TLXX::CPciLocation> pciLocation(const PI::CObject& adapter);
 
-/** Where the adapters of `objects` sit; those that do not say are left out. No numbers are assigned. */
+/**
+ * The PCI locations of the adapters in `objects`. Adapters without one are left out. No numbers are assigned.
+ */
 std::vector<PI::CAdapterID> adapterLocations(const ObjectStore& objects);
 
 /** Hands the numbers of the host's registry to a plug-in that asks for them place by place. */
 class AdapterIdentities
 {
 public:
-    /** Numbers for the places among `locations` that were not assigned one before, in their order. */
+    /** Returns numbers for those `locations` that have not got one before, in their order. */
     std::vector<PI::CAdapterID> assign(const std::vector<PI::CAdapterID>& locations);
 
 private:
-    std::vector<PI::CAdapterID> m_Assigned; ///< as places, without their numbers
+    std::vector<PI::CAdapterID> m_Assigned; ///< the locations, without their numbers
 };
 
 } // namespace Host

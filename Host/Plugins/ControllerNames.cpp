@@ -9,7 +9,7 @@
 namespace Host {
 namespace {
 
-/** A fleet file names disks alone: of "nvme0n1", the "nvme0". */
+/** A fleet file only names disks. This returns the "nvme0" of "nvme0n1". */
 std::string_view withoutNamespace(std::string_view name)
 {
     const std::size_t end = name.find_last_not_of("0123456789");

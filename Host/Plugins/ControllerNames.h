@@ -8,8 +8,8 @@
 namespace Host {
 
 /**
- * The disk of the controller among `states` that people call `name`, such as "nvme0" or "/dev/nvme0"; `name`
- * itself when there is no such controller, or it has no disk.
+ * The disk of the controller called `name`, such as "nvme0" or "/dev/nvme0". Returns `name` itself when none
+ * of `states` has this name, or when that controller has no disk.
  */
 std::string diskOfController(const std::vector<TLXX::CControllerState>& states, const std::string& name);
 

@@ -60,6 +60,7 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
                      const std::optional<std::filesystem::path>& fleetFile, const Warn& warn)
     : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr), m_Trace(trace)
 {
+    keepNoRows();
     if (folders.m_KeepsRows) {
         m_Claim.emplace(folders.m_Data, folders.m_Patience);
         if (m_Claim->granted())

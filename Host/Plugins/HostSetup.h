@@ -17,7 +17,7 @@ struct HostFolders
 {
     std::filesystem::path m_Share; ///< catalogue and endurance table
     std::filesystem::path m_Data;  ///< settings
-    bool m_KeepsRows = false;      ///< the data folder holds the database, too; otherwise it is in memory
+    bool m_KeepsRows = false;      ///< the data folder holds the database, too; otherwise no rows are kept
     std::uint64_t m_Patience = 0;  ///< milliseconds to wait for another process that keeps rows there
 };
 
@@ -54,7 +54,7 @@ public:
     HostSetup(const HostSetup&) = delete;
     HostSetup& operator=(const HostSetup&) = delete;
 
-    /** The right to keep rows; none when nobody wanted to. A refused one leaves the rows in memory. */
+    /** The right to keep rows; none when nobody wanted to. After a refusal no rows are kept. */
     const std::optional<DataFolderClaim>& claim() const { return m_Claim; }
 
     /** The simulated fleet; null when the machine's own drives are shown. */

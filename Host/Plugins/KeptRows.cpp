@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint64_t HOUR = 3'600'000; ///< milliseconds
 
-/** Null for what is no adapter. */
+/** Null when the object is no adapter. */
 const std::uint64_t* adapterNumber(const PI::CObject& object)
 {
     const PI::CProperty* property = findProperty(object, PI::PROP_ADAPTER_NUMBER);
@@ -24,7 +24,7 @@ const std::uint64_t* adapterNumber(const PI::CObject& object)
                : nullptr;
 }
 
-/** Returns false when rows were written since `changes` were counted. */
+/** Returns false when rows were written after `changes` was counted. */
 bool removeRowsOfOthers(const ObjectStore& inventory, std::int64_t changes)
 {
     std::vector<std::int32_t> numbers;
@@ -52,7 +52,7 @@ void KeptRows::cleanUp(const std::function<ObjectStore()>& look)
                 break;
         }
     } catch (const DBEXCEPTION::DatabaseException&) {
-        // The database keeps it as its last failure.
+        // The failure is not lost. The database keeps it as its last failure.
     }
     tellFailure();
 }

@@ -10,24 +10,25 @@
 
 namespace Host {
 
-/** Keeps the rows of the plug-ins' drives in step with what their host sees. For one thread. */
+/** Deletes rows of drives that the host no longer sees. For one thread. */
 class KeptRows
 {
 public:
     explicit KeptRows(Warn warn);
 
     /**
-     * Drops the rows of what `look` does not show, and tells a failure. Plug-ins may write rows meanwhile:
-     * none that is newer than what `look` shows is dropped. What `look` throws passes to the caller.
+     * Deletes the rows of objects that `look` does not show, and warns of a failure. Plug-ins may write rows
+     * at the same time. A row that is newer than the look is not deleted. Exceptions of `look` reach the
+     * caller.
      */
     void cleanUp(const std::function<ObjectStore()>& look);
 
-    /** Tells the database's last failure: once, until an hour has passed without it. */
+    /** Warns of the database's last failure. The same failure is reported again after an hour without it. */
     void tellFailure();
 
 private:
     Warn m_Warn;
-    std::map<std::string, std::uint64_t> m_Told; ///< when each failure was last seen, on the monotonic clock
+    std::map<std::string, std::uint64_t> m_Told; ///< when each failure was seen last, on the monotonic clock
 };
 
 } // namespace Host

@@ -34,7 +34,8 @@ void Monitor::start()
 
 std::vector<PI::CEvent> Monitor::collect()
 {
-    // What the plug-in shows belongs to its events only when none came while it was asked.
+    // If events came while the topology was read, it may show a newer state than the events. Then both are
+    // read again.
     const std::uint64_t plugin = pluginObject().m_ID;
     std::vector<PI::CEvent> events = m_Plugin.collectEvents(plugin);
     try {
@@ -47,7 +48,7 @@ std::vector<PI::CEvent> Monitor::collect()
         nameNewcomers();
         m_Complaint.clear();
     } catch (const Failure& failure) {
-        // The events are no longer pending, so they must not go with it.
+        // The events are no longer pending in the plug-in, so they must not be lost here.
         complain(failure);
     }
     return events;

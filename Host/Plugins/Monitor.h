@@ -15,53 +15,53 @@
 namespace Host {
 
 /**
- * A plug-in that watches its drives, looked after as a host does. Everything here throws `Failure` when the
- * plug-in refuses a request, and is for one thread; the plug-in's own runs beside it.
+ * Does a host's work for one plug-in that watches its drives. Every function throws `Failure` when the
+ * plug-in refuses a request. Use it from one thread only. The plug-in's worker runs at the same time.
  */
 class Monitor
 {
 public:
     /**
-     * Takes the inventory of the plug-in, which lives as long as this. The numbers that adapters get while it
-     * watches are kept in the folder `data`.
+     * Takes the inventory of the plug-in. The plug-in must live as long as this object. The numbers that
+     * adapters get later are kept in the folder `data`.
      */
     Monitor(EquippedPlugin plugin, std::filesystem::path data, Warn warn);
-    /** Stops the plug-in, if nobody has yet. */
+    /** Stops the plug-in if it still runs. */
     ~Monitor();
     Monitor(const Monitor&) = delete;
     Monitor& operator=(const Monitor&) = delete;
 
-    /** Hands the plug-in the numbers of its adapters. From then on it watches. */
+    /** Gives the plug-in the numbers of its adapters. This starts its worker. */
     void start();
 
-    /** An auto-reset event that fires when there is something to collect. */
+    /** An auto-reset event that is signalled when there is something to collect. */
     TLX::Threading::CEvent& notified() { return m_Plugin.notified(); }
 
     /**
-     * Takes the events that are pending, in the plug-in's order. `objects()` is then the state that they led
-     * to, and adapters in new places have their numbers. A plug-in that does not tell its state any more is
-     * complained of once; its objects stay as they were.
+     * Takes the pending events, in the plug-in's order. After that `objects()` is the state that they led to,
+     * and adapters in new places have numbers. If the plug-in refuses to show its objects, they stay as they
+     * were and a warning is given once.
      */
     std::vector<PI::CEvent> collect();
 
-    /** Looks again what there is, whether the plug-in has called or not; complains as `collect` does. */
+    /** Reads the objects again, without a signal of the plug-in. Warns as `collect` does. */
     void refresh();
 
-    /** What there is now; `objects()` stays as it was. */
+    /** Reads the objects and returns them. `objects()` does not change. */
     ObjectStore look() const { return ObjectStore(m_Plugin.topology()); }
 
-    /** False when the plug-in did not end in time. */
+    /** False when the plug-in's worker did not end in time. Then the plug-in must not be asked. */
     bool mayBeAsked() const { return m_MayBeAsked; }
 
-    /** What there was at the last look. */
+    /** The objects of the last look. */
     const ObjectStore& objects() const { return m_Objects; }
 
-    /** Among them, the plug-in's own object. */
+    /** The plug-in's own object in `objects()`. */
     const PI::CObject& pluginObject() const;
 
     /**
-     * Ends the watching. What is pending can still be collected, unless this returns false: then the plug-in
-     * did not end in time, and must not be asked anything any more.
+     * Stops the plug-in. Pending events can still be collected. Returns false when the plug-in's worker did
+     * not end in time. Then the plug-in must not be asked any more.
      */
     bool stop();
 
@@ -70,12 +70,12 @@ private:
     void complain(const Failure& failure);
 
     PluginLibrary& m_Plugin;
-    const std::vector<PI::CAdapterID> m_Locations; ///< as request 1 told them
+    const std::vector<PI::CAdapterID> m_Locations; ///< as request 1 returned them
     const std::filesystem::path m_Data;
     const Warn m_Warn;
     AdapterIdentities m_Identities;
     ObjectStore m_Objects;
-    std::string m_Complaint; ///< the last one, while it lasts
+    std::string m_Complaint; ///< the last complaint, while its reason lasts
     bool m_Running = false;
     bool m_MayBeAsked = true;
 };

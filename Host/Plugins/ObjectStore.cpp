@@ -14,7 +14,7 @@
 namespace Host {
 namespace {
 
-/** The address that `name` is, as `lspci` writes it; without a segment, that of a place in any of them. */
+/** A PCI address, written as `lspci` does. Without a segment it fits this place in any segment. */
 struct Address
 {
     explicit Address(std::string_view name) : m_Location(TLXX::CPciLocation::Parse(name))
@@ -46,7 +46,7 @@ bool goesBySerialOrDevice(const PI::CObject& object, std::string_view name)
            (!device.empty() && equalIgnoringCase(shortDeviceName(device), shortDeviceName(name)));
 }
 
-/** "plugin" is any; by its own name each can be told from the others. */
+/** Any plug-in is called "plugin". Its own name tells it from others. */
 bool isPluginNamed(const PI::CObject& object, std::string_view name)
 {
     const std::string own = textOf(object, PI::PROP_NAME);
@@ -73,7 +73,7 @@ std::string textOf(const PI::CObject& object, std::uint32_t propertyId)
 
 std::string_view shortDeviceName(std::string_view device)
 {
-    // Plug-ins drop the backslashes of Windows paths, but for the point that stands between them.
+    // Plug-ins remove the backslashes from Windows paths, but the point between them stays.
     for (const std::string_view folder : {"/dev/", "\\\\.\\", "."})
         if (device.substr(0, folder.size()) == folder)
             return device.substr(folder.size());
@@ -118,7 +118,7 @@ std::optional<TLXX::CPciLocation> ObjectStore::addressOf(const PI::CObject& adap
     if (const TLXX::CControllerState* controller = controllerOf(adapter))
         return controller->m_Location;
     const std::optional<TLXX::CPciLocation> shown = pciLocation(adapter);
-    // One that was not found looks like that, and no drive is there.
+    // A location that was not found is all zeros. No drive has that location.
     return shown == TLXX::CPciLocation{} ? std::nullopt : shown;
 }
 
@@ -173,7 +173,7 @@ std::vector<const PI::CObject*> ObjectStore::namedByPlace(std::string_view name)
             matches.push_back(&object);
             children.insert(object.m_Children.begin(), object.m_Children.end());
         }
-    // A drive and its adapter have the same serial number. It names both.
+    // A drive and its adapter have the same serial number, so it names both.
     std::erase_if(matches, [&](const PI::CObject* object) { return children.contains(object->m_ID); });
     return matches;
 }

@@ -13,13 +13,13 @@
 
 namespace Host {
 
-/** The property of `object` with this identifier; null when it has none. */
+/** The property of `object` with this identifier, or null. */
 const PI::CProperty* findProperty(const PI::CObject& object, std::uint32_t propertyId);
 
-/** The text of a text property; empty when there is no such property or it is of another kind. */
+/** The value of a text property. Empty when there is no such property or its value is no text. */
 std::string textOf(const PI::CObject& object, std::uint32_t propertyId);
 
-/** A device's path without the folder that all devices share: "nvme0n1", "PhysicalDrive2". */
+/** A device's path without the folder that is the same for all devices: "nvme0n1", "PhysicalDrive2". */
 std::string_view shortDeviceName(std::string_view device);
 
 /** An identifier as people read and type it: "0x" and 16 hexadecimal digits. */
@@ -32,7 +32,7 @@ std::string identifierText(std::uint64_t id);
 class ObjectStore
 {
 public:
-    /** Without `controllers`, adapters are where the plug-in shows them. */
+    /** Without `controllers`, the addresses that the plug-in shows are used. */
     explicit ObjectStore(std::vector<PI::CObject> objects,
                          std::vector<TLXX::CControllerState> controllers = {});
 
@@ -40,29 +40,29 @@ public:
 
     const std::vector<TLXX::CControllerState>& controllers() const { return m_Controllers; }
 
-    /** The controller that has the disk of `adapter`; null when the system knows none. */
+    /** The controller of the disk of `adapter`, or null when the system does not know it. */
     const TLXX::CControllerState* controllerOf(const PI::CObject& adapter) const;
 
     /**
-     * Where `adapter` really is; none when nobody knows. The system tells it. Only of an adapter that the
-     * system does not know, the plug-in's word is taken: it leaves segments out and goes by number.
+     * The real location of `adapter`, or nothing when it is not known. The system tells it. If the system
+     * does not know the adapter, the plug-in's location is used. That one has no segment and may be numbered.
      */
     std::optional<TLXX::CPciLocation> addressOf(const PI::CObject& adapter) const;
 
     /** Null when there is no such object. */
     const PI::CObject* byId(std::uint64_t id) const;
 
-    /** The children that are there, in order. */
+    /** The children that exist, in order. */
     std::vector<const PI::CObject*> childrenOf(const PI::CObject& object) const;
 
-    /** The objects that no other one names as its child, in order. */
+    /** The objects that are not a child of another object, in order. */
     std::vector<const PI::CObject*> roots() const;
 
     /**
-     * The objects that go by `name`: one when it is an identifier, a location, or "plugin"; an adapter and
-     * its drives, or another object and its children, when it is a serial number, a device or a PCI address.
-     * Throws `Failure`, listing what there
-     * is: no such object when nothing goes by that name, wrong usage when more than one adapter does.
+     * The objects called `name`. An identifier, a location or "plugin" is the name of one object. A serial
+     * number, a device or a PCI address is the name of an adapter and its drives, or of another object and
+     * its children. Throws `Failure` with a list of what exists: no such object when nothing has that name,
+     * wrong usage when several adapters have it.
      */
     std::vector<const PI::CObject*> named(std::string_view name) const;
 
@@ -75,7 +75,7 @@ private:
     std::vector<PI::CObject> m_Objects;
     std::vector<TLXX::CControllerState> m_Controllers;
     std::unordered_map<std::uint64_t, std::size_t>
-        m_Places; ///< by identifier, the first object's in m_Objects
+        m_Places; ///< by identifier, the index of its first object in m_Objects
 };
 
 } // namespace Host

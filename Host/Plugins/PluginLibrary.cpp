@@ -18,14 +18,16 @@ constexpr std::array REQUEST_NAMES = {"Initialize",     "SetAdapterIDs",   "DeIn
                                       "GetProperties",  "GetProperty",     "SetProperty",  "GetOperations",
                                       "CheckOperation", "ExecuteOperation"};
 
-/** What plug-ins call, from threads and under locks of their own. So it takes no lock and asks nothing. */
+/**
+ * Plug-ins call this from any thread and while they hold locks. So it must not take a lock or send a request.
+ */
 void note(std::uintptr_t context, IPLUGINAPI* /*plugin*/)
 {
     // The interface carries the context as a word. NOLINTNEXTLINE(performance-no-int-to-ptr)
     reinterpret_cast<TLX::Threading::CEvent*>(context)->Set();
 }
 
-/** Keeps things, within reach of leak checkers, until the process has ended. */
+/** Keeps things until the process ends, in a place where leak checkers find them. */
 template<typename... Things>
 void keepForGood(Things... things)
 {
@@ -49,7 +51,7 @@ Failure refused(const std::string& plugin, std::int32_t request, std::uint32_t c
     return {ExitCode::RequestFailed, refusal, {request, code}};
 }
 
-/** What a plug-in throws would else reach the user without its name. */
+/** Adds the plug-in's name to an exception that the plug-in throws. */
 template<typename Call>
 auto guarded(const std::string& plugin, const std::string& where, const Call& call)
 {
@@ -89,7 +91,7 @@ PluginLibrary::~PluginLibrary()
 {
     if (!m_Running)
         return;
-    // The thread needs all three as long as the process lives.
+    // The thread needs all three until the process ends.
     keepForGood(std::move(m_Notified), std::move(m_Library), std::move(m_Plugin));
 }
 
@@ -112,7 +114,7 @@ void PluginLibrary::create()
     if (result != PI::ERR_SUCCESS || plugin == nullptr)
         throw Failure(ExitCode::RequestFailed,
                       "The plug-in " + m_File + " could not be created: " + resultText(result) + ".");
-    // An object of another version may even be released differently; it is left alone.
+    // Even the release of the object may differ in another version. So the object is not released.
     if (plugin->m_Version != IPLUGINAPI::VERSION)
         throw Failure(ExitCode::RequestFailed,
                       "The plug-in " + m_File + " speaks interface version " +
@@ -151,8 +153,8 @@ bool PluginLibrary::deInitialize()
 {
     PI::CRequestData data;
     request(PI::REQUEST_DEINITIALIZE, 0, data);
-    // The answer does not tell. A plug-in ends a thread by force that does not end by itself, and that need
-    // not succeed, or not at once.
+    // The result of the request does not tell this. A plug-in cancels a thread that does not end by itself.
+    // The cancellation may fail or take time.
     m_Running = TLX::Threading::cancelledThreadRuns();
     return !m_Running;
 }

@@ -10,7 +10,7 @@
 namespace Host {
 namespace {
 
-// Above these bits an object's identifier names the module that shows it.
+// The bits of an object's identifier above these are the module number of its plug-in.
 constexpr unsigned MODULE_SHIFT = 48;
 
 } // namespace

@@ -11,35 +11,35 @@
 
 namespace Host {
 
-/** A plug-in that found hardware, and where its adapters sit. */
+/** A plug-in that found hardware, and the locations of its adapters. */
 struct EquippedPlugin
 {
     PluginLibrary& m_Plugin;
     std::vector<PI::CAdapterID> m_Locations;
 };
 
-/** The plug-ins that are loaded side by side, each with a module number of its own. */
+/** The plug-ins that are loaded. Each must have its own module number. */
 class PluginSet
 {
 public:
-    /** Throws `Failure` as `PluginLibrary` does, and for a second plug-in of one module number. */
+    /** Throws `Failure` as `PluginLibrary` does, and when a loaded plug-in has the same module number. */
     const PluginLibrary& load(const std::filesystem::path& file);
 
     bool empty() const { return m_Plugins.empty(); }
 
     /**
-     * Request 1 of each, in the order of loading. A plug-in that finds no hardware is left out as long as
-     * another one finds some. Throws `Failure`.
+     * Sends request 1 to each plug-in, in the order of loading. A plug-in that finds no hardware is left out
+     * if another one finds some. Throws `Failure`.
      */
     std::vector<EquippedPlugin> initialize();
 
     /** Requests 1 and 4: all objects, in the order of loading. Throws as `initialize` does. */
     std::vector<PI::CObject> inventory();
 
-    /** Request 3 of each that `initialize` returned last. Throws `Failure`. */
+    /** Sends request 3 to each plug-in that the last `initialize` returned. Throws `Failure`. */
     void deInitialize();
 
-    /** The plug-in that shows the object `objectId` of the inventory. */
+    /** The plug-in that shows this object of the inventory. */
     PluginLibrary& showing(std::uint64_t objectId);
 
 private:

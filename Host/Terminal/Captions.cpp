@@ -13,7 +13,7 @@ std::string captionsText(const std::vector<CaptionedValue>& values, const Screen
     std::size_t width = 0;
     for (const CaptionedValue& each : values)
         width = std::max(width, displayWidth(printable(each.m_Caption)));
-    // Beside captions that take most of a line values would stand word below word.
+    // If the captions took most of a line, each line would have room for one word of a value only.
     std::size_t column = indent + width + gap;
     const bool below = screen.m_Width && column > *screen.m_Width / 2;
     if (below)

@@ -8,7 +8,7 @@
 
 namespace Host::Cli {
 
-/** A value and what it is called; both may hold any text. */
+/** A value and its caption. Both may hold any text. */
 struct CaptionedValue
 {
     std::string m_Caption;
@@ -17,8 +17,8 @@ struct CaptionedValue
 };
 
 /**
- * A line for each value, captions aligned, after `indent` blanks. On a narrow terminal values stand below
- * their captions. A value that is empty is left out.
+ * Prints each value on a line after its caption. Captions are aligned, after `indent` blanks. On a narrow
+ * terminal the value is below its caption. Empty values are left out.
  */
 std::string captionsText(const std::vector<CaptionedValue>& values, const Screen& screen, std::size_t indent);
 

@@ -8,7 +8,7 @@
 namespace Host::Cli {
 namespace {
 
-/** What the text does not tell already, in parentheses. */
+/** What the event's text does not tell yet, in parentheses. */
 std::string detailsText(const DriveIdentity& drive, const std::string& text)
 {
     std::string details;
@@ -41,7 +41,7 @@ std::string eventLine(const DriveEvent& event, const Screen& screen)
 
 std::string noticeLine(const Notice& notice, const DriveIdentity* drive, const Screen& screen)
 {
-    constexpr std::size_t column = 13; // the longest word and a gap
+    constexpr std::size_t column = 13; // the longest severity and a gap
     const std::string severity = severityText(notice.m_Severity);
     const std::string details = drive != nullptr ? detailsText(*drive, notice.m_Text) : std::string();
     return localTimeText(notice.m_Time) + "  " + toned(screen, toneOf(notice.m_Severity), severity) +

@@ -8,18 +8,18 @@
 
 namespace Host::Cli {
 
-/** The line that people read: local time, severity, what happened, and to which drive. */
+/** The line that people read, with local time, severity, what happened, and the drive. */
 std::string eventLine(const DriveEvent& event, const Screen& screen);
 
-/** Something to tell, whoever found it out. */
+/** Something to tell to the user, from an event or from another source. */
 struct Notice
 {
     std::uint64_t m_Time = 0;     ///< milliseconds since 1970
-    std::uint32_t m_Severity = 0; ///< as events have it
+    std::uint32_t m_Severity = 0; ///< a severity as events have it
     std::string m_Text;
 };
 
-/** The same line for `notice` about `drive`, which is null when nobody knows it. */
+/** The same line for a `notice` about `drive`. `drive` is null when it is not known. */
 std::string noticeLine(const Notice& notice, const DriveIdentity* drive, const Screen& screen);
 
 } // namespace Host::Cli

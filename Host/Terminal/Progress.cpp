@@ -23,7 +23,7 @@ Progress::Progress(const std::string& what, Terminal* terminal) : m_Terminal(ter
     try {
         m_Thread = std::thread(&Progress::run, this, what);
     } catch (const std::system_error&) {
-        // The drives can be asked without it.
+        // Without a thread there is no progress line, but the drives can still be asked.
         return;
     }
 }

@@ -10,14 +10,13 @@
 namespace Host::Cli {
 
 /**
- * A sign of life for as long as it lives: a passing line, "Asking 64 drives, 3 s ...". It comes after half a
- * second, is written anew every second by a thread of its own, and is gone at the end.
+ * Shows a passing line while it lives, such as "Asking 64 drives, 3 s ...". The line appears after half a
+ * second. A thread of its own renews it every second. It disappears at the end.
  */
 class Progress
 {
 public:
-    /** `what` (printable) begins the line. Without a terminal that shows it, or with null, nothing is shown.
-     */
+    /** `what` (printable) begins the line. Nothing is shown when `terminal` is null or shows no progress. */
     Progress(const std::string& what, Terminal* terminal);
     ~Progress();
     Progress(const Progress&) = delete;

@@ -8,7 +8,7 @@
 
 namespace Host::Cli {
 
-/** What a piece of text stands for; shown in colour where colour is to be had. */
+/** The kind of a piece of text. It decides the colour, if colours are possible. */
 enum class Tone
 {
     Plain,
@@ -19,20 +19,20 @@ enum class Tone
     Faint,
 };
 
-/** What the results are shown on. */
+/** Properties of the output for results. */
 struct Screen
 {
-    std::optional<unsigned> m_Width; ///< none: no terminal, lines may be of any length
+    std::optional<unsigned> m_Width; ///< none: it is no terminal, so lines may have any length
     bool m_Colour = false;
 };
 
-/** Colour needs a terminal that understands it, and no NO_COLOR. */
+/** Whether colours are used. They need a terminal that understands them, and NO_COLOR must not be set. */
 Screen detectScreen(const Output& results);
 
-/** `text` in the colour of `tone`; as it is where there is no colour. */
+/** `text` in the colour of `tone`, or unchanged without colours. */
 std::string toned(const Screen& screen, Tone tone, const std::string& text);
 
-/** The tone of a health or state code. */
+/** The tone for a health or state code. */
 Tone toneOfCode(std::uint32_t code);
 
 } // namespace Host::Cli

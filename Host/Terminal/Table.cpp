@@ -20,7 +20,9 @@ std::vector<std::size_t> Table::naturalWidths() const
     return widths;
 }
 
-/** Narrows the layout to `available` columns, the widest text first. Returns whether that was possible. */
+/**
+ * Narrows the columns to `available`, the one with the widest text first. Returns whether that was possible.
+ */
 bool Table::squeeze(Layout& layout, std::size_t available) const
 {
     const auto total = [&] {

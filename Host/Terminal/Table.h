@@ -12,8 +12,9 @@ struct Column
 {
     std::string m_Title;
     bool m_Right = false;      ///< numbers
-    std::size_t m_Minimum = 0; ///< may be shortened to this width; 0: never
-    unsigned m_Sacrifice = 0;  ///< left out first (1), second (2) ... where it is too narrow; 0: never
+    std::size_t m_Minimum = 0; ///< the least width to which it may be shortened; 0: it is never shortened
+    unsigned m_Sacrifice = 0;  ///< order in which columns are left out on a narrow terminal, beginning with
+                               ///< 1; 0: never left out
 };
 
 struct Cell
@@ -23,15 +24,15 @@ struct Cell
 };
 
 /**
- * Lines of aligned columns. Off a terminal every text is whole; on one, long texts are shortened, then
- * columns left out (and named below the table), until a line fits.
+ * Lines with aligned columns. If the output is no terminal, every text is whole. On a terminal, long texts
+ * are shortened until a line fits. If that is not enough, columns are left out and named below the table.
  */
 class Table
 {
 public:
     explicit Table(std::vector<Column> columns) : m_Columns(std::move(columns)) {}
 
-    /** One cell a column. */
+    /** One cell for each column. */
     void add(std::vector<Cell> row) { m_Rows.push_back(std::move(row)); }
 
     std::string text(const Screen& screen) const;
@@ -39,8 +40,8 @@ public:
 private:
     struct Layout
     {
-        std::vector<std::size_t> m_Shown;  ///< indices of the columns
-        std::vector<std::size_t> m_Widths; ///< of every column
+        std::vector<std::size_t> m_Shown;  ///< indices of the columns that are shown
+        std::vector<std::size_t> m_Widths; ///< width of every column
         std::size_t m_Gap = 2;
     };
 

@@ -25,7 +25,7 @@ Terminal::~Terminal()
     try {
         showStatus({});
     } catch (const std::exception&) {
-        // Nobody is left to see it.
+        // The reader has closed the output, so there is nothing to wipe out.
         return;
     }
 }
@@ -47,25 +47,25 @@ void Terminal::showProgress(const std::string& text)
         writeMessage(text + std::string(former > width ? former - width : 0, ' ') + '\r');
 }
 
-/** Needs the lock. */
+/** The caller must hold the lock. */
 void Terminal::writeMessage(const std::string& text)
 {
     try {
         m_Messages.write(text);
     } catch (const std::exception&) {
-        // There is nobody to tell that nobody can be told.
+        // The message is lost, because there is no other output to report it on.
         return;
     }
 }
 
-/** What wipes the passing line out, on any terminal. Needs the lock. */
+/** The text that removes the passing line on any terminal. The caller must hold the lock. */
 std::string Terminal::wipe()
 {
     const std::size_t width = std::exchange(m_Width, 0);
     return width == 0 ? std::string() : std::string(width, ' ') + '\r';
 }
 
-/** A message that goes to the same terminal has to take the place of the status. */
+/** If both outputs go to the same terminal, the message takes the place of the status. */
 void Terminal::passesAmongResults(std::size_t width)
 {
     const std::scoped_lock guard(m_Lock);
@@ -90,7 +90,7 @@ void Terminal::showStatus(const std::string& text)
 
 void Terminal::writeAboveStatus(const std::string& text)
 {
-    // A terminal's last column is left free, because some wrap there.
+    // The last column is left free, because some terminals wrap there.
     const std::string status = shortened(m_Status, std::max(m_Results.terminalWidth(), 1U) - 1);
     passesAmongResults(displayWidth(status));
     m_Results.write(CLEAR + text + status + (status.empty() ? "" : "\r"));

@@ -10,42 +10,43 @@
 namespace Host::Cli {
 
 /**
- * Where the program talks to people and scripts: results go to one output, messages to another. Where these
- * are terminals, each may show one passing line at its end, below everything else: the results a status, the
- * messages a progress. `tell` and `showProgress` may be called from any thread, the others from one.
+ * How the program talks to people and scripts. Results go to one output, messages to the other. On a
+ * terminal, each output can show one passing line below everything else: a status for the results, a progress
+ * for the messages. `tell` and `showProgress` may be called from any thread, the other functions from one
+ * thread only.
  */
 class Terminal
 {
 public:
-    /** Both outputs must outlive it. */
+    /** Both outputs must live longer than this object. */
     Terminal(Output& results, Output& messages);
-    /** Takes the status away. */
+    /** Removes the status. */
     ~Terminal();
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    /** What the results are shown on. */
+    /** The properties of the output for results. */
     const Screen& screen() const { return m_Screen; }
 
-    /** Says a sentence or more to the administrator. A message that cannot be written is lost. */
+    /** Prints whole sentences for the administrator. A message that cannot be written is lost. */
     void tell(const std::string& message);
 
-    /** Prints results, above the status. Throws as `Output::write`. */
+    /** Prints results above the status. Throws like `Output::write`. */
     void print(const std::string& text);
 
-    /** Whether the results go to a terminal that can show a status. */
+    /** Whether results go to a terminal that can show a status. */
     bool showsStatus() const { return m_Results.showsColours(); }
 
     /**
-     * Shows `text` (printable UTF-8) in as much of it as fits the width, in place of the former status; an
-     * empty one takes that away. Does nothing where no status can be shown. Throws as `Output::write`.
+     * Shows as much of `text` (printable UTF-8) as fits the width, in place of the previous status. An empty
+     * text removes the status. Does nothing when no status can be shown. Throws like `Output::write`.
      */
     void showStatus(const std::string& text);
 
-    /** Whether the messages go to a terminal, which can show a progress. */
+    /** Whether messages go to a terminal that can show a progress. */
     bool showsProgress() const { return m_MessagesOnTerminal; }
 
-    /** Shows `text` (printable UTF-8) in place of the former progress; an empty one takes that away. */
+    /** Shows `text` (printable UTF-8) in place of the previous progress. An empty text removes it. */
     void showProgress(const std::string& text);
 
 private:
@@ -60,7 +61,7 @@ private:
     const bool m_MessagesOnTerminal;
     std::string m_Status;
     std::mutex m_Lock;
-    std::size_t m_Width = 0; ///< of the passing line that a message has to take the place of; under m_Lock
+    std::size_t m_Width = 0; ///< of the passing line that a message must overwrite; guarded by m_Lock
 };
 
 } // namespace Host::Cli

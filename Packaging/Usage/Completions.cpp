@@ -6,7 +6,7 @@ using namespace Host::Cli;
 
 namespace {
 
-/** `text` with `to` in each place of `from`. */
+/** `text` with each `from` replaced by `to`. */
 std::string replaced(std::string text, const std::string& from, const std::string& to)
 {
     for (std::size_t place = 0; (place = text.find(from, place)) != std::string::npos; place += to.size())
@@ -14,7 +14,7 @@ std::string replaced(std::string text, const std::string& from, const std::strin
     return text;
 }
 
-/** Inside single quotes, where a shell takes all else as it is. */
+/** `text` fit for single quotes, in which a shell changes no other character. */
 std::string quoted(const std::string& text)
 {
     return replaced(text, "'", "'\\''");
@@ -54,7 +54,7 @@ std::vector<std::string> namesOf(const std::vector<OptionUsage>& options)
     return names;
 }
 
-/** The last names of all options for which `is` holds, of commands, too. */
+/** The last name of each option for which `is` returns true. The options of commands are included. */
 template<typename Condition>
 std::vector<std::string> optionsThat(const Usage& usage, const Condition& is)
 {

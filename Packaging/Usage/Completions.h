@@ -4,7 +4,7 @@
 
 #include <string>
 
-/** The completions of a shell for what the command line takes. */
+/** The completions for a shell, made from the description of the command line. */
 std::string bashCompletions(const Host::Cli::Usage& usage);
 std::string fishCompletions(const Host::Cli::Usage& usage);
 std::string zshCompletions(const Host::Cli::Usage& usage);

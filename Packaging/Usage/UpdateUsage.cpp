@@ -38,7 +38,7 @@ std::string manualEntry(const OptionUsage& option)
     return entry + '\n' + escaped(option.m_Description) + ".\n" + escaped(option.m_Details);
 }
 
-/** The manual `text` with its options made anew. */
+/** The manual `text` with its options generated again. */
 std::string manual(const std::string& text, const Usage& usage)
 {
     const std::size_t begin = text.find(BEGIN);
@@ -56,8 +56,10 @@ std::string manual(const std::string& text, const Usage& usage)
 
 } // namespace
 
-/** usage: UpdateUsage SOURCE_FOLDER [--check]: makes the completions and the options of the manual anew, or
- * says whether they are as they should be. */
+/**
+ * usage: UpdateUsage SOURCE_FOLDER [--check]: generates the completions and the options of the manual again.
+ * With --check it only says whether they are up to date.
+ */
 int main(int argc, char** argv)
 {
     try {

@@ -34,7 +34,7 @@ class OneDrive : public TLXX::IDeviceBackend
 public:
     explicit OneDrive(bool present) : m_Present(present) {}
 
-    std::vector<TLXX::CDeviceEntry> Enumerate() override
+    std::vector<TLXX::CDeviceEntry> Enumerate(const TLXX::DeviceWalk&) override
     {
         return m_Present ? std::vector<TLXX::CDeviceEntry>{{"/dev/tiny0", "tiny"}}
                          : std::vector<TLXX::CDeviceEntry>();

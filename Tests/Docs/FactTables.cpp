@@ -31,14 +31,14 @@ std::string reference(const char* definition)
     return std::string(R"("$ref": "#/$defs/)") + definition + '"';
 }
 
-/** Members that say more in a definition of their own. */
+/** Members that a definition of their own describes in more detail. */
 bool hasDefinition(std::string_view key)
 {
     constexpr std::array<std::string_view, 3> keys = {"pciAddress", "locationIsReal", "healthLogRead"};
     return std::find(keys.begin(), keys.end(), key) != keys.end();
 }
 
-/** What a schema says of the value. */
+/** The schema of the value. */
 std::string shapeText(const Fact& fact)
 {
     if (hasDefinition(fact.m_Key))
@@ -80,7 +80,7 @@ public:
         m_Properties.push_back("\"" + key + "\": { " + content + " }");
     }
 
-    /** `member` comes only together with `others`. */
+    /** `member` is only there together with `others`. */
     void tie(const std::string& member, const std::vector<std::string>& others)
     {
         std::string list;

@@ -26,7 +26,8 @@ std::string code(const std::string& text)
     return "`" + text + "`";
 }
 
-// The tables say what a request takes. That is found out by sending each request with each container.
+// The tables say which container each request takes. To find that out, each request is sent with each
+// container.
 
 template<typename Container>
 struct CCandidate
@@ -101,7 +102,7 @@ std::string requests()
     ask(PI::REQUEST_INITIALIZE);
     for (std::int32_t request = PI::REQUEST_GET_TOPOLOGY; isKnown(request); ++request)
         ask(request);
-    // One starts the worker, and the other ends it.
+    // One request starts the worker, and another one ends it.
     ask(PI::REQUEST_SET_ADAPTER_IDS);
     ask(PI::REQUEST_DEINITIALIZE);
     std::vector<Row> rows;

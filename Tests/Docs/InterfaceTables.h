@@ -6,13 +6,12 @@
 namespace DocsTest {
 
 /**
- * The tables of Docs/Interfaces.md as Markdown, by their names in that file. The code's behaviour is their
- * source.
+ * The tables of Docs/Interfaces.md as Markdown, by their names in that file. They are made from what the code
+ * does.
  */
 std::map<std::string, std::string> interfaceTables();
 
-/** What the table of facts makes of the schema Docs/Schemas/<schema>.json, by the names of its definitions.
- */
+/** The definitions that the table of facts gives the schema Docs/Schemas/<schema>.json, by their names. */
 std::map<std::string, std::string> schemaMembers(const std::string& schema);
 
 } // namespace DocsTest

@@ -39,7 +39,7 @@ std::string kindText(std::uint32_t kind)
     }
 }
 
-/** What is known of a value before it is read: its codes or its bounds. */
+/** What the kind of a value tells about it: its codes or its bounds. */
 std::string expectation(const PI::CProperty& property)
 {
     std::vector<std::uint32_t> allowed;

@@ -11,7 +11,7 @@ using Row = std::vector<std::string>;
 /** A Markdown table. */
 std::string table(const Row& titles, const std::vector<Row>& rows);
 
-/** The catalogue's text of a number; the number itself when it has none. */
+/** The catalogue's text of a number, or the number itself when there is no text. */
 std::string catalogueText(std::uint32_t number);
 
 /** A number and its text in the catalogue. */
@@ -25,7 +25,7 @@ std::string pluginProperties();
 std::string healthTable();
 std::string eventTable();
 
-/** What is known of a drive. */
+/** The table of the facts about a drive. */
 std::string factTable();
 
 } // namespace DocsTest

@@ -12,7 +12,10 @@
 
 namespace {
 
-/** How a kind of document marks what is made. Before the end stands a text that is part of the document. */
+/**
+ * The marks around generated parts in one kind of document. The end mark comes after a text that belongs to
+ * the document.
+ */
 struct Marks
 {
     std::string m_Begin;
@@ -23,7 +26,9 @@ struct Marks
 const Marks MARKDOWN = {"<!-- table: ", " -->\n", "<!-- end -->\n"};
 const Marks SCHEMA = {"      \"$comment\": \"Made by ./dev docs: ", "\",\n", "\n    },\n"};
 
-/** `text` with everything made anew. Each has to stand in it once, and no other. */
+/**
+ * `text` with all parts generated again. Each part must be in it exactly once, and there must be no other.
+ */
 std::string updated(const std::string& text, const Marks& marks, std::map<std::string, std::string> made)
 {
     std::string result;
@@ -61,8 +66,10 @@ std::string read(const char* file)
 
 } // namespace
 
-/** usage: UpdateInterfaces SHARE FILE [--check]: makes the tables of FILE anew (of a schema: its members), or
- * says whether they are as they should be. */
+/**
+ * usage: UpdateInterfaces SHARE FILE [--check]: generates the tables of FILE again, or the members if it is a
+ * schema. With --check it only says whether they are up to date.
+ */
 int main(int argc, char** argv)
 {
     try {

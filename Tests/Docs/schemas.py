@@ -28,7 +28,7 @@ def _validator(name):
 
 
 def wrong(name, document):
-    """The errors of the document by this release's schema of that name, one on each line; empty when it fits."""
+    """What does not fit this release's schema of that name, one error on each line. Empty when all fits."""
     return [f"{name}: {'/'.join(map(str, each.absolute_path))}: {each.message[:300]}"
             for each in _validator(name).iter_errors(document)]
 

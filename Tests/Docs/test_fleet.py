@@ -118,7 +118,7 @@ class FleetFiles(unittest.TestCase):
         self.addCleanup(self.folder.cleanup)
 
     def refused(self, document):
-        """Whether the program says that the file is wrong; a fault of a drive in it does not count."""
+        """Whether the program refuses the file. A fault of a drive in it does not count."""
         file = pathlib.Path(self.folder.name) / "fleet.json"
         file.write_text(json.dumps(document))
         result = subprocess.run([PROGRAM, "--simulate", str(file), "list", "--json"], capture_output=True, text=True,

@@ -8,7 +8,7 @@ import pathlib
 import re
 import sys
 
-# Programs of their own, which say in their sections what they consist of.
+# Programs of their own. Their sections of the document name their files.
 APART = ("Consumer", "Docs", "Machine", "Package", "Wine")
 
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """
-What Docs/Tracing.md says of bits and lines is so in a real trace.
+A real trace agrees with what Docs/Tracing.md says about bits and lines.
 
 usage: test_tracing.py PROGRAM SHARE [unittest arguments]
 """
@@ -49,7 +49,7 @@ class Tracing(unittest.TestCase):
         self.assertEqual({LINE.match(line)[3] for line in self.trace(1 << 12)}, {"128"})
 
     def test_mask_of_everything(self):
-        """the two masks that the text names do what it says"""
+        """the two masks in the text do what it says"""
         everything = {LINE.match(line)[3] for line in self.trace(0xFFFFFFFF)}
         self.assertEqual({LINE.match(line)[3] for line in self.trace(0x9F)}, everything)
         self.assertEqual({LINE.match(line)[3] for line in self.trace(0x1F)}, everything - {"128"})

@@ -26,7 +26,7 @@ public:
     unsigned terminalWidth() const override { return m_Width; }
     bool showsColours() const override { return m_IsTerminal; }
 
-    /** Each write by itself. */
+    /** Each written text separately. */
     std::vector<std::string> writes()
     {
         const std::scoped_lock guard(m_Lock);

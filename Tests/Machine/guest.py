@@ -1,4 +1,4 @@
-"""A virtual machine with emulated NVMe controllers that runs one job and hands its results out."""
+"""A virtual machine with emulated NVMe controllers. It runs one job and returns its results."""
 
 import base64
 import hashlib

@@ -20,7 +20,7 @@ await() {
 
 count() { ls -d "$@" 2>/dev/null | wc -l; }
 
-# Waits for so many controllers, paths to namespaces, and disks: the kernel finds them while this already runs.
+# Waits for this number of controllers, paths to namespaces, and disks. The kernel may still be finding them.
 await_drives() {
     while [ "$(cat /sys/class/nvme/nvme*/state 2>/dev/null | grep -c live)" -lt "$1" ] ||
         [ "$(count /sys/class/nvme/nvme*/nvme*n*)" -lt "$2" ] || [ "$(count /dev/nvme*n*)" -lt "$3" ]; do

@@ -49,7 +49,7 @@ class Archive:
                 self._libraries(each, inside=source)
 
     def program(self, name):
-        """Adds a program that is installed here, at the same place, with its libraries."""
+        """Adds a program of this machine to /bin, and the libraries that it needs."""
         found = shutil.which(name, path="/usr/sbin:/usr/bin:/sbin:/bin")
         if found is None:
             raise FileNotFoundError(f"the program {name} is not installed")

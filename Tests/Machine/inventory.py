@@ -9,7 +9,7 @@ KNOWN_FAMILIES = ("INTEL SSDPED", "SAMSUNG MZP")
 UNIT_BYTES = 1000 * 512
 UNITS = {name: 1024**power for power, name in enumerate(("bytes", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"))}
 
-# Fields of the health log that only list and show tell: the member there, byte and size, nvme-cli's and smartctl's name.
+# Fields of the health log that only list and show print: the member there, byte and size, nvme-cli's and smartctl's name.
 LOG_FACTS = [
     ("percentageUsed", 5, 1, "percent_used", "percentage_used"),
     ("hostReadCommands", 64, 8, "host_read_commands", "host_reads"),
@@ -72,53 +72,69 @@ def _pci(address):
 
 
 def location(segment, bus, device, function):
-    """The location text of a controller at that place."""
+    """The location text of a controller at this address."""
     place = f"Bus={bus}&Device={device}&Function={function}"
     shown = segment if (bus, device, function) == (0, 0, 0) else 0
     return f"PCI:Segment={shown}&{place}" if shown else f"PCI:{place}"
 
 
 def celsius(kelvin):
-    """What is told of a temperature in kelvin; 0 is none."""
+    """How a temperature in kelvin is shown. 0 means that there is none."""
     return kelvin - 273 if kelvin else None
 
 
-def page_facts(id_ctrl, raw, smart, log, smartctl_log):
-    """Field -> source -> value of what the drive's own pages tell past the plug-in."""
+def version(word):
+    """The text of a version word; None when it is 0."""
+    tertiary = f".{word & 255}" if word & 255 else ""
+    return f"{word >> 16}.{word >> 8 & 255}{tertiary}" if word else None
+
+
+def page_values(raw, log):
+    """
+    Field -> value, for fields of the drive's own pages that the plug-in does not report: `raw` is the identify data,
+    `log` the health log. None means that nothing may be shown.
+    """
     def number(page, offset, size):
         return int.from_bytes(page[offset:offset + size], "little")
 
-    facts = {}
-    for name, offset, size, nvme, smart_name in LOG_FACTS:
-        facts[name] = {"log page": number(log, offset, size), "nvme smart-log": int(smart[nvme])}
-        # Old versions leave out what they do not know.
+    total, unallocated = number(raw, 280, 16), number(raw, 296, 16)
+    return {name: number(log, offset, size) for name, offset, size, *_ in LOG_FACTS} | {
+        f"temperatureSensor{sensor}": celsius(number(log, 198 + 2 * sensor, 2)) for sensor in range(1, 9)} | {
+        "warningTemperature": celsius(number(raw, 266, 2)),
+        "criticalTemperature": celsius(number(raw, 268, 2)),
+        "nvmeVersion": version(number(raw, 80, 4)),
+        "namespaceLimit": number(raw, 516, 4) or None,
+        "totalCapacityBytes": total or None,
+        "unallocatedCapacityBytes": unallocated if total else None,
+    }
+
+
+def page_facts(id_ctrl, raw, smart, log, smartctl_log):
+    """Field -> source -> value, for the fields of `page_values`."""
+    values = page_values(raw, log)
+    facts = {name: {"pages": value} for name, value in values.items()}
+    for name, _, _, nvme, smart_name in LOG_FACTS:
+        facts[name]["nvme smart-log"] = int(smart[nvme])
+        # Old versions do not print fields that they do not know.
         if smart_name in smartctl_log:
             facts[name]["smartctl"] = smartctl_log[smart_name]
     for sensor in range(1, 9):
         # nvme-cli leaves out a sensor of 0 kelvin.
-        facts[f"temperatureSensor{sensor}"] = {
-            "log page": celsius(number(log, 198 + 2 * sensor, 2)),
-            "nvme smart-log": celsius(smart.get(f"temperature_sensor_{sensor}", 0))}
-    def version(word):
-        tertiary = f".{word & 255}" if word & 255 else ""
-        return f"{word >> 16}.{word >> 8 & 255}{tertiary}" if word else None
-
-    total, unallocated = number(raw, 280, 16), number(raw, 296, 16)
-    return facts | {
-        "warningTemperature": {"identify data": celsius(number(raw, 266, 2)), "nvme id-ctrl": celsius(id_ctrl["wctemp"])},
-        "criticalTemperature": {"identify data": celsius(number(raw, 268, 2)), "nvme id-ctrl": celsius(id_ctrl["cctemp"])},
-        "nvmeVersion": {"identify data": version(number(raw, 80, 4)), "nvme id-ctrl": version(id_ctrl["ver"])},
-        "namespaceLimit": {"identify data": number(raw, 516, 4) or None, "nvme id-ctrl": id_ctrl["nn"] or None},
-        "totalCapacityBytes": {"identify data": total or None, "nvme id-ctrl": int(id_ctrl["tnvmcap"]) or None},
-        "unallocatedCapacityBytes": {"identify data": unallocated if total else None,
-                                     "nvme id-ctrl": int(id_ctrl["unvmcap"]) if total else None},
-    }
+        facts[f"temperatureSensor{sensor}"]["nvme smart-log"] = celsius(smart.get(f"temperature_sensor_{sensor}", 0))
+    has_total = values["totalCapacityBytes"] is not None
+    for name, value in {
+            "warningTemperature": celsius(id_ctrl["wctemp"]), "criticalTemperature": celsius(id_ctrl["cctemp"]),
+            "nvmeVersion": version(id_ctrl["ver"]), "namespaceLimit": id_ctrl["nn"] or None,
+            "totalCapacityBytes": int(id_ctrl["tnvmcap"]) or None,
+            "unallocatedCapacityBytes": int(id_ctrl["unvmcap"]) if has_total else None}.items():
+        facts[name]["nvme id-ctrl"] = value
+    return facts
 
 
 def truth(files, kernel):
     """
-    Field -> source -> value, from the collected `files` of one controller. A value of None says that there is
-    nothing to be shown.
+    Field -> source -> value, from the collected `files` of one controller. None means that nothing
+    may be shown.
     """
     id_ctrl, smart, smartctl = (files.json(f"{name}.json") for name in ("id-ctrl", "smart-log", "smartctl"))
     log, raw = files.bytes("smart-log.bin"), files.bytes("id-ctrl.bin")
@@ -197,9 +213,7 @@ def truth(files, kernel):
 
 
 # What `list` alone tells of the pages.
-PAGE_FACTS = [name for name, *_ in LOG_FACTS] + [f"temperatureSensor{sensor}" for sensor in range(1, 9)] + [
-    "warningTemperature", "criticalTemperature", "nvmeVersion", "namespaceLimit", "totalCapacityBytes",
-    "unallocatedCapacityBytes"]
+PAGE_FACTS = list(page_values(bytes(4096), bytes(512)))
 
 
 class Object:
@@ -269,7 +283,7 @@ def told(entry, adapter, drive):
         "counter 128": both("powerOnHours", [30498]),
         "counter 160": both("mediaErrors", [30189]),
         "health": both("healthCode", [30017]),
-        # An empty list is shown by its absence.
+        # An empty list is not shown.
         "reasons": {"list": entry.get("reasonCodes", []), "adapter 30165": adapter.value(30165) or []},
     } | {name: both(name) for name in PAGE_FACTS}
 
@@ -285,7 +299,7 @@ def _agree(expected, actual):
 
 def compare(expected, actual):
     """
-    Holds every source of a field against every place that shows it. Returns how many comparisons were made, and
+    Compares every source of a field with every place that shows it. Returns how many comparisons were made, and
     one line for each that failed.
     """
     count, failures = 0, []

@@ -17,7 +17,7 @@ def _output(*command, cwd=None):
 
 
 def _from_archive(query):
-    """What `query` answers; asks once more with fresh package lists when it fails."""
+    """The answer of `query`. If it fails, asks once more with fresh package lists."""
     try:
         return query()
     except (subprocess.CalledProcessError, LookupError):

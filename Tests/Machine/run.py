@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """
-The machine test: ostrel in a virtual machine with emulated NVMe controllers, held against nvme-cli, smartctl and
-the kernel.
+The machine test: ostrel runs in a virtual machine with emulated NVMe controllers. Its output is compared with
+nvme-cli, smartctl and the kernel.
 
 Needs the Debian packages qemu-system-x86 busybox-static nvme-cli smartmontools sqlite3 strace python3
 python3-jsonschema,
-and a configured apt to download the guest's kernel from (it is unpacked below the work folder, never installed).
+and a configured apt. It downloads the guest's kernel, unpacks it below the work folder and never installs it.
 It needs no special rights and no hardware virtualisation.
 """
 

@@ -10,7 +10,7 @@ work = None
 
 
 def job(name):
-    """The text of a job, with what all jobs begin with."""
+    """The text of a job, after the beginning that all jobs share."""
     return "".join((HERE / "jobs" / f"{each}.sh").read_text() for each in ("collect", name))
 
 

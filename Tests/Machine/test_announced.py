@@ -1,4 +1,4 @@
-"""Drives that come and go between two polls of `ostrel watch`, which the kernel's announcements tell of."""
+"""Drives that come and go between two polls of `ostrel watch` and are announced by the kernel."""
 
 import datetime
 import json
@@ -7,14 +7,14 @@ import unittest
 import session
 from drives import MIB, Controller
 
-# Something is wrong with it from the start, which says when the watch has begun.
+# It has a warning from the start. Its line shows that the watch has begun.
 KEPT = Controller("kept", "KEPT", size=64 * MIB, options={"smart_critical_warning": 8})
 ONE = Controller("one", "ONE", size=64 * MIB)
 OTHER = Controller("other", "OTHER", size=64 * MIB)
 COMING = Controller("coming", "COMING", size=64 * MIB)
 ADDED, REMOVED = 11093, 11094
 ROUNDS = 5
-# In the guest's own time, which counts instructions, so that it does not matter how busy this machine is.
+# In the guest's own time, which counts instructions. So it does not matter how busy this machine is.
 CLOCK = ("-icount", "shift=1,sleep=off", "-rtc", "clock=vm")
 WITHIN = 1.0
 
@@ -28,7 +28,7 @@ def seconds(text):
 
 
 def steps():
-    """Each step, and what it makes happen: a drive plugged in, pulled, and one exchanged for another at once."""
+    """Each step and its expected events: a drive is plugged in, pulled, and exchanged for another at once."""
     present, absent = "ONE", "OTHER"
     for number in range(1, ROUNDS + 1):
         yield f"plugged-{number}", {(ADDED, "COMING")}
@@ -61,12 +61,12 @@ class Announced(unittest.TestCase):
         cls.events = [line for line in lines if line.get("phase") != "present"]
 
     def by_step(self):
-        """Each step with what it is to make happen and the events that came of it."""
+        """Each step with its expected events and those that came."""
         events = iter(self.events)
         return [(step, expected, [event for _, event in zip(expected, events)]) for step, expected in steps()]
 
     def test_once(self):
-        """each arrival and each departure is told once"""
+        """each arrival and each departure is reported once"""
         self.assertEqual(len(self.events), sum(len(expected) for _, expected in steps()))
         for step, expected, events in self.by_step():
             self.assertEqual({(event.get("id"), event["drive"]["serial"]) for event in events}, expected, step)
@@ -81,5 +81,5 @@ class Announced(unittest.TestCase):
         self.assertEqual({step: delay for step, delay in late.items() if delay > WITHIN}, {})
 
     def test_end(self):
-        """the watch ends well and has nothing to complain of"""
+        """the watch ends well and without a message"""
         self.assertEqual((self.files["watch.code"].strip(), self.files["watch.err"]), (b"0", b""))

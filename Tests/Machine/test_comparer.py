@@ -1,4 +1,4 @@
-"""Tests the comparison itself: equal data pass, and each single change is noticed."""
+"""Tests the comparison itself: equal data pass, and each single change is found."""
 
 import copy
 import json
@@ -106,7 +106,7 @@ def topology():
 
 
 def altered(value):
-    """Another value of the same kind."""
+    """A different value of the same kind."""
     if isinstance(value, str):
         return value + "x"
     if isinstance(value, list):

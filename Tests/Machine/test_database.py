@@ -49,7 +49,7 @@ class Kept:
                 for row in self.table(when, "Adapter")}
 
     def test_runs(self):
-        """every run with --data ends well and has nothing to complain of"""
+        """every run with --data ends well and without a message"""
         for name in ("first", "second", "fourth"):
             self.assertEqual(self.files[f"ostrel/{name}.code"].strip(), b"0", self.files[f"ostrel/{name}.err"])
             self.assertEqual(self.files[f"ostrel/{name}.err"], b"", name)
@@ -70,7 +70,7 @@ class Kept:
             self.assertEqual(self.files[f"{when}/integrity"], b"ok\n")
 
     def test_texts(self):
-        """what the drives say of themselves is stored as the kernel has it"""
+        """texts of the drives are stored as the kernel has them"""
         kernel, adapters = self.kernel(), self.adapters("second")
         self.assertEqual(set(adapters), set(kernel))
         self.assertEqual(len(kernel), self.COUNT)
@@ -88,7 +88,7 @@ class Kept:
             self.assertEqual(self.files[f"{when}/hostile"].decode().split("\n"), [HOSTILE, HOSTILE, ""])
 
     def test_numbers(self):
-        """adapters keep their numbers, one that was away for a run included"""
+        """adapters keep their numbers, even one that was away for a run"""
         def numbers(when):
             return {place: row["AdapterNumber"] for place, row in self.adapters(when).items()}
         first = numbers("first")
@@ -99,7 +99,7 @@ class Kept:
     def test_away(self):
         """the rows of a drive that is away are gone, the others stay"""
         if self.COUNT == 1:
-            # Without any drive there is no inventory, and no reason to believe that it is gone for good.
+            # Without any drive there is no inventory, so rows must not be removed.
             self.assertEqual(self.files["ostrel/third.code"].strip(), b"3")
             self.assertEqual(self.table("third", "Adapter"), self.table("second", "Adapter"))
             return
@@ -117,12 +117,12 @@ class OneDrive(Kept, unittest.TestCase):
 
 
 class EightDrives(Kept, unittest.TestCase):
-    """A server's usual few."""
+    """A few drives, as in a usual server."""
 
     COUNT = 8
 
 
 class ManyDrives(Kept, unittest.TestCase):
-    """As many as one processor has interrupt vectors for."""
+    """As many drives as one processor has interrupt vectors for."""
 
     COUNT = 64

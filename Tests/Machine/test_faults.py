@@ -1,4 +1,4 @@
-"""ostrel while commands to a drive fail: it must not tell what it has not read."""
+"""ostrel while commands to a drive fail: it must not report what it has not read."""
 
 import json
 import unittest
@@ -50,7 +50,7 @@ class Faults(unittest.TestCase):
         return self.files[f"sysfs/{serial}/address"].decode().strip()
 
     def test_watch(self):
-        """a standing warning is told at the start, and neither cleared nor told again after a failure"""
+        """a warning is reported once at the start, and a failed command neither clears nor repeats it"""
         for watch in WATCHES:
             with self.subTest(watch):
                 self.assertEqual(self.files[f"{watch}.code"].strip(), b"0", self.files[f"{watch}.err"])
@@ -63,7 +63,7 @@ class Faults(unittest.TestCase):
                                   *((None, None, event, "LAST") for _, event in STEPS)])
 
     def test_unread_list(self):
-        """a drive whose health log was never read is unknown to list, and the others are as they are"""
+        """list shows an unknown health for a drive whose health log was never read, and the right one for the others"""
         drives = self.drives("list-unread")
         self.assertEqual(sorted(drives), ["FIRST", "LAST", "SICK"])
         sick = drives["SICK"]
@@ -76,7 +76,7 @@ class Faults(unittest.TestCase):
             self.assertEqual(drives[serial]["healthCode"], 40024)
 
     def test_unread_show(self):
-        """... and show says that it was not read, and not that nothing needs to be done"""
+        """show says that the log was not read, and does not say that nothing needs to be done"""
         shown = self.output("show-unread")
         self.assertIn("The health log of this drive was not read.", shown)
         self.assertRegex(shown, r"Health status +Healthy \(not measured\)\n")
@@ -84,12 +84,12 @@ class Faults(unittest.TestCase):
         self.assertNotIn("othing needs to be done", shown)
 
     def test_dropped_list(self):
-        """drives after one that does not answer have their real addresses, and doubted locations"""
+        """drives after one that does not answer have real addresses, and their locations are marked as wrong"""
         drives = self.drives("list-dropped")
         self.assertEqual(sorted(drives), ["LAST", "SICK"])
         for serial, drive in drives.items():
             self.assertEqual((drive["pciAddress"], drive["locationIsReal"]), (self.address(serial), False))
 
     def test_dropped_show(self):
-        """... and show finds such a drive by its real address"""
+        """show finds such a drive by its real address"""
         self.assertIn("SICK", self.output("show-dropped"))

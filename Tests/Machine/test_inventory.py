@@ -29,7 +29,7 @@ FLEET = (
     Controller("no-disk", "NO-DISK"),
 )
 DISKLESS = ("NO-DISK",)
-# Plugged in for another while the machine runs.
+# It replaces another drive while the machine runs.
 LATE = Controller("late", "LATE", size=88 * MIB)
 UNPLUGGED = FLEET[6]
 LATER_WARNINGS = {"plain": 0x01, "intel": 0x02, "warned": 0x00, "large-blocks": 0x04, "hostile": 0x08,
@@ -49,7 +49,7 @@ class Booted(unittest.TestCase):
     maxDiff = None
 
     def output(self, name, code=0):
-        """What a run of ostrel printed; it must have ended with that exit code and, when it was well, silently."""
+        """The output of a run of ostrel. The run must have this exit code and, if that is 0, no message."""
         self.assertEqual(self.ended(name), code, self.messages(name))
         if code == 0:
             self.assertEqual(self.messages(name), "", name)
@@ -102,7 +102,7 @@ class Booted(unittest.TestCase):
 
 
 class Inventory(Booted):
-    """Eleven controllers, each with something of its own."""
+    """Eleven controllers that all differ."""
 
     @classmethod
     def setUpClass(cls):
@@ -129,14 +129,14 @@ class Inventory(Booted):
         self.assert_agreement("first", FLEET)
 
     def test_agreement_after_warnings(self):
-        """... and again after other critical warnings were raised in the running machine"""
+        """all fields also agree after other critical warnings were raised in the running machine"""
         self.assert_agreement("warned", FLEET, "-warned")
         bits = sorted(files.bytes("smart-log.bin")[0] for files in self.controllers("warned").values()
                       if files.first_namespace())
         self.assertEqual(bits, sorted(LATER_WARNINGS.values()))
 
     def test_fleet(self):
-        """the emulated controllers are what this test needs them to be"""
+        """the emulated controllers are as this test needs them"""
         controllers = {files.text("serial"): files for files in self.controllers("first").values()}
         self.assertEqual(set(controllers), {drive.serial for drive in FLEET})
         truths = {serial: inventory.truth(files, "") for serial, files in controllers.items()
@@ -184,7 +184,7 @@ class Inventory(Booted):
         self.assertEqual(after, {**before, LATE.serial: LATE.size // MIB})
 
     def test_doubts(self):
-        """nothing is in doubt where every log is read and no drive is left out, and each drive has its end of life"""
+        """with every log read and no drive left out, no value is marked as doubtful, and each drive has an end of life"""
         entries = json.loads(self.output("list"))["drives"]
         self.assertEqual({entry["endOfLife"]["object"] for entry in entries}, {entry["adapterId"] for entry in entries})
         for entry in entries:
@@ -201,7 +201,7 @@ class Inventory(Booted):
                 each.serial == drive.serial for each in FLEET), drive.serial)
 
     def test_show(self):
-        """show finds an adapter and its drive by the serial number, a hostile one included"""
+        """show finds an adapter and its drive by the serial number, even by a hostile one"""
         for name, files in self.controllers("first").items():
             serial = files.text("serial")
             if serial in DISKLESS or serial == "TWIN":
@@ -213,7 +213,7 @@ class Inventory(Booted):
             self.assertIn(files.text(f"{files.first_namespace()}/device"), shown)
 
     def test_commands(self):
-        """the drives were given Identify and Get Log Page commands alone"""
+        """the drives got only Identify and Get Log Page commands"""
         reading = [line for line in self.commands if line.startswith("pci_nvme_admin_cmd ")
                    and (GET_LOG_PAGE in line or IDENTIFY in line)]
         self.assertEqual([line for line in self.commands if line not in reading], [])
@@ -286,7 +286,7 @@ class EmptyMachine(Booted):
         self.assertNotEqual(self.messages("list").strip(), "")
 
     def test_documents(self):
-        """an error, too, is a document that fits its schema"""
+        """a document about an error also fits its schema"""
         self.assert_documents()
 
     def test_doctor(self):

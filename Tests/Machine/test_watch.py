@@ -17,8 +17,8 @@ ADDED, REMOVED = 11093, 11094
 HOST = "0x0000000000004a3a"
 # The expected lines at the start of the watch: kind, phase and drive.
 PRESENT = [("read-only", "present", "KEPT")]
-# The expected lines of each step, in order: first the plug-in's events (event, severity and drive), then what no event
-# tells (kind, phase and drive).
+# The expected lines of each step, in order: first the plug-in's events (event, severity and drive), then changes
+# without an event (kind, phase and drive).
 STEPS = {
     "warned-04": [(11088, 3, "WARNED")],
     "warned-14": [(10957, 4, "WARNED")],
@@ -44,7 +44,7 @@ def told(line):
 
 
 class Watch(unittest.TestCase):
-    """Warnings raised and cleared, a drive unplugged, another plugged in, and a setting changed meanwhile."""
+    """Warnings are raised and cleared, a drive is unplugged, another is plugged in, and a setting changes."""
 
     @classmethod
     def setUpClass(cls):
@@ -68,7 +68,7 @@ class Watch(unittest.TestCase):
         return sorted(row["SerialNumber"] for row in json.loads(self.files[f"{step}/{table}.json"]))
 
     def test_lines(self):
-        """what is wrong at the start, and each change, is told exactly once, in order, with the drive it is about"""
+        """what is wrong at the start, and each change, is reported exactly once, in order, with its drive"""
         self.assertEqual([told(line) for line in self.lines], [*PRESENT, *(line for step in STEPS.values()
                                                                            for line in step)])
         self.assertEqual(sorted(line["time"] for line in self.lines), [line["time"] for line in self.lines])
@@ -126,7 +126,7 @@ class Watch(unittest.TestCase):
                                          for maker, number in ((" Intel", 1), ("", 2), ("", 4))])
 
     def test_end(self):
-        """a termination signal ends it well, and soon, and it had nothing to complain of"""
+        """a termination signal ends it well and soon, and it printed no message"""
         self.assertEqual(self.files["watch.code"].strip(), b"0", self.files["watch.err"])
         self.assertEqual(self.files["watch.err"], b"")
         before, after = map(float, self.files["ending"].split())

@@ -13,7 +13,7 @@ import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.dont_write_bytecode = True
-# What this test has in common with the one in a virtual machine is there.
+# The modules that this test shares with the machine test are there.
 sys.path[:0] = [str(HERE), str(HERE.parent / "Machine")]
 
 import progress  # noqa: E402

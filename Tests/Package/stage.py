@@ -1,4 +1,4 @@
-"""The unpacked packages, and how to run things."""
+"""The unpacked packages, and functions that run programs from them."""
 
 import shutil
 import subprocess
@@ -37,5 +37,5 @@ def ostrel(*words):
 
 
 def demo():
-    """The words that have it show the fleet that comes with it."""
+    """The options that make the program show its own demonstration fleet."""
     return "--simulate", root / "usr/share/ostrel/DemoFleet.json"

@@ -21,7 +21,7 @@ print -r -- $text
 
 
 class Completions(unittest.TestCase):
-    """Each shell offers what the help tells, and nothing else."""
+    """Each shell offers the words of the help, and nothing else."""
 
     @classmethod
     def setUpClass(cls):

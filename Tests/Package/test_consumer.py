@@ -10,7 +10,7 @@ SOURCES = pathlib.Path(__file__).resolve().parents[1] / "Consumer"
 
 
 class Consumer(unittest.TestCase):
-    """Built once; then used."""
+    """A host and a plug-in that are built once for all tests."""
 
     @classmethod
     def setUpClass(cls):
@@ -22,7 +22,7 @@ class Consumer(unittest.TestCase):
         cls.plugin = cls.folder / "TinyPlugin.so"
 
     def test_sources(self):
-        """everything of Ostrel that it was built from came out of the package"""
+        """all files of Ostrel that it was built from came from the package"""
         includes = stage.run("ninja", "-C", self.folder, "-t", "deps")
         self.assertIn(f"{stage.root}/usr/include/ostrel/PI/IPluginApi.h", includes)
         files = {line.strip() for line in includes.splitlines() if line.startswith(" ")}
@@ -39,7 +39,7 @@ class Consumer(unittest.TestCase):
                          ["module 313", "result 0", "module 313", "result 20001"])
 
     def test_installed(self):
-        """installed, the host starts, and finds the libraries without being told of their folder"""
+        """the installed host starts and finds the libraries without any setting"""
         folder = stage.work / "installed"
         stage.run("cmake", "--install", self.folder, "--prefix", folder)
         lines = stage.run(folder / "bin/TinyHost", env={"PATH": "/usr/bin:/bin"}).splitlines()
@@ -57,7 +57,7 @@ class Consumer(unittest.TestCase):
                          "Simulated fleet: DemoFleet.json\nTiny adapter\n")
 
     def test_watching(self):
-        """set and watch work with both at once; a fleet that stays as it is gives no news"""
+        """set and watch work with both at once, and a fleet without changes gives no lines"""
         words = (*stage.demo(), "--plugin", self.plugin, "--data", stage.work / "watched")
         self.assertEqual(stage.ostrel(*words, "set", "plugin", "pollinterval", "2").splitlines()[-1],
                          "Poll interval is now 2 s.")
@@ -65,7 +65,7 @@ class Consumer(unittest.TestCase):
         self.assertEqual({line.get("phase") for line in lines}, {"present"})
 
     def test_no_drives(self):
-        """where there is no NVMe drive, the other plug-in's hardware is shown alone"""
+        """without an NVMe drive, only the other plug-in's hardware is shown"""
         fleet = stage.work / "empty.json"
         fleet.write_text('{"controllers": []}')
         drives = json.loads(stage.ostrel("--simulate", fleet, "--plugin", self.plugin, "list", "--json"))["drives"]

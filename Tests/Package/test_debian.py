@@ -33,8 +33,8 @@ class Debian(unittest.TestCase):
     """What dpkg and the policy say of them."""
 
     def test_policy(self):
-        """lintian has nothing to tell, down to its informational tags, but what is overridden with a reason"""
-        # Compilers copy texts in overlapping pieces, and where these meet they look like misspelt words.
+        """lintian reports nothing, not even informational tags, except what is overridden with a reason"""
+        # Compilers store texts in overlapping pieces. Where two pieces meet, lintian sees misspelt words.
         checked = stage.attempt("lintian", "--allow-root", "--display-info", "--fail-on", "error,warning,info",
                                 "--suppress-tags", "spelling-error-in-binary", stage.package, stage.development)
         self.assertEqual((checked.returncode, checked.stdout), (0, ""), checked.stderr)
@@ -47,7 +47,7 @@ class Debian(unittest.TestCase):
                 self.assertTrue(line.startswith("#") or above.startswith("#"), f"{file.name}: {line}")
 
     def test_places(self):
-        """everything is where Debian has it, in the package that has need of it"""
+        """every file is in the folder that Debian uses for it, and in the package that needs it"""
         for package, places in ((stage.package, PLACES), (stage.development, DEVELOPMENT_PLACES)):
             with self.subTest(package.name):
                 folder = stage.work / "places" / package.stem
@@ -59,7 +59,7 @@ class Debian(unittest.TestCase):
                 self.assertEqual(held, {*places})
 
     def test_sonames(self):
-        """libraries of another release are not taken for those of this one"""
+        """libraries of another release cannot be used in place of this one's"""
         release = ".".join(stage.run("dpkg-deb", "--field", stage.package, "Version").split(".")[:2])
         (folder,) = (stage.root / "usr/lib").glob("*/ostrel")
         for name in ("libPI.so", "libTLX.so", "libTLXX.so", "libDatabase.so"):
@@ -68,13 +68,13 @@ class Debian(unittest.TestCase):
             self.assertTrue((folder / f"{name}.{release}").exists(), name)
 
     def test_development(self):
-        """what is for developers needs the program of the very same version"""
+        """the package for developers needs the program of exactly the same version"""
         version = stage.run("dpkg-deb", "--field", stage.package, "Version").strip()
         self.assertIn(f"ostrel (= {version})", stage.run("dpkg-deb", "--field", stage.development, "Depends"))
         self.assertEqual(stage.run("dpkg-deb", "--field", stage.development, "Package").strip(), "ostrel-dev")
 
     def test_documents(self):
-        """documents refer only to what is installed beside them"""
+        """documents refer only to files that are installed with them"""
         folder = stage.root / "usr/share/doc/ostrel"
         for name in ("Interfaces.md", "Tracing.md"):
             text = stage.run("zcat", folder / f"{name}.gz")
@@ -107,7 +107,7 @@ class Debian(unittest.TestCase):
         self.assertNotIn("-dev", depends)
 
     def test_removal(self):
-        """kept data outlives a removal and an upgrade, and goes with a purge"""
+        """kept data stay after a removal and an upgrade, and are deleted by a purge"""
         control, tools = stage.work / "control", stage.work / "tools"
         stage.run("dpkg-deb", "--control", stage.package, control)
         tools.mkdir()

@@ -1,4 +1,4 @@
-"""What makes a fault harder to abuse, read from the files that users get."""
+"""Protections against the abuse of faults, read from the files that users get."""
 
 import re
 import unittest
@@ -24,20 +24,20 @@ class Hardening(unittest.TestCase):
                 yield stage.run(*command, file)
 
     def test_position(self):
-        """the program may be loaded anywhere, as libraries may"""
+        """the program can be loaded at any address, like libraries"""
         self.assertRegex(stage.run("readelf", "-dW", self.program), r"FLAGS_1.* PIE")
         for header in self.each("readelf", "-hW"):
             self.assertRegex(header, r"Type: +DYN ")
 
     def test_relocations(self):
-        """all addresses are found at the start, and are read-only from then on"""
+        """all addresses are resolved at the start, and are read-only after that"""
         for segments in self.each("readelf", "-lW"):
             self.assertIn("GNU_RELRO", segments)
         for dynamic in self.each("readelf", "-dW"):
             self.assertRegex(dynamic, r"FLAGS_1.* NOW")
 
     def test_stack(self):
-        """nothing on the stack is run, and a frame that is overrun ends the process"""
+        """data on the stack cannot be executed, and an overrun of a frame ends the process"""
         for segments in self.each("readelf", "-lW"):
             self.assertRegex(segments, r"GNU_STACK .* RW +0x")
         for symbols in self.each("readelf", "--dyn-syms", "-W"):
@@ -51,6 +51,6 @@ class Hardening(unittest.TestCase):
             self.assertRegex(symbols, r" _ZSt\d+__glibcxx_assert_fail|__glibcxx_assert")
 
     def test_branches(self):
-        """what may be called through a pointer says so"""
+        """functions that may be called through a pointer are marked"""
         for code in self.each("objdump", "-d", "--section=.text"):
             self.assertGreater(len(re.findall(r"\tendbr64", code)), 10)

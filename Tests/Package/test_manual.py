@@ -1,4 +1,4 @@
-"""The manual page, and whether it tells what the program's own help tells."""
+"""Compares the manual page with the program's own help."""
 
 import re
 import unittest
@@ -33,7 +33,7 @@ class Manual(unittest.TestCase):
         self.assertIn(stage.ostrel("--version").strip(), self.text)
 
     def test_commands(self):
-        """it has the commands of the help with what they take, and no others"""
+        """it has the commands of the help with their arguments, and no others"""
         self.assertEqual(self.headings("COMMANDS"), set(self.usage.commands.values()))
 
     def test_exit_codes(self):

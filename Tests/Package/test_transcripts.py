@@ -1,4 +1,4 @@
-"""The documents' transcripts against the program in the package."""
+"""Compares the documents' transcripts with the program in the package."""
 
 import pathlib
 import re
@@ -32,7 +32,7 @@ class Transcripts(unittest.TestCase):
                     self.assertNotRegex(block, r"(?m)^\$ ", file.name)
 
     def test_stale(self):
-        """a transcript that is not is noticed"""
+        """a transcript that differs is found"""
         words = "$ ostrel --simulate DemoFleet.json --data kept"
         quick = f"{words} set plugin pollinterval 2\nSimulated fleet: DemoFleet.json\nPoll interval is now 2 s.\n"
         for shown in ("$ ostrel --version\nostrel 0.0.0\n", f"{quick}\n{words} watch\n# nvme2n1 is unplugged\n"):

@@ -1,4 +1,4 @@
-"""The options and commands that the program's own help tells."""
+"""The options and commands in the program's own help."""
 
 import re
 
@@ -18,7 +18,7 @@ def _entries(text, heading):
 
 class Usage:
     """
-    The commands, each with itself and what it takes ("show OBJECT [PROPERTY]"), and the options of all of them, as
+    The commands, each with its name and arguments ("show OBJECT [PROPERTY]"), and the options of all of them, as
     the help has them ("-h,--help", "--data DIR").
     """
 

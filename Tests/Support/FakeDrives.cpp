@@ -111,7 +111,7 @@ CFakeDrive& CFakeDrive::MarketingLog(std::string_view text)
 class CFakeDrives::CBackend : public TLXX::IDeviceBackend
 {
 public:
-    std::vector<TLXX::CDeviceEntry> Enumerate() override
+    std::vector<TLXX::CDeviceEntry> Enumerate(const TLXX::DeviceWalk&) override
     {
         CallTest("enumerate");
         const std::scoped_lock guard(m_Lock);
@@ -196,7 +196,7 @@ public:
     std::function<void(const std::string&)> m_OnQuery;
 
 private:
-    /** Calls the test's own function without the lock, for it may block or throw. */
+    /** Calls the test's function without the lock, because that function may block or throw. */
     void CallTest(const std::string& query)
     {
         std::function<void(const std::string&)> action;

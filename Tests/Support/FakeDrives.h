@@ -36,7 +36,7 @@ struct CFakeDrive
     CFakeDrive& TemperatureLog(std::uint8_t byte0, std::uint8_t byte104);
     /** The normalized values of attributes 0xAD and 0xEA in vendor log 0xCA. */
     CFakeDrive& LegacyLog(std::uint8_t ad, std::uint8_t ea);
-    /** The text at the head of vendor log 0xDD. */
+    /** The text at the beginning of vendor log 0xDD. */
     CFakeDrive& MarketingLog(std::string_view text);
 
     std::string m_DeviceName;
@@ -78,7 +78,9 @@ public:
      */
     void OnQuery(std::function<void(const std::string& query)> action);
 
-    /** From now on who subscribes hears what `announcer` announces. Without one, nobody can subscribe. */
+    /**
+     * From now on subscribers hear what `announcer` announces. Without an announcer, a subscription fails.
+     */
     void AnnounceBy(CAnnouncer& announcer);
 
     /** Every query so far as "<kind> <device name>": "controller", "namespace", "health", "log 0xC5" ... */

@@ -13,7 +13,7 @@ namespace TestSupport {
 class CSilentBackend : public TLXX::IDeviceBackend
 {
 public:
-    std::vector<TLXX::CDeviceEntry> Enumerate() override { return {}; }
+    std::vector<TLXX::CDeviceEntry> Enumerate(const TLXX::DeviceWalk&) override { return {}; }
     std::uint32_t IdentifyController(const std::string&, TLXX::NVME_IDENTIFY_CONTROLLER&) override
     {
         return 1;

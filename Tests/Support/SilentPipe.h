@@ -4,10 +4,7 @@
 
 namespace TestSupport {
 
-/**
- * A pipe to which nothing else writes. A thread that reads from it is stuck, as with a drive that no longer
- * answers.
- */
+/** A pipe to which nothing else writes. A thread that reads from it waits as if a drive did not answer. */
 class CSilentPipe
 {
 public:

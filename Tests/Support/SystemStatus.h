@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-/** This system's numbers of some errors. */
+/** The numbers that this system has for some errors. */
 namespace TestSupport::SystemStatus {
 
 extern const std::uint32_t NO_PERMISSION;

@@ -6,7 +6,7 @@
 
 namespace TestSupport {
 
-/** A folder of its own for one test. It is removed with its content afterwards. */
+/** A new folder for one test. It is removed with its content at the end. */
 class CTemporaryFolder
 {
 public:

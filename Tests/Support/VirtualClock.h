@@ -51,7 +51,7 @@ private:
     struct CAlarm
     {
         std::uint64_t m_Instant;
-        std::weak_ptr<TLX::Threading::CEvent> m_Event; ///< expired: the wait is over
+        std::weak_ptr<TLX::Threading::CEvent> m_Event; ///< whether the time of the wait is over
     };
 
     void MoveTo(std::uint64_t elapsed);

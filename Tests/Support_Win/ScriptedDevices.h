@@ -24,10 +24,10 @@ struct CScriptedDisk
     std::optional<std::uint32_t> m_Number; ///< none: the device does not tell its number
     DWORD m_OpenError = 0;
     DWORD m_ProbeError = ERROR_INSUFFICIENT_BUFFER;
-    bool m_Detailed = true; ///< whether the second question for the path is answered
-    /** How many bytes the detail is said to need; none: as many as it needs. */
+    bool m_Detailed = true; ///< whether the second query for the path succeeds
+    /** The number of bytes that the detail is said to need. None: the real number. */
     std::optional<DWORD> m_DetailSize;
-    /** What else it tells with its number, and how many bytes it says that it told. */
+    /** What the device reports besides its number, and how many bytes it claims to have returned. */
     DWORD m_Type = FILE_DEVICE_DISK;
     DWORD m_Partition = 0;
     DWORD m_NumberBytes = 12;
@@ -55,7 +55,7 @@ public:
     using Node = std::uint32_t;
     static constexpr Node ROOT = 1;
 
-    /** `module`: file name of a loaded library; null: the program. The tree has a root alone. */
+    /** `module`: file name of a loaded library; null: the program. The tree has only a root at first. */
     explicit CScriptedDevices(const wchar_t* module = nullptr);
     ~CScriptedDevices();
     CScriptedDevices(const CScriptedDevices&) = delete;
@@ -64,7 +64,7 @@ public:
     /** Also answers the calls of a further module. */
     void Attach(const wchar_t* module);
 
-    /** Adds a node after the last child of `parent`. With an empty service the node has none. */
+    /** Adds a node after the last child of `parent`. Without a service the text is empty. */
     Node Add(Node parent, const std::string& service = {});
     /** A controller with one disk, which has the given interfaces. Returns the controller. */
     Node AddController(Node parent, std::vector<CScriptedDisk> disks,

@@ -17,7 +17,7 @@ using testing::Return;
 class CBackend : public TLXX::IDeviceBackend
 {
 public:
-    MOCK_METHOD(std::vector<TLXX::CDeviceEntry>, Enumerate, (), (override));
+    MOCK_METHOD(std::vector<TLXX::CDeviceEntry>, Enumerate, (const TLXX::DeviceWalk&), (override));
     MOCK_METHOD(std::uint32_t, IdentifyController, (const std::string&, TLXX::NVME_IDENTIFY_CONTROLLER&),
                 (override));
     MOCK_METHOD(std::uint32_t, IdentifyNamespace, (const std::string&, TLXX::NVME_IDENTIFY_NAMESPACE&),
@@ -187,9 +187,65 @@ TEST_F(DeviceBackendTest, AnswersModuleVersions)
     EXPECT_EQ(TLXX::CSystem::GetModuleVersion("nvme"), "9.9");
 }
 
+TEST_F(DeviceBackendTest, GetsThePluginsWalkAndMayUseIt)
+{
+    int walks = 0;
+    const auto walk = [&] {
+        ++walks;
+        return std::vector<TLXX::CDeviceEntry>{{"first", "one"}, {"second", "two"}};
+    };
+    EXPECT_CALL(*m_Backend, Enumerate(_)).WillOnce([](const TLXX::DeviceWalk& given) {
+        auto entries = given();
+        entries.erase(entries.begin());
+        return entries;
+    });
+    const auto entries = TLXX::enumerateBackend(walk);
+    ASSERT_EQ(entries.size(), 1U);
+    EXPECT_EQ(entries[0].m_DeviceName, "second");
+    EXPECT_EQ(walks, 1);
+}
+
+TEST_F(DeviceBackendTest, MayLeaveTheWalkAlone)
+{
+    EXPECT_CALL(*m_Backend, Enumerate(_)).WillOnce(Return(std::vector<TLXX::CDeviceEntry>{{"own", "one"}}));
+    const auto entries = TLXX::enumerateBackend([]() -> std::vector<TLXX::CDeviceEntry> {
+        ADD_FAILURE() << "nobody asked for the walk";
+        return {};
+    });
+    ASSERT_EQ(entries.size(), 1U);
+    EXPECT_EQ(entries[0].m_DeviceName, "own");
+}
+
+TEST(DeviceBackendRegistryTest, WithoutABackendTheWalkCounts)
+{
+    const auto entries = TLXX::enumerateBackend([] {
+        return std::vector<TLXX::CDeviceEntry>{{"machine", "nvme"}};
+    });
+    ASSERT_EQ(entries.size(), 1U);
+    EXPECT_EQ(entries[0].m_DeviceName, "machine");
+}
+
+TEST_F(DeviceBackendTest, MaySayItselfWhichControllersThereAre)
+{
+    class CStates : public testing::StrictMock<CBackend>
+    {
+    public:
+        std::vector<TLXX::CControllerState> ControllerStates() override
+        {
+            TLXX::CControllerState state;
+            state.m_Name = "nvme7";
+            return {state};
+        }
+    };
+    TLXX::setDeviceBackend(std::make_shared<CStates>());
+    const auto states = TLXX::controllerStates();
+    ASSERT_EQ(states.size(), 1U);
+    EXPECT_EQ(states[0].m_Name, "nvme7");
+}
+
 TEST_F(DeviceBackendTest, ItsDisksAreTheControllersThatADiagnosisShows)
 {
-    EXPECT_CALL(*m_Backend, Enumerate())
+    EXPECT_CALL(*m_Backend, Enumerate(_))
         .WillOnce(Return(std::vector<TLXX::CDeviceEntry>{{"first", "one"}, {"second", "two"}}));
     EXPECT_CALL(*m_Backend, Location(1)).WillOnce(Return(TLXX::CPciLocation{0, 7, 0, 0}));
     EXPECT_CALL(*m_Backend, Location(2)).WillOnce(Return(std::nullopt));

@@ -29,7 +29,10 @@ TEST(NvmeStatusTest, SaysTheRest)
     EXPECT_EQ(TLXX::statusText(0x20000), "the drive sent less data than was asked for");
     EXPECT_EQ(TLXX::statusText(0x20001), "the driver's answer makes no sense");
     EXPECT_EQ(TLXX::statusText(0x20002), "the page holds zeros alone");
-    EXPECT_EQ(TLXX::statusText(0x20003), "unknown status 0x20003");
+    EXPECT_EQ(TLXX::statusText(TLXX::STATUS_NO_ANSWER), "the drive did not answer in time");
+    EXPECT_EQ(TLXX::statusText(TLXX::STATUS_NO_DEVICE), "there is no such device");
+    EXPECT_EQ(TLXX::statusText(TLXX::STATUS_NO_RESOURCES), "descriptors, threads or memory ran out");
+    EXPECT_EQ(TLXX::statusText(0x20006), "unknown status 0x20006");
     EXPECT_EQ(TLXX::statusText(0xFFFFFFFF), "unknown status 0xFFFFFFFF");
 }
 

@@ -29,7 +29,7 @@ protected:
                 drive.m_VendorLogs[log][511] = static_cast<std::uint8_t>(log + number);
             m_Drives.Add(drive);
         }
-        (void)TLXX::enumerateBackend();
+        (void)TLXX::enumerateBackend({});
         for (const std::string& path : {FIRST, SECOND}) {
             EXPECT_EQ(Identify(path), 0U);
             (void)Blocks(path);
@@ -163,7 +163,7 @@ TEST_F(PageMemoryTest, ForgetsADriveThatAnEnumerationNoLongerFinds)
 {
     const CFakeDrive first = m_Drives.At(0);
     m_Drives.Remove(FIRST);
-    (void)TLXX::enumerateBackend();
+    (void)TLXX::enumerateBackend({});
     m_Drives.Add(first);
     Silence(0);
     Silence(1);
@@ -205,6 +205,12 @@ TEST_F(PageMemoryTest, TellsTheLastGoodPagesOfEachDeviceAndAsksNoDrive)
     EXPECT_EQ(TLXX::lastIdentifyController(FIRST)->sSerialNumber(), "SN0");
     EXPECT_EQ(TLXX::lastIdentifyController(SECOND)->sSerialNumber(), "SN1");
     EXPECT_EQ(TLXX::lastHealthLog("/dev/nvme2n1"), std::nullopt);
+    for (const std::uint8_t log : {std::uint8_t{0xC5}, std::uint8_t{0xCA}}) {
+        EXPECT_EQ(TLXX::lastVendorLog(FIRST, log)->back(), log);
+        EXPECT_EQ(TLXX::lastVendorLog(SECOND, log)->back(), log + 1);
+        EXPECT_EQ(TLXX::lastVendorLog("/dev/nvme2n1", log), std::nullopt);
+    }
+    EXPECT_EQ(TLXX::lastVendorLog(FIRST, 0xDD), std::nullopt);
     EXPECT_EQ(m_Drives.Queries().size(), asked);
 }
 
@@ -230,7 +236,7 @@ TEST_F(PageMemoryTest, MayBeUsedByManyThreads)
                 (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo(SECOND, log);
                 EXPECT_EQ(log.AvailableSpare, 11);
                 (void)Identify(SECOND);
-                (void)TLXX::enumerateBackend();
+                (void)TLXX::enumerateBackend({});
                 EXPECT_TRUE(TLXX::lastHealthLog(SECOND));
             }
         });

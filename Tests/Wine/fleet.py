@@ -166,7 +166,7 @@ class Storage:
         self._write(f"{disk.number}/{name}.how", text.encode())
 
     def tree(self, text):
-        """Another device tree from now on."""
+        """Replaces the device tree from now on."""
         self._write("tree.txt", text.encode())
 
     def requests(self):

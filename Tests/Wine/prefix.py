@@ -13,7 +13,7 @@ SERVICE = "storagetest"
 
 @dataclasses.dataclass(frozen=True)
 class Run:
-    """What a program printed, and how it ended."""
+    """The output of a program and its exit code."""
 
     code: int
     out: str

@@ -17,13 +17,13 @@ _prefixes = []
 
 
 def close():
-    """Ends what is still running."""
+    """Ends programs that still run."""
     while _prefixes:
         _prefixes.pop().close()
 
 
 def fresh_prefix(name):
-    """A new prefix in the work folder, which lives to the end of the run."""
+    """A new prefix in the work folder. It exists until the end of the run."""
     print(f"Making the Wine prefix '{name}' ...", flush=True)
     prefix = Prefix(pathlib.Path(work) / name, pathlib.Path(work) / f"{name}.log")
     _prefixes.append(prefix)
@@ -70,7 +70,7 @@ class Machine:
         self._running = True
 
     def equip(self, disks, others=()):
-        """Gives the machine exactly these disks, and in its device tree some other lines."""
+        """Gives the machine exactly these disks, and adds other lines to its device tree."""
         self.stop()
         shutil.rmtree(self.storage.folder, ignore_errors=True)
         self.storage.disks(disks)
@@ -83,7 +83,7 @@ class Machine:
         return self.prefix.start(self.program, *arguments)
 
     def ostrel(self, *arguments):
-        """What `ostrel` says with these arguments."""
+        """The output of `ostrel` with these arguments."""
         return self.prefix.run(self.program, *arguments)
 
     def together(self, *commands):

@@ -18,7 +18,7 @@ def _sources(folder, suffix):
 
 
 def _resource(target):
-    """A file that is nothing but a version resource."""
+    """A file with only a version resource."""
     script = target.with_suffix(".rc")
     script.write_text(f"1 VERSIONINFO FILEVERSION {DRIVER_VERSION.replace('.', ',')} BEGIN END\n")
     compiled = target.with_suffix(".o")
@@ -40,7 +40,7 @@ class StandIns:
                 (f"{TOOL}gcc-posix", "-std=gnu11", "-O1", *WARNINGS, "-isystem", KERNEL_HEADERS, "-nostdlib", "-shared",
                  "-Wl,--subsystem,native", "-Wl,--entry,DriverEntry", "-o", self.driver, *_sources("Driver", ".c"),
                  "-lntoskrnl"),
-                # Without these the headers would declare what is defined here as imported.
+                # Without these the headers would declare the functions of this library as imported.
                 (*LIBRARY, "-DCMAPI=", "-D_SETUPAPI_", "-shared", "-o", self.device_tree,
                  *_sources("DeviceTree", ".cpp"), *_sources("DeviceTree", ".def")),
                 (*LIBRARY, "-o", self.probe, *_sources("Probe", ".cpp"), "-lcfgmgr32", "-lsetupapi"),

@@ -20,7 +20,7 @@ def query(file, sql):
     """The rows that the command of this machine reads."""
     text = subprocess.run(["sqlite3", "-readonly", "-json", str(file), sql], check=True, capture_output=True,
                           text=True).stdout
-    # The command prints nothing at all for no rows.
+    # The command prints nothing when there are no rows.
     return json.loads(text or "[]")
 
 
@@ -46,7 +46,7 @@ class Kept:
         cls.doctor = machine.ostrel("--data", f"C:\\{cls.NAME}\\below", "doctor", "--json")
 
     def test_runs(self):
-        """every run ends well, shows what answers, and says nothing of the database"""
+        """every run ends well, shows the disks that answer, and prints no message about the database"""
         for run, disks in zip(self.runs, (DISKS, DISKS, DISKS[1:])):
             self.assertEqual(run.code, 0, run.err)
             self.assertEqual({drive["serial"] for drive in stage.document(run)["drives"]},
@@ -68,7 +68,7 @@ class Kept:
                 [(disk.serial, disk.serial, str(disk.kelvin - 273)) for disk in shown])
 
     def test_sound(self):
-        """PRAGMA integrity_check finds nothing, and nothing is left but the files that the manual names"""
+        """PRAGMA integrity_check finds nothing, and the folder has only the files that the manual names"""
         self.assertEqual(self.sound, [[{"integrity_check": "ok"}]] * 3)
         self.assertCountEqual([path.name for path in self.file.parent.iterdir()],
                               ["Ostrel.db", "AdapterNumbers.txt", "Ostrel.lock"])
@@ -88,22 +88,22 @@ class Kept:
 
 
 class PlainFolder(Kept, unittest.TestCase):
-    """In a folder with a plain name."""
+    """The database in a folder with an ASCII name."""
 
     NAME = "kept"
 
 
 class ForeignFolder(Kept, unittest.TestCase):
-    """In a folder in Greek and Japanese."""
+    """The database in a folder with a Greek and Japanese name."""
 
     NAME = "Βάση δεδομένων 日本語"
 
 
 class Unusable(unittest.TestCase):
-    """A folder in the file's place."""
+    """A folder that has the name of the file."""
 
     def test_warning(self):
-        """costs a warning, and the drives are shown nevertheless"""
+        """there is a warning, but the drives are shown"""
         machine = stage.machine()
         machine.equip(DISKS)
         (machine.prefix.drive_c / "unusable" / "Ostrel.db").mkdir(parents=True)

@@ -127,8 +127,10 @@ class Devices(unittest.TestCase):
         report = inventory.Report(self.output("list", "--json"), self.output("topology", "--json"))
         disk = SHOWN[0]
         told = truth.told(report, disk)
-        for page, places in ((fleet.CONTROLLER, (0, 4, 24, 30, 64, 3100)), (fleet.NAMESPACE, (2, 26, 134)),
-                             (fleet.HEALTH, (0, 1, 3, 4, 33, 52, 128, 160)), (LEGACY_SMART, (99,)), (MARKETING, (3,))):
+        for page, places in ((fleet.CONTROLLER, (0, 4, 24, 30, 64, 81, 266, 281, 516, 3100)),
+                             (fleet.NAMESPACE, (2, 26, 134)),
+                             (fleet.HEALTH, (0, 1, 3, 4, 5, 33, 52, 64, 112, 128, 144, 160, 192, 200, 224)),
+                             (LEGACY_SMART, (99,)), (MARKETING, (3,))):
             for place in places:
                 with self.subTest(page=page, place=place):
                     pages = {name: bytearray(data) for name, data in disk.pages().items()}

@@ -1,4 +1,4 @@
-"""Disks that fail, lie, or go away."""
+"""Disks that fail, give wrong answers, or go away."""
 
 import time
 import unittest
@@ -18,13 +18,13 @@ def serials(run):
 
 
 def said_of(run, subject):
-    """The parts of doctor's JSON document about a subject: result and message, one on each line."""
+    """Doctor's results and messages about a subject in its JSON document, one on each line."""
     return "\n".join(f"{check['result']} {check['message']}" for check in stage.document(run)["checks"]
                      if check["subject"] == subject)
 
 
 def instance(disk):
-    """What doctor calls the disk's controller."""
+    """The name that doctor has for the disk's controller."""
     return f"PCI\\VEN_{disk.vendor:04X}&DEV_0A54\\{disk.number}"
 
 
@@ -84,7 +84,7 @@ class Broken(unittest.TestCase):
 
 
 class Partial(unittest.TestCase):
-    """Disks that say who they are, and nothing more."""
+    """Disks that answer Identify Controller only."""
 
     NO_NAMESPACE = Disk(31, "NO-NAMESPACE", "Drive", 0x1234, (0, 1, 0, 0), how={NAMESPACE: "returned=300"})
     NO_HEALTH = Disk(32, "NO-HEALTH", "Drive", 0x1234, (0, 2, 0, 0), how={HEALTH: "offset=552"})
@@ -95,7 +95,7 @@ class Partial(unittest.TestCase):
         cls.machine.equip((cls.NO_NAMESPACE, cls.NO_HEALTH))
 
     def test_list(self):
-        """they are shown, without what they do not say"""
+        """they are shown, without values that they do not report"""
         run = self.machine.ostrel("list", "--json")
         self.assertEqual((run.code, serials(run)), (0, ["NO-NAMESPACE", "NO-HEALTH"]))
         first, second = stage.document(run)["drives"]
@@ -131,7 +131,7 @@ class Pulled(unittest.TestCase):
             self.assertEqual(serials(run), [disk.serial for disk in disks])
 
     def test_tree(self):
-        """a disk that leaves the device tree is gone in the next list, and there again when it is back"""
+        """a disk that leaves the device tree is missing in the next list, and shown again after its return"""
         self.assert_listed(self.FIRST, self.SECOND, self.THIRD)
         self.machine.storage.tree(fleet.tree((self.FIRST, self.THIRD)))
         self.assert_listed(self.FIRST, self.THIRD)

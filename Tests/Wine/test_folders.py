@@ -32,13 +32,13 @@ class Folders(unittest.TestCase):
         self.assertEqual(settings, [f"C:\\{NAME}\\Ostrel.ini"])
 
     def test_missing(self):
-        """a data folder that is not there is made"""
+        """a missing data folder is created"""
         run = self.machine.ostrel("--data", f"C:\\{NAME}\\何\\下", "list")
         self.assertEqual(run.code, 0, run.err)
         self.assertTrue((self.folder / "何" / "下" / "Ostrel.db").is_file())
 
     def test_impossible(self):
-        """a data folder that cannot be made is refused by its name"""
+        """a message names a data folder that cannot be created"""
         (self.folder / "Αρχείο").write_text("")
         run = self.machine.ostrel("--data", f"C:\\{NAME}\\Αρχείο\\何", "list")
         self.assertEqual(run.code, 2)

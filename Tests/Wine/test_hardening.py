@@ -1,4 +1,4 @@
-"""What makes a fault harder to abuse, read from the packaged files."""
+"""Protections against the abuse of faults, read from the packaged files."""
 
 import pathlib
 import struct
@@ -8,7 +8,7 @@ import zipfile
 import stage
 
 OWN = {"ostrel.exe", "Ostrel.dll", "PI.dll", "TLX.dll", "TLXX.dll", "Database.dll"}
-# What a header says: addresses chosen out of 64 bits; loaded anywhere; no data is run.
+# Bits of a header: 64-bit addresses at random; loaded at any address; data are not executed.
 HIGH_ENTROPY, DYNAMIC_BASE, NO_EXECUTION = 0x20, 0x40, 0x100
 PE32_PLUS = 0x20B
 
@@ -34,7 +34,7 @@ class Hardening(unittest.TestCase):
                          if name.endswith((".exe", ".dll"))}
 
     def test_addresses(self):
-        """every file may be loaded anywhere, and none runs its data"""
+        """every file can be loaded at any address, and its data cannot be executed"""
         wanted = HIGH_ENTROPY | DYNAMIC_BASE | NO_EXECUTION
         self.assertLessEqual(OWN, set(self.files))
         for name, data in self.files.items():

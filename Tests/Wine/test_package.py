@@ -1,4 +1,4 @@
-"""The zip that users get, in a prefix where nothing else was ever installed."""
+"""The zip that users get, in a prefix without any other installation."""
 
 import pathlib
 import shutil
@@ -12,7 +12,7 @@ SOURCE = pathlib.Path(__file__).resolve().parents[2]
 
 
 class Package(unittest.TestCase):
-    """Unpacked, and run as it is."""
+    """The package, unpacked and run without any other step."""
 
     @classmethod
     def setUpClass(cls):
@@ -32,7 +32,7 @@ class Package(unittest.TestCase):
         self.assertRegex(run.out, r"\d+\.\d+")
 
     def test_doctor(self):
-        """on a machine without drives its parts are all well, and the exit code is 3"""
+        """on a machine without drives doctor finds all parts well, and the exit code is 3"""
         run = self.run_program("doctor", "--json")
         self.assertEqual(run.code, 3, run.err)
         checks = {check["subject"]: check["result"] for check in stage.document(run)["checks"]}
@@ -48,7 +48,7 @@ class Package(unittest.TestCase):
         self.assertTrue(stage.document(run)["drives"])
 
     def test_consumer(self):
-        """a host and a plug-in of somebody else, built against what was unpacked alone, work with it"""
+        """a host and a plug-in of another maker, built with the unpacked files only, work with it"""
         (program,) = self.programs
         unpacked, built = program.parents[1], self.prefix.drive_c / "Consumer"
         for command in (("cmake", "-G", "Ninja", "-S", SOURCE / "Tests/Consumer", "-B", built,
@@ -79,13 +79,13 @@ class Package(unittest.TestCase):
                          {("Ostrel", "4"), ("Tiny", "2")})
 
     def test_shared_files(self):
-        """of what the program and its users share there is nothing that only other systems read"""
+        """the share folder has no files that only other systems use"""
         (program,) = self.programs
         folders = sorted(entry.name for entry in (program.parents[1] / "share").iterdir())
         self.assertEqual(folders, ["doc", "ostrel"])
 
     def test_documents(self):
-        """the manual is there as text, and with it what the sources have on interfaces, traces and JSON documents"""
+        """the manual is there as text, with the documents about interfaces, traces and JSON"""
         (program,) = self.programs
         share, sources = program.parents[1] / "share", SOURCE / "Docs"
         self.assertIn("ostrel - show NVMe drives", (share / "doc/ostrel/Manual.txt").read_text(encoding="ascii"))

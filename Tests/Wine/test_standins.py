@@ -1,4 +1,4 @@
-"""The replacements themselves: their answers to a program that asks as any program would."""
+"""Tests of the replacements themselves: their answers to an ordinary program."""
 
 import unittest
 
@@ -20,7 +20,7 @@ class StandIns(unittest.TestCase):
         cls.machine.equip((DISK,))
 
     def asked(self, *questions, path=PATH):
-        """What the probe says to these questions to the disk."""
+        """The output of the probe for these queries to the disk."""
         run = self.machine.prefix.run(self.machine.probe, path, *(word for each in questions for word in each))
         return run.out.splitlines()
 
@@ -41,7 +41,7 @@ class StandIns(unittest.TestCase):
         self.machine.storage.tree(tree((DISK,)))
 
     def test_pages(self):
-        """a disk is the same by its number and by its interface, and gives the bytes of the files"""
+        """a disk can be opened by its number and by its interface, and gives the bytes of the files"""
         for path in (PATH, f"\\\\?\\{DISK.link}"):
             number, identify, health = self.asked(IDENTIFY, HEALTH_LOG, path=path)
             self.assertEqual(number, "number 5 12")
@@ -66,14 +66,14 @@ class StandIns(unittest.TestCase):
                 self.assertEqual(self.asked(*[IDENTIFY] * len(expected))[1:], expected)
 
     def test_requests(self):
-        """every request is written down with its answer"""
+        """the log has every request with its answer"""
         self.machine.storage.forget_requests()
         self.asked(IDENTIFY, ("2", "0xC5", "512"))
         self.assertEqual(self.machine.storage.requests(),
                          [(5, "device-number", 0), (5, CONTROLLER, 0), (5, "log-c5", 0xC0000010)])
 
     def test_stopped(self):
-        """a stopped driver's disks cannot be opened, and are back when it is started"""
+        """the disks of a stopped driver cannot be opened until it is started again"""
         self.machine.stop()
         self.assertEqual(self.asked(), ["closed 2"])
         self.machine.start()

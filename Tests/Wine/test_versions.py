@@ -1,4 +1,4 @@
-"""What Windows shows of the packaged files under their properties."""
+"""The properties of the packaged files that Windows shows."""
 
 import pathlib
 import re
@@ -17,7 +17,7 @@ class Versions(unittest.TestCase):
     """The version resources in the zip."""
 
     def test_numbers(self):
-        """each of its own files carries the version that the zip has in its name"""
+        """each of its own files has the version in the name of the zip"""
         version = re.search(r"\d+\.\d+\.\d+", stage.package.name)[0]
         found = {}
         with zipfile.ZipFile(stage.package) as archive:

@@ -88,7 +88,7 @@ def truth(disk, pages, rated, driver_version):
         "data read": _amount(at(32)), "data written": _amount(at(48)),
         "endurance used": (_amount(at(48)) >> 40) * 100 // rating, "counter 128": at(128), "counter 160": at(160),
         "health": status, "reasons": reasons, "spare state": spare_state, "disk state": 40099,
-    }
+    } | inventory.page_values(controller, log)
     return {field: {"pages": value} for field, value in values.items()}
 
 

@@ -10,7 +10,7 @@ if(NOT TARGET SQLite::SQLite3)
         set(sources ${CMAKE_BINARY_DIR}/sqlite3-sources)
         execute_process(COMMAND ${CMAKE_SOURCE_DIR}/cmake/debian-source sqlite3 ${version} ${sources}
             COMMAND_ERROR_IS_FATAL ANY)
-        # The tools for this run on the building machine, and their output is the same for every system.
+        # These tools run on the building machine. Their output is the same for every system.
         foreach(command "./configure;--quiet" "make;--silent;sqlite3.c")
             execute_process(COMMAND ${CMAKE_COMMAND} -E env --unset=CC --unset=CXX ${command}
                 WORKING_DIRECTORY ${sources} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)

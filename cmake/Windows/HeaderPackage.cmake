@@ -1,6 +1,6 @@
-# A folder in the build tree that shows one header library of the machine and nothing else: all of /usr/include
-# would put the headers of Linux before those of Windows.
-# ostrel_header_package(TARGET NAME): /usr/include/NAME becomes visible to who links TARGET.
+# A folder in the build tree that contains a link to one header library of the machine and nothing else. With all of
+# /usr/include, the headers of Linux would come before those of Windows.
+# ostrel_header_package(TARGET NAME): whatever links TARGET can include from /usr/include/NAME.
 function(ostrel_header_package target name)
     if(TARGET ${target})
         return()

@@ -35,8 +35,8 @@ bool hasSystemError(int code)
 }
 
 /**
- * When a file cannot be opened for writing, SQLite tries once more to open it for reading. The system's error
- * is then that of the second attempt, which only says that there is no file.
+ * If a file cannot be opened for writing, SQLite tries to open it for reading. The system's error is then
+ * from this second attempt. It says only that there is no file.
  */
 bool cannotBeMade(int number, const std::filesystem::path& file)
 {

@@ -23,6 +23,8 @@ std::string deleteOthers(const char* table, const char* key, const std::vector<V
 
 void checkDatabase()
 {
+    if (!Database::sharedDatabase()->KeepsRows())
+        return;
     const auto storage = getDatabasePointer();
     const auto database = storage->m_Access;
     const std::vector<std::string> findings = database->query("PRAGMA quick_check");

@@ -122,7 +122,8 @@ void migrate(CSqliteConnection& connection)
     const std::string present = std::to_string(SCHEMA_VERSION);
     if (connection.Run("PRAGMA user_version").front() == present)
         return;
-    // Views and triggers of other programs must go on to name the tables, whichever tables have these names.
+    // References in views and triggers of other programs must keep the tables' names. They must not follow a
+    // table that is renamed.
     connection.Run("PRAGMA legacy_alter_table = ON; BEGIN IMMEDIATE");
     // Another process may have migrated the file before this one got the lock.
     refuseNewer(connection);

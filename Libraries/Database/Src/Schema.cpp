@@ -99,8 +99,8 @@ std::vector<DatabaseORM::constraint_t> constraints(Role role, bool text)
         return {{PRIMARY_KEY, ""}};
     if (role == Role::PLAIN)
         return text ? std::vector<constraint_t>{} : std::vector<constraint_t>{{DEFAULTVALUE, "0"}};
-    // In SQL, NULL equals nothing. So a key column holds the model's stand-in for NULL, by which the row can
-    // be found.
+    // SQL never finds a NULL by "=". So a key column has a value in its place, the same as the model's
+    // default.
     std::vector<constraint_t> result = {{NOT_NULL, "ON CONFLICT REPLACE"},
                                         {DEFAULTVALUE, text ? "'NULL'" : "-2147483648"}};
     if (role == Role::NATURAL_KEY)

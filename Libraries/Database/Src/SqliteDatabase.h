@@ -1,9 +1,8 @@
 #pragma once
 
 #include "BusyPolicy.h"
+#include "SharedDatabase.h"
 #include "SqliteConnection.h"
-
-#include <DatabaseORM/DatabaseDAO.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -18,25 +17,17 @@ namespace Database {
  * The access object of a storage: SQLite on a file. The first query opens the file and brings it to the
  * present schema. A query does so again when the file was deleted or replaced.
  */
-class CSqliteDatabase : public DatabaseWrapper::DatabaseDAO
+class CSqliteDatabase : public ISharedDatabase
 {
 public:
     /** An empty `file` means a database in memory. */
     explicit CSqliteDatabase(std::filesystem::path file);
 
     std::vector<std::string> query(const std::string& sql) override;
-
-    /** How many rows all queries have changed since the file was opened. */
-    std::int64_t Changes();
-
-    /**
-     * Runs `sql` and returns true. Returns false, without running it, when `Changes()` is no longer
-     * `changes`.
-     */
-    bool RunUnlessChanged(const std::string& sql, std::int64_t changes);
-
-    /** The message of the last query that failed since the previous call. */
-    std::optional<std::string> TakeFailure();
+    bool KeepsRows() const override { return true; }
+    std::int64_t Changes() override;
+    bool RunUnlessChanged(const std::string& sql, std::int64_t changes) override;
+    std::optional<std::string> TakeFailure() override;
 
 private:
     /** Does `work` with the open connection and keeps the message of its failure. */

@@ -17,7 +17,10 @@ constexpr std::string_view VERBS[] = {"SELECT ", "INSERT ", "UPDATE ", "DELETE "
 /** After these words a number may be the number of a column. */
 constexpr std::string_view ORDINAL_CLAUSES[] = {"ORDER", "GROUP"};
 
-/** Beside these words SQLite may use a number to leave something out before it runs the statement. */
+/**
+ * Next to these words SQLite may use a number while it prepares the statement, and leave out a part of the
+ * work.
+ */
 constexpr std::string_view JUNCTIONS[] = {"AND", "OR"};
 
 /** What kind of part of a statement a character begins. */

@@ -57,7 +57,7 @@ public:
 
     bool TakePlaceOf(const std::filesystem::path& target)
     {
-        // A new file keeps to the process's mask, which took its part when the file was made.
+        // A new file keeps its permissions, because the process's mask was applied when it was created.
         m_Kept = (!m_Replaces || fchmod(m_Descriptor.Get(), m_Mode) == 0) &&
                  rename(m_Name.c_str(), target.c_str()) == 0;
         return m_Kept;

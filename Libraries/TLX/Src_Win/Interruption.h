@@ -9,8 +9,8 @@
 namespace TLX::Threading {
 
 /**
- * What a thread and whoever ends it by force have to agree on: a thread is only ever struck down within a
- * call that may be broken off, never on its way out, when it may hold locks.
+ * An agreement between a thread and the one that ends it by force. A thread may be terminated only within a
+ * call that may be broken off. Anywhere else it may hold locks.
  */
 class CInterruption
 {
@@ -21,7 +21,7 @@ public:
     /** Whether it is within a call. */
     bool Inside() const { return m_State == EState::Inside; }
 
-    /** Takes the right to strike the thread down; false when it has left its call. */
+    /** Takes the right to terminate the thread. Returns false when the thread has left its call. */
     bool Doom()
     {
         EState inside = EState::Inside;
@@ -51,7 +51,7 @@ private:
     {
         Outside,
         Inside,
-        Doomed, ///< about to be struck down
+        Doomed, ///< about to be terminated
     };
 
     [[noreturn]] void End()
@@ -59,7 +59,7 @@ private:
         EState inside = EState::Inside;
         if (!m_State.compare_exchange_strong(inside, EState::Outside)) {
             for (;;)
-                Sleep(INFINITE); // struck down in here
+                Sleep(INFINITE); // terminated within the call
         }
         m_Requested = false; // once is enough
         throw CForcedEnd();

@@ -33,6 +33,24 @@ std::string IDeviceBackend::Instance(const std::string& path)
     return path;
 }
 
+std::vector<CControllerState> IDeviceBackend::ControllerStates()
+{
+    std::vector<CControllerState> states;
+    std::uint32_t number = 0;
+    for (const CDeviceEntry& entry : Enumerate([] { return std::vector<CDeviceEntry>(); })) {
+        CControllerState state;
+        state.m_Name = entry.m_DeviceName;
+        state.m_DeviceName = entry.m_DeviceName;
+        state.m_Driver = entry.m_Driver;
+        state.m_Location = Location(++number);
+        state.m_Transport = state.m_Location ? "pcie" : "";
+        state.m_Namespaces = 1;
+        state.m_AccessPath = entry.m_DeviceName;
+        states.push_back(state);
+    }
+    return states;
+}
+
 std::unique_ptr<IAnnouncements>
 IDeviceBackend::Subscribe(std::function<void()> /*announce*/) // NOLINT(performance-unnecessary-value-param)
 {
@@ -52,12 +70,12 @@ std::shared_ptr<IDeviceBackend> deviceBackend()
     return deviceSource().m_Backend;
 }
 
-std::optional<std::vector<CDeviceEntry>> enumerateBackend()
+std::vector<CDeviceEntry> enumerateBackend(const DeviceWalk& walk)
 {
     const CDeviceSource source = deviceSource();
     if (!source.m_Backend)
-        return std::nullopt;
-    std::vector<CDeviceEntry> entries = source.m_Backend->Enumerate();
+        return walk();
+    std::vector<CDeviceEntry> entries = source.m_Backend->Enumerate(walk);
     std::vector<std::string> instances;
     instances.reserve(entries.size());
     for (const CDeviceEntry& entry : entries)

@@ -1,8 +1,9 @@
-#include "Disk.h"
 #include "NvmeStatus.h"
 #include "PageMemory.h"
+#include "QuerySession.h"
 
 #include <TLXX/DeviceBackend.h>
+#include <TLXX/IntelLogs.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <map>
@@ -35,38 +36,6 @@ std::uint32_t keep(const std::string& path, EQuery query, std::uint32_t status)
     return status;
 }
 
-} // namespace
-
-struct CQuerySession::Native
-{
-    explicit Native(std::string path) : m_Path(std::move(path)) {}
-
-    /** The disk. Opens it if necessary. */
-    Platform::CDisk& Disk()
-    {
-        if (!m_Disk || m_Disk->Status() != STATUS_SUCCESS)
-            m_Disk.emplace(m_Path);
-        return *m_Disk;
-    }
-
-    const std::string m_Path;
-    std::optional<Platform::CDisk> m_Disk;
-    Native* const m_Outer = std::exchange(t_Innermost, this);
-
-    static thread_local Native* t_Innermost;
-};
-
-thread_local CQuerySession::Native* CQuerySession::Native::t_Innermost = nullptr;
-
-CQuerySession::CQuerySession(std::string path) : m_Native(std::make_unique<Native>(std::move(path))) {}
-
-CQuerySession::~CQuerySession()
-{
-    Native::t_Innermost = m_Native->m_Outer;
-}
-
-namespace {
-
 /** The answer of a drive, and which drive it was. */
 struct CAnswer
 {
@@ -82,13 +51,7 @@ CAnswer answerOf(const std::string& path, IDeviceBackend* backend, AskBackend as
         std::string instance = backend->Instance(path);
         return {askBackend(*backend), std::move(instance)};
     }
-    CQuerySession::Native* const session = CQuerySession::Native::t_Innermost;
-    if (session != nullptr && session->m_Path == path) {
-        Platform::CDisk& disk = session->Disk();
-        return {askDisk(disk), disk.Instance()};
-    }
-    Platform::CDisk disk(path);
-    return {askDisk(disk), disk.Instance()};
+    return withDisk(path, [&](Platform::CDisk& disk) { return CAnswer{askDisk(disk), disk.Instance()}; });
 }
 
 template<typename Block>
@@ -122,9 +85,8 @@ constexpr CPageMemory::Page vendorPage(std::uint8_t logIdentifier)
 /** These vendor logs decide states. Texts are not kept. */
 constexpr bool isRemembered(std::uint8_t logIdentifier)
 {
-    constexpr std::uint8_t temperatures = 0xC5;
-    constexpr std::uint8_t legacySmart = 0xCA;
-    return logIdentifier == temperatures || logIdentifier == legacySmart;
+    return logIdentifier == INTEL_TEMPERATURE_STATISTIC_LOG_PAGE ||
+           logIdentifier == INTEL_LEGACY_SMART_LOG_PAGE;
 }
 
 template<typename Block>
@@ -205,6 +167,11 @@ std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string
 std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& path)
 {
     return lastPage<NVME_SMART_HEALTH_INFORMATION_LOG>(path, HEALTH_PAGE);
+}
+
+std::optional<VendorLogPage> lastVendorLog(const std::string& path, std::uint8_t logIdentifier)
+{
+    return lastPage<VendorLogPage>(path, vendorPage(logIdentifier));
 }
 
 std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query)

@@ -9,18 +9,31 @@
 namespace TLXX {
 namespace {
 
+constexpr char NO_DEVICE_TEXT[] = "there is no such device";
+constexpr char NO_ANSWER_TEXT[] = "the drive did not answer in time";
+
+constexpr std::pair<std::uint32_t, const char*> OWN_TEXTS[] = {
+    {STATUS_SUCCESS, "success"},
+    {STATUS_SHORT_TRANSFER, "the drive sent less data than was asked for"},
+    {STATUS_BAD_ANSWER, "the driver's answer makes no sense"},
+    {STATUS_EMPTY_PAGE, "the page holds zeros alone"},
+    {STATUS_NO_ANSWER, NO_ANSWER_TEXT},
+    {STATUS_NO_DEVICE, NO_DEVICE_TEXT},
+    {STATUS_NO_RESOURCES, "descriptors, threads or memory ran out"},
+};
+
 constexpr std::pair<std::errc, const char*> SYSTEM_TEXTS[] = {
     {std::errc::permission_denied, "permission denied"},
     {std::errc::operation_not_permitted, "permission denied"},
-    {std::errc::no_such_file_or_directory, "there is no such device"},
-    {std::errc::no_such_device, "there is no such device"},
-    {std::errc::no_such_device_or_address, "there is no such device"},
+    {std::errc::no_such_file_or_directory, NO_DEVICE_TEXT},
+    {std::errc::no_such_device, NO_DEVICE_TEXT},
+    {std::errc::no_such_device_or_address, NO_DEVICE_TEXT},
     {std::errc::function_not_supported, "the device takes no NVMe commands"},
     {std::errc::inappropriate_io_control_operation, "the device takes no NVMe commands"},
     // When the Linux driver cancels a command after a time-out or in a reset, it reports the command as
     // interrupted.
-    {std::errc::interrupted, "the drive did not answer in time"},
-    {std::errc::timed_out, "the drive did not answer in time"},
+    {std::errc::interrupted, NO_ANSWER_TEXT},
+    {std::errc::timed_out, NO_ANSWER_TEXT},
     {std::errc::resource_unavailable_try_again, "the controller is not ready"},
     {std::errc::device_or_resource_busy, "the device is busy"},
     {std::errc::io_error, "input/output error"},
@@ -71,14 +84,10 @@ std::string systemText(std::uint32_t status)
 
 std::string statusText(std::uint32_t status)
 {
-    if (status == STATUS_SUCCESS)
-        return "success";
-    if (status == STATUS_SHORT_TRANSFER)
-        return "the drive sent less data than was asked for";
-    if (status == STATUS_BAD_ANSWER)
-        return "the driver's answer makes no sense";
-    if (status == STATUS_EMPTY_PAGE)
-        return "the page holds zeros alone";
+    for (const auto& [known, words] : OWN_TEXTS) {
+        if (status == known)
+            return words;
+    }
     switch (status >> 16U) {
     case 0:
         return systemText(status);

@@ -16,6 +16,9 @@
 // has its own.
 namespace TLXX::Platform {
 
+/** Identifies the drive at `path`; empty when no drive is known there. */
+std::string instance(const std::string& path);
+
 /** The location of the `number`-th controller of the last enumeration, counted from 1. */
 std::optional<CPciLocation> location(std::uint32_t number);
 

@@ -7,6 +7,8 @@
 
 #include <utility>
 
+#include <sys/stat.h>
+
 namespace TLXX::Linux {
 namespace {
 
@@ -146,6 +148,13 @@ CDeviceTable& deviceTable()
     return *instance;
 }
 
+bool controllerExists(std::uint32_t instance, std::uint64_t node)
+{
+    const std::filesystem::path link = sysfsRoot() / "class" / "nvme" / ("nvme" + std::to_string(instance));
+    struct stat status = {};
+    return ::lstat(link.c_str(), &status) == 0 && status.st_ino == node;
+}
+
 std::string controllerNode(std::uint32_t instance)
 {
     return "/dev/nvme" + std::to_string(instance);
@@ -167,6 +176,12 @@ std::vector<CDeviceEntry> enumerateDevices()
 }
 
 } // namespace TLXX::Linux
+
+std::string TLXX::Platform::instance(const std::string& path)
+{
+    const auto owner = Linux::deviceTable().Owner(path);
+    return owner ? owner->Instance() : std::string();
+}
 
 std::optional<TLXX::CPciLocation> TLXX::Platform::location(std::uint32_t number)
 {

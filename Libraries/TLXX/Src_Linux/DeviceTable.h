@@ -70,6 +70,9 @@ private:
 /** The table of this process. */
 CDeviceTable& deviceTable();
 
+/** Whether sysfs still has the controller of this number with this node. */
+bool controllerExists(std::uint32_t instance, std::uint64_t node);
+
 /** The node that takes the admin commands of a controller. */
 std::string controllerNode(std::uint32_t instance);
 

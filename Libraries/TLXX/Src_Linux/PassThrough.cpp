@@ -111,10 +111,19 @@ std::uint32_t logPage(const Linux::CFileDescriptor& node, std::uint8_t logIdenti
     return read(node, command, length, target);
 }
 
+/** Opens the controller's node. Refuses another controller that has taken its name. */
 Linux::CFileDescriptor openOwner(const std::optional<Linux::CDiskOwner>& owner)
 {
-    return owner ? Linux::CFileDescriptor(Linux::controllerNode(owner->m_Instance).c_str())
-                 : Linux::CFileDescriptor::Failed(ENODEV);
+    if (!owner)
+        return Linux::CFileDescriptor::Failed(ENODEV);
+    Linux::CFileDescriptor node(Linux::controllerNode(owner->m_Instance).c_str());
+    // While its sysfs node exists, no other controller has this name. So the controller that was opened is
+    // this one if the node still exists now.
+    if (node.Status() == STATUS_SUCCESS && !Linux::controllerExists(owner->m_Instance, owner->m_Node)) {
+        Linux::deviceTable().LookAnew();
+        return Linux::CFileDescriptor::Failed(ENODEV);
+    }
+    return node;
 }
 
 } // namespace

@@ -29,8 +29,9 @@ std::optional<std::uint32_t> namespaceIdentifier(const CFolder& controller, cons
 }
 
 /**
- * The disk path of a namespace of `controller`. A shared head is the disk of the controller that it is named
- * after. Other controllers use the name of their own path to it, so that no two share a name.
+ * The disk path of a namespace of `controller`. Several controllers can share one disk, the head. It belongs
+ * to the controller in its name. For the others the path has the name of their own way to the head, so that
+ * no two disks have one path.
  */
 std::string devicePath(const CController& controller, const std::string& node, const CNamespaceName& name)
 {

@@ -27,8 +27,8 @@ std::string instanceId(DeviceNode node)
     return CM_Get_Device_IDA(node, buffer, MAX_DEVICE_ID_LEN, 0) == CR_SUCCESS ? buffer : "";
 }
 
-/** The path that opens the disk at `node`; empty if it has none. */
-std::string diskInterface(DeviceNode node)
+/** The paths that may open the disk at `node`, in the system's order. */
+std::vector<std::string> diskInterfaces(DeviceNode node)
 {
     std::string instance = instanceId(node);
     ULONG length = 0;
@@ -41,7 +41,10 @@ std::string diskInterface(DeviceNode node)
                                       list.data(), length,
                                       CM_GET_DEVICE_INTERFACE_LIST_PRESENT) != CR_SUCCESS)
         return {};
-    return list.substr(0, list.find('\0'));
+    std::vector<std::string> paths;
+    for (std::size_t begin = 0; begin < list.size() && list[begin] != '\0'; begin += paths.back().size() + 1)
+        paths.emplace_back(list.c_str() + begin);
+    return paths;
 }
 
 /** Fills in the disk below the controller at `node`: the one that the enumeration uses. */
@@ -55,15 +58,17 @@ void addDisk(DeviceNode node, CControllerState& state)
     do
         state.m_Namespaces += isServedBy(sibling, "disk") ? 1 : 0;
     while (CM_Get_Sibling(&sibling, sibling, 0) == CR_SUCCESS);
-    const std::string path = diskInterface(child);
-    if (path.empty())
-        return;
-    // Asking for the number needs no right to read, so a disk has its name even when the user may not read
-    // it.
-    if (const auto number = Win::CDeviceFile(path, 0).DiskNumber())
-        state.m_DeviceName = R"(\\.\PhysicalDrive)" + std::to_string(*number);
-    state.m_AccessPath = state.m_DeviceName.empty() ? path : state.m_DeviceName;
-    state.m_AccessStatus = Win::CDeviceFile(path, GENERIC_READ).Status();
+    for (const std::string& path : diskInterfaces(child)) {
+        state.m_AccessStatus = Win::CDeviceFile(path, GENERIC_READ).Status();
+        state.m_AccessPath = path;
+        // Asking for the number needs no right to read, so a disk has its name even when the user may not
+        // read it.
+        if (const auto number = Win::CDeviceFile(path, 0).DiskNumber()) {
+            state.m_DeviceName = R"(\\.\PhysicalDrive)" + std::to_string(*number);
+            state.m_AccessPath = state.m_DeviceName;
+            return;
+        }
+    }
 }
 
 CControllerState stateOf(DeviceNode node)

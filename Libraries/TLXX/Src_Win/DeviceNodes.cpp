@@ -126,6 +126,11 @@ std::optional<CPciLocation> Win::nodeLocation(DeviceNode node)
                         static_cast<std::int32_t>(device), static_cast<std::int32_t>(function)};
 }
 
+std::string Platform::instance(const std::string& path)
+{
+    return Win::deviceInstance(path);
+}
+
 std::optional<CPciLocation> Platform::location(std::uint32_t number)
 {
     DeviceNode node = 0;

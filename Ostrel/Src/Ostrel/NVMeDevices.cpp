@@ -44,10 +44,7 @@ bool NVMeDevices::scan()
     };
     clear();
     try {
-        auto entries = TLXX::enumerateBackend();
-        if (!entries)
-            entries = walkDeviceTree();
-        for (TLXX::CDeviceEntry& entry : *entries)
+        for (TLXX::CDeviceEntry& entry : TLXX::enumerateBackend(walkDeviceTree))
             addDetected(std::move(entry.m_DeviceName), std::move(entry.m_Driver));
     } catch (...) {
         clear();

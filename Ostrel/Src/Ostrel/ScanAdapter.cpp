@@ -10,14 +10,12 @@
 
 #include <PI/ErrorCode.h>
 #include <TLXX/ConfigManager.h>
+#include <TLXX/IntelLogs.h>
 
 #include <string>
 
 namespace NAMESPACE_Ostrel {
 namespace {
-
-constexpr std::uint8_t INTEL_TEMPERATURE_STATISTIC_LOG_PAGE = 0xC5;
-constexpr std::uint8_t INTEL_LEGACY_SMART_LOG_PAGE = 0xCA;
 
 constexpr int FREEZING_POINT = 273; // in kelvin
 
@@ -89,7 +87,7 @@ std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t 
     adapter.m_WarningFlags = health.CriticalWarning();
     if (isIntel) {
         TLXX::VendorLogPage page{};
-        if (device.queryVendorLogPage(INTEL_TEMPERATURE_STATISTIC_LOG_PAGE, page)) {
+        if (device.queryVendorLogPage(TLXX::INTEL_TEMPERATURE_STATISTIC_LOG_PAGE, page)) {
             OSTREL_TRACE(TRACE_PROGRESS) << "ScanSystem, getVendorSpecificLogPage: "
                                             "INTEL_TEMPERATURE_STATISTIC_LOG_PAGE for %s returned: %d"
                                          << device.deviceName << true;
@@ -99,7 +97,7 @@ std::uint32_t IPLUGINAPI_IMPL::ScanAdpater(CNVMeAdapter& adapter, std::uint32_t 
     applyCriticalWarning(adapter, health.CriticalWarning());
     if (isIntel) {
         TLXX::VendorLogPage page{};
-        const bool answered = device.queryVendorLogPage(INTEL_LEGACY_SMART_LOG_PAGE, page);
+        const bool answered = device.queryVendorLogPage(TLXX::INTEL_LEGACY_SMART_LOG_PAGE, page);
         if (answered) {
             OSTREL_TRACE(TRACE_PROGRESS)
                 << "ScanSystem, getVendorSpecificLogPage: INTEL_LEGACY_SMART_LOG_PAGE for %s returned: %d"

@@ -3,6 +3,7 @@
 #include "Records/Lifetime.h"
 
 #include <PI/StateCode.h>
+#include <TLXX/IntelLogs.h>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -35,12 +36,17 @@ bool reportsWearInverted(const std::string& model)
 
 std::uint32_t temperatureWarnings(const TLXX::VendorLogPage& statistics)
 {
-    const int difference = statistics[0] - statistics[104];
-    if (difference < 78)
+    switch (TLXX::temperatureMargin(statistics)) {
+    case TLXX::ETemperatureMargin::Safe:
         return 0;
-    if (difference < 80)
+    case TLXX::ETemperatureMargin::NearCritical:
         return 0x20;
-    return difference < 84 ? 0x200U | 0x40U : 0x200U | 0x80U;
+    case TLXX::ETemperatureMargin::Critical:
+        return 0x200U | 0x40U;
+    case TLXX::ETemperatureMargin::AboveCritical:
+        return 0x200U | 0x80U;
+    }
+    return 0;
 }
 
 void applyCriticalWarning(CNVMeAdapter& adapter, std::uint8_t criticalWarning)

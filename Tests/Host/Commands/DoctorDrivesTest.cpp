@@ -31,7 +31,7 @@ TEST(CheckAccess, EndsWhenEveryDriveRefuses)
     std::vector<TLXX::CControllerState> states = {stateOf(0), stateOf(1)};
     states[0].m_AccessStatus = NO_PERMISSION;
     states[1].m_AccessStatus = NO_PERMISSION;
-    // This controller is not shown in any case, so a permission to open it helps no user.
+    // This controller is not shown in any case, so permission to open it would not help.
     states.push_back(stateOf(2));
     states.back().m_DeviceName.clear();
     try {
@@ -219,7 +219,7 @@ TEST_F(CheckInventoryTest, TellsWhatADriveLeftUnanswered)
         m_First.remove(id);
     drives.m_Fakes.At(0).m_HealthStatuses = {5};
     drives.readHealth(0);
-    // A vendor log that a drive lacks is no trouble, and must not be taken for its health log.
+    // A vendor log that a drive lacks is no problem, and must not be mistaken for its health log.
     TLXX::VendorLogPage page{};
     EXPECT_NE(TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage("/dev/nvme0n1", 0xC5, page), 0U);
     EXPECT_THAT(check({stateOf(0)}, {m_First}),

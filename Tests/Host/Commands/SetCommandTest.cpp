@@ -118,7 +118,7 @@ TEST_F(SetCommandTest, SaysWhenTheSettingsAreTornOrTheirFolderIsMissing)
     m_Folder.Write("Ostrel.ini", std::string("PollInterval=45\n\0", 17));
     EXPECT_THAT(failureOf(0, PI::PROP_POLL_INTERVAL, "60").what(), HasSubstr("it holds zero bytes"));
     std::filesystem::remove_all(m_Folder.Path());
-    // What the system says of that is between the two.
+    // The system's text for the error is between the two.
     const std::string said = failureOf(0, PI::PROP_POLL_INTERVAL, "60").what();
     EXPECT_THAT(said, HasSubstr(" cannot be written: " + m_Folder.Path().string() + ": "));
     EXPECT_THAT(said, HasSubstr(". The plug-in "));

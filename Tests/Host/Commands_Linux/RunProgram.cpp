@@ -28,7 +28,7 @@ CDescriptor owned(int number)
 {
     if (number < 0)
         throw std::runtime_error("no descriptor");
-    // Children that another test starts meanwhile must not keep it open.
+    // Children that another test starts at the same time must not inherit it.
     (void)fcntl(number, F_SETFD, FD_CLOEXEC);
     return CDescriptor(number);
 }
@@ -238,7 +238,7 @@ struct RunningProgram::Native
     std::string await(Stream& stream, const std::string& text)
     {
         using Clock = std::chrono::steady_clock;
-        // A status line that goes on must not put the end off.
+        // A status line that is renewed again and again must not delay the time-out.
         const Clock::time_point end = Clock::now() + std::chrono::minutes(1);
         std::size_t found = 0;
         while ((found = stream.m_Text.find(text)) == std::string::npos) {

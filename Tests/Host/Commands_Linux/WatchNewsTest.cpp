@@ -43,13 +43,13 @@ protected:
 
     std::vector<std::string> arguments(std::vector<std::string> words = {}) const
     {
-        // Who traces sees the plug-in's own line, which says that it has looked.
+        // A trace contains the plug-in's own line, which says that it has looked.
         words.insert(words.begin(), {"watch", "--data", m_Data.Path(), "--simulate",
                                      m_Fleet.Path() / "fleet.json", "--trace", "1"});
         return words;
     }
 
-    /** The next line in short: an event's number, or kind and phase, and the drive's serial number. */
+    /** The next line in short form: an event's number, or kind and phase, and the drive's serial number. */
     static std::string next(RunningProgram& program)
     {
         const json line = json::parse(program.awaitResult("\n"));
@@ -90,6 +90,48 @@ TEST_F(WatchNewsTest, WhatDrivesSufferFromAtTheStartIsToldOnce)
     program.awaitMessage("adapter count is");
     fleet({drive("SOUND", 1), drive("SICK", 2, 0)});
     EXPECT_EQ(next(program), "10980 SICK") << "the event says that all is over";
+    end(program);
+}
+
+TEST_F(WatchNewsTest, TheLimitsThatADriveNamesCountWithoutAWarningOfIts)
+{
+    const auto heat = [this](int temperature) {
+        json warm = drive("A", 1);
+        warm["identify"]["warningTemperature"] = 70;
+        warm["identify"]["criticalTemperature"] = 80;
+        warm["health"]["temperature"] = temperature;
+        fleet({warm});
+    };
+    heat(70);
+    RunningProgram program(arguments({"--json"}));
+    EXPECT_EQ(next(program), "over-temperature present A");
+    program.awaitMessage("adapter count is");
+    heat(80);
+    EXPECT_EQ(next(program), "over-critical-temperature began A");
+    heat(68);
+    EXPECT_EQ(next(program), "over-critical-temperature ended A");
+    heat(67);
+    EXPECT_EQ(next(program), "over-temperature ended A");
+    end(program);
+}
+
+TEST_F(WatchNewsTest, AMarginOfTheTemperatureIsToldAtTheStartAndThenByEvents)
+{
+    const auto heat = [this](int temperature) {
+        json warm = drive("A", 1);
+        warm["vendorLogs"]["0xC5"] = {{"temperature", temperature}, {"offset", 0}};
+        fleet({warm});
+    };
+    heat(80);
+    RunningProgram program(arguments({"--json"}));
+    EXPECT_EQ(next(program), "temperature-margin present A");
+    program.awaitMessage("adapter count is");
+    heat(84);
+    EXPECT_EQ(next(program), "10960 A");
+    heat(78);
+    EXPECT_EQ(next(program), "10967 A");
+    heat(77);
+    EXPECT_EQ(next(program), "10980 A");
     end(program);
 }
 

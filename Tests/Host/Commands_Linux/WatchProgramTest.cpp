@@ -79,7 +79,7 @@ TEST_F(WatchProgram, PrintsEachEventOnceAndKeepsTheRows)
     awaitInventory(program);
     fleet({{1, "A", 0x14}, {3, "C"}});
 
-    // The order of pending events: the last made is the first.
+    // Pending events come with the newest first.
     const json removed = nextEvent(program);
     EXPECT_EQ(removed["id"], 11094);
     EXPECT_EQ(removed["severity"], 3);
@@ -117,7 +117,7 @@ TEST_F(WatchProgram, TellsAnEditOfTheFleetLongBeforeTheNextPoll)
     fleet({{1, "A"}});
     RunningProgram program(arguments({"--json"}));
     awaitInventory(program);
-    // The first one may be found by the scan at the start.
+    // The scan at the start may find the first one.
     fleet({{1, "A"}, {2, "B"}});
     EXPECT_EQ(nextEvent(program)["drive"]["serial"], "B");
     fleet({{1, "A"}, {2, "B"}, {3, "C"}});
@@ -358,7 +358,7 @@ TEST_F(WatchProgram, DropsTheRowsOfDrivesThatWent)
     fleet({{1, "A"}, {2, "B"}});
     RunningProgram program(arguments({"--json"}));
     awaitInventory(program);
-    // A drive that lost its adapter's row keeps its own, because the trigger cannot find it.
+    // A drive whose adapter lost its row keeps its own row, because the trigger cannot find it.
     query("DELETE FROM Adapter WHERE SerialNumber = 'B';"
           "INSERT INTO PD (HostName, DriveKey) VALUES ('localhost', 'B'), ('localhost', 'GHOST')");
     fleet({{1, "A"}});

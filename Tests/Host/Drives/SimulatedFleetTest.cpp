@@ -54,7 +54,7 @@ protected:
     static std::vector<std::string> devices(Host::SimulatedFleet& fleet)
     {
         std::vector<std::string> names;
-        for (const TLXX::CDeviceEntry& entry : fleet.Enumerate())
+        for (const TLXX::CDeviceEntry& entry : fleet.Enumerate({}))
             names.push_back(entry.m_DeviceName);
         return names;
     }
@@ -73,6 +73,30 @@ protected:
     TestSupport::CTemporaryFolder m_Folder;
     std::vector<std::string> m_Warnings;
 };
+
+TEST_F(SimulatedFleetTest, SaysOfItsControllersWhatASystemKnows)
+{
+    Host::SimulatedFleet fleet = fleetOf(TWO);
+    const auto states = fleet.ControllerStates();
+    ASSERT_EQ(states.size(), 2U);
+    EXPECT_EQ(states[0].m_SerialNumber, "A");
+    EXPECT_EQ(states[0].m_Model, "M");
+    EXPECT_EQ(states[0].m_Transport, "");
+    EXPECT_EQ(states[1].m_SerialNumber, "B");
+    EXPECT_EQ(states[1].m_DeviceName, devices(fleet)[1]);
+    EXPECT_EQ(states[1].m_Location, (TLXX::CPciLocation{0, 5, 0, 0}));
+    EXPECT_EQ(states[1].m_Transport, "pcie");
+}
+
+TEST_F(SimulatedFleetTest, ADiagnosisLeavesTheDisksOfTheLastEnumeration)
+{
+    Host::SimulatedFleet fleet = fleetOf(ONE);
+    ASSERT_EQ(devices(fleet).size(), 1U);
+    m_Folder.Write("fleet.json", TWO);
+    EXPECT_EQ(fleet.ControllerStates().size(), 1U);
+    EXPECT_EQ(devices(fleet).size(), 2U);
+    EXPECT_EQ(fleet.ControllerStates().size(), 2U);
+}
 
 TEST_F(SimulatedFleetTest, AFileThatCannotBeReadIsAnErrorAtStart)
 {

@@ -2,6 +2,9 @@
 
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
+#include "Support/FakeDrives.h"
+
+#include <TLXX/NvmeQuery.h>
 
 namespace {
 
@@ -84,7 +87,7 @@ TEST_F(DrivesTest, TheHealthOfADriveWithoutAHealthLogIsUnknown)
                                    PI::PROP_ENDURANCE_USED, PI::PROP_POWER_ON_HOURS})
         m_Objects.remove(id);
     m_Objects.remove(PI::PROP_STATUS_REASONS);
-    // The trouble that the drive had stays true, because another log reported it.
+    // The bad health remains, because another log reported it.
     EXPECT_EQ(joined(m_Objects).m_Health->m_Text, "Critical");
     m_Objects.remove(PI::PROP_HEALTH_STATUS);
     m_Objects.m_Adapter.m_Properties.push_back(
@@ -137,7 +140,12 @@ TEST_F(DrivesTest, TheDateCountsWearOnlyWhereThatIsMeasured)
     EXPECT_TRUE(joined(m_Objects).m_DateCountsWear);
     m_Objects.m_Adapter.m_ID |= 0x0139000000000000;
     m_Objects.m_Adapter.m_Children.clear();
-    EXPECT_TRUE(joined(m_Objects).m_DateCountsWear) << "drives of this maker are asked";
+    EXPECT_FALSE(joined(m_Objects).m_DateCountsWear) << "the drive has not told its wear";
+    TestSupport::CFakeDrives drives;
+    drives.Add(TestSupport::CFakeDrive(0)).LegacyLog(10, 100);
+    TLXX::VendorLogPage page{};
+    (void)TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage("/dev/nvme0n1", 0xCA, page);
+    EXPECT_TRUE(joined(m_Objects).m_DateCountsWear);
     m_Objects.remove(PI::PROP_VENDOR);
     EXPECT_FALSE(joined(m_Objects).m_DateCountsWear);
 }

@@ -17,13 +17,15 @@ using Limit = EndOfLife::Limit;
 
 constexpr char LAST_DATE[] = "2125-12-08";
 
-/** A drive of a family that may be given 2373 TiB (2610 TB), on 2026-01-01. */
+/** A drive of a family that is rated for 2373 TiB (2610 TB), on 2026-01-01. */
 class EndOfLifeTest : public testing::Test
 {
 protected:
     EndOfLifeTest() { PI::SetLifeTimeFolder(HostTest::Built::SHARE); }
 
-    /** A drive that has run for `hours`, was given so many tebibytes, and counts `used` percent itself. */
+    /**
+     * A drive that has run for `hours`, has been written so many tebibytes, and counts `used` percent itself.
+     */
     static Drive drive(std::uint64_t hours, double tebibytes, std::uint8_t used = 0,
                        const std::string& date = "2027-01-01", const std::string& model = "SSDPE2KX020T8")
     {
@@ -49,7 +51,7 @@ private:
 
 TEST_F(EndOfLifeTest, IsThatOfTheRatingWhereWritingEndsFirst)
 {
-    // Half of the rating in 8766 hours, one year: the other half lasts another one.
+    // Half of the rating took 8766 hours, which is one year. So the other half lasts another year.
     const EndOfLife end = explained(drive(8766, 1186.5, 10));
     EXPECT_EQ(end.m_Limit, Limit::Writing);
     EXPECT_EQ(end.m_Date, "2027-01-01");
@@ -69,7 +71,7 @@ TEST_F(EndOfLifeTest, IsThatOfTheRatingWhereWritingEndsFirst)
 
 TEST_F(EndOfLifeTest, IsThatOfTheDrivesOwnCountWhereThatEndsFirst)
 {
-    // A quarter of a life in one year leaves three.
+    // A quarter of its life took one year, so three years are left.
     const EndOfLife end = explained(drive(8766, 10, 25));
     EXPECT_EQ(end.m_Limit, Limit::Wear);
     EXPECT_EQ(end.m_Wear, 25U);

@@ -109,4 +109,19 @@ TEST(ExplainedCodes, SayWhenNobodyMeasuredAState)
                                      StartsWith("Sufficient (not"), StartsWith("OK (not")));
 }
 
+TEST(ExplainedCodes, SayThatTheLogWithTheWearWasNotRead)
+{
+    const HostTest::Catalogue catalogue;
+    PI::CObject object =
+        objectWith(HEALTHY, {code(PI::PROP_WEAR_STATE, 40252), property(PI::PROP_VENDOR, 1, "INTEL")});
+    object.m_Type = PI::TYPE_ADAPTER;
+    object.m_ID = 0x0139000000000001;
+    const std::vector<ExplainedCode> codes = explainedCodes(Host::ObjectStore({object}), object);
+    ASSERT_EQ(codes.size(), 1U);
+    EXPECT_EQ(codes[0].m_Code, 40252U);
+    EXPECT_EQ(codes[0].m_Text, "Unknown");
+    EXPECT_EQ(std::string(codes[0].m_Meaning),
+              "The log with the wear of this drive was not read, so nobody knows its wear.");
+}
+
 } // namespace

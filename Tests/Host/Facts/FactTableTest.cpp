@@ -27,7 +27,7 @@ void put(std::optional<Page>& page, std::size_t offset, std::uint64_t number, st
     std::memcpy(reinterpret_cast<std::uint8_t*>(&*page) + offset, &number, size);
 }
 
-/** A drive that has given both pages, of zeros but for the total capacity. */
+/** A drive with both pages. They are all zeros except for the total capacity. */
 Drive withPages()
 {
     Drive drive;

@@ -3,6 +3,9 @@
 #include "Commands/TopologyCommand.h"
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
+#include "Support/FakeDrives.h"
+
+#include <TLXX/NvmeQuery.h>
 
 #include <gmock/gmock.h>
 
@@ -34,6 +37,9 @@ protected:
                                         {PI::PROP_SPARE_STATE, 40473U},
                                         {PI::PROP_WEAR_STATE, 40252U}})
             m_Objects.m_Adapter.m_Properties.push_back(stateCode(id, value));
+        m_Drives.Add(TestSupport::CFakeDrive(0)).LegacyLog(10, 100);
+        TLXX::VendorLogPage page{};
+        (void)TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage("/dev/nvme0n1", 0xCA, page);
         m_Objects.m_Drive.m_Properties.push_back(stateCode(PI::PROP_HEALTH_STATUS, 40099));
     }
 
@@ -67,6 +73,7 @@ protected:
 
     HostTest::DriveObjects m_Objects{16, "SERIAL", "/dev/nvme0n1"};
     TLXX::CControllerState m_State;
+    TestSupport::CFakeDrives m_Drives;
 
 private:
     HostTest::Catalogue m_Catalogue;
@@ -103,6 +110,27 @@ TEST_F(MeasuredTest, WithoutItsHealthLogADriveIsNotHealthy)
     m_Objects.remove(PI::PROP_HEALTH_STATUS);
     m_Objects.m_Adapter.m_Properties.push_back(stateCode(PI::PROP_HEALTH_STATUS, 40150));
     EXPECT_THAT(with(Basis::NotRead), Not(testing::Contains(PI::PROP_HEALTH_STATUS)));
+}
+
+TEST_F(MeasuredTest, AWearThatTheDriveNeverToldIsNotRead)
+{
+    const TestSupport::CFakeDrives others;
+    EXPECT_THAT(with(Basis::NotRead), ElementsAre(PI::PROP_WEAR_STATE));
+    EXPECT_THAT(text(true), HasSubstr("  OK (not measured)\n"));
+    m_Objects.remove(PI::PROP_WEAR_STATE);
+    m_Objects.m_Adapter.m_Properties.push_back(stateCode(PI::PROP_WEAR_STATE, 40410));
+    EXPECT_THAT(with(Basis::NotRead), testing::IsEmpty()) << "nothing but its log says so";
+}
+
+TEST_F(MeasuredTest, TheDiskIsAskedAtTheSystemsPath)
+{
+    const auto path = [this] {
+        const Host::ObjectStore store = this->store();
+        return diskPathOf(store, store.objects().at(1));
+    };
+    EXPECT_EQ(path(), "/dev/nvme0n1");
+    m_State.m_DeviceName = "\\\\.\\nvme0n1";
+    EXPECT_EQ(path(), "\\\\.\\nvme0n1");
 }
 
 TEST_F(MeasuredTest, EachSignOfAHealthLogIsEnough)

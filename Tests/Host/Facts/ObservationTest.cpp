@@ -86,6 +86,16 @@ TEST_F(ObservationTest, TakesTemperatureAndLimitsFromTheDrivesOwnPages)
     EXPECT_EQ(look().m_CriticalTemperatureLimit, std::nullopt);
 }
 
+TEST_F(ObservationTest, TakesTheMarginOfTheTemperatureFromItsStatistics)
+{
+    TestSupport::CFakeDrives drives;
+    drives.Add(TestSupport::CFakeDrive(0)).TemperatureLog(100, 20);
+    EXPECT_EQ(look().m_TemperatureMargin, std::nullopt) << "nobody has read them";
+    TLXX::VendorLogPage page{};
+    (void)TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage("/dev/nvme0n1", 0xC5, page);
+    EXPECT_EQ(look().m_TemperatureMargin, TLXX::ETemperatureMargin::Critical);
+}
+
 TEST_F(ObservationTest, EachReasonIsAWarning)
 {
     const std::pair<std::uint32_t, int> reasons[] = {{40460, 0x01}, {40459, 0x02}, {40487, 0x04},
@@ -146,6 +156,16 @@ TEST_F(ObservationTest, TheWearStateTellsWhetherBlocksAreBelowNew)
         setAdapter(PI::PROP_WEAR_STATE, state, std::vector<std::uint32_t>{});
         EXPECT_EQ(look().m_BelowNew, below) << state;
     }
+    m_Drive.m_Adapter.m_ID = m_Drive.m_Drive.m_Parents[0] = 0x0139000000000001;
+    setAdapter(PI::PROP_WEAR_STATE, 40252U, std::vector<std::uint32_t>{});
+    EXPECT_EQ(look().m_BelowNew, std::nullopt) << "the log with the wear was never read";
+    TestSupport::CFakeDrives drives;
+    drives.Add(TestSupport::CFakeDrive(0)).LegacyLog(10, 100);
+    TLXX::VendorLogPage page{};
+    (void)TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage("/dev/nvme0n1", 0xCA, page);
+    EXPECT_EQ(look().m_BelowNew, false);
+    setAdapter(PI::PROP_VENDOR, "KIOXIA");
+    EXPECT_EQ(look().m_BelowNew, std::nullopt) << "drives of this maker are not asked";
 }
 
 } // namespace

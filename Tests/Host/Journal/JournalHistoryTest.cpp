@@ -56,6 +56,7 @@ private:
         if (number % 2 == 1)
             drive.m_TemperatureLimit = 70.0F;
         drive.m_CriticalTemperatureLimit = 80.0F;
+        drive.m_TemperatureMargin = TLXX::ETemperatureMargin::Safe;
         drive.m_Warnings = sometimes() ? warnings(drive) : 0;
         drive.m_MediaErrors = below(3);
         drive.m_Spare = sometimes() ? 40 : 100;
@@ -84,7 +85,7 @@ private:
 
     void change(ObservedDrive& drive)
     {
-        switch (below(9)) {
+        switch (below(10)) {
         case 0:
             drive.m_Warnings = warnings(drive);
             break;
@@ -107,6 +108,9 @@ private:
             drive.m_Firmware = std::to_string(below(3));
             break;
         case 7:
+            drive.m_TemperatureMargin = static_cast<TLXX::ETemperatureMargin>(below(4));
+            break;
+        case 8:
             drive.m_CapacityMiB = 1000 + below(3);
             drive.m_BlockSize = sometimes() ? 4096 : 512;
             break;
@@ -133,8 +137,10 @@ private:
                 view.m_CapacityMiB.reset();
                 view.m_BlockSize.reset();
             }
-            if (below(6) == 0)
+            if (below(6) == 0) {
                 view.m_BelowNew.reset();
+                view.m_TemperatureMargin.reset();
+            }
         }
         std::shuffle(drives.begin(), drives.end(), m_Random);
         return drives;
@@ -218,6 +224,7 @@ private:
         if (!stay.empty() && stay[0].m_Drive->m_TemperatureLimit)
             hot(stay, Kind::OverTemperature, 70);
         hot(stay, Kind::OverCriticalTemperature, 80);
+        margin(stay);
         steps(stay, Kind::SpareFell, [](const ObservedDrive& drive) -> std::optional<int> {
             if (!drive.m_Spare)
                 return std::nullopt;
@@ -266,6 +273,24 @@ private:
                      before  ? Phase::Ended
                      : known ? Phase::Began
                              : Phase::Present);
+            before = *now;
+            known = sighting.m_Time;
+        }
+    }
+
+    void margin(const Stay& stay)
+    {
+        TLXX::ETemperatureMargin before = TLXX::ETemperatureMargin::Safe;
+        std::optional<std::uint64_t> known;
+        for (const Sighting& sighting : stay) {
+            const auto now = sighting.m_Drive->m_TemperatureMargin;
+            if (!now)
+                continue;
+            if (*now != before)
+                tell(sighting.m_Time, known, Kind::TemperatureMargin,
+                     *now == TLXX::ETemperatureMargin::Safe ? Phase::Ended
+                     : known                                ? Phase::Began
+                                                            : Phase::Present);
             before = *now;
             known = sighting.m_Time;
         }

@@ -215,6 +215,55 @@ TEST_F(JournalTest, TheDrivesWarningAndItsLimitAreOneThing)
     EXPECT_THAT(look({warm}), ElementsAre(is(Kind::OverTemperature, Phase::Ended, "A")));
 }
 
+TEST_F(JournalTest, AMarginOfTheTemperatureIsToldByItsDegree)
+{
+    using enum TLXX::ETemperatureMargin;
+    ObservedDrive warm = drive("A");
+    warm.m_Warnings = 0;
+    const auto told = [&](std::optional<TLXX::ETemperatureMargin> margin) {
+        warm.m_TemperatureMargin = margin;
+        return look({warm});
+    };
+    EXPECT_THAT(told(std::nullopt), IsEmpty());
+    std::vector<Entry> entries = told(Critical);
+    ASSERT_THAT(entries, ElementsAre(is(Kind::TemperatureMargin, Phase::Present, "A")));
+    EXPECT_EQ(entries[0].m_Severity, Severity::Error);
+    EXPECT_EQ(entries[0].m_Event, 10959U);
+    EXPECT_EQ(entries[0].m_Text, "MODEL (A): the temperature has reached the critical level.");
+    EXPECT_THAT(told(Critical), IsEmpty());
+    EXPECT_THAT(told(std::nullopt), IsEmpty());
+    entries = told(AboveCritical);
+    ASSERT_THAT(entries, ElementsAre(is(Kind::TemperatureMargin, Phase::Began, "A")));
+    EXPECT_EQ(entries[0].m_Severity, Severity::Error);
+    EXPECT_EQ(entries[0].m_Event, 10960U);
+    entries = told(NearCritical);
+    ASSERT_THAT(entries, ElementsAre(is(Kind::TemperatureMargin, Phase::Began, "A")));
+    EXPECT_EQ(entries[0].m_Severity, Severity::Warning);
+    EXPECT_EQ(entries[0].m_Event, 10967U);
+    entries = told(Safe);
+    ASSERT_THAT(entries, ElementsAre(is(Kind::TemperatureMargin, Phase::Ended, "A")));
+    EXPECT_EQ(entries[0].m_Severity, Severity::Information);
+    EXPECT_EQ(entries[0].m_Event, 10980U);
+    EXPECT_THAT(told(Safe), IsEmpty());
+}
+
+TEST_F(JournalTest, TheMarginOfTheTemperatureIsAWarningLikeOthers)
+{
+    using enum TLXX::ETemperatureMargin;
+    ObservedDrive warm = drive("A");
+    warm.m_Warnings = 0x04;
+    warm.m_TemperatureMargin = NearCritical;
+    (void)look({warm});
+    warm.m_Warnings = 0;
+    EXPECT_EQ(look({warm}).at(0).m_Event, std::nullopt) << "the temperature is still near its limit";
+    warm.m_Warnings = 0x04;
+    (void)look({warm});
+    warm.m_TemperatureMargin = Safe;
+    EXPECT_EQ(look({warm}).at(0).m_Event, std::nullopt) << "the reliability is still degraded";
+    warm.m_Warnings = 0;
+    EXPECT_EQ(look({warm}).at(0).m_Event, 10980U);
+}
+
 TEST_F(JournalTest, StepsAreToldOnceAndTheFurthestCounts)
 {
     ObservedDrive ageing = drive("A");

@@ -164,7 +164,7 @@ TEST_F(ObjectStoreTest, AnAdapterIsWhereTheSystemHasItsController)
     for (const char* name : {"10000:e1:00.0", "e1:00.0"})
         EXPECT_THAT(named(name), ElementsAre(16, 17)) << name;
     EXPECT_THAT(named("0000:20:1f.1"), ElementsAre(32, 33));
-    // The plug-in puts it where there is no object.
+    // The plug-in shows this location when an adapter was not found.
     EXPECT_THAT(refusalOf("0000:10:1f.1"), HasSubstr("There is no object"));
     state.m_Location.reset();
     m_Store = Host::ObjectStore(HostTest::topologyOf({moved}), {state});

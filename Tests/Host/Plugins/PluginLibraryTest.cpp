@@ -124,7 +124,7 @@ TEST(PluginLibrary, LeavesAPluginAloneWhoseThreadCouldNotBeEnded)
         clock.OnSleep([&thread] { thread.Cancel(); });
         EXPECT_FALSE(plugin.deInitialize());
     }
-    // Otherwise it would have slept once more when it was released.
+    // Otherwise its release would have slept once more.
     EXPECT_EQ(clock.Sleeps().size(), 1U);
     end.Set();
     EXPECT_EQ(thread.Wait(), TLX::Threading::WaitResult::Taken);

@@ -25,7 +25,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-/** Edits are found by polling alone, so that the worker's waits are the only ones. */
+/** Polling alone finds edits, so that the worker waits for nothing else. */
 class UnannouncedFleet : public Host::SimulatedFleet
 {
 public:
@@ -33,14 +33,13 @@ public:
     std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()>) override { return nullptr; }
 };
 
-/** The real plug-in at work, its time in the test's hand. */
+/** The real plug-in with its worker, on a clock that the test moves. */
 class MonitorTest : public testing::Test
 {
 protected:
     MonitorTest()
     {
-        // Only request 3 sleeps. Its first pause lasts until the worker has ended, as on any machine without
-        // a fault.
+        // Only request 3 sleeps. The test makes its first pause last until the worker has ended.
         m_Clock.OnSleep([this] {
             while (threads() > m_Threads)
                 std::this_thread::yield();
@@ -116,7 +115,7 @@ protected:
                             {},
                             writeFleet(drive(1, "A") + "," + drive(2, "B")),
                             [](const std::string& warning) { ADD_FAILURE() << warning; }};
-    // The setup puts the machine back in the end.
+    // The destructor of the setup shows the machine's drives again.
     std::shared_ptr<TLXX::IDeviceBackend> m_Former = TLXX::setDeviceBackend(
         std::make_shared<UnannouncedFleet>(m_FleetFolder.Path() / "fleet.json",
                                            [](const std::string& warning) { ADD_FAILURE() << warning; }));

@@ -1,9 +1,9 @@
-# Watches with long polls while drives come and go: what tells of them is the kernel's announcement.
+# Watches with long polls while drives come and go. So the kernel's announcements must report them.
 
-# announced STEP: keeps when the kernel announced what the test has just done and seen.
+# announced STEP: stores the time at which the kernel announced the last change of the test.
 announced() {
     await "$1"
-    # The kernel makes or removes a device's node and announces it in one breath.
+    # The kernel makes or removes a device's node and announces it at the same moment.
     stat -c %y /dev >"/results/announced/$1"
     event "$1"
 }

@@ -1,4 +1,4 @@
-# What other jobs begin with: collecting what this system's own tools say, and what ostrel says.
+# The beginning of other jobs: functions that collect the output of this system's own tools and of ostrel.
 set -e
 
 user=root
@@ -33,16 +33,16 @@ collect() {
         nvme id-ctrl "/dev/$name" -o binary >"$to/id-ctrl.bin"
         nvme smart-log "/dev/$name" -o json >"$to/smart-log.json"
         nvme smart-log "/dev/$name" -o binary >"$to/smart-log.bin"
-        # Its exit code tells how the drive fares.
+        # Its exit code tells the drive's health.
         smartctl -x -j "/dev/$name" >"$to/smartctl.json" || true
         for namespace in "$controller"/nvme*n*; do
             [ -d "$namespace" ] || continue
-            # The path to a namespace that can be shared is hidden; what programs open is the disk above it.
+            # The path to a namespace that can be shared is hidden; programs open the disk above it.
             path=$(basename "$namespace")
             disk=$(echo "$path" | sed 's/c[0-9]*n/n/')
             nsid=$(cat "$namespace/nsid")
             mkdir -p "$to/namespaces/$nsid"
-            # That disk is named after one of its controllers; for the others their path to it has to do as name.
+            # That disk is named after one of its controllers. For the others, the name of their path to it is used.
             case $disk in
                 "$name"n*) echo "/dev/$disk" ;;
                 *) echo "/dev/$path" ;;

@@ -5,7 +5,7 @@ echo PollInterval=2 >"$data/Ostrel.ini"
 : >/results/watch.out
 /opt/ostrel/bin/ostrel watch --json --data "$data" >/results/watch.out 2>/results/watch.err &
 watch=$!
-# Each line goes on to the test at once; the first tells of what was there at the start.
+# Each line is passed to the test at once. The first is about the state at the start.
 tail -f /results/watch.out | while read -r line; do
     case $line in *'"present"'*) event watching ;; *) event "seen $line" ;; esac
 done &

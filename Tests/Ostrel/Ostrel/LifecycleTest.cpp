@@ -46,7 +46,10 @@ private:
     bool& m_Destroyed;
 };
 
-/** How a thread is released, and whether it was. Shared with the thread, which may outlive the test. */
+/**
+ * Tells the thread when it may end, and the test whether it was told. The thread shares it, because it may
+ * live longer than the test.
+ */
 struct CThreadsEnd
 {
     std::promise<void> m_May;

@@ -32,7 +32,7 @@ class CThrowingMachine : public TestSupport::CSilentBackend
 public:
     explicit CThrowingMachine(std::function<void()> failure) : m_Failure(std::move(failure)) {}
 
-    std::vector<TLXX::CDeviceEntry> Enumerate() override
+    std::vector<TLXX::CDeviceEntry> Enumerate(const TLXX::DeviceWalk&) override
     {
         m_Failure();
         return {};

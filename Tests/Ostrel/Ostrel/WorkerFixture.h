@@ -84,9 +84,7 @@ protected:
         return m_Api.Request(PI::REQUEST_SET_ADAPTER_IDS, 0, data);
     }
 
-    /**
-     * Sends request 3. Its first pause lasts until the worker has ended, as on any machine without a fault.
-     */
+    /** Sends request 3. Its first pause lasts until the worker has ended. */
     void Stop()
     {
         m_Clock.OnSleep(

@@ -41,7 +41,7 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
-// Calls of the sanitizers' own version would not come through here.
+// Calls of a sanitizer's own functions would not reach these.
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     try {

@@ -49,6 +49,26 @@ TEST(DiagnosisTest, ShowsAControllerWithoutNamespaceAndNode)
     EXPECT_EQ(states[0].m_AccessStatus, static_cast<std::uint32_t>(ENOENT));
 }
 
+TEST(DiagnosisTest, ShowsWhatTheKernelKnowsOfAController)
+{
+    const TLXXTest::CTemporarySysfs tree;
+    tree.Controller(0, "0000:01:00.0");
+    tree.Controller(1, "0000:02:00.0");
+    tree.Attribute("nvme0/serial", "S-1 \x01        ");
+    tree.Attribute("nvme0/model", "A Model   ");
+    tree.Attribute("nvme0/firmware_rev", "1.2 ");
+    const TLXXTest::CSysfsScope sysfs(tree.Root());
+    const TLXXTest::CScriptedKernel kernel;
+    const auto states = TLXX::controllerStates();
+    ASSERT_EQ(states.size(), 2U);
+    EXPECT_EQ(states[0].m_SerialNumber, "S-1 ?");
+    EXPECT_EQ(states[0].m_Model, "A Model");
+    EXPECT_EQ(states[0].m_FirmwareRevision, "1.2");
+    EXPECT_EQ(states[1].m_SerialNumber, "");
+    EXPECT_EQ(states[1].m_Model, "");
+    EXPECT_EQ(states[1].m_FirmwareRevision, "");
+}
+
 /** The link of a controller whose attributes are `value` by name. */
 TLXX::CPciLink linkOf(const std::map<std::string, std::string>& values)
 {

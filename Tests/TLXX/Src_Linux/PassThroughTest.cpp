@@ -229,7 +229,7 @@ TEST(PassThroughPathTest, QueriesAfterAnEnumerationDoNotReadSysfsAgain)
     TLXXTest::CScriptedKernel kernel;
     ASSERT_EQ(TLXX::Linux::enumerateDevices().size(), 1U);
 
-    tree.Remove(0);
+    tree.Empty(0);
     kernel.Expect(IDENTIFY_ON_0, {{}, -1, ENODEV});
     EXPECT_EQ(identifyOn("/dev/nvme0n1"), static_cast<std::uint32_t>(ENODEV));
 }
@@ -243,7 +243,26 @@ TEST(PassThroughPathTest, AnUnknownPathIsLookedUpOnce)
     kernel.Expect(IDENTIFY_ON_0, {pattern(4096), 0, 0});
     EXPECT_EQ(identifyOn("/dev/nvme0n1"), 0U);
 
-    tree.Remove(0);
+    tree.Empty(0);
+    kernel.Expect(IDENTIFY_ON_0, {pattern(4096), 0, 0});
+    EXPECT_EQ(identifyOn("/dev/nvme0n1"), 0U);
+}
+
+TEST(PassThroughPathTest, AnotherControllerOfTheSameNameIsNotAsked)
+{
+    const TLXXTest::CTemporarySysfs tree;
+    tree.Controller(0, "0000:01:00.0");
+    const TLXXTest::CSysfsScope sysfs(tree.Root());
+    TLXXTest::CScriptedKernel kernel;
+    ASSERT_EQ(TLXX::Linux::enumerateDevices().size(), 1U);
+
+    tree.Rename("nvme0", "former");
+    tree.Controller(0, "0000:01:00.0");
+    kernel.Provide("/dev/nvme0");
+    EXPECT_EQ(identifyOn("/dev/nvme0n1"), static_cast<std::uint32_t>(ENODEV));
+    EXPECT_EQ(kernel.StillOpen(), 0);
+
+    ASSERT_EQ(TLXX::Linux::enumerateDevices().size(), 1U);
     kernel.Expect(IDENTIFY_ON_0, {pattern(4096), 0, 0});
     EXPECT_EQ(identifyOn("/dev/nvme0n1"), 0U);
 }

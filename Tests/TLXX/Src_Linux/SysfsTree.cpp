@@ -60,4 +60,17 @@ void CTemporarySysfs::Remove(std::uint32_t instance) const
     std::filesystem::remove_all(m_Root / "class" / "nvme" / ("nvme" + std::to_string(instance)));
 }
 
+void CTemporarySysfs::Empty(std::uint32_t instance) const
+{
+    for (const auto& entry :
+         std::filesystem::directory_iterator(m_Root / "class" / "nvme" / ("nvme" + std::to_string(instance))))
+        std::filesystem::remove_all(entry);
+}
+
+void CTemporarySysfs::Rename(const std::string& from, const std::string& to) const
+{
+    const std::filesystem::path folder = m_Root / "class" / "nvme";
+    std::filesystem::rename(folder / from, folder / to);
+}
+
 } // namespace TLXXTest

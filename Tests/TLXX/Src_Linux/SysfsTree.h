@@ -39,6 +39,10 @@ public:
     /** A PCI Express controller with one namespace of identifier 1. */
     void Controller(std::uint32_t instance, const std::string& address) const;
     void Remove(std::uint32_t instance) const;
+    /** Removes what sysfs tells of the controller, but not the controller. */
+    void Empty(std::uint32_t instance) const;
+    /** Renames a controller's folder, so that another one can have its name. */
+    void Rename(const std::string& from, const std::string& to) const;
 
 private:
     std::filesystem::path m_Root;

@@ -67,7 +67,10 @@ struct CAnswer
     Bytes m_Data;
 };
 
-/** One of the queries: the question that it must ask, and a call that gives status and block. */
+/**
+ * One of the queries: the parts of the control request that it must send, and a call of it that fills a
+ * block.
+ */
 struct CQuery
 {
     const char* m_Name;

@@ -24,5 +24,7 @@ NTSTATUS tellNumber(Disk* disk, void* buffer, ULONG outputSize, ULONG_PTR* retur
 /** Tells where the disk is on its bus; its logical unit is 0 unless the `.how` file has another one. */
 NTSTATUS tellAddress(Disk* disk, void* buffer, ULONG outputSize, ULONG_PTR* returned);
 
-/** Answers a request for a page, from the page's file and as its `.how` file says. */
+/**
+ * Answers a request for a page with the content of the page's file. Its `.how` file may change the answer.
+ */
 NTSTATUS tellPage(Disk* disk, void* buffer, ULONG inputSize, ULONG outputSize, ULONG_PTR* returned);

@@ -11,7 +11,10 @@
 // What a host does with the shared database besides handing it to its plug-ins. All functions throw
 // `DBEXCEPTION::DatabaseException`.
 
-/** Checks that the database can be opened and written and that its content is sound. */
+/**
+ * Checks that the database can be opened and written and that its content is sound. There is nothing to check
+ * after `keepNoRows`.
+ */
 DATABASE_EXPORT void checkDatabase();
 
 /** Whose tables a database file holds. */

@@ -38,7 +38,7 @@ enum _CAPTION_ID : std::uint32_t
     CAPTION_VENDOR = 23144,
     CAPTION_WEAR_STATE = 23147,
 
-    // They replace an adapter's ordinary ones. The first is also a property's number.
+    // The captions that replace an adapter's usual ones. The first is also the number of a property.
     SHOWN_CAPTION_SPARE_STATE = 30017,
     SHOWN_CAPTION_PCI_BUS = 35016,
     SHOWN_CAPTION_PCI_DEVICE = 35020,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <TLXX/Diagnosis.h>
 #include <TLXX/Export.h>
 #include <TLXX/NvmeStructures.h>
 #include <TLXX/PciLocation.h>
@@ -19,6 +20,9 @@ struct CDeviceEntry
     std::string m_DeviceName; ///< path of the disk
     std::string m_Driver;     ///< name of the driver that serves its controller
 };
+
+/** How a plug-in itself finds the disks of the machine. */
+using DeviceWalk = std::function<std::vector<CDeviceEntry>()>;
 
 /** A subscription. Announcements continue while it lives. Its destructor waits for a running one. */
 class TLXX_EXPORT IAnnouncements
@@ -42,8 +46,11 @@ public:
     IDeviceBackend(const IDeviceBackend&) = delete;
     IDeviceBackend& operator=(const IDeviceBackend&) = delete;
 
-    /** The disks that exist now, in the order in which `Location` counts their controllers. */
-    virtual std::vector<CDeviceEntry> Enumerate() = 0;
+    /**
+     * The disks that exist now, in the order in which `Location` counts their controllers. A back-end that
+     * shows the machine's disks, or some of them, calls `walk`: once, on this thread, before it returns.
+     */
+    virtual std::vector<CDeviceEntry> Enumerate(const DeviceWalk& walk) = 0;
 
     // The queries of `NvmeQuery.h` to the disk at `path`.
     virtual std::uint32_t IdentifyController(const std::string& path,
@@ -59,9 +66,17 @@ public:
      */
     virtual std::string Instance(const std::string& path);
 
-    /** The location of the `number`-th controller of the last enumeration, counted from 1; none if unknown.
+    /**
+     * The location of the `number`-th controller of the last enumeration, counted from 1; none if unknown.
+     * Back-ends that several plug-ins use at once count in the last enumeration of the calling thread.
      */
     virtual std::optional<CPciLocation> Location(std::uint32_t number) = 0;
+
+    /**
+     * As `controllerStates`. Here it enumerates without a walk, and shows the disks that come of it; a
+     * back-end that needs the walk for its disks overrides this.
+     */
+    virtual std::vector<CControllerState> ControllerStates();
 
     /** The version text of `driver`; empty if unknown. */
     virtual std::string ModuleVersion(const std::string& driver) = 0;
@@ -81,12 +96,15 @@ public:
 TLXX_EXPORT std::shared_ptr<IDeviceBackend> setDeviceBackend(std::shared_ptr<IDeviceBackend> backend);
 
 /**
- * The disks of the back-end in use; nothing without one. Forgets the kept pages of drives that are no longer
- * among them (see `NvmeQuery.h`), so callers must enumerate through this function.
+ * The disks of the back-end in use; those of `walk` without one. Forgets the kept pages of drives that are no
+ * longer among them (see `NvmeQuery.h`), so callers must enumerate through this function.
  */
-TLXX_EXPORT std::optional<std::vector<CDeviceEntry>> enumerateBackend();
+TLXX_EXPORT std::vector<CDeviceEntry> enumerateBackend(const DeviceWalk& walk);
 
 /** The back-end in use; null means that the platform's own code answers. */
 TLXX_EXPORT std::shared_ptr<IDeviceBackend> deviceBackend();
+
+/** The platform's own code, for a back-end that asks the machine. Its enumeration is the walk. */
+TLXX_EXPORT std::shared_ptr<IDeviceBackend> platformBackend();
 
 } // namespace TLXX

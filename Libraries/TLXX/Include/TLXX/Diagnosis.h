@@ -10,7 +10,10 @@
 
 namespace TLXX {
 
-/** How a controller is attached. What the system does not tell, or what cannot be, is left out. */
+/**
+ * How a controller is attached. A value is left out when the system does not tell it, or tells an impossible
+ * one.
+ */
 struct CPciLink
 {
     std::optional<float> m_Speed;        ///< now, in gigatransfers a second
@@ -26,8 +29,11 @@ struct CControllerState
     std::string m_Name;       ///< the system's name of the controller, such as "nvme0"
     std::string m_DeviceName; ///< the disk that the enumeration yields for it; empty when it yields none
     std::string m_Driver;
-    std::string m_Transport; ///< such as "pcie"
-    std::string m_State;     ///< such as "live"; empty if unknown
+    std::string m_Transport;        ///< such as "pcie"
+    std::string m_State;            ///< such as "live"; empty if unknown
+    std::string m_SerialNumber;     ///< as the system learned it; empty if it does not tell
+    std::string m_Model;            ///< likewise
+    std::string m_FirmwareRevision; ///< likewise
     std::optional<CPciLocation> m_Location;
     CPciLink m_Link;
     std::uint32_t m_Namespaces = 0;   ///< how many the system shows; the disk is the first of them

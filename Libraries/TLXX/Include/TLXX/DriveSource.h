@@ -40,7 +40,7 @@ struct CDriveAnswer
 
 /**
  * Sends commands to drives and brings the answers in the order in which they come, so that one silent drive
- * delays no other. For use by one thread.
+ * delays no other. For use by one thread, except for `Wake`.
  */
 class TLXX_EXPORT IDriveSource
 {
@@ -53,13 +53,20 @@ public:
 
     /**
      * Sends `commands` to `drive`, one after another in this order. Returns at once. Each command gets
-     * exactly one answer, however late; a drive that never answers gives none. The caller sends nothing more
-     * to a drive that owes an answer.
+     * exactly one answer, however late; a drive that never answers gives none. A command to a drive that is
+     * no longer at its path is answered with `STATUS_NO_DEVICE`. The caller sends nothing more to a drive
+     * that owes an answer.
      */
     virtual void Submit(const CDriveAddress& drive, const std::vector<CDriveCommand>& commands) = 0;
 
-    /** The next answer; none when there is none before `until`, in milliseconds of `TLX::Misc::monotonic`. */
+    /**
+     * The next answer; none when there is none before `until`, in milliseconds of `TLX::Misc::monotonic`, or
+     * when `Wake` was called.
+     */
     virtual std::optional<CDriveAnswer> Wait(std::uint64_t until) = 0;
+
+    /** Ends the present `Wait` early, or else the next one that would have to wait. Safe from any thread. */
+    virtual void Wake() = 0;
 };
 
 } // namespace TLXX

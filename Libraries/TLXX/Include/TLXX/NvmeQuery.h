@@ -76,6 +76,17 @@ TLXX_EXPORT std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const
 /** The same of its health log. */
 TLXX_EXPORT std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& path);
 
+/** The same of a vendor log: C5h or CAh, because no other one is kept. */
+TLXX_EXPORT std::optional<VendorLogPage> lastVendorLog(const std::string& path, std::uint8_t logIdentifier);
+/** The status of a query that got no answer in time. */
+inline constexpr std::uint32_t STATUS_NO_ANSWER = 0x20003;
+
+/** The status of a query to a drive that is no longer at its path. */
+inline constexpr std::uint32_t STATUS_NO_DEVICE = 0x20004;
+
+/** The status of a query for which descriptors, threads or memory ran out. */
+inline constexpr std::uint32_t STATUS_NO_RESOURCES = 0x20005;
+
 /** A status in words, such as "permission denied" or "the drive answered with status 0x2002". */
 TLXX_EXPORT std::string statusText(std::uint32_t status);
 

@@ -100,7 +100,8 @@ struct TLXX_EXPORT NVME_SMART_HEALTH_INFORMATION_LOG
     std::array<std::uint8_t, 2> Temperature; ///< kelvin
     std::uint8_t AvailableSpare;             ///< percent
     std::uint8_t AvailableSpareThreshold;    ///< percent
-    std::uint8_t PercentageUsed;             ///< of its life, by the drive's own count; may pass 100
+    std::uint8_t PercentageUsed;             ///< the part of its life that the drive itself counts as used;
+                                             ///< may exceed 100
     std::array<std::uint8_t, 26> Reserved6;
     std::array<std::uint64_t, 2> DataUnitsRead;    ///< bytes 32 to 47, low half first; units of 512,000 bytes
     std::array<std::uint64_t, 2> DataUnitsWritten; ///< bytes 48 to 63
