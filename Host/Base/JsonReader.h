@@ -37,7 +37,7 @@ public:
     std::optional<bool> flag(const char* key) const;
     /** Reads a list of names, each at most once. Returns their places in `names`. */
     std::optional<std::vector<std::size_t>> choices(const char* key,
-                                                     const std::vector<std::string>& names) const;
+                                                    const std::vector<std::string>& names) const;
     /** Reads printable ASCII of at most `longest` characters. */
     std::optional<std::string> text(const char* key, std::size_t longest) const;
 

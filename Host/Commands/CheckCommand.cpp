@@ -5,6 +5,10 @@
 #include "Documents/CheckJson.h"
 #include "Documents/Json.h"
 #include "Facts/Performance.h"
+#include "Facts/Silence.h"
+#include "Plugins/ControllerNames.h"
+
+#include <TLX/Clock.h>
 
 #include <nlohmann/json.hpp>
 
@@ -19,6 +23,11 @@ constexpr char SERVICE[] = "OSTREL ";
 std::vector<DriveCheck> namedOnly(std::vector<DriveCheck> drives, const Session& session,
                                   const ObjectStore& store)
 {
+    const std::string name = diskOfController(store.controllers(), session.m_Options.m_Object);
+    const auto unheard = std::find_if(drives.begin(), drives.end(),
+                                      [&](const DriveCheck& each) { return isUnheard(each.m_Drive, name); });
+    if (unheard != drives.end())
+        return {*unheard};
     const std::vector<const PI::CObject*> named = session.namedObjects(store);
     std::erase_if(drives, [&](const DriveCheck& each) {
         return std::none_of(named.begin(), named.end(), [&](const PI::CObject* object) {
@@ -68,8 +77,12 @@ struct Result
 /** The plug-ins are gone when it returns, so that none can crash after the verdict. */
 Result lookAtDrives(const Session& session)
 {
-    const Inventory inventory(session);
-    std::vector<DriveCheck> drives = checkDrives(inventory.objects());
+    Inventory inventory(session);
+    // A drive that was busy for a moment may answer now.
+    const std::set<std::string> missed = silentInstances(inventory.objects());
+    if (!missed.empty())
+        inventory.askAgain(session);
+    std::vector<DriveCheck> drives = checkDrives(inventory.objects(), TLX::Misc::now(), missed);
     if (!session.m_Options.m_Object.empty())
         drives = namedOnly(std::move(drives), session, inventory.objects());
     const Verdict verdict = worstOf(drives);

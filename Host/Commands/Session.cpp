@@ -5,8 +5,12 @@
 #include "Base/Text.h"
 #include "Documents/Json.h"
 #include "Drives/DeviceAccess.h"
+#include "Facts/DriveCheck.h"
+#include "Facts/Silence.h"
 #include "Plugins/ControllerNames.h"
 #include "Plugins/DataFolder.h"
+
+#include <TLX/Clock.h>
 
 #include <nlohmann/json.hpp>
 
@@ -48,7 +52,7 @@ ObjectStore takeInventory(PluginSet& plugins, const Session& session)
 {
     const std::vector<TLXX::CControllerState> states = beginInventory(plugins, session);
     const Progress progress = signOfLife(states, session);
-    ObjectStore inventory(plugins.inventory(), states);
+    ObjectStore inventory = askForObjects(plugins, states, session);
     if (session.keepsRows())
         keepInventory(session.keptData(), inventory, session.warn());
     return inventory;
@@ -87,9 +91,19 @@ Warn Session::warn() const
     return [&terminal = m_Terminal](const std::string& message) { terminal.tell(message); };
 }
 
+std::vector<DriveAnswer> Session::answers() const
+{
+    return drives()->lastRound().m_Answers;
+}
+
 std::vector<const PI::CObject*> Session::namedObjects(const ObjectStore& store) const
 {
-    return store.named(diskOfController(TLXX::controllerStates(), m_Options.m_Object));
+    const std::string name = diskOfController(TLXX::controllerStates(), m_Options.m_Object);
+    for (const Drive& drive : joinDrives(store))
+        if (isUnheard(drive, name))
+            throw Failure(ExitCode::RequestFailed,
+                          unheardText(drive, TLX::Misc::now()) + " " + SILENCE_REMEDY);
+    return store.named(name);
 }
 
 void Session::print(const std::string& text) const
@@ -124,9 +138,30 @@ Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Ses
                     traced ? nullptr : &session.m_Terminal);
 }
 
+ObjectStore askForObjects(PluginSet& plugins, const std::vector<TLXX::CControllerState>& states,
+                          const Session& session)
+{
+    std::vector<PI::CObject> objects;
+    try {
+        objects = plugins.inventory();
+    } catch (const Failure& failure) {
+        // The plug-in knows no drive that has never answered.
+        if (failure.exitCode() != ExitCode::NoHardware ||
+            silentInstances(ObjectStore({}, {}, session.answers())).empty())
+            throw;
+    }
+    return ObjectStore(std::move(objects), states, session.answers());
+}
+
+void Inventory::askAgain(const Session& session)
+{
+    m_Plugins.deInitialize();
+    m_Objects = askForObjects(m_Plugins, TLXX::controllerStates(), session);
+}
+
 Inventory::Inventory(const Session& session) : m_Objects(takeInventory(m_Plugins, session)) {}
 
-Watched::Watched(const Session& session) : m_Rows(session.warn())
+Watched::Watched(const Session& session) : m_Rows(session.warn()), m_Drives(session.drives())
 {
     const Progress progress = signOfLife(beginInventory(m_Plugins, session), session);
     for (EquippedPlugin& plugin : m_Plugins.initialize())
@@ -175,7 +210,7 @@ ObjectStore Watched::objects() const
         const std::vector<PI::CObject>& objects = monitor.objects().objects();
         all.insert(all.end(), objects.begin(), objects.end());
     }
-    return ObjectStore(std::move(all), controllersNow());
+    return ObjectStore(std::move(all), controllersNow(), m_Drives->lastRound().m_Answers);
 }
 
 } // namespace Host::Cli

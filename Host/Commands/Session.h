@@ -44,6 +44,9 @@ public:
         return keepsRows() ? m_Folders.m_Data : std::filesystem::path();
     }
 
+    /** Which drives answered in the last round. */
+    std::vector<DriveAnswer> answers() const;
+
     /** The objects of `store` that the user named. Throws `Failure`. */
     std::vector<const PI::CObject*> namedObjects(const ObjectStore& store) const;
 
@@ -70,6 +73,13 @@ public:
 Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Session& session);
 
 /**
+ * What the plug-ins show, and which drives answered. Without any object when the plug-ins found no drive, and
+ * there is one that does not answer. Throws `Failure`.
+ */
+ObjectStore askForObjects(PluginSet& plugins, const std::vector<TLXX::CControllerState>& states,
+                          const Session& session);
+
+/**
  * The objects that the plug-ins show. The plug-ins stay loaded, because the texts of their codes would be
  * unloaded with them.
  */
@@ -80,6 +90,9 @@ public:
     explicit Inventory(const Session& session);
 
     const ObjectStore& objects() const { return m_Objects; }
+
+    /** Asks every drive once more. Throws `Failure`. */
+    void askAgain(const Session& session);
 
     PluginSet& plugins() { return m_Plugins; }
 
@@ -128,6 +141,7 @@ private:
     PluginSet m_Plugins;
     std::list<Monitor> m_Monitors;
     KeptRows m_Rows;
+    std::shared_ptr<ParallelDrives> m_Drives;
 };
 
 } // namespace Host::Cli

@@ -7,6 +7,7 @@
 #include "Commands/Session.h"
 #include "Documents/EntryJson.h"
 #include "Documents/Json.h"
+#include "Facts/DriveCheck.h"
 #include "Facts/DriveEvent.h"
 #include "Facts/DriveKey.h"
 #include "Facts/Observation.h"
@@ -23,7 +24,9 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <limits>
+#include <set>
 #include <utility>
 
 namespace Host::Cli {
@@ -94,7 +97,7 @@ public:
     void run(TLX::Threading::CEvent& askedToEnd)
     {
         m_Watched.start();
-        m_Drives = joinDrives(m_Watched.objects());
+        m_Drives = shownDrives();
         reportStart();
         watchUntil(askedToEnd);
         std::exception_ptr failed;
@@ -125,6 +128,8 @@ private:
         std::vector<TLX::Threading::CEvent*> events = {&askedToEnd};
         for (const WatchedDrives& plugin : m_Plugins)
             events.push_back(&plugin.m_Monitor.notified());
+        events.push_back(&m_Session.drives()->roundEnded());
+        const std::uint32_t roundEnded = static_cast<std::uint32_t>(events.size());
         TLX::Threading::CWaiter waiter(events);
         for (;;) {
             m_Watched.tellFailure();
@@ -134,6 +139,8 @@ private:
                 return;
             if (fired > asked && fired <= asked + m_Plugins.size())
                 report(m_Plugins[fired - asked - 1]);
+            else if (fired == roundEnded)
+                reportRound();
             else if (fired != TLX::Threading::WaitResult::TimedOut)
                 throw Failure(ExitCode::RequestFailed,
                               "The system does not let the program wait for events.");
@@ -143,6 +150,14 @@ private:
             if (TLX::Misc::monotonic() >= m_End)
                 return;
         }
+    }
+
+    /** Without those that have never answered: no event of a plug-in is about them. */
+    std::vector<Drive> shownDrives() const
+    {
+        std::vector<Drive> drives = joinDrives(m_Watched.objects());
+        std::erase_if(drives, [](const Drive& drive) { return !drive.m_AdapterId; });
+        return drives;
     }
 
     /** How long the program may sleep, in milliseconds. */
@@ -165,10 +180,22 @@ private:
                 print(entry);
     }
 
+    /** Prints which drives fell silent and which answer again. Costs little when there is none. */
+    void reportRound()
+    {
+        std::set<std::string> silent = silentInstances(m_Session.answers());
+        if (silent == m_Silent)
+            return;
+        m_Silent = std::move(silent);
+        for (WatchedDrives& plugin : m_Plugins)
+            for (const Journal::Entry& entry : news(plugin))
+                print(entry);
+    }
+
     void report(WatchedDrives& plugin)
     {
         std::vector<PI::CEvent> events = m_Watched.collect(plugin.m_Monitor);
-        std::vector<Drive> after = joinDrives(m_Watched.objects());
+        std::vector<Drive> after = shownDrives();
         const std::vector<DriveEvent> told = withDrives(std::move(events), m_Drives, after);
         for (const DriveEvent& event : told)
             m_Terminal.print(m_Session.m_Options.m_Json ? lineText(eventJson(event), m_Session.simulated())
@@ -179,12 +206,36 @@ private:
     }
 
     /** Prints what the plug-in's objects show and what was not known before. */
-    static std::vector<Journal::Entry> news(WatchedDrives& plugin)
+    std::vector<Journal::Entry> news(WatchedDrives& plugin)
     {
-        Journal::Outcome outcome =
-            Journal::advance(plugin.m_State, observe(plugin.m_Monitor.objects(), TLX::Misc::now()));
+        const ObjectStore objects(plugin.m_Monitor.objects().objects(), {}, answersFor(plugin));
+        Journal::Outcome outcome = Journal::advance(plugin.m_State, observe(objects, TLX::Misc::now()));
         plugin.m_State = std::move(outcome.m_State);
         return std::move(outcome.m_Entries);
+    }
+
+    /** Of the drives that the plug-in shows. The first plug-in also has those that none shows. */
+    std::vector<DriveAnswer> answersFor(const WatchedDrives& plugin) const
+    {
+        std::vector<DriveAnswer> answers = m_Session.answers();
+        const bool isFirst = &plugin == &m_Plugins.front();
+        std::erase_if(answers, [&](const DriveAnswer& answer) {
+            if (isFirst)
+                return std::any_of(std::next(m_Plugins.begin()), m_Plugins.end(),
+                                   [&](const WatchedDrives& other) { return shows(other, answer); });
+            return !shows(plugin, answer);
+        });
+        return answers;
+    }
+
+    static bool shows(const WatchedDrives& plugin, const DriveAnswer& answer)
+    {
+        const std::vector<PI::CObject>& objects = plugin.m_Monitor.objects().objects();
+        return std::any_of(objects.begin(), objects.end(), [&](const PI::CObject& object) {
+            return object.m_Type == PI::TYPE_ADAPTER &&
+                   shortDeviceName(textOf(object, PI::PROP_DEVICE_NAME)) ==
+                       shortDeviceName(answer.m_DeviceName);
+        });
     }
 
     void print(const Journal::Entry& entry)
@@ -201,11 +252,13 @@ private:
         const PI::CObject& plugin = m_Watched.monitors().front().pluginObject();
         m_Forecast.update(plugin.m_UpdateCount, pollInterval(plugin), now);
         const std::size_t drives = m_Drives.size();
+        const std::size_t silent = silentInstances(m_Session.answers()).size();
         const auto sick = std::count_if(m_Drives.begin(), m_Drives.end(), isSick);
         m_Terminal.showStatus((m_Session.simulated() ? "Simulated: " : "") + std::to_string(drives) +
                               (drives == 1 ? " drive" : " drives") +
-                              (sick == 0 ? "" : ", " + std::to_string(sick) + " sick") + ", next poll at " +
-                              timeOfDayText(TLX::Misc::now() + m_Forecast.next() - now));
+                              (sick == 0 ? "" : ", " + std::to_string(sick) + " sick") +
+                              (silent == 0 ? "" : ", " + std::to_string(silent) + " not answering") +
+                              ", next poll at " + timeOfDayText(TLX::Misc::now() + m_Forecast.next() - now));
     }
 
     const Session& m_Session;
@@ -216,6 +269,7 @@ private:
     std::uint64_t m_End = NEVER;
     std::vector<Drive> m_Drives; ///< from the last report of the drives
     std::vector<WatchedDrives> m_Plugins;
+    std::set<std::string> m_Silent; ///< instances of the drives that did not answer in the last round
 };
 
 } // namespace

@@ -176,6 +176,12 @@ Json objectJson(const ObjectStore& store, const PI::CObject& object)
             json["pciAddress"] = address->Text();
         addLocationDoubt(json, shownPlaceOf(store, object));
     }
+    const PI::CObject* adapter = adapterOf(store, object);
+    if (const DriveAnswer* answer = adapter != nullptr ? store.answerOf(*adapter) : nullptr) {
+        json["answering"] = answer->m_Answering;
+        if (answer->m_LastAnswer)
+            json["lastAnswer"] = utcText(*answer->m_LastAnswer);
+    }
     addHealthLogDoubt(json, healthLogRead(store, object));
     json["properties"] = Json::array();
     json["operations"] = Json::array();
@@ -220,6 +226,15 @@ Json listedJson(const Drive& drive)
     if (const auto end = explainEndOfLife(drive))
         json["endOfLife"] = endOfLifeJson(*end);
     return json;
+}
+
+Json unheardJson(const ObjectStore& store)
+{
+    Json list = Json::array();
+    for (const Drive& drive : joinDrives(store))
+        if (!drive.m_AdapterId)
+            list.push_back(driveJson(drive));
+    return list;
 }
 
 Json listJson(const ObjectStore& store)

@@ -2,15 +2,23 @@
 
 #include "Drives/DeviceAccess.h"
 #include "Facts/DriveKey.h"
-
-#include <TLXX/NvmeQuery.h>
+#include "Facts/Silence.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace Host::Cli {
 namespace {
+
+Judgement judge(const Drive& drive, std::uint64_t now, const std::set<std::string>& missed)
+{
+    const Judgement judgement = Cli::judge(drive, now);
+    const bool isBack =
+        drive.m_Answer && drive.m_Answer->m_Answering && missed.contains(drive.m_Answer->m_Instance);
+    return isBack && isWorse(Verdict::Warning, judgement.m_Verdict)
+               ? Judgement{Verdict::Warning, "answered only when it was asked again"}
+               : judgement;
+}
 
 bool isShown(const ObjectStore& store, const TLXX::CControllerState& state)
 {
@@ -19,38 +27,29 @@ bool isShown(const ObjectStore& store, const TLXX::CControllerState& state)
     });
 }
 
-/** What to think of a disk that is not shown; nothing when that is as it should be. */
-std::optional<Judgement> judgeMissing(const TLXX::CControllerState& state)
+Drive refusedDrive(const TLXX::CControllerState& state)
 {
-    if (state.m_DeviceName.empty())
-        return std::nullopt;
-    if (isRefused(state))
-        return Judgement{Verdict::Unknown, "no permission to open " + state.m_AccessPath};
-    const auto status = TLXX::lastStatus(state.m_DeviceName, TLXX::EQuery::IdentifyController);
-    // One that came meanwhile was not asked yet, and one that answered is left out on purpose.
-    if (status.value_or(0) == 0)
-        return std::nullopt;
-    return Judgement{Verdict::Critical, "does not answer: " + TLXX::statusText(*status)};
+    Drive drive;
+    drive.m_Device = state.m_DeviceName;
+    drive.m_PciAddress = state.m_Location ? state.m_Location->Text() : "";
+    drive.m_System = state;
+    return drive;
 }
 
 } // namespace
 
-std::vector<DriveCheck> checkDrives(const ObjectStore& store)
+std::vector<DriveCheck> checkDrives(const ObjectStore& store, std::uint64_t now,
+                                    const std::set<std::string>& missed)
 {
     std::vector<Drive> drives = joinDrives(store);
     std::vector<Judgement> judgements;
-    std::transform(drives.begin(), drives.end(), std::back_inserter(judgements), judge);
-    for (const TLXX::CControllerState& state : store.controllers()) {
-        auto judgement = isShown(store, state) ? std::nullopt : judgeMissing(state);
-        if (!judgement)
-            continue;
-        Drive drive;
-        drive.m_Device = state.m_DeviceName;
-        drive.m_PciAddress = state.m_Location ? state.m_Location->Text() : "";
-        drive.m_System = state;
-        drives.push_back(std::move(drive));
-        judgements.push_back(*std::move(judgement));
-    }
+    for (const Drive& drive : drives)
+        judgements.push_back(judge(drive, now, missed));
+    for (const TLXX::CControllerState& state : store.controllers())
+        if (isRefused(state) && !isShown(store, state)) {
+            drives.push_back(refusedDrive(state));
+            judgements.push_back({Verdict::Unknown, "no permission to open " + state.m_AccessPath});
+        }
     std::vector<std::string> keys = driveKeys(drives);
     std::vector<DriveCheck> checks;
     for (std::size_t i = 0; i < drives.size(); ++i)

@@ -4,6 +4,8 @@
 #include "Facts/Verdict.h"
 #include "Plugins/ObjectStore.h"
 
+#include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,9 +20,11 @@ struct DriveCheck
 };
 
 /**
- * Every drive of `store`, in its order, then each disk that the system has and the plug-in did not get to
- * show: only its device and its place are known.
+ * Every drive of `store`, in its order, at `now` (UTC milliseconds), then each disk that the system has and
+ * this user may not open. `missed` are the instances of the drives that did not answer in the round before:
+ * one that answers again is still a warning.
  */
-std::vector<DriveCheck> checkDrives(const ObjectStore& store);
+std::vector<DriveCheck> checkDrives(const ObjectStore& store, std::uint64_t now,
+                                    const std::set<std::string>& missed = {});
 
 } // namespace Host::Cli

@@ -4,6 +4,7 @@
 #include "Facts/FactTable.h"
 #include "Facts/PageFields.h"
 #include "Facts/PropertyText.h"
+#include "Facts/Silence.h"
 
 #include <cmath>
 #include <string_view>
@@ -67,6 +68,8 @@ bool isReported(const Row& row, const PerformanceFigure& figure)
 std::vector<PerformanceFigure> performanceOf(const Drive& drive)
 {
     std::vector<PerformanceFigure> figures;
+    if (isSilent(drive))
+        return figures;
     for (const Row& row : ROWS) {
         const PerformanceFigure figure = {row.m_Fact,
                                           numberOf(row.m_Fact, drive),

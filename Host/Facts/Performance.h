@@ -19,7 +19,7 @@ struct PerformanceFigure
     bool m_AlertsBelow = false; ///< whether the limits are the least good values, not the greatest
 };
 
-/** The figures of `drive` that are known. */
+/** The figures of `drive` that are known. A drive that does not answer has none: its last ones are old. */
 std::vector<PerformanceFigure> performanceOf(const Drive& drive);
 
 /**

@@ -1,5 +1,7 @@
 #include "Facts/Verdict.h"
 
+#include "Facts/Silence.h"
+
 #include <PI/StateCode.h>
 
 #include <array>
@@ -17,6 +19,15 @@ std::size_t rankOf(Verdict verdict)
     while (RANKS.at(rank) != verdict)
         ++rank;
     return rank;
+}
+
+Judgement judgeSilent(const DriveAnswer& answer, std::uint64_t now)
+{
+    constexpr std::uint32_t rounds = 2;
+    constexpr std::uint64_t milliseconds = 30000;
+    const bool isLong = answer.m_SilentRounds >= rounds ||
+                        (answer.m_SilentSince && now >= *answer.m_SilentSince + milliseconds);
+    return {isLong ? Verdict::Critical : Verdict::Warning, silenceReason(answer, now)};
 }
 
 } // namespace
@@ -48,8 +59,10 @@ Verdict verdictOfCode(std::uint32_t code)
     }
 }
 
-Judgement judge(const Drive& drive)
+Judgement judge(const Drive& drive, std::uint64_t now)
 {
+    if (isSilent(drive))
+        return judgeSilent(*drive.m_Answer, now);
     if (!drive.m_Health)
         return {Verdict::Unknown, "its health is not reported"};
     if (!drive.m_Health->m_Code)

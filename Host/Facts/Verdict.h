@@ -26,13 +26,17 @@ bool isWorse(Verdict a, Verdict b);
 /** The verdict of a code of a health or a drive's state. */
 Verdict verdictOfCode(std::uint32_t code);
 
-/** How a drive fares by its health, and why. */
+/** How a drive fares, and why. */
 struct Judgement
 {
     Verdict m_Verdict = Verdict::Unknown;
     std::string m_Reason; ///< such as "Critical: Media is read-only"
 };
 
-Judgement judge(const Drive& drive);
+/**
+ * The judgement at `now`, in UTC milliseconds. A drive that does not answer is a warning at first, and
+ * critical after two rounds or 30 seconds.
+ */
+Judgement judge(const Drive& drive, std::uint64_t now);
 
 } // namespace Host::Cli
