@@ -8,9 +8,11 @@
 #include <PI/LifeTimeData.h>
 #include <TLX/LanguageSupport.h>
 #include <TLX/TraceSink.h>
+#include <TLXX/ThreadedSource.h>
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
 namespace Host {
 namespace {
@@ -31,6 +33,21 @@ void startTrace(const TraceOptions& trace)
     TLX::Trace::setDefaultMask(trace.m_Mask);
     for (const auto& [module, mask] : trace.m_ModuleMasks)
         TLX::Trace::setMask(module, mask);
+}
+
+/** The machine whose drives are read. */
+std::shared_ptr<TLXX::IDeviceBackend> machine(const std::shared_ptr<SimulatedFleet>& fleet,
+                                              const std::shared_ptr<TLXX::IDeviceBackend>& former)
+{
+    if (fleet)
+        return fleet;
+    return former ? former : TLXX::platformBackend();
+}
+
+std::shared_ptr<ParallelDrives> readSideBySide(std::shared_ptr<TLXX::IDeviceBackend> machine)
+{
+    auto source = std::make_unique<TLXX::CThreadedSource>(machine);
+    return std::make_shared<ParallelDrives>(std::move(machine), std::move(source));
 }
 
 } // namespace
@@ -58,7 +75,10 @@ std::filesystem::path installedPlugin(const std::filesystem::path& programFolder
 
 HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
                      const std::optional<std::filesystem::path>& fleetFile, const Warn& warn)
-    : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr), m_Trace(trace)
+    : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr),
+      m_Former(TLXX::deviceBackend()),
+      m_Drives(readSideBySide(machine(m_Fleet, m_Former))),
+      m_Trace(trace)
 {
     keepNoRows();
     if (folders.m_KeepsRows) {
@@ -72,14 +92,12 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
     PI::CConfigFile::SetFolder(folders.m_Data.native());
     warnOfSettings(folders.m_Data, warn);
     startTrace(trace);
-    if (m_Fleet)
-        TLXX::setDeviceBackend(m_Fleet);
+    TLXX::setDeviceBackend(m_Drives);
 }
 
 HostSetup::~HostSetup()
 {
-    if (m_Fleet)
-        TLXX::setDeviceBackend(nullptr);
+    TLXX::setDeviceBackend(m_Former);
     TLX::Trace::setDefaultMask(0);
     for (const auto& [module, mask] : m_Trace.m_ModuleMasks)
         TLX::Trace::setMask(module, 0);

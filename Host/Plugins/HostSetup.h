@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Base/Warn.h"
+#include "Drives/ParallelDrives.h"
 #include "Drives/SimulatedFleet.h"
 #include "Plugins/DataFolder.h"
 
@@ -41,8 +42,9 @@ std::filesystem::path shareFolder(const std::filesystem::path& programFolder);
 std::filesystem::path installedPlugin(const std::filesystem::path& programFolder);
 
 /**
- * The process as plug-ins expect it: folders known, traces going where they should, a simulated fleet in the
- * machine's place when one was asked for. Traces end and the machine is back on destruction. One at a time.
+ * The process as plug-ins expect it: folders known, traces going where they should, the drives read side by
+ * side, and a simulated fleet in the machine's place when one was asked for. All of this ends on destruction.
+ * One at a time.
  */
 class HostSetup
 {
@@ -60,8 +62,13 @@ public:
     /** The simulated fleet; null when the machine's own drives are shown. */
     const std::shared_ptr<SimulatedFleet>& fleet() const { return m_Fleet; }
 
+    /** What reads the drives; never null. */
+    const std::shared_ptr<ParallelDrives>& drives() const { return m_Drives; }
+
 private:
     std::shared_ptr<SimulatedFleet> m_Fleet;
+    std::shared_ptr<TLXX::IDeviceBackend> m_Former; ///< the back-end that was in use before
+    std::shared_ptr<ParallelDrives> m_Drives;
     std::optional<DataFolderClaim> m_Claim;
     const TraceOptions m_Trace;
 };
