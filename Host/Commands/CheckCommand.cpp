@@ -79,7 +79,7 @@ Result lookAtDrives(const Session& session)
 {
     Inventory inventory(session);
     // A drive that was busy for a moment may answer now.
-    const std::set<std::string> missed = silentInstances(inventory.objects());
+    const std::set<std::string> missed = silentInstances(inventory.objects().answers());
     if (!missed.empty())
         inventory.askAgain(session);
     std::vector<DriveCheck> drives = checkDrives(inventory.objects(), TLX::Misc::now(), missed);

@@ -5,7 +5,6 @@
 #include "Base/Text.h"
 #include "Documents/Json.h"
 #include "Drives/DeviceAccess.h"
-#include "Facts/DriveCheck.h"
 #include "Facts/Silence.h"
 #include "Plugins/ControllerNames.h"
 #include "Plugins/DataFolder.h"
@@ -146,8 +145,7 @@ ObjectStore askForObjects(PluginSet& plugins, const std::vector<TLXX::CControlle
         objects = plugins.inventory();
     } catch (const Failure& failure) {
         // The plug-in knows no drive that has never answered.
-        if (failure.exitCode() != ExitCode::NoHardware ||
-            silentInstances(ObjectStore({}, {}, session.answers())).empty())
+        if (failure.exitCode() != ExitCode::NoHardware || silentInstances(session.answers()).empty())
             throw;
     }
     return ObjectStore(std::move(objects), states, session.answers());

@@ -38,7 +38,6 @@ public:
     /** What reads the drives; never null. */
     const std::shared_ptr<ParallelDrives>& drives() const { return m_Setup.drives(); }
 
-    /** Whether what is seen is kept in the data folder. */
     /** Whether the command keeps what it sees in the data folder. */
     bool keepsRows() const { return m_Setup.claim() && m_Setup.claim()->granted(); }
 

@@ -11,6 +11,7 @@
 #include "Facts/DriveEvent.h"
 #include "Facts/DriveKey.h"
 #include "Facts/Observation.h"
+#include "Facts/Silence.h"
 #include "Journal/Journal.h"
 #include "Journal/Told.h"
 #include "Terminal/EventLine.h"

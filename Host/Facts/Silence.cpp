@@ -29,6 +29,15 @@ bool isSilent(const Drive& drive)
     return drive.m_Answer && isSilent(*drive.m_Answer);
 }
 
+std::set<std::string> silentInstances(const std::vector<DriveAnswer>& answers)
+{
+    std::set<std::string> instances;
+    for (const DriveAnswer& answer : answers)
+        if (isSilent(answer))
+            instances.insert(answer.m_Instance);
+    return instances;
+}
+
 std::string silenceText(const DriveAnswer& answer, std::uint64_t now)
 {
     const bool wasHeard = answer.m_LastAnswer && answer.m_SilentSince;

@@ -3,8 +3,10 @@
 #include "Facts/Drives.h"
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Drives that do not answer. Their values are those of their last answer.
 namespace Host::Cli {
@@ -16,6 +18,9 @@ bool isSilent(const Drive& drive);
  * Whether `answer` is that of a silent drive. A drive that refuses this user is not silent: nobody asked it.
  */
 bool isSilent(const DriveAnswer& answer);
+
+/** The instances of the silent drives. */
+std::set<std::string> silentInstances(const std::vector<DriveAnswer>& answers);
 
 /** Such as "does not answer since 12:03:07", by local time as seen from `now`; both UTC milliseconds. */
 std::string silenceText(const DriveAnswer& answer, std::uint64_t now);
