@@ -5,6 +5,7 @@
 #include "Documents/JsonNumber.h"
 #include "Facts/FactTable.h"
 #include "Facts/PropertyText.h"
+#include "Facts/Silence.h"
 
 #include <PI/ErrorCode.h>
 #include <PI/PluginHelper.h>
@@ -179,7 +180,7 @@ Json objectJson(const ObjectStore& store, const PI::CObject& object)
     const PI::CObject* adapter = adapterOf(store, object);
     if (const DriveAnswer* answer = adapter != nullptr ? store.answerOf(*adapter) : nullptr) {
         json["answering"] = answer->m_Answering;
-        if (answer->m_LastAnswer)
+        if (isSilent(*answer) && answer->m_LastAnswer)
             json["lastAnswer"] = utcText(*answer->m_LastAnswer);
     }
     addHealthLogDoubt(json, healthLogRead(store, object));

@@ -2,6 +2,7 @@
 
 #include "Base/Time.h"
 #include "Facts/PageFields.h"
+#include "Facts/Silence.h"
 
 #include <PI/PropertyId.h>
 
@@ -67,7 +68,8 @@ std::optional<bool> answering(const Drive& drive)
 
 std::string lastAnswer(const Drive& drive)
 {
-    return drive.m_Answer && drive.m_Answer->m_LastAnswer ? utcText(*drive.m_Answer->m_LastAnswer) : "";
+    // The other drives answered just now.
+    return isSilent(drive) && drive.m_Answer->m_LastAnswer ? utcText(*drive.m_Answer->m_LastAnswer) : "";
 }
 
 std::optional<bool> healthLogIsRead(const Drive& drive)
@@ -185,7 +187,7 @@ constexpr Fact FACTS[] = {
     fact<reasonCodes>("reasonCodes", "Codes of the reasons", "", State, property(PI::PROP_STATUS_REASONS)),
     fact<healthLogIsRead>("healthLogRead", "Whether the health log was read", "", State, PROGRAM),
     fact<answering>("answering", "Whether the drive answered when it was asked last", "", State, PROGRAM),
-    fact<lastAnswer>("lastAnswer", "Time of the drive's last answer, UTC", "", Text, PROGRAM),
+    fact<lastAnswer>("lastAnswer", "Time of the last answer of a drive that does not answer, UTC", "", Text, PROGRAM),
     fact<&Drive::m_Driver>("driver", "Driver", "", Text, property(PI::PROP_DRIVER)),
     fact<&Drive::m_DriverVersion>("driverVersion", "Version of the driver", "", Text, property(PI::PROP_DRIVER_VERSION)),
     fact<&Drive::m_Spare>("spare", "Available spare", "%", Gauge, property(PI::PROP_AVAILABLE_SPARE)),

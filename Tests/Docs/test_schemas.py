@@ -159,6 +159,17 @@ class Documents(unittest.TestCase):
         self.assertEqual(rated["endOfLife"]["object"], rated["adapterId"])
         self.assertGreater(rated["dataWrittenBytes"], 0)
 
+    def test_silent_drives(self):
+        fleet = str(pathlib.Path(self.folder.name) / "silent.json")
+        pathlib.Path(fleet).write_text(json.dumps({"controllers": [
+            {"identify": {"vendorId": 1, "model": "M", "serial": "A"}},
+            {"location": "0000:02:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "B", "firmware": "F"},
+             "fails": ["identifyController"]}]}))
+        self.assertIs(self.document("list", "list", fleet=fleet)["drives"][1]["answering"], False)
+        (unheard,) = self.document("topology", "topology", fleet=fleet)["unheardDrives"]
+        self.assertEqual((unheard["serial"], unheard["firmware"]), ("B", "F"))
+        self.assertEqual(self.document("check", "check", fleet=fleet, code=2)["drives"][1]["key"], "B")
+
     def test_numbers_stay_exact(self):
         drive = self.document("list", "list", fleet=self.limits)["drives"][0]
         self.assertEqual((drive["powerOnHours"], drive["powerOnHoursText"]), (LARGEST, str(LARGEST)))

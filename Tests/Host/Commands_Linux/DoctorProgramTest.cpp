@@ -52,9 +52,8 @@ TEST(Doctor, NamesDrivesThatDoNotAnswerOrAnswerNonsense)
     EXPECT_EQ(result.m_ExitCode, 1);
     EXPECT_THAT(
         result.m_Output,
-        AllOf(HasSubstr("PROBLEM  /dev/nvme0n1: does not say what it is: the drive answered with status"),
-              HasSubstr("NOTE     /dev/nvme1n1: sits at 0000:02:00.0, but is shown at PCI:Bus=1&"),
-              HasSubstr("NOTE     numbers: "), HasSubstr("PROBLEM  nvme1n1: its namespace was not read"),
+        AllOf(HasSubstr("PROBLEM  nvme0n1: does not answer: the drive answered with status"),
+              HasSubstr("PROBLEM  nvme1n1: its namespace was not read"),
               HasSubstr("PROBLEM  nvme1n1: its health log was not read (the drive answered with status"),
               HasSubstr("NOTE     nvme2n1: its namespace holds no blocks")));
 }
