@@ -1,9 +1,10 @@
 #include <DatabaseORM/DatabaseException.h>
 #include <DatabaseORM/StatementText.h>
 
+#include <algorithm>
+#include <charconv>
 #include <limits>
-#include <locale>
-#include <sstream>
+#include <system_error>
 
 namespace DatabaseORM {
 
@@ -89,22 +90,28 @@ std::vector<std::string> runStatement(const storage_t& storage, const std::strin
 
 std::uint32_t firstNumber(const std::vector<std::string>& result)
 {
-    if (result.empty())
-        return 0;
-    std::istringstream stream(result.front());
-    stream.imbue(std::locale::classic());
+    // Reads as a text stream does, for a fraction of what making one costs.
+    std::string_view text = result.empty() ? std::string_view() : result.front();
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    const bool isNegative = text.starts_with('-');
+    if (isNegative || text.starts_with('+'))
+        text.remove_prefix(1);
     std::uint32_t number = 0;
-    stream >> number;
-    return number;
+    if (std::from_chars(text.data(), text.data() + text.size(), number).ec == std::errc::result_out_of_range)
+        return std::numeric_limits<std::uint32_t>::max();
+    return isNegative ? 0 - number : number;
 }
 
-std::int32_t takeGeneratedKey(const storage_t& storage, const tableBase_t& table, slot_t& slot)
+std::int32_t runInsertion(const storage_t& storage, const insertion_t& insertion, std::string_view context)
 {
-    const std::uint32_t maximum =
-        firstNumber(runStatement(storage, maxText(table.Name(), slot.m_Column), CANNOT_READ_ID));
-    slot = {};
-    const bool wraps = maximum == std::numeric_limits<std::uint32_t>::max();
-    return wraps ? 1 : static_cast<std::int32_t>(maximum + 1);
+    std::int32_t identifier = 0;
+    for (const std::string& statement : insertion.m_Maxima) {
+        const std::uint32_t maximum = firstNumber(runStatement(storage, statement, CANNOT_READ_ID));
+        const bool wraps = maximum == std::numeric_limits<std::uint32_t>::max();
+        identifier = wraps ? 1 : static_cast<std::int32_t>(maximum + 1);
+    }
+    runStatement(storage, insertion.m_Insert, context);
+    return identifier;
 }
 
 } // namespace DatabaseORM

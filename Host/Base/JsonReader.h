@@ -27,9 +27,8 @@ public:
     bool has(const char* key) const;
     bool isText(const char* key) const;
 
-    // Each of these returns nothing when there is no such name. This one reads a whole number from 0 to
-    // `largest`, or its hexadecimal text ("0x1F").
-    /** A whole number from 0 to `largest`, or its hexadecimal text ("0x1F"). */
+    // Each of these returns nothing when there is no such name.
+    /** Reads a whole number from 0 to `largest`, or its hexadecimal text ("0x1F"). */
     std::optional<std::uint64_t> number(const char* key, std::uint64_t largest) const;
     std::optional<std::int64_t> signedNumber(const char* key, std::int64_t smallest,
                                              std::int64_t largest) const;

@@ -92,7 +92,7 @@ enum class Elsewhere
 class ReaderGone : public std::runtime_error
 {
 public:
-    ReaderGone() : std::runtime_error("nobody reads the output any more") {}
+    ReaderGone() : std::runtime_error("no program reads the output any more") {}
 };
 
 /** One of the outputs that the process got at its start. */

@@ -166,7 +166,7 @@ std::tm localTime(std::time_t time)
 
 std::string_view permissionRemedy()
 {
-    return "Run it as root (sudo ostrel ...); NVMe admin commands need it.";
+    return "Run it as root (sudo ostrel ...), because NVMe admin commands need root.";
 }
 
 std::string_view driverRemedy()

@@ -202,7 +202,8 @@ std::tm localTime(std::time_t time)
 
 std::string_view permissionRemedy()
 {
-    return "Run it in a console that was started as administrator; Windows lets nobody else read disks.";
+    return "Run it in a console that was started as administrator; Windows lets only administrators read "
+           "disks.";
 }
 
 std::string_view driverRemedy()

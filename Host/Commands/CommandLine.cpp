@@ -14,7 +14,7 @@
 namespace Host::Cli {
 namespace {
 
-constexpr char POINTER[] = " \"ostrel --help\" tells what there is.";
+constexpr char POINTER[] = " \"ostrel --help\" shows the usage.";
 
 std::optional<std::uint32_t> fitting(std::optional<std::uint64_t> number)
 {
@@ -76,7 +76,7 @@ public:
         } catch (const CLI::ParseError& error) {
             throw Failure(ExitCode::WrongUsage, printable(complaint(error)) + "." + suggestion() +
                                                     " \"ostrel " + commandInQuestion(error) +
-                                                    "--help\" tells what there is.");
+                                                    "--help\" shows the usage.");
         }
         if (m_Options.m_Command == Command::Set && m_Options.m_Fleet && !m_Options.m_Data)
             throw Failure(ExitCode::WrongUsage,
@@ -213,10 +213,10 @@ private:
         addList(
             "--plugin",
             [this](const std::string& text) { m_Options.m_Plugins.push_back(pathFromUtf8(text)); },
-            "Plug-in to load beside the installed one")
+            "Load this plug-in in addition to the installed one")
             ->option_text("FILE")
             ->check(refuseNoPath);
-        addPath("--data", m_Options.m_Data, "Folder of database, adapter numbers and settings")
+        addPath("--data", m_Options.m_Data, "Folder for database, adapter numbers and settings")
             ->option_text("DIR");
         addPath("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
             ->option_text("FLEET.json");
@@ -226,7 +226,7 @@ private:
                 "Write trace lines of these levels (of module N)")
                 ->option_text("[N=]MASK")
                 ->check(refuseBadMask);
-        addPath("--trace-file", m_Options.m_Trace.m_File, "Where trace lines go instead of standard error")
+        addPath("--trace-file", m_Options.m_Trace.m_File, "File for trace lines instead of standard error")
             ->option_text("FILE")
             ->needs(trace);
         addJson(m_App);
@@ -234,7 +234,7 @@ private:
 
     void addJson(CLI::App& app)
     {
-        app.add_flag("--json", m_Options.m_Json, "Print one JSON document (watch: one object a line)")
+        app.add_flag("--json", m_Options.m_Json, "Print a JSON document (watch: one object per line)")
             ->disable_flag_override();
     }
 
@@ -252,9 +252,9 @@ private:
 
     void addCommands()
     {
-        addCommand(Command::List, "list", "One line a drive", LIST_FOOTER);
-        addCommand(Command::Topology, "topology", "Every object with its properties", TOPOLOGY_FOOTER);
-        CLI::App* show = addCommand(Command::Show, "show", "The properties of one object", SHOW_FOOTER);
+        addCommand(Command::List, "list", "Show one line for each drive", LIST_FOOTER);
+        addCommand(Command::Topology, "topology", "Show every object with its properties", TOPOLOGY_FOOTER);
+        CLI::App* show = addCommand(Command::Show, "show", "Show the properties of one object", SHOW_FOOTER);
         show->add_option("OBJECT", m_Options.m_Object, "A drive or another object; see below")
             ->required()
             ->option_text(" ");
@@ -262,16 +262,17 @@ private:
             ->option_text(" ");
         addSetCommand();
         addWatchCommand();
-        addCommand(Command::Check, "check", "A verdict for monitoring systems", CHECK_FOOTER)
+        addCommand(Command::Check, "check", "Print a verdict for monitoring systems", CHECK_FOOTER)
             ->add_option("OBJECT", m_Options.m_Object, "A drive, as in \"show\"; without it every drive")
             ->option_text(" ");
-        addCommand(Command::Doctor, "doctor", "Check what can be seen here, and why not more", DOCTOR_FOOTER);
+        addCommand(Command::Doctor, "doctor", "Check what can be seen here, and say what is wrong",
+                   DOCTOR_FOOTER);
     }
 
     void addSetCommand()
     {
-        CLI::App* set = addCommand(Command::Set, "set", "Give a property another value", SET_FOOTER);
-        set->add_option("OBJECT", m_Options.m_Object, "As in \"show\"; today \"plugin\"")
+        CLI::App* set = addCommand(Command::Set, "set", "Set a property to another value", SET_FOOTER);
+        set->add_option("OBJECT", m_Options.m_Object, "As in \"show\"; at present only \"plugin\"")
             ->required()
             ->option_text(" ");
         set->add_option("PROPERTY", m_Options.m_Property, "Number or caption of the property")
@@ -283,11 +284,11 @@ private:
     void addWatchCommand()
     {
         CLI::App* watch =
-            addCommand(Command::Watch, "watch", "Each event of the drives as it comes", WATCH_FOOTER);
+            addCommand(Command::Watch, "watch", "Print each event of the drives when it comes", WATCH_FOOTER);
         watch
             ->add_option_function<std::string>(
                 "--for", [this](const std::string& text) { m_Options.m_Seconds = parseSeconds(text); },
-                "End after so many seconds")
+                "End after this number of seconds")
             ->option_text("SECONDS")
             ->check(refuseBadSeconds);
     }
@@ -306,7 +307,7 @@ private:
             return unknown.empty() ? "A command is missing" + swallowedCommand()
                                    : "There is no command \"" + unknown.front() + "\"";
         if (!unknown.empty())
-            return "\"" + unknown.front() + "\" is one argument too many";
+            return "\"" + unknown.front() + "\" is not expected here";
         return error.what();
     }
 
@@ -316,7 +317,7 @@ private:
         for (const CLI::App* app : appsInUse())
             for (const CLI::Option* option : app->get_options())
                 if (option->results().size() > static_cast<std::size_t>(option->get_items_expected_max()))
-                    return option->get_name() + " may be given once";
+                    return option->get_name() + " may be given only once";
         return m_WithoutValue + " needs a value";
     }
 

@@ -52,7 +52,7 @@ Check checkEndurance(const HostFolders& folders)
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error))
         return problem(ExitCode::RequestFailed, "endurance",
-                       "there is no " + file.string() + "; wear and end of life are those of unrated drives",
+                       "there is no " + file.string() + "; wear and end of life are computed without ratings",
                        REINSTALL);
     try {
         return ok("endurance", std::to_string(PI::readLifeTimeData(file).size()) +

@@ -25,7 +25,7 @@ Check checkController(const TLXX::CControllerState& state)
         if (!state.m_Transport.empty() && state.m_Transport != "pcie")
             return note(state.m_Name,
                         "is attached by " + state.m_Transport + "; only PCI Express drives are shown");
-        return note(state.m_Name, "yields no disk" + where +
+        return note(state.m_Name, "provides no disk" + where +
                                       ": it has no namespace, or is not ready (state: " +
                                       (state.m_State.empty() ? "unknown" : state.m_State) + ")");
     }
@@ -52,7 +52,7 @@ const PI::CObject* adapterWith(const ObjectStore& store, const TLXX::CController
 Check silent(const TLXX::CControllerState& state, std::uint32_t status)
 {
     return problem(ExitCode::RequestFailed, state.m_Name,
-                   "does not say what it is: " + TLXX::statusText(status),
+                   "does not identify itself: " + TLXX::statusText(status),
                    "Look at the system's log for messages about the drive; reset or replace it.");
 }
 
@@ -61,7 +61,7 @@ Check checkMissing(const TLXX::CControllerState& state)
     const auto status = TLXX::lastStatus(state.m_DeviceName, TLXX::EQuery::IdentifyController);
     if (!status)
         return note(state.m_Name,
-                    "came or went while the inventory was taken, and was not asked; look once more");
+                    "came or went during the inventory, so it was not asked; run the command again");
     if (*status == 0)
         return note(state.m_Name, "is left out on purpose; its product line is not supported");
     return silent(state, *status);
@@ -85,10 +85,11 @@ void checkIdentity(const TLXX::CControllerState& state, Checks& checks)
     if (const auto status = TLXX::NVMeStorageQueryPropertyIdentifyController(state.m_DeviceName, controller))
         checks.push_back(silent(state, status));
     else if (isMakerAlone(controller))
-        checks.push_back(problem(ExitCode::RequestFailed, state.m_Name,
-                                 "its model is \"" + controller.sModelNumber() +
-                                     "\", the maker's name alone; the plug-in cannot show it, nor any other",
-                                 "Disable or remove that drive; the others are then shown."));
+        checks.push_back(
+            problem(ExitCode::RequestFailed, state.m_Name,
+                    "its model is \"" + controller.sModelNumber() +
+                        "\", only the maker's name; because of it the plug-in can show no drive at all",
+                    "Disable or remove that drive. Then the others are shown."));
 }
 
 /** Why a query of `device` gave the plug-in no data, in brackets. */
@@ -103,13 +104,13 @@ void checkNamespace(const Drive& drive, const std::string& device, Checks& check
     const std::string subject(shortDeviceName(device));
     if (drive.m_BlockSize != 0U) {
         if (drive.m_CapacityMiB == 0U)
-            checks.push_back(note(subject, "its namespace holds no blocks (less than 1 MiB)"));
+            checks.push_back(note(subject, "its namespace contains no blocks (less than 1 MiB)"));
         return;
     }
     if (TLXX::lastStatus(device, TLXX::EQuery::IdentifyNamespace) == 0U)
-        checks.push_back(
-            problem(ExitCode::RequestFailed, subject, "its namespace's block format is unset or out of range",
-                    "Look at its namespace with the maker's tool; it may have to be formatted."));
+        checks.push_back(problem(ExitCode::RequestFailed, subject,
+                                 "its namespace's block format is unset or out of range",
+                                 "Check its namespace with the maker's tool; it may need to be formatted."));
     else
         checks.push_back(problem(
             ExitCode::RequestFailed, subject,
@@ -121,7 +122,7 @@ void checkHealthLog(const Drive& drive, const std::string& device, Checks& check
     if (drive.m_HealthLogRead == true) {
         if (!drive.m_Temperature)
             checks.push_back(
-                note(std::string(shortDeviceName(device)), "its health log holds no temperature"));
+                note(std::string(shortDeviceName(device)), "its health log contains no temperature"));
         return;
     }
     const std::string what =
@@ -138,12 +139,12 @@ void checkPlace(const ObjectStore& store, const TLXX::CControllerState& state, c
     const ShownPlace place = shownPlaceOf(store, adapter);
     if (place == ShownPlace::Real)
         return;
-    checks.push_back(note(state.m_Name, "sits at " + state.m_Location->Text() + ", but is shown at " +
-                                            textOf(adapter, PI::PROP_LOCATION) +
-                                            (place == ShownPlace::WithoutSegment
-                                                 ? ": locations leave the PCI segment out"
-                                                 : ": locations go by number, and a disk before it was left "
-                                                   "out")));
+    checks.push_back(
+        note(state.m_Name,
+             "is at " + state.m_Location->Text() + ", but is shown at " + textOf(adapter, PI::PROP_LOCATION) +
+                 (place == ShownPlace::WithoutSegment ? ": locations do not contain the PCI segment"
+                                                      : ": locations depend on the order of disks, and an "
+                                                        "earlier disk was left out")));
 }
 
 /** Calls `tell` with each text that more than one of `drives` has, and with the devices that have it. */
@@ -167,9 +168,10 @@ void forEachShared(const std::vector<Drive>& drives, std::string Drive::*text, T
 void checkShared(const std::vector<Drive>& drives, Checks& checks)
 {
     forEachShared(drives, &Drive::m_Location, [&](const std::string& devices, const std::string& location) {
-        checks.push_back(note(devices, "share the location " + location +
-                                           " and so an adapter number and a row in the database. Tell them "
-                                           "apart by device, serial number or PCI address"));
+        checks.push_back(
+            note(devices, "share the location " + location +
+                              ", and therefore an adapter number and a row in the database. Tell "
+                              "them apart by device, serial number or PCI address"));
     });
     forEachShared(drives, &Drive::m_Serial, [&](const std::string& devices, const std::string& serial) {
         checks.push_back(
@@ -184,9 +186,10 @@ void checkTexts(const Drive& drive, const std::string& device, Checks& checks)
 {
     const std::string subject(shortDeviceName(device));
     if (drive.m_Serial.empty())
-        checks.push_back(note(subject, "has no serial number, by which drives are told apart"));
+        checks.push_back(note(subject, "has no serial number; drives are told apart by it"));
     if ((drive.m_Model + drive.m_Serial + drive.m_Firmware).find('?') != std::string::npos)
-        checks.push_back(note(subject, "its texts hold bytes that cannot be printed, shown as '?'"));
+        checks.push_back(
+            note(subject, "its texts contain bytes that cannot be printed; they are shown as '?'"));
 }
 
 bool isSilentDisk(const ObjectStore& store, const TLXX::CControllerState& state)
@@ -220,15 +223,15 @@ Checks checkAnyDisk(const std::vector<TLXX::CControllerState>& states, bool anyU
         return Checks{problem(ExitCode::NoHardware, "controllers", message, remedy)};
     };
     if (!states.empty())
-        return none("none of them yields a disk that could be shown", "See the lines above.");
+        return none("none of them provides a disk that can be shown", "See the lines above.");
     if (fleet != nullptr)
-        return none("the fleet file " + fleet->file().string() + " holds no controller",
-                    "Describe one in it; DemoFleet.json in the program's share folder is an example.");
+        return none("the fleet file " + fleet->file().string() + " contains no controller",
+                    "Add one; DemoFleet.json in the program's share folder is an example.");
     if (anyUnserved)
-        return none("there is a controller, but none that the NVMe driver serves, so no drive can be shown",
+        return none("the NVMe driver uses none of the controllers, so no drive can be shown",
                     "See the lines above.");
     return none("the system knows no NVMe controller",
-                "Plug one in, or look at a simulated fleet with --simulate.");
+                "Connect one, or show a simulated fleet with --simulate.");
 }
 
 Checks checkSilent(const std::vector<DriveAnswer>& answers)
@@ -258,7 +261,7 @@ Checks checkInventory(const ObjectStore& store)
     }
     if (dropped)
         checks.push_back(
-            note("numbers", "disks that were left out shift the numbers and locations of those behind"));
+            note("numbers", "disks were left out, so the disks after them have other numbers and locations"));
     // These checks are about the system's NVMe drives only. Drives of other plug-ins may be something else.
     std::vector<Drive> drives;
     for (const Drive& drive : joinDrives(store)) {

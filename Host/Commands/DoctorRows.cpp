@@ -13,8 +13,7 @@ namespace {
 Check badDatabase(const std::string& message, std::error_code error = {})
 {
     return problem(error == std::errc::permission_denied ? ExitCode::NoPermission : ExitCode::RequestFailed,
-                   "database", message,
-                   "See to the file and its folder, or name another folder with --data.");
+                   "database", message, "Check the file and its folder, or name another folder with --data.");
 }
 
 /** Describes what is wrong with `path`: it is not `what` it must be, or its state cannot be read. */
@@ -41,9 +40,9 @@ Check checkPlaceOf(const std::filesystem::path& file)
         error = Platform::accessError(folder, access);
     if (!isFolder || error)
         return badDatabase("there is no " + file.string() +
-                               " yet, and none can be made: " + complaint(folder, error, "folder"),
+                               " yet, and it cannot be created: " + complaint(folder, error, "folder"),
                            error);
-    return ok("database", "there is no " + file.string() + " yet; \"watch\" makes one");
+    return ok("database", "there is no " + file.string() + " yet; \"watch\" creates it");
 }
 
 } // namespace
@@ -68,7 +67,8 @@ Check checkKeptRows(const std::filesystem::path& file)
         return checkPlaceOf(file);
     if (std::filesystem::status(file, error).type() == std::filesystem::file_type::not_found)
         return note("database",
-                    file.string() + " is a link to nothing; \"watch\" makes a file there if it can");
+                    file.string() +
+                        " is a link to a file that does not exist; \"watch\" creates it if it can");
     const bool isFile = std::filesystem::is_regular_file(file, error);
     if (isFile)
         error = Platform::accessError(file, Platform::Access::Read);
@@ -80,16 +80,16 @@ Check checkKeptRows(const std::filesystem::path& file)
             return badDatabase(complaint(file, refusal, "file") + ", so no rows can be kept", refusal);
         switch (tables) {
         case EDatabaseTables::Present:
-            return ok("database", file.string() + ", which this run leaves as it is");
+            return ok("database", file.string() + "; this run does not change it");
         case EDatabaseTables::None:
             return ok("database", file.string() + " is empty; \"watch\" fills it");
         case EDatabaseTables::Newer:
             return badDatabase(file.string() +
-                               " holds the tables of a newer release, which this one refuses");
+                               " contains the tables of a newer release, which this one cannot use");
         case EDatabaseTables::Foreign:
             break;
         }
-        return note("database", file.string() + " holds the tables of another release; the next \"watch\" "
+        return note("database", file.string() + " contains the tables of another release; the next \"watch\" "
                                                 "rebuilds them");
     } catch (const DBEXCEPTION::DatabaseException& exception) {
         return badDatabase(exception.what());

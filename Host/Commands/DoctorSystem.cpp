@@ -17,7 +17,7 @@ Check checkRelease(const Platform::System& system)
     if (system.m_Supported)
         return ok("system", system.m_Name);
     return problem(ExitCode::RequestFailed, "system",
-                   system.m_Name + " lacks some of what drives are found and asked by",
+                   system.m_Name + " lacks functions that are needed to find and query drives",
                    std::string(Platform::systemRemedy()));
 }
 
@@ -68,14 +68,14 @@ Checks checkUnserved(const std::vector<Platform::UnservedFunction>& functions)
     for (const Platform::UnservedFunction& function : functions)
         if (Platform::isPassThrough(function.m_Driver))
             checks.push_back(note(function.m_Address,
-                                  "an NVMe controller that is given to a virtual machine or a program of its "
-                                  "own; it has the driver " +
-                                      function.m_Driver + ". Its drive is to be seen there alone. " +
+                                  "an NVMe controller that was given to a virtual machine or to another "
+                                  "program; it has the driver " +
+                                      function.m_Driver + ". Its drive can be seen only there. " +
                                       std::string(Platform::passThroughRemedy())));
         else
             checks.push_back(
                 problem(ExitCode::NoHardware, function.m_Address,
-                        "an NVMe controller that the NVMe driver does not serve; it has " +
+                        "an NVMe controller that the NVMe driver does not use; it has " +
                             (function.m_Driver.empty() ? "no driver" : "the driver " + function.m_Driver),
                         std::string(Platform::driverRemedy())));
     return checks;

@@ -3,12 +3,11 @@
 /** The help texts of the program and of each command, besides the list of options. */
 namespace Host::Cli {
 
-inline constexpr char PROGRAM_HELP[] =
-    "Shows NVMe drives, how healthy they are, and what is wrong with them.";
+inline constexpr char PROGRAM_HELP[] = "Shows NVMe drives, their health, and what is wrong with them.";
 
 inline constexpr char PROGRAM_FOOTER[] =
     R"(These options may come before or after the command. The options of a single
-command must come after it. "ostrel COMMAND --help" tells more about a command.
+command must come after it. "ostrel COMMAND --help" explains a command.
 
 Exit codes: 0 done, 1 a request failed, 2 wrong usage, 3 no supported hardware,
 4 no permission, 5 no such object. Those of "check" are 0 OK, 1 WARNING,
@@ -20,16 +19,16 @@ Examples:
   ostrel list --json --simulate fleet.json)";
 
 inline constexpr char LIST_FOOTER[] =
-    R"(On a terminal long texts are shortened, and the reasons of a bad health are
-below the table. Elsewhere, and with --json, every text is whole.
-All options of "ostrel --help" may be given, too.
+    R"(On a terminal, long texts are shortened, and the reasons of a bad health are
+below the table. Elsewhere, and with --json, no text is shortened.
+The options of "ostrel --help" may be given, too.
 
 Examples:
   sudo ostrel list
   sudo ostrel list --json | jq '.drives[] | select(.healthCode != 40024).serial')";
 
 inline constexpr char TOPOLOGY_FOOTER[] =
-    R"(All options of "ostrel --help" may be given, too.
+    R"(The options of "ostrel --help" may be given, too.
 
 Examples:
   sudo ostrel topology
@@ -38,9 +37,9 @@ Examples:
 inline constexpr char SHOW_FOOTER[] =
     R"(A serial number, a device (nvme0n1), its controller (nvme0) or a PCI address
 (0000:01:00.0, 01:00.0) names an adapter and its drive. An identifier or a
-location names one object, "plugin" the plug-in itself. With PROPERTY just its
-value is printed.
-All options of "ostrel --help" may be given, too.
+location names one object. "plugin" names the plug-in itself. With PROPERTY,
+only the value of that property is printed.
+The options of "ostrel --help" may be given, too.
 
 Examples:
   sudo ostrel show plugin
@@ -49,27 +48,27 @@ Examples:
   sudo ostrel show "PCI:Bus=1&Device=0&Function=0" 30017 --json)";
 
 inline constexpr char SET_FOOTER[] =
-    R"(PROPERTY is a number or caption; case and blanks do not matter. A value beyond
-the property's limits is taken to the next limit. Today there is one property
-that can be set, the plug-in's poll interval (2 to 255 seconds), which is kept
-in "Ostrel.ini" in the data folder (--data DIR, otherwise the system's folder).
-A "watch" that is running does not notice it; it counts from its next start.
-All options of "ostrel --help" may be given, too.
+    R"(PROPERTY is a number or a caption. Case and blanks do not matter. A value above
+or below the property's limits is replaced by the nearest limit. At present only
+the poll interval of the plug-in (2 to 255 seconds) can be set. It is kept in
+"Ostrel.ini" in the data folder (--data DIR, otherwise the system's folder).
+A "watch" that is running uses it after its next start only.
+The options of "ostrel --help" may be given, too.
 
 Examples:
   sudo ostrel set plugin pollinterval 60
   sudo ostrel --data /srv/ostrel set plugin 30005 10)";
 
 inline constexpr char WATCH_FOOTER[] =
-    R"(First a line for each thing that the drives suffer from already, then one for
-each change: local time, severity, what happened, and to which drive. Nothing
-is told twice. With --json each line is one JSON object. Ends with Ctrl+C or a
-termination signal, or after the SECONDS. Database, adapter numbers and
-"Ostrel.ini" are in the data folder (--data DIR, otherwise the system's folder,
-but for a simulated fleet, of which nothing is kept unless --data is given).
-"Ostrel.ini" is read at the start: "set", or anybody else who changes it
-meanwhile, is not noticed before the next one.
-All options of "ostrel --help" may be given, too.
+    R"(First prints a line for each thing that is already wrong with the drives, then
+one for each change: local time, severity, what happened, and to which drive.
+Nothing is reported twice. With --json each line is one JSON object. Ends with
+Ctrl+C or a termination signal, or after SECONDS. Database, adapter numbers and
+"Ostrel.ini" are in the data folder (--data DIR, otherwise the system's folder).
+For a simulated fleet nothing is kept unless --data is given. "Ostrel.ini" is
+read at the start only. So a later change of it, also by "set", has an effect
+after the next start.
+The options of "ostrel --help" may be given, too.
 
 Examples:
   sudo ostrel watch
@@ -91,9 +90,9 @@ Examples:
   ostrel check --json --simulate fleet.json)";
 
 inline constexpr char DOCTOR_FOOTER[] =
-    R"(A line for each thing that was looked at: OK, NOTE, or PROBLEM with what to do
-about it. The exit code is that of the first problem.
-All options of "ostrel --help" may be given, too.
+    R"(Prints a line for each check: OK, NOTE, or PROBLEM with what to do about it. The
+exit code is that of the first problem.
+The options of "ostrel --help" may be given, too.
 
 Examples:
   sudo ostrel doctor
@@ -109,19 +108,19 @@ struct OptionDetails
 inline constexpr OptionDetails OPTION_DETAILS[] = {
     {"--plugin", "This option may be given several times.\n"
                  "Each plug-in must have a module number of its own.\n"
-                 "A plug-in that finds no hardware is no failure as long as another one finds some.\n"},
-    {"--data", "Most commands then keep what they see there, too.\n"
+                 "It is no failure when a plug-in finds no hardware, as long as another one finds some.\n"},
+    {"--data", "With this option most commands keep there what they see.\n"
                "The section FILES says more.\n"},
-    {"--simulate", "The drives of this machine are left alone.\n"},
+    {"--simulate", "The drives of this machine are not used.\n"},
     {"--trace", "MASK is a decimal number or, after 0x, a hexadecimal one.\n"
                 "It is the sum of 2 (entry, exit and results), 4 (topology, property counts, wake reasons), "
                 "8 (locks), 16 (progress, scanned values) and 128 (the database).\n"
-                "With N, it holds for the plug-in with this module number alone.\n"
+                "With N, the mask is only for the plug-in with this module number.\n"
                 "The installed plug-in has the number 313.\n"
                 "This option may be given several times.\n"},
-    {"--trace-file", "A file that has grown to 8 MiB is renamed to FILE.1, and a new one is begun.\n"
-                     "Three such files are kept.\n"},
-    {"--help", "After a command, print the help of that command.\n"},
+    {"--trace-file", "When the file has grown to 8 MiB, it is renamed to FILE.1, and a new one begins.\n"
+                     "Three older files are kept.\n"},
+    {"--help", "After a command, this prints the help of that command.\n"},
     {"--for", "Only \"watch\" takes this option.\n"},
 };
 

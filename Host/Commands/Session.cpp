@@ -82,7 +82,7 @@ Session::Session(const Options& options, Terminal& terminal)
         throw m_Setup.claim()->failure();
     // "doctor" reports this in a line of its own.
     if (options.m_Command != Command::Doctor)
-        terminal.tell(m_Setup.claim()->refusal() + ". This run leaves them as they are.");
+        terminal.tell(m_Setup.claim()->refusal() + ". This run does not change that data.");
 }
 
 Warn Session::warn() const

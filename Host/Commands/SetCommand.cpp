@@ -64,7 +64,7 @@ std::string writeFault(const std::filesystem::path& file)
         return fault(error.message());
     const std::optional<std::string> text = there ? readFile(file) : std::nullopt;
     if (text && text->find('\0') != std::string::npos)
-        return fault("it holds zero bytes, as a write that was cut off leaves them; delete it");
+        return fault("it contains zero bytes, probably because writing it was interrupted; delete it");
     const fs::path folder = file.parent_path();
     if ((error = Platform::accessError(folder, Platform::Access::AddFile)))
         return fault(printable(folder.string()) + ": " + error.message());

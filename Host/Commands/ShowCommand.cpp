@@ -179,7 +179,7 @@ NamedProperty namedProperty(const std::vector<const PI::CObject*>& objects, std:
     if (empty)
         return *empty;
     throw Failure(ExitCode::WrongUsage, "There is no property \"" + printable(name) + "\" here." +
-                                            didYouMean(name, captions) + " These are there:" + known);
+                                            didYouMean(name, captions) + " These exist:" + known);
 }
 
 } // namespace Host::Cli

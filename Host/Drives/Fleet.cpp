@@ -29,12 +29,12 @@ void setField(std::array<std::uint8_t, Size>& field, const std::string& text)
     std::copy(text.begin(), text.end(), field.begin());
 }
 
-/** A number that a fleet file calls by name, and its bytes in a page. */
+/** A number with a name in fleet files, and its place in a page. */
 struct NamedNumber
 {
     const char* m_Name;
     std::size_t m_Offset;
-    std::size_t m_Size; ///< bytes, at most 8; a wider field has zeros in the rest
+    std::size_t m_Size; ///< bytes, at most 8; if the field is wider, the other bytes are zero
 };
 
 std::vector<std::string> namesOf(std::span<const NamedNumber> numbers, std::vector<std::string> others)
@@ -46,7 +46,7 @@ std::vector<std::string> namesOf(std::span<const NamedNumber> numbers, std::vect
 
 void putNumber(std::uint8_t* page, std::uint64_t number, std::size_t offset, std::size_t size)
 {
-    std::memcpy(page + offset, &number, size); // little-endian, as the page is
+    std::memcpy(page + offset, &number, size); // little-endian, as in the page
 }
 
 template<typename Block>
@@ -60,7 +60,7 @@ void putNumbers(const JsonReader& reader, std::span<const NamedNumber> numbers, 
     }
 }
 
-/** The temperature in kelvin; nothing when the file does not have it. */
+/** The temperature in kelvin. Nothing when the file has none. */
 std::optional<std::uint16_t> kelvin(const JsonReader& reader, const char* key)
 {
     constexpr std::int64_t hottest = 727;
@@ -68,7 +68,7 @@ std::optional<std::uint16_t> kelvin(const JsonReader& reader, const char* key)
     return celsius ? std::optional(static_cast<std::uint16_t>(*celsius + ZERO_CELSIUS)) : std::nullopt;
 }
 
-/** The version of "1.4" or "1.2.1" as Identify Controller has it. */
+/** The version as Identify Controller has it, from a text such as "1.4" or "1.2.1". */
 std::uint32_t nvmeVersion(const JsonReader& reader)
 {
     constexpr std::size_t longest = 16;
@@ -169,7 +169,7 @@ void fill(const JsonReader& reader, TLXX::NVME_SMART_HEALTH_INFORMATION_LOG& blo
     putNumbers(reader, numbers, block);
 }
 
-/** The block under `key`: values by name, or a recorded page in hexadecimal digits. */
+/** The block at `key`: either values with names, or a recorded page in hexadecimal digits. */
 template<typename Block>
 std::optional<Block> readBlock(const JsonReader& parent, const char* key)
 {
@@ -185,7 +185,7 @@ std::optional<Block> readBlock(const JsonReader& parent, const char* key)
     return block;
 }
 
-/** A vendor log whose values this program knows by name. */
+/** A vendor log with values that this program knows by name. */
 struct NamedLog
 {
     std::uint8_t m_Identifier;
@@ -195,7 +195,7 @@ struct NamedLog
         std::size_t m_Offset;
     };
     std::vector<Value> m_Bytes;
-    const char* m_Text; ///< name of the text at its head; null: none
+    const char* m_Text; ///< name of the text at the beginning of the page; null: there is none
 };
 
 const std::vector<NamedLog>& namedLogs()
@@ -245,7 +245,7 @@ TLXX::VendorLogPage readVendorLog(const JsonReader& logs, const std::string& key
     return page;
 }
 
-/** How the drive answers, whatever it has to tell. */
+/** Whether and how the drive answers. The answers themselves come from its blocks. */
 void readBehaviour(const JsonReader& reader, SimulatedController& controller)
 {
     constexpr std::uint64_t longestDelay = 3600000;
@@ -290,7 +290,10 @@ SimulatedController readController(const JsonReader& reader, std::size_t index)
     return controller;
 }
 
-/** The document in `text`. The library would take the last of several values of one name without a word. */
+/**
+ * Parses the document in `text`. If one name had several values, the library would silently take the last
+ * one.
+ */
 nlohmann::json parseDocument(std::string_view text)
 {
     using Event = nlohmann::json::parse_event_t;
@@ -308,7 +311,7 @@ nlohmann::json parseDocument(std::string_view text)
     try {
         return nlohmann::json::parse(text, look);
     } catch (const nlohmann::json::exception& error) {
-        // The library's messages begin with its own name in brackets.
+        // The library's messages begin with a code in brackets, which is removed.
         const std::string message = error.what();
         throw std::runtime_error(printable(message.substr(message.find(']') + 2)));
     }

@@ -15,7 +15,9 @@
 
 namespace Host {
 
-/** One simulated controller and its disk. A block that is not there is one that the drive does not answer. */
+/**
+ * One simulated controller and its disk. The drive does not answer queries for a block that is missing here.
+ */
 struct SimulatedController
 {
     std::string m_DeviceName;
@@ -27,13 +29,13 @@ struct SimulatedController
     std::optional<TLXX::NVME_SMART_HEALTH_INFORMATION_LOG> m_Health;
     std::map<std::uint8_t, TLXX::VendorLogPage> m_VendorLogs;
     std::chrono::milliseconds m_Delay{0}; ///< before each answer
-    bool m_Hangs = false;                 ///< no command comes back
+    bool m_Hangs = false;                 ///< no command is ever answered
     std::set<TLXX::EQuery> m_Fails;       ///< the drive refuses these commands
 };
 
 /**
- * The controllers that the text of a fleet file describes, in its order. Throws `std::runtime_error`, naming
- * the place and what belongs there, for anything that it does not know, misses, or that lies out of range.
+ * The controllers in the text of a fleet file, in its order. Throws `std::runtime_error` for anything
+ * unknown, missing or out of range. The message names the place and what is expected there.
  */
 std::vector<SimulatedController> parseFleet(std::string_view text);
 

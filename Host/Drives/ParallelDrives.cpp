@@ -79,8 +79,12 @@ std::vector<TLXX::CDeviceEntry> ParallelDrives::Enumerate(const TLXX::DeviceWalk
     t_Locations = {m_Number, {}};
     for (const Disk& disk : m_Disks) {
         const DriveRecord* const record = m_Rounds.record(disk.m_Instance);
-        if (record == nullptr || record->m_Identify.empty())
+        if (record == nullptr || record->m_Identify.empty()) {
+            // The plug-in does not query it, but others want to know why.
+            if (record != nullptr)
+                TLXX::noteStatus(disk.m_Entry.m_DeviceName, EQuery::IdentifyController, record->m_Status);
             continue;
+        }
         entries.push_back(disk.m_Entry);
         t_Locations.m_Places.push_back(disk.m_Location);
     }

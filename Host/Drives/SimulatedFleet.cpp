@@ -11,12 +11,12 @@
 namespace Host {
 namespace {
 
-// Statuses as a system and a drive would give them: no such file; internal error; invalid log page.
+// Statuses that a system and a drive would return: no such file, internal error, invalid log page.
 constexpr std::uint32_t NO_SUCH_DISK = 2;
 constexpr std::uint32_t INTERNAL_ERROR = 0x10006;
 constexpr std::uint32_t INVALID_LOG_PAGE = 0x10109;
 
-/** How often commands that hang look whether the file was edited. */
+/** The time after which a command that hangs looks again whether the file was edited. */
 constexpr std::chrono::milliseconds LOOK_INTERVAL{250};
 
 constexpr char REMEDY[] = " Correct the file; DemoFleet.json in the program's share folder is an example.";
@@ -57,7 +57,7 @@ void SimulatedFleet::take(std::vector<SimulatedController> controllers)
     std::vector<Controller> taken;
     for (SimulatedController& each : controllers) {
         const Controller* before = find(each.m_DeviceName);
-        // No name has a line end, so no two pairs give the same text.
+        // Names have no line ends, so different pairs give different texts.
         std::string instance = each.m_Identify ? each.m_DeviceName + '\n' + each.m_Identify->sSerialNumber()
                                : before        ? before->m_Instance
                                                : each.m_DeviceName;
@@ -90,7 +90,8 @@ std::vector<TLXX::CDeviceEntry> SimulatedFleet::Enumerate(const TLXX::DeviceWalk
 {
     const std::scoped_lock guard(m_Lock);
     lookAgain();
-    // Told here alone: a command that hangs may look at the file when nobody can be told any more.
+    // Only an enumeration warns. A command that hangs also reads the file, but at a time when a warning may
+    // not be possible.
     if (!m_Complaint.empty())
         m_Warn(std::exchange(m_Complaint, {}));
     std::vector<TLXX::CDeviceEntry> entries;
@@ -131,8 +132,8 @@ const SimulatedFleet::Controller* SimulatedFleet::find(const std::string& path) 
 }
 
 /**
- * The controller at `path` when it is ready to answer; null when there is none, or it goes away before. The
- * lock is free meanwhile.
+ * Waits until the controller at `path` is ready to answer. Null when there is none, or when it goes away
+ * during the wait. The lock is released while this waits.
  */
 const SimulatedFleet::Controller* SimulatedFleet::awaitTurn(std::unique_lock<std::mutex>& guard,
                                                             const std::string& path)

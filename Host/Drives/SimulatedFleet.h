@@ -19,18 +19,18 @@
 namespace Host {
 
 /**
- * A fleet file in the machine's place. Each enumeration looks at the file again, so drives come, go and
- * change when it is edited; while it is torn or wrong the fleet stays as it was, with one warning for each
- * change. Safe from any thread.
+ * Shows the drives of a fleet file in place of the machine's. Each enumeration reads the file again, so
+ * editing it makes drives come, go and change. While the file is wrong or half written, the fleet stays as it
+ * was, and each wrong content is warned of once. Safe from any thread.
  *
- * A drive that hangs holds a command until the file is edited so that it answers, or is no longer there. The
- * caller must share this object for so long. A command that comes back to find another drive at its path
- * fails.
+ * A command to a drive that hangs does not return until an edit of the file ends the hang or removes the
+ * drive. The caller must share this object for that long. The command fails if another drive is then at its
+ * path.
  */
 class SimulatedFleet : public TLXX::IDeviceBackend
 {
 public:
-    /** Throws `Failure` when the file cannot be read or is no fleet. */
+    /** Throws `Failure` when the file cannot be read or describes no fleet. */
     SimulatedFleet(std::filesystem::path file, Warn warn);
 
     const std::filesystem::path& file() const { return m_File; }
@@ -44,13 +44,13 @@ public:
                                  TLXX::NVME_SMART_HEALTH_INFORMATION_LOG& log) override;
     std::uint32_t VendorLogPage(const std::string& path, std::uint8_t logIdentifier,
                                 TLXX::VendorLogPage& page) override;
-    /** Device name and serial number. A drive that does not tell its own keeps that of the one before it. */
+    /** Device name and serial number. A drive without a serial number keeps that of the drive before it. */
     std::string Instance(const std::string& path) override;
     std::optional<TLXX::CPciLocation> Location(std::uint32_t number) override;
-    /** Does not look at the file again. */
+    /** Does not read the file again. */
     std::vector<TLXX::CControllerState> ControllerStates() override;
     std::string ModuleVersion(const std::string& driver) override;
-    /** Announces edits of the file, where the system tells of them. */
+    /** Reports edits of the file, if the system supports that. */
     std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()> announce) override;
 
 private:
@@ -73,8 +73,8 @@ private:
     std::condition_variable m_Changed;
     // Under m_Lock.
     std::optional<std::string>
-        m_LastText;          ///< what the file held when it was last looked at; none: unreadable
-    std::string m_Complaint; ///< about the file, not told yet
+        m_LastText;          ///< the file's content at the last look; none: it could not be read
+    std::string m_Complaint; ///< about the file; no warning was given yet
     std::vector<Controller> m_Controllers;
     std::chrono::steady_clock::time_point m_NextLook; ///< of a command that hangs
 };

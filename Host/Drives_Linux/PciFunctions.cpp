@@ -47,8 +47,8 @@ bool isPassThrough(std::string_view driver)
 
 std::string_view passThroughRemedy()
 {
-    return "To have it back, end what uses it and bind it to the driver nvme, as \"driverctl unset-override "
-           "ADDRESS\" does.";
+    return "To get it back, end the program that uses it. Then bind it to the driver nvme, for example with "
+           "\"driverctl unset-override ADDRESS\".";
 }
 
 std::vector<UnservedFunction> unservedFunctions()

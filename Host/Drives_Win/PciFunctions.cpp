@@ -29,7 +29,7 @@ bool isNvmeFunction(DeviceNode node)
 std::string addressOf(DeviceNode node)
 {
     const auto location = TLXX::Win::nodeLocation(node);
-    return location ? location->Text() : "a place that Windows does not tell";
+    return location ? location->Text() : "a place that Windows does not report";
 }
 
 } // namespace
@@ -42,7 +42,7 @@ bool isPassThrough(std::string_view driver)
 
 std::string_view passThroughRemedy()
 {
-    return "To have it back, take it from the virtual machine (Remove-VMAssignableDevice), mount it "
+    return "To get it back, take it from the virtual machine (Remove-VMAssignableDevice), mount it "
            "(Mount-VMHostAssignableDevice), and enable it in the Device Manager.";
 }
 

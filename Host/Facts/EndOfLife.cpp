@@ -86,20 +86,20 @@ std::string sentenceOf(const EndOfLife& end)
 {
     switch (end.m_Limit) {
     case EndOfLife::Limit::None:
-        return "Too little is known of this drive to foresee its end; the date, a hundred years from now, "
-               "says no more than that.";
+        return "Too little is known about this drive to compute its end of life. So the date is a hundred "
+               "years from now.";
     case EndOfLife::Limit::Beyond:
         return "If it is used as up to now, the drive lasts longer than the hundred years to that date.";
     case EndOfLife::Limit::Writing:
         return end.m_RemainingHours == 0
-                   ? "All that its maker lets be written to it has been written; plan to replace it."
+                   ? "The whole amount that its maker allows has been written; plan to replace it."
                    : "If it is written to as up to now, the rating is reached in " +
                          durationText(end.m_RemainingHours) + '.';
     case EndOfLife::Limit::Wear:
         return end.m_RemainingHours == 0
                    ? "By its own count of wear the drive is worn out; plan to replace it."
                    : "If it is used as up to now, the drive's own count of wear, " +
-                         std::to_string(end.m_Wear.value_or(0)) + "% now, is at its end in " +
+                         std::to_string(end.m_Wear.value_or(0)) + "% now, reaches 100% in " +
                          durationText(end.m_RemainingHours) +
                          (end.m_Rating ? ", before the rating is reached." : ".");
     case EndOfLife::Limit::Worn:

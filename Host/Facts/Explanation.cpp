@@ -28,30 +28,28 @@ constexpr Explanation EXPLANATIONS[] = {
     // Reasons of a health status.
     {PI::REASON_TEMPERATURE,
      "The drive is hotter or colder than its maker allows. It slows down to protect itself, and ages faster.",
-     "Look at fans, dust filters and the air's way to the drive; if it stays that way, move the drive or its "
-     "load."},
+     "Check fans, dust filters and the flow of air to the drive. If that does not help, move the drive "
+     "or its load."},
     {PI::REASON_SPARE_LOW,
-     "The blocks that the drive keeps to replace worn ones are nearly used up. When they are gone it stops "
-     "taking "
-     "data.",
+     "The blocks that the drive keeps to replace worn ones are nearly used up. When none is left, it stops "
+     "taking data.",
      REPLACE},
     {PI::REASON_MEMORY_BACKUP_FAILED,
-     "What saves the drive's volatile memory when the power fails does not work. Data that was just written "
-     "may be "
-     "lost then.",
-     "Replace the drive; until then turn its write cache off, or see that the power cannot fail."},
+     "The backup of the drive's volatile memory for power failures does not work. Data that was just written "
+     "may be lost then.",
+     "Replace the drive; until then turn its write cache off, or make sure that the power cannot fail."},
     {PI::REASON_RELIABILITY_DEGRADED,
-     "Errors of the medium or within the drive have made it unreliable: what it holds may become unreadable.",
+     "Errors of the medium or within the drive have made it unreliable. Its data may become unreadable.",
      REPLACE},
-    {PI::REASON_READ_ONLY, "The drive has stopped taking data, to keep what it holds readable.",
+    {PI::REASON_READ_ONLY, "The drive has stopped taking data, so that its data stays readable.",
      "Copy what is on it to another drive at once, and replace it."},
 
     // States of wear and of spare blocks.
-    {PI::WEAR_OK, "The drive reports no more wear than use brings with it.", NOTHING},
+    {PI::WEAR_OK, "The drive reports no unusual wear.", NOTHING},
     {PI::WEAR_WARNING,
      "An attribute of the drive has fallen below the value of a new one: blocks wear out or fail.",
      "Plan to replace the drive, and watch whether this gets worse."},
-    {PI::WEAR_CRITICAL, "The drive is worn out, or reports a wear that makes no sense.", REPLACE},
+    {PI::WEAR_CRITICAL, "The drive is worn out, or reports an impossible value for its wear.", REPLACE},
     {PI::SPARE_SUFFICIENT,
      "The drive has not reported that the blocks which replace worn ones are running out.", NOTHING},
     {PI::SPARE_EXHAUSTED, "The drive has no spare blocks left to replace worn ones.", REPLACE},
@@ -86,9 +84,9 @@ constexpr Constant CONSTANTS[] = {
 
 /** The texts for states whose log was never read, by property. */
 constexpr Constant UNREAD[] = {
-    {PI::PROP_HEALTH_STATUS, "The health log of this drive was not read, so nobody knows how it fares.",
+    {PI::PROP_HEALTH_STATUS, "The health log of this drive was not read, so its health is not known.",
      "\"ostrel doctor\" says why the log was not read."},
-    {PI::PROP_WEAR_STATE, "The log with the wear of this drive was not read, so nobody knows its wear.",
+    {PI::PROP_WEAR_STATE, "The log with the wear of this drive was not read, so its wear is not known.",
      "Look at the endurance used and the available spare."},
 };
 

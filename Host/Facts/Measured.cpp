@@ -145,11 +145,11 @@ std::vector<std::string> caveatsOf(const ObjectStore& store, const PI::CObject& 
     if (place != ShownPlace::Real)
         caveats.push_back("The controller is at " + store.addressOf(*adapter)->Text() + ". " +
                           (place == ShownPlace::WithoutSegment
-                               ? "The rows below leave its PCI segment out."
+                               ? "The rows below do not show its PCI segment."
                                : "The rows below show another place; \"ostrel doctor\" says why."));
     if (object.m_Type == PI::TYPE_ADAPTER && healthLogRead(store, object) == false)
-        caveats.emplace_back("The health log of this drive was not read. What the rows below say of health, "
-                             "spare blocks and errors is true of a new drive, and unknown of this one.");
+        caveats.emplace_back("The health log of this drive was not read. The rows below show health, spare "
+                             "blocks and errors of a new drive. They are not known for this one.");
     return caveats;
 }
 

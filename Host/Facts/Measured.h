@@ -26,7 +26,7 @@ inline constexpr char NOT_MEASURED[] = " (not measured)";
 /** The adapter that `object` is or belongs to. Null when there is none. */
 const PI::CObject* adapterOf(const ObjectStore& store, const PI::CObject& object);
 
-/** The path at which the disk of `adapter` is asked. Plug-ins may shorten the path that they show. */
+/** The path that is used to ask the disk of `adapter`. The plug-in may show a shortened path. */
 std::string diskPathOf(const ObjectStore& store, const PI::CObject& adapter);
 
 /**

@@ -35,7 +35,7 @@ std::optional<std::uint8_t> warningsOf(const Drive& drive)
     return warnings;
 }
 
-/** None when it was not looked at: then the plug-in shows the state of a new drive. */
+/** Nothing when the wear was not read. The plug-in then shows the state of a new drive. */
 std::optional<bool> belowNew(const ObjectStore& objects, const PI::CObject* adapter)
 {
     const PI::CProperty* state = adapter != nullptr ? findProperty(*adapter, PI::PROP_WEAR_STATE) : nullptr;

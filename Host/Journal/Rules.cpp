@@ -104,7 +104,7 @@ std::string spareText(std::int32_t figure)
 
 std::string wearText(std::int32_t figure)
 {
-    return std::to_string(figure) + " % of the rated life are used.";
+    return std::to_string(figure) + " % of the rated life is used.";
 }
 
 const StepRule STEPS[] = {

@@ -33,19 +33,19 @@ struct ConditionRule
 
 std::span<const ConditionRule> conditionRules();
 
-/** One of the degrees of a condition. */
+/** One degree of a condition. */
 struct Degree
 {
     Severity m_Severity;
-    std::optional<std::uint32_t> m_Event; ///< of its beginning
+    std::optional<std::uint32_t> m_Event; ///< the plug-in's event for its beginning
     const char* m_Text;
 };
 
-/** Something that holds for some time in degrees. Another degree is told like a beginning. */
+/** A rule for a condition that has degrees. A change to another degree is told like a beginning. */
 struct DegreeRule
 {
     Kind m_Kind;
-    /** The degree that holds, counted from 1; 0: none holds; nothing: not known. */
+    /** The degree that holds now, counted from 1. 0 means none. Nothing when it is not known. */
     std::optional<std::uint64_t> (*m_Degree)(const Cli::ObservedDrive&);
     std::span<const Degree> m_Degrees;
     const char* m_EndText;
@@ -53,8 +53,7 @@ struct DegreeRule
 
 std::span<const DegreeRule> degreeRules();
 
-/** Whether a drive warns of nothing, as far as is known: then the plug-in tells that all warnings are over.
- */
+/** Whether the drive has no warning, as far as known. Then the plug-in reports that all warnings are over. */
 bool warnsOfNothing(const Cli::ObservedDrive& drive);
 
 /** A step of a figure. Passing it is told once. */

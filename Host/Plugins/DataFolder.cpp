@@ -93,7 +93,7 @@ void warnOfSettings(const std::filesystem::path& folder, const Warn& warn)
     const std::filesystem::path file = folder / "Ostrel.ini";
     if (TLX::Misc::isSpecialFile(file))
         warn("The settings file " + printable(file.string()) +
-             " is no regular file. It is not read, and the usual values hold.");
+             " is no regular file. It is not read, and the defaults are used.");
 }
 
 void restoreNumbers(const std::filesystem::path& folder, const Warn& warn)
@@ -102,7 +102,7 @@ void restoreNumbers(const std::filesystem::path& folder, const Warn& warn)
         if (const auto damage = PI::restoreAdapterNumbers(numbersFile(folder)))
             warn("Some adapters may get new numbers: " + printable(*damage) + ".");
     } catch (const std::runtime_error& wrong) {
-        warn(std::string("Adapters may have other numbers in this run, which are not kept: ") +
+        warn(std::string("Adapters may have different numbers in this run, and those are not kept: ") +
              printable(wrong.what()) + ".");
     }
 }

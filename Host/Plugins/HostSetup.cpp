@@ -28,7 +28,7 @@ void startTrace(const TraceOptions& trace)
         const bool isUnread = error.code() == std::errc::no_such_device_or_address;
         throw Failure(ExitCode::WrongUsage,
                       "The trace file " + printable(trace.m_File->string()) + " cannot be written: " +
-                          (isUnread ? "nobody reads from it" : error.code().message()) + ".");
+                          (isUnread ? "no program reads from it" : error.code().message()) + ".");
     }
     TLX::Trace::setDefaultMask(trace.m_Mask);
     for (const auto& [module, mask] : trace.m_ModuleMasks)

@@ -24,15 +24,15 @@ struct HostFolders
 
 struct TraceOptions
 {
-    std::uint32_t m_Mask = 0;                             ///< of every module that has none of its own
+    std::uint32_t m_Mask = 0;                             ///< of every module that has no mask of its own
     std::map<std::uint32_t, std::uint32_t> m_ModuleMasks; ///< by module number
-    std::optional<std::filesystem::path> m_File;          ///< none: standard error
+    std::optional<std::filesystem::path> m_File;          ///< none: traces go to standard error
 
-    /** Whether any line is to be written. */
+    /** Whether any trace line may be written. */
     bool wanted() const;
 };
 
-/** The file of the settings in a data folder. */
+/** The settings file in a data folder. */
 std::filesystem::path settingsFile(const std::filesystem::path& data);
 
 /** The share folder that belongs to a program in `programFolder`. */
@@ -42,24 +42,24 @@ std::filesystem::path shareFolder(const std::filesystem::path& programFolder);
 std::filesystem::path installedPlugin(const std::filesystem::path& programFolder);
 
 /**
- * The process as plug-ins expect it: folders known, traces going where they should, the drives read side by
- * side, and a simulated fleet in the machine's place when one was asked for. All of this ends on destruction.
- * One at a time.
+ * Prepares the process as plug-ins expect it. Sets the folders, starts the traces, lets all drives be read
+ * side by side, and puts a simulated fleet in place of the machine if one was asked for. The destructor ends
+ * the traces and the simulation. Only one may exist at a time.
  */
 class HostSetup
 {
 public:
-    /** Throws `Failure` for a trace file, a fleet file or a folder to keep rows in that cannot be used. */
+    /** Throws `Failure` when the trace file, the fleet file or the folder for the rows cannot be used. */
     HostSetup(const HostFolders& folders, const TraceOptions& trace,
               const std::optional<std::filesystem::path>& fleetFile, const Warn& warn);
     ~HostSetup();
     HostSetup(const HostSetup&) = delete;
     HostSetup& operator=(const HostSetup&) = delete;
 
-    /** The right to keep rows; none when nobody wanted to. After a refusal no rows are kept. */
+    /** The right to keep rows. None when this run keeps no rows. After a refusal no rows are kept. */
     const std::optional<DataFolderClaim>& claim() const { return m_Claim; }
 
-    /** The simulated fleet; null when the machine's own drives are shown. */
+    /** The simulated fleet. Null when the machine's own drives are shown. */
     const std::shared_ptr<SimulatedFleet>& fleet() const { return m_Fleet; }
 
     /** What reads the drives; never null. */

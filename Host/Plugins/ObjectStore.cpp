@@ -165,12 +165,10 @@ std::vector<const PI::CObject*> ObjectStore::named(std::string_view name) const
     std::vector<const PI::CObject*> matches = namedByPlace(name);
     if (matches.empty())
         throw Failure(ExitCode::NoSuchObject, "There is no object \"" + printable(name) + "\"." +
-                                                  didYouMean(name, names()) + " These are there:\n" +
-                                                  listing());
+                                                  didYouMean(name, names()) + " These exist:\n" + listing());
     if (matches.size() > 1)
-        throw Failure(ExitCode::WrongUsage, "More than one object goes by \"" + printable(name) +
-                                                "\"; name the one by its identifier. These are there:\n" +
-                                                listing());
+        throw Failure(ExitCode::WrongUsage, "More than one object has the name \"" + printable(name) +
+                                                "\"; use its identifier. These exist:\n" + listing());
     const std::vector<const PI::CObject*> children = childrenOf(*matches.front());
     matches.insert(matches.end(), children.begin(), children.end());
     return matches;

@@ -83,7 +83,7 @@ PluginLibrary::PluginLibrary(const std::filesystem::path& file) : m_File(printab
     }
     if (m_Notified->Init(false, false) != TLX::Threading::WaitResult::Taken)
         throw Failure(ExitCode::RequestFailed,
-                      "The system has no event left for the plug-in " + m_File + ".");
+                      "The system cannot create an event for the plug-in " + m_File + ".");
     create();
 }
 
@@ -117,9 +117,9 @@ void PluginLibrary::create()
     // Even the release of the object may differ in another version. So the object is not released.
     if (plugin->m_Version != IPLUGINAPI::VERSION)
         throw Failure(ExitCode::RequestFailed,
-                      "The plug-in " + m_File + " speaks interface version " +
-                          std::to_string(plugin->m_Version) + ", this program version " +
-                          std::to_string(IPLUGINAPI::VERSION) + ". Use the two from one release.");
+                      "The plug-in " + m_File + " has interface version " +
+                          std::to_string(plugin->m_Version) + ", but this program has version " +
+                          std::to_string(IPLUGINAPI::VERSION) + ". Use both from the same release.");
     m_Plugin = std::unique_ptr<IPLUGINAPI, Release>(plugin, Release{releaseIf});
     m_Plugin->m_HostContext = reinterpret_cast<std::uintptr_t>(m_Notified.get());
     m_Plugin->m_HostCallback = note;

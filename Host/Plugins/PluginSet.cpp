@@ -75,7 +75,7 @@ PluginLibrary& PluginSet::showing(std::uint64_t objectId)
         return plugin.module() == objectId >> MODULE_SHIFT;
     });
     if (found == m_Plugins.end())
-        throw Failure(ExitCode::RequestFailed, "The object belongs to no plug-in that is loaded.");
+        throw Failure(ExitCode::RequestFailed, "No loaded plug-in has this object.");
     return *found;
 }
 

@@ -3,13 +3,12 @@
 
 _ostrel_commands() {
     local -a commands=(
-        'list:One line a drive'
-        'topology:Every object with its properties'
-        'show:The properties of one object'
-        'set:Give a property another value'
-        'watch:Each event of the drives as it comes'
-        'check:A verdict for monitoring systems'
-        'doctor:Check what can be seen here, and why not more'
+        'list:Show one line for each drive'
+        'topology:Show every object with its properties'
+        'show:Show the properties of one object'
+        'set:Set a property to another value'
+        'watch:Print each event of the drives when it comes'
+        'doctor:Check what can be seen here, and say what is wrong'
     )
     _describe -t commands command commands
 }
@@ -23,17 +22,17 @@ _ostrel_arguments() {
 }
 
 local -a own=()
-(( ! $words[(I)watch] )) || own+=('--for[End after so many seconds]:value: ')
+(( ! $words[(I)watch] )) || own+=('--for[End after this number of seconds]:value: ')
 
 _arguments \
     $own \
     '--version[Print the version and exit]' \
     '(-h --help)'{-h,--help}'[Print this help and exit]' \
-    '*--plugin[Plug-in to load beside the installed one]:file:_files' \
-    '--data[Folder of database, adapter numbers and settings]:folder:_files -/' \
+    '*--plugin[Load this plug-in in addition to the installed one]:file:_files' \
+    '--data[Folder for database, adapter numbers and settings]:folder:_files -/' \
     '--simulate[Show the drives that a fleet file describes]:file:_files' \
     '*--trace[Write trace lines of these levels (of module N)]:value: ' \
-    '--trace-file[Where trace lines go instead of standard error]:file:_files' \
-    '--json[Print one JSON document (watch: one object a line)]' \
+    '--trace-file[File for trace lines instead of standard error]:file:_files' \
+    '--json[Print a JSON document (watch: one object per line)]' \
     '1:command:_ostrel_commands' \
     '*:argument:_ostrel_arguments'

@@ -3,6 +3,9 @@
 
 #include <DatabaseORM/StatementBuilder.h>
 
+#include <locale>
+#include <sstream>
+
 using namespace TestSupport;
 using testing::ElementsAre;
 
@@ -45,6 +48,40 @@ TEST_F(Max, ReadsAnUnsigned32BitNumberAsATextStreamDoes)
     EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_ID), 0U);
     EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_ID), 0U);
     EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_ID), 12U);
+}
+
+TEST_F(Max, ReadsOddTextsAsATextStreamDoes)
+{
+    AddSample();
+    for (const char* text : {"",
+                             " ",
+                             "-",
+                             "+",
+                             "-5",
+                             "+7",
+                             "- 5",
+                             "+-5",
+                             "--5",
+                             "007",
+                             "0x10",
+                             "1e3",
+                             "9.9",
+                             "\t\n\v\f\r8",
+                             "-4294967295",
+                             "-4294967296",
+                             "+4294967296",
+                             "4294967295x",
+                             "99999999999999999999999",
+                             "N",
+                             "\xC2\xA0"
+                             "5"}) {
+        std::istringstream stream(text);
+        stream.imbue(std::locale::classic());
+        std::uint32_t expected = 0;
+        stream >> expected;
+        m_Database->Answer({text});
+        EXPECT_EQ(DatabaseORM::max(m_Storage, &Sample::m_ID), expected) << text;
+    }
 }
 
 TEST_F(Max, WrapsAFailureOfTheStatement)

@@ -11,7 +11,7 @@ namespace DocsTest {
  */
 std::map<std::string, std::string> interfaceTables();
 
-/** The definitions that the table of facts gives the schema Docs/Schemas/<schema>.json, by their names. */
+/** The definitions in Docs/Schemas/<schema>.json that are made from the table of facts, by their names. */
 std::map<std::string, std::string> schemaMembers(const std::string& schema);
 
 } // namespace DocsTest

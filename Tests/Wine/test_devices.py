@@ -37,7 +37,7 @@ SHOWN = (
          logs={LEGACY_SMART: legacy_page(90, 99), MARKETING: text_page("Intel Series Series")}),
 )
 
-# None of these yields a disk: they are not the first child, no disk, or have a controller of another driver.
+# None of these provides a disk: they are not the first child, no disk, or have a controller of another driver.
 OTHERS = (
     line(2, "PCI\\CHILDLESS\\1", {SERVICE: "stornvme"}),
     line(2, "PCI\\ENCLOSURE\\1", {SERVICE: "stornvme"}),
@@ -59,7 +59,7 @@ COMPARISONS = 45
 
 
 class Devices(unittest.TestCase):
-    """Twelve disks, each with something of its own, among other devices."""
+    """Twelve disks that all differ, among other devices."""
 
     maxDiff = None
 
@@ -71,7 +71,7 @@ class Devices(unittest.TestCase):
         cls.machine.storage.tree(fleet.tree((*SHOWN, EXCLUDED), OTHERS))
 
     def output(self, *arguments, code=0):
-        """What ostrel printed; it must have ended with that exit code."""
+        """The output of ostrel. It must have ended with this exit code."""
         run = self.machine.ostrel(*arguments)
         self.assertEqual(run.code, code, run.err + run.out)
         return run.out
@@ -108,7 +108,7 @@ class Devices(unittest.TestCase):
         self.assertEqual([each.parents for each in report.of_type(inventory.DRIVE)], [[each.id] for each in adapters])
 
     def test_changed(self):
-        """other pages are seen by the next run, the health of a drive included"""
+        """the next run sees changed pages, also of a drive's health"""
         changed = {disk.number: dict(disk.pages()) for disk in SHOWN}
         for number, disk in enumerate(SHOWN):
             page = bytearray(changed[disk.number][fleet.HEALTH])
@@ -123,7 +123,7 @@ class Devices(unittest.TestCase):
                 self.machine.storage.page(disk, fleet.HEALTH, disk.pages()[fleet.HEALTH])
 
     def test_noticed(self):
-        """the comparison notices each single field of the pages that ostrel tells otherwise"""
+        """the comparison finds each single field that differs between the pages and ostrel"""
         report = inventory.Report(self.output("list", "--json"), self.output("topology", "--json"))
         disk = SHOWN[0]
         told = truth.told(report, disk)
@@ -161,7 +161,7 @@ class Devices(unittest.TestCase):
         self.assertEqual(self.machine.ostrel("show", EXCLUDED.serial).code, 5)
 
     def test_doctor(self):
-        """doctor finds nothing wrong, and tells which controllers are left out and why"""
+        """doctor finds no problem, and names the controllers that are left out and the reason"""
         self.output("doctor")
         checks = stage.document(self.machine.ostrel("doctor", "--json"))["checks"]
         self.assertEqual([check for check in checks if check["result"] == "problem"], [])
@@ -169,12 +169,12 @@ class Devices(unittest.TestCase):
         for check in checks:
             said[check["subject"]] = said.get(check["subject"], "") + check["message"]
         for name in DISKLESS:
-            self.assertIn("yields no disk", said[name])
+            self.assertIn("provides no disk", said[name])
         self.assertIn("left out on purpose", said[f"PCI\\VEN_8086&DEV_0A54\\{EXCLUDED.number}"])
         self.assertIn(f"{len(SHOWN)} adapters", said["inventory"])
 
     def test_requests(self):
-        """one list asks each disk once, the slow one until it answers, and asks for nothing but to read"""
+        """one list queries each disk once, the slow one until it answers, and sends only requests that read"""
         self.machine.storage.forget_requests()
         started = time.monotonic()
         self.output("list")
@@ -206,7 +206,7 @@ class Doors(unittest.TestCase):
     """A disk that has several interfaces."""
 
     def test_several(self):
-        """each interface that can be opened is a line of its own, in their order, all at their controller's place"""
+        """each interface that can be opened has a line of its own, in order, with the location of its controller"""
         inner = Disk(61, "INNER", "Drive", NOBODY, (0, 2, 0, 0))
         outer = Disk(62, "OUTER", "Drive", NOBODY, (0, 1, 0, 0), interfaces=("\\\\?\\nothing", f"\\\\?\\{inner.link}"))
         behind = Disk(63, "BEHIND", "Drive", NOBODY, (0, 3, 0, 0))
@@ -222,13 +222,13 @@ class Doors(unittest.TestCase):
 
 
 class Namespaces(unittest.TestCase):
-    """Drivers that differ in how Identify Namespace has to name its namespace."""
+    """Drivers that expect the namespace of Identify Namespace in different forms."""
 
     REFUSED = 0xC000000D
     DISK = Disk(65, "NAMED", "Drive", NOBODY, (0, 1, 0, 0))
 
     def asked(self, address, accepted):
-        """The statuses of Identify Namespace in one list, where the driver takes one sub-value alone."""
+        """The statuses of Identify Namespace in one list, if the driver accepts only one sub-value."""
         machine = stage.machine()
         machine.equip((self.DISK,))
         machine.storage.how(self.DISK, fleet.ADDRESS_ON_BUS, address)

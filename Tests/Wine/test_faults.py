@@ -64,13 +64,13 @@ class Broken(unittest.TestCase):
         for name, disk in self.DROPPED.items():
             with self.subTest(name):
                 said = said_of(self.doctor, instance(disk))
-                self.assertIn("problem does not say what it is", said)
+                self.assertIn("problem does not identify itself", said)
                 reasons[name] = said.split("problem", 1)[1]
         self.assertNotIn("problem", said_of(self.doctor, instance(self.GOOD)))
         self.assertNotEqual(reasons["refused"], reasons["fewer bytes"])
         self.assertNotEqual(reasons["refused"], reasons["offset outside"])
         self.assertIn("left out", said_of(self.doctor, "numbers"))
-        self.assertIn("locations go by number", said_of(self.doctor, instance(self.BEHIND)))
+        self.assertIn("locations depend on the order of disks", said_of(self.doctor, instance(self.BEHIND)))
 
     def test_tries(self):
         """each of them is asked six times"""

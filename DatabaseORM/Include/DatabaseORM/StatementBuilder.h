@@ -39,24 +39,35 @@ std::uint32_t max(const storage_t& storage, Value Model::*member)
     return firstNumber(runStatement(storage, maxText(tableName<Model>(storage), column), QUERY_FAILED));
 }
 
-/** Adds a row. Returns the identifier that it was given, or 0 when the table has no generated key. */
+/** The texts of the insert of one row. Sends nothing. */
 template<class Model>
-std::int32_t insert(const storage_t& storage, const Model& model)
+insertion_t makeInsertion(const storage_t& storage, const Model& model)
 {
     const auto [map, table] = findMetadata<Model>(storage, NO_MODEL_TO_INSERT);
     std::vector<slot_t> slots = fillSlots(*map, model);
-    std::int32_t identifier = 0;
+    insertion_t insertion;
+    const auto takeKey = [&insertion, &table = *table](slot_t& slot) {
+        insertion.m_Maxima.push_back(maxText(table.Name(), slot.m_Column));
+        slot = {};
+    };
     // The generated key is a 32-bit column at the first position, or a 64-bit one at the last.
     if (table->HasGeneratedKey()) {
         for (const auto& field : map->template Fields<std::int32_t>())
             if (field.m_Position == 0)
-                identifier = takeGeneratedKey(storage, *table, slots.front());
+                takeKey(slots.front());
         for (const auto& field : map->template Fields<std::int64_t>())
             if (field.m_Position == map->Columns() - 1)
-                identifier = takeGeneratedKey(storage, *table, slots.back());
+                takeKey(slots.back());
     }
-    runStatement(storage, insertText(*table, slots), QUERY_FAILED);
-    return identifier;
+    insertion.m_Insert = insertText(*table, slots);
+    return insertion;
+}
+
+/** Adds a row. Returns the identifier that it was given, or 0 when the table has no generated key. */
+template<class Model>
+std::int32_t insert(const storage_t& storage, const Model& model)
+{
+    return runInsertion(storage, makeInsertion(storage, model), QUERY_FAILED);
 }
 
 /** Rewrites the row whose "ID" is the model's key member: the first column, or a 64-bit one at the last. */

@@ -48,10 +48,17 @@ std::vector<std::string> runStatement(const storage_t& storage, const std::strin
 /** The number at the start of a maximum's result; 0 when there is none, all ones when it does not fit. */
 std::uint32_t firstNumber(const std::vector<std::string>& result);
 
+/** The statements that add one row. They may be run any number of times. */
+struct insertion_t
+{
+    std::vector<std::string> m_Maxima; ///< of the generated keys, read before the insert
+    std::string m_Insert;
+};
+
 /**
- * Removes `slot` from the values of an insert and returns the key that the database will assign: one more
- * than the largest in the table. Throws as `runStatement` does.
+ * Runs the statements of `insertion`. Returns the key that the database assigns: one more than the largest in
+ * the table, or 0 without a generated key. Throws as `runStatement` does.
  */
-std::int32_t takeGeneratedKey(const storage_t& storage, const tableBase_t& table, slot_t& slot);
+std::int32_t runInsertion(const storage_t& storage, const insertion_t& insertion, std::string_view context);
 
 } // namespace DatabaseORM

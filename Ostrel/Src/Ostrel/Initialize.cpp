@@ -1,4 +1,5 @@
 #include "Ostrel/PluginApi.h"
+#include "OstrelPhysicalDrive/Row.h"
 #include "Records/Location.h"
 #include "Records/Trace.h"
 
@@ -7,6 +8,7 @@
 
 #include <iterator>
 #include <stdexcept>
+#include <vector>
 
 namespace NAMESPACE_Ostrel {
 namespace {
@@ -107,13 +109,14 @@ std::uint32_t IPLUGINAPI_IMPL::Initialize(std::vector<PI::CAdapterID>& adapterID
 
     // A failure of the database is only traced; the host gets its adapters all the same.
     m_Plugin.m_Children.clear();
+    const std::vector<CDriveRowInsert> drives(m_PhysicalDrives.begin(), m_PhysicalDrives.end());
     (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, m_Plugin);
     for (CNVMeAdapter& adapter : m_Adapters) {
         adapterIDs.push_back(unassignedIdentity(pciLocation(adapter)));
         m_Plugin.m_Children.push_back(adapter.m_ID);
         adapter.m_Parents.push_back(m_Plugin.m_ID);
         (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, adapter);
-        for (const CNVMePhysicalDrive& drive : m_PhysicalDrives)
+        for (const CDriveRowInsert& drive : drives)
             (void)WriteRow(&IPLUGINAPI_IMPL::InsertObjectToDatabase, drive);
     }
 

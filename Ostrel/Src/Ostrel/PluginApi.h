@@ -30,6 +30,8 @@
 
 namespace NAMESPACE_Ostrel {
 
+class CDriveRowInsert;
+
 /**
  * The plug-in object. The host calls only `Request`. The handlers that it dispatches to return a
  * `PI::_ERROR_CODE` and lock what they need. `m_DataLock` is always taken before `m_EventsLock`.
@@ -119,6 +121,8 @@ protected:
     std::uint32_t UpdateObjectInDatabase(const CNVMeAdapter& adapter);
     std::uint32_t DeleteObjectFromDatabase(const CNVMeAdapter& adapter);
     std::uint32_t InsertObjectToDatabase(const CNVMePhysicalDrive& drive);
+    /** The same for a drive that is inserted many times. */
+    std::uint32_t InsertObjectToDatabase(const CDriveRowInsert& insert);
     std::uint32_t UpdateObjectInDatabase(const CNVMePhysicalDrive& drive);
     /** Makes `row` afresh from `adapter`. */
     std::uint32_t SetDatabaseObjectProperties(RaidDataModels::Adapter& row, const CNVMeAdapter& adapter);

@@ -31,6 +31,8 @@ template bool IPLUGINAPI_IMPL::WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*)(const
                                         const CNVMeAdapter&);
 template bool IPLUGINAPI_IMPL::WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*)(const CNVMePhysicalDrive&),
                                         const CNVMePhysicalDrive&);
+template bool IPLUGINAPI_IMPL::WriteRow(std::uint32_t (IPLUGINAPI_IMPL::*)(const CDriveRowInsert&),
+                                        const CDriveRowInsert&);
 
 std::uint32_t IPLUGINAPI_IMPL::InsertObjectToDatabase(const CNVMePlugin& plugin)
 {
@@ -65,6 +67,11 @@ std::uint32_t IPLUGINAPI_IMPL::DeleteObjectFromDatabase(const CNVMeAdapter& adap
 std::uint32_t IPLUGINAPI_IMPL::InsertObjectToDatabase(const CNVMePhysicalDrive& drive)
 {
     return insertRow(*m_Database, drive);
+}
+
+std::uint32_t IPLUGINAPI_IMPL::InsertObjectToDatabase(const CDriveRowInsert& insert)
+{
+    return insert.Run(*m_Database);
 }
 
 std::uint32_t IPLUGINAPI_IMPL::UpdateObjectInDatabase(const CNVMePhysicalDrive& drive)

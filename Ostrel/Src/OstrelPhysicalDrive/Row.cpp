@@ -76,12 +76,17 @@ constexpr CRowTrace INSERT = {"PD (%s) inserted to db.",
 constexpr CRowTrace UPDATE = {"PD (%s) updated in db.",
                               "Storage query exception thrown during updating PD (%s) in db. (%s)"};
 
+void traceFilling()
+{
+    OSTREL_TRACE_WITHIN(TRACE_FLOW, "SetDatabaseObjectProperties")
+        << "ENTER SetDatabaseObjectProperties (PhysicalDisk)";
+}
+
 } // namespace
 
 std::uint32_t setRowProperties(PD& row, const CNVMePhysicalDrive& drive)
 {
-    OSTREL_TRACE_WITHIN(TRACE_FLOW, "SetDatabaseObjectProperties")
-        << "ENTER SetDatabaseObjectProperties (PhysicalDisk)";
+    traceFilling();
     row = PD();
     row.m_HostName = RaidDataModels::LOCAL_HOST;
     row.m_DriveKey = keyText(drive);
@@ -91,13 +96,23 @@ std::uint32_t setRowProperties(PD& row, const CNVMePhysicalDrive& drive)
 
 std::uint32_t insertRow(const DatabaseORM::storage_t& storage, const CNVMePhysicalDrive& drive)
 {
+    return CDriveRowInsert(drive).Run(storage);
+}
+
+std::uint32_t CDriveRowInsert::Run(const DatabaseORM::storage_t& storage) const
+{
     const auto insert = [&] {
-        PD row;
-        (void)setRowProperties(row, drive);
-        (void)DatabaseORM::insert(storage, row);
+        if (m_Insertion) {
+            traceFilling();
+        } else {
+            PD row;
+            (void)setRowProperties(row, *m_Drive);
+            m_Insertion = DatabaseORM::makeInsertion(storage, row);
+        }
+        (void)DatabaseORM::runInsertion(storage, *m_Insertion, DatabaseORM::QUERY_FAILED);
         return true;
     };
-    return runOnRow(OSTREL_WITHIN("InsertObjectToDatabase"), INSERT, insert, drive.m_ProductName);
+    return runOnRow(OSTREL_WITHIN("InsertObjectToDatabase"), INSERT, insert, m_Drive->m_ProductName);
 }
 
 std::uint32_t updateRow(const DatabaseORM::storage_t& storage, const CNVMePhysicalDrive& drive)

@@ -143,13 +143,14 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
         EXPECT_THAT(refusalOf({"watch", "--for", seconds}),
                     HasSubstr("is not a number from 0 to 4294967295"));
     EXPECT_THAT(refusalOf({"list", "--for", "1"}), HasSubstr("--for"));
-    EXPECT_THAT(refusalOf({"list", "extra"}), StartsWith("\"extra\" is one argument too many."));
+    EXPECT_THAT(refusalOf({"list", "extra"}), StartsWith("\"extra\" is not expected here."));
     EXPECT_THAT(refusalOf({"list", "--colour"}), HasSubstr("--colour"));
     EXPECT_THAT(refusalOf({"show"}), HasSubstr("OBJECT is required"));
     EXPECT_THAT(refusalOf({"list", "topology"}), HasSubstr("topology"));
     EXPECT_THAT(refusalOf({"list", "--simulate"}), StartsWith("--simulate needs a value."));
     EXPECT_THAT(refusalOf({"watch", "--for"}), StartsWith("--for needs a value."));
-    EXPECT_THAT(refusalOf({"list", "--data", "a", "--data", "b"}), StartsWith("--data may be given once."));
+    EXPECT_THAT(refusalOf({"list", "--data", "a", "--data", "b"}),
+                StartsWith("--data may be given only once."));
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"list", "--json=false"}, {"--json=1", "list"}})
         EXPECT_THAT(refusalOf(words), StartsWith("--json takes no value."));
@@ -162,7 +163,7 @@ TEST(CommandLine, RefusesWhatItDoesNotUnderstand)
 
 TEST(CommandLine, SuggestsWhatWasMeant)
 {
-    const std::string help = " \"ostrel --help\" tells what there is.";
+    const std::string help = " \"ostrel --help\" shows the usage.";
     EXPECT_EQ(refusalOf({"lst"}), "There is no command \"lst\". Did you mean \"list\"?" + help);
     EXPECT_EQ(refusalOf({"remove"}), "There is no command \"remove\"." + help);
     for (const std::vector<std::string>& words : {std::vector<std::string>{"--simulte", "f.json", "list"},
@@ -176,14 +177,14 @@ TEST(CommandLine, SuggestsWhatWasMeant)
 
 TEST(CommandLine, PointsToTheHelpOfTheCommandWhoseWordsAreWrong)
 {
-    EXPECT_THAT(refusalOf({"show"}), EndsWith(" \"ostrel show --help\" tells what there is."));
-    EXPECT_THAT(refusalOf({"list", "--trace", "x"}), EndsWith(" \"ostrel --help\" tells what there is."));
-    EXPECT_THAT(refusalOf({"list", "extra"}), EndsWith(" \"ostrel list --help\" tells what there is."));
+    EXPECT_THAT(refusalOf({"show"}), EndsWith(" \"ostrel show --help\" shows the usage."));
+    EXPECT_THAT(refusalOf({"list", "--trace", "x"}), EndsWith(" \"ostrel --help\" shows the usage."));
+    EXPECT_THAT(refusalOf({"list", "extra"}), EndsWith(" \"ostrel list --help\" shows the usage."));
 }
 
 TEST(CommandLine, SaysWhereACommandsOwnOptionBelongs)
 {
-    const std::string help = " \"ostrel --help\" tells what there is.";
+    const std::string help = " \"ostrel --help\" shows the usage.";
     for (const std::vector<std::string>& words :
          {std::vector<std::string>{"--for", "1", "watch"}, {"--for", "1"}, {"list", "--for", "1"}})
         EXPECT_EQ(refusalOf(words), "The option \"--for\" belongs after the command \"watch\"." + help);
@@ -197,9 +198,9 @@ TEST(CommandLine, RefusesPathsWithoutAName)
         EXPECT_THAT(refusalOf({"list", option, "", "--trace", "1"}),
                     StartsWith(std::string(option) + ": needs a name, not an empty text"));
     EXPECT_EQ(refusalOf({"--data=", "list"}),
-              "The option \"--data\" has no value after \"=\". \"ostrel --help\" tells what there is.");
+              "The option \"--data\" has no value after \"=\". \"ostrel --help\" shows the usage.");
     EXPECT_EQ(refusalOf({"list", "--trace="}),
-              "The option \"--trace\" has no value after \"=\". \"ostrel --help\" tells what there is.");
+              "The option \"--trace\" has no value after \"=\". \"ostrel --help\" shows the usage.");
 }
 
 TEST(CommandLine, AWordForgesNoLineOfARefusal)
@@ -234,7 +235,7 @@ TEST(CommandLine, HelpIsThereForTheProgramAndEveryCommand)
         EXPECT_THAT(text, HasSubstr("Examples:"));
         EXPECT_THAT(text, EndsWith("\n"));
         EXPECT_THAT(text, HasSubstr("--json "));
-        EXPECT_THAT(text, HasSubstr("All options of \"ostrel --help\""));
+        EXPECT_THAT(text, HasSubstr("The options of \"ostrel --help\""));
     }
 }
 

@@ -72,7 +72,7 @@ TEST(CheckControllers, NamesEachReasonWhyOneIsNotShown)
     const std::vector<Check> checks = checkControllers(states);
     EXPECT_THAT(checks,
                 ElementsAre(finding(Finding::Ok, "/dev/nvme0n1 at 0000:10:1f.1, driver nvme, live"),
-                            finding(Finding::Note, "yields no disk at 0000:20:1f.1: it has no namespace"),
+                            finding(Finding::Note, "provides no disk at 0000:20:1f.1: it has no namespace"),
                             finding(Finding::Note, "attached by tcp"),
                             finding(Finding::Problem, "no permission to open /dev/nvme3"),
                             finding(Finding::Problem, "/dev/nvme4 cannot be opened: there is no such")));
@@ -101,14 +101,14 @@ TEST(CheckControllers, HavingNoneOrNoDiskIsAProblem)
             AllOf(finding(Finding::Problem, part), Field(&Check::m_ExitCode, ExitCode::NoHardware)));
     };
     EXPECT_THAT(checkAnyDisk({}, false, nullptr), reason("the system knows no NVMe controller"));
-    EXPECT_THAT(checkAnyDisk({}, true, nullptr), reason("none that the NVMe driver serves"));
-    EXPECT_THAT(checkAnyDisk({state}, true, nullptr), reason("none of them yields a disk"));
+    EXPECT_THAT(checkAnyDisk({}, true, nullptr), reason("uses none of the controllers"));
+    EXPECT_THAT(checkAnyDisk({state}, true, nullptr), reason("none of them provides a disk"));
     EXPECT_TRUE(checkAnyDisk({stateOf(0), state}, true, nullptr).empty());
 
     const TestSupport::CTemporaryFolder folder;
     const Host::SimulatedFleet fleet(folder.Write("empty.json", R"({"controllers": []})"), nullptr);
     const std::vector<Check> empty = checkAnyDisk({}, false, &fleet);
-    EXPECT_THAT(empty, reason("empty.json holds no controller"));
+    EXPECT_THAT(empty, reason("empty.json contains no controller"));
     EXPECT_THAT(empty[0].m_Remedy, HasSubstr("DemoFleet.json"));
 }
 
@@ -172,9 +172,9 @@ TEST_F(CheckInventoryTest, TellsOfADroppedDiskAndTheNumbersBehindIt)
     HostTest::DriveObjects shifted(16, "B", "/dev/nvme1n1");
     EXPECT_THAT(check({stateOf(0), stateOf(1)}, {shifted}),
                 ElementsAre(finding(Finding::Note, "is left out on purpose"),
-                            AllOf(finding(Finding::Note, "sits at 0000:20:1f.1, but is shown at PCI:Bus=16&"),
-                                  finding(Finding::Note, "a disk before it was left out")),
-                            finding(Finding::Note, "shift the numbers")));
+                            AllOf(finding(Finding::Note, "is at 0000:20:1f.1, but is shown at PCI:Bus=16&"),
+                                  finding(Finding::Note, "earlier disk was left out")),
+                            finding(Finding::Note, "have other numbers")));
 }
 
 TEST_F(CheckInventoryTest, TellsOfADiskShownInAnotherSegment)
@@ -182,7 +182,7 @@ TEST_F(CheckInventoryTest, TellsOfADiskShownInAnotherSegment)
     TLXX::CControllerState state = stateOf(0);
     state.m_Location->m_Segment = 1;
     EXPECT_THAT(check({state}, {m_First}),
-                ElementsAre(AllOf(finding(Finding::Note, "sits at 0001:10:1f.1, but is shown at PCI:Bus=16&"),
+                ElementsAre(AllOf(finding(Finding::Note, "is at 0001:10:1f.1, but is shown at PCI:Bus=16&"),
                                   Not(finding(Finding::Note, "left out")))));
 }
 
@@ -198,10 +198,10 @@ TEST_F(CheckInventoryTest, TellsWhyADiskIsMissingByWhatItAnswered)
     drives.readHealth(1);
     const std::vector<Check> checks = check({stateOf(0), stateOf(1), stateOf(9)}, {});
     EXPECT_THAT(checks,
-                ElementsAre(finding(Finding::Problem, "does not say what it is: " + TLXX::statusText(5)),
+                ElementsAre(finding(Finding::Problem, "does not identify itself: " + TLXX::statusText(5)),
                             finding(Finding::Note, "is left out on purpose"),
-                            finding(Finding::Note, "came or went while the inventory was taken"),
-                            finding(Finding::Note, "shift the numbers")));
+                            finding(Finding::Note, "came or went during the inventory"),
+                            finding(Finding::Note, "have other numbers")));
 }
 
 TEST_F(CheckInventoryTest, DoesNotMissADiskThatRefusesThisUser)
@@ -234,7 +234,7 @@ TEST_F(CheckInventoryTest, ALogWithoutATemperatureIsNoLogThatWasNotRead)
 {
     m_First.remove(PI::PROP_DRIVE_TEMPERATURE);
     EXPECT_THAT(check({stateOf(0)}, {m_First}),
-                ElementsAre(finding(Finding::Note, "its health log holds no temperature")));
+                ElementsAre(finding(Finding::Note, "its health log contains no temperature")));
 }
 
 TEST_F(CheckInventoryTest, SaysNothingOfDrivesThatAreNotTheSystems)
@@ -252,11 +252,10 @@ TEST_F(CheckInventoryTest, NamesDrivesThatShareALocationOrASerialNumber)
     second.m_Location = TLXX::CPciLocation{0x10000, 16, 0x1f, 1};
     HostTest::DriveObjects same(16, "B", "/dev/nvme1n1");
     const std::vector<Check> checks = check({stateOf(0), second}, {m_First, same});
-    EXPECT_THAT(
-        checks,
-        ElementsAre(AllOf(finding(Finding::Note, "sits at 10000:10:1f.1, but is shown at PCI:Bus=16&"),
-                          finding(Finding::Note, "locations leave the PCI segment out")),
-                    finding(Finding::Note, "share the location PCI:Bus=16&Device=0&Function=0")));
+    EXPECT_THAT(checks,
+                ElementsAre(AllOf(finding(Finding::Note, "is at 10000:10:1f.1, but is shown at PCI:Bus=16&"),
+                                  finding(Finding::Note, "locations do not contain the PCI segment")),
+                            finding(Finding::Note, "share the location PCI:Bus=16&Device=0&Function=0")));
     EXPECT_EQ(checks[1].m_Subject, "nvme0n1, nvme1n1");
 
     const HostTest::DriveObjects twin(32, "A", "/dev/nvme1n1");
@@ -277,7 +276,7 @@ TEST_F(CheckInventoryTest, TellsOfNamespacesWithoutCapacity)
             HostTest::property(PI::PROP_BLOCK_SIZE, PI::UNIT_BYTES, blockSize));
         return check({stateOf(0)}, {objects});
     };
-    EXPECT_THAT(with(0, 512), ElementsAre(finding(Finding::Note, "holds no blocks")));
+    EXPECT_THAT(with(0, 512), ElementsAre(finding(Finding::Note, "contains no blocks")));
     drives.readNamespace(0);
     EXPECT_THAT(with(0, 0), ElementsAre(finding(Finding::Problem, "block format is unset or out of range")));
     drives.m_Fakes.At(0).m_NamespaceStatuses = {5};
@@ -309,9 +308,9 @@ TEST(CheckRefusal, NamesTheDrivesOnWhichThePluginMayHaveFailed)
     states.push_back(stateOf(0));
     states.back().m_AccessStatus = NO_PERMISSION;
     const std::vector<Check> checks = checkRefusal(states, {4, 20000});
-    EXPECT_THAT(checks, ElementsAre(finding(Finding::Problem, "model is \"INTEL\", the maker's name alone"),
+    EXPECT_THAT(checks, ElementsAre(finding(Finding::Problem, "model is \"INTEL\", only the maker's name"),
                                     finding(Finding::Problem, "model is \"SAMSUNG\""),
-                                    finding(Finding::Problem, "does not say what it is")));
+                                    finding(Finding::Problem, "does not identify itself")));
     EXPECT_EQ(checks[0].m_Subject, "nvme0");
 }
 
@@ -323,7 +322,7 @@ TEST(CheckRefusal, SaysOfEachDiskWhyNoneIsSupported)
     drives.identify(1);
     EXPECT_THAT(checkRefusal({stateOf(0), stateOf(1)}, {1, 20001}),
                 ElementsAre(finding(Finding::Note, "is left out on purpose"),
-                            finding(Finding::Problem, "does not say what it is")));
+                            finding(Finding::Problem, "does not identify itself")));
 }
 
 } // namespace

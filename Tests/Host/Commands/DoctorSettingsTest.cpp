@@ -19,12 +19,12 @@ using testing::HasSubstr;
 TEST(CheckSettings, TellsOfAFileThatIsIgnored)
 {
     const TestSupport::CTemporaryFolder folder;
-    EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Ok, "Ostrel.ini, so the usual values hold"));
+    EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Ok, "Ostrel.ini, so the defaults are used"));
     folder.Write("Ostrel.ini", "PollInterval=45\n");
     EXPECT_THAT(checkSettings(folder.Path()), finding(Finding::Ok, "Ostrel.ini"));
     folder.Write("Ostrel.ini", std::string("PollInterval=45\n\0", 17));
     const Check torn = checkSettings(folder.Path());
-    EXPECT_THAT(torn, finding(Finding::Problem, "holds zero bytes"));
+    EXPECT_THAT(torn, finding(Finding::Problem, "contains zero bytes"));
     EXPECT_THAT(torn.m_Remedy, HasSubstr("Write it again"));
     std::filesystem::remove(folder.Path() / "Ostrel.ini");
     std::filesystem::create_directory(folder.Path() / "Ostrel.ini");
@@ -43,16 +43,16 @@ TEST(CheckSettings, TellsOfAnIntervalThatIsNotTakenAsItStands)
     for (const char* bad : {"", "abc", "30 s", "45 ", "1.5", "4294967296"}) {
         folder.Write("Ostrel.ini", std::string("PollInterval=") + bad + "\n");
         const Check check = checkSettings(folder.Path());
-        EXPECT_THAT(check,
-                    finding(Finding::Problem, "PollInterval is \"" + std::string(bad) +
-                                                  "\", no whole number, so the usual value, 30, holds"))
+        EXPECT_THAT(
+            check, finding(Finding::Problem, "PollInterval is \"" + std::string(bad) +
+                                                 "\", which is no whole number, so the default, 30, is used"))
             << bad;
         EXPECT_THAT(check.m_Remedy, HasSubstr("from 2 to 255"));
     }
     for (const auto& [far, near] : {std::pair("0", "2"), {"1", "2"}, {"256", "255"}, {"-5", "255"}}) {
         folder.Write("Ostrel.ini", std::string("PollInterval=") + far + "\n");
         EXPECT_THAT(checkSettings(folder.Path()),
-                    finding(Finding::Problem, "nearest possible value, " + std::string(near) + ", holds"))
+                    finding(Finding::Problem, "nearest possible value, " + std::string(near) + ", is used"))
             << far;
     }
     folder.Write("Ostrel.ini", "PolInterval=45\n");
@@ -100,7 +100,7 @@ TEST_F(CheckKeptRows, SaysWhenNoneCouldBeMade)
     for (const char* name : {"Ostrel.db", "a/Ostrel.db", "a/b/Ostrel.db"}) {
         const Check check = checkKeptRows(blocked / name);
         EXPECT_THAT(check,
-                    finding(Finding::Problem, "none can be made: " + blocked.string() + " is no folder"));
+                    finding(Finding::Problem, "it cannot be created: " + blocked.string() + " is no folder"));
         EXPECT_EQ(check.m_ExitCode, ExitCode::RequestFailed);
         EXPECT_THAT(check.m_Remedy, HasSubstr("--data"));
     }
@@ -111,7 +111,8 @@ TEST_F(CheckKeptRows, LooksAndLeavesNothingBehind)
     make("SELECT 1");
     const std::vector<std::string> before = folder();
     EXPECT_THAT(before, testing::SizeIs(1));
-    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, file().string() + ", which this run leaves"));
+    EXPECT_THAT(checkKeptRows(file()),
+                finding(Finding::Ok, file().string() + "; this run does not change it"));
     EXPECT_EQ(folder(), before);
 }
 
@@ -122,7 +123,7 @@ TEST_F(CheckKeptRows, ReadsBesideWhoeverWrites)
     const auto database = getDatabasePointer();
     (void)database->m_Access->query("BEGIN IMMEDIATE; CREATE TABLE Other (ID INTEGER)");
     // Content that is not yet in the file itself also counts: the tables are only in the log beside it.
-    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "which this run leaves"));
+    EXPECT_THAT(checkKeptRows(file()), finding(Finding::Ok, "this run does not change it"));
     (void)database->m_Access->query("COMMIT; DROP TABLE Plugin");
     EXPECT_THAT(checkKeptRows(file()), finding(Finding::Problem, "there is no table Plugin"));
 }

@@ -116,7 +116,7 @@ TEST_F(SetCommandTest, SaysWhenTheSettingsCannotBeWritten)
 TEST_F(SetCommandTest, SaysWhenTheSettingsAreTornOrTheirFolderIsMissing)
 {
     m_Folder.Write("Ostrel.ini", std::string("PollInterval=45\n\0", 17));
-    EXPECT_THAT(failureOf(0, PI::PROP_POLL_INTERVAL, "60").what(), HasSubstr("it holds zero bytes"));
+    EXPECT_THAT(failureOf(0, PI::PROP_POLL_INTERVAL, "60").what(), HasSubstr("it contains zero bytes"));
     std::filesystem::remove_all(m_Folder.Path());
     // The system's text for the error is between the two.
     const std::string said = failureOf(0, PI::PROP_POLL_INTERVAL, "60").what();

@@ -121,8 +121,7 @@ TEST_F(ShowCommandTest, SuggestsAPropertyWithANearName)
         namedProperty(m_Both, "capcity");
         ADD_FAILURE();
     } catch (const Host::Failure& failure) {
-        EXPECT_THAT(failure.what(),
-                    HasSubstr("\"capcity\" here. Did you mean \"Capacity\"? These are there:\n"));
+        EXPECT_THAT(failure.what(), HasSubstr("\"capcity\" here. Did you mean \"Capacity\"? These exist:\n"));
     }
 }
 
@@ -139,8 +138,8 @@ TEST_F(ShowCommandTest, SaysWhatIsWrongAndWhatToDo)
     EXPECT_THAT(
         Host::Cli::showText(Host::ObjectStore(HostTest::topologyOf({m_Objects})), m_Both, {}),
         HasSubstr("\n\n  Property 30165: Available spare below its threshold\n"
-                  "    The blocks that the drive keeps to replace worn ones are nearly used up. When they "
-                  "are gone it stops taking data. Back up what is on the drive now, and replace it.\n"
+                  "    The blocks that the drive keeps to replace worn ones are nearly used up. When none "
+                  "is left, it stops taking data. Back up what is on the drive now, and replace it.\n"
                   "  Property 30165: Media is read-only\n"));
 }
 
@@ -149,7 +148,7 @@ TEST_F(ShowCommandTest, FoldsItsSentencesOnATerminalAlone)
     EXPECT_THAT(Host::Cli::showText(Host::ObjectStore(HostTest::topologyOf({m_Objects})), m_Both,
                                     Host::Cli::Screen{40, false}),
                 HasSubstr("\n    The blocks that the drive keeps to\n    replace worn ones are nearly used\n"
-                          "    up. When they are gone it stops\n"));
+                          "    up. When none is left, it stops\n"));
 }
 
 TEST_F(ShowCommandTest, SaysWhereTheEndOfLifeComesFrom)

@@ -76,7 +76,7 @@ TEST_F(RowsOfAnOrdinaryUser, CannotBeMadeWhereThatUserMayNotWrite)
     mode(m_Data, 0555);
     for (const char* name : {"Ostrel.db", "a/b/Ostrel.db"})
         EXPECT_THAT(check(m_Data / name),
-                    refusal("none can be made: " + m_Data.string() + ": Permission denied"));
+                    refusal("it cannot be created: " + m_Data.string() + ": Permission denied"));
 }
 
 TEST_F(RowsOfAnOrdinaryUser, CannotBeReadWithoutPermission)
@@ -123,7 +123,8 @@ TEST(PlaceOfRows, ALinkToNothingIsNoMissingFile)
     const TestSupport::CTemporaryFolder folder;
     const std::filesystem::path link = folder.Path() / "Ostrel.db";
     std::filesystem::create_symlink(folder.Path() / "nothing", link);
-    EXPECT_THAT(checkKeptRows(link), finding(Finding::Note, link.string() + " is a link to nothing"));
+    EXPECT_THAT(checkKeptRows(link),
+                finding(Finding::Note, link.string() + " is a link to a file that does not exist"));
 }
 
 TEST(PlaceOfRows, ALinkToNothingIsInTheWayOfAFolder)
@@ -132,7 +133,7 @@ TEST(PlaceOfRows, ALinkToNothingIsInTheWayOfAFolder)
     const std::filesystem::path link = folder.Path() / "link";
     std::filesystem::create_symlink(folder.Path() / "nothing", link);
     EXPECT_THAT(checkKeptRows(link / "Ostrel.db"),
-                finding(Finding::Problem, "none can be made: " + link.string() + ": No such file"));
+                finding(Finding::Problem, "it cannot be created: " + link.string() + ": No such file"));
 }
 
 } // namespace

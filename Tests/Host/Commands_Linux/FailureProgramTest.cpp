@@ -74,7 +74,7 @@ TEST(ProgramFailure, ReportsAModelThatThePluginCannotCutAsAFailedRequest)
     const ProgramResult doctor = runProgram(simulated({"doctor"}, fleet));
     EXPECT_EQ(doctor.m_ExitCode, 1);
     EXPECT_THAT(doctor.m_Output,
-                HasSubstr("PROBLEM  /dev/nvme0n1: its model is \"INTEL\", the maker's name alone"));
+                HasSubstr("PROBLEM  /dev/nvme0n1: its model is \"INTEL\", only the maker's name"));
 }
 
 TEST(ProgramFailure, AFleetFilesKeysForgeNoLines)
@@ -171,7 +171,7 @@ TEST(ProgramFailure, RefusesPipesInThePlaceOfFiles)
     const ProgramResult trace = runProgram(simulated({"list", "--trace", "2", "--trace-file", pipe}));
     EXPECT_EQ(trace.m_ExitCode, 2);
     EXPECT_EQ(trace.m_Errors,
-              "ostrel: The trace file " + pipe + " cannot be written: nobody reads from it.\n");
+              "ostrel: The trace file " + pipe + " cannot be written: no program reads from it.\n");
     const ProgramResult list = runProgram(simulated({"list", "--data", folder.Path()}));
     EXPECT_EQ(list.m_ExitCode, 0);
     for (const char* name : {"Ostrel.ini", "AdapterNumbers.txt"})

@@ -50,7 +50,7 @@ TEST(ProgramPlugins, RefusesAPluginOfAnotherVersion)
 {
     const ProgramResult result = runProgram({"list", "--plugin", Built::WRONG_VERSION_PLUGIN});
     EXPECT_EQ(result.m_ExitCode, 1);
-    EXPECT_THAT(result.m_Errors, HasSubstr("speaks interface version 3, this program version 2"));
+    EXPECT_THAT(result.m_Errors, HasSubstr(" has interface version 3, but this program has version 2"));
 }
 
 TEST(ProgramPlugins, TracesToStandardErrorOrAFile)

@@ -189,7 +189,7 @@ TEST_F(WatchNewsTest, TheStatusLineCountsSickDrives)
 {
     fleet({drive("A", 1, 0x08), drive("B", 2)});
     RunningProgram program(arguments(), 70);
-    program.awaitResult("2 drives, 1 sick, next poll at ");
+    program.awaitResult("2 drives, 1 unhealthy, next poll at ");
     program.awaitMessage("adapter count is");
     fleet({drive("A", 1), drive("B", 2)});
     program.awaitResult("2 drives, next poll at ");

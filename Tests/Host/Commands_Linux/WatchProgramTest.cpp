@@ -165,8 +165,9 @@ TEST_F(WatchProgram, StopsThePluginWhenNobodyReadsItsEvents)
 TEST_F(WatchProgram, ReportsMissingHardwareInOneLine)
 {
     fleet({});
-    const ProgramResult result = runProgram(arguments({"--json"}));
-    EXPECT_EQ(result.m_ExitCode, 3);
+    const ProgramResult result = runProgram(arguments({"--json", "--for", "0"}));
+    EXPECT_EQ(result.m_ExitCode, 3) << "nobody waits longer than --for says";
+    EXPECT_THAT(result.m_Errors, HasSubstr("Waiting for the first drive."));
     EXPECT_EQ(std::count(result.m_Output.begin(), result.m_Output.end(), '\n'), 1);
     EXPECT_EQ(json::parse(result.m_Output)["error"]["code"], 20001);
 }
@@ -198,7 +199,7 @@ TEST_F(WatchProgram, ATerminalHasAStatusLineBelowTheEvents)
     program.awaitResult("\033[K20");
     EXPECT_THAT(program.awaitResult("\n"), HasSubstr(" was added. (nvme1n1)"));
     program.awaitResult("\033[33mWarning\033[0m");
-    program.awaitResult("2 drives, 1 sick, next poll at ");
+    program.awaitResult("2 drives, 1 unhealthy, next poll at ");
     program.send(SIGTERM);
     const ProgramResult end = program.finish();
     EXPECT_EQ(end.m_ExitCode, 0);
@@ -227,6 +228,42 @@ TEST_F(WatchProgram, ATerminalWithoutEscapesHasNoStatusLine)
     EXPECT_THAT(program.awaitResult("\n"), AllOf(StartsWith("20"), Not(HasSubstr("\033"))));
     program.send(SIGTERM);
     EXPECT_THAT(program.finish().m_Output, IsEmpty());
+}
+
+TEST_F(WatchProgram, WaitsForTheFirstDrive)
+{
+    fleet({});
+    RunningProgram program(arguments({"--json"}));
+    program.awaitMessage("Waiting for the first drive.");
+    fleet({{1, "A"}});
+    program.awaitMessage("adapter count is 1");
+    fleet({{1, "A", 0x04}});
+    EXPECT_EQ(nextEvent(program)["id"], 11088);
+    program.send(SIGTERM);
+    EXPECT_EQ(program.finish().m_ExitCode, 0);
+}
+
+TEST_F(WatchProgram, ADriveThatHangsHidesNoOtherAndDelaysNoEnd)
+{
+    fleet({{1, "A"}, {2, "B"}});
+    RunningProgram program(arguments({"--json"}));
+    awaitInventory(program);
+    const auto drive = [](const std::string& serial, const std::string& more) {
+        return R"({"identify": {"vendorId": 1, "model": "M", "serial": ")" + serial +
+               R"("}, "namespace": {"blocks": 2048}, )" + more + "}";
+    };
+    m_Fleet.Write("next", R"({"controllers": [)" +
+                              drive("A", R"("hangs": true, "health": {"temperature": 20})") + ", " +
+                              drive("B", R"("health": {"temperature": 20, "criticalWarning": 4})") + "]}");
+    std::filesystem::rename(m_Fleet.Path() / "next", m_Fleet.Path() / "fleet.json");
+    json told = nextEvent(program);
+    while (told["id"] != 11088)
+        told = nextEvent(program);
+    EXPECT_EQ(told["drive"]["serial"], "B");
+    program.send(SIGTERM);
+    const ProgramResult end = program.finish();
+    EXPECT_EQ(end.m_ExitCode, 0) << end.m_Errors;
+    EXPECT_THAT(end.m_Output, Not(HasSubstr("11094"))) << "a silent drive is not gone";
 }
 
 TEST_F(WatchProgram, ASecondSignalEndsAtOnce)
@@ -269,7 +306,7 @@ TEST_F(WatchProgram, IsRefusedALockThatCannotBeOpened)
     const ProgramResult list =
         runProgram({"list", "--data", m_Data.Path(), "--simulate", m_Fleet.Path() / "fleet.json"});
     EXPECT_EQ(list.m_ExitCode, 0);
-    EXPECT_THAT(list.m_Errors, HasSubstr(". This run leaves them as they are.\n"));
+    EXPECT_THAT(list.m_Errors, HasSubstr(". This run does not change that data.\n"));
     EXPECT_FALSE(std::filesystem::exists(m_Data.Path() / "Ostrel.db"));
 }
 
@@ -340,9 +377,9 @@ TEST_F(WatchProgram, KeepsTheDataFolderToItself)
     EXPECT_THAT(list.m_Output, HasSubstr(" C "));
     EXPECT_THAT(list.m_Errors,
                 testing::ContainsRegex("ostrel: Another ostrel, process [0-9]+, keeps its data in "
-                                       ".*\\. This run leaves them as they are\\.\n"));
+                                       ".*\\. This run does not change that data\\.\n"));
     const ProgramResult doctor = runProgram({"doctor", "--data", m_Data.Path(), "--simulate", others});
-    EXPECT_THAT(doctor.m_Output, HasSubstr("Ostrel.db, which this run leaves as it is\n"));
+    EXPECT_THAT(doctor.m_Output, HasSubstr("Ostrel.db; this run does not change it\n"));
     EXPECT_EQ(query("SELECT ID FROM Plugin; SELECT ID FROM Adapter"), before);
 
     const ProgramResult second = runProgram(arguments({"--for", "0"}));

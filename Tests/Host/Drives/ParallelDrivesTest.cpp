@@ -240,6 +240,7 @@ TEST_F(ParallelDrivesTest, ADriveThatNeverAnsweredIsTriedSixTimesAndLeftOut)
     EXPECT_EQ(answerOf("a").m_SerialNumber, "S of the system");
     EXPECT_EQ(answerOf("a").m_Model, "Model of the system");
     EXPECT_EQ(answerOf("a").m_LastAnswer, std::nullopt);
+    EXPECT_EQ(TLXX::lastStatus("a", EQuery::IdentifyController), 0x10006U);
     EXPECT_EQ(answerOf("a").m_Status, 0x10006U);
 
     EXPECT_EQ(timeOfRound(), 0U) << "later it is tried once in each round";

@@ -78,7 +78,7 @@ TEST_F(EndOfLifeTest, IsThatOfTheDrivesOwnCountWhereThatEndsFirst)
     EXPECT_EQ(end.m_RemainingHours, 3U * 8766);
     EXPECT_THAT(
         endOfLifeText(end),
-        HasSubstr("own count of wear, 25% now, is at its end in 3.0 years, before the rating is reached."));
+        HasSubstr("own count of wear, 25% now, reaches 100% in 3.0 years, before the rating is reached."));
     const EndOfLife unrated = explained(drive(8766, 10, 50, "2027-01-01", "UNKNOWN"));
     EXPECT_EQ(unrated.m_Limit, Limit::Wear);
     EXPECT_EQ(unrated.m_Rating, std::nullopt);

@@ -121,7 +121,7 @@ TEST(ExplainedCodes, SayThatTheLogWithTheWearWasNotRead)
     EXPECT_EQ(codes[0].m_Code, 40252U);
     EXPECT_EQ(codes[0].m_Text, "Unknown");
     EXPECT_EQ(std::string(codes[0].m_Meaning),
-              "The log with the wear of this drive was not read, so nobody knows its wear.");
+              "The log with the wear of this drive was not read, so its wear is not known.");
 }
 
 } // namespace

@@ -166,7 +166,7 @@ TEST_F(MeasuredTest, ThePlaceThatIsNotTheRealOneIsSaidAboveTheRows)
     EXPECT_THAT(caveats(1), testing::IsEmpty());
     m_State.m_Location->m_Segment = 0x10000;
     const std::string segment =
-        "The controller is at 10000:10:1f.1. The rows below leave its PCI segment out.";
+        "The controller is at 10000:10:1f.1. The rows below do not show its PCI segment.";
     EXPECT_THAT(caveats(1), ElementsAre(segment));
     EXPECT_THAT(caveats(2), ElementsAre(segment));
     m_State.m_Location->m_Bus = 17;

@@ -311,7 +311,7 @@ TEST_F(JournalTest, StepsAreToldOnceAndTheFurthestCounts)
     EXPECT_EQ(first[0].m_Text, "MODEL (A): the available spare is down to 75 %.");
     EXPECT_EQ(first[1].m_Kind, Kind::WearGrew);
     EXPECT_EQ(first[1].m_Severity, Severity::Information);
-    EXPECT_EQ(first[1].m_Text, "MODEL (A): 50 % of the rated life are used.");
+    EXPECT_EQ(first[1].m_Text, "MODEL (A): 50 % of the rated life is used.");
     EXPECT_THAT(told(76, 49), IsEmpty());
     EXPECT_THAT(told(75, 50), IsEmpty());
     EXPECT_EQ(told(49, 50).at(0).m_Severity, Severity::Warning);

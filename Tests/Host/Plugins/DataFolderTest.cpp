@@ -171,9 +171,9 @@ TEST_F(DataFolder, WarnsOfNumbersThatCannotBeReadAndLeavesThem)
 {
     std::filesystem::create_directory(m_Folder.Path() / "AdapterNumbers.txt");
     Open(m_Folder.Path());
-    EXPECT_THAT(m_Warnings,
-                ElementsAre(testing::AllOf(HasSubstr("AdapterNumbers.txt is no regular file"),
-                                           HasSubstr("other numbers in this run, which are not kept"))));
+    EXPECT_THAT(m_Warnings, ElementsAre(testing::AllOf(
+                                HasSubstr("AdapterNumbers.txt is no regular file"),
+                                HasSubstr("different numbers in this run, and those are not kept"))));
     std::filesystem::remove(m_Folder.Path() / "AdapterNumbers.txt");
     Keep(m_Folder.Path(), topologyOf({}));
     EXPECT_FALSE(std::filesystem::exists(m_Folder.Path() / "AdapterNumbers.txt"));

@@ -82,7 +82,7 @@ TEST_F(ObjectStoreTest, AnAddressWithoutASegmentIsThatOfAnyButHasToTellTheAdapte
         HostTest::property(PI::PROP_PCI_SEGMENT, 1, std::uint64_t{0x10000}));
     m_Store = Host::ObjectStore(HostTest::topologyOf({first, second}));
     EXPECT_THAT(named("10000:05:1f.1"), ElementsAre(32, 33));
-    EXPECT_THAT(refusalOf("05:1f.1"), HasSubstr("More than one object goes by \"05:1f.1\""));
+    EXPECT_THAT(refusalOf("05:1f.1"), HasSubstr("More than one object has the name \"05:1f.1\""));
     m_Store = Host::ObjectStore(HostTest::topologyOf({second}));
     EXPECT_THAT(named("05:1f.1"), ElementsAre(32, 33));
 }
@@ -111,7 +111,7 @@ TEST_F(ObjectStoreTest, AnUnknownNameGetsAListOfWhatThereIs)
 
 TEST_F(ObjectStoreTest, SuggestsTheNearestName)
 {
-    EXPECT_THAT(refusalOf("nvme0n"), HasSubstr("\"nvme0n\". Did you mean \"nvme0n1\"? These are there:\n"));
+    EXPECT_THAT(refusalOf("nvme0n"), HasSubstr("\"nvme0n\". Did you mean \"nvme0n1\"? These exist:\n"));
     EXPECT_THAT(refusalOf("plugn"), HasSubstr("Did you mean \"plugin\"?"));
     EXPECT_THAT(refusalOf("ABC11"), HasSubstr("Did you mean \"ABC1\"?"));
     EXPECT_THAT(refusalOf("PCI:Bus=16&Device=0"), Not(HasSubstr("Did you mean")));
@@ -124,7 +124,7 @@ TEST_F(ObjectStoreTest, ANameForgesNoLineOfARefusal)
 
 TEST_F(ObjectStoreTest, ANameOfTwoAdaptersIsRefused)
 {
-    EXPECT_THAT(refusalOf("TWIN"), HasSubstr("More than one object goes by \"TWIN\""));
+    EXPECT_THAT(refusalOf("TWIN"), HasSubstr("More than one object has the name \"TWIN\""));
     EXPECT_EQ(m_ExitCode, Host::ExitCode::WrongUsage);
     EXPECT_THAT(named("nvme2n1"), ElementsAre(48, 49));
 }

@@ -49,7 +49,7 @@ TEST(PluginLibrary, RefusesAnotherInterfaceVersion)
 {
     const Host::Failure failure = failureOf([] { PluginLibrary plugin(Built::WRONG_VERSION_PLUGIN); });
     EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
-    EXPECT_THAT(failure.what(), HasSubstr("speaks interface version 3, this program version 2"));
+    EXPECT_THAT(failure.what(), HasSubstr(" has interface version 3, but this program has version 2"));
 }
 
 TEST(PluginLibrary, RefusesAPluginThatCannotBeCreated)

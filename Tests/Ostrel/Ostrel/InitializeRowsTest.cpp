@@ -5,7 +5,12 @@
 #include <PI/AdapterNumbers.h>
 #include <PI/ErrorCode.h>
 
+#include <memory>
 #include <numeric>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
 
 using namespace TestSupport;
 using testing::Each;
@@ -16,6 +21,17 @@ namespace {
 
 const std::string COUNTS =
     "SELECT COUNT(*) FROM Plugin; SELECT COUNT(*) FROM Adapter; SELECT COUNT(*) FROM PD";
+
+/** The lines of the functions that write rows, with their levels. */
+std::vector<std::string> rowLines(const CTraceCapture& capture)
+{
+    std::vector<std::string> lines;
+    for (const CCapturedLine& line : capture.Lines())
+        if (line.m_Function.ends_with("DatabaseObjectProperties") || line.m_Function.ends_with("ToDatabase"))
+            lines.push_back(std::to_string(line.m_Level) + ' ' + line.m_SourceUnit + ' ' + line.m_Function +
+                            ' ' + line.m_Text);
+    return lines;
+}
 
 /** The rows that Initialize leaves in the database. */
 class InitializeRows : public CRowFixture
@@ -60,10 +76,41 @@ protected:
     std::vector<PI::CAdapterID> m_AdapterIDs;
 };
 
+/** Records each statement and the object that had its text. Passes it on. */
+class CTextCounter : public DatabaseWrapper::DatabaseDAO
+{
+public:
+    explicit CTextCounter(std::shared_ptr<DatabaseWrapper::DatabaseDAO> database)
+        : m_Database(std::move(database))
+    {}
+
+    std::vector<std::string> query(const std::string& sql) override
+    {
+        if (sql.starts_with("INSERT INTO PD"))
+            m_Texts.emplace(&sql, sql);
+        return m_Database->query(sql);
+    }
+
+    /** How many objects had a text of their own. */
+    std::size_t Objects() const
+    {
+        std::set<const std::string*> objects;
+        for (const auto& [object, text] : m_Texts)
+            objects.insert(object);
+        return objects.size();
+    }
+
+    std::size_t Texts() const { return m_Texts.size(); }
+
+private:
+    std::shared_ptr<DatabaseWrapper::DatabaseDAO> m_Database;
+    std::set<std::pair<const std::string*, std::string>> m_Texts;
+};
+
 class InitializeRowsOf : public InitializeRows, public testing::WithParamInterface<std::uint32_t>
 {};
 
-INSTANTIATE_TEST_SUITE_P(Controllers, InitializeRowsOf, testing::Values(1U, 8U, 64U));
+INSTANTIATE_TEST_SUITE_P(Controllers, InitializeRowsOf, testing::Values(1U, 3U, 8U, 64U));
 
 } // namespace
 
@@ -78,6 +125,41 @@ TEST_P(InitializeRowsOf, OneForThePluginAndEachAdapterAndDriveHoweverOftenItRuns
     EXPECT_THAT(Query(COUNTS), ElementsAre("1", count, count));
     EXPECT_EQ(Query("SELECT AdapterNumber, SerialNumber FROM Adapter ORDER BY AdapterNumber"), numbers);
     EXPECT_THAT(Query("PRAGMA integrity_check"), ElementsAre("ok"));
+}
+
+TEST_P(InitializeRowsOf, AreWrittenAsBySingleInserts)
+{
+    AddDrives(GetParam());
+    const auto statements = CountStatements();
+    std::vector<std::string> lines;
+    {
+        const CTraceCapture capture(~0U);
+        ASSERT_EQ(Run(), 0U);
+        lines = rowLines(capture);
+    }
+    const Values ofTheStart = statements->Statements();
+
+    const auto singles = CountStatements();
+    const CTraceCapture capture(~0U);
+    (void)m_Plugin.InsertObjectToDatabase(m_Plugin.m_Plugin);
+    for (const auto& adapter : m_Plugin.m_Adapters) {
+        (void)m_Plugin.InsertObjectToDatabase(adapter);
+        for (const auto& drive : m_Plugin.m_PhysicalDrives)
+            (void)m_Plugin.InsertObjectToDatabase(drive);
+    }
+    EXPECT_EQ(ofTheStart, singles->Statements());
+    EXPECT_EQ(lines, rowLines(capture));
+    EXPECT_EQ(ofTheStart.size(), 2 * (1 + GetParam() + GetParam() * GetParam()));
+}
+
+TEST_P(InitializeRowsOf, AreFilledOnceForEachDrive)
+{
+    AddDrives(GetParam());
+    const auto counter = std::make_shared<CTextCounter>(m_Plugin.m_Database->m_Access);
+    m_Plugin.m_Database->m_Access = counter;
+    ASSERT_EQ(Run(), 0U);
+    EXPECT_EQ(counter->Objects(), GetParam());
+    EXPECT_EQ(counter->Texts(), GetParam());
 }
 
 TEST_F(InitializeRows, EachAdapterIsFollowedByEveryDrive)

@@ -96,7 +96,7 @@ public:
 class InitializeTrace : public Initialize, public testing::WithParamInterface<std::uint32_t>
 {
 public:
-    /** Runs, and compares the lines with those of `all` that the mask shows. */
+    /** Runs the request and expects those lines of `all` that the mask shows. */
     void ExpectLines(const std::vector<CCapturedLine>& all)
     {
         const CTraceCapture capture(GetParam());

@@ -98,7 +98,7 @@ INSTANTIATE_TEST_SUITE_P(Codes, UnknownRequest,
 TEST(PluginApi, AContainerOfTheWrongTypeIsAGeneralFailureAndStaysAsItWas)
 {
     const std::vector<std::size_t> expected = {
-        1, // AdapterIDs for request 1, and so on; an index into the variant
+        1, // an index into the variant: `AdapterIDs` for request 1, and so on
         1, std::variant_npos, 2, 3, 4, 4, 5, 6, 6};
     const CRequestData candidates[] = {
         std::monostate(),

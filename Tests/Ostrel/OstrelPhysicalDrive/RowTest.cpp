@@ -1,3 +1,5 @@
+#include "OstrelPhysicalDrive/Row.h"
+
 #include "Support/RowFixture.h"
 
 using namespace NAMESPACE_Ostrel;
@@ -228,4 +230,37 @@ TEST_F(DriveRow, WithoutTheDatabasesLevelsNothingIsTraced)
 TEST_F(DriveRow, OtherExceptionsPass)
 {
     ExpectOtherExceptionsPass(STATEMENTS);
+}
+
+TEST_F(DriveRow, AnInsertMayRunAgainAndAgain)
+{
+    const CNVMePhysicalDrive drive = fullDrive();
+    const CDriveRowInsert insert(drive);
+    const auto statements = CountStatements();
+    const CTraceCapture capture(~0U);
+    for (int run = 0; run < 3; ++run)
+        EXPECT_EQ(insert.Run(*m_Plugin.m_Database), 0U);
+    const std::string filled = "ENTER SetDatabaseObjectProperties (PhysicalDisk)";
+    const std::string done = "PD (Name of SN7) inserted to db.";
+    EXPECT_THAT(capture.Texts(), ElementsAre(filled, done, filled, done, filled, done));
+    EXPECT_EQ(statements->Count("SELECT MAX(ID) FROM PD"), 3U);
+    EXPECT_EQ(statements->Count("INSERT INTO PD"), 3U);
+    EXPECT_THAT(Query("SELECT ID, DriveKey FROM PD"), ElementsAre("3", "SN7"));
+}
+
+TEST_F(DriveRow, AnInsertThatFailedMayRunAgain)
+{
+    const CNVMePhysicalDrive drive = fullDrive();
+    const CDriveRowInsert insert(drive);
+    const auto healthy = m_Plugin.m_Database->m_Access;
+    std::vector<std::shared_ptr<const DatabaseORM::tableBase_t>> tables;
+    tables.swap(m_Plugin.m_Database->m_Tables);
+    EXPECT_EQ(insert.Run(*m_Plugin.m_Database), 20000U) << "no table, so nothing to fill";
+    tables.swap(m_Plugin.m_Database->m_Tables);
+    BreakDatabase("broken");
+    EXPECT_EQ(insert.Run(*m_Plugin.m_Database), 20000U);
+    EXPECT_THAT(Query("SELECT COUNT(*) FROM PD"), ElementsAre("0"));
+    m_Plugin.m_Database->m_Access = healthy;
+    EXPECT_EQ(insert.Run(*m_Plugin.m_Database), 0U);
+    EXPECT_THAT(Query("SELECT DriveKey FROM PD"), ElementsAre("SN7"));
 }

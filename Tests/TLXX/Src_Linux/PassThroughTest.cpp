@@ -44,7 +44,7 @@ struct CPrepared
     Block m_Block;
 };
 
-/** One of the four queries: the command that it must send, and a call that gives status and block. */
+/** One of the four queries: the command that it must send, and a call of it that fills a block. */
 struct CQuery
 {
     const char* m_Name;

@@ -28,7 +28,8 @@ struct CNVMeLifeTimeData
 PI_EXPORT const std::vector<CNVMeLifeTimeData>& GetLifeTimeDataNVMe();
 
 /**
- * The first family in `table` whose text, as far as it counts, is part of `model`. Null when there is none.
+ * The first family in `table` whose text is part of `model`. Only the first `m_Characters` characters of the
+ * text count. Null when there is none.
  */
 PI_EXPORT const CNVMeLifeTimeData* findLifeTimeData(const std::vector<CNVMeLifeTimeData>& table,
                                                     std::string_view model);
@@ -37,9 +38,9 @@ PI_EXPORT const CNVMeLifeTimeData* findLifeTimeData(const std::vector<CNVMeLifeT
 PI_EXPORT void SetLifeTimeFolder(std::filesystem::path folder);
 
 /**
- * Reads an endurance table. A line has a model text, a '|' and the rating in terabytes (10^12 bytes) written;
- * empty lines and '#' comments are skipped. Throws `std::runtime_error`, naming file and line, for anything
- * else: a file that cannot be read, a rating that is no number or below 2 TiB (3 TB), or a text that comes
+ * Reads an endurance table. A line has a model text, a '|' and the rating in terabytes (10^12 bytes) written.
+ * Empty lines and '#' comments are skipped. Throws `std::runtime_error` for anything else, with file and
+ * line: a file that cannot be read, a rating that is no number or below 2 TiB (3 TB), or a text that comes
  * after a shorter one that it contains.
  */
 PI_EXPORT std::vector<CNVMeLifeTimeData> readLifeTimeData(const std::filesystem::path& file);

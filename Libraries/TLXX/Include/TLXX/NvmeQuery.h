@@ -69,6 +69,9 @@ private:
 /** The status of the last query of this kind to `path`; none when there was none. Safe from any thread. */
 TLXX_EXPORT std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query);
 
+/** Keeps the status of a query that a back-end has made by itself, for `lastStatus`. Safe from any thread. */
+TLXX_EXPORT void noteStatus(const std::string& path, EQuery query, std::uint32_t status);
+
 /** What the drive at `path` last told of its controller; none when it told nothing yet. Asks no drive. Safe
  * from any thread. */
 TLXX_EXPORT std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string& path);
@@ -78,6 +81,7 @@ TLXX_EXPORT std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const
 
 /** The same of a vendor log: C5h or CAh, because no other one is kept. */
 TLXX_EXPORT std::optional<VendorLogPage> lastVendorLog(const std::string& path, std::uint8_t logIdentifier);
+
 /** The status of a query that got no answer in time. */
 inline constexpr std::uint32_t STATUS_NO_ANSWER = 0x20003;
 

@@ -27,8 +27,8 @@ struct TLXX_EXPORT NVME_IDENTIFY_CONTROLLER
     std::array<std::uint8_t, 8> Reserved72;
     std::uint32_t VER; ///< version: major in the upper half, then minor and tertiary in a byte each
     std::array<std::uint8_t, 182> Reserved84;
-    std::uint16_t WCTEMP; ///< composite temperature in kelvin from which on the drive warns; 0: not reported
-    std::uint16_t CCTEMP; ///< the same of a temperature that endangers it
+    std::uint16_t WCTEMP; ///< kelvin; the drive warns at this composite temperature; 0: not reported
+    std::uint16_t CCTEMP; ///< kelvin; the drive may be damaged at this one; 0: not reported
     std::array<std::uint8_t, 10> Reserved270;
     std::array<std::uint64_t, 2> TNVMCAP; ///< bytes 280 to 295, low half first: total capacity in bytes
     std::array<std::uint64_t, 2> UNVMCAP; ///< bytes 296 to 311: unallocated capacity in bytes
