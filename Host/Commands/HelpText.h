@@ -79,10 +79,12 @@ inline constexpr char CHECK_FOOTER[] =
     R"(One line as Nagios, Icinga and others expect it: the verdict, what is wrong, and
 after "|" the drives' figures with their limits. The health of the drives
 decides; of several verdicts CRITICAL counts most, then WARNING, UNKNOWN, OK.
+A drive that does not answer is asked once more: WARNING if it answers then,
+otherwise CRITICAL.
 
 Exit codes: 0 OK, 1 WARNING, 2 CRITICAL, 3 UNKNOWN. Whatever is no verdict is
 UNKNOWN: wrong options, this help, no permission, no drive, a failed request.
-All options of "ostrel --help" may be given, too.
+The options of "ostrel --help" may be given, too.
 
 Examples:
   sudo ostrel check

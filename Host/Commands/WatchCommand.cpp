@@ -310,6 +310,14 @@ std::uint64_t endOf(const Options& options)
                : NEVER;
 }
 
+void tellSilent(const Session& session)
+{
+    for (const DriveAnswer& answer : session.answers())
+        if (isSilent(answer))
+            session.m_Terminal.tell(std::string(shortDeviceName(answer.m_DeviceName)) + " " +
+                                    silenceReason(answer, TLX::Misc::now()) + ".");
+}
+
 /** Begins to watch as soon as a drive answers. Throws `Failure` when none has until `--for` is over. */
 std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& session)
 {
@@ -328,6 +336,7 @@ std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& sessi
             if (!end) {
                 end = endOf(session.m_Options);
                 session.m_Terminal.tell(failure.what() + std::string(" Waiting for the first drive."));
+                tellSilent(session);
             }
             if (TLX::Misc::monotonic() >= *end)
                 throw;

@@ -84,7 +84,7 @@ TEST_F(CheckProgram, CallsUnknownWhateverIsNoVerdict)
     EXPECT_THAT(unknown(simulated({"check", "plugin"}, fleet)), HasSubstr("plugin is no drive."));
     EXPECT_THAT(unknown({"check", "--colour"}), HasSubstr("There is no option --colour."));
     EXPECT_THAT(unknown({"--colour", "check"}), HasSubstr("--colour"));
-    EXPECT_THAT(unknown({"check", "a", "b"}), HasSubstr("b is one argument too many"));
+    EXPECT_THAT(unknown({"check", "a", "b"}), HasSubstr("b is not expected here"));
     unknown({"check", "--trace", "x"});
     unknown({"--simulate", "/no/such/fleet", "check"});
     unknown(simulated({"check", "--plugin", "/no/such.so"}, fleet));

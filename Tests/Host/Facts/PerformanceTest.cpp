@@ -53,6 +53,15 @@ TEST(Performance, LeavesOutWhatIsNotKnown)
     EXPECT_EQ(textOf(drive), "");
 }
 
+TEST(Performance, HasNoOldFiguresOfADriveThatDoesNotAnswer)
+{
+    Drive drive = knownDrive();
+    drive.m_Answer.emplace();
+    EXPECT_EQ(textOf(drive), "");
+    drive.m_Answer->m_Answering = true;
+    EXPECT_NE(textOf(drive), "");
+}
+
 TEST(Performance, HasALimitAloneWhereTheOtherIsMissing)
 {
     Drive drive = knownDrive();
