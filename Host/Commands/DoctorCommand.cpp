@@ -7,6 +7,7 @@
 
 #include <PI/LifeTimeData.h>
 #include <TLX/LanguageSupport.h>
+#include <TLXX/DeviceNotification.h>
 
 #include <nlohmann/json.hpp>
 
@@ -145,6 +146,7 @@ Checks examine(const Session& session)
     Checks unserved;
     if (!session.simulated()) {
         append(checks, checkSystem(Platform::runningSystem(), Platform::isDriverThere(), states));
+        checks.push_back(checkAnnouncements(TLXX::CDeviceNotification::Available()));
         unserved = checkUnserved(Platform::unservedFunctions());
     }
     append(checks, unserved);

@@ -64,6 +64,9 @@ Check checkKeptRows(const std::filesystem::path& file);
 std::vector<Check> checkSystem(const Platform::System& system, bool driverIsThere,
                                const std::vector<TLXX::CControllerState>& states);
 
+/** How drives that come and go are found. `available` says that the system announces them. */
+Check checkAnnouncements(bool available);
+
 /**
  * Controllers that no enumeration finds, because another driver or none has them. It is no problem if a
  * controller was given to a virtual machine on purpose.
