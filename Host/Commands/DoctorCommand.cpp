@@ -73,7 +73,7 @@ void checkRequests(PluginSet& plugins, const std::vector<TLXX::CControllerState>
 {
     try {
         const Progress progress = signOfLife(states, session);
-        const ObjectStore store(plugins.inventory(), states);
+        const ObjectStore store = askForObjects(plugins, states, session);
         const auto adapters =
             std::count_if(store.objects().begin(), store.objects().end(),
                           [](const PI::CObject& object) { return object.m_Type == PI::TYPE_ADAPTER; });

@@ -86,6 +86,9 @@ std::vector<Check> checkControllers(const std::vector<TLXX::CControllerState>& s
 std::vector<Check> checkAnyDisk(const std::vector<TLXX::CControllerState>& states, bool anyUnserved,
                                 const SimulatedFleet* fleet);
 
+/** The drives that do not answer. */
+std::vector<Check> checkSilent(const std::vector<DriveAnswer>& answers);
+
 /**
  * Checks that every disk of the store's controllers became an adapter with the right location. Also reports
  * what a drive did not answer, and drives that cannot be told apart.

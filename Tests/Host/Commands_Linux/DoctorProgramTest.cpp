@@ -104,7 +104,7 @@ TEST(Doctor, NamesDrivesThatDoNotAnswerOrAnswerNonsense)
     EXPECT_EQ(result.m_ExitCode, 1);
     EXPECT_THAT(
         result.m_Output,
-        AllOf(HasSubstr("PROBLEM  /dev/nvme0n1: does not identify itself: the drive answered with status"),
+        AllOf(HasSubstr("PROBLEM  nvme0n1: does not answer: the drive answered with status"),
               HasSubstr("PROBLEM  nvme1n1: its namespace was not read"),
               HasSubstr("PROBLEM  nvme1n1: its health log was not read (the drive answered with status"),
               HasSubstr("NOTE     nvme2n1: its namespace contains no blocks"),
