@@ -21,7 +21,6 @@ using TLXX::Linux::CControllerNode;
 const std::string NODE = "/dev/nvme4";
 constexpr std::uint32_t NUMBER = 4;
 constexpr std::uint32_t FROM_DRIVE = 0x10000;
-constexpr std::uint32_t SHORT_TRANSFER = 0x20000;
 
 class ControllerNodeTest : public testing::Test
 {
