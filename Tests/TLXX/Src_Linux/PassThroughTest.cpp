@@ -15,6 +15,7 @@ namespace {
 
 using TLXXTest::CExpectedCommand;
 using TLXXTest::CReply;
+using TLXXTest::SHORT_TRANSFER;
 
 constexpr std::uint32_t NEVER_FILLED = 0x20002;
 
