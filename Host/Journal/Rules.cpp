@@ -115,6 +115,12 @@ std::string mediaErrorsText(std::uint64_t before, std::uint64_t now)
     return fromTo("the media errors grew from ", before, now, ".");
 }
 
+std::string mediaErrorsPresentText(std::uint64_t now)
+{
+    return "the drive has counted " + std::to_string(now) + (now == 1 ? " media error" : " media errors") +
+           " so far.";
+}
+
 std::string capacityText(std::uint64_t before, std::uint64_t now)
 {
     return fromTo("the capacity changed from ", before, now, " MiB.");
@@ -127,11 +133,11 @@ std::string blockSizeText(std::uint64_t before, std::uint64_t now)
 
 constexpr FigureRule FIGURES[] = {
     {Kind::MediaErrorsGrew, &ObservedDrive::m_MediaErrors, true, Severity::Warning, std::nullopt,
-     mediaErrorsText},
+     mediaErrorsText, mediaErrorsPresentText},
     {Kind::CapacityChanged, &ObservedDrive::m_CapacityMiB, false, Severity::Warning, std::nullopt,
-     capacityText},
+     capacityText, nullptr},
     {Kind::BlockSizeChanged, &ObservedDrive::m_BlockSize, false, Severity::Information, EVENT_DRIVE_CHANGED,
-     blockSizeText},
+     blockSizeText, nullptr},
 };
 
 const std::string& firmwareOf(const ObservedDrive& drive)
