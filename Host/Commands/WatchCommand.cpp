@@ -15,15 +15,19 @@
 #include "Terminal/EventLine.h"
 
 #include <TLX/Clock.h>
+#include <TLX/Thread.h>
 #include <TLX/WaitInterval.h>
 #include <TLX/WaitResult.h>
 #include <TLX/Waiter.h>
+#include <TLXX/DeviceNotification.h>
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <exception>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <utility>
 
 namespace Host::Cli {
@@ -83,15 +87,14 @@ public:
           m_ShowsStatus(m_Terminal.showsStatus() && !session.m_Options.m_Json),
           m_Watched(session)
     {
-        if (session.m_Options.m_Seconds)
-            m_End =
-                TLX::Misc::monotonic() + std::uint64_t{*session.m_Options.m_Seconds} * MILLISECONDS_A_SECOND;
         for (Monitor& monitor : m_Watched.monitors())
             m_Plugins.push_back({monitor, {}});
     }
 
-    void run(TLX::Threading::CEvent& askedToEnd)
+    /** Watches until `until`, in milliseconds of `TLX::Misc::monotonic`, or until `askedToEnd` fires. */
+    void run(TLX::Threading::CEvent& askedToEnd, std::uint64_t until)
     {
+        m_End = until;
         m_Watched.start();
         m_Drives = joinDrives(m_Watched.objects());
         reportStart();
@@ -218,16 +221,80 @@ private:
     std::vector<WatchedDrives> m_Plugins;
 };
 
+/** While it lives, nobody waits for a drive any more as soon as the program is asked to end. */
+class ShortEnd
+{
+public:
+    ShortEnd(TLX::Threading::CEvent& askedToEnd, std::shared_ptr<ParallelDrives> drives)
+    {
+        if (m_Over.Init(false, true) != TLX::Threading::WaitResult::Taken)
+            throw Failure(ExitCode::RequestFailed, "The system has no event left for the program.");
+        m_Thread.emplace([this, &askedToEnd, drives = std::move(drives)] {
+            constexpr std::uint32_t asked = 1;
+            if (TLX::Threading::CWaiter{&askedToEnd, &m_Over}.Wait() == asked)
+                drives->stopWaiting();
+        });
+    }
+
+    ~ShortEnd()
+    {
+        m_Over.Set();
+        (void)m_Thread->Wait();
+    }
+    ShortEnd(const ShortEnd&) = delete;
+    ShortEnd& operator=(const ShortEnd&) = delete;
+
+private:
+    TLX::Threading::CEvent m_Over;
+    std::optional<TLX::Threading::CThread> m_Thread;
+};
+
+std::uint64_t endOf(const Options& options)
+{
+    return options.m_Seconds
+               ? TLX::Misc::monotonic() + std::uint64_t{*options.m_Seconds} * MILLISECONDS_A_SECOND
+               : NEVER;
+}
+
+/** Begins to watch as soon as a drive answers. Throws `Failure` when none has until `--for` is over. */
+std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& session)
+{
+    // Nobody announces that a drive answers again.
+    constexpr std::uint64_t patience = 10'000;
+    TLX::Threading::CEvent announced;
+    (void)announced.Init(false, false);
+    const TLXX::CDeviceNotification notification(announced);
+    for (std::optional<std::uint64_t> end;;) {
+        try {
+            auto begun = std::make_unique<Watch>(session);
+            return {std::move(begun), end ? *end : endOf(session.m_Options)};
+        } catch (const Failure& failure) {
+            if (failure.exitCode() != ExitCode::NoHardware)
+                throw;
+            if (!end) {
+                end = endOf(session.m_Options);
+                session.m_Terminal.tell(failure.what() + std::string(" Waiting for the first drive."));
+            }
+            if (TLX::Misc::monotonic() >= *end)
+                throw;
+        }
+        const std::uint64_t now = TLX::Misc::monotonic();
+        (void)TLX::Threading::CWaiter{&announced}.Wait(
+            TLX::Threading::CWaitInterval(std::min(*end - std::min(now, *end), patience)));
+    }
+}
+
 } // namespace
 
 ExitCode watch(const Session& session)
 {
     Platform::TerminationRequest termination;
-    Watch watch(session);
+    const auto [watch, end] = beginWatch(session);
     // Until here a signal ends the program at once, because the inventory may wait for a drive that does not
     // answer.
     termination.defer();
-    watch.run(termination.asked());
+    const ShortEnd shortEnd(termination.asked(), session.drives());
+    watch->run(termination.asked(), end);
     return ExitCode::Done;
 }
 

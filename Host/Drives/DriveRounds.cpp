@@ -143,8 +143,7 @@ void DriveRounds::send(Drive& drive, const std::vector<CDriveCommand>& commands)
 
 void DriveRounds::tryAgain(Drive& drive)
 {
-    std::set<CDriveCommand> commands = std::move(drive.m_Wanted);
-    drive.m_Wanted.clear();
+    std::set<CDriveCommand> commands = std::exchange(drive.m_Wanted, {});
     if (commands.empty())
         commands.insert(std::begin(FIRST_COMMANDS), std::end(FIRST_COMMANDS));
     commands.insert(IDENTIFY);

@@ -49,8 +49,8 @@ std::vector<TLXX::CControllerState> controllersNow(TLXX::IDeviceBackend& machine
 } // namespace
 
 ParallelDrives::ParallelDrives(std::shared_ptr<TLXX::IDeviceBackend> machine,
-                               std::unique_ptr<TLXX::IDriveSource> source)
-    : m_Number(uniqueNumber()), m_Machine(std::move(machine)), m_Rounds(std::move(source))
+                               std::unique_ptr<TLXX::IDriveSource> source, Rights rights)
+    : m_Number(uniqueNumber()), m_Machine(std::move(machine)), m_Rights(rights), m_Rounds(std::move(source))
 {
     if (m_RoundEnded.Init(false, false) != TLX::Threading::WaitResult::Taken)
         throw std::runtime_error("no event for the rounds of drives");
@@ -79,8 +79,12 @@ std::vector<TLXX::CDeviceEntry> ParallelDrives::Enumerate(const TLXX::DeviceWalk
     t_Locations = {m_Number, {}};
     for (const Disk& disk : m_Disks) {
         const DriveRecord* const record = m_Rounds.record(disk.m_Instance);
-        if (record == nullptr || record->m_Identify.empty())
+        if (record == nullptr || record->m_Identify.empty()) {
+            // The plug-in does not query it, but others want to know why.
+            if (record != nullptr)
+                TLXX::noteStatus(disk.m_Entry.m_DeviceName, EQuery::IdentifyController, record->m_Status);
             continue;
+        }
         entries.push_back(disk.m_Entry);
         t_Locations.m_Places.push_back(disk.m_Location);
     }
@@ -227,7 +231,11 @@ std::optional<TLXX::CPciLocation> ParallelDrives::Location(std::uint32_t number)
 
 std::vector<TLXX::CControllerState> ParallelDrives::ControllerStates()
 {
-    return m_Machine->ControllerStates();
+    std::vector<TLXX::CControllerState> states = m_Machine->ControllerStates();
+    if (m_Rights == Rights::Readers)
+        for (TLXX::CControllerState& state : states)
+            state.m_AccessStatus = 0;
+    return states;
 }
 
 std::string ParallelDrives::ModuleVersion(const std::string& driver)

@@ -19,6 +19,13 @@
 
 namespace Host {
 
+/** Whose permissions decide which drives can be asked. */
+enum class Rights : std::uint8_t
+{
+    Own,     ///< those of this user
+    Readers, ///< those of a process that asks on this user's behalf
+};
+
 /**
  * Reads all drives of a machine side by side, so that one silent drive hides no other. Each enumeration is a
  * round: it asks every drive for what the plug-in asked last time, and the plug-in's queries are answered
@@ -33,7 +40,8 @@ public:
      * `machine` enumerates, and `source` asks its drives. Throws `std::runtime_error` when the system gives
      * no event.
      */
-    ParallelDrives(std::shared_ptr<TLXX::IDeviceBackend> machine, std::unique_ptr<TLXX::IDriveSource> source);
+    ParallelDrives(std::shared_ptr<TLXX::IDeviceBackend> machine, std::unique_ptr<TLXX::IDriveSource> source,
+                   Rights rights = Rights::Own);
 
     /** What the last round found. Waits for no drive. */
     DriveRound lastRound() const;
@@ -55,6 +63,7 @@ public:
                                 TLXX::VendorLogPage& page) override;
     std::string Instance(const std::string& path) override;
     std::optional<TLXX::CPciLocation> Location(std::uint32_t number) override;
+    /** Those of the machine. With a reader's rights nothing is refused to this user. */
     std::vector<TLXX::CControllerState> ControllerStates() override;
     std::string ModuleVersion(const std::string& driver) override;
     std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()> announce) override;
@@ -88,6 +97,7 @@ private:
 
     const std::uint64_t m_Number;
     const std::shared_ptr<TLXX::IDeviceBackend> m_Machine;
+    const Rights m_Rights;
     TLX::Threading::CEvent m_RoundEnded;
 
     std::mutex m_Lock;    ///< held while a round or a query waits for drives

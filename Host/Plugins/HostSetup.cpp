@@ -2,6 +2,7 @@
 
 #include "Base/Failure.h"
 #include "Base/Text.h"
+#include "Drives/MachineDrives.h"
 
 #include <Database/Database.h>
 #include <PI/ConfigFile.h>
@@ -35,19 +36,16 @@ void startTrace(const TraceOptions& trace)
         TLX::Trace::setMask(module, mask);
 }
 
-/** The machine whose drives are read. */
-std::shared_ptr<TLXX::IDeviceBackend> machine(const std::shared_ptr<SimulatedFleet>& fleet,
-                                              const std::shared_ptr<TLXX::IDeviceBackend>& former)
+/** Reads the drives of `fleet`, of `former`, or of this machine: the first of them that there is. */
+std::shared_ptr<ParallelDrives> readSideBySide(const std::shared_ptr<SimulatedFleet>& fleet,
+                                               const std::shared_ptr<TLXX::IDeviceBackend>& former)
 {
-    if (fleet)
-        return fleet;
-    return former ? former : TLXX::platformBackend();
-}
-
-std::shared_ptr<ParallelDrives> readSideBySide(std::shared_ptr<TLXX::IDeviceBackend> machine)
-{
-    auto source = std::make_unique<TLXX::CThreadedSource>(machine);
-    return std::make_shared<ParallelDrives>(std::move(machine), std::move(source));
+    const std::shared_ptr<TLXX::IDeviceBackend> other = fleet ? fleet : former;
+    if (other)
+        return std::make_shared<ParallelDrives>(other, std::make_unique<TLXX::CThreadedSource>(other));
+    MachineDrives drives = machineDrives(std::nullopt);
+    return std::make_shared<ParallelDrives>(TLXX::platformBackend(), std::move(drives.m_Source),
+                                            drives.m_OwnRights ? Rights::Own : Rights::Readers);
 }
 
 } // namespace
@@ -77,7 +75,7 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
                      const std::optional<std::filesystem::path>& fleetFile, const Warn& warn)
     : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr),
       m_Former(TLXX::deviceBackend()),
-      m_Drives(readSideBySide(machine(m_Fleet, m_Former))),
+      m_Drives(readSideBySide(m_Fleet, m_Former)),
       m_Trace(trace)
 {
     keepNoRows();

@@ -42,9 +42,9 @@ std::filesystem::path shareFolder(const std::filesystem::path& programFolder);
 std::filesystem::path installedPlugin(const std::filesystem::path& programFolder);
 
 /**
- * Prepares the process as plug-ins expect it. Sets the folders, starts the traces, lets the drives be read side
- * by side, and puts a simulated fleet in place of the machine if one was asked for. The destructor ends all of
- * this. Only one may exist at a time.
+ * Prepares the process as plug-ins expect it. Sets the folders, starts the traces, lets the drives be read
+ * side by side, and puts a simulated fleet in place of the machine if one was asked for. The destructor ends
+ * all of this. Only one may exist at a time.
  */
 class HostSetup
 {

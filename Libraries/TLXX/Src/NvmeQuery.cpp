@@ -159,6 +159,11 @@ std::uint32_t NVMeStorageQueryPropertyGetVendorSpecificLogPage(const std::string
     return remember(path, *source.m_Memory, answer, vendorPage(logIdentifier), page);
 }
 
+void noteStatus(const std::string& path, EQuery query, std::uint32_t status)
+{
+    (void)keep(path, query, status);
+}
+
 std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string& path)
 {
     return lastPage<NVME_IDENTIFY_CONTROLLER>(path, CONTROLLER_PAGE);

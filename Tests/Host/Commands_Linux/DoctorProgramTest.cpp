@@ -54,10 +54,10 @@ TEST(Doctor, NamesDrivesThatDoNotAnswerOrAnswerNonsense)
     EXPECT_THAT(
         result.m_Output,
         AllOf(HasSubstr("PROBLEM  /dev/nvme0n1: does not identify itself: the drive answered with status"),
-              HasSubstr("NOTE     /dev/nvme1n1: is at 0000:02:00.0, but is shown at PCI:Bus=1&"),
-              HasSubstr("NOTE     numbers: "), HasSubstr("PROBLEM  nvme1n1: its namespace was not read"),
+              HasSubstr("PROBLEM  nvme1n1: its namespace was not read"),
               HasSubstr("PROBLEM  nvme1n1: its health log was not read (the drive answered with status"),
-              HasSubstr("NOTE     nvme2n1: its namespace contains no blocks")));
+              HasSubstr("NOTE     nvme2n1: its namespace contains no blocks"),
+              Not(HasSubstr("but is shown at"))));
 }
 
 TEST(Doctor, NamesTheVendorLogsThatADriveDidNotGive)

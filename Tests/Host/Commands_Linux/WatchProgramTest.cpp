@@ -165,8 +165,9 @@ TEST_F(WatchProgram, StopsThePluginWhenNobodyReadsItsEvents)
 TEST_F(WatchProgram, ReportsMissingHardwareInOneLine)
 {
     fleet({});
-    const ProgramResult result = runProgram(arguments({"--json"}));
-    EXPECT_EQ(result.m_ExitCode, 3);
+    const ProgramResult result = runProgram(arguments({"--json", "--for", "0"}));
+    EXPECT_EQ(result.m_ExitCode, 3) << "nobody waits longer than --for says";
+    EXPECT_THAT(result.m_Errors, HasSubstr("Waiting for the first drive."));
     EXPECT_EQ(std::count(result.m_Output.begin(), result.m_Output.end(), '\n'), 1);
     EXPECT_EQ(json::parse(result.m_Output)["error"]["code"], 20001);
 }
@@ -227,6 +228,42 @@ TEST_F(WatchProgram, ATerminalWithoutEscapesHasNoStatusLine)
     EXPECT_THAT(program.awaitResult("\n"), AllOf(StartsWith("20"), Not(HasSubstr("\033"))));
     program.send(SIGTERM);
     EXPECT_THAT(program.finish().m_Output, IsEmpty());
+}
+
+TEST_F(WatchProgram, WaitsForTheFirstDrive)
+{
+    fleet({});
+    RunningProgram program(arguments({"--json"}));
+    program.awaitMessage("Waiting for the first drive.");
+    fleet({{1, "A"}});
+    program.awaitMessage("adapter count is 1");
+    fleet({{1, "A", 0x04}});
+    EXPECT_EQ(nextEvent(program)["id"], 11088);
+    program.send(SIGTERM);
+    EXPECT_EQ(program.finish().m_ExitCode, 0);
+}
+
+TEST_F(WatchProgram, ADriveThatHangsHidesNoOtherAndDelaysNoEnd)
+{
+    fleet({{1, "A"}, {2, "B"}});
+    RunningProgram program(arguments({"--json"}));
+    awaitInventory(program);
+    const auto drive = [](const std::string& serial, const std::string& more) {
+        return R"({"identify": {"vendorId": 1, "model": "M", "serial": ")" + serial +
+               R"("}, "namespace": {"blocks": 2048}, )" + more + "}";
+    };
+    m_Fleet.Write("next", R"({"controllers": [)" +
+                              drive("A", R"("hangs": true, "health": {"temperature": 20})") + ", " +
+                              drive("B", R"("health": {"temperature": 20, "criticalWarning": 4})") + "]}");
+    std::filesystem::rename(m_Fleet.Path() / "next", m_Fleet.Path() / "fleet.json");
+    json told = nextEvent(program);
+    while (told["id"] != 11088)
+        told = nextEvent(program);
+    EXPECT_EQ(told["drive"]["serial"], "B");
+    program.send(SIGTERM);
+    const ProgramResult end = program.finish();
+    EXPECT_EQ(end.m_ExitCode, 0) << end.m_Errors;
+    EXPECT_THAT(end.m_Output, Not(HasSubstr("11094"))) << "a silent drive is not gone";
 }
 
 TEST_F(WatchProgram, ASecondSignalEndsAtOnce)

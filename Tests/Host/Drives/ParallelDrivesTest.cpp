@@ -240,6 +240,7 @@ TEST_F(ParallelDrivesTest, ADriveThatNeverAnsweredIsTriedSixTimesAndLeftOut)
     EXPECT_EQ(answerOf("a").m_SerialNumber, "S of the system");
     EXPECT_EQ(answerOf("a").m_Model, "Model of the system");
     EXPECT_EQ(answerOf("a").m_LastAnswer, std::nullopt);
+    EXPECT_EQ(TLXX::lastStatus("a", EQuery::IdentifyController), 0x10006U);
     EXPECT_EQ(answerOf("a").m_Status, 0x10006U);
 
     EXPECT_EQ(timeOfRound(), 0U) << "later it is tried once in each round";
@@ -413,12 +414,20 @@ TEST_F(ParallelDrivesTest, AnswersForADriveThatNoRoundHadYet)
     EXPECT_EQ(controller("none"), TLXX::STATUS_NO_DEVICE);
 }
 
+TEST_F(ParallelDrivesTest, AReaderMayOpenWhatThisUserMayNot)
+{
+    m_Drives->add("a");
+    ParallelDrives parallel(m_Drives, m_Drives->source(), Host::Rights::Readers);
+    EXPECT_EQ(parallel.ControllerStates().at(0).m_AccessStatus, 0U);
+}
+
 TEST_F(ParallelDrivesTest, LeavesTheMachineItself)
 {
     m_Drives->add("a");
     const auto states = m_Parallel.ControllerStates();
     ASSERT_EQ(states.size(), 1U);
     EXPECT_EQ(states[0].m_SerialNumber, "S of the system");
+    EXPECT_EQ(states[0].m_AccessStatus, 13U);
     EXPECT_EQ(m_Parallel.Instance("a"), "a");
     EXPECT_EQ(m_Parallel.Instance("none"), "");
 }

@@ -92,6 +92,7 @@ public:
             TLXX::CControllerState state;
             state.m_DeviceName = drive.m_Path;
             state.m_SerialNumber = drive.m_Serial + " of the system";
+            state.m_AccessStatus = 13;
             state.m_Model = "Model of the system";
             states.push_back(state);
         }

@@ -69,6 +69,9 @@ private:
 /** The status of the last query of this kind to `path`; none when there was none. Safe from any thread. */
 TLXX_EXPORT std::optional<std::uint32_t> lastStatus(const std::string& path, EQuery query);
 
+/** Keeps the status of a query that a back-end has made by itself, for `lastStatus`. Safe from any thread. */
+TLXX_EXPORT void noteStatus(const std::string& path, EQuery query, std::uint32_t status);
+
 /** What the drive at `path` last told of its controller; none when it told nothing yet. Asks no drive. Safe
  * from any thread. */
 TLXX_EXPORT std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string& path);
