@@ -238,6 +238,7 @@ private:
             return wear < 50 ? 0 : wear < 80 ? 1 : wear < 90 ? 2 : wear < 100 ? 3 : 4;
         });
         // Between two looks another drive with the same name and fewer errors may have replaced a drive.
+        present(stay, Kind::MediaErrorsGrew, [](const ObservedDrive& drive) { return drive.m_MediaErrors; });
         changes(
             stay, Kind::MediaErrorsGrew, [](const ObservedDrive& drive) { return drive.m_MediaErrors; },
             std::greater<>());
@@ -312,6 +313,17 @@ private:
             furthest = std::max(furthest, *step);
             known = sighting.m_Time;
         }
+    }
+
+    template<typename FigureOf>
+    void present(const Stay& stay, Kind kind, FigureOf figureOf)
+    {
+        for (const Sighting& sighting : stay)
+            if (const auto figure = figureOf(*sighting.m_Drive)) {
+                if (*figure > 0)
+                    tell(sighting.m_Time, std::nullopt, kind, Phase::Present);
+                return;
+            }
     }
 
     template<typename ValueOf, typename IsNews = std::not_equal_to<>>
