@@ -11,6 +11,7 @@
 #include "Facts/DriveKey.h"
 #include "Facts/Observation.h"
 #include "Journal/Journal.h"
+#include "Journal/Remaining.h"
 #include "Journal/Told.h"
 #include "Terminal/EventLine.h"
 
@@ -164,7 +165,7 @@ private:
         for (const SharedSerial& shared : sharedSerials(m_Drives))
             m_Terminal.tell(sharedSerialText(shared));
         for (WatchedDrives& plugin : m_Plugins)
-            for (const Journal::Entry& entry : news(plugin))
+            for (const Journal::Entry& entry : news(plugin, look(plugin)))
                 print(entry);
     }
 
@@ -176,16 +177,24 @@ private:
         for (const DriveEvent& event : told)
             m_Terminal.print(m_Session.m_Options.m_Json ? lineText(eventJson(event), m_Session.simulated())
                                                         : eventLine(event, m_Terminal.screen()));
-        for (const Journal::Entry& entry : withoutTold(news(plugin), told))
+        const Observation now = look(plugin);
+        const std::vector<Journal::Entry> entries = news(plugin, now);
+        for (const Journal::Entry& entry : withoutTold(entries, told))
+            print(entry);
+        for (const Journal::Entry& entry : remaining(now, told, entries))
             print(entry);
         m_Drives = std::move(after);
     }
 
-    /** Returns what the plug-in's objects show and what was not known before. */
-    std::vector<Journal::Entry> news(WatchedDrives& plugin) const
+    Observation look(const WatchedDrives& plugin) const
     {
-        Journal::Outcome outcome = Journal::advance(
-            plugin.m_State, observe(m_Watched.objectsOf(plugin.m_Monitor), TLX::Misc::now()));
+        return observe(m_Watched.objectsOf(plugin.m_Monitor), TLX::Misc::now());
+    }
+
+    /** Returns what was not known before. */
+    static std::vector<Journal::Entry> news(WatchedDrives& plugin, const Observation& now)
+    {
+        Journal::Outcome outcome = Journal::advance(plugin.m_State, now);
         plugin.m_State = std::move(outcome.m_State);
         return std::move(outcome.m_Entries);
     }

@@ -54,6 +54,8 @@ std::string_view phaseName(Phase phase)
         return "began";
     case Phase::Ended:
         return "ended";
+    case Phase::Remains:
+        return "remains";
     }
     return {};
 }

@@ -45,6 +45,7 @@ enum class Phase : std::uint8_t
     Present, ///< it was already so when the drive was first seen
     Began,   ///< it began
     Ended,   ///< it ended
+    Remains, ///< it is still so, although an event says that all warnings have cleared
 };
 
 /** The word for the phase in documents, such as "began". */
