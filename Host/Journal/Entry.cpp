@@ -29,6 +29,8 @@ std::string_view kindName(Kind kind)
         return "spare-fell";
     case Kind::WearGrew:
         return "wear-grew";
+    case Kind::OwnWearGrew:
+        return "own-wear-grew";
     case Kind::MediaErrorsGrew:
         return "media-errors-grew";
     case Kind::FirmwareChanged:

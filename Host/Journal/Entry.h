@@ -27,7 +27,8 @@ enum class Kind : std::uint8_t
     // Figures that passed a step. Each step is told once.
     SpareFell,
     WearGrew,
-    // Figures and texts that changed.
+    OwnWearGrew, ///< by the drive's own count
+                 // Figures and texts that changed.
     MediaErrorsGrew,
     FirmwareChanged,
     CapacityChanged,

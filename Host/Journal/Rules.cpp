@@ -100,9 +100,15 @@ std::string wearText(std::int32_t figure)
     return std::to_string(figure) + " % of the rated life is used.";
 }
 
+std::string ownWearText(std::int32_t figure)
+{
+    return "by its own count the drive has used " + std::to_string(figure) + " % of its life.";
+}
+
 const StepRule STEPS[] = {
     {Kind::SpareFell, &ObservedDrive::m_Spare, false, SPARE_STEPS, Kind::SpareLow, spareText},
     {Kind::WearGrew, &ObservedDrive::m_Wear, true, WEAR_STEPS, std::nullopt, wearText},
+    {Kind::OwnWearGrew, &ObservedDrive::m_OwnWear, true, WEAR_STEPS, std::nullopt, ownWearText},
 };
 
 std::string fromTo(const char* what, std::uint64_t before, std::uint64_t now, const char* unit)

@@ -158,6 +158,25 @@ TEST_F(WatchNewsTest, MediaErrorsAreToldAtTheStart)
     end(program);
 }
 
+TEST_F(WatchNewsTest, WearByTheDrivesOwnCountIsToldAtEachStep)
+{
+    const auto wear = [this](int percent) {
+        json worn = drive("A", 1);
+        worn["health"]["percentageUsed"] = percent;
+        fleet({worn});
+    };
+    wear(85);
+    RunningProgram program(arguments({"--json"}));
+    EXPECT_EQ(next(program), "own-wear-grew present A");
+    program.awaitMessage("adapter count is");
+    wear(255);
+    const json line = json::parse(program.awaitResult("\n"));
+    EXPECT_EQ(line["severity"], 4);
+    EXPECT_THAT(line["text"].get<std::string>(),
+                EndsWith(": by its own count the drive has used 255 % of its life."));
+    end(program);
+}
+
 TEST_F(WatchNewsTest, AMarginOfTheTemperatureIsToldAtTheStartAndThenByEvents)
 {
     const auto heat = [this](int temperature) {
