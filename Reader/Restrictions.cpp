@@ -55,6 +55,7 @@ constexpr std::array ALLOWED = {
     __NR_rseq,
     __NR_rt_sigprocmask,
     __NR_rt_sigreturn,
+    __NR_sigaltstack,
     __NR_restart_syscall,
     __NR_exit,
     __NR_exit_group,

@@ -166,7 +166,9 @@ std::tm localTime(std::time_t time)
 
 std::string_view permissionRemedy()
 {
-    return "Run it as root (sudo ostrel ...), because NVMe admin commands need root.";
+    return "Run it as root (sudo ostrel ...), or join the group \"ostrel\" and sign in again. For the group, "
+           "the "
+           "reader must run (systemctl enable --now ostrel-reader.socket).";
 }
 
 std::string_view driverRemedy()

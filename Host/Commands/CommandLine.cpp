@@ -220,6 +220,8 @@ private:
             ->option_text("DIR");
         addPath("--simulate", m_Options.m_Fleet, "Show the drives that a fleet file describes")
             ->option_text("FLEET.json");
+        addPath("--reader", m_Options.m_Reader, "Ask the drives through the reader at this socket")
+            ->option_text("SOCKET");
         CLI::Option* trace =
             addList(
                 "--trace", [this](const std::string& text) { addTraceMask(text, m_Options.m_Trace); },

@@ -28,6 +28,7 @@ struct Options
     std::vector<std::filesystem::path> m_Plugins; ///< plug-ins to load in addition to the installed one
     std::optional<std::filesystem::path> m_Data;
     std::optional<std::filesystem::path> m_Fleet;
+    std::optional<std::filesystem::path> m_Reader;
     TraceOptions m_Trace;
     bool m_Json = false;
     std::string m_Object;                   ///< of `show` and `set`

@@ -97,6 +97,9 @@ inline constexpr OptionDetails OPTION_DETAILS[] = {
     {"--data", "With this option most commands keep there what they see.\n"
                "The section FILES says more.\n"},
     {"--simulate", "The drives of this machine are not used.\n"},
+    {"--reader", "Without this option the program uses the reader at /run/ostrel/reader.sock.\n"
+                 "Members of the group \"ostrel\" may use that one.\n"
+                 "Where there is none, the program asks the drives itself, which only root may do.\n"},
     {"--trace", "MASK is a decimal number or, after 0x, a hexadecimal one.\n"
                 "It is the sum of 2 (entry, exit and results), 4 (topology, property counts, wake reasons), "
                 "8 (locks), 16 (progress, scanned values) and 128 (the database).\n"

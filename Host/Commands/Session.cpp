@@ -23,7 +23,7 @@ constexpr std::uint64_t WATCH_PATIENCE = 3000;
 HostFolders foldersOf(const Options& options)
 {
     return {shareFolder(Platform::programFolder()), options.m_Data.value_or(Platform::defaultDataFolder()),
-            keepsRows(options), options.m_Command == Command::Watch ? WATCH_PATIENCE : 0};
+            keepsRows(options), options.m_Command == Command::Watch ? WATCH_PATIENCE : 0, options.m_Reader};
 }
 
 std::vector<std::filesystem::path> pluginsOf(const Options& options)

@@ -37,8 +37,8 @@ class ParallelDrives : public TLXX::IDeviceBackend
 {
 public:
     /**
-     * `machine` enumerates, and `source` asks its drives. Throws `std::runtime_error` when the system gives
-     * no event.
+     * `machine` enumerates, and `source` asks its drives with these rights. Throws `std::runtime_error` when
+     * the system gives no event.
      */
     ParallelDrives(std::shared_ptr<TLXX::IDeviceBackend> machine, std::unique_ptr<TLXX::IDriveSource> source,
                    Rights rights = Rights::Own);

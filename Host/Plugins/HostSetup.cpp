@@ -38,12 +38,13 @@ void startTrace(const TraceOptions& trace)
 
 /** Reads the drives of `fleet`, of `former`, or of this machine: the first of them that there is. */
 std::shared_ptr<ParallelDrives> readSideBySide(const std::shared_ptr<SimulatedFleet>& fleet,
-                                               const std::shared_ptr<TLXX::IDeviceBackend>& former)
+                                               const std::shared_ptr<TLXX::IDeviceBackend>& former,
+                                               const std::optional<std::filesystem::path>& reader)
 {
     const std::shared_ptr<TLXX::IDeviceBackend> other = fleet ? fleet : former;
     if (other)
         return std::make_shared<ParallelDrives>(other, std::make_unique<TLXX::CThreadedSource>(other));
-    MachineDrives drives = machineDrives(std::nullopt);
+    MachineDrives drives = machineDrives(reader);
     return std::make_shared<ParallelDrives>(TLXX::platformBackend(), std::move(drives.m_Source),
                                             drives.m_OwnRights ? Rights::Own : Rights::Readers);
 }
@@ -75,7 +76,7 @@ HostSetup::HostSetup(const HostFolders& folders, const TraceOptions& trace,
                      const std::optional<std::filesystem::path>& fleetFile, const Warn& warn)
     : m_Fleet(fleetFile ? std::make_shared<SimulatedFleet>(*fleetFile, warn) : nullptr),
       m_Former(TLXX::deviceBackend()),
-      m_Drives(readSideBySide(m_Fleet, m_Former)),
+      m_Drives(readSideBySide(m_Fleet, m_Former, folders.m_Reader)),
       m_Trace(trace)
 {
     keepNoRows();

@@ -20,6 +20,7 @@ struct HostFolders
     std::filesystem::path m_Data;  ///< settings
     bool m_KeepsRows = false;      ///< the data folder holds the database, too; otherwise no rows are kept
     std::uint64_t m_Patience = 0;  ///< milliseconds to wait for another process that keeps rows there
+    std::optional<std::filesystem::path> m_Reader = {}; ///< socket of a reader; see `machineDrives`
 };
 
 struct TraceOptions

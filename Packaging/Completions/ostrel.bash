@@ -3,10 +3,10 @@
 _ostrel() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} word command=
     local commands="list topology show set watch doctor"
-    local options="--version -h --help --plugin --data --simulate --trace --trace-file --json"
+    local options="--version -h --help --plugin --data --simulate --reader --trace --trace-file --json"
 
     case $previous in
-        --plugin | --simulate | --trace-file)
+        --plugin | --simulate | --reader | --trace-file)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             return

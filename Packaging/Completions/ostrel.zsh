@@ -31,6 +31,7 @@ _arguments \
     '*--plugin[Load this plug-in in addition to the installed one]:file:_files' \
     '--data[Folder for database, adapter numbers and settings]:folder:_files -/' \
     '--simulate[Show the drives that a fleet file describes]:file:_files' \
+    '--reader[Ask the drives through the reader at this socket]:file:_files' \
     '*--trace[Write trace lines of these levels (of module N)]:value: ' \
     '--trace-file[File for trace lines instead of standard error]:file:_files' \
     '--json[Print a JSON document (watch: one object per line)]' \

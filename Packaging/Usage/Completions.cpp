@@ -22,7 +22,7 @@ std::string quoted(const std::string& text)
 
 bool isFile(const OptionUsage& option)
 {
-    return option.m_Value == "FILE" || option.m_Value == "FLEET.json";
+    return option.m_Value == "FILE" || option.m_Value == "FLEET.json" || option.m_Value == "SOCKET";
 }
 
 bool isFolder(const OptionUsage& option)

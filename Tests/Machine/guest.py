@@ -52,14 +52,15 @@ class Guest:
         archive.device("/dev/console", 5, 1)
         for program in ("busybox", "nvme", "smartctl", "sqlite3", "strace"):
             archive.program(program)
-        archive.text("/etc/passwd", "root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n")
-        archive.text("/etc/group", "root:x:0:\nnogroup:x:65534:\n")
+        archive.text("/etc/passwd", "root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n"
+                     "member:x:1000:1000::/:/bin/sh\n")
+        archive.text("/etc/group", "root:x:0:\nnogroup:x:65534:\nmember:x:1000:\nostrel:x:900:member\n")
         archive.text("/init", (HERE / "init.sh").read_text(), mode=0o755)
         paths = sum(drive.path_count() for drive in self._drives)
         namespaces = sum(drive.namespace_count() for drive in self._drives)
         archive.text("/job/job.sh", f"await_drives {len(self._drives)} {paths} {namespaces}\n{job}")
         if tree is not None:
-            archive.tree("/opt/ostrel", tree, ("bin/ostrel", "lib/**/*.so*", "share/ostrel/*"))
+            archive.tree("/opt/ostrel", tree, ("bin/ostrel", "libexec/**/*", "lib/**/*.so*", "share/ostrel/*"))
         for program in programs:
             if tree is not None and (tree / "bin" / program).exists():
                 archive.tree("/opt/ostrel", tree, (f"bin/{program}",))

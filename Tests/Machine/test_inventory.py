@@ -50,7 +50,7 @@ class Booted(unittest.TestCase):
 
     def output(self, name, code=0):
         """The output of a run of ostrel. The run must have this exit code and, if that is 0, no message."""
-        self.assertEqual(self.ended(name), code, self.messages(name))
+        self.assertEqual(self.ended(name), code, f"{name}: {self.messages(name)}")
         if code == 0:
             self.assertEqual(self.messages(name), "", name)
         return self.files[f"ostrel/{name}.out"].decode()

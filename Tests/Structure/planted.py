@@ -29,6 +29,8 @@ PLANTED = [
      "Libraries/PI/Src may not know Libraries/TLX/Src"),
     ("Libraries/PI/Include/PI/Planted.h", "<TLXX/NvmeQuery.h>",
      "Libraries/PI/Include/PI may not know Libraries/TLXX/Include/TLXX"),
+    ("Reader/Planted.cpp", "<PI/IPluginApi.h>", "Reader may not know Libraries/PI/Include/PI"),
+    ("Host/Drives_Linux/Planted.cpp", '"../../Reader/Server.h"', "Host/Drives_Linux may not know Reader"),
     ("Host/Commands/Planted.cpp", "<sqlite3.h>", "only Libraries/Database/Src may include sqlite3.h"),
     ("Host/Commands/Planted.cpp", "<windows.h>", "only Win/ may include windows.h"),
     ("Host/Commands/Planted.cpp", '"Nowhere.h"', "Nowhere.h leads to no file"),

@@ -25,12 +25,6 @@ namespace {
 /** How long drives may wait for a thread before there are twice as many threads, in milliseconds. */
 constexpr std::uint64_t PATIENCE = 5;
 
-struct CJob
-{
-    CDriveAddress m_Drive;
-    std::vector<CDriveCommand> m_Commands;
-};
-
 /** Calls `query` with a block. Returns its status; `bytes` has the block if that is 0. */
 template<typename Block, typename Query>
 std::uint32_t fetch(std::vector<std::uint8_t>& bytes, Query query)
@@ -87,6 +81,12 @@ CDriveAnswer answerOf(IDeviceBackend& backend, const CDriveAddress& drive, const
 /** What the threads share with the source. The last of them destroys it, which may never happen. */
 struct CThreadedSource::Shared
 {
+    struct CJob
+    {
+        CDriveAddress m_Drive;
+        std::vector<CDriveCommand> m_Commands;
+    };
+
     explicit Shared(std::shared_ptr<IDeviceBackend> backend) : m_Backend(std::move(backend)) {}
 
     /** The body of a thread. */

@@ -62,9 +62,9 @@ TEST(CommandLine, KnowsTheCommands)
 
 TEST(CommandLine, TakesOptionsBeforeAndAfterTheCommand)
 {
-    const std::vector<std::string> options = {"--plugin",     "p.so",   "--data",  ".",
-                                              "--simulate",   "f.json", "--trace", "0x1F",
-                                              "--trace-file", "t.log",  "--json"};
+    const std::vector<std::string> options = {
+        "--plugin", "p.so",         "--data", ".",      "--simulate", "f.json", "--trace",
+        "0x1F",     "--trace-file", "t.log",  "--json", "--reader",   "r.sock"};
     std::vector<std::string> before = options;
     before.emplace_back("list");
     std::vector<std::string> after = options;
@@ -75,6 +75,7 @@ TEST(CommandLine, TakesOptionsBeforeAndAfterTheCommand)
         EXPECT_THAT(parsed.m_Plugins, ElementsAre("p.so"));
         EXPECT_EQ(parsed.m_Data, ".");
         EXPECT_EQ(parsed.m_Fleet, "f.json");
+        EXPECT_EQ(parsed.m_Reader, "r.sock");
         EXPECT_EQ(parsed.m_Trace.m_Mask, 31U);
         EXPECT_EQ(parsed.m_Trace.m_File, "t.log");
         EXPECT_TRUE(parsed.m_Json);
@@ -191,7 +192,7 @@ TEST(CommandLine, SaysWhereACommandsOwnOptionBelongs)
 
 TEST(CommandLine, RefusesPathsWithoutAName)
 {
-    for (const char* option : {"--data", "--simulate", "--plugin", "--trace-file"})
+    for (const char* option : {"--data", "--simulate", "--reader", "--plugin", "--trace-file"})
         EXPECT_THAT(refusalOf({"list", option, "", "--trace", "1"}),
                     StartsWith(std::string(option) + ": needs a name, not an empty text"));
     EXPECT_EQ(refusalOf({"--data=", "list"}),
@@ -223,8 +224,8 @@ TEST(CommandLine, HelpIsThereForTheProgramAndEveryCommand)
 {
     const std::string help = textFor({"--help"});
     for (const char* word : {"list", "topology", "show", "set", "watch", "doctor", "--plugin FILE",
-                             "--data DIR", "--simulate FLEET.json", "--trace [N=]MASK", "--trace-file FILE",
-                             "--json", "--version", "Exit codes", "Examples:"})
+                             "--data DIR", "--simulate FLEET.json", "--reader SOCKET", "--trace [N=]MASK",
+                             "--trace-file FILE", "--json", "--version", "Exit codes", "Examples:"})
         EXPECT_THAT(help, HasSubstr(word));
     for (const char* command : {"list", "topology", "show", "set", "watch", "doctor"}) {
         const std::string text = textFor({command, "--help"});
@@ -261,8 +262,8 @@ TEST(CommandLine, DescribesItself)
     for (const OptionUsage& option : described.m_Options)
         names.push_back(option.m_Names.back() + " " + option.m_Value + (option.m_IsRepeated ? "*" : ""));
     EXPECT_THAT(names, testing::UnorderedElementsAre("--help ", "--version ", "--plugin FILE*", "--data DIR",
-                                                     "--simulate FLEET.json", "--trace [N=]MASK*",
-                                                     "--trace-file FILE", "--json "));
+                                                     "--simulate FLEET.json", "--reader SOCKET",
+                                                     "--trace [N=]MASK*", "--trace-file FILE", "--json "));
     for (const CommandUsage& command : described.m_Commands) {
         ASSERT_EQ(command.m_Options.size(), command.m_Name == "watch" ? 1U : 0U) << command.m_Name;
         EXPECT_NE(command.m_Description, "");

@@ -185,4 +185,13 @@ TEST(ProgramFailure, SaysWhenResultsCannotBeWritten)
     EXPECT_EQ(WEXITSTATUS(status), 1);
 }
 
+TEST(ProgramFailure, NamesAReaderThatIsNotThere)
+{
+    const TestSupport::CTemporaryFolder folder;
+    const ProgramResult missing = runProgram({"list", "--reader", folder.Path() / "reader.sock"});
+    EXPECT_EQ(missing.m_ExitCode, 4);
+    EXPECT_THAT(missing.m_Errors,
+                AllOf(HasSubstr("No reader can be used at "), HasSubstr("reader.sock: No such file")));
+}
+
 } // namespace
