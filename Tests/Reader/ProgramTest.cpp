@@ -16,6 +16,7 @@
 #include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -149,7 +150,7 @@ TEST(ReaderRestrictions, TakeEverythingElse)
     EXPECT_EQ(restricted([] { return ::unlink("/nowhere"); }), EPERM);
     EXPECT_EQ(restricted([] { return ::mkdir("/nowhere", 0700); }), EPERM);
     EXPECT_EQ(restricted([] { return ::kill(1, 0); }), EPERM);
-    EXPECT_EQ(restricted([] { return ::setuid(0); }), EPERM);
+    EXPECT_EQ(restricted([] { return ::syscall(SYS_setuid, 0); }), EPERM);
     EXPECT_EQ(restricted([] {
                   void* const page =
                       ::mmap(nullptr, 4096, PROT_READ | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
