@@ -38,8 +38,8 @@ TEST(CheckSettings, ReadsTheFileOfAFolderThatIsNamedByARelativePath)
 {
     const TestSupport::CTemporaryFolder folder;
     folder.Write("Ostrel.ini", "PollInterval=abc\n");
-    // The program makes its data folder the one of all settings.
-    PI::CConfigFile::SetFolder(folder.Path().native());
+    // The folder of all settings must not be put before the path.
+    PI::CConfigFile::SetFolder((folder.Path() / "other").native());
     EXPECT_THAT(checkSettings(std::filesystem::relative(folder.Path())),
                 finding(Finding::Problem, "PollInterval is \"abc\""));
     PI::CConfigFile::SetFolder({});
