@@ -161,6 +161,29 @@ private:
     std::unique_ptr<Native> m_Native;
 };
 
+/**
+ * While it lives, a crash of the process prints a last text and ends the process with an exit code of its
+ * own, because whoever reads the results must not take the crash's code for one. One at a time.
+ */
+class CrashReport
+{
+public:
+    CrashReport(Output& output, std::string text, int exitCode);
+    ~CrashReport();
+    CrashReport(const CrashReport&) = delete;
+    CrashReport& operator=(const CrashReport&) = delete;
+
+    /** Prints the text. Returns the exit code. */
+    int print() const noexcept;
+
+private:
+    struct Native;
+    Output& m_Output;
+    const std::string m_Text;
+    const int m_ExitCode;
+    std::unique_ptr<Native> m_Native;
+};
+
 /** `time` in the time zone of this machine. */
 std::tm localTime(std::time_t time);
 

@@ -264,6 +264,9 @@ private:
             ->option_text(" ");
         addSetCommand();
         addWatchCommand();
+        addCommand(Command::Check, "check", "Print a verdict for monitoring systems", CHECK_FOOTER)
+            ->add_option("OBJECT", m_Options.m_Object, "A drive, as in \"show\"; without it every drive")
+            ->option_text(" ");
         addCommand(Command::Doctor, "doctor", "Check what can be seen here, and say what is wrong",
                    DOCTOR_FOOTER);
     }

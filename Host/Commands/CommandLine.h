@@ -19,6 +19,7 @@ enum class Command
     Show,
     Set,
     Watch,
+    Check,
     Doctor,
 };
 
@@ -31,7 +32,7 @@ struct Options
     std::optional<std::filesystem::path> m_Reader;
     TraceOptions m_Trace;
     bool m_Json = false;
-    std::string m_Object;                   ///< of `show` and `set`
+    std::string m_Object;                   ///< of `show`, `set` and `check`; empty: every drive
     std::optional<std::string> m_Property;  ///< of `show` and `set`
     std::string m_Value;                    ///< of `set`
     std::optional<std::uint32_t> m_Seconds; ///< of `watch`

@@ -7,6 +7,7 @@
 
 #include <PI/LifeTimeData.h>
 #include <TLX/LanguageSupport.h>
+#include <TLXX/DeviceNotification.h>
 
 #include <nlohmann/json.hpp>
 
@@ -72,7 +73,7 @@ void checkRequests(PluginSet& plugins, const std::vector<TLXX::CControllerState>
 {
     try {
         const Progress progress = signOfLife(states, session);
-        const ObjectStore store(plugins.inventory(), states);
+        const ObjectStore store = askForObjects(plugins, states, session);
         const auto adapters =
             std::count_if(store.objects().begin(), store.objects().end(),
                           [](const PI::CObject& object) { return object.m_Type == PI::TYPE_ADAPTER; });
@@ -145,6 +146,7 @@ Checks examine(const Session& session)
     Checks unserved;
     if (!session.simulated()) {
         append(checks, checkSystem(Platform::runningSystem(), Platform::isDriverThere(), states));
+        checks.push_back(checkAnnouncements(TLXX::CDeviceNotification::Available()));
         unserved = checkUnserved(Platform::unservedFunctions());
     }
     append(checks, unserved);

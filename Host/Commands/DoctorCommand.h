@@ -64,6 +64,9 @@ Check checkKeptRows(const std::filesystem::path& file);
 std::vector<Check> checkSystem(const Platform::System& system, bool driverIsThere,
                                const std::vector<TLXX::CControllerState>& states);
 
+/** How drives that come and go are found. `available` says that the system announces them. */
+Check checkAnnouncements(bool available);
+
 /**
  * Controllers that no enumeration finds, because another driver or none has them. It is no problem if a
  * controller was given to a virtual machine on purpose.
@@ -82,6 +85,9 @@ std::vector<Check> checkControllers(const std::vector<TLXX::CControllerState>& s
  */
 std::vector<Check> checkAnyDisk(const std::vector<TLXX::CControllerState>& states, bool anyUnserved,
                                 const SimulatedFleet* fleet);
+
+/** The drives that do not answer. */
+std::vector<Check> checkSilent(const std::vector<DriveAnswer>& answers);
 
 /**
  * Checks that every disk of the store's controllers became an adapter with the right location. Also reports

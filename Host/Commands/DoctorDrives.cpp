@@ -2,8 +2,10 @@
 #include "Commands/DoctorCommand.h"
 #include "Drives/DeviceAccess.h"
 #include "Facts/Drives.h"
+#include "Facts/Silence.h"
 
 #include <PI/ErrorCode.h>
+#include <TLX/Clock.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <algorithm>
@@ -190,6 +192,13 @@ void checkTexts(const Drive& drive, const std::string& device, Checks& checks)
             note(subject, "its texts contain bytes that cannot be printed; they are shown as '?'"));
 }
 
+bool isSilentDisk(const ObjectStore& store, const TLXX::CControllerState& state)
+{
+    return std::any_of(store.answers().begin(), store.answers().end(), [&](const DriveAnswer& answer) {
+        return answer.m_DeviceName == state.m_DeviceName && isSilent(answer);
+    });
+}
+
 } // namespace
 
 Checks checkControllers(const std::vector<TLXX::CControllerState>& states)
@@ -225,12 +234,23 @@ Checks checkAnyDisk(const std::vector<TLXX::CControllerState>& states, bool anyU
                 "Connect one, or show a simulated fleet with --simulate.");
 }
 
-Checks checkInventory(const ObjectStore& store)
+Checks checkSilent(const std::vector<DriveAnswer>& answers)
 {
     Checks checks;
+    for (const DriveAnswer& answer : answers)
+        if (isSilent(answer))
+            checks.push_back(problem(ExitCode::RequestFailed,
+                                     std::string(shortDeviceName(answer.m_DeviceName)),
+                                     silenceReason(answer, TLX::Misc::now()), SILENCE_REMEDY));
+    return checks;
+}
+
+Checks checkInventory(const ObjectStore& store)
+{
+    Checks checks = checkSilent(store.answers());
     bool dropped = false;
     for (const TLXX::CControllerState& state : store.controllers()) {
-        if (state.m_DeviceName.empty() || isRefused(state))
+        if (state.m_DeviceName.empty() || isRefused(state) || isSilentDisk(store, state))
             continue;
         const PI::CObject* adapter = adapterWith(store, state);
         if (adapter == nullptr) {
@@ -244,13 +264,16 @@ Checks checkInventory(const ObjectStore& store)
             note("numbers", "disks were left out, so the disks after them have other numbers and locations"));
     // These checks are about the system's NVMe drives only. Drives of other plug-ins may be something else.
     std::vector<Drive> drives;
-    for (const Drive& drive : joinDrives(store))
+    for (const Drive& drive : joinDrives(store)) {
+        if (!drive.m_AdapterId)
+            continue;
         if (const TLXX::CControllerState* controller = store.controllerOf(*store.byId(*drive.m_AdapterId))) {
             drives.push_back(drive);
             checkNamespace(drive, controller->m_DeviceName, checks);
             checkHealthLog(drive, controller->m_DeviceName, checks);
             checkTexts(drive, controller->m_DeviceName, checks);
         }
+    }
     checkShared(drives, checks);
     return checks;
 }

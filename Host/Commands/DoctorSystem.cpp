@@ -62,6 +62,15 @@ Checks checkSystem(const Platform::System& system, bool driverIsThere,
     return checks;
 }
 
+Check checkAnnouncements(bool available)
+{
+    if (available)
+        return ok("announcements", "the system tells at once when drives come or go");
+    return note("announcements",
+                "the system does not tell this program when drives come or go; watch finds them at its next "
+                "poll");
+}
+
 Checks checkUnserved(const std::vector<Platform::UnservedFunction>& functions)
 {
     Checks checks;

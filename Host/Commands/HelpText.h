@@ -10,7 +10,8 @@ inline constexpr char PROGRAM_FOOTER[] =
 command must come after it. "ostrel COMMAND --help" explains a command.
 
 Exit codes: 0 done, 1 a request failed, 2 wrong usage, 3 no supported hardware,
-4 no permission, 5 no such object.
+4 no permission, 5 no such object. Those of "check" are 0 OK, 1 WARNING,
+2 CRITICAL, 3 UNKNOWN.
 
 Examples:
   sudo ostrel list
@@ -73,6 +74,22 @@ Examples:
   sudo ostrel watch
   sudo ostrel watch --json | jq 'select(.severity > 2).text'
   ostrel watch --for 60 --simulate fleet.json)";
+
+inline constexpr char CHECK_FOOTER[] =
+    R"(One line as Nagios, Icinga and others expect it: the verdict, what is wrong, and
+after "|" the drives' figures with their limits. The health of the drives
+decides; of several verdicts CRITICAL counts most, then WARNING, UNKNOWN, OK.
+A drive that does not answer is asked once more: WARNING if it answers then,
+otherwise CRITICAL.
+
+Exit codes: 0 OK, 1 WARNING, 2 CRITICAL, 3 UNKNOWN. Whatever is no verdict is
+UNKNOWN: wrong options, this help, no permission, no drive, a failed request.
+The options of "ostrel --help" may be given, too.
+
+Examples:
+  sudo ostrel check
+  sudo ostrel check S64HNE0R602114
+  ostrel check --json --simulate fleet.json)";
 
 inline constexpr char DOCTOR_FOOTER[] =
     R"(Prints a line for each check: OK, NOTE, or PROBLEM with what to do about it. The

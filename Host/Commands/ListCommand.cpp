@@ -4,10 +4,12 @@
 #include "Documents/Json.h"
 #include "Facts/FactTable.h"
 #include "Facts/PropertyText.h"
+#include "Facts/Silence.h"
 #include "Terminal/Paragraph.h"
 #include "Terminal/Table.h"
 
 #include <PI/PropertyId.h>
+#include <TLX/Clock.h>
 
 #include <nlohmann/json.hpp>
 
@@ -49,10 +51,24 @@ std::string reasonsText(const Drive& drive)
     return text;
 }
 
+std::string healthText(const Drive& drive, bool withReasons)
+{
+    const std::string reasons = withReasons ? reasonsText(drive) : std::string();
+    return drive.m_Health->m_Text + (reasons.empty() ? "" : ": " + reasons);
+}
+
+/** The health of a silent drive, as it was. */
+std::string lastHealthText(const Drive& drive)
+{
+    return drive.m_Health ? "; its health was: " + healthText(drive, false) : "";
+}
+
 /** The remarks about a drive below the table, each a paragraph. */
 std::string notesText(const std::string& device, const Drive& drive, const Screen& screen)
 {
     std::vector<std::string> notes;
+    if (isSilent(drive))
+        notes.push_back(printable(silenceReason(*drive.m_Answer, TLX::Misc::now()) + lastHealthText(drive)));
     if (!drive.m_Reasons.empty())
         notes.push_back(printable(reasonsText(drive)));
     if (drive.m_HealthLogRead == false)
@@ -66,12 +82,15 @@ std::string notesText(const std::string& device, const Drive& drive, const Scree
     return text;
 }
 
-Cell healthCell(const Drive& drive, bool withReasons)
+Cell healthCell(const Drive& drive, bool onTerminal)
 {
+    if (isSilent(drive) && onTerminal)
+        return {"No answer", Tone::Bad};
+    if (isSilent(drive))
+        return {silenceText(*drive.m_Answer, TLX::Misc::now()) + lastHealthText(drive), Tone::Bad};
     if (!drive.m_Health)
         return {UNKNOWN};
-    const std::string reasons = withReasons ? reasonsText(drive) : std::string();
-    return {drive.m_Health->m_Text + (reasons.empty() ? "" : ": " + reasons),
+    return {healthText(drive, !onTerminal),
             drive.m_Health->m_Code ? toneOfCode(*drive.m_Health->m_Code) : Tone::Plain};
 }
 
@@ -102,7 +121,7 @@ std::string listText(const std::vector<Drive>& drives, const Screen& screen)
                    {drive.m_CapacityMiB ? sizeText(*drive.m_CapacityMiB) : UNKNOWN},
                    {orUnknown(drive.m_Temperature, PI::UNIT_CELSIUS)},
                    {orUnknown(drive.m_Wear, PI::UNIT_PERCENT)},
-                   healthCell(drive, !terminal)});
+                   healthCell(drive, terminal)});
         if (terminal)
             notes += notesText(printable(device), drive, screen);
     }

@@ -2,6 +2,7 @@
 
 #include "Base/Failure.h"
 #include "Base/Platform.h"
+#include "Commands/CheckCommand.h"
 #include "Commands/CommandLine.h"
 #include "Commands/DoctorCommand.h"
 #include "Commands/ListCommand.h"
@@ -29,7 +30,7 @@ bool asksFor(const std::vector<std::string>& words, const std::string& option)
     });
 }
 
-ExitCode execute(const Options& options, Terminal& terminal)
+int execute(const Options& options, Terminal& terminal)
 {
     // Plug-ins may print to standard output. That output is only useful together with trace lines.
     Platform::divertStandardOutput(options.m_Trace.wanted() ? Platform::Elsewhere::StandardError
@@ -37,20 +38,24 @@ ExitCode execute(const Options& options, Terminal& terminal)
     const Session session(options, terminal);
     switch (options.m_Command) {
     case Command::List:
-        return list(session);
+        return static_cast<int>(list(session));
     case Command::Topology:
-        return topology(session);
+        return static_cast<int>(topology(session));
     case Command::Show:
-        return show(session);
+        return static_cast<int>(show(session));
     case Command::Set:
-        return set(session);
+        return static_cast<int>(set(session));
     case Command::Watch:
-        return watch(session);
+        return static_cast<int>(watch(session));
+    case Command::Check:
+        return static_cast<int>(check(session));
     case Command::Doctor:
-        return doctor(session);
+        return static_cast<int>(doctor(session));
     }
-    return ExitCode::RequestFailed;
+    return static_cast<int>(ExitCode::RequestFailed);
 }
+
+constexpr int NO_VERDICT = static_cast<int>(Verdict::Unknown);
 
 /** Reports failures as a message, and also as a document if the user asked for documents. */
 class FailureReport
@@ -63,9 +68,18 @@ public:
           m_Simulated(asksFor(words, "--simulate"))
     {}
 
-    ExitCode report(ExitCode exitCode, const std::string& message,
-                    const std::optional<RequestResult>& result = std::nullopt) const
+    /** What a crash leaves to be told by "check". */
+    std::string crashText() const
     {
+        return noVerdict("The program crashed, or one of its plug-ins did.", m_Json, m_Simulated);
+    }
+
+    /** Returns the exit code of the program. */
+    int report(ExitCode exitCode, const std::string& message,
+               const std::optional<RequestResult>& result = std::nullopt) const
+    {
+        if (isCheck())
+            return reportNoVerdict(message, result);
         m_Terminal.tell(message);
         try {
             if (m_Json) {
@@ -79,10 +93,22 @@ public:
             if (error.what() != message)
                 m_Terminal.tell(error.what());
         }
-        return exitCode;
+        return static_cast<int>(exitCode);
     }
 
+    bool isCheck() const { return commandIn(m_Words) == "check"; }
+
 private:
+    int reportNoVerdict(const std::string& message, const std::optional<RequestResult>& result) const
+    {
+        try {
+            m_Terminal.print(noVerdict(message, m_Json, m_Simulated, result));
+        } catch (const std::exception& error) {
+            m_Terminal.tell(error.what());
+        }
+        return NO_VERDICT;
+    }
+
     const std::vector<std::string>& m_Words;
     Terminal& m_Terminal;
     const bool m_Json;
@@ -97,21 +123,25 @@ int run(const std::vector<std::string>& words)
     Platform::StandardOutput messages(Platform::Standard::Error);
     Terminal terminal(results, messages);
     const FailureReport failures(words, terminal);
-    ExitCode exitCode = ExitCode::Done;
     try {
         try {
-            exitCode = execute(parseCommandLine(words), terminal);
+            const Options options = parseCommandLine(words);
+            std::optional<Platform::CrashReport> crash;
+            if (options.m_Command == Command::Check)
+                crash.emplace(results, failures.crashText(), NO_VERDICT);
+            return execute(options, terminal);
         } catch (const TextAsked& asked) {
             terminal.print(asked.what());
+            return failures.isCheck() ? NO_VERDICT : static_cast<int>(ExitCode::Done);
         }
     } catch (const Platform::ReaderGone&) {
         // A reader that closes the pipe has read enough.
+        return static_cast<int>(ExitCode::Done);
     } catch (const Failure& failure) {
-        exitCode = failures.report(failure.exitCode(), failure.what(), failure.result());
+        return failures.report(failure.exitCode(), failure.what(), failure.result());
     } catch (const std::exception& error) {
-        exitCode = failures.report(ExitCode::RequestFailed, error.what());
+        return failures.report(ExitCode::RequestFailed, error.what());
     }
-    return static_cast<int>(exitCode);
 }
 
 } // namespace Host::Cli

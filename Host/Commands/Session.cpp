@@ -5,8 +5,11 @@
 #include "Base/Text.h"
 #include "Documents/Json.h"
 #include "Drives/DeviceAccess.h"
+#include "Facts/Silence.h"
 #include "Plugins/ControllerNames.h"
 #include "Plugins/DataFolder.h"
+
+#include <TLX/Clock.h>
 
 #include <nlohmann/json.hpp>
 
@@ -47,7 +50,7 @@ ObjectStore takeInventory(PluginSet& plugins, const Session& session)
 {
     const std::vector<TLXX::CControllerState> states = beginInventory(plugins, session);
     const Progress progress = signOfLife(states, session);
-    ObjectStore inventory(plugins.inventory(), states);
+    ObjectStore inventory = askForObjects(plugins, states, session);
     if (session.keepsRows())
         keepInventory(session.keptData(), inventory, session.warn());
     return inventory;
@@ -86,9 +89,19 @@ Warn Session::warn() const
     return [&terminal = m_Terminal](const std::string& message) { terminal.tell(message); };
 }
 
+std::vector<DriveAnswer> Session::answers() const
+{
+    return drives()->lastRound().m_Answers;
+}
+
 std::vector<const PI::CObject*> Session::namedObjects(const ObjectStore& store) const
 {
-    return store.named(diskOfController(TLXX::controllerStates(), m_Options.m_Object));
+    const std::string name = diskOfController(TLXX::controllerStates(), m_Options.m_Object);
+    for (const Drive& drive : joinDrives(store))
+        if (isUnheard(drive, name))
+            throw Failure(ExitCode::RequestFailed,
+                          unheardText(drive, TLX::Misc::now()) + " " + SILENCE_REMEDY);
+    return store.named(name);
 }
 
 void Session::print(const std::string& text) const
@@ -96,15 +109,15 @@ void Session::print(const std::string& text) const
     const std::string mark =
         simulated() ? printable("Simulated fleet: " + m_Setup.fleet()->file().filename().string()) + '\n'
                     : "";
-    write(mark + text);
+    printAsIs(mark + text);
 }
 
 void Session::print(const nlohmann::ordered_json& document) const
 {
-    write(documentText(document, simulated()));
+    printAsIs(documentText(document, simulated()));
 }
 
-void Session::write(const std::string& text) const
+void Session::printAsIs(const std::string& text) const
 {
     try {
         m_Terminal.print(text);
@@ -123,9 +136,29 @@ Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Ses
                     traced ? nullptr : &session.m_Terminal);
 }
 
+ObjectStore askForObjects(PluginSet& plugins, const std::vector<TLXX::CControllerState>& states,
+                          const Session& session)
+{
+    std::vector<PI::CObject> objects;
+    try {
+        objects = plugins.inventory();
+    } catch (const Failure& failure) {
+        // The plug-in knows no drive that has never answered.
+        if (failure.exitCode() != ExitCode::NoHardware || silentInstances(session.answers()).empty())
+            throw;
+    }
+    return ObjectStore(std::move(objects), states, session.answers());
+}
+
+void Inventory::askAgain(const Session& session)
+{
+    m_Plugins.deInitialize();
+    m_Objects = askForObjects(m_Plugins, TLXX::controllerStates(), session);
+}
+
 Inventory::Inventory(const Session& session) : m_Objects(takeInventory(m_Plugins, session)) {}
 
-Watched::Watched(const Session& session) : m_Rows(session.warn())
+Watched::Watched(const Session& session) : m_Rows(session.warn()), m_Drives(session.drives())
 {
     const Progress progress = signOfLife(beginInventory(m_Plugins, session), session);
     for (EquippedPlugin& plugin : m_Plugins.initialize())
@@ -178,9 +211,9 @@ void Watched::lookAtControllers()
         m_Controllers = controllersNow();
 }
 
-ObjectStore Watched::objectsOf(const Monitor& monitor) const
+ObjectStore Watched::objectsOf(const Monitor& monitor, std::vector<DriveAnswer> answers) const
 {
-    return ObjectStore(monitor.objects().objects(), m_Controllers);
+    return ObjectStore(monitor.objects().objects(), m_Controllers, std::move(answers));
 }
 
 ObjectStore Watched::objects() const
@@ -190,7 +223,7 @@ ObjectStore Watched::objects() const
         const std::vector<PI::CObject>& objects = monitor.objects().objects();
         all.insert(all.end(), objects.begin(), objects.end());
     }
-    return ObjectStore(std::move(all), m_Controllers);
+    return ObjectStore(std::move(all), m_Controllers, m_Drives->lastRound().m_Answers);
 }
 
 } // namespace Host::Cli

@@ -47,6 +47,9 @@ public:
         return keepsRows() ? m_Folders.m_Data : std::filesystem::path();
     }
 
+    /** Which drives answered in the last round. */
+    std::vector<DriveAnswer> answers() const;
+
     /** The objects of `store` that the user named. Throws `Failure`. */
     std::vector<const PI::CObject*> namedObjects(const ObjectStore& store) const;
 
@@ -56,15 +59,14 @@ public:
      */
     void print(const std::string& text) const;
     void print(const nlohmann::ordered_json& document) const;
+    /** The same for a text that says itself where the drives are simulated. */
+    void printAsIs(const std::string& text) const;
 
     const Options& m_Options;
     Terminal& m_Terminal;
     const HostFolders m_Folders;
     const std::vector<std::filesystem::path> m_Plugins; ///< the installed one first
     const HostSetup m_Setup;
-
-private:
-    void write(const std::string& text) const;
 };
 
 /**
@@ -72,6 +74,13 @@ private:
  * runs.
  */
 Progress signOfLife(const std::vector<TLXX::CControllerState>& states, const Session& session);
+
+/**
+ * What the plug-ins show, and which drives answered. Without any object when the plug-ins found no drive, and
+ * there is one that does not answer. Throws `Failure`.
+ */
+ObjectStore askForObjects(PluginSet& plugins, const std::vector<TLXX::CControllerState>& states,
+                          const Session& session);
 
 /**
  * The objects that the plug-ins show. The plug-ins stay loaded, because the texts of their codes would be
@@ -84,6 +93,9 @@ public:
     explicit Inventory(const Session& session);
 
     const ObjectStore& objects() const { return m_Objects; }
+
+    /** Asks every drive once more. Throws `Failure`. */
+    void askAgain(const Session& session);
 
     PluginSet& plugins() { return m_Plugins; }
 
@@ -126,8 +138,8 @@ public:
     /** The objects that all plug-ins showed at the last look. */
     ObjectStore objects() const;
 
-    /** What `monitor`, one of `monitors()`, showed at the last look. */
-    ObjectStore objectsOf(const Monitor& monitor) const;
+    /** What `monitor`, one of `monitors()`, showed at the last look. `answers` are those of its drives. */
+    ObjectStore objectsOf(const Monitor& monitor, std::vector<DriveAnswer> answers) const;
 
 private:
     void cleanUp();
@@ -137,6 +149,7 @@ private:
     std::list<Monitor> m_Monitors;
     KeptRows m_Rows;
     std::vector<TLXX::CControllerState> m_Controllers; ///< of the last look
+    std::shared_ptr<ParallelDrives> m_Drives;
 };
 
 } // namespace Host::Cli

@@ -4,10 +4,12 @@
 #include "Documents/Json.h"
 #include "Facts/Measured.h"
 #include "Facts/PropertyText.h"
+#include "Facts/Silence.h"
 #include "Terminal/Captions.h"
 #include "Terminal/Paragraph.h"
 
 #include <PI/PluginHelper.h>
+#include <TLX/Clock.h>
 
 #include <nlohmann/json.hpp>
 
@@ -85,6 +87,8 @@ ExitCode topology(const Session& session)
     nlohmann::ordered_json document = {{"objects", nlohmann::ordered_json::array()}};
     for (const PI::CObject& object : store.objects())
         document["objects"].push_back(objectJson(store, object));
+    if (nlohmann::ordered_json unheard = unheardJson(store); !unheard.empty())
+        document["unheardDrives"] = std::move(unheard);
     session.print(document);
     return ExitCode::Done;
 }
@@ -132,6 +136,11 @@ std::string topologyText(const ObjectStore& store, const Screen& screen)
     // Objects that name one another as children in a circle have no root.
     for (const PI::CObject& object : store.objects())
         text += tree.branch(object, 0);
+    for (const Drive& drive : joinDrives(store))
+        if (!drive.m_AdapterId)
+            text += toned(screen, Tone::Heading, printable(subjectText(drive))) + '\n' +
+                    std::string(STEP, ' ') +
+                    paragraph(unheardText(drive, TLX::Misc::now()), STEP, screen, Tone::Warning);
     return text;
 }
 

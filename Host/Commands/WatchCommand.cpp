@@ -7,9 +7,11 @@
 #include "Commands/Session.h"
 #include "Documents/EntryJson.h"
 #include "Documents/Json.h"
+#include "Facts/DriveCheck.h"
 #include "Facts/DriveEvent.h"
 #include "Facts/DriveKey.h"
 #include "Facts/Observation.h"
+#include "Facts/Silence.h"
 #include "Journal/Journal.h"
 #include "Journal/Told.h"
 #include "Terminal/EventLine.h"
@@ -25,9 +27,11 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <set>
 #include <utility>
 
 namespace Host::Cli {
@@ -96,7 +100,7 @@ public:
     {
         m_End = until;
         m_Watched.start();
-        m_Drives = joinDrives(m_Watched.objects());
+        m_Drives = shownDrives();
         reportStart();
         watchUntil(askedToEnd);
         std::exception_ptr failed;
@@ -128,6 +132,8 @@ private:
         std::vector<TLX::Threading::CEvent*> events = {&askedToEnd};
         for (const WatchedDrives& plugin : m_Plugins)
             events.push_back(&plugin.m_Monitor.notified());
+        events.push_back(&m_Session.drives()->roundEnded());
+        const std::uint32_t roundEnded = static_cast<std::uint32_t>(events.size());
         TLX::Threading::CWaiter waiter(events);
         for (;;) {
             m_Watched.tellFailure();
@@ -137,6 +143,8 @@ private:
                 return;
             if (fired > asked && fired <= asked + m_Plugins.size())
                 report(m_Plugins[fired - asked - 1]);
+            else if (fired == roundEnded)
+                reportRound();
             else if (fired != TLX::Threading::WaitResult::TimedOut)
                 throw Failure(ExitCode::RequestFailed,
                               "The system does not let the program wait for events.");
@@ -146,6 +154,14 @@ private:
             if (TLX::Misc::monotonic() >= m_End)
                 return;
         }
+    }
+
+    /** Without those that have never answered: no event of a plug-in is about them. */
+    std::vector<Drive> shownDrives() const
+    {
+        std::vector<Drive> drives = joinDrives(m_Watched.objects());
+        std::erase_if(drives, [](const Drive& drive) { return !drive.m_AdapterId; });
+        return drives;
     }
 
     /** How long the program may sleep, in milliseconds. */
@@ -168,10 +184,22 @@ private:
                 print(entry);
     }
 
+    /** Prints which drives fell silent and which answer again. Costs little when there is none. */
+    void reportRound()
+    {
+        std::set<std::string> silent = silentInstances(m_Session.answers());
+        if (silent == m_Silent)
+            return;
+        m_Silent = std::move(silent);
+        for (WatchedDrives& plugin : m_Plugins)
+            for (const Journal::Entry& entry : news(plugin))
+                print(entry);
+    }
+
     void report(WatchedDrives& plugin)
     {
         std::vector<PI::CEvent> events = m_Watched.collect(plugin.m_Monitor);
-        std::vector<Drive> after = joinDrives(m_Watched.objects());
+        std::vector<Drive> after = shownDrives();
         const std::vector<DriveEvent> told = withDrives(std::move(events), m_Drives, after);
         for (const DriveEvent& event : told)
             m_Terminal.print(m_Session.m_Options.m_Json ? lineText(eventJson(event), m_Session.simulated())
@@ -185,9 +213,34 @@ private:
     std::vector<Journal::Entry> news(WatchedDrives& plugin) const
     {
         Journal::Outcome outcome = Journal::advance(
-            plugin.m_State, observe(m_Watched.objectsOf(plugin.m_Monitor), TLX::Misc::now()));
+            plugin.m_State,
+            observe(m_Watched.objectsOf(plugin.m_Monitor, answersFor(plugin)), TLX::Misc::now()));
         plugin.m_State = std::move(outcome.m_State);
         return std::move(outcome.m_Entries);
+    }
+
+    /** Of the drives that the plug-in shows. The first plug-in also has those that none shows. */
+    std::vector<DriveAnswer> answersFor(const WatchedDrives& plugin) const
+    {
+        std::vector<DriveAnswer> answers = m_Session.answers();
+        const bool isFirst = &plugin == &m_Plugins.front();
+        std::erase_if(answers, [&](const DriveAnswer& answer) {
+            if (isFirst)
+                return std::any_of(std::next(m_Plugins.begin()), m_Plugins.end(),
+                                   [&](const WatchedDrives& other) { return shows(other, answer); });
+            return !shows(plugin, answer);
+        });
+        return answers;
+    }
+
+    static bool shows(const WatchedDrives& plugin, const DriveAnswer& answer)
+    {
+        const std::vector<PI::CObject>& objects = plugin.m_Monitor.objects().objects();
+        return std::any_of(objects.begin(), objects.end(), [&](const PI::CObject& object) {
+            return object.m_Type == PI::TYPE_ADAPTER &&
+                   shortDeviceName(textOf(object, PI::PROP_DEVICE_NAME)) ==
+                       shortDeviceName(answer.m_DeviceName);
+        });
     }
 
     void print(const Journal::Entry& entry)
@@ -204,10 +257,12 @@ private:
         const PI::CObject& plugin = m_Watched.monitors().front().pluginObject();
         m_Forecast.update(plugin.m_UpdateCount, pollInterval(plugin), now);
         const std::size_t drives = m_Drives.size();
+        const std::size_t silent = silentInstances(m_Session.answers()).size();
         const auto sick = std::count_if(m_Drives.begin(), m_Drives.end(), isSick);
         m_Terminal.showStatus((m_Session.simulated() ? "Simulated: " : "") + std::to_string(drives) +
                               (drives == 1 ? " drive" : " drives") +
                               (sick == 0 ? "" : ", " + std::to_string(sick) + " unhealthy") +
+                              (silent == 0 ? "" : ", " + std::to_string(silent) + " not answering") +
                               ", next poll at " + timeOfDayText(TLX::Misc::now() + m_Forecast.next() - now));
     }
 
@@ -219,6 +274,7 @@ private:
     std::uint64_t m_End = NEVER;
     std::vector<Drive> m_Drives; ///< from the last report of the drives
     std::vector<WatchedDrives> m_Plugins;
+    std::set<std::string> m_Silent; ///< instances of the drives that did not answer in the last round
 };
 
 /** While it lives, nobody waits for a drive any more as soon as the program is asked to end. */
@@ -256,6 +312,14 @@ std::uint64_t endOf(const Options& options)
                : NEVER;
 }
 
+void tellSilent(const Session& session)
+{
+    for (const DriveAnswer& answer : session.answers())
+        if (isSilent(answer))
+            session.m_Terminal.tell(std::string(shortDeviceName(answer.m_DeviceName)) + " " +
+                                    silenceReason(answer, TLX::Misc::now()) + ".");
+}
+
 /** Begins to watch as soon as a drive answers. Throws `Failure` when none has until `--for` is over. */
 std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& session)
 {
@@ -274,6 +338,7 @@ std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& sessi
             if (!end) {
                 end = endOf(session.m_Options);
                 session.m_Terminal.tell(failure.what() + std::string(" Waiting for the first drive."));
+                tellSilent(session);
             }
             if (TLX::Misc::monotonic() >= *end)
                 throw;

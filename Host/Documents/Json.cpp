@@ -5,6 +5,7 @@
 #include "Documents/JsonNumber.h"
 #include "Facts/FactTable.h"
 #include "Facts/PropertyText.h"
+#include "Facts/Silence.h"
 
 #include <PI/ErrorCode.h>
 #include <PI/PluginHelper.h>
@@ -176,6 +177,12 @@ Json objectJson(const ObjectStore& store, const PI::CObject& object)
             json["pciAddress"] = address->Text();
         addLocationDoubt(json, shownPlaceOf(store, object));
     }
+    const PI::CObject* adapter = adapterOf(store, object);
+    if (const DriveAnswer* answer = adapter != nullptr ? store.answerOf(*adapter) : nullptr) {
+        json["answering"] = answer->m_Answering;
+        if (isSilent(*answer) && answer->m_LastAnswer)
+            json["lastAnswer"] = utcText(*answer->m_LastAnswer);
+    }
     addHealthLogDoubt(json, healthLogRead(store, object));
     json["properties"] = Json::array();
     json["operations"] = Json::array();
@@ -214,15 +221,28 @@ Json ownFactsJson(const ObjectStore& store, const std::vector<const PI::CObject*
     return list;
 }
 
+Json listedJson(const Drive& drive)
+{
+    Json json = driveJson(drive);
+    if (const auto end = explainEndOfLife(drive))
+        json["endOfLife"] = endOfLifeJson(*end);
+    return json;
+}
+
+Json unheardJson(const ObjectStore& store)
+{
+    Json list = Json::array();
+    for (const Drive& drive : joinDrives(store))
+        if (!drive.m_AdapterId)
+            list.push_back(driveJson(drive));
+    return list;
+}
+
 Json listJson(const ObjectStore& store)
 {
     Json document = {{"drives", Json::array()}};
-    for (const Drive& drive : joinDrives(store)) {
-        Json json = driveJson(drive);
-        if (const auto end = explainEndOfLife(drive))
-            json["endOfLife"] = endOfLifeJson(*end);
-        document["drives"].push_back(std::move(json));
-    }
+    for (const Drive& drive : joinDrives(store))
+        document["drives"].push_back(listedJson(drive));
     return document;
 }
 

@@ -24,7 +24,11 @@ nlohmann::ordered_json driveJson(const Drive& drive);
  * adapter among `objects`.
  */
 nlohmann::ordered_json ownFactsJson(const ObjectStore& store, const std::vector<const PI::CObject*>& objects);
-/** All drives, as `list` shows them, with the figures of their end of life. */
+/** A drive as `list` shows it, with the figures of its end of life. */
+nlohmann::ordered_json listedJson(const Drive& drive);
+/** The drives that no object shows, because they have never answered. */
+nlohmann::ordered_json unheardJson(const ObjectStore& store);
+/** All drives, as `list` shows them. */
 nlohmann::ordered_json listJson(const ObjectStore& store);
 nlohmann::ordered_json eventJson(const DriveEvent& event);
 

@@ -1,8 +1,13 @@
 #include "Facts/Drives.h"
 
+#include "Facts/Silence.h"
+
 #include <PI/PluginHelper.h>
 #include <TLXX/IntelLogs.h>
 #include <TLXX/NvmeQuery.h>
+
+#include <algorithm>
+#include <set>
 
 namespace Host::Cli {
 namespace {
@@ -125,10 +130,43 @@ Drive join(const ObjectStore& store, const PI::CObject& adapter, const PI::CObje
     drive.m_DataWritten = pair.amount(PI::PROP_DATA_WRITTEN);
     drive.m_PowerOnHours = pair.value<std::uint64_t>(PI::PROP_POWER_ON_HOURS);
     drive.m_MediaErrors = pair.value<std::uint64_t>(PI::PROP_MEDIA_ERRORS);
+    if (const DriveAnswer* answer = store.answerOf(adapter))
+        drive.m_Answer = *answer;
     addPages(store, adapter, drive);
     addEndOfLife(store, adapter, drive);
     dropWhatNobodyRead(store, adapter, drive);
     return drive;
+}
+
+/** What the system says of a drive that has never answered. */
+Drive unheard(const DriveAnswer& answer, const ObjectStore& store)
+{
+    Drive drive;
+    drive.m_Device = answer.m_DeviceName;
+    drive.m_Model = answer.m_Model;
+    drive.m_Serial = answer.m_SerialNumber;
+    drive.m_Firmware = answer.m_FirmwareRevision;
+    drive.m_Driver = answer.m_Driver;
+    drive.m_PciAddress = answer.m_Location ? answer.m_Location->Text() : "";
+    drive.m_Answer = answer;
+    const std::vector<TLXX::CControllerState>& states = store.controllers();
+    const auto state = std::find_if(states.begin(), states.end(), [&](const TLXX::CControllerState& each) {
+        return each.m_DeviceName == answer.m_DeviceName;
+    });
+    if (state != states.end())
+        drive.m_System = *state;
+    return drive;
+}
+
+void addUnheard(const ObjectStore& store, std::vector<Drive>& drives)
+{
+    std::set<const DriveAnswer*> shown;
+    for (const PI::CObject& object : store.objects())
+        if (object.m_Type == PI::TYPE_ADAPTER)
+            shown.insert(store.answerOf(object));
+    for (const DriveAnswer& answer : store.answers())
+        if (isSilent(answer) && !shown.contains(&answer))
+            drives.push_back(unheard(answer, store));
 }
 
 } // namespace
@@ -166,6 +204,7 @@ std::vector<Drive> joinDrives(const ObjectStore& store)
         if (media.empty())
             drives.push_back(join(store, object, nullptr));
     }
+    addUnheard(store, drives);
     return drives;
 }
 

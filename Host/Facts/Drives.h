@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Drives/DriveAnswer.h"
 #include "Facts/DriveIdentity.h"
 #include "Facts/Measured.h"
 #include "Plugins/ObjectStore.h"
@@ -68,13 +69,17 @@ struct Drive : DriveIdentity
     std::string m_EndOfLifeDate;  ///< year-month-day
     bool m_DateCountsWear = true; ///< whether that date takes the drive's own count of wear into account
     std::optional<TLXX::CControllerState> m_System; ///< what the system tells about its controller
+    std::optional<DriveAnswer> m_Answer; ///< whether it answered in the last round; none: nobody knows
     // What the drive itself told last. None when it was never read.
     std::optional<TLXX::NVME_SMART_HEALTH_INFORMATION_LOG> m_HealthLog;
     std::optional<TLXX::VendorLogPage> m_TemperatureLog; ///< temperature statistics of an Intel drive
     std::optional<TLXX::NVME_IDENTIFY_CONTROLLER> m_Identify;
 };
 
-/** Every adapter with each of its drives, in the order of the plug-in. */
+/**
+ * Every adapter with each of its drives, in the plug-in's order, then each drive that no plug-in shows
+ * because it has never answered.
+ */
 std::vector<Drive> joinDrives(const ObjectStore& store);
 
 /** `object` with its first drive. Nothing when it is no adapter. */

@@ -1,6 +1,8 @@
 #include "Facts/FactTable.h"
 
+#include "Base/Time.h"
 #include "Facts/PageFields.h"
+#include "Facts/Silence.h"
 
 #include <PI/PropertyId.h>
 
@@ -57,6 +59,17 @@ constexpr Fact fact(const char* key, const char* caption, const char* unit, Fact
 std::optional<bool> locationIsReal(const Drive& drive)
 {
     return drive.m_Place == ShownPlace::Real ? std::nullopt : std::optional(false);
+}
+
+std::optional<bool> answering(const Drive& drive)
+{
+    return drive.m_Answer ? std::optional(drive.m_Answer->m_Answering) : std::nullopt;
+}
+
+std::string lastAnswer(const Drive& drive)
+{
+    // The other drives answered just now.
+    return isSilent(drive) && drive.m_Answer->m_LastAnswer ? utcText(*drive.m_Answer->m_LastAnswer) : "";
 }
 
 std::optional<bool> healthLogIsRead(const Drive& drive)
@@ -173,6 +186,8 @@ constexpr Fact FACTS[] = {
     fact<reasonTexts>("reasons", "Reasons of the health", "", State, property(PI::PROP_STATUS_REASONS)),
     fact<reasonCodes>("reasonCodes", "Codes of the reasons", "", State, property(PI::PROP_STATUS_REASONS)),
     fact<healthLogIsRead>("healthLogRead", "Whether the health log was read", "", State, PROGRAM),
+    fact<answering>("answering", "Whether the drive answered when it was asked last", "", State, PROGRAM),
+    fact<lastAnswer>("lastAnswer", "Time of the last answer of a drive that does not answer, UTC", "", Text, PROGRAM),
     fact<&Drive::m_Driver>("driver", "Driver", "", Text, property(PI::PROP_DRIVER)),
     fact<&Drive::m_DriverVersion>("driverVersion", "Version of the driver", "", Text, property(PI::PROP_DRIVER_VERSION)),
     fact<&Drive::m_Spare>("spare", "Available spare", "%", Gauge, property(PI::PROP_AVAILABLE_SPARE)),

@@ -1,8 +1,10 @@
 #include "Facts/Measured.h"
 
+#include "Facts/Silence.h"
 #include "Plugins/AdapterIdentities.h"
 
 #include <PI/StateCode.h>
+#include <TLX/Clock.h>
 #include <TLXX/IntelLogs.h>
 #include <TLXX/NvmeQuery.h>
 
@@ -135,6 +137,10 @@ std::vector<std::string> caveatsOf(const ObjectStore& store, const PI::CObject& 
     const PI::CObject* adapter = adapterOf(store, object);
     if (adapter == nullptr)
         return caveats;
+    const DriveAnswer* answer = store.answerOf(*adapter);
+    if (answer != nullptr && isSilent(*answer))
+        caveats.push_back("The drive " + silenceReason(*answer, TLX::Misc::now()) +
+                          ". The rows below are from its last answer.");
     const ShownPlace place = shownPlaceOf(store, *adapter);
     if (place != ShownPlace::Real)
         caveats.push_back("The controller is at " + store.addressOf(*adapter)->Text() + ". " +

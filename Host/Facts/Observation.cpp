@@ -3,6 +3,7 @@
 #include "Facts/DriveKey.h"
 #include "Facts/Drives.h"
 #include "Facts/PageFields.h"
+#include "Facts/Silence.h"
 
 #include <PI/LifeTimeData.h>
 #include <PI/PropertyId.h>
@@ -78,6 +79,8 @@ ObservedDrive observed(const Drive& drive, std::optional<bool> belowNew, std::st
     static_cast<DriveIdentity&>(result) = drive;
     result.m_Key = std::move(key);
     result.m_Firmware = drive.m_Firmware;
+    if (drive.m_Answer)
+        result.m_Silent = isSilent(drive);
     result.m_CapacityMiB = unlessNone(drive.m_CapacityMiB);
     // The plug-in shows a block size even for a namespace that was not read.
     result.m_BlockSize = result.m_CapacityMiB ? unlessNone(drive.m_BlockSize) : std::nullopt;

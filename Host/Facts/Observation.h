@@ -30,6 +30,7 @@ struct ObservedDrive : DriveIdentity
 {
     std::string m_Key; ///< see `driveKeys`
     std::string m_Firmware;
+    std::optional<bool> m_Silent; ///< it does not answer
     std::optional<std::uint64_t> m_CapacityMiB;
     std::optional<std::uint64_t> m_BlockSize; ///< bytes
     std::optional<std::uint8_t> m_Warnings;   ///< of `CriticalWarning`

@@ -9,6 +9,8 @@ std::string_view kindName(Kind kind)
         return "drive-added";
     case Kind::DriveRemoved:
         return "drive-removed";
+    case Kind::DoesNotAnswer:
+        return "does-not-answer";
     case Kind::SpareLow:
         return "spare-low";
     case Kind::OverTemperature:

@@ -16,6 +16,7 @@ enum class Kind : std::uint8_t
     DriveAdded,
     DriveRemoved,
     // Conditions that hold for some time.
+    DoesNotAnswer,
     SpareLow,
     OverTemperature,
     OverCriticalTemperature,

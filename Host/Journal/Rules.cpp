@@ -48,7 +48,14 @@ std::optional<bool> isBelowNew(const ObservedDrive& drive, bool /*before*/)
     return drive.m_BelowNew;
 }
 
+std::optional<bool> isSilentNow(const ObservedDrive& drive, bool /*before*/)
+{
+    return drive.m_Silent;
+}
+
 constexpr ConditionRule CONDITIONS[] = {
+    {Kind::DoesNotAnswer, isSilentNow, Severity::Warning, std::nullopt, false,
+     "the drive does not answer; what is shown of it is from its last answer.", "the drive answers again."},
     {Kind::ReadOnly, warns<Cli::WARNING_READ_ONLY>, Severity::Error, std::nullopt, true,
      "the drive is read-only and takes no data any more.", "the drive takes data again."},
     {Kind::ReliabilityDegraded, warns<Cli::WARNING_RELIABILITY>, Severity::Warning, 11088, true,

@@ -89,8 +89,9 @@ std::string identifierText(std::uint64_t id)
     return "0x" + std::string(digits - text.size(), '0') + text;
 }
 
-ObjectStore::ObjectStore(std::vector<PI::CObject> objects, std::vector<TLXX::CControllerState> controllers)
-    : m_Objects(std::move(objects)), m_Controllers(std::move(controllers))
+ObjectStore::ObjectStore(std::vector<PI::CObject> objects, std::vector<TLXX::CControllerState> controllers,
+                         std::vector<DriveAnswer> answers)
+    : m_Objects(std::move(objects)), m_Controllers(std::move(controllers)), m_Answers(std::move(answers))
 {
     for (std::size_t place = 0; place < m_Objects.size(); ++place)
         m_Places.emplace(m_Objects[place].m_ID, place);
@@ -111,6 +112,19 @@ const TLXX::CControllerState* ObjectStore::controllerOf(const PI::CObject& adapt
                    equalIgnoringCase(shortDeviceName(controller.m_DeviceName), shortDeviceName(device));
         });
     return found == m_Controllers.end() ? nullptr : &*found;
+}
+
+const DriveAnswer* ObjectStore::answerOf(const PI::CObject& adapter) const
+{
+    const std::string device = textOf(adapter, PI::PROP_DEVICE_NAME);
+    const std::string serial = textOf(adapter, PI::PROP_SERIAL_NUMBER);
+    const auto found = std::find_if(m_Answers.begin(), m_Answers.end(), [&](const DriveAnswer& answer) {
+        // The plug-in may still show the drive that was at this device before.
+        const bool isAnother =
+            !serial.empty() && !answer.m_SerialNumber.empty() && serial != answer.m_SerialNumber;
+        return !isAnother && equalIgnoringCase(shortDeviceName(answer.m_DeviceName), shortDeviceName(device));
+    });
+    return found == m_Answers.end() ? nullptr : &*found;
 }
 
 std::optional<TLXX::CPciLocation> ObjectStore::addressOf(const PI::CObject& adapter) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Drives/DriveAnswer.h"
+
 #include <PI/Object.h>
 #include <TLXX/Diagnosis.h>
 
@@ -34,11 +36,18 @@ class ObjectStore
 public:
     /** Without `controllers`, the addresses that the plug-in shows are used. */
     explicit ObjectStore(std::vector<PI::CObject> objects,
-                         std::vector<TLXX::CControllerState> controllers = {});
+                         std::vector<TLXX::CControllerState> controllers = {},
+                         std::vector<DriveAnswer> answers = {});
 
     const std::vector<PI::CObject>& objects() const { return m_Objects; }
 
     const std::vector<TLXX::CControllerState>& controllers() const { return m_Controllers; }
+
+    /** Which drives answered in the last round, those that no object shows included. */
+    const std::vector<DriveAnswer>& answers() const { return m_Answers; }
+
+    /** Whether the drive of `adapter` answered; null when it was in no round. */
+    const DriveAnswer* answerOf(const PI::CObject& adapter) const;
 
     /** The controller of the disk of `adapter`, or null when the system does not know it. */
     const TLXX::CControllerState* controllerOf(const PI::CObject& adapter) const;
@@ -74,6 +83,7 @@ private:
 
     std::vector<PI::CObject> m_Objects;
     std::vector<TLXX::CControllerState> m_Controllers;
+    std::vector<DriveAnswer> m_Answers;
     std::unordered_map<std::uint64_t, std::size_t>
         m_Places; ///< by identifier, the index of its first object in m_Objects
 };

@@ -1,6 +1,6 @@
 #include "Terminal/Screen.h"
 
-#include <PI/StateCode.h>
+#include "Facts/Verdict.h"
 
 #include <cstdlib>
 
@@ -50,18 +50,17 @@ std::string toned(const Screen& screen, Tone tone, const std::string& text)
 
 Tone toneOfCode(std::uint32_t code)
 {
-    switch (code) {
-    case PI::HEALTH_HEALTHY:
-    case PI::DRIVE_OPERATIONAL:
+    switch (verdictOfCode(code)) {
+    case Verdict::Ok:
         return Tone::Good;
-    case PI::HEALTH_CRITICAL:
-        return Tone::Bad;
-    case PI::HEALTH_DEGRADED:
-    case PI::DRIVE_WARNING:
+    case Verdict::Warning:
         return Tone::Warning;
-    default:
+    case Verdict::Critical:
+        return Tone::Bad;
+    case Verdict::Unknown:
         return Tone::Plain;
     }
+    return Tone::Plain;
 }
 
 } // namespace Host::Cli

@@ -2,7 +2,7 @@
 
 _ostrel() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} word command=
-    local commands="list topology show set watch doctor"
+    local commands="list topology show set watch check doctor"
     local options="--version -h --help --plugin --data --simulate --reader --trace --trace-file --json"
 
     case $previous in

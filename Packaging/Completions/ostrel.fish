@@ -1,6 +1,6 @@
 # fish completion for ostrel; made from the program's own description
 
-set -l commands list topology show set watch doctor
+set -l commands list topology show set watch check doctor
 
 complete -c ostrel -f
 complete -c ostrel -l version -d 'Print the version and exit'
@@ -18,6 +18,7 @@ complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a topology -d
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a show -d 'Show the properties of one object'
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a set -d 'Set a property to another value'
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a watch -d 'Print each event of the drives when it comes'
+complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a check -d 'Print a verdict for monitoring systems'
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a doctor -d 'Check what can be seen here, and say what is wrong'
 complete -c ostrel -n '__fish_seen_subcommand_from show' -a 'plugin (for disk in /dev/nvme*n*; echo $disk; end)'
 complete -c ostrel -n '__fish_seen_subcommand_from set; and not __fish_seen_subcommand_from plugin' -a plugin

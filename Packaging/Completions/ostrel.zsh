@@ -8,6 +8,7 @@ _ostrel_commands() {
         'show:Show the properties of one object'
         'set:Set a property to another value'
         'watch:Print each event of the drives when it comes'
+        'check:Print a verdict for monitoring systems'
         'doctor:Check what can be seen here, and say what is wrong'
     )
     _describe -t commands command commands

@@ -34,7 +34,8 @@ std::string reference(const char* definition)
 /** Members that a definition of their own describes in more detail. */
 bool hasDefinition(std::string_view key)
 {
-    constexpr std::array<std::string_view, 3> keys = {"pciAddress", "locationIsReal", "healthLogRead"};
+    constexpr std::array<std::string_view, 5> keys = {"pciAddress", "locationIsReal", "healthLogRead",
+                                                      "answering", "lastAnswer"};
     return std::find(keys.begin(), keys.end(), key) != keys.end();
 }
 
@@ -160,7 +161,7 @@ std::string factTable()
 
 std::map<std::string, std::string> schemaMembers(const std::string& schema)
 {
-    if (schema == "list")
+    if (schema == "list" || schema == "check")
         return {{"drive", driveMembers()}};
     if (schema == "show")
         return {{"facts", ownFactMembers()}};

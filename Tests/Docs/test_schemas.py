@@ -120,6 +120,8 @@ class Documents(unittest.TestCase):
         self.document("property", "set", "plugin", "pollinterval", "60", "--data", self.folder.name)
         (end,) = self.document("show", "show", "RATED", fleet=self.limits)["endOfLife"]
         self.assertEqual(end["limit"], "writing")
+        self.document("check", "check", code=2)
+        self.document("check", "check", fleet=self.limits, code=2)
         self.document("doctor", "doctor")
         self.document("doctor", "doctor", fleet=self.limits, code=1)
         self.document("doctor", "doctor", fleet=self.empty, code=3)
@@ -135,6 +137,8 @@ class Documents(unittest.TestCase):
         self.error("list", "--plugin", "/no/such.so", code=1)
         self.error("list", "--data", "/dev/null/x", code=2)
         self.error("list", fleet="/no/such/fleet", code=2)
+        for words, fleet in ((("check",), self.empty), (("check", "none"), DEMO), (("check", "--colour"), DEMO)):
+            self.assertIn("error", self.document("check", *words, fleet=fleet, code=3))
         self.assertEqual(run("list", "--json=false").returncode, 2)
 
     def test_members_that_tell_what_a_row_is_worth(self):
@@ -154,6 +158,17 @@ class Documents(unittest.TestCase):
         rated = self.document("list", "list")["drives"][0]
         self.assertEqual(rated["endOfLife"]["object"], rated["adapterId"])
         self.assertGreater(rated["dataWrittenBytes"], 0)
+
+    def test_silent_drives(self):
+        fleet = str(pathlib.Path(self.folder.name) / "silent.json")
+        pathlib.Path(fleet).write_text(json.dumps({"controllers": [
+            {"identify": {"vendorId": 1, "model": "M", "serial": "A"}},
+            {"location": "0000:02:00.0", "identify": {"vendorId": 1, "model": "M", "serial": "B", "firmware": "F"},
+             "fails": ["identifyController"]}]}))
+        self.assertIs(self.document("list", "list", fleet=fleet)["drives"][1]["answering"], False)
+        (unheard,) = self.document("topology", "topology", fleet=fleet)["unheardDrives"]
+        self.assertEqual((unheard["serial"], unheard["firmware"]), ("B", "F"))
+        self.assertEqual(self.document("check", "check", fleet=fleet, code=2)["drives"][1]["key"], "B")
 
     def test_numbers_stay_exact(self):
         drive = self.document("list", "list", fleet=self.limits)["drives"][0]
@@ -200,6 +215,7 @@ class Documents(unittest.TestCase):
                      ("topology", {"format": 1, "objects": self.document("topology", "topology")["objects"][:2]}),
                      ("show", self.document("show", "show", "nvme6n1")),
                      ("property", self.document("property", "show", "plugin", "30005")),
+                     ("check", self.document("check", "check", "nvme6n1", code=2)),
                      ("doctor", self.document("doctor", "doctor", fleet=self.limits, code=1)),
                      ("error", self.document("error", "list", fleet=self.empty, code=3))]
         for name, document in documents:

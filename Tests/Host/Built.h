@@ -12,6 +12,7 @@ extern const char NO_MEMORY_PLUGIN[];
 extern const char REFUSING_PLUGIN[];
 extern const char THROWING_PLUGIN[];
 extern const char SECOND_PLUGIN[];        ///< one of another module
+extern const char CRASHING_PLUGIN[];      ///< ends the process at its first request
 extern const char SLOW_PLUGIN[];          ///< takes 24,999 ms to end
 extern const char SLOW_TO_START_PLUGIN[]; ///< request 1 does not return
 extern const char NO_PLUGIN[];            ///< a file that is no library

@@ -293,3 +293,11 @@ class EmptyMachine(Booted):
         """without a controller doctor says that there is none"""
         checks = json.loads(self.output("doctor", code=3))["checks"]
         self.assertIn("problem", {check["result"] for check in checks})
+
+    def test_announcements(self):
+        """doctor says where the kernel does not announce drives"""
+        results = {}
+        for name in ("doctor", "doctor-container"):
+            checks = json.loads(self.output(name, code=3))["checks"]
+            results[name] = [check["result"] for check in checks if check["subject"] == "announcements"]
+        self.assertEqual(results, {"doctor": ["ok"], "doctor-container": ["note"]})

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -65,6 +66,34 @@ TEST(DeviceNotificationWithoutAnnouncementsTest, IsInactive)
     TLX::Threading::CEvent event;
     ASSERT_EQ(event.Init(false, false), Taken);
     EXPECT_FALSE(TLXX::CDeviceNotification(event).Active());
+    EXPECT_FALSE(TLXX::CDeviceNotification::Available());
+}
+
+/** A system that has no resources left. */
+class CExhaustedBackend : public TestSupport::CSilentBackend
+{
+public:
+    std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()>) override
+    {
+        throw std::system_error(std::make_error_code(std::errc::too_many_files_open));
+    }
+};
+
+TEST(DeviceNotificationWithoutAnnouncementsTest, IsInactiveWhenTheSubscriptionFails)
+{
+    const CBackendInPlace inPlace(std::make_shared<CExhaustedBackend>());
+    TLX::Threading::CEvent event;
+    ASSERT_EQ(event.Init(false, false), Taken);
+    EXPECT_FALSE(TLXX::CDeviceNotification(event).Active());
+    EXPECT_FALSE(TLXX::CDeviceNotification::Available());
+}
+
+TEST(DeviceNotificationAvailableTest, LeavesNoSubscription)
+{
+    const auto backend = std::make_shared<CAnnouncingBackend>();
+    const CBackendInPlace inPlace(backend);
+    EXPECT_TRUE(TLXX::CDeviceNotification::Available());
+    EXPECT_FALSE(backend->m_Announcer.HasSubscriber());
 }
 
 TEST_F(DeviceNotificationTest, SignalsAfterADelay)

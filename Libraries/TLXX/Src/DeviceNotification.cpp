@@ -89,4 +89,13 @@ CDeviceNotification::CDeviceNotification(const TLX::Threading::CEvent& event) no
 
 CDeviceNotification::~CDeviceNotification() = default;
 
+bool CDeviceNotification::Available() noexcept
+{
+    try {
+        return subscribe([] {}) != nullptr;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
 } // namespace TLXX

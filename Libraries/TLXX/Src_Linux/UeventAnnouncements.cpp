@@ -8,8 +8,12 @@
 #include <cstdint>
 #include <utility>
 
+#include <fcntl.h>
 #include <linux/netlink.h>
+#include <linux/nsfs.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 
 namespace TLXX::Linux {
 namespace {
@@ -28,10 +32,26 @@ bool isTrusted(const Sender& sender, socklen_t size)
     return !netlink || sender.m_Netlink.nl_pid == 0;
 }
 
+/**
+ * The kernel sends these messages only to network namespaces that belong to the first user namespace. The
+ * system refuses to tell the owner if that is outside of this process's own user namespace.
+ */
+bool isAnnouncedHere()
+{
+    constexpr ino_t FIRST_USER_NAMESPACE = 0xEFFFFFFD; // part of the kernel's stable interface
+    const TLX::Linux::CDescriptor network(::open("/proc/self/ns/net", O_RDONLY | O_CLOEXEC));
+    const TLX::Linux::CDescriptor owner(network.Valid() ? ::ioctl(network.Get(), NS_GET_USERNS) : -1);
+    struct stat status
+    {};
+    return !owner.Valid() || ::fstat(owner.Get(), &status) != 0 || status.st_ino == FIRST_USER_NAMESPACE;
+}
+
 } // namespace
 
 TLX::Linux::CDescriptor openUeventSocket()
 {
+    if (!isAnnouncedHere())
+        return {};
     TLX::Linux::CDescriptor socket(
         ::socket(AF_NETLINK, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_KOBJECT_UEVENT));
     sockaddr_nl address{};

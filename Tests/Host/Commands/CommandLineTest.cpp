@@ -45,6 +45,9 @@ TEST(CommandLine, KnowsTheCommands)
     EXPECT_EQ(parse({"list"}).m_Command, Command::List);
     EXPECT_EQ(parse({"topology"}).m_Command, Command::Topology);
     EXPECT_EQ(parse({"doctor"}).m_Command, Command::Doctor);
+    EXPECT_EQ(parse({"check"}).m_Command, Command::Check);
+    EXPECT_EQ(parse({"check"}).m_Object, "");
+    EXPECT_EQ(parse({"check", "S1"}).m_Object, "S1");
     const Options show = parse({"show", "nvme0n1"});
     EXPECT_EQ(show.m_Command, Command::Show);
     EXPECT_EQ(show.m_Object, "nvme0n1");
@@ -223,11 +226,11 @@ TEST(CommandLine, ReadsMasksInBothBases)
 TEST(CommandLine, HelpIsThereForTheProgramAndEveryCommand)
 {
     const std::string help = textFor({"--help"});
-    for (const char* word : {"list", "topology", "show", "set", "watch", "doctor", "--plugin FILE",
+    for (const char* word : {"list", "topology", "show", "set", "watch", "check", "doctor", "--plugin FILE",
                              "--data DIR", "--simulate FLEET.json", "--reader SOCKET", "--trace [N=]MASK",
                              "--trace-file FILE", "--json", "--version", "Exit codes", "Examples:"})
         EXPECT_THAT(help, HasSubstr(word));
-    for (const char* command : {"list", "topology", "show", "set", "watch", "doctor"}) {
+    for (const char* command : {"list", "topology", "show", "set", "watch", "check", "doctor"}) {
         const std::string text = textFor({command, "--help"});
         EXPECT_THAT(text, HasSubstr(std::string("Usage: ostrel ") + command));
         EXPECT_THAT(text, HasSubstr("Examples:"));
@@ -245,6 +248,7 @@ TEST(CommandLine, HelpFits80Columns)
                                                   {"show", "-h"},
                                                   {"set", "-h"},
                                                   {"watch", "-h"},
+                                                  {"check", "-h"},
                                                   {"doctor", "-h"}}) {
         const std::string text = textFor(words);
         for (std::size_t start = 0; start < text.size();) {
@@ -268,7 +272,7 @@ TEST(CommandLine, DescribesItself)
         ASSERT_EQ(command.m_Options.size(), command.m_Name == "watch" ? 1U : 0U) << command.m_Name;
         EXPECT_NE(command.m_Description, "");
     }
-    EXPECT_EQ(described.m_Commands.size(), 6U);
+    EXPECT_EQ(described.m_Commands.size(), 7U);
     EXPECT_THAT(described.m_Commands.at(4).m_Options.at(0).m_Names, ElementsAre("--for"));
 }
 

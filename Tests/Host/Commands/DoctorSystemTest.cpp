@@ -22,6 +22,15 @@ TEST(CheckSystem, HasALineForSystemDriverAndPermissions)
                             finding(Finding::Ok, std::string(Host::Platform::driverName()))));
 }
 
+TEST(CheckAnnouncements, IsANoteWhenOnlyPollingFindsDrives)
+{
+    EXPECT_THAT(checkAnnouncements(true), finding(Finding::Ok, "tells at once"));
+    const Check silent = checkAnnouncements(false);
+    EXPECT_THAT(silent, finding(Finding::Note, "does not tell this program"));
+    EXPECT_THAT(silent.m_Message, HasSubstr("at its next poll"));
+    EXPECT_EQ(exitCodeOf({silent}), ExitCode::Done);
+}
+
 TEST(CheckUnserved, NamesThePlaceAndTheDriver)
 {
     EXPECT_TRUE(checkUnserved({}).empty());

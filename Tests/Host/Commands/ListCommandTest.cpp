@@ -1,11 +1,16 @@
 #include "Commands/ListCommand.h"
 
 #include "Base/Text.h"
+#include "Base/Time.h"
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 
+#include <TLX/Clock.h>
+#include <TLXX/NvmeQuery.h>
+
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -82,6 +87,24 @@ TEST_F(ListCommandTest, SaysBelowTheTableWhatIsNotAsItLooks)
     EXPECT_THAT(Host::Cli::listText({drive}, {80, false}),
                 HasSubstr("\n\nnvme12n1: its health log was not read\n"
                           "nvme12n1: is at 0000:03:00.0, but is shown at PCI:Bus=2\n"));
+}
+
+TEST_F(ListCommandTest, MarksADriveThatDoesNotAnswerAndKeepsItsValues)
+{
+    Host::Cli::Drive drive = longDrive();
+    drive.m_Reasons.clear();
+    drive.m_Answer.emplace();
+    drive.m_Answer->m_Status = TLXX::STATUS_NO_ANSWER;
+    drive.m_Answer->m_LastAnswer = drive.m_Answer->m_SilentSince = TLX::Misc::now();
+    const std::string since = Host::timeOfDayText(*drive.m_Answer->m_SilentSince);
+    EXPECT_THAT(Host::Cli::listText({drive}, {}),
+                AllOf(HasSubstr("110 \u00b0C"),
+                      HasSubstr("  does not answer since " + since + "; its health was: Critical\n")));
+    EXPECT_THAT(Host::Cli::listText({drive}, {120, true}),
+                AllOf(HasSubstr("110 \u00b0C"), HasSubstr("\033[1;31mNo answer\033[0m"),
+                      HasSubstr("nvme12n1: does not answer since " + since + ": ")));
+    drive.m_Answer->m_Answering = true;
+    EXPECT_THAT(Host::Cli::listText({drive}, {120, false}), Not(HasSubstr("answer")));
 }
 
 TEST_F(ListCommandTest, FitsATerminalOf60Columns)

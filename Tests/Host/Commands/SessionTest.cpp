@@ -63,7 +63,7 @@ TEST(WatchedTest, LooksAtNoDriveAfterAPluginWasEndedByForce)
         looks = backend->m_Looks;
         (void)watched.collect(monitor);
         EXPECT_EQ(watched.objects().objects().size(), 1U);
-        EXPECT_EQ(watched.objectsOf(monitor).objects().size(), 1U);
+        EXPECT_EQ(watched.objectsOf(monitor, {}).objects().size(), 1U);
         EXPECT_EQ(backend->m_Looks, looks);
     }
     TLXX::setDeviceBackend(former);

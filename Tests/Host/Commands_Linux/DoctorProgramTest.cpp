@@ -1,7 +1,20 @@
 #include "Host/Commands_Linux/SimulatedProgram.h"
 #include "Support/TemporaryFolder.h"
 
+#include <TLXX/DeviceNotification.h>
+
 #include <nlohmann/json.hpp>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <thread>
+
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
 
 namespace {
 
@@ -14,6 +27,44 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
+/** What doctor says about the machine's announcements. */
+json announcements()
+{
+    const json document = json::parse(runProgram({"doctor", "--json"}).m_Output);
+    for (const json& check : document["checks"])
+        if (check["subject"] == "announcements")
+            return check;
+    return {};
+}
+
+/** From now on the system refuses the kernel's messages to this thread and to the programs that it starts. */
+void refuseKernelMessages()
+{
+    std::array filter = {
+        sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, __NR_socket, 0, 3),
+        sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args)),
+        sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, AF_NETLINK, 0, 1),
+        sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EAFNOSUPPORT),
+        sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
+    ASSERT_EQ(::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
+    ASSERT_EQ(::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
+}
+
+TEST(Doctor, SaysWhetherTheSystemAnnouncesDrives)
+{
+    EXPECT_EQ(announcements()["result"], TLXX::CDeviceNotification::Available() ? "ok" : "note");
+    json refused;
+    std::thread([&refused] {
+        refuseKernelMessages();
+        refused = announcements();
+    }).join();
+    EXPECT_EQ(refused["result"], "note");
+    EXPECT_THAT(refused["message"].get<std::string>(), HasSubstr("watch finds them at its next poll"));
+}
+
 TEST(Doctor, FindsNothingWrongWithTheDemonstration)
 {
     const ProgramResult result = runProgram(simulated({"doctor"}));
@@ -22,6 +73,7 @@ TEST(Doctor, FindsNothingWrongWithTheDemonstration)
     EXPECT_THAT(result.m_Output, HasSubstr("OK       plug-in: "));
     EXPECT_THAT(result.m_Output, HasSubstr("OK       inventory: 7 adapters, 15 objects\n"));
     EXPECT_THAT(result.m_Output, Not(HasSubstr("PROBLEM")));
+    EXPECT_THAT(result.m_Output, Not(HasSubstr("announcements")));
 }
 
 TEST(Doctor, WorksWithoutDrivesAndWithoutAPlugin)
@@ -52,7 +104,7 @@ TEST(Doctor, NamesDrivesThatDoNotAnswerOrAnswerNonsense)
     EXPECT_EQ(result.m_ExitCode, 1);
     EXPECT_THAT(
         result.m_Output,
-        AllOf(HasSubstr("PROBLEM  /dev/nvme0n1: does not identify itself: the drive answered with status"),
+        AllOf(HasSubstr("PROBLEM  nvme0n1: does not answer: the drive answered with status"),
               HasSubstr("PROBLEM  nvme1n1: its namespace was not read"),
               HasSubstr("PROBLEM  nvme1n1: its health log was not read (the drive answered with status"),
               HasSubstr("NOTE     nvme2n1: its namespace contains no blocks"),

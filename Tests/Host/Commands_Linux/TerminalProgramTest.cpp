@@ -84,7 +84,7 @@ TEST(Terminal, ShowsNoProgressIntoAPipe)
 {
     const TestSupport::CTemporaryFolder folder;
     const ProgramResult result = runProgram(simulated({"list"}, folder.Write("fleet.json", SLOW_FLEET)));
-    EXPECT_EQ(result.m_ExitCode, 3);
+    EXPECT_EQ(result.m_ExitCode, 0) << "a row that says that the drive does not answer";
     EXPECT_THAT(result.m_Output + result.m_Errors, Not(HasSubstr("Asking")));
 }
 

@@ -67,6 +67,37 @@ TEST_F(JournalTest, TheFirstLookAdoptsWhatIsThere)
     EXPECT_THAT(look({sound, drive("B")}), IsEmpty());
 }
 
+TEST_F(JournalTest, ADriveThatDoesNotAnswerIsToldOnceAndNeverGone)
+{
+    ObservedDrive each = drive("A");
+    each.m_Silent = false;
+    each.m_Warnings = 0;
+    EXPECT_THAT(look({each}), IsEmpty());
+    each.m_Silent = true;
+    const std::vector<Entry> began = look({each});
+    ASSERT_THAT(began, ElementsAre(is(Kind::DoesNotAnswer, Phase::Began, "A")));
+    EXPECT_EQ(began[0].m_Text,
+              "MODEL (A): the drive does not answer; what is shown of it is from its last answer.");
+    EXPECT_EQ(began[0].m_Severity, Severity::Warning);
+    EXPECT_THAT(look({each}), IsEmpty());
+    each.m_Silent.reset();
+    EXPECT_THAT(look({each}), IsEmpty()) << "nobody knows";
+    each.m_Silent = false;
+    const std::vector<Entry> ended = look({each});
+    ASSERT_THAT(ended, ElementsAre(is(Kind::DoesNotAnswer, Phase::Ended, "A")));
+    EXPECT_EQ(ended[0].m_Text, "MODEL (A): the drive answers again.");
+}
+
+TEST_F(JournalTest, ADriveThatHasNeverAnsweredIsNotNewWhenItDoes)
+{
+    ObservedDrive each = drive("A");
+    each.m_Silent = true;
+    EXPECT_THAT(look({each}), ElementsAre(is(Kind::DoesNotAnswer, Phase::Present, "A")));
+    each.m_Silent = false;
+    each.m_Warnings = 0;
+    EXPECT_THAT(look({each}), ElementsAre(is(Kind::DoesNotAnswer, Phase::Ended, "A")));
+}
+
 TEST_F(JournalTest, DrivesComeAndGo)
 {
     (void)look({drive("A"), drive("B")});

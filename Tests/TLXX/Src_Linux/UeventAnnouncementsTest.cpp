@@ -9,7 +9,10 @@
 #include <string_view>
 
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -78,6 +81,22 @@ TEST(UeventSocketTest, IsToBeHadWithoutMessagesOfOtherProcesses)
         GTEST_SKIP() << "this machine lets no process listen to the kernel's device messages";
     EXPECT_NE(::fcntl(socket.Get(), F_GETFL) & O_NONBLOCK, 0);
     EXPECT_NE(::fcntl(socket.Get(), F_GETFD) & FD_CLOEXEC, 0);
+}
+
+TEST(UeventSocketTest, IsNotToBeHadInAContainerOfAnOrdinaryUser)
+{
+    constexpr int refused = 2;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        if (::unshare(CLONE_NEWUSER | CLONE_NEWNET) != 0)
+            ::_exit(refused);
+        ::_exit(TLXX::Linux::openUeventSocket().Valid() ? 1 : 0);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == refused)
+        GTEST_SKIP() << "this machine lets no ordinary user have namespaces";
+    EXPECT_EQ(status, 0);
 }
 
 } // namespace

@@ -39,6 +39,9 @@ public:
      */
     bool Active() const { return m_Native != nullptr; }
 
+    /** Whether an object that is made now would be active. */
+    static bool Available() noexcept;
+
 private:
     class Native;
     std::unique_ptr<Native> m_Native;

@@ -30,7 +30,10 @@ private:
  */
 TLXX_EXPORT bool readAnnouncements(int messages, const std::function<void()>& announce);
 
-/** A socket on which the kernel announces devices. It needs no privilege. None when the system refuses it. */
+/**
+ * A socket on which the kernel announces devices. It needs no privilege. None when the system refuses it, or
+ * sends no announcement to this network namespace, as in containers of ordinary users.
+ */
 TLXX_EXPORT TLX::Linux::CDescriptor openUeventSocket();
 
 } // namespace TLXX::Linux

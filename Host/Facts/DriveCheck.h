@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Facts/Drives.h"
+#include "Facts/Verdict.h"
+#include "Plugins/ObjectStore.h"
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace Host::Cli {
+
+/** A drive and what to think of it. */
+struct DriveCheck
+{
+    Drive m_Drive;
+    std::string m_Key; ///< see `driveKeys`
+    Judgement m_Judgement;
+};
+
+/**
+ * Every drive of `store`, in its order, at `now` (UTC milliseconds), then each disk that the system has and
+ * this user may not open. `missed` are the instances of the drives that did not answer in the round before:
+ * one that answers again is still a warning.
+ */
+std::vector<DriveCheck> checkDrives(const ObjectStore& store, std::uint64_t now,
+                                    const std::set<std::string>& missed = {});
+
+} // namespace Host::Cli
