@@ -13,7 +13,7 @@ LAST = Controller("last", "LAST", size=64 * MIB)
 FLEET = (FIRST, SICK, LAST)
 
 # The runs of watch; the job says which commands fail in each.
-WATCHES = ("watch-6+3", "watch-5+3", "watch-4")
+WATCHES = ("watch-3+3", "watch-2+3", "watch-1")
 # The warnings set on the last drive meanwhile, and the event of each. Each needs another round of the worker.
 STEPS = ((0x04, 11088), (0x05, 10968), (0x00, 10980))
 
