@@ -40,8 +40,11 @@ TEST(CheckSettings, ReadsTheFileOfAFolderThatIsNamedByARelativePath)
     folder.Write("Ostrel.ini", "PollInterval=abc\n");
     // The folder of all settings must not be put before the path.
     PI::CConfigFile::SetFolder((folder.Path() / "other").native());
-    EXPECT_THAT(checkSettings(std::filesystem::relative(folder.Path())),
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.Path().parent_path());
+    EXPECT_THAT(checkSettings(folder.Path().filename()),
                 finding(Finding::Problem, "PollInterval is \"abc\""));
+    std::filesystem::current_path(before);
     PI::CConfigFile::SetFolder({});
 }
 

@@ -8,6 +8,8 @@
 
 #include <TLXX/NvmeQuery.h>
 
+#include <regex>
+
 namespace {
 
 using Host::Cli::namedProperty;
@@ -79,17 +81,18 @@ TEST_F(ShowCommandTest, TellsWhatTheDriveAndTheSystemTellBelowThePluginsRows)
     state.m_State = "live";
     state.m_Link.m_Speed = 8.0F;
     const Host::ObjectStore store(HostTest::topologyOf({m_Objects}), {state});
-    const std::string text = Host::Cli::showText(store, {&store.objects()[1]}, Host::Cli::Screen());
-    EXPECT_THAT(text, testing::MatchesRegex(".*\n  From the drive's own log\n"
-                                            "    Life used, by the drive's own count +3%\n"
-                                            "    Power cycles +17\n.*"));
-    EXPECT_THAT(text, testing::ContainsRegex("    Controller busy time +5 min\n"));
-    EXPECT_THAT(text, testing::ContainsRegex("    Warning temperature +70 °C\n"));
-    EXPECT_THAT(text, testing::ContainsRegex("    Total capacity +3.00 TiB\n"));
-    EXPECT_THAT(text, testing::ContainsRegex("    Unallocated capacity +512 bytes\n"));
+    const std::string text = std::regex_replace(
+        Host::Cli::showText(store, {&store.objects()[1]}, Host::Cli::Screen()), std::regex(" {2,}"), "  ");
+    EXPECT_THAT(text, HasSubstr("\n  From the drive's own log\n"
+                                "  Life used, by the drive's own count  3%\n"
+                                "  Power cycles  17\n"));
+    EXPECT_THAT(text, HasSubstr("  Controller busy time  5 min\n"));
+    EXPECT_THAT(text, HasSubstr("  Warning temperature  70 °C\n"));
+    EXPECT_THAT(text, HasSubstr("  Total capacity  3.00 TiB\n"));
+    EXPECT_THAT(text, HasSubstr("  Unallocated capacity  512 bytes\n"));
     EXPECT_THAT(text, testing::Not(HasSubstr("Critical temperature  ")));
-    EXPECT_THAT(text, testing::ContainsRegex("\n\n  From the system\n    Controller state +live\n"));
-    EXPECT_THAT(text, testing::ContainsRegex("    PCIe link speed +8 GT/s\n"));
+    EXPECT_THAT(text, HasSubstr("\n\n  From the system\n  Controller state  live\n"));
+    EXPECT_THAT(text, HasSubstr("  PCIe link speed  8 GT/s\n"));
 }
 
 TEST_F(ShowCommandTest, TellsNothingOfADriveThatWasNeverRead)

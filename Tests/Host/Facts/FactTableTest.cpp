@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <limits>
+#include <regex>
 #include <set>
 
 namespace {
@@ -42,7 +43,7 @@ TEST(FactTable, HasEachKeyOnceAndInTheFormOfAMember)
     std::set<std::string> keys;
     for (const Fact& fact : facts()) {
         EXPECT_TRUE(keys.insert(fact.m_Key).second) << fact.m_Key;
-        EXPECT_THAT(fact.m_Key, testing::MatchesRegex("[a-z][A-Za-z]*[0-9]?"));
+        EXPECT_TRUE(std::regex_match(fact.m_Key, std::regex("[a-z][A-Za-z]*[0-9]?"))) << fact.m_Key;
         EXPECT_STRNE(fact.m_Caption, "") << fact.m_Key;
     }
 }
