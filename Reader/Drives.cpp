@@ -124,24 +124,34 @@ std::shared_ptr<Drives::Flight> Drives::find(Queue& queue, const Command& comman
     return waiting == queue.m_Waiting.end() ? nullptr : *waiting;
 }
 
-void Drives::ask(const Command& command, const Asker& asker)
+void Drives::ask(const std::vector<Command>& commands, const Asker& asker)
+{
+    for (const Command& command : commands)
+        queue(command, asker);
+    if (commands.empty())
+        return;
+    const Controller& controller = commands.front().m_Controller;
+    const auto found = m_Queues.find(controller);
+    if (found != m_Queues.end() && found->second.m_Sent.empty())
+        send(controller, found->second);
+}
+
+void Drives::queue(const Command& command, const Asker& asker)
 {
     if (const Answer* const known = recall(command)) {
         m_Ready.push_back({asker, command.m_Kind, *known});
         return;
     }
-    Queue& queue = m_Queues[command.m_Controller];
-    if (const std::shared_ptr<Flight> flight = find(queue, command, m_Doubts)) {
+    Queue& waiting = m_Queues[command.m_Controller];
+    if (const std::shared_ptr<Flight> flight = find(waiting, command, m_Doubts)) {
         flight->m_Askers.push_back(asker);
         return;
     }
-    if (queue.m_Waiting.size() >= MOST_WAITING) {
+    if (waiting.m_Waiting.size() >= MOST_WAITING) {
         m_Ready.push_back({asker, command.m_Kind, {TLXX::STATUS_NO_RESOURCES, nullptr}});
         return;
     }
-    queue.m_Waiting.push_back(std::make_shared<Flight>(Flight{command, m_Doubts, {asker}}));
-    if (queue.m_Sent.empty())
-        send(command.m_Controller, queue);
+    waiting.m_Waiting.push_back(std::make_shared<Flight>(Flight{command, m_Doubts, {asker}}));
 }
 
 void Drives::send(const Controller& controller, Queue& queue)

@@ -89,8 +89,11 @@ public:
     Drives(const Drives&) = delete;
     Drives& operator=(const Drives&) = delete;
 
-    /** Sends `command`, unless its answer is known. `take` brings the answer. */
-    void ask(const Command& command, const Asker& asker);
+    /**
+     * Sends those of `commands`, all for one controller, whose answers are not known. `take` brings the
+     * answers. Commands that are asked for together are sent on one opening of the controller.
+     */
+    void ask(const std::vector<Command>& commands, const Asker& asker);
 
     /** The answers that have come, in their order. */
     std::vector<Delivery> take();
@@ -119,6 +122,7 @@ private:
         Answer m_Answer;
     };
 
+    void queue(const Command& command, const Asker& asker);
     const Answer* recall(const Command& command);
     void remember(const Command& command, const Answer& answer);
     static std::shared_ptr<Flight> find(Queue& queue, const Command& command, std::uint64_t doubts);

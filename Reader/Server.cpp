@@ -26,7 +26,7 @@ constexpr std::size_t MOST_UNSENT_BYTES = std::size_t{8} * 1024 * 1024;
 /** The buffer of a connection in the kernel, in bytes. */
 constexpr int SEND_BUFFER = 64 * 1024;
 /** How often is looked whether more threads are needed, in milliseconds. */
-constexpr int GROWTH_PERIOD = 2;
+constexpr int GROWTH_PERIOD = 10;
 /** How long no connection is accepted after descriptors or memory ran out, in milliseconds. */
 constexpr int RECOVERY = 100;
 
@@ -211,17 +211,18 @@ bool Server::receive(std::uint64_t number, Client& client)
 void Server::ask(std::uint64_t number, Client& client, const CReaderRequest& request)
 {
     client.owe(static_cast<std::size_t>(std::popcount(request.m_Commands)));
+    std::vector<Command> commands;
     for (std::uint32_t kinds = request.m_Commands; kinds != 0; kinds &= kinds - 1) {
         const std::uint32_t kind = kinds & -kinds;
         const bool isLogPage = kind >= TLXX::Linux::ReaderCommand::firstLogPage;
         const bool isOfNamespace = kind == TLXX::Linux::ReaderCommand::identifyNamespace;
-        m_Drives.ask({{request.m_Controller, request.m_Node},
-                      kind,
-                      isOfNamespace ? request.m_NamespaceId : 0,
-                      isLogPage ? request.m_Offset : 0,
-                      TLXX::Linux::readerLength(request, kind)},
-                     {number, request.m_Sequence});
+        commands.push_back({{request.m_Controller, request.m_Node},
+                            kind,
+                            isOfNamespace ? request.m_NamespaceId : 0,
+                            isLogPage ? request.m_Offset : 0,
+                            TLXX::Linux::readerLength(request, kind)});
     }
+    m_Drives.ask(commands, {number, request.m_Sequence});
 }
 
 void Server::deliver()

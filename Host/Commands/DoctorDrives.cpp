@@ -2,10 +2,12 @@
 #include "Commands/DoctorCommand.h"
 #include "Drives/DeviceAccess.h"
 #include "Facts/Drives.h"
+#include "Facts/Measured.h"
 #include "Facts/Silence.h"
 
 #include <PI/ErrorCode.h>
 #include <TLX/Clock.h>
+#include <TLXX/IntelLogs.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <algorithm>
@@ -131,6 +133,18 @@ void checkHealthLog(const Drive& drive, const std::string& device, Checks& check
             : "its health log was not read" + reasonText(device, TLXX::EQuery::SmartHealthLog);
     checks.push_back(problem(ExitCode::RequestFailed, std::string(shortDeviceName(device)),
                              what + "; health, temperature and counters are unknown", SYSTEM_LOG));
+}
+
+/** A note only, because some models do not have these logs. */
+void checkVendorLogs(const ObjectStore& store, const PI::CObject& adapter, const std::string& device,
+                     Checks& checks)
+{
+    for (const std::uint8_t log : unreadVendorLogs(store, adapter))
+        checks.push_back(note(std::string(shortDeviceName(device)),
+                              log == TLXX::INTEL_LEGACY_SMART_LOG_PAGE
+                                  ? "its log CAh was not read, so its wear state is not known"
+                                  : "its log C5h was not read, so nothing tells when its temperature comes "
+                                    "close to the critical level"));
 }
 
 void checkPlace(const ObjectStore& store, const TLXX::CControllerState& state, const PI::CObject& adapter,
@@ -271,6 +285,7 @@ Checks checkInventory(const ObjectStore& store)
             drives.push_back(drive);
             checkNamespace(drive, controller->m_DeviceName, checks);
             checkHealthLog(drive, controller->m_DeviceName, checks);
+            checkVendorLogs(store, *store.byId(*drive.m_AdapterId), controller->m_DeviceName, checks);
             checkTexts(drive, controller->m_DeviceName, checks);
         }
     }

@@ -18,7 +18,8 @@ Check wrong(const std::string& message, const std::string& remedy)
 Check checkPollInterval(const std::filesystem::path& file)
 {
     PI::CConfigFile settings;
-    settings.SetFileName(file.native());
+    // The settings' own folder would be put before a relative path.
+    settings.SetFileName(std::filesystem::absolute(file).native());
     std::string text;
     if (settings.ReadKeyValue(PI::POLL_INTERVAL_KEY, text, -1, -1) != 0)
         return note("settings", file.string() + " has no line \"" + PI::POLL_INTERVAL_KEY +

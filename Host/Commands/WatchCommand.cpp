@@ -13,6 +13,7 @@
 #include "Facts/Observation.h"
 #include "Facts/Silence.h"
 #include "Journal/Journal.h"
+#include "Journal/Remaining.h"
 #include "Journal/Told.h"
 #include "Terminal/EventLine.h"
 
@@ -180,7 +181,7 @@ private:
         for (const SharedSerial& shared : sharedSerials(m_Drives))
             m_Terminal.tell(sharedSerialText(shared));
         for (WatchedDrives& plugin : m_Plugins)
-            for (const Journal::Entry& entry : news(plugin))
+            for (const Journal::Entry& entry : news(plugin, look(plugin)))
                 print(entry);
     }
 
@@ -192,7 +193,7 @@ private:
             return;
         m_Silent = std::move(silent);
         for (WatchedDrives& plugin : m_Plugins)
-            for (const Journal::Entry& entry : news(plugin))
+            for (const Journal::Entry& entry : news(plugin, look(plugin)))
                 print(entry);
     }
 
@@ -204,17 +205,24 @@ private:
         for (const DriveEvent& event : told)
             m_Terminal.print(m_Session.m_Options.m_Json ? lineText(eventJson(event), m_Session.simulated())
                                                         : eventLine(event, m_Terminal.screen()));
-        for (const Journal::Entry& entry : withoutTold(news(plugin), told))
+        const Observation now = look(plugin);
+        const std::vector<Journal::Entry> entries = news(plugin, now);
+        for (const Journal::Entry& entry : withoutTold(entries, told))
+            print(entry);
+        for (const Journal::Entry& entry : remaining(now, told, entries))
             print(entry);
         m_Drives = std::move(after);
     }
 
-    /** Returns what the plug-in's objects show and what was not known before. */
-    std::vector<Journal::Entry> news(WatchedDrives& plugin) const
+    Observation look(const WatchedDrives& plugin) const
     {
-        Journal::Outcome outcome = Journal::advance(
-            plugin.m_State,
-            observe(m_Watched.objectsOf(plugin.m_Monitor, answersFor(plugin)), TLX::Misc::now()));
+        return observe(m_Watched.objectsOf(plugin.m_Monitor, answersFor(plugin)), TLX::Misc::now());
+    }
+
+    /** Returns what was not known before. */
+    static std::vector<Journal::Entry> news(WatchedDrives& plugin, const Observation& now)
+    {
+        Journal::Outcome outcome = Journal::advance(plugin.m_State, now);
         plugin.m_State = std::move(outcome.m_State);
         return std::move(outcome.m_Entries);
     }

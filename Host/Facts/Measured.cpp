@@ -19,8 +19,8 @@ namespace {
 constexpr std::uint64_t MODULE = 313;
 constexpr unsigned MODULE_SHIFT = 48;
 
-// The plug-in reads the wear only from drives of this maker.
-constexpr char MAKER_WITH_WEAR[] = "INTEL";
+// The plug-in reads vendor logs, and so the wear, only from drives of this maker.
+constexpr char MAKER_WITH_LOGS[] = "INTEL";
 
 /** Rows that the plug-in always shows and fills from the health log. */
 constexpr std::array FROM_HEALTH_LOG = {PI::PROP_AVAILABLE_SPARE, PI::PROP_SPARE_THRESHOLD,
@@ -43,9 +43,9 @@ bool isOfInstalledPlugin(const PI::CObject& object)
     return object.m_ID >> MODULE_SHIFT == MODULE;
 }
 
-bool hasWear(const PI::CObject& adapter)
+bool hasVendorLogs(const PI::CObject& adapter)
 {
-    return textOf(adapter, PI::PROP_VENDOR) == MAKER_WITH_WEAR;
+    return textOf(adapter, PI::PROP_VENDOR) == MAKER_WITH_LOGS;
 }
 
 bool isConstant(const PI::CObject& object, std::uint32_t propertyId)
@@ -56,7 +56,8 @@ bool isConstant(const PI::CObject& object, std::uint32_t propertyId)
         return propertyId == PI::PROP_HEALTH_STATUS;
     if (object.m_Type != PI::TYPE_ADAPTER)
         return false;
-    return propertyId == PI::PROP_SPARE_STATE || (propertyId == PI::PROP_WEAR_STATE && !hasWear(object));
+    return propertyId == PI::PROP_SPARE_STATE ||
+           (propertyId == PI::PROP_WEAR_STATE && !hasVendorLogs(object));
 }
 
 bool isCode(const PI::CProperty& property, std::uint32_t expected)
@@ -76,7 +77,7 @@ bool comesFromHealthLog(const PI::CProperty& property)
 bool isUnreadWear(const ObjectStore& store, const PI::CObject& object, const PI::CProperty& property)
 {
     return property.Id() == PI::PROP_WEAR_STATE && isCode(property, PI::WEAR_OK) &&
-           isOfInstalledPlugin(object) && hasWear(object) &&
+           isOfInstalledPlugin(object) && hasVendorLogs(object) &&
            !TLXX::lastVendorLog(diskPathOf(store, object), TLXX::INTEL_LEGACY_SMART_LOG_PAGE);
 }
 
@@ -109,6 +110,19 @@ std::optional<bool> healthLogRead(const ObjectStore& store, const PI::CObject& o
     return hasAny(*adapter, SIGNS_OF_HEALTH_LOG) ||
            std::any_of(media.begin(), media.end(),
                        [](const PI::CObject* medium) { return hasAny(*medium, SIGNS_OF_HEALTH_LOG); });
+}
+
+std::vector<std::uint8_t> unreadVendorLogs(const ObjectStore& store, const PI::CObject& adapter)
+{
+    std::vector<std::uint8_t> unread;
+    if (!isOfInstalledPlugin(adapter) || !hasVendorLogs(adapter))
+        return unread;
+    const std::string path = diskPathOf(store, adapter);
+    for (const std::uint8_t log :
+         {TLXX::INTEL_TEMPERATURE_STATISTIC_LOG_PAGE, TLXX::INTEL_LEGACY_SMART_LOG_PAGE})
+        if (!TLXX::lastVendorLog(path, log))
+            unread.push_back(log);
+    return unread;
 }
 
 Basis basisOf(const ObjectStore& store, const PI::CObject& object, const PI::CProperty& property)

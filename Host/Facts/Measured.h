@@ -35,6 +35,12 @@ std::string diskPathOf(const ObjectStore& store, const PI::CObject& adapter);
  */
 std::optional<bool> healthLogRead(const ObjectStore& store, const PI::CObject& object);
 
+/**
+ * The logs that the plug-in reads from drives of this maker, but has never got from this drive. The numbers
+ * are log identifiers.
+ */
+std::vector<std::uint8_t> unreadVendorLogs(const ObjectStore& store, const PI::CObject& adapter);
+
 /** Where the value of a property of `object` comes from. */
 Basis basisOf(const ObjectStore& store, const PI::CObject& object, const PI::CProperty& property);
 

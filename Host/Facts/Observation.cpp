@@ -69,8 +69,10 @@ std::optional<std::uint64_t> unlessNone(const std::optional<std::uint64_t>& amou
 /** The value from the drive itself, or the plug-in's value when the program cannot read the drive. */
 std::optional<float> temperatureOf(const Drive& drive)
 {
+    if (!drive.m_HealthLog)
+        return drive.m_Temperature;
     const std::optional<std::int32_t> own = compositeTemperature(drive);
-    return own ? std::optional(static_cast<float>(*own)) : drive.m_Temperature;
+    return own ? std::optional(static_cast<float>(*own)) : std::nullopt;
 }
 
 ObservedDrive observed(const Drive& drive, std::optional<bool> belowNew, std::string key)
@@ -95,6 +97,7 @@ ObservedDrive observed(const Drive& drive, std::optional<bool> belowNew, std::st
         result.m_MediaErrors = drive.m_MediaErrors;
     result.m_Spare = spareOf(drive);
     result.m_Wear = wearOf(drive);
+    result.m_OwnWear = logPercentage<&TLXX::NVME_SMART_HEALTH_INFORMATION_LOG::PercentageUsed>(drive);
     return result;
 }
 

@@ -41,8 +41,9 @@ struct ObservedDrive : DriveIdentity
     std::optional<float> m_TemperatureLimit;         ///< at this temperature the drive warns
     std::optional<float> m_CriticalTemperatureLimit; ///< at this temperature it may stop
     std::optional<std::uint64_t> m_MediaErrors;
-    std::optional<std::int32_t> m_Spare; ///< percent left
-    std::optional<std::int32_t> m_Wear;  ///< percent used; above 100 when the rating is exceeded
+    std::optional<std::int32_t> m_Spare;   ///< percent left
+    std::optional<std::int32_t> m_Wear;    ///< percent used; above 100 when the rating is exceeded
+    std::optional<std::int32_t> m_OwnWear; ///< the same by the drive's own count, which ends at 255
 };
 
 /** What is known about a machine at one moment. */

@@ -22,7 +22,7 @@ std::optional<std::uint64_t> numberOf(const std::array<std::uint64_t, 2>& field)
 
 std::optional<std::uint64_t> numberOf(std::uint32_t field);
 
-/** A field in kelvin, converted to degrees Celsius. Nothing for 0 kelvin. */
+/** A field in kelvin, converted to degrees Celsius. Nothing for 0 kelvin and for all ones. */
 std::optional<std::int32_t> celsiusOf(std::uint16_t kelvin);
 
 /** The composite temperature in the health log, in degrees Celsius. */

@@ -31,6 +31,8 @@ std::string_view kindName(Kind kind)
         return "spare-fell";
     case Kind::WearGrew:
         return "wear-grew";
+    case Kind::OwnWearGrew:
+        return "own-wear-grew";
     case Kind::MediaErrorsGrew:
         return "media-errors-grew";
     case Kind::FirmwareChanged:
@@ -56,6 +58,8 @@ std::string_view phaseName(Phase phase)
         return "began";
     case Phase::Ended:
         return "ended";
+    case Phase::Remains:
+        return "remains";
     }
     return {};
 }

@@ -28,7 +28,8 @@ enum class Kind : std::uint8_t
     // Figures that passed a step. Each step is told once.
     SpareFell,
     WearGrew,
-    // Figures and texts that changed.
+    OwnWearGrew, ///< by the drive's own count
+                 // Figures and texts that changed.
     MediaErrorsGrew,
     FirmwareChanged,
     CapacityChanged,
@@ -46,6 +47,7 @@ enum class Phase : std::uint8_t
     Present, ///< it was already so when the drive was first seen
     Began,   ///< it began
     Ended,   ///< it ended
+    Remains, ///< it is still so, although an event says that all warnings have cleared
 };
 
 /** The word for the phase in documents, such as "began". */

@@ -109,7 +109,10 @@ private:
         if (!figure)
             return;
         const auto* before = find<std::uint64_t>(m_State, rule.m_Kind);
-        if (before != nullptr && (rule.m_OnlyGrowth ? *figure > *before : *figure != *before))
+        if (before == nullptr) {
+            if (rule.m_PresentText != nullptr && *figure > 0)
+                tell(rule.m_Kind, Phase::Present, rule.m_Severity, std::nullopt, rule.m_PresentText(*figure));
+        } else if (rule.m_OnlyGrowth ? *figure > *before : *figure != *before)
             tell(rule.m_Kind, Phase::Change, rule.m_Severity, rule.m_Event, rule.m_Text(*before, *figure));
         remember(rule.m_Kind, *figure);
     }

@@ -107,9 +107,15 @@ std::string wearText(std::int32_t figure)
     return std::to_string(figure) + " % of the rated life is used.";
 }
 
+std::string ownWearText(std::int32_t figure)
+{
+    return "by its own count the drive has used " + std::to_string(figure) + " % of its life.";
+}
+
 const StepRule STEPS[] = {
     {Kind::SpareFell, &ObservedDrive::m_Spare, false, SPARE_STEPS, Kind::SpareLow, spareText},
     {Kind::WearGrew, &ObservedDrive::m_Wear, true, WEAR_STEPS, std::nullopt, wearText},
+    {Kind::OwnWearGrew, &ObservedDrive::m_OwnWear, true, WEAR_STEPS, std::nullopt, ownWearText},
 };
 
 std::string fromTo(const char* what, std::uint64_t before, std::uint64_t now, const char* unit)
@@ -120,6 +126,12 @@ std::string fromTo(const char* what, std::uint64_t before, std::uint64_t now, co
 std::string mediaErrorsText(std::uint64_t before, std::uint64_t now)
 {
     return fromTo("the media errors grew from ", before, now, ".");
+}
+
+std::string mediaErrorsPresentText(std::uint64_t now)
+{
+    return "the drive has counted " + std::to_string(now) + (now == 1 ? " media error" : " media errors") +
+           " so far.";
 }
 
 std::string capacityText(std::uint64_t before, std::uint64_t now)
@@ -134,11 +146,11 @@ std::string blockSizeText(std::uint64_t before, std::uint64_t now)
 
 constexpr FigureRule FIGURES[] = {
     {Kind::MediaErrorsGrew, &ObservedDrive::m_MediaErrors, true, Severity::Warning, std::nullopt,
-     mediaErrorsText},
+     mediaErrorsText, mediaErrorsPresentText},
     {Kind::CapacityChanged, &ObservedDrive::m_CapacityMiB, false, Severity::Warning, std::nullopt,
-     capacityText},
+     capacityText, nullptr},
     {Kind::BlockSizeChanged, &ObservedDrive::m_BlockSize, false, Severity::Information, EVENT_DRIVE_CHANGED,
-     blockSizeText},
+     blockSizeText, nullptr},
 };
 
 const std::string& firmwareOf(const ObservedDrive& drive)

@@ -89,6 +89,8 @@ struct FigureRule
     Severity m_Severity;
     std::optional<std::uint32_t> m_Event;
     std::string (*m_Text)(std::uint64_t before, std::uint64_t now);
+    /** For a drive that is first seen with a figure above 0. Null when that is no news. */
+    std::string (*m_PresentText)(std::uint64_t now);
 };
 
 std::span<const FigureRule> figureRules();

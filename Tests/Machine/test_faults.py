@@ -13,7 +13,7 @@ LAST = Controller("last", "LAST", size=64 * MIB)
 FLEET = (FIRST, SICK, LAST)
 
 # The runs of watch; the job says which commands fail in each.
-WATCHES = ("watch-6+3", "watch-5+3", "watch-4")
+WATCHES = ("watch-3+3", "watch-2+3", "watch-1")
 # The warnings set on the last drive meanwhile, and the event of each. Each needs another round of the worker.
 STEPS = ((0x04, 11088), (0x05, 10968), (0x00, 10980))
 
@@ -56,7 +56,9 @@ class Faults(unittest.TestCase):
                 self.assertEqual(self.files[f"{watch}.code"].strip(), b"0", self.files[f"{watch}.err"])
                 self.assertEqual(self.files[f"{watch}.err"], b"")
                 self.assertGreater(self.injected(watch), 0)
-                lines = [json.loads(line) for line in self.files[f"{watch}.out"].splitlines()]
+                # A command that fails may be Identify. Then the drive does not answer, which is told as such.
+                lines = [line for line in map(json.loads, self.files[f"{watch}.out"].splitlines())
+                         if (line.get("kind"), line["drive"]["serial"]) != ("does-not-answer", "SICK")]
                 self.assertEqual([(each.get("phase"), each.get("kind"), each.get("id"), each["drive"]["serial"])
                                   for each in lines],
                                  [("present", "reliability-degraded", None, "SICK"),
@@ -84,11 +86,13 @@ class Faults(unittest.TestCase):
         self.assertNotIn("othing needs to be done", shown)
 
     def test_dropped_list(self):
-        """drives after one that does not answer have real addresses, and their locations are marked as wrong"""
+        """a drive that never answered is listed as such, and those after it have their real places"""
         drives = self.drives("list-dropped")
-        self.assertEqual(sorted(drives), ["LAST", "SICK"])
+        self.assertEqual(sorted(drives), ["FIRST", "LAST", "SICK"])
+        self.assertFalse(drives.pop("FIRST")["answering"])
         for serial, drive in drives.items():
-            self.assertEqual((drive["pciAddress"], drive["locationIsReal"]), (self.address(serial), False))
+            self.assertEqual(drive["pciAddress"], self.address(serial))
+            self.assertNotIn("locationIsReal", drive)
 
     def test_dropped_show(self):
         """show finds such a drive by its real address"""

@@ -136,6 +136,23 @@ TEST_F(AdapterNumbers, OfGoodLinesHoldBesideADamagedOne)
     }
 }
 
+TEST_F(AdapterNumbers, AFileWithoutItsEndIsDamagedInItsLastLine)
+{
+    const std::string whole = "3 0 2 0 0 localhost\n1 0 4 0 0 localhost\n";
+    for (const auto& [length, line] : {std::pair<std::size_t, int>(whole.size() - 1, 2),
+                                       {whole.size() - 6, 2},
+                                       {22, 2},
+                                       {19, 1},
+                                       {0, 1}}) {
+        const std::string torn = whole.substr(0, length);
+        EXPECT_THAT(ToldOf(torn), HasSubstr(" is damaged in line " + std::to_string(line) + ". ")) << torn;
+        EXPECT_EQ(m_Folder.Read("Numbers.txt.damaged"), torn);
+        std::filesystem::remove(m_File.string() + ".damaged");
+    }
+    ToldOf(whole.substr(0, whole.size() - 1));
+    EXPECT_EQ(NumberOf(4), 1) << "a line that only lacks its end holds";
+}
+
 TEST_F(AdapterNumbers, ThatWereSetAsideAreNotOverwritten)
 {
     for (const char* content : {"x\n", "y\n", "x\n"})

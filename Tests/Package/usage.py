@@ -29,7 +29,8 @@ class Usage:
         self.options = set(self.general)
         self.own = {}
         for command in _entries(general, "Commands"):
-            text = stage.ostrel(command, "--help")
+            # A monitoring system must not take the help of "check" for a verdict, so its exit code is not 0.
+            text = stage.attempt(stage.root / "usr/bin/ostrel", command, "--help").stdout
             self.own[command] = set(_entries(text, "Options"))
             self.options |= self.own[command]
             (line,) = re.findall(r"^Usage: ostrel (.*)$", text, re.MULTILINE)

@@ -49,8 +49,8 @@ protected:
 
 TEST_F(ReaderDrives, AnswerWhoeverAsked)
 {
-    m_Drives.ask(identification(3), {7, 70});
-    m_Drives.ask({{4, 1}, ReaderCommand::firstLogPage, 0, 8, 16}, {8, 80});
+    m_Drives.ask({identification(3)}, {7, 70});
+    m_Drives.ask({{{4, 1}, ReaderCommand::firstLogPage, 0, 8, 16}}, {8, 80});
     auto answers = Take(2);
     ASSERT_EQ(answers.size(), 2U);
     std::sort(answers.begin(), answers.end(),
@@ -66,57 +66,57 @@ TEST_F(ReaderDrives, AnswerWhoeverAsked)
 
 TEST_F(ReaderDrives, AnswerFromMemoryForASecond)
 {
-    m_Drives.ask(identification(3), {1, 1});
+    m_Drives.ask({identification(3)}, {1, 1});
     (void)Take(1);
     m_Clock.Advance(999);
-    m_Drives.ask(identification(3), {2, 2});
+    m_Drives.ask({identification(3)}, {2, 2});
     const auto known = m_Drives.take();
     ASSERT_EQ(known.size(), 1U) << "at once";
     EXPECT_EQ(known[0].m_Asker, (Reader::Asker{2, 2}));
     EXPECT_EQ(CountIn(known[0]), 1);
     m_Clock.Advance(1);
-    m_Drives.ask(identification(3), {3, 3});
+    m_Drives.ask({identification(3)}, {3, 3});
     EXPECT_EQ(CountIn(Take(1)[0]), 2) << "a second has passed";
 }
 
 TEST_F(ReaderDrives, ForgetAnswersWhenDrivesAreInDoubt)
 {
-    m_Drives.ask(identification(3), {1, 1});
+    m_Drives.ask({identification(3)}, {1, 1});
     (void)Take(1);
     m_Drives.doubt();
-    m_Drives.ask(identification(3), {1, 2});
+    m_Drives.ask({identification(3)}, {1, 2});
     EXPECT_EQ(CountIn(Take(1)[0]), 2);
 }
 
 TEST_F(ReaderDrives, DoNotUseAnAnswerThatWasAskedForBeforeADoubt)
 {
     m_Fake->hang(3);
-    m_Drives.ask(identification(3), {1, 1});
+    m_Drives.ask({identification(3)}, {1, 1});
     m_Fake->await(3, 1);
     m_Drives.doubt();
-    m_Drives.ask(identification(3), {1, 2});
+    m_Drives.ask({identification(3)}, {1, 2});
     m_Fake->answerAgain();
     auto answers = Take(2);
     EXPECT_EQ(CountIn(answers[0]), 1);
     EXPECT_EQ(CountIn(answers[1]), 2) << "it is asked for again";
-    m_Drives.ask(identification(3), {1, 3});
+    m_Drives.ask({identification(3)}, {1, 3});
     EXPECT_EQ(CountIn(m_Drives.take().at(0)), 2) << "and the first answer is not remembered";
 }
 
 TEST_F(ReaderDrives, NeverTakeOneDriveForAnother)
 {
-    m_Drives.ask(identification(3, 100), {1, 1});
+    m_Drives.ask({identification(3, 100)}, {1, 1});
     (void)Take(1);
-    m_Drives.ask(identification(3, 101), {1, 2});
+    m_Drives.ask({identification(3, 101)}, {1, 2});
     EXPECT_EQ(CountIn(Take(1)[0]), 2) << "another node of the same name";
 }
 
 TEST_F(ReaderDrives, SendOneCommandForAllWhoAsk)
 {
     m_Fake->hang(3);
-    m_Drives.ask(identification(3), {1, 1});
-    m_Drives.ask(identification(3), {2, 2});
-    m_Drives.ask(identification(3), {3, 3});
+    m_Drives.ask({identification(3)}, {1, 1});
+    m_Drives.ask({identification(3)}, {2, 2});
+    m_Drives.ask({identification(3)}, {3, 3});
     m_Fake->await(3, 1);
     m_Fake->answerAgain();
     EXPECT_EQ(Take(3).size(), 3U);
@@ -126,11 +126,11 @@ TEST_F(ReaderDrives, SendOneCommandForAllWhoAsk)
 TEST_F(ReaderDrives, SendASilentDriveNothingMore)
 {
     m_Fake->hang(3);
-    m_Drives.ask(identification(3), {1, 1});
+    m_Drives.ask({identification(3)}, {1, 1});
     m_Fake->await(3, 1);
     for (std::uint32_t offset = 0; offset < 40; offset += 4)
-        m_Drives.ask({{3, 1}, ReaderCommand::firstLogPage, 0, offset, 16}, {1, offset});
-    m_Drives.ask(identification(4), {1, 100});
+        m_Drives.ask({{{3, 1}, ReaderCommand::firstLogPage, 0, offset, 16}}, {1, offset});
+    m_Drives.ask({identification(4)}, {1, 100});
     EXPECT_EQ(Take(1)[0].m_Asker, (Reader::Asker{1, 100})) << "another drive is not delayed";
     EXPECT_EQ(m_Fake->commands(3), 1U);
     m_Fake->answerAgain();
@@ -142,9 +142,9 @@ TEST_F(ReaderDrives, GrowWithTheSilentOnes)
 {
     for (std::uint32_t controller = 0; controller < 40; ++controller) {
         m_Fake->hang(controller);
-        m_Drives.ask(identification(controller), {1, controller});
+        m_Drives.ask({identification(controller)}, {1, controller});
     }
-    m_Drives.ask(identification(99), {1, 99});
+    m_Drives.ask({identification(99)}, {1, 99});
     EXPECT_EQ(Take(1)[0].m_Asker, (Reader::Asker{1, 99}));
     m_Fake->answerAgain();
     EXPECT_EQ(Take(40).size(), 40U);
@@ -153,10 +153,10 @@ TEST_F(ReaderDrives, GrowWithTheSilentOnes)
 TEST_F(ReaderDrives, SendNothingForAClientThatHasGone)
 {
     m_Fake->hang(3);
-    m_Drives.ask(identification(3), {1, 1});
+    m_Drives.ask({identification(3)}, {1, 1});
     m_Fake->await(3, 1);
-    m_Drives.ask({{3, 1}, ReaderCommand::firstLogPage, 0, 0, 16}, {1, 2});
-    m_Drives.ask({{3, 1}, ReaderCommand::firstLogPage, 0, 4, 16}, {2, 3});
+    m_Drives.ask({{{3, 1}, ReaderCommand::firstLogPage, 0, 0, 16}}, {1, 2});
+    m_Drives.ask({{{3, 1}, ReaderCommand::firstLogPage, 0, 4, 16}}, {2, 3});
     m_Drives.forget(1);
     m_Fake->answerAgain();
     const auto answers = Take(1);
@@ -168,16 +168,16 @@ TEST_F(ReaderDrives, SendNothingForAClientThatHasGone)
 TEST_F(ReaderDrives, RememberWhatADriveSaysButNoErrorOfTheSystem)
 {
     m_Fake->fail(3, 0x12002);
-    m_Drives.ask(identification(3), {1, 1});
+    m_Drives.ask({identification(3)}, {1, 1});
     EXPECT_EQ(Take(1)[0].m_Answer.m_Status, 0x12002U);
-    m_Drives.ask(identification(3), {1, 2});
+    m_Drives.ask({identification(3)}, {1, 2});
     EXPECT_EQ(Take(1)[0].m_Answer.m_Block, nullptr);
     EXPECT_EQ(m_Fake->commands(3), 1U);
     for (const std::uint32_t status : {13U, TLXX::STATUS_NO_RESOURCES}) {
         m_Fake->fail(4, status);
         const std::size_t before = m_Fake->commands(4);
         for (std::uint64_t sequence = 0; sequence < 2; ++sequence) {
-            m_Drives.ask(identification(4), {1, sequence});
+            m_Drives.ask({identification(4)}, {1, sequence});
             EXPECT_EQ(Take(1)[0].m_Answer.m_Status, status);
         }
         EXPECT_EQ(m_Fake->commands(4), before + 2);
@@ -187,16 +187,23 @@ TEST_F(ReaderDrives, RememberWhatADriveSaysButNoErrorOfTheSystem)
 TEST_F(ReaderDrives, RefuseMoreThanADriveCanEverDo)
 {
     m_Fake->hang(3);
-    m_Drives.ask(identification(3), {1, 0});
+    m_Drives.ask({identification(3)}, {1, 0});
     m_Fake->await(3, 1);
     for (std::uint32_t offset = 0; offset < 1025; ++offset)
-        m_Drives.ask({{3, 1}, ReaderCommand::firstLogPage, 0, offset * 4, 16}, {1, offset});
+        m_Drives.ask({{{3, 1}, ReaderCommand::firstLogPage, 0, offset * 4, 16}}, {1, offset});
     const auto refused = m_Drives.take();
     ASSERT_EQ(refused.size(), 1U);
     EXPECT_EQ(refused[0].m_Asker, (Reader::Asker{1, 1024}));
     EXPECT_EQ(refused[0].m_Answer.m_Status, TLXX::STATUS_NO_RESOURCES);
     m_Drives.forget(1);
     m_Fake->answerAgain();
+}
+
+TEST_F(ReaderDrives, SendWhatIsAskedTogetherOnOneOpening)
+{
+    m_Drives.ask({identification(3), {{3, 1}, ReaderCommand::firstLogPage, 0, 0, 16}}, {1, 1});
+    EXPECT_EQ(Take(2).size(), 2U);
+    EXPECT_EQ(m_Fake->openings(), 1U);
 }
 
 } // namespace

@@ -21,6 +21,8 @@ public:
     Reader::OpenDrive opening()
     {
         return [self = shared_from_this()](const Reader::Controller& controller) {
+            const std::scoped_lock guard(self->m_Lock);
+            ++self->m_Openings;
             return std::make_unique<Drive>(self, controller);
         };
     }
@@ -59,6 +61,13 @@ public:
     {
         const std::scoped_lock guard(m_Lock);
         return m_Commands[controller];
+    }
+
+    /** How often controllers were opened. */
+    std::size_t openings()
+    {
+        const std::scoped_lock guard(m_Lock);
+        return m_Openings;
     }
 
     /** The most commands that one controller had at a time. */
@@ -111,6 +120,7 @@ private:
     std::map<std::uint32_t, std::size_t> m_Commands;
     std::map<std::uint32_t, std::size_t> m_Now;
     std::size_t m_Most = 0;
+    std::size_t m_Openings = 0;
 };
 
 } // namespace ReaderTest

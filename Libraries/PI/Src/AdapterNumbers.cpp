@@ -77,15 +77,24 @@ struct CReadNumbers
     int m_FirstDamaged = 0; ///< its line; 0: none
 };
 
+/** The end of a torn file may still look like a good line, with a part of the host's name. So it is kept. */
 CReadNumbers read(const std::string& content)
 {
     CReadNumbers result;
     std::istringstream lines(content);
     std::string line;
-    for (int number = 1; std::getline(lines, line); ++number)
-        if (!line.empty() && line.front() != '#' && !addLine(line, result.m_Numbers) &&
-            result.m_FirstDamaged == 0)
-            result.m_FirstDamaged = number;
+    int number = 0;
+    const auto damagedHere = [&] {
+        if (result.m_FirstDamaged == 0)
+            result.m_FirstDamaged = std::max(number, 1);
+    };
+    while (std::getline(lines, line)) {
+        ++number;
+        if (!line.empty() && line.front() != '#' && !addLine(line, result.m_Numbers))
+            damagedHere();
+    }
+    if (!content.ends_with('\n'))
+        damagedHere();
     return result;
 }
 

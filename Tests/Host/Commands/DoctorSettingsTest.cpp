@@ -4,6 +4,7 @@
 #include <Database/Database.h>
 #include <Database/Maintenance.h>
 #include <DatabaseORM/DatabaseException.h>
+#include <PI/ConfigFile.h>
 
 #include <algorithm>
 #include <fstream>
@@ -31,6 +32,17 @@ TEST(CheckSettings, TellsOfAFileThatIsIgnored)
     const Check unreadable = checkSettings(folder.Path());
     EXPECT_THAT(unreadable, finding(Finding::Problem, "cannot be read"));
     EXPECT_THAT(unreadable.m_Remedy, HasSubstr("may read"));
+}
+
+TEST(CheckSettings, ReadsTheFileOfAFolderThatIsNamedByARelativePath)
+{
+    const TestSupport::CTemporaryFolder folder;
+    folder.Write("Ostrel.ini", "PollInterval=abc\n");
+    // The folder of all settings must not be put before the path.
+    PI::CConfigFile::SetFolder((folder.Path() / "other").native());
+    EXPECT_THAT(checkSettings(std::filesystem::relative(folder.Path())),
+                finding(Finding::Problem, "PollInterval is \"abc\""));
+    PI::CConfigFile::SetFolder({});
 }
 
 TEST(CheckSettings, TellsOfAnIntervalThatIsNotTakenAsItStands)

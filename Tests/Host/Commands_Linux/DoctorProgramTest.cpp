@@ -23,6 +23,7 @@ using HostTest::runProgram;
 using HostTest::simulated;
 using nlohmann::json;
 using testing::AllOf;
+using testing::AnyOf;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -109,6 +110,34 @@ TEST(Doctor, NamesDrivesThatDoNotAnswerOrAnswerNonsense)
               HasSubstr("PROBLEM  nvme1n1: its health log was not read (the drive answered with status"),
               HasSubstr("NOTE     nvme2n1: its namespace contains no blocks"),
               Not(HasSubstr("but is shown at"))));
+}
+
+TEST(Doctor, NamesTheVendorLogsThatADriveDidNotGive)
+{
+    const TestSupport::CTemporaryFolder folder;
+    const json logs = {{"0xC5", {{"temperature", 30}, {"offset", 0}}},
+                       {"0xCA", {{"attributeAD", 100}, {"attributeEA", 100}}}};
+    const auto drive = [&](int bus, int maker, std::vector<std::string> there) {
+        json result = {
+            {"location", "0000:0" + std::to_string(bus) + ":00.0"},
+            {"identify", {{"vendorId", maker}, {"model", "INTEL M"}, {"serial", std::to_string(bus)}}},
+            {"namespace", {{"blocks", 204800}}},
+            {"health", {{"temperature", 20}}}};
+        for (const std::string& log : there)
+            result["vendorLogs"][log] = logs[log];
+        return result;
+    };
+    const json drives = {drive(1, 0x8086, {"0xC5", "0xCA"}), drive(2, 0x8086, {"0xCA"}),
+                         drive(3, 0x8086, {"0xC5"}), drive(4, 0x144D, {})};
+    const std::string fleet = folder.Write("fleet.json", json{{"controllers", drives}}.dump());
+    const ProgramResult result = runProgram(simulated({"doctor"}, fleet));
+    EXPECT_EQ(result.m_ExitCode, 0) << result.m_Output;
+    EXPECT_THAT(
+        result.m_Output,
+        AllOf(HasSubstr("NOTE     nvme1n1: its log C5h was not read, so nothing tells"),
+              HasSubstr("NOTE     nvme2n1: its log CAh was not read, so its wear state is not known")));
+    EXPECT_THAT(result.m_Output, Not(AnyOf(HasSubstr("nvme0n1: its log"), HasSubstr("nvme1n1: its log CA"),
+                                           HasSubstr("nvme2n1: its log C5"), HasSubstr("nvme3n1: its log"))));
 }
 
 } // namespace

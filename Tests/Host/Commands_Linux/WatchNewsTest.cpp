@@ -127,6 +127,56 @@ TEST_F(WatchNewsTest, TheLimitsThatADriveNamesCountWithoutAWarningOfIts)
     end(program);
 }
 
+TEST_F(WatchNewsTest, AnAllClearOfADriveThatIsStillTooHotIsNotTheLastWord)
+{
+    const auto drives = [this](int temperature, int warnings) {
+        json warm = drive("A", 1, warnings);
+        warm["identify"]["warningTemperature"] = 70;
+        warm["health"]["temperature"] = temperature;
+        fleet({warm});
+    };
+    drives(75, 2);
+    RunningProgram program(arguments({"--json"}));
+    EXPECT_EQ(next(program), "over-temperature present A");
+    program.awaitMessage("adapter count is");
+    drives(75, 0);
+    EXPECT_EQ(next(program), "10980 A");
+    EXPECT_EQ(next(program), "over-temperature remains A");
+    drives(60, 0);
+    EXPECT_EQ(next(program), "over-temperature ended A");
+    end(program);
+}
+
+TEST_F(WatchNewsTest, MediaErrorsAreToldAtTheStart)
+{
+    json worn = drive("A", 1);
+    worn["health"]["mediaErrors"] = 5;
+    fleet({worn, drive("B", 2)});
+    RunningProgram program(arguments({"--json"}));
+    EXPECT_EQ(next(program), "media-errors-grew present A");
+    program.awaitMessage("adapter count is");
+    end(program);
+}
+
+TEST_F(WatchNewsTest, WearByTheDrivesOwnCountIsToldAtEachStep)
+{
+    const auto wear = [this](int percent) {
+        json worn = drive("A", 1);
+        worn["health"]["percentageUsed"] = percent;
+        fleet({worn});
+    };
+    wear(85);
+    RunningProgram program(arguments({"--json"}));
+    EXPECT_EQ(next(program), "own-wear-grew present A");
+    program.awaitMessage("adapter count is");
+    wear(255);
+    const json line = json::parse(program.awaitResult("\n"));
+    EXPECT_EQ(line["severity"], 4);
+    EXPECT_THAT(line["text"].get<std::string>(),
+                EndsWith(": by its own count the drive has used 255 % of its life."));
+    end(program);
+}
+
 TEST_F(WatchNewsTest, AMarginOfTheTemperatureIsToldAtTheStartAndThenByEvents)
 {
     const auto heat = [this](int temperature) {

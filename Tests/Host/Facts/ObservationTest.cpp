@@ -81,9 +81,13 @@ TEST_F(ObservationTest, TakesTemperatureAndLimitsFromTheDrivesOwnPages)
     });
     (void)TLXX::NVMeStorageQueryPropertyIdentifyController("/dev/nvme0n1", controller);
     (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("/dev/nvme0n1", log);
-    EXPECT_EQ(look().m_Temperature, 36.0F) << "the plug-in's, for the drive does not tell";
+    EXPECT_EQ(look().m_Temperature, std::nullopt);
     EXPECT_EQ(look().m_TemperatureLimit, std::nullopt);
     EXPECT_EQ(look().m_CriticalTemperatureLimit, std::nullopt);
+    // The plug-in shows this one as 65262 degrees.
+    drives.Change(0, [](TestSupport::CFakeDrive& drive) { drive.Kelvin(0xFFFF); });
+    (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("/dev/nvme0n1", log);
+    EXPECT_EQ(look().m_Temperature, std::nullopt);
 }
 
 TEST_F(ObservationTest, TakesTheMarginOfTheTemperatureFromItsStatistics)
@@ -139,6 +143,16 @@ TEST_F(ObservationTest, NeitherSpareNorThresholdIsNoSpareToTell)
     EXPECT_EQ(look().m_Spare, std::nullopt);
     setAdapter(PI::PROP_AVAILABLE_SPARE, 4, 0, 100, 1);
     EXPECT_EQ(look().m_Spare, 4);
+}
+
+TEST_F(ObservationTest, TheDrivesOwnWearComesFromItsHealthLog)
+{
+    TestSupport::CFakeDrives drives;
+    drives.Add(TestSupport::CFakeDrive(0)).m_Health.PercentageUsed = 255;
+    EXPECT_EQ(look().m_OwnWear, std::nullopt);
+    TLXX::NVME_SMART_HEALTH_INFORMATION_LOG log{};
+    (void)TLXX::NVMeStorageQueryPropertyGetLogPageSMARTHealthInfo("/dev/nvme0n1", log);
+    EXPECT_EQ(look().m_OwnWear, 255);
 }
 
 TEST_F(ObservationTest, WearIsKnownOfRatedModelsAlone)

@@ -21,6 +21,7 @@ TEST(EntryTest, EachKindAndPhaseHasAWordOfItsOwn)
     EXPECT_EQ(phaseName(Phase::Present), "present");
     EXPECT_EQ(phaseName(Phase::Began), "began");
     EXPECT_EQ(phaseName(Phase::Ended), "ended");
+    EXPECT_EQ(phaseName(Phase::Remains), "remains");
 }
 
 } // namespace

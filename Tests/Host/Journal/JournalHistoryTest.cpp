@@ -61,6 +61,7 @@ private:
         drive.m_MediaErrors = below(3);
         drive.m_Spare = sometimes() ? 40 : 100;
         drive.m_Wear = sometimes() ? 92 : 0;
+        drive.m_OwnWear = sometimes() ? 255 : 0;
         return drive;
     }
 
@@ -103,6 +104,7 @@ private:
             break;
         case 5:
             drive.m_Wear = static_cast<std::int32_t>(below(130));
+            drive.m_OwnWear = static_cast<std::int32_t>(below(130));
             break;
         case 6:
             drive.m_Firmware = std::to_string(below(3));
@@ -132,6 +134,7 @@ private:
                 view.m_MediaErrors.reset();
                 view.m_Spare.reset();
                 view.m_Wear.reset();
+                view.m_OwnWear.reset();
             }
             if (below(6) == 0) {
                 view.m_CapacityMiB.reset();
@@ -231,13 +234,15 @@ private:
             const int spare = *drive.m_Spare;
             return spare > 75 ? 0 : spare > 50 ? 1 : spare > 25 ? 2 : spare > 10 ? 3 : 4;
         });
-        steps(stay, Kind::WearGrew, [](const ObservedDrive& drive) -> std::optional<int> {
-            if (!drive.m_Wear)
+        const auto wearStep = [](std::optional<std::int32_t> wear) -> std::optional<int> {
+            if (!wear)
                 return std::nullopt;
-            const int wear = *drive.m_Wear;
-            return wear < 50 ? 0 : wear < 80 ? 1 : wear < 90 ? 2 : wear < 100 ? 3 : 4;
-        });
+            return *wear < 50 ? 0 : *wear < 80 ? 1 : *wear < 90 ? 2 : *wear < 100 ? 3 : 4;
+        };
+        steps(stay, Kind::WearGrew, [&](const ObservedDrive& drive) { return wearStep(drive.m_Wear); });
+        steps(stay, Kind::OwnWearGrew, [&](const ObservedDrive& drive) { return wearStep(drive.m_OwnWear); });
         // Between two looks another drive with the same name and fewer errors may have replaced a drive.
+        present(stay, Kind::MediaErrorsGrew, [](const ObservedDrive& drive) { return drive.m_MediaErrors; });
         changes(
             stay, Kind::MediaErrorsGrew, [](const ObservedDrive& drive) { return drive.m_MediaErrors; },
             std::greater<>());
@@ -312,6 +317,17 @@ private:
             furthest = std::max(furthest, *step);
             known = sighting.m_Time;
         }
+    }
+
+    template<typename FigureOf>
+    void present(const Stay& stay, Kind kind, FigureOf figureOf)
+    {
+        for (const Sighting& sighting : stay)
+            if (const auto figure = figureOf(*sighting.m_Drive)) {
+                if (*figure > 0)
+                    tell(sighting.m_Time, std::nullopt, kind, Phase::Present);
+                return;
+            }
     }
 
     template<typename ValueOf, typename IsNews = std::not_equal_to<>>

@@ -60,11 +60,29 @@ TEST_F(JournalTest, TheFirstLookAdoptsWhatIsThere)
     sound.m_BelowNew = false;
     sound.m_Temperature = 30.0F;
     sound.m_TemperatureLimit = 70.0F;
-    sound.m_MediaErrors = 3;
+    sound.m_MediaErrors = 0;
     sound.m_Spare = 60;
     sound.m_Wear = 79;
     EXPECT_THAT(look({sound, drive("B")}), IsEmpty());
     EXPECT_THAT(look({sound, drive("B")}), IsEmpty());
+}
+
+TEST_F(JournalTest, MediaErrorsOfADriveThatIsFirstSeenAreToldOnce)
+{
+    ObservedDrive one = drive("A");
+    one.m_MediaErrors = 1;
+    ObservedDrive unread = drive("B");
+    const std::vector<Entry> first = look({one, unread});
+    ASSERT_EQ(first.size(), 1U);
+    EXPECT_EQ(first[0].m_Kind, Kind::MediaErrorsGrew);
+    EXPECT_EQ(first[0].m_Phase, Phase::Present);
+    EXPECT_EQ(first[0].m_Severity, Severity::Warning);
+    EXPECT_THAT(first[0].m_Text, testing::EndsWith(": the drive has counted 1 media error so far."));
+    unread.m_MediaErrors = 7;
+    const std::vector<Entry> second = look({one, unread});
+    ASSERT_EQ(second.size(), 1U) << "it was not read before";
+    EXPECT_THAT(second[0].m_Text, testing::EndsWith(": the drive has counted 7 media errors so far."));
+    EXPECT_THAT(look({one, unread}), IsEmpty());
 }
 
 TEST_F(JournalTest, ADriveThatDoesNotAnswerIsToldOnceAndNeverGone)

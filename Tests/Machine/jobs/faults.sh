@@ -34,21 +34,27 @@ look show-unread "$sick" 3 show SICK
 look list-dropped "$first" 1+ list --json
 look show-dropped "$first" 1+ show "$(cat /results/sysfs/SICK/address)"
 
-# The worker's first round succeeds. Then the health log fails, or Identify Namespace, or once Identify Controller.
-for which in 6+3 5+3 4; do
+# The first round succeeds. Then the reader's commands fail: the health log, Identify Namespace, or once Identify
+# Controller. Each thread counts its own commands, of which a round has three.
+for which in 3+3 2+3 1; do
     name=watch-$which
     data=/tmp/$name
     mkdir "$data"
     echo PollInterval=2 >"$data/Ostrel.ini"
     : >"/results/$name.out"
-    failing "$sick" "$which" watch --json --data "$data" >"/results/$name.out" 2>"/results/$name.err" &
+    /opt/ostrel/bin/ostrel watch --json --data "$data" >"/results/$name.out" 2>"/results/$name.err" &
     watch=$!
+    until grep -q '"present"' "/results/$name.out"; do usleep 20000; done
+    reader=$(pidof ostrel-reader)
+    strace -f -qq -o "/results/strace-$name" -p "$reader" -P "$sick" -e trace=ioctl \
+        -e "inject=ioctl:error=EIO:when=$which" &
+    until grep -q 'TracerPid:.*[1-9]' "/proc/$reader/status"; do usleep 20000; done
+    event watching
     tail -f "/results/$name.out" | while read -r line; do
-        case $line in *'"LAST"'*) event seen ;; *'"present"'*) event watching ;; esac
+        case $line in *'"LAST"'*) event seen ;; esac
     done &
     await "$name"
-    # The signal is for ostrel, not for strace.
-    kill -TERM "$(pidof ostrel)"
+    kill -TERM $watch
     wait $watch && code=0 || code=$?
     echo $code >"/results/$name.code"
     kill "$(pidof tail)"

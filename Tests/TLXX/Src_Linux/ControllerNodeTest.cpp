@@ -21,7 +21,6 @@ using TLXX::Linux::CControllerNode;
 const std::string NODE = "/dev/nvme4";
 constexpr std::uint32_t NUMBER = 4;
 constexpr std::uint32_t FROM_DRIVE = 0x10000;
-constexpr std::uint32_t SHORT_TRANSFER = 0x20000;
 
 class ControllerNodeTest : public testing::Test
 {
@@ -92,9 +91,9 @@ TEST_F(ControllerNodeTest, NamesFailures)
     Bytes block(4096);
     EXPECT_EQ(controller.IdentifyController(block), static_cast<std::uint32_t>(EINTR));
     EXPECT_EQ(controller.IdentifyController(block), FROM_DRIVE | 0x2002U);
-    EXPECT_EQ(controller.IdentifyController(block), SHORT_TRANSFER);
+    EXPECT_EQ(controller.IdentifyController(block), TLXXTest::SHORT_TRANSFER);
     Bytes health(512);
-    EXPECT_EQ(controller.LogPage(0x02, 0, health), SHORT_TRANSFER);
+    EXPECT_EQ(controller.LogPage(0x02, 0, health), TLXXTest::SHORT_TRANSFER);
     EXPECT_EQ(health, Bytes(512));
     EXPECT_EQ(block, Bytes(4096));
 }

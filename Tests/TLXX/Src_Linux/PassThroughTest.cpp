@@ -15,9 +15,9 @@ namespace {
 
 using TLXXTest::CExpectedCommand;
 using TLXXTest::CReply;
+using TLXXTest::SHORT_TRANSFER;
 
-constexpr std::uint32_t SHORT_TRANSFER = 0x20000;
-constexpr std::uint32_t EMPTY_PAGE = 0x20002;
+constexpr std::uint32_t NEVER_FILLED = 0x20002;
 
 /** Bytes that differ from one position to the next, and do not end like any filler. */
 std::vector<std::uint8_t> pattern(std::size_t size)
@@ -170,7 +170,7 @@ TEST_P(PassThroughTest, ABlockOfZerosIsAWholeBlockUnlessItIsAHealthLog)
     const std::vector<std::uint8_t> zeros(GetParam().m_Length);
     const bool empty = GetParam().m_Kind == TLXX::EQuery::SmartHealthLog;
     m_Kernel.Expect(GetParam().On("/dev/nvme2"), {zeros, 0, 0});
-    EXPECT_EQ(GetParam().m_Run(m_Path, m_Bytes), empty ? EMPTY_PAGE : 0U);
+    EXPECT_EQ(GetParam().m_Run(m_Path, m_Bytes), empty ? NEVER_FILLED : 0U);
     EXPECT_EQ(m_Bytes, empty ? m_Untouched : zeros);
 }
 

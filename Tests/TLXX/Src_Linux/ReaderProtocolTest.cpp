@@ -15,7 +15,7 @@ namespace {
 using namespace TLXX::Linux;
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr std::uint32_t HEALTH = ReaderCommand::firstLogPage << 1U;
+constexpr std::uint32_t HEALTH_LOG = ReaderCommand::firstLogPage << 1U;
 
 /** Identify of controller and namespace, and the health log. */
 CReaderRequest usual()
@@ -24,7 +24,7 @@ CReaderRequest usual()
     request.m_Controller = 3;
     request.m_Node = 4711;
     request.m_Sequence = 0x1122334455667788;
-    request.m_Commands = ReaderCommand::identifyController | ReaderCommand::identifyNamespace | HEALTH;
+    request.m_Commands = ReaderCommand::identifyController | ReaderCommand::identifyNamespace | HEALTH_LOG;
     request.m_NamespaceId = 1;
     request.m_Length = 512;
     return request;
@@ -97,7 +97,7 @@ TEST(ReaderProtocol, RefusesNamespacesThatAreNone)
     EXPECT_FALSE(isTakenWith([](CReaderRequest& request) { request.m_NamespaceId = 0; }));
     EXPECT_FALSE(isTakenWith([](CReaderRequest& request) { request.m_NamespaceId = 0xFFFFFFFF; }));
     EXPECT_TRUE(isTakenWith([](CReaderRequest& request) { request.m_NamespaceId = 0xFFFFFFFE; }));
-    EXPECT_FALSE(isTakenWith([](CReaderRequest& request) { request.m_Commands = HEALTH; }))
+    EXPECT_FALSE(isTakenWith([](CReaderRequest& request) { request.m_Commands = HEALTH_LOG; }))
         << "nobody asks for the namespace";
 }
 
@@ -190,13 +190,13 @@ Bytes replyPacket(const CReaderAnswer& answer, std::size_t data)
 
 TEST(ReaderProtocol, ReadsRepliesAsTheyWereSent)
 {
-    const Bytes packet = replyPacket({77, HEALTH, 0, 512, 0}, 512);
+    const Bytes packet = replyPacket({77, HEALTH_LOG, 0, 512, 0}, 512);
     const auto reply = parseReaderReply(packet);
     ASSERT_TRUE(reply);
     EXPECT_EQ(reply->m_Answer.m_Sequence, 77U);
-    EXPECT_EQ(reply->m_Answer.m_Command, HEALTH);
+    EXPECT_EQ(reply->m_Answer.m_Command, HEALTH_LOG);
     EXPECT_EQ(Bytes(reply->m_Data.begin(), reply->m_Data.end()), Bytes(512, 0xAB));
-    EXPECT_TRUE(parseReaderReply(replyPacket({77, HEALTH, 5, 0, 0}, 0)));
+    EXPECT_TRUE(parseReaderReply(replyPacket({77, HEALTH_LOG, 5, 0, 0}, 0)));
     EXPECT_TRUE(parseReaderReply(replyPacket({0, 0, 22, 0, 0}, 0))) << "a refusal";
     EXPECT_TRUE(parseReaderReply(replyPacket({0, 1, 0, 4096, 0}, 4096)));
 }
@@ -205,11 +205,12 @@ TEST(ReaderProtocol, FindsDamageInReplies)
 {
     EXPECT_FALSE(parseReaderReply({}));
     EXPECT_FALSE(parseReaderReply(Bytes(23)));
-    EXPECT_FALSE(parseReaderReply(replyPacket({77, HEALTH, 0, 512, 0}, 511)));
-    EXPECT_FALSE(parseReaderReply(replyPacket({77, HEALTH, 0, 512, 0}, 513)));
-    EXPECT_FALSE(parseReaderReply(replyPacket({77, HEALTH, 5, 512, 0}, 512))) << "data of a failed command";
-    EXPECT_FALSE(parseReaderReply(replyPacket({77, HEALTH, 0, 4100, 0}, 4100)));
-    EXPECT_FALSE(parseReaderReply(replyPacket({77, HEALTH, 0, 512, 1}, 512)));
+    EXPECT_FALSE(parseReaderReply(replyPacket({77, HEALTH_LOG, 0, 512, 0}, 511)));
+    EXPECT_FALSE(parseReaderReply(replyPacket({77, HEALTH_LOG, 0, 512, 0}, 513)));
+    EXPECT_FALSE(parseReaderReply(replyPacket({77, HEALTH_LOG, 5, 512, 0}, 512)))
+        << "data of a failed command";
+    EXPECT_FALSE(parseReaderReply(replyPacket({77, HEALTH_LOG, 0, 4100, 0}, 4100)));
+    EXPECT_FALSE(parseReaderReply(replyPacket({77, HEALTH_LOG, 0, 512, 1}, 512)));
     EXPECT_FALSE(parseReaderReply(replyPacket({77, 3, 0, 512, 0}, 512))) << "two commands";
     EXPECT_FALSE(parseReaderReply(replyPacket({77, 0x800, 0, 512, 0}, 512)));
     EXPECT_FALSE(parseReaderReply(replyPacket({77, 0, 0, 0, 0}, 0))) << "a refusal without a reason";
@@ -220,7 +221,7 @@ TEST(ReaderProtocol, KnowsHowLongEachAnswerIs)
     const CReaderRequest request = usual();
     EXPECT_EQ(readerLength(request, ReaderCommand::identifyController), 4096U);
     EXPECT_EQ(readerLength(request, ReaderCommand::identifyNamespace), 4096U);
-    EXPECT_EQ(readerLength(request, HEALTH), 512U);
+    EXPECT_EQ(readerLength(request, HEALTH_LOG), 512U);
 }
 
 } // namespace

@@ -12,6 +12,9 @@
 
 namespace TLXXTest {
 
+/** The status of a query when the drive filled less than the block. */
+inline constexpr std::uint32_t SHORT_TRANSFER = 0x20000;
+
 /** An admin command as it must reach the kernel. All other fields must be zero. */
 struct CExpectedCommand
 {
