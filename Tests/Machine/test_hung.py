@@ -131,6 +131,15 @@ class Hung(unittest.TestCase):
             print(f"      {step}: told after {told_at - hung:.2f} s")
             self.assertLess(told_at - hung, INTERVAL + DEADLINE + 1, step)
 
+    def test_meanwhile(self):
+        """a round waits no more for a drive that is known to be silent: the others are read at the next interval"""
+        warned = [seconds(line["time"]) for line in self.lines if line.get("id") == WARNED]
+        silent = max(seconds(line["time"]) for line in self.lines
+                     if line.get("phase") == "began" and seconds(line["time"]) < warned[0])
+        print(f"      warnings told {warned[-1] - silent:.2f} s after the silence")
+        # The test may be too late for the first interval.
+        self.assertLess(warned[-1] - silent, 2 * INTERVAL + 0.5)
+
     def test_looks(self):
         """other looks show the silent drive by what the kernel knows of it, and the others whole"""
         drives = {drive["serial"]: drive for drive in self.document("list-json", 0, "list")["drives"]}
