@@ -31,15 +31,19 @@ class Guest:
     One boot. Use it as a context manager: `await_event` and `go` keep step with the job, `qmp` reaches QEMU while
     the job runs, `results` waits for its end. The drives in `later` get their storage and their port now and are
     plugged in by `plug`. Of `programs`, those that are in the tree come from there, the others from this machine.
+    `settings` go to the kernel's command line.
     """
 
-    def __init__(self, kernel, job, log, fleet=(), later=(), tree=None, options=(), programs=()):
+    def __init__(self, kernel, job, log, fleet=(), later=(), tree=None, options=(), programs=(),
+                 settings=()):
         self._log = pathlib.Path(log)
         shutil.rmtree(self._log, ignore_errors=True)
         self._log.mkdir(parents=True)
         self._console = self._log / "console.txt"
         self._console.write_text("")
         self._kernel, self._drives, self._later, self._options = kernel, fleet, later, options
+        # On a busy machine the emulated timer is too late for the kernel's check.
+        self._settings = ("console=ttyS0", "quiet", "loglevel=5", "panic=-1", "no_timer_check", *settings)
         self._initramfs = self._log / "initramfs.cpio"
         self._pack(job, tree, programs)
         self._buffer = b""
@@ -73,8 +77,7 @@ class Guest:
                    "-nodefaults", "-no-user-config", "-display", "none", "-no-reboot",
                    "-global", "ICH9-LPC.acpi-pci-hotplug-with-bridge-support=on",
                    "-kernel", str(self._kernel), "-initrd", str(self._initramfs),
-                   # On a busy machine the emulated timer is too late for the kernel's check.
-                   "-append", "console=ttyS0 quiet loglevel=5 panic=-1 no_timer_check",
+                   "-append", " ".join(self._settings),
                    "-chardev", f"file,id=console,path={self._console}", "-serial", "chardev:console",
                    "-chardev", f"socket,id=results,path={sockets}/results,server=on,wait=on",
                    "-serial", "chardev:results",

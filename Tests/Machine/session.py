@@ -14,9 +14,10 @@ def job(name):
     return "".join((HERE / "jobs" / f"{each}.sh").read_text() for each in ("collect", name))
 
 
-def boot(name, fleet=(), later=(), options=(), label=None):
+def boot(name, fleet=(), later=(), options=(), label=None, settings=()):
     """A guest with ostrel that runs this job. `label` names its logs when several guests run the same job."""
     label = label or name
     image = kernel.fetch(pathlib.Path(work) / "kernel")
     print(f"Booting the guest '{label}' with {len(fleet)} controllers ...", flush=True)
-    return Guest(image, job(name), pathlib.Path(work) / label, fleet, later, tree, options)
+    return Guest(image, job(name), pathlib.Path(work) / label, fleet, later, tree, options,
+                 settings=settings)
