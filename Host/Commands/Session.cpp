@@ -206,8 +206,8 @@ void Watched::cleanUp()
 void Watched::lookAtControllers()
 {
     // Where a plug-in was stuck, the program would be, too.
-    if (std::all_of(m_Monitors.begin(), m_Monitors.end(),
-                    [](const Monitor& monitor) { return monitor.ending() == Ending::ByItself; }))
+    if (m_Looks && std::all_of(m_Monitors.begin(), m_Monitors.end(),
+                               [](const Monitor& monitor) { return monitor.ending() == Ending::ByItself; }))
         m_Controllers = controllersNow();
 }
 

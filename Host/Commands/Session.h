@@ -129,6 +129,10 @@ public:
      */
     std::vector<PI::CEvent> collect(Monitor& monitor);
 
+    /** From now on no controller is looked at, because a drive that hangs could keep the program from ending.
+     */
+    void stopLooking() { m_Looks = false; }
+
     /**
      * Reports once when rows could not be written, because the plug-ins do not report that. Costs almost
      * nothing.
@@ -148,6 +152,7 @@ private:
     PluginSet m_Plugins;
     std::list<Monitor> m_Monitors;
     KeptRows m_Rows;
+    bool m_Looks = true;
     std::vector<TLXX::CControllerState> m_Controllers; ///< of the last look
     std::shared_ptr<ParallelDrives> m_Drives;
 };

@@ -104,6 +104,7 @@ public:
         m_Drives = shownDrives();
         reportStart();
         watchUntil(askedToEnd);
+        m_Watched.stopLooking();
         std::exception_ptr failed;
         for (WatchedDrives& plugin : m_Plugins)
             try {

@@ -50,6 +50,9 @@ TEST(WatchedTest, LooksAtNoDriveAfterAPluginWasEndedByForce)
         int looks = backend->m_Looks;
         (void)watched.collect(monitor);
         EXPECT_EQ(backend->m_Looks, looks + 1);
+        watched.stopLooking();
+        (void)watched.collect(monitor);
+        EXPECT_EQ(backend->m_Looks, looks + 1);
 
         TLX::Threading::CEvent end;
         EXPECT_EQ(end.Init(true, true), TLX::Threading::WaitResult::Taken);
