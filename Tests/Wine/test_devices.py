@@ -184,7 +184,8 @@ class Devices(unittest.TestCase):
             asked = [status for number, page, status in requests if (number, page) == (disk.number, CONTROLLER)]
             self.assertEqual(asked, [0xC0000185, 0xC0000185, 0] if disk is FLAKY else [0], disk.serial)
         intel = {disk.number for disk in SHOWN if disk.vendor == INTEL}
-        self.assertEqual({number for number, page, _ in requests if page == LEGACY_SMART}, intel)
+        # A round may ask every disk of the maker for it, also the one that is left out.
+        self.assertEqual({number for number, page, _ in requests if page == LEGACY_SMART} - {EXCLUDED.number}, intel)
         self.assertEqual({page for _, page, _ in requests}, READING)
         self.assertNotIn(UNVISITED.number, {number for number, _, _ in requests})
 

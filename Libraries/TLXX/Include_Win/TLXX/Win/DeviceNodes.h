@@ -20,7 +20,7 @@ struct CFoundDisk
 {
     DeviceNode m_Controller = 0;
     std::string m_DeviceName;
-    std::string m_Instance; ///< instance identifier of the disk
+    std::string m_Instance; ///< identifies the disk, unlike any other that was or will be at its path
 };
 
 /**
