@@ -4,7 +4,6 @@
 #include <TLXX/NvmeStructures.h>
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace Host {
@@ -22,7 +21,8 @@ constexpr CDriveCommand FIRST_COMMANDS[] = {
 TLXX::NVME_IDENTIFY_CONTROLLER controllerOf(const std::vector<std::uint8_t>& page)
 {
     TLXX::NVME_IDENTIFY_CONTROLLER controller{};
-    std::memcpy(&controller, page.data(), std::min(page.size(), sizeof controller));
+    std::copy_n(page.begin(), std::min(page.size(), sizeof controller),
+                reinterpret_cast<std::uint8_t*>(&controller));
     return controller;
 }
 

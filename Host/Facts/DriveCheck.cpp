@@ -43,6 +43,7 @@ std::vector<DriveCheck> checkDrives(const ObjectStore& store, std::uint64_t now,
 {
     std::vector<Drive> drives = joinDrives(store);
     std::vector<Judgement> judgements;
+    judgements.reserve(drives.size());
     for (const Drive& drive : drives)
         judgements.push_back(judge(drive, now, missed));
     for (const TLXX::CControllerState& state : store.controllers())

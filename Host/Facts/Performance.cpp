@@ -96,8 +96,10 @@ std::string performanceText(const std::string& key, const std::vector<Performanc
         };
         std::string limits = ';' + limit(figure.m_Warning) + ';' + limit(figure.m_Critical);
         limits.erase(limits.find_last_not_of(';') + 1);
-        text += (text.empty() ? "'" : " '") + head + figure.m_Fact + "'=" + figure.m_Value + figure.m_Unit +
-                limits;
+        if (!text.empty())
+            text += ' ';
+        text.append("'").append(head).append(figure.m_Fact).append("'=");
+        text.append(figure.m_Value).append(figure.m_Unit).append(limits);
     }
     return text;
 }
