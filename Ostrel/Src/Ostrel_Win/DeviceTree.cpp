@@ -82,9 +82,10 @@ std::vector<TLXX::CDeviceEntry> walkDeviceTree()
     for (; more; more = advance(node)) {
         if (const auto service = matchingService(node, CONTROLLER_SERVICE)) {
             enumerateNVMeDisks(node, *service,
-                               [&](std::string device, std::string driver, const std::string& instance) {
+                               [&](std::string device, std::string driver, std::string instance) {
                                    // Two interfaces of one node may lead to two disks.
-                                   disks.push_back({node, device, instance + ' ' + device});
+                                   instance.append(" ").append(device);
+                                   disks.push_back({node, device, std::move(instance)});
                                    entries.push_back({std::move(device), std::move(driver)});
                                });
         }
