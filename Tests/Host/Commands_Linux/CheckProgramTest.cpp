@@ -107,9 +107,10 @@ TEST_F(CheckProgram, CallsACrashUnknown)
     EXPECT_EQ(document.m_ExitCode, 3);
     EXPECT_EQ(json::parse(document.m_Output)["stateText"], "UNKNOWN");
 
-    EXPECT_EQ(
+    // A sanitizer ends the program with 1 before the system's signal does.
+    EXPECT_THAT(
         runProgram(simulated({"list", "--plugin", Built::CRASHING_PLUGIN}, fleetOf(m_Healthy))).m_ExitCode,
-        -1)
+        testing::AnyOf(-1, 1))
         << "other commands end as the system has it";
 }
 
