@@ -90,7 +90,7 @@ std::vector<std::string> runStatement(const storage_t& storage, const std::strin
 
 std::uint32_t firstNumber(const std::vector<std::string>& result)
 {
-    // Reads as a text stream does, for a fraction of what making one costs.
+    // The result is that of a text stream. A stream costs much more to construct.
     std::string_view text = result.empty() ? std::string_view() : result.front();
     text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
     const bool isNegative = text.starts_with('-');

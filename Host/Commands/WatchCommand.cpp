@@ -286,7 +286,7 @@ private:
     std::set<std::string> m_Silent; ///< instances of the drives that did not answer in the last round
 };
 
-/** While it lives, nobody waits for a drive any more as soon as the program is asked to end. */
+/** Ends every wait for drives when the program is asked to end. Works while it lives. */
 class ShortEnd
 {
 public:

@@ -86,7 +86,7 @@ std::uint32_t DriveRounds::query(const TLXX::CDriveAddress& address, const CDriv
     }
     if (command == IDENTIFY && !drive.m_Record.m_Identify.empty())
         return copy(drive.m_Record.m_Identify, block);
-    // Nobody else keeps the texts of vendor logs. Without them the drive would change its name.
+    // The name of the drive comes from a vendor log, and `TLXX` does not keep that log.
     if (const auto log = drive.m_Logs.find(command.m_LogIdentifier);
         command.m_Query == EQuery::VendorLog && log != drive.m_Logs.end())
         return copy(log->second, block);

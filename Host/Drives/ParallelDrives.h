@@ -49,7 +49,7 @@ public:
     /** An auto-reset event that is set when a round has ended, or a drive falls silent after it. */
     TLX::Threading::CEvent& roundEnded() { return m_RoundEnded; }
 
-    /** From now on nobody waits for a drive: rounds end at once, and queries without an answer fail. */
+    /** Ends every wait for a drive, now and later. Rounds end at once, and queries without an answer fail. */
     void stopWaiting() { m_Rounds.stopWaiting(); }
 
     std::vector<TLXX::CDeviceEntry> Enumerate(const TLXX::DeviceWalk& walk) override;

@@ -15,7 +15,8 @@ namespace Host::Cli {
 bool isSilent(const Drive& drive);
 
 /**
- * Whether `answer` is that of a silent drive. A drive that refuses this user is not silent: nobody asked it.
+ * Whether `answer` is that of a silent drive. A drive that refuses this user is not silent, because it was
+ * not asked.
  */
 bool isSilent(const DriveAnswer& answer);
 

@@ -279,7 +279,7 @@ TEST_F(ThreadedSourceTest, LeavesAHeldThreadBehind)
     m_Drives->LetGo("a");
     while (m_Drives.use_count() != 1) // the thread has a share until it ends
         std::this_thread::yield();
-    EXPECT_EQ(m_Drives->Queries(), 1U) << "nobody wants the rest any more";
+    EXPECT_EQ(m_Drives->Queries(), 1U) << "the source is gone";
 }
 
 } // namespace

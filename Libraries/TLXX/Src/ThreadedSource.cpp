@@ -132,7 +132,7 @@ struct CThreadedSource::Shared
     }
 
     const std::shared_ptr<IDeviceBackend> m_Backend;
-    std::atomic<bool> m_Abandoned = false; ///< nobody wants answers any more
+    std::atomic<bool> m_Abandoned = false; ///< the source is gone
     TLX::Threading::CEvent m_News;         ///< an answer has come, or somebody has called `Wake`
     std::mutex m_Lock;
     // Guarded by m_Lock.

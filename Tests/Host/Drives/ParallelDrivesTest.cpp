@@ -396,7 +396,7 @@ TEST_F(ParallelDrivesTest, ARoundThatIsBrokenOffMarksNoDrive)
     EXPECT_THAT(round(), ElementsAre("a"));
 }
 
-TEST_F(ParallelDrivesTest, NobodyAsksAfterTheEnd)
+TEST_F(ParallelDrivesTest, AsksNoDriveAfterTheEnd)
 {
     m_Drives->add("a");
     (void)round();
