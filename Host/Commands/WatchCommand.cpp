@@ -181,6 +181,12 @@ private:
     {
         for (const SharedSerial& shared : sharedSerials(m_Drives))
             m_Terminal.tell(sharedSerialText(shared));
+        printNews();
+    }
+
+    /** Prints what was not known before of the drives of every plug-in. */
+    void printNews()
+    {
         for (WatchedDrives& plugin : m_Plugins)
             for (const Journal::Entry& entry : news(plugin, look(plugin)))
                 print(entry);
@@ -193,9 +199,7 @@ private:
         if (silent == m_Silent)
             return;
         m_Silent = std::move(silent);
-        for (WatchedDrives& plugin : m_Plugins)
-            for (const Journal::Entry& entry : news(plugin, look(plugin)))
-                print(entry);
+        printNews();
     }
 
     void report(WatchedDrives& plugin)
