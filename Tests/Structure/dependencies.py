@@ -80,9 +80,10 @@ ALLOWED = {
     "Host/Facts": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins"),
     "Host/Journal": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts"),
     "Host/Documents": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal"),
+    "Host/Web": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents"),
     "Host/Terminal": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents"),
     "Host/Commands": HOST_LIBRARIES + rooms(
-        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Terminal"),
+        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web", "Terminal"),
     "Host": rooms("Host", "Base", "Commands"),
 }
 
