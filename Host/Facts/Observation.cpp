@@ -52,14 +52,6 @@ std::optional<std::int32_t> wearOf(const Drive& drive)
                                                                                      : std::nullopt;
 }
 
-/**
- * A drive without spare blocks left still reports a threshold. When both are 0, the drive reports neither.
- */
-std::optional<std::int32_t> spareOf(const Drive& drive)
-{
-    return drive.m_Spare == 0 && drive.m_SpareThreshold == 0 ? std::nullopt : drive.m_Spare;
-}
-
 /** Every drive has blocks. A count of 0 means that the namespace was not read. */
 std::optional<std::uint64_t> unlessNone(const std::optional<std::uint64_t>& amount)
 {
@@ -95,7 +87,8 @@ ObservedDrive observed(const Drive& drive, std::optional<bool> belowNew, std::st
     result.m_CriticalTemperatureLimit = limit<&TLXX::NVME_IDENTIFY_CONTROLLER::CCTEMP>(drive);
     if (drive.m_MediaErrors != UNKNOWN_COUNTER)
         result.m_MediaErrors = drive.m_MediaErrors;
-    result.m_Spare = spareOf(drive);
+    if (reportsSpare(drive))
+        result.m_Spare = drive.m_Spare;
     result.m_Wear = wearOf(drive);
     result.m_OwnWear = logPercentage<&TLXX::NVME_SMART_HEALTH_INFORMATION_LOG::PercentageUsed>(drive);
     return result;

@@ -1,0 +1,165 @@
+#include "Documents/MetricsWriter.h"
+
+#include <TLX/Utf8.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+namespace Host::Cli {
+namespace {
+
+/** The numbers' shortest texts have at most 24 characters. */
+using Digits = std::array<char, 32>;
+
+template<typename Number>
+std::string_view written(Digits& digits, Number number)
+{
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    return {digits.data(), static_cast<std::size_t>(end - digits.data())};
+}
+
+bool isPlain(char byte)
+{
+    return byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\';
+}
+
+void appendEscaped(std::string& text, std::string_view character, bool isHarmless)
+{
+    if (character == "\"" || character == "\\")
+        text.append("\\").append(character);
+    else if (character == "\n")
+        text += "\\n";
+    else if (isHarmless)
+        text += character;
+    else
+        for (const char byte : character) {
+            constexpr std::string_view digits = "0123456789abcdef";
+            const auto number = static_cast<unsigned char>(byte);
+            text += "\\\\x";
+            text += digits[number >> 4U];
+            text += digits[number & 0xFU];
+        }
+}
+
+/** A limit as both formats have it: always with a point. */
+void appendLimit(std::string& text, double limit)
+{
+    Digits digits;
+    const std::string_view number = written(digits, limit);
+    text.append("le=\"").append(number).append(number.find('.') == number.npos ? ".0\"" : "\"");
+}
+
+std::string_view typeText(MetricType type, MetricsFormat format)
+{
+    switch (type) {
+    case MetricType::Counter:
+        return "counter";
+    case MetricType::Histogram:
+        return "histogram";
+    case MetricType::Info:
+        if (format == MetricsFormat::OpenMetrics)
+            return "info";
+        [[fallthrough]];
+    case MetricType::Gauge:
+        return "gauge";
+    }
+    return {};
+}
+
+} // namespace
+
+void appendLabel(std::string& labels, std::string_view name, std::string_view value)
+{
+    labels.append(name).append("=\"");
+    while (!value.empty()) {
+        const auto end = std::find_if_not(value.begin(), value.end(), isPlain);
+        const auto length = static_cast<std::size_t>(end - value.begin());
+        labels.append(value.substr(0, length));
+        value.remove_prefix(length);
+        if (value.empty())
+            break;
+        const TLX::Misc::CUtf8Character character = TLX::Misc::firstCharacter(value);
+        appendEscaped(labels, value.substr(0, character.m_Length),
+                      character.m_Valid && !character.IsControl());
+        value.remove_prefix(character.m_Length);
+    }
+    labels += '"';
+}
+
+void MetricsWriter::begin(const MetricFamily& family)
+{
+    m_Family = &family;
+    m_HasHead = false;
+}
+
+void MetricsWriter::add(std::uint64_t number, std::string_view labels, std::string_view more)
+{
+    writeLine(number, labels, more);
+}
+
+void MetricsWriter::add(double number, std::string_view labels, std::string_view more)
+{
+    if (std::isfinite(number))
+        writeLine(number, labels, more);
+}
+
+void MetricsWriter::add(float number, std::string_view labels, std::string_view more)
+{
+    if (std::isfinite(number))
+        writeLine(number, labels, more);
+}
+
+void MetricsWriter::add(const Histogram& histogram)
+{
+    std::uint64_t count = 0;
+    for (std::size_t i = 0; i < Histogram::LIMITS.size(); ++i) {
+        count += histogram.m_Counts.at(i);
+        std::string limit;
+        appendLimit(limit, Histogram::LIMITS.at(i));
+        writeLine(count, limit, {}, "_bucket");
+    }
+    count += histogram.m_Counts.back();
+    writeLine(count, "le=\"+Inf\"", {}, "_bucket");
+    writeLine(histogram.m_Sum, {}, {}, "_sum");
+    writeLine(count, {}, {}, "_count");
+}
+
+std::string MetricsWriter::text() &&
+{
+    if (m_Format == MetricsFormat::OpenMetrics)
+        m_Text += "# EOF\n";
+    return std::move(m_Text);
+}
+
+void MetricsWriter::writeHead()
+{
+    const bool isOpen = m_Format == MetricsFormat::OpenMetrics;
+    const std::string_view name = isOpen ? m_Family->stem() : m_Family->m_Name;
+    m_Text.append("# HELP ").append(name).append(" ").append(m_Family->m_Help).append(".\n# TYPE ");
+    m_Text.append(name).append(" ").append(typeText(m_Family->type(), m_Format)).append("\n");
+    if (isOpen && !m_Family->unit().empty())
+        m_Text.append("# UNIT ").append(name).append(" ").append(m_Family->unit()).append("\n");
+    m_HasHead = true;
+}
+
+template<typename Number>
+void MetricsWriter::writeLine(Number number, std::string_view labels, std::string_view more,
+                              std::string_view suffix)
+{
+    if (!m_HasHead)
+        writeHead();
+    m_Text.append(m_Family->m_Name).append(suffix);
+    if (!labels.empty()) {
+        m_Text.append("{").append(labels);
+        if (!more.empty())
+            m_Text.append(",").append(more);
+        m_Text.append("}");
+    }
+    Digits digits;
+    m_Text.append(" ").append(written(digits, number)).append("\n");
+}
+
+} // namespace Host::Cli
