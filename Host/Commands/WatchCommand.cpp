@@ -41,17 +41,6 @@ namespace {
 
 constexpr std::uint64_t NEVER = std::numeric_limits<std::uint64_t>::max();
 
-/** The plug-in's poll interval in milliseconds, or 0 when it does not show one. */
-std::uint64_t pollInterval(const PI::CObject& plugin)
-{
-    const PI::CProperty* property = findProperty(plugin, PI::PROP_POLL_INTERVAL);
-    const auto* seconds =
-        property != nullptr ? std::get_if<PI::CBoundedValue>(&property->GetValue()) : nullptr;
-    return seconds != nullptr
-               ? static_cast<std::uint64_t>(std::max(seconds->m_Value, 0)) * MILLISECONDS_A_SECOND
-               : 0;
-}
-
 /** Whether the health is known and bad. */
 bool isSick(const Drive& drive)
 {
@@ -77,6 +66,12 @@ std::string sharedSerialText(const SharedSerial& shared)
            "drive. It may repeat their warnings at each poll and not notice when one of them is removed.";
 }
 
+Watched beginWatched(const Session& session)
+{
+    const Progress progress = signOfLife(TLXX::controllerStates(), session);
+    return Watched(session.watchPlan());
+}
+
 /** The drives of one plug-in. */
 struct WatchedDrives
 {
@@ -91,7 +86,7 @@ public:
         : m_Session(session),
           m_Terminal(session.m_Terminal),
           m_ShowsStatus(m_Terminal.showsStatus() && !session.m_Options.m_Json),
-          m_Watched(session)
+          m_Watched(beginWatched(session))
     {
         for (Monitor& monitor : m_Watched.monitors())
             m_Plugins.push_back({monitor, {}});
@@ -268,8 +263,8 @@ private:
         if (!m_ShowsStatus)
             return;
         const std::uint64_t now = TLX::Misc::monotonic();
-        const PI::CObject& plugin = m_Watched.monitors().front().pluginObject();
-        m_Forecast.update(plugin.m_UpdateCount, pollInterval(plugin), now);
+        const Monitor& monitor = m_Watched.monitors().front();
+        m_Forecast.update(monitor.pluginObject().m_UpdateCount, monitor.pollInterval(), now);
         const std::size_t drives = m_Drives.size();
         const std::size_t silent = silentInstances(m_Session.answers()).size();
         const auto sick = std::count_if(m_Drives.begin(), m_Drives.end(), isSick);
