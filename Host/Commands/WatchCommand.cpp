@@ -52,7 +52,7 @@ bool isSick(const Drive& drive)
 std::string entryLine(const Journal::Entry& entry, const Screen& screen)
 {
     return noticeLine({entry.m_End, static_cast<std::uint32_t>(entry.m_Severity), entry.m_Text},
-                      &entry.m_Drive, screen);
+                      entry.m_Key.empty() ? nullptr : &entry.m_Drive, screen);
 }
 
 /** For the plug-in, two devices with one serial number are one drive. */
@@ -220,11 +220,13 @@ private:
         return observe(m_Watched.objectsOf(plugin.m_Monitor, answersFor(plugin)), presentMoment());
     }
 
-    /** Returns what was not known before. */
-    static std::vector<Journal::Entry> news(WatchedDrives& plugin, const Observation& now)
+    /** Returns what was not known before. What is not about a drive comes from the first plug-in alone. */
+    std::vector<Journal::Entry> news(WatchedDrives& plugin, const Observation& now) const
     {
         Journal::Outcome outcome = Journal::advance(plugin.m_State, now);
         plugin.m_State = std::move(outcome.m_State);
+        if (&plugin != &m_Plugins.front())
+            std::erase_if(outcome.m_Entries, [](const Journal::Entry& entry) { return entry.m_Key.empty(); });
         return std::move(outcome.m_Entries);
     }
 
