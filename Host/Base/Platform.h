@@ -8,6 +8,7 @@
 #include <ctime>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -186,6 +187,12 @@ private:
 
 /** `time` in the time zone of this machine. */
 std::tm localTime(std::time_t time);
+
+/** Milliseconds since the machine started. It counts on while the machine sleeps. */
+std::optional<std::uint64_t> uptime();
+
+/** What differs from boot to boot. Empty when the system does not tell it. */
+std::string bootIdentity();
 
 /** An NVMe function on a PCI bus that the system's NVMe driver does not use. */
 struct UnservedFunction

@@ -1,6 +1,7 @@
 #include "Commands/WatchCommand.h"
 
 #include "Base/Failure.h"
+#include "Base/Moment.h"
 #include "Base/Platform.h"
 #include "Base/Time.h"
 #include "Commands/PollForecast.h"
@@ -221,7 +222,7 @@ private:
 
     Observation look(const WatchedDrives& plugin) const
     {
-        return observe(m_Watched.objectsOf(plugin.m_Monitor, answersFor(plugin)), TLX::Misc::now());
+        return observe(m_Watched.objectsOf(plugin.m_Monitor, answersFor(plugin)), presentMoment());
     }
 
     /** Returns what was not known before. */

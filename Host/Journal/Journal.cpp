@@ -188,17 +188,18 @@ Outcome advance(const State& before, const Cli::Observation& now)
             present[*match] = true;
     for (std::size_t i = 0; i < present.size(); ++i)
         if (!present[i])
-            outcome.m_Entries.push_back(removed(before.m_Drives[i], before.m_Time.value_or(0), now.m_Time));
+            outcome.m_Entries.push_back(
+                removed(before.m_Drives[i], before.m_Time.value_or(0), now.m_Moment.m_Time));
 
-    outcome.m_State.m_Time = now.m_Time;
+    outcome.m_State.m_Time = now.m_Moment.m_Time;
     for (std::size_t i = 0; i < matches.size(); ++i) {
         const Cli::ObservedDrive& drive = now.m_Drives[i];
         DriveState state = matches[i] ? before.m_Drives[*matches[i]] : DriveState{};
         if (!matches[i] && before.m_Time)
-            outcome.m_Entries.push_back(added(drive, *before.m_Time, now.m_Time));
+            outcome.m_Entries.push_back(added(drive, *before.m_Time, now.m_Moment.m_Time));
         state.m_Key = drive.m_Key;
         state.m_Drive = drive;
-        Comparison(drive, state, now.m_Time, outcome.m_Entries).run();
+        Comparison(drive, state, now.m_Moment.m_Time, outcome.m_Entries).run();
         outcome.m_State.m_Drives.push_back(std::move(state));
     }
     return outcome;

@@ -41,7 +41,7 @@ protected:
     std::vector<Entry> look(std::vector<ObservedDrive> drives)
     {
         m_Time += 10;
-        Outcome outcome = advance(m_State, {m_Time, std::move(drives)});
+        Outcome outcome = advance(m_State, {{m_Time, m_Time, "boot"}, std::move(drives)});
         m_State = std::move(outcome.m_State);
         return outcome.m_Entries;
     }
