@@ -15,6 +15,8 @@
 namespace Host::Cli {
 namespace {
 
+using Log = TLXX::NVME_SMART_HEALTH_INFORMATION_LOG;
+
 // The plug-in does not show the warning byte. It shows each of its bits as a reason of the drive's health.
 constexpr std::pair<std::uint32_t, CriticalWarning> REASONS[] = {
     {40460, WARNING_SPARE},     {40459, WARNING_TEMPERATURE},   {40487, WARNING_RELIABILITY},
@@ -90,17 +92,22 @@ ObservedDrive observed(const Drive& drive, std::optional<bool> belowNew, std::st
     if (reportsSpare(drive))
         result.m_Spare = drive.m_Spare;
     result.m_Wear = wearOf(drive);
-    result.m_OwnWear = logPercentage<&TLXX::NVME_SMART_HEALTH_INFORMATION_LOG::PercentageUsed>(drive);
+    result.m_OwnWear = logPercentage<&Log::PercentageUsed>(drive);
+    result.m_PowerCycles = logCounter<&Log::PowerCycles>(drive);
+    result.m_UnsafeShutdowns = logCounter<&Log::UnsafeShutdowns>(drive);
+    result.m_PowerOnHours = logCounter<&Log::Counter128>(drive);
+    result.m_DataUnitsWritten = logCounter<&Log::DataUnitsWritten>(drive);
+    result.m_ErrorLogEntries = logCounter<&Log::ErrorLogEntries>(drive);
     return result;
 }
 
 } // namespace
 
-Observation observe(const ObjectStore& objects, std::uint64_t time)
+Observation observe(const ObjectStore& objects, const Moment& moment)
 {
     const std::vector<Drive> drives = joinDrives(objects);
     std::vector<std::string> keys = driveKeys(drives);
-    Observation result{time, {}};
+    Observation result{moment, {}};
     for (std::size_t i = 0; i < drives.size(); ++i) {
         const auto& id = drives[i].m_AdapterId;
         result.m_Drives.push_back(
