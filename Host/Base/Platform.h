@@ -8,6 +8,7 @@
 #include <ctime>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -27,6 +28,9 @@ std::filesystem::path programFolder();
 
 /** The folder of the settings when the user names none. */
 std::filesystem::path defaultDataFolder();
+
+/** Creates a folder for this user alone, whose name begins with `name`. Throws `std::system_error`. */
+std::filesystem::path newTemporaryFolder(const std::string& name);
 
 /** What a process may want to do with a file or folder. */
 enum class Access
@@ -136,6 +140,13 @@ private:
  */
 void divertStandardOutput(Elsewhere elsewhere);
 
+/** What the signal SIGHUP asks for. */
+enum class HangUp : std::uint8_t
+{
+    End,    ///< the end of the program, because its terminal was closed
+    Reload, ///< that the program reads its settings again
+};
+
 /**
  * While it lives, it receives requests to end the program: an interrupt, a closed terminal, a shutdown. Until
  * `defer` is called, a request ends the program at once. After that the first request signals `asked()`, and
@@ -145,7 +156,7 @@ class TerminationRequest
 {
 public:
     /** Throws `std::system_error`. */
-    TerminationRequest();
+    explicit TerminationRequest(HangUp hangUp = HangUp::End);
     ~TerminationRequest();
     TerminationRequest(const TerminationRequest&) = delete;
     TerminationRequest& operator=(const TerminationRequest&) = delete;
@@ -155,6 +166,9 @@ public:
 
     /** A manual-reset event. */
     TLX::Threading::CEvent& asked();
+
+    /** An auto-reset event that each `HangUp::Reload` signals. Other systems than Linux have none. */
+    TLX::Threading::CEvent& reload();
 
 private:
     struct Native;
@@ -184,8 +198,24 @@ private:
     std::unique_ptr<Native> m_Native;
 };
 
+/** What this process has used so far. A figure is missing when the system does not tell it. */
+struct ProcessFigures
+{
+    std::optional<double> m_ProcessorSeconds;
+    std::optional<std::uint64_t> m_ResidentBytes;
+    std::optional<std::uint64_t> m_OpenDescriptors; ///< on Windows, open handles
+};
+
+ProcessFigures processFigures();
+
 /** `time` in the time zone of this machine. */
 std::tm localTime(std::time_t time);
+
+/** Milliseconds since the machine started. It counts on while the machine sleeps. */
+std::optional<std::uint64_t> uptime();
+
+/** What differs from boot to boot. Empty when the system does not tell it. */
+std::string bootIdentity();
 
 /** An NVMe function on a PCI bus that the system's NVMe driver does not use. */
 struct UnservedFunction

@@ -1,6 +1,7 @@
 #include "Commands/WatchCommand.h"
 
 #include "Base/Failure.h"
+#include "Base/Moment.h"
 #include "Base/Platform.h"
 #include "Base/Time.h"
 #include "Commands/PollForecast.h"
@@ -40,17 +41,6 @@ namespace {
 
 constexpr std::uint64_t NEVER = std::numeric_limits<std::uint64_t>::max();
 
-/** The plug-in's poll interval in milliseconds, or 0 when it does not show one. */
-std::uint64_t pollInterval(const PI::CObject& plugin)
-{
-    const PI::CProperty* property = findProperty(plugin, PI::PROP_POLL_INTERVAL);
-    const auto* seconds =
-        property != nullptr ? std::get_if<PI::CBoundedValue>(&property->GetValue()) : nullptr;
-    return seconds != nullptr
-               ? static_cast<std::uint64_t>(std::max(seconds->m_Value, 0)) * MILLISECONDS_A_SECOND
-               : 0;
-}
-
 /** Whether the health is known and bad. */
 bool isSick(const Drive& drive)
 {
@@ -62,7 +52,7 @@ bool isSick(const Drive& drive)
 std::string entryLine(const Journal::Entry& entry, const Screen& screen)
 {
     return noticeLine({entry.m_End, static_cast<std::uint32_t>(entry.m_Severity), entry.m_Text},
-                      &entry.m_Drive, screen);
+                      entry.m_Key.empty() ? nullptr : &entry.m_Drive, screen);
 }
 
 /** For the plug-in, two devices with one serial number are one drive. */
@@ -74,6 +64,12 @@ std::string sharedSerialText(const SharedSerial& shared)
     return "The serial number " + shared.m_Serial + " is that of several devices: " + devices +
            ". They are controllers of one drive, or copies of one another. The plug-in takes them for one "
            "drive. It may repeat their warnings at each poll and not notice when one of them is removed.";
+}
+
+Watched beginWatched(const Session& session)
+{
+    const Progress progress = signOfLife(TLXX::controllerStates(), session);
+    return Watched(session.watchPlan());
 }
 
 /** The drives of one plug-in. */
@@ -90,7 +86,7 @@ public:
         : m_Session(session),
           m_Terminal(session.m_Terminal),
           m_ShowsStatus(m_Terminal.showsStatus() && !session.m_Options.m_Json),
-          m_Watched(session)
+          m_Watched(beginWatched(session))
     {
         for (Monitor& monitor : m_Watched.monitors())
             m_Plugins.push_back({monitor, {}});
@@ -221,14 +217,16 @@ private:
 
     Observation look(const WatchedDrives& plugin) const
     {
-        return observe(m_Watched.objectsOf(plugin.m_Monitor, answersFor(plugin)), TLX::Misc::now());
+        return observe(m_Watched.objectsOf(plugin.m_Monitor, answersFor(plugin)), presentMoment());
     }
 
-    /** Returns what was not known before. */
-    static std::vector<Journal::Entry> news(WatchedDrives& plugin, const Observation& now)
+    /** Returns what was not known before. What is not about a drive comes from the first plug-in alone. */
+    std::vector<Journal::Entry> news(WatchedDrives& plugin, const Observation& now) const
     {
         Journal::Outcome outcome = Journal::advance(plugin.m_State, now);
         plugin.m_State = std::move(outcome.m_State);
+        if (&plugin != &m_Plugins.front())
+            std::erase_if(outcome.m_Entries, [](const Journal::Entry& entry) { return entry.m_Key.empty(); });
         return std::move(outcome.m_Entries);
     }
 
@@ -267,8 +265,8 @@ private:
         if (!m_ShowsStatus)
             return;
         const std::uint64_t now = TLX::Misc::monotonic();
-        const PI::CObject& plugin = m_Watched.monitors().front().pluginObject();
-        m_Forecast.update(plugin.m_UpdateCount, pollInterval(plugin), now);
+        const Monitor& monitor = m_Watched.monitors().front();
+        m_Forecast.update(monitor.pluginObject().m_UpdateCount, monitor.pollInterval(), now);
         const std::size_t drives = m_Drives.size();
         const std::size_t silent = silentInstances(m_Session.answers()).size();
         const auto sick = std::count_if(m_Drives.begin(), m_Drives.end(), isSick);

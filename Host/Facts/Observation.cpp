@@ -15,6 +15,8 @@
 namespace Host::Cli {
 namespace {
 
+using Log = TLXX::NVME_SMART_HEALTH_INFORMATION_LOG;
+
 // The plug-in does not show the warning byte. It shows each of its bits as a reason of the drive's health.
 constexpr std::pair<std::uint32_t, CriticalWarning> REASONS[] = {
     {40460, WARNING_SPARE},     {40459, WARNING_TEMPERATURE},   {40487, WARNING_RELIABILITY},
@@ -52,14 +54,6 @@ std::optional<std::int32_t> wearOf(const Drive& drive)
                                                                                      : std::nullopt;
 }
 
-/**
- * A drive without spare blocks left still reports a threshold. When both are 0, the drive reports neither.
- */
-std::optional<std::int32_t> spareOf(const Drive& drive)
-{
-    return drive.m_Spare == 0 && drive.m_SpareThreshold == 0 ? std::nullopt : drive.m_Spare;
-}
-
 /** Every drive has blocks. A count of 0 means that the namespace was not read. */
 std::optional<std::uint64_t> unlessNone(const std::optional<std::uint64_t>& amount)
 {
@@ -95,19 +89,25 @@ ObservedDrive observed(const Drive& drive, std::optional<bool> belowNew, std::st
     result.m_CriticalTemperatureLimit = limit<&TLXX::NVME_IDENTIFY_CONTROLLER::CCTEMP>(drive);
     if (drive.m_MediaErrors != UNKNOWN_COUNTER)
         result.m_MediaErrors = drive.m_MediaErrors;
-    result.m_Spare = spareOf(drive);
+    if (reportsSpare(drive))
+        result.m_Spare = drive.m_Spare;
     result.m_Wear = wearOf(drive);
-    result.m_OwnWear = logPercentage<&TLXX::NVME_SMART_HEALTH_INFORMATION_LOG::PercentageUsed>(drive);
+    result.m_OwnWear = logPercentage<&Log::PercentageUsed>(drive);
+    result.m_PowerCycles = logCounter<&Log::PowerCycles>(drive);
+    result.m_UnsafeShutdowns = logCounter<&Log::UnsafeShutdowns>(drive);
+    result.m_PowerOnHours = logCounter<&Log::Counter128>(drive);
+    result.m_DataUnitsWritten = logCounter<&Log::DataUnitsWritten>(drive);
+    result.m_ErrorLogEntries = logCounter<&Log::ErrorLogEntries>(drive);
     return result;
 }
 
 } // namespace
 
-Observation observe(const ObjectStore& objects, std::uint64_t time)
+Observation observe(const ObjectStore& objects, const Moment& moment)
 {
     const std::vector<Drive> drives = joinDrives(objects);
     std::vector<std::string> keys = driveKeys(drives);
-    Observation result{time, {}};
+    Observation result{moment, {}};
     for (std::size_t i = 0; i < drives.size(); ++i) {
         const auto& id = drives[i].m_AdapterId;
         result.m_Drives.push_back(

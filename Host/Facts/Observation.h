@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Base/Moment.h"
 #include "Facts/DriveIdentity.h"
 
 #include <TLXX/IntelLogs.h>
@@ -44,16 +45,22 @@ struct ObservedDrive : DriveIdentity
     std::optional<std::int32_t> m_Spare;   ///< percent left
     std::optional<std::int32_t> m_Wear;    ///< percent used; above 100 when the rating is exceeded
     std::optional<std::int32_t> m_OwnWear; ///< the same by the drive's own count, which ends at 255
+    // From the health log, as the drive counts during its whole life.
+    std::optional<std::uint64_t> m_PowerCycles;
+    std::optional<std::uint64_t> m_UnsafeShutdowns;
+    std::optional<std::uint64_t> m_PowerOnHours;
+    std::optional<std::uint64_t> m_DataUnitsWritten; ///< of 512,000 bytes
+    std::optional<std::uint64_t> m_ErrorLogEntries;
 };
 
 /** What is known about a machine at one moment. */
 struct Observation
 {
-    std::uint64_t m_Time = 0; ///< milliseconds since 1970
+    Moment m_Moment;
     std::vector<ObservedDrive> m_Drives;
 };
 
-/** Reads from the plug-in's objects and from the pages of their drives. The observation is of `time`. */
-Observation observe(const ObjectStore& objects, std::uint64_t time);
+/** Reads from the plug-in's objects and from the pages of their drives. The observation is of `moment`. */
+Observation observe(const ObjectStore& objects, const Moment& moment);
 
 } // namespace Host::Cli

@@ -1,67 +1,75 @@
 #include "Journal/Entry.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
 namespace Host::Journal {
+namespace {
+
+// In the order of the enumerators.
+
+constexpr std::array<std::string_view, 27> KINDS = {
+    "drive-added",
+    "drive-removed",
+    "does-not-answer",
+    "spare-low",
+    "over-temperature",
+    "over-critical-temperature",
+    "reliability-degraded",
+    "read-only",
+    "memory-backup-failed",
+    "temperature-margin",
+    "below-new",
+    "spare-fell",
+    "wear-grew",
+    "own-wear-grew",
+    "media-errors-grew",
+    "error-log-grew",
+    "firmware-changed",
+    "capacity-changed",
+    "block-size-changed",
+    "moved",
+    "power-lost",
+    "counter-went-back",
+    "worked-elsewhere",
+    "clock-stepped",
+    "machine-restarted",
+    "service-started",
+    "service-ended",
+};
+static_assert(KINDS.size() == static_cast<std::size_t>(Kind::ServiceEnded) + 1);
+
+constexpr std::array<std::string_view, 5> PHASES = {"change", "present", "began", "ended", "remains"};
+static_assert(PHASES.size() == static_cast<std::size_t>(Phase::Remains) + 1);
+
+template<typename Value, std::size_t Count>
+std::optional<Value> byName(const std::array<std::string_view, Count>& words, std::string_view word)
+{
+    const auto found = std::find(words.begin(), words.end(), word);
+    return found != words.end() ? std::optional(static_cast<Value>(found - words.begin())) : std::nullopt;
+}
+
+} // namespace
 
 std::string_view kindName(Kind kind)
 {
-    switch (kind) {
-    case Kind::DriveAdded:
-        return "drive-added";
-    case Kind::DriveRemoved:
-        return "drive-removed";
-    case Kind::DoesNotAnswer:
-        return "does-not-answer";
-    case Kind::SpareLow:
-        return "spare-low";
-    case Kind::OverTemperature:
-        return "over-temperature";
-    case Kind::OverCriticalTemperature:
-        return "over-critical-temperature";
-    case Kind::ReliabilityDegraded:
-        return "reliability-degraded";
-    case Kind::ReadOnly:
-        return "read-only";
-    case Kind::MemoryBackupFailed:
-        return "memory-backup-failed";
-    case Kind::TemperatureMargin:
-        return "temperature-margin";
-    case Kind::BelowNew:
-        return "below-new";
-    case Kind::SpareFell:
-        return "spare-fell";
-    case Kind::WearGrew:
-        return "wear-grew";
-    case Kind::OwnWearGrew:
-        return "own-wear-grew";
-    case Kind::MediaErrorsGrew:
-        return "media-errors-grew";
-    case Kind::FirmwareChanged:
-        return "firmware-changed";
-    case Kind::CapacityChanged:
-        return "capacity-changed";
-    case Kind::BlockSizeChanged:
-        return "block-size-changed";
-    case Kind::Moved:
-        return "moved";
-    }
-    return {};
+    return KINDS[static_cast<std::size_t>(kind)];
+}
+
+std::optional<Kind> kindByName(std::string_view word)
+{
+    return byName<Kind>(KINDS, word);
 }
 
 std::string_view phaseName(Phase phase)
 {
-    switch (phase) {
-    case Phase::Change:
-        return "change";
-    case Phase::Present:
-        return "present";
-    case Phase::Began:
-        return "began";
-    case Phase::Ended:
-        return "ended";
-    case Phase::Remains:
-        return "remains";
-    }
-    return {};
+    return PHASES[static_cast<std::size_t>(phase)];
+}
+
+std::optional<Phase> phaseByName(std::string_view word)
+{
+    return byName<Phase>(PHASES, word);
 }
 
 } // namespace Host::Journal

@@ -33,7 +33,7 @@ std::vector<Entry> remaining(const Cli::Observation& now, const std::vector<Cli:
             if (!isTold && rule.m_Holds(drive, before).value_or(false))
                 result.push_back({rule.m_Kind, Phase::Remains, rule.m_Severity, std::nullopt, drive.m_Key,
                                   drive, Cli::subjectText(drive) + ": this remains: " + rule.m_Text,
-                                  std::nullopt, now.m_Time});
+                                  std::nullopt, now.m_Moment.m_Time});
         }
     }
     return result;

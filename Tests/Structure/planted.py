@@ -31,8 +31,11 @@ PLANTED = [
      "Libraries/PI/Include/PI may not know Libraries/TLXX/Include/TLXX"),
     ("Reader/Planted.cpp", "<PI/IPluginApi.h>", "Reader may not know Libraries/PI/Include/PI"),
     ("Host/Drives_Linux/Planted.cpp", '"../../Reader/Server.h"', "Host/Drives_Linux may not know Reader"),
-    ("Host/Commands/Planted.cpp", "<sqlite3.h>", "only Libraries/Database/Src may include sqlite3.h"),
+    ("Host/Commands/Planted.cpp", "<sqlite3.h>",
+     "only Libraries/Database/Src/ and Host/Base/Sqlite.cpp may include sqlite3.h"),
     ("Host/Commands/Planted.cpp", "<windows.h>", "only Win/ may include windows.h"),
+    ("Host/Web/Planted.h", "<boost/beast/http.hpp>", "only Host/Web/Server.cpp may include boost/beast/http.hpp"),
+    ("Host/Web/Planted.h", "<boost/asio.hpp>", "only Host/Web/Server.cpp may include boost/asio.hpp"),
     ("Host/Commands/Planted.cpp", '"Nowhere.h"', "Nowhere.h leads to no file"),
     ("Host/Cellar/Planted.cpp", "<vector>", "its folder has no row in the table"),
 ]

@@ -25,8 +25,9 @@ protected:
 
     ObservedDrive look() const
     {
-        const Observation observation = observe(Host::ObjectStore(HostTest::topologyOf({m_Drive})), 77);
-        EXPECT_EQ(observation.m_Time, 77U);
+        const Host::Moment moment{77, 5, "boot"};
+        const Observation observation = observe(Host::ObjectStore(HostTest::topologyOf({m_Drive})), moment);
+        EXPECT_EQ(observation.m_Moment, moment);
         EXPECT_EQ(observation.m_Drives.size(), 1U);
         return observation.m_Drives.at(0);
     }

@@ -1,11 +1,10 @@
+#include "Host/Journal/RandomHistory.h"
 #include "Journal/Journal.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <functional>
-#include <map>
-#include <random>
 #include <set>
 #include <sstream>
 
@@ -14,144 +13,10 @@ namespace {
 using namespace Host::Journal;
 using Host::Cli::Observation;
 using Host::Cli::ObservedDrive;
-using History = std::vector<Observation>;
+using HostTest::History;
+using HostTest::RandomHistory;
 
-constexpr std::uint64_t INTERVAL = 1000;
-
-/** Looks at a machine again and again. Between two looks anything may happen. */
-class RandomHistory
-{
-public:
-    explicit RandomHistory(std::uint32_t seed) : m_Random(seed) {}
-
-    History make(std::size_t looks)
-    {
-        History history;
-        for (std::size_t i = 1; i <= looks; ++i) {
-            for (std::uint32_t changes = below(4); changes > 0; --changes)
-                change();
-            history.push_back({i * INTERVAL, seen()});
-        }
-        return history;
-    }
-
-private:
-    std::uint32_t below(std::uint32_t limit)
-    {
-        return static_cast<std::uint32_t>(std::uint64_t{m_Random()} % limit);
-    }
-    bool sometimes() { return below(4) == 0; }
-
-    ObservedDrive newDrive(std::uint32_t number)
-    {
-        ObservedDrive drive;
-        drive.m_Serial = drive.m_Key = "S" + std::to_string(number);
-        drive.m_Firmware = "1";
-        drive.m_PciAddress = "slot " + std::to_string(below(100));
-        drive.m_CapacityMiB = 1000;
-        drive.m_BlockSize = 512;
-        drive.m_BelowNew = sometimes();
-        drive.m_Temperature = 60;
-        // A drive either names a limit or warns by itself; a separate test covers both together.
-        if (number % 2 == 1)
-            drive.m_TemperatureLimit = 70.0F;
-        drive.m_CriticalTemperatureLimit = 80.0F;
-        drive.m_TemperatureMargin = TLXX::ETemperatureMargin::Safe;
-        drive.m_Warnings = sometimes() ? warnings(drive) : 0;
-        drive.m_MediaErrors = below(3);
-        drive.m_Spare = sometimes() ? 40 : 100;
-        drive.m_Wear = sometimes() ? 92 : 0;
-        drive.m_OwnWear = sometimes() ? 255 : 0;
-        return drive;
-    }
-
-    std::uint8_t warnings(const ObservedDrive& drive)
-    {
-        const auto bits = static_cast<std::uint8_t>(below(32));
-        return drive.m_TemperatureLimit ? bits & 0x1D : bits;
-    }
-
-    void change()
-    {
-        if (m_Drives.empty() || below(12) == 0) {
-            const std::uint32_t number = below(8);
-            if (m_Drives.erase("S" + std::to_string(number)) == 0)
-                m_Drives.emplace("S" + std::to_string(number), newDrive(number));
-            return;
-        }
-        auto chosen = m_Drives.begin();
-        std::advance(chosen, below(static_cast<std::uint32_t>(m_Drives.size())));
-        change(chosen->second);
-    }
-
-    void change(ObservedDrive& drive)
-    {
-        switch (below(10)) {
-        case 0:
-            drive.m_Warnings = warnings(drive);
-            break;
-        case 1:
-            drive.m_BelowNew = !*drive.m_BelowNew;
-            break;
-        case 2:
-            drive.m_Temperature = static_cast<float>(60 + below(30));
-            break;
-        case 3:
-            *drive.m_MediaErrors += below(3);
-            break;
-        case 4:
-            drive.m_Spare = static_cast<std::int32_t>(below(101));
-            break;
-        case 5:
-            drive.m_Wear = static_cast<std::int32_t>(below(130));
-            drive.m_OwnWear = static_cast<std::int32_t>(below(130));
-            break;
-        case 6:
-            drive.m_Firmware = std::to_string(below(3));
-            break;
-        case 7:
-            drive.m_TemperatureMargin = static_cast<TLXX::ETemperatureMargin>(below(4));
-            break;
-        case 8:
-            drive.m_CapacityMiB = 1000 + below(3);
-            drive.m_BlockSize = sometimes() ? 4096 : 512;
-            break;
-        default:
-            drive.m_PciAddress = "slot " + std::to_string(below(100));
-        }
-    }
-
-    /** The drives at one look. Now and then a page could not be read. */
-    std::vector<ObservedDrive> seen()
-    {
-        std::vector<ObservedDrive> drives;
-        for (const auto& [serial, drive] : m_Drives) {
-            drives.push_back(drive);
-            ObservedDrive& view = drives.back();
-            if (below(6) == 0) {
-                view.m_Warnings.reset();
-                view.m_Temperature.reset();
-                view.m_MediaErrors.reset();
-                view.m_Spare.reset();
-                view.m_Wear.reset();
-                view.m_OwnWear.reset();
-            }
-            if (below(6) == 0) {
-                view.m_CapacityMiB.reset();
-                view.m_BlockSize.reset();
-            }
-            if (below(6) == 0) {
-                view.m_BelowNew.reset();
-                view.m_TemperatureMargin.reset();
-            }
-        }
-        std::shuffle(drives.begin(), drives.end(), m_Random);
-        return drives;
-    }
-
-    std::mt19937 m_Random;
-    std::map<std::string, ObservedDrive> m_Drives;
-};
+constexpr std::uint64_t INTERVAL = HostTest::INTERVAL;
 
 /** An entry in short: time, start of the interval, kind, drive. */
 std::string inShort(std::uint64_t end, std::optional<std::uint64_t> begin, const std::string& key, Kind kind,
@@ -199,11 +64,13 @@ private:
                 std::find_if(look.m_Drives.begin(), look.m_Drives.end(),
                              [&](const ObservedDrive& drive) { return drive.m_Serial == serial; });
             if (found != look.m_Drives.end()) {
-                if (stay.empty() && look.m_Time != INTERVAL)
-                    tell(look.m_Time, look.m_Time - INTERVAL, Kind::DriveAdded, Phase::Change);
-                stay.push_back({look.m_Time, &*found});
+                if (stay.empty() && look.m_Moment.m_Time != INTERVAL)
+                    tell(look.m_Moment.m_Time, look.m_Moment.m_Time - INTERVAL, Kind::DriveAdded,
+                         Phase::Change);
+                stay.push_back({look.m_Moment.m_Time, &*found});
             } else if (!stay.empty()) {
-                tell(look.m_Time, look.m_Time - INTERVAL, Kind::DriveRemoved, Phase::Change);
+                tell(look.m_Moment.m_Time, look.m_Moment.m_Time - INTERVAL, Kind::DriveRemoved,
+                     Phase::Change);
                 lookInto(stay);
                 stay.clear();
             }
@@ -389,7 +256,12 @@ protected:
 
 TEST_P(JournalHistoryTest, EachChangeIsToldExactlyOnce)
 {
-    const Replay whole = replay(m_History, 0, m_History.size());
+    Replay whole = replay(m_History, 0, m_History.size());
+    // Tests of their own are about these.
+    std::erase_if(whole.m_Entries, [](const Entry& entry) {
+        return entry.m_Kind == Kind::PowerLost || entry.m_Kind == Kind::CounterWentBack ||
+               entry.m_Kind == Kind::WorkedElsewhere || entry.m_Kind == Kind::ErrorLogGrew;
+    });
     EXPECT_EQ(inShort(whole.m_Entries), Oracle(m_History).told());
     EXPECT_FALSE(whole.m_Entries.empty());
 }
@@ -412,7 +284,8 @@ TEST_P(JournalHistoryTest, NothingIsToldWhenNothingChanged)
     for (Observation look : m_History) {
         state = advance(state, look).m_State;
         EXPECT_EQ(advance(state, look).m_State, state);
-        ++look.m_Time;
+        ++look.m_Moment.m_Time;
+        ++*look.m_Moment.m_Uptime;
         EXPECT_TRUE(advance(state, look).m_Entries.empty());
     }
 }

@@ -38,7 +38,8 @@ TEST(RemainingTest, NamesWhatStillHoldsAfterAnAllClear)
 {
     ObservedDrive drive = warmDrive("A");
     drive.m_BelowNew = true;
-    const std::vector<Entry> entries = remaining({7, {drive, warmDrive("B")}}, {eventOf(drive)}, {});
+    const std::vector<Entry> entries =
+        remaining({{7, {}, {}}, {drive, warmDrive("B")}}, {eventOf(drive)}, {});
     ASSERT_EQ(entries.size(), 2U);
     EXPECT_EQ(entries[0].m_Kind, Kind::OverTemperature);
     EXPECT_EQ(entries[0].m_Phase, Phase::Remains);
@@ -54,10 +55,11 @@ TEST(RemainingTest, NamesWhatStillHoldsAfterAnAllClear)
 TEST(RemainingTest, SaysNothingWithoutAnAllClearOrWhenNothingHolds)
 {
     ObservedDrive drive = warmDrive("A");
-    EXPECT_THAT(remaining({7, {drive}}, {}, {}), IsEmpty());
-    EXPECT_THAT(remaining({7, {drive}}, {eventOf(drive, 11088)}, {}), IsEmpty());
+    EXPECT_THAT(remaining({{7, {}, {}}, {drive}}, {}, {}), IsEmpty());
+    EXPECT_THAT(remaining({{7, {}, {}}, {drive}}, {eventOf(drive, 11088)}, {}), IsEmpty());
     drive.m_Temperature = 69.0F;
-    EXPECT_THAT(remaining({7, {drive}}, {eventOf(drive)}, {}), IsEmpty()) << "it is below its limit";
+    EXPECT_THAT(remaining({{7, {}, {}}, {drive}}, {eventOf(drive)}, {}), IsEmpty())
+        << "it is below its limit";
 }
 
 TEST(RemainingTest, SaysNothingOfWhatTheSameLookTells)
@@ -66,16 +68,16 @@ TEST(RemainingTest, SaysNothingOfWhatTheSameLookTells)
     Entry began;
     began.m_Kind = Kind::OverTemperature;
     began.m_Key = "A";
-    EXPECT_THAT(remaining({7, {drive}}, {eventOf(drive)}, {began}), IsEmpty());
+    EXPECT_THAT(remaining({{7, {}, {}}, {drive}}, {eventOf(drive)}, {began}), IsEmpty());
     began.m_Key = "B";
-    EXPECT_EQ(remaining({7, {drive}}, {eventOf(drive)}, {began}).size(), 1U);
+    EXPECT_EQ(remaining({{7, {}, {}}, {drive}}, {eventOf(drive)}, {began}).size(), 1U);
 }
 
 TEST(RemainingTest, TellsDrivesWithOneSerialNumberApart)
 {
     const ObservedDrive one = warmDrive("A", "0000:01:00.0");
     const ObservedDrive other = warmDrive("A", "0000:02:00.0");
-    const std::vector<Entry> entries = remaining({7, {one, other}}, {eventOf(other)}, {});
+    const std::vector<Entry> entries = remaining({{7, {}, {}}, {one, other}}, {eventOf(other)}, {});
     ASSERT_EQ(entries.size(), 1U);
     EXPECT_EQ(entries[0].m_Key, other.m_Key);
 }
