@@ -53,7 +53,13 @@ struct FactToMetric
     {
         m_Writer.add(number * m_Metric.m_Factor / m_Metric.m_Divisor, m_Labels, m_More);
     }
-    void operator()(std::int32_t number) const { (*this)(static_cast<double>(number)); }
+    void operator()(std::int32_t number) const
+    {
+        if (m_Metric.m_Divisor == 1)
+            m_Writer.add(std::int64_t{number} * m_Metric.m_Factor, m_Labels, m_More);
+        else
+            (*this)(static_cast<double>(number));
+    }
     void operator()(float number) const
     {
         if (m_Metric.m_Factor == 1 && m_Metric.m_Divisor == 1)
@@ -110,7 +116,9 @@ void addFacts(MetricsWriter& writer, const FactFamily& family, const Subject& su
 
 void addInfo(MetricsWriter& writer, const Subject& subject)
 {
+    constexpr std::size_t usualBytes = 200;
     std::string labels;
+    labels.reserve(usualBytes);
     for (const Fact& fact : facts()) {
         if (fact.m_InfoLabel == nullptr)
             continue;
@@ -183,7 +191,8 @@ struct OwnFamily
 };
 
 constexpr OwnFamily OWN_FAMILIES[] = {
-    {{"ostrel_drive_info", "The drive", "vendor,model,serial,pci_address,firmware,device"}, addInfo},
+    {{"ostrel_drive_info", "What identifies the drive", "device,vendor,model,serial,pci_address,firmware"},
+     addInfo},
     {{"ostrel_drive_last_read_timestamp_seconds", "When the drive answered last"}, addLastRead},
     {{"ostrel_drive_health", "1 for the state of the drive's health, 0 for the others", "state"}, addHealth},
     {{"ostrel_drive_critical_warning", "Whether the drive raises this warning", "bit,warning"},

@@ -2,6 +2,7 @@
 
 #include "Base/Time.h"
 #include "Documents/Json.h"
+#include "Documents/JsonNumber.h"
 
 #include <nlohmann/json.hpp>
 
@@ -17,6 +18,14 @@ nlohmann::ordered_json entryJson(const Journal::Entry& entry)
     if (entry.m_Event)
         json["event"] = *entry.m_Event;
     json["drive"] = identityJson(entry.m_Drive);
+    return json;
+}
+
+nlohmann::ordered_json numberedEntryJson(const Journal::NumberedEntry& entry)
+{
+    nlohmann::ordered_json json = nlohmann::ordered_json::object();
+    addNumber(json, "number", entry.m_Number);
+    json.update(entryJson(entry.m_Entry));
     return json;
 }
 

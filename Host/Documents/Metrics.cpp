@@ -107,7 +107,9 @@ constexpr ServiceFamily FAMILIES[] = {
 
 std::string metricsText(const Snapshot& snapshot, const ServiceFigures& figures, MetricsFormat format)
 {
-    MetricsWriter writer(format);
+    constexpr std::size_t usualBytes = 12'000;
+    constexpr std::size_t usualBytesADrive = 3'500;
+    MetricsWriter writer(format, usualBytes + usualBytesADrive * snapshot.m_Drives.size());
     addDriveMetrics(writer, snapshot);
     const Service service{snapshot, figures};
     for (const ServiceFamily& family : FAMILIES) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <initializer_list>
 #include <utility>
 
 namespace Host::Cli {
@@ -21,10 +22,27 @@ std::string_view written(Digits& digits, Number number)
     return {digits.data(), static_cast<std::size_t>(end - digits.data())};
 }
 
-bool isPlain(char byte)
+template<typename Number>
+std::string_view withLineEnd(Digits& digits, Number number)
 {
-    return byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\';
+    const std::string_view text = written(digits, number);
+    digits.at(text.size()) = '\n';
+    return {digits.data(), text.size() + 1};
 }
+
+/** A scrape has thousands of lines, so the text grows once for each. */
+void appendAll(std::string& text, std::initializer_list<std::string_view> parts)
+{
+    std::size_t length = 0;
+    for (const std::string_view part : parts)
+        length += part.size();
+    std::size_t place = text.size();
+    text.resize(place + length);
+    for (const std::string_view part : parts)
+        place += part.copy(text.data() + place, part.size());
+}
+
+constexpr auto IS_PLAIN = [](char byte) { return byte >= ' ' && byte <= '~' && byte != '"' && byte != '\\'; };
 
 void appendEscaped(std::string& text, std::string_view character, bool isHarmless)
 {
@@ -75,7 +93,7 @@ void appendLabel(std::string& labels, std::string_view name, std::string_view va
 {
     labels.append(name).append("=\"");
     while (!value.empty()) {
-        const auto end = std::find_if_not(value.begin(), value.end(), isPlain);
+        const auto end = std::find_if_not(value.begin(), value.end(), IS_PLAIN);
         const auto length = static_cast<std::size_t>(end - value.begin());
         labels.append(value.substr(0, length));
         value.remove_prefix(length);
@@ -96,6 +114,11 @@ void MetricsWriter::begin(const MetricFamily& family)
 }
 
 void MetricsWriter::add(std::uint64_t number, std::string_view labels, std::string_view more)
+{
+    writeLine(number, labels, more);
+}
+
+void MetricsWriter::add(std::int64_t number, std::string_view labels, std::string_view more)
 {
     writeLine(number, labels, more);
 }
@@ -138,10 +161,10 @@ void MetricsWriter::writeHead()
 {
     const bool isOpen = m_Format == MetricsFormat::OpenMetrics;
     const std::string_view name = isOpen ? m_Family->stem() : m_Family->m_Name;
-    m_Text.append("# HELP ").append(name).append(" ").append(m_Family->m_Help).append(".\n# TYPE ");
-    m_Text.append(name).append(" ").append(typeText(m_Family->type(), m_Format)).append("\n");
+    appendAll(m_Text, {"# HELP ", name, " ", m_Family->m_Help, ".\n# TYPE ", name, " ",
+                       typeText(m_Family->type(), m_Format), "\n"});
     if (isOpen && !m_Family->unit().empty())
-        m_Text.append("# UNIT ").append(name).append(" ").append(m_Family->unit()).append("\n");
+        appendAll(m_Text, {"# UNIT ", name, " ", m_Family->unit(), "\n"});
     m_HasHead = true;
 }
 
@@ -151,15 +174,12 @@ void MetricsWriter::writeLine(Number number, std::string_view labels, std::strin
 {
     if (!m_HasHead)
         writeHead();
-    m_Text.append(m_Family->m_Name).append(suffix);
-    if (!labels.empty()) {
-        m_Text.append("{").append(labels);
-        if (!more.empty())
-            m_Text.append(",").append(more);
-        m_Text.append("}");
-    }
     Digits digits;
-    m_Text.append(" ").append(written(digits, number)).append("\n");
+    const std::string_view end = withLineEnd(digits, number);
+    if (labels.empty())
+        appendAll(m_Text, {m_Family->m_Name, suffix, " ", end});
+    else
+        appendAll(m_Text, {m_Family->m_Name, suffix, "{", labels, more.empty() ? "" : ",", more, "} ", end});
 }
 
 } // namespace Host::Cli

@@ -4,6 +4,7 @@
 #include "Facts/Histogram.h"
 #include "Facts/MetricFamily.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -23,7 +24,11 @@ void appendLabel(std::string& labels, std::string_view name, std::string_view va
 class MetricsWriter
 {
 public:
-    explicit MetricsWriter(MetricsFormat format) : m_Format(format) {}
+    /** `size` is about how many bytes will be written. */
+    explicit MetricsWriter(MetricsFormat format, std::size_t size = 0) : m_Format(format)
+    {
+        m_Text.reserve(size);
+    }
 
     /** What follows is of this family, which must live until the next one begins. */
     void begin(const MetricFamily& family);
@@ -31,6 +36,7 @@ public:
     // Adds a metric. Its labels are both texts. A number that is not finite is left out.
 
     void add(std::uint64_t number, std::string_view labels = {}, std::string_view more = {});
+    void add(std::int64_t number, std::string_view labels = {}, std::string_view more = {});
     void add(double number, std::string_view labels = {}, std::string_view more = {});
     void add(float number, std::string_view labels = {}, std::string_view more = {});
 

@@ -31,7 +31,8 @@ a { color: inherit; }
 .silent td { font-style: italic; }
 table { border-collapse: collapse; width: 100%; }
 th, td { padding: .3rem .8rem .3rem 0; text-align: left; vertical-align: top; border-bottom: 1px solid var(--line); }
-td { overflow-wrap: anywhere; }
+td { overflow-wrap: break-word; }
+section { overflow-x: auto; }
 th { color: var(--quiet); font-weight: 600; }
 time { white-space: nowrap; font-variant-numeric: tabular-nums; }
 footer { margin-top: 2rem; color: var(--quiet); }

@@ -177,7 +177,7 @@ constexpr MetricFamily TEMPERATURE = {"ostrel_drive_temperature_celsius",
 constexpr MetricFamily TEMPERATURE_LIMIT = {"ostrel_drive_temperature_threshold_celsius",
                                             "Temperatures at which the drive itself warns", "level"};
 constexpr MetricFamily OVERTEMPERATURE = {"ostrel_drive_overtemperature_seconds_total",
-                                          "Time above one of these temperatures", "level"};
+                                          "Time above a temperature at which the drive warns", "level"};
 constexpr MetricFamily HOST_COMMANDS = {"ostrel_drive_host_commands_total", "Commands from the host",
                                         "operation"};
 constexpr MetricFamily THERMAL_TIME = {"ostrel_drive_thermal_management_seconds_total",
@@ -188,7 +188,7 @@ constexpr MetricFamily POWER_ON = {"ostrel_drive_power_on_seconds_total", "Time 
 constexpr MetricFamily LINK_SPEED = {"ostrel_drive_pcie_link_speed",
                                      "PCIe link speed, in transfers a second on each lane"};
 constexpr MetricFamily HIGHEST_LINK_SPEED = {"ostrel_drive_pcie_link_speed_max",
-                                             "Highest PCIe link speed, in the same unit"};
+                                             "Highest PCIe link speed, in transfers a second on each lane"};
 
 /** Every drive has blocks. A count of 0 means that the namespace was not read. */
 bool hasCapacity(const Drive& drive)

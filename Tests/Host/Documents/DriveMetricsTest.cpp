@@ -131,6 +131,17 @@ TEST_F(DriveMetrics, ShowsWhatTheDriveItselfTells)
     EXPECT_THAT(text, Not(HasSubstr("sensor=\"1\"")));
 }
 
+TEST_F(DriveMetrics, ItsInfoHasTheLabelsThatTheFamilyNames)
+{
+    const std::string text = metricsOf({{129, "S1", "/dev/nvme0n1"}});
+    const std::string line = text.substr(0, text.find('\n'));
+    std::string labels;
+    const std::regex label("([a-z_]+)=\"");
+    for (std::sregex_iterator each(line.begin(), line.end(), label), end; each != end; ++each)
+        labels += (labels.empty() ? "" : ",") + (*each)[1].str();
+    EXPECT_EQ(labels, "drive," + std::string(driveMetricFamilies().front().m_Label));
+}
+
 TEST_F(DriveMetrics, ShowsTheLink)
 {
     TLXX::CControllerState state;
