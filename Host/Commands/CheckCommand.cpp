@@ -39,35 +39,6 @@ std::vector<DriveCheck> namedOnly(std::vector<DriveCheck> drives, const Session&
     return drives;
 }
 
-std::string nameOf(const DriveCheck& drive)
-{
-    const std::string device(shortDeviceName(drive.m_Drive.m_Device));
-    return device.empty() || device == drive.m_Key ? drive.m_Key : device + " (" + drive.m_Key + ")";
-}
-
-std::string countText(std::size_t healthy, std::size_t all)
-{
-    return (healthy == all ? "" : std::to_string(healthy) + " of ") + std::to_string(all) +
-           (all == 1 ? " drive healthy" : " drives healthy");
-}
-
-/** What is wrong, the worst first, then how many drives are healthy. */
-std::string messageOf(std::vector<DriveCheck> drives)
-{
-    std::stable_sort(drives.begin(), drives.end(), [](const DriveCheck& a, const DriveCheck& b) {
-        return isWorse(a.m_Judgement.m_Verdict, b.m_Judgement.m_Verdict);
-    });
-    std::string text;
-    std::size_t healthy = 0;
-    for (const DriveCheck& each : drives) {
-        if (each.m_Judgement.m_Verdict == Verdict::Ok)
-            ++healthy;
-        else
-            text += nameOf(each) + ": " + each.m_Judgement.m_Reason + "; ";
-    }
-    return text + countText(healthy, drives.size());
-}
-
 struct Result
 {
     Verdict m_Verdict;
@@ -100,15 +71,6 @@ Verdict check(const Session& session)
     const Result result = lookAtDrives(session);
     session.printAsIs(result.m_Text);
     return result.m_Verdict;
-}
-
-Verdict worstOf(const std::vector<DriveCheck>& drives)
-{
-    const auto worst =
-        std::max_element(drives.begin(), drives.end(), [](const DriveCheck& a, const DriveCheck& b) {
-            return isWorse(b.m_Judgement.m_Verdict, a.m_Judgement.m_Verdict);
-        });
-    return worst == drives.end() ? Verdict::Unknown : worst->m_Judgement.m_Verdict;
 }
 
 std::string checkLine(const std::vector<DriveCheck>& drives, const std::string& fleet)

@@ -12,9 +12,6 @@ namespace Host::Cli {
 /** Prints the verdict on every drive, or on those that the user named, in one line. Throws `Failure`. */
 Verdict check(const Session& session);
 
-/** The worst verdict on `drives`; unknown when there are none. */
-Verdict worstOf(const std::vector<DriveCheck>& drives);
-
 /** The line of `check`. `fleet` is the file of simulated drives; empty: the drives are real. */
 std::string checkLine(const std::vector<DriveCheck>& drives, const std::string& fleet);
 

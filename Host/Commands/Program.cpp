@@ -7,6 +7,7 @@
 #include "Commands/DoctorCommand.h"
 #include "Commands/JournalCommand.h"
 #include "Commands/ListCommand.h"
+#include "Commands/ServeCommand.h"
 #include "Commands/Session.h"
 #include "Commands/SetCommand.h"
 #include "Commands/ShowCommand.h"
@@ -38,6 +39,8 @@ int execute(const Options& options, Terminal& terminal)
                                                             : Platform::Elsewhere::Nowhere);
     if (options.m_Command == Command::Journal)
         return static_cast<int>(journal(options, terminal));
+    if (options.m_Command == Command::Serve)
+        return static_cast<int>(serve(options, terminal));
     const Session session(options, terminal);
     switch (options.m_Command) {
     case Command::List:
@@ -55,6 +58,7 @@ int execute(const Options& options, Terminal& terminal)
     case Command::Doctor:
         return static_cast<int>(doctor(session));
     case Command::Journal:
+    case Command::Serve:
         break;
     }
     return static_cast<int>(ExitCode::RequestFailed);

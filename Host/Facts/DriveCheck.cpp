@@ -36,12 +36,9 @@ Drive refusedDrive(const TLXX::CControllerState& state)
     return drive;
 }
 
-} // namespace
-
-std::vector<DriveCheck> checkDrives(const ObjectStore& store, std::uint64_t now,
-                                    const std::set<std::string>& missed)
+std::vector<DriveCheck> checked(std::vector<Drive> drives, const ObjectStore& store, std::uint64_t now,
+                                const std::set<std::string>& missed)
 {
-    std::vector<Drive> drives = joinDrives(store);
     std::vector<Judgement> judgements;
     judgements.reserve(drives.size());
     for (const Drive& drive : drives)
@@ -58,4 +55,53 @@ std::vector<DriveCheck> checkDrives(const ObjectStore& store, std::uint64_t now,
     return checks;
 }
 
+std::string nameOf(const DriveCheck& drive)
+{
+    const std::string device(shortDeviceName(drive.m_Drive.m_Device));
+    return device.empty() || device == drive.m_Key ? drive.m_Key : device + " (" + drive.m_Key + ")";
+}
+
+std::string countText(std::size_t healthy, std::size_t all)
+{
+    return (healthy == all ? "" : std::to_string(healthy) + " of ") + std::to_string(all) +
+           (all == 1 ? " drive healthy" : " drives healthy");
+}
+
+} // namespace
+
+std::vector<DriveCheck> checkDrives(const ObjectStore& store, std::uint64_t now,
+                                    const std::set<std::string>& missed)
+{
+    return checked(joinDrives(store), store, now, missed);
+}
+
+std::vector<DriveCheck> checkDrives(const Snapshot& snapshot, std::uint64_t now)
+{
+    return checked(snapshot.m_Drives, snapshot.m_Objects, now, {});
+}
+
+Verdict worstOf(const std::vector<DriveCheck>& drives)
+{
+    const auto worst =
+        std::max_element(drives.begin(), drives.end(), [](const DriveCheck& a, const DriveCheck& b) {
+            return isWorse(b.m_Judgement.m_Verdict, a.m_Judgement.m_Verdict);
+        });
+    return worst == drives.end() ? Verdict::Unknown : worst->m_Judgement.m_Verdict;
+}
+
+std::string messageOf(std::vector<DriveCheck> drives)
+{
+    std::stable_sort(drives.begin(), drives.end(), [](const DriveCheck& a, const DriveCheck& b) {
+        return isWorse(a.m_Judgement.m_Verdict, b.m_Judgement.m_Verdict);
+    });
+    std::string text;
+    std::size_t healthy = 0;
+    for (const DriveCheck& each : drives) {
+        if (each.m_Judgement.m_Verdict == Verdict::Ok)
+            ++healthy;
+        else
+            text += nameOf(each) + ": " + each.m_Judgement.m_Reason + "; ";
+    }
+    return text + countText(healthy, drives.size());
+}
 } // namespace Host::Cli

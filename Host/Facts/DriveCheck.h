@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Facts/Drives.h"
+#include "Facts/Snapshot.h"
 #include "Facts/Verdict.h"
 #include "Plugins/ObjectStore.h"
 
@@ -26,5 +27,14 @@ struct DriveCheck
  */
 std::vector<DriveCheck> checkDrives(const ObjectStore& store, std::uint64_t now,
                                     const std::set<std::string>& missed = {});
+
+/** The same for the drives of a snapshot. */
+std::vector<DriveCheck> checkDrives(const Snapshot& snapshot, std::uint64_t now);
+
+/** The worst verdict on `drives`; unknown when there are none. */
+Verdict worstOf(const std::vector<DriveCheck>& drives);
+
+/** What is wrong with `drives`, the worst first, then how many are healthy. */
+std::string messageOf(std::vector<DriveCheck> drives);
 
 } // namespace Host::Cli

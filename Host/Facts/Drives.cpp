@@ -184,6 +184,11 @@ std::optional<double> bytesOf(const Amount& amount)
     return std::nullopt;
 }
 
+bool reportsSpare(const Drive& drive)
+{
+    return drive.m_Spare != 0 || drive.m_SpareThreshold != 0;
+}
+
 std::optional<Drive> driveOf(const ObjectStore& store, const PI::CObject& object)
 {
     if (object.m_Type != PI::TYPE_ADAPTER)

@@ -77,6 +77,12 @@ struct Drive : DriveIdentity
 };
 
 /**
+ * Whether the drive reports its spare blocks, if anyone knows them. A drive without spare blocks left still
+ * reports a threshold. When both are 0, the drive reports neither.
+ */
+bool reportsSpare(const Drive& drive);
+
+/**
  * Every adapter with each of its drives, in the plug-in's order, then each drive that no plug-in shows
  * because it has never answered.
  */

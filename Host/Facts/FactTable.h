@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Facts/Drives.h"
+#include "Facts/MetricFamily.h"
 
 #include <algorithm>
 #include <array>
@@ -16,7 +17,7 @@
 #include <vector>
 
 // The one table of the facts about a drive. Documents, their schemas, the headings of `list`, the additional
-// rows of `show` and a table in Docs/Interfaces.md are made from it.
+// rows of `show`, the metrics of drives and tables in the documents are made from it.
 namespace Host::Cli {
 
 /** The value of a fact for a drive now. Nothing when it is not known. */
@@ -53,6 +54,17 @@ struct FactSource
     std::uint32_t m_Place = 0; ///< identifier of the property, or first byte of the field
 };
 
+/** A fact as a metric. */
+struct FactMetric
+{
+    MetricFamily m_Family = {};      ///< without a name, the fact is no metric
+    std::string_view m_LabelValue{}; ///< of the family's label
+    // The metric is the fact's number times the factor, divided by the divisor.
+    std::uint32_t m_Factor = 1;
+    std::uint32_t m_Divisor = 1;
+    bool (*m_Condition)(const Drive& drive) = nullptr; ///< whether the drive has the metric; null: always
+};
+
 /** One row of the table. */
 struct Fact
 {
@@ -64,11 +76,54 @@ struct Fact
     FactValue (*m_Value)(const Drive& drive);
     std::size_t m_Kind;             ///< which alternative of `FactValue` a known value has
     const char* m_Column = nullptr; ///< its heading in `list`; null: the caption is used
+    FactMetric m_Metric = {};
+    const char* m_InfoLabel = nullptr; ///< its label in the metric with the texts of a drive; null: none
 
     constexpr Fact headed(const char* heading) const
     {
         Fact fact = *this;
         fact.m_Column = heading;
+        return fact;
+    }
+
+    /** In metrics with this name. Its caption is their help. */
+    constexpr Fact metric(const char* name) const { return metric(MetricFamily{name, m_Caption}); }
+
+    constexpr Fact metric(const MetricFamily& family, std::string_view labelValue = {}) const
+    {
+        Fact fact = *this;
+        fact.m_Metric.m_Family = family;
+        fact.m_Metric.m_LabelValue = labelValue;
+        return fact;
+    }
+
+    constexpr Fact times(std::uint32_t factor) const
+    {
+        Fact fact = *this;
+        fact.m_Metric.m_Factor = factor;
+        return fact;
+    }
+
+    /** The metric is a ratio. */
+    constexpr Fact percent() const
+    {
+        Fact fact = *this;
+        fact.m_Metric.m_Divisor = 100;
+        return fact;
+    }
+
+    /** Only these drives have the metric. */
+    constexpr Fact given(bool (*condition)(const Drive& drive)) const
+    {
+        Fact fact = *this;
+        fact.m_Metric.m_Condition = condition;
+        return fact;
+    }
+
+    constexpr Fact labelled(const char* infoLabel) const
+    {
+        Fact fact = *this;
+        fact.m_InfoLabel = infoLabel;
         return fact;
     }
 

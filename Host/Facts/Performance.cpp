@@ -20,12 +20,13 @@ struct Row
     const char* m_Warning = nullptr; ///< the fact that is its limit; null: none
     const char* m_Critical = nullptr;
     bool m_AlertsBelow = false;
+    bool (*m_Condition)(const Drive& drive) = nullptr; ///< whether the drive has it; null: always
 };
 
 constexpr Row ROWS[] = {
     {"temperature", "C", "warningTemperature", "criticalTemperature"},
     {"percentageUsed", "%"},
-    {"spare", "%", "spareThreshold", nullptr, true},
+    {"spare", "%", "spareThreshold", nullptr, true, reportsSpare},
     {"mediaErrors", "c"},
     {"unsafeShutdowns", "c"},
     {"powerOnHours", "c"},
@@ -57,12 +58,6 @@ std::string numberOf(const char* fact, const Drive& drive)
     return fact != nullptr ? std::visit(NumberText(), factOf(fact).m_Value(drive)) : std::string();
 }
 
-/** A drive without spare blocks and without a threshold reports neither. */
-bool isReported(const Row& row, const PerformanceFigure& figure)
-{
-    return !row.m_AlertsBelow || figure.m_Value != "0" || figure.m_Warning != "0";
-}
-
 } // namespace
 
 std::vector<PerformanceFigure> performanceOf(const Drive& drive)
@@ -77,7 +72,7 @@ std::vector<PerformanceFigure> performanceOf(const Drive& drive)
                                           numberOf(row.m_Warning, drive),
                                           numberOf(row.m_Critical, drive),
                                           row.m_AlertsBelow};
-        if (!figure.m_Value.empty() && isReported(row, figure))
+        if (!figure.m_Value.empty() && (row.m_Condition == nullptr || row.m_Condition(drive)))
             figures.push_back(figure);
     }
     return figures;

@@ -11,6 +11,9 @@ namespace DocsTest {
  */
 std::map<std::string, std::string> interfaceTables();
 
+/** The tables of Docs/Metrics.md, likewise. */
+std::map<std::string, std::string> metricTables();
+
 /** The definitions in Docs/Schemas/<schema>.json that are made from the table of facts, by their names. */
 std::map<std::string, std::string> schemaMembers(const std::string& schema);
 

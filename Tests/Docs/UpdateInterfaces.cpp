@@ -54,8 +54,11 @@ std::string updated(const std::string& text, const Marks& marks, std::map<std::s
 
 std::string updated(const std::filesystem::path& file, const std::string& text)
 {
-    return file.extension() == ".json" ? updated(text, SCHEMA, DocsTest::schemaMembers(file.stem().string()))
-                                       : updated(text, MARKDOWN, DocsTest::interfaceTables());
+    const std::string document = file.stem().string();
+    if (file.extension() == ".json")
+        return updated(text, SCHEMA, DocsTest::schemaMembers(document));
+    return updated(text, MARKDOWN,
+                   document == "Metrics" ? DocsTest::metricTables() : DocsTest::interfaceTables());
 }
 
 std::string read(const char* file)
