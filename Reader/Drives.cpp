@@ -1,6 +1,7 @@
 #include "Drives.h"
 
 #include <TLX/Clock.h>
+#include <TLXX/Linux/ReaderProtocol.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <algorithm>
@@ -36,17 +37,44 @@ struct Drives::Results
 {
     explicit Results(std::function<void()> ready) : m_Announce(std::move(ready)) {}
 
-    void add(const std::shared_ptr<Flight>& flight, Answer answer)
+    void wait()
+    {
+        const std::scoped_lock guard(m_Lock);
+        ++m_Waiting;
+    }
+
+    void begin()
+    {
+        const std::scoped_lock guard(m_Lock);
+        --m_Waiting;
+    }
+
+    /** `isLast`: the job brings nothing more. */
+    void add(const std::shared_ptr<Flight>& flight, Answer answer, bool isLast)
     {
         const std::scoped_lock guard(m_Lock);
         if (m_Ended)
             return;
         m_Answers.emplace_back(flight, std::move(answer));
-        m_Announce(); // with the lock, so that it is not called after the end
+        // To wake a thread for each answer would cost more than the answer does.
+        const bool isDue = m_Hurried || (isLast && m_Waiting == 0);
+        if (isDue && !std::exchange(m_Announced, true))
+            m_Announce(); // with the lock, so that it is not called after the end
+    }
+
+    std::vector<std::pair<std::shared_ptr<Flight>, Answer>> take()
+    {
+        const std::scoped_lock guard(m_Lock);
+        m_Hurried = m_Hurried && m_Answers.empty();
+        m_Announced = false;
+        return std::exchange(m_Answers, {});
     }
 
     std::mutex m_Lock;
     std::vector<std::pair<std::shared_ptr<Flight>, Answer>> m_Answers;
+    std::size_t m_Waiting = 0; ///< jobs that no thread has begun
+    bool m_Announced = false;  ///< since answers were last taken
+    bool m_Hurried = false;    ///< the next answer is announced at once
     bool m_Ended = false;
     const std::function<void()> m_Announce;
 };
@@ -60,7 +88,10 @@ Answer answerOf(IDrive* drive, const Command& command)
     try {
         auto block = std::make_shared<std::vector<std::uint8_t>>(command.m_Length);
         const std::uint32_t status = drive->ask(command, *block);
-        return {status, status == 0 ? std::move(block) : nullptr};
+        if (status != 0)
+            return {status, nullptr};
+        block->resize(TLXX::Linux::readerDataLength(*block));
+        return {status, std::move(block)};
     } catch (const std::bad_alloc&) {
         return {TLXX::STATUS_NO_RESOURCES, nullptr};
     }
@@ -159,10 +190,12 @@ void Drives::send(const Controller& controller, Queue& queue)
     const auto count = static_cast<std::ptrdiff_t>(std::min(queue.m_Waiting.size(), MOST_TOGETHER));
     queue.m_Sent.assign(queue.m_Waiting.begin(), queue.m_Waiting.begin() + count);
     queue.m_Waiting.erase(queue.m_Waiting.begin(), queue.m_Waiting.begin() + count);
+    m_Results->wait();
     m_Workers.add([open = m_Open, results = m_Results, controller, flights = queue.m_Sent] {
+        results->begin();
         const std::unique_ptr<IDrive> drive = tryToOpen(open, controller);
         for (const std::shared_ptr<Flight>& flight : flights)
-            results->add(flight, answerOf(drive.get(), flight->m_Command));
+            results->add(flight, answerOf(drive.get(), flight->m_Command), flight == flights.back());
     });
 }
 
@@ -186,14 +219,21 @@ void Drives::deliver(const std::shared_ptr<Flight>& flight, const Answer& answer
 
 std::vector<Delivery> Drives::take()
 {
-    std::vector<std::pair<std::shared_ptr<Flight>, Answer>> answers;
-    {
-        const std::scoped_lock guard(m_Results->m_Lock);
-        answers.swap(m_Results->m_Answers);
-    }
-    for (const auto& [flight, answer] : answers)
+    for (const auto& [flight, answer] : m_Results->take())
         deliver(flight, answer);
     return std::exchange(m_Ready, {});
+}
+
+bool Drives::mayHaveMore() const
+{
+    const std::scoped_lock guard(m_Results->m_Lock);
+    return !m_Queues.empty() && !m_Results->m_Hurried;
+}
+
+void Drives::hurry()
+{
+    const std::scoped_lock guard(m_Results->m_Lock);
+    m_Results->m_Hurried = m_Results->m_Answers.empty();
 }
 
 void Drives::forget(std::uint64_t client)

@@ -34,8 +34,9 @@ struct Command
 /** What became of a command. */
 struct Answer
 {
-    std::uint32_t m_Status = 0;                               ///< as the queries of `NvmeQuery.h` return it
-    std::shared_ptr<const std::vector<std::uint8_t>> m_Block; ///< null unless the status is 0
+    std::uint32_t m_Status = 0; ///< as the queries of `NvmeQuery.h` return it
+    /** Null unless the status is 0. Without the zeros at its end. */
+    std::shared_ptr<const std::vector<std::uint8_t>> m_Block;
 };
 
 /** An open controller. For use by one thread. */
@@ -82,7 +83,10 @@ inline constexpr std::uint64_t ANSWER_AGE = 1000;
 class Drives
 {
 public:
-    /** `ready` is called on any thread when `take` has something new. It must not throw. */
+    /**
+     * `ready` is called on any thread when `take` has something new, but not for each answer: see
+     * `mayHaveMore`. It must not throw.
+     */
     Drives(OpenDrive open, std::function<void()> ready);
     /** Waits for no drive. */
     ~Drives();
@@ -97,6 +101,14 @@ public:
 
     /** The answers that have come, in their order. */
     std::vector<Delivery> take();
+
+    /** Whether `take` may get something new without a call of `ready`. Then it is called again after some
+     * milliseconds. */
+    bool mayHaveMore() const;
+
+    /** Called when nothing has happened for these milliseconds. The next answer is announced at once, unless
+     * there is one already. */
+    void hurry();
 
     /** Nothing more is delivered to this client. What only it asked for is not sent any more. */
     void forget(std::uint64_t client);

@@ -25,8 +25,8 @@ constexpr int TURN = 16;
 constexpr std::size_t MOST_UNSENT_BYTES = std::size_t{8} * 1024 * 1024;
 /** The buffer of a connection in the kernel, in bytes. */
 constexpr int SEND_BUFFER = 64 * 1024;
-/** How often is looked whether more threads are needed, in milliseconds. */
-constexpr int GROWTH_PERIOD = 10;
+/** How often is looked whether more threads are needed, and for answers, in milliseconds. */
+constexpr int LOOK_PERIOD = 10;
 /** How long no connection is accepted after descriptors or memory ran out, in milliseconds. */
 constexpr int RECOVERY = 100;
 
@@ -84,11 +84,14 @@ void Server::run()
 {
     while (m_Listener.Valid() || !m_Clients.empty()) {
         std::vector<pollfd> places = watched();
-        if (::poll(places.data(), places.size(), patience()) < 0) {
+        const int happened = ::poll(places.data(), places.size(), patience());
+        if (happened < 0) {
             if (errno != EINTR)
                 throw std::system_error(errno, std::generic_category(), "poll");
             continue;
         }
+        if (happened == 0)
+            m_Drives.hurry();
         if (places[STOP].revents != 0)
             return;
         handle(places);
@@ -117,8 +120,8 @@ std::vector<pollfd> Server::watched() const
 
 int Server::patience() const
 {
-    if (m_Drives.waiting())
-        return GROWTH_PERIOD;
+    if (m_Drives.waiting() || m_Drives.mayHaveMore())
+        return LOOK_PERIOD;
     return m_Exhausted ? RECOVERY : -1;
 }
 
@@ -159,7 +162,7 @@ void Server::growIfNeeded()
         return;
     if (m_GrowAt != 0)
         m_Drives.grow();
-    m_GrowAt = now + GROWTH_PERIOD;
+    m_GrowAt = now + LOOK_PERIOD;
 }
 
 void Server::accept()

@@ -4,7 +4,8 @@
  *
  *   Instructions                  checks that: prints what a loop of 20,000,000 instructions takes
  *   Instructions of PID           what a running process has executed so far
- *   Instructions run COMMAND ...  what a command executes from its start to its end; nonzero when it fails
+ *   Instructions run COMMAND ...  what a command executes from its start to its end, and in a second line what
+ *                                 the processes execute that it leaves behind; nonzero when it fails
  */
 #include <fcntl.h>
 #include <signal.h>
@@ -12,6 +13,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -44,8 +46,20 @@ static int64_t ofProcess(pid_t pid)
     return nanoseconds(clock);
 }
 
+/* Waits for the end of any process that is left. Returns its number, or 0 when there is none. */
+static pid_t awaitEnd(siginfo_t* end, int64_t* instructions)
+{
+    if (waitid(P_ALL, 0, end, WEXITED | WNOWAIT) != 0)
+        return 0;
+    // The process has ended, but its clock exists until someone waits for the process.
+    *instructions = ofProcess(end->si_pid);
+    return waitpid(end->si_pid, NULL, 0);
+}
+
 static int64_t ofCommand(char** command)
 {
+    // Processes that the command leaves behind become children of this one.
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
     const pid_t child = fork();
     if (child == 0) {
         const int null = open("/dev/null", O_WRONLY);
@@ -54,19 +68,23 @@ static int64_t ofCommand(char** command)
         perror(command[0]);
         _exit(127);
     }
+    int64_t own = 0;
+    int64_t others = 0;
+    int64_t instructions = 0;
     siginfo_t end;
-    if (child < 0 || waitid(P_PID, (id_t)child, &end, WEXITED | WNOWAIT) != 0) {
+    for (pid_t ended; (ended = awaitEnd(&end, &instructions)) != 0;) {
+        *(ended == child ? &own : &others) += instructions;
+        if (ended == child && (end.si_code != CLD_EXITED || end.si_status != 0)) {
+            fprintf(stderr, "%s failed with status %d\n", command[0], end.si_status);
+            exit(1);
+        }
+    }
+    if (own == 0) {
         perror("fork");
         exit(1);
     }
-    // The process has ended, but its clock exists until someone waits for the process.
-    const int64_t instructions = ofProcess(child);
-    waitpid(child, NULL, 0);
-    if (end.si_code != CLD_EXITED || end.si_status != 0) {
-        fprintf(stderr, "%s failed with status %d\n", command[0], end.si_status);
-        exit(1);
-    }
-    return instructions;
+    printf("%lld\n", (long long)own);
+    return others;
 }
 
 int main(int argc, char** argv)

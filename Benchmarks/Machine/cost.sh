@@ -29,6 +29,30 @@ while [ $number -lt "$drives" ]; do
 done
 measured onecheck smartd -q onecheck -c /tmp/smartd.conf
 
+# A round of a watch, by the program and its reader. A sleeping process costs nothing, so the length of the interval
+# does not matter. Each look comes half an interval after a round.
+mkdir /tmp/watched
+echo PollInterval=60 >/tmp/watched/Ostrel.ini
+ostrel watch --json --data /tmp/watched >/dev/null &
+program=$!
+until reader=$(pidof ostrel-reader); do
+    sleep 1
+done
+sleep 30
+former_program=$(Instructions of $program)
+former_reader=$(Instructions of "$reader")
+for round in 1 2 3 4 5 6; do
+    sleep 60
+    now=$(Instructions of $program)
+    echo $((now - former_program)) >>/results/round-program
+    former_program=$now
+    now=$(Instructions of "$reader")
+    echo $((now - former_reader)) >>/results/round-reader
+    former_reader=$now
+done
+kill $program
+wait $program
+
 # A check by a daemon that has already started. A sleeping daemon costs nothing, so the length of its time does not
 # matter.
 smartd -n -i 86400 -c /tmp/smartd.conf -p /tmp/smartd.pid &

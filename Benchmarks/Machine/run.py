@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """
 The cost of looking at NVMe drives, counted in instructions in a virtual machine. It measures a cycle of the worker in
-which nothing changed and `ostrel list --json`, and compares them with the bare minimum, smartd and nvme-cli.
+which nothing changed, a round of `ostrel watch` and `ostrel list --json`, and compares them with the bare minimum,
+smartd and nvme-cli. The processes that read the drives for the program count as its own.
 
 The machine's clock advances one nanosecond for each instruction (QEMU's `-icount shift=0`). The kernel measures the
 processor time of every process with that clock. So this time is the number of instructions that the process, and the
@@ -24,6 +25,8 @@ from guest import Guest  # noqa: E402
 
 COUNTS = (1, 8, 32, 64)
 LOOP = 20_000_000
+# Millions of instructions of `ostrel list --json`, by the number of drives.
+LIST_LIMITS = {1: 18, 64: 100}
 PROGRAMS = ("BareMinimum", "CycleCost", "Instructions", "smartd")
 OPTIONS = ("-icount", "shift=0,sleep=off", "-rtc", "clock=vm")
 LINE = "{:>6}  {:<22}{:>10}  {:<44}{:>10}{:>8}  {}"
@@ -47,8 +50,12 @@ class Measured:
         self.bare = statistics.median(self.numbers("bare"))
         self.cycle = statistics.median(self.numbers("cycle"))
         self.resident = statistics.median(self.numbers("resident"))
-        (self.list,), (self.onecheck,), (self.start,) = map(self.numbers, ("list", "onecheck", "start"))
-        self.nvme = sum(self.numbers("nvme"))
+        self.round_program = statistics.median(self.numbers("round-program"))
+        self.round_reader = statistics.median(self.numbers("round-reader"))
+        self.round = self.round_program + self.round_reader
+        self.list_program, self.list_reader = self.numbers("list")
+        self.list = self.list_program + self.list_reader
+        self.onecheck, self.start, self.nvme = (sum(self.numbers(name)) for name in ("onecheck", "start", "nvme"))
 
     def numbers(self, name):
         return [int(line) / 1e6 for line in self._files[name].split()]
@@ -75,6 +82,9 @@ def comparisons(count, here, one):
     yield "worker's cycle", here.cycle, "1.5 x bare minimum + 0.3 M", 1.5 * here.bare + 0.3, 1
     if count >= 8:
         yield "worker's cycle", here.cycle, "check of a resident smartd", here.resident, 1
+    yield "round of a watch", here.round, "1.6 x bare minimum + 1 M", 1.6 * here.bare + 1, 1
+    if count in LIST_LIMITS:
+        yield "ostrel list --json", here.list, "its limit", LIST_LIMITS[count], 1
     yield "ostrel list --json", here.list, "smartd -q onecheck", here.onecheck, 1
     yield "ostrel list --json", here.list, "nvme id-ctrl, id-ns, smart-log for each", here.nvme, 1 / 20
 
@@ -95,8 +105,9 @@ def shares(results):
     for count, here in results.items():
         steps = ", ".join(f"{name} {cost:.3f}" for name, cost in here.steps().items())
         yield f"{count:>6}  cycle {here.cycle:.3f}: {steps}"
+        yield f"{'':>6}  round {here.round:.3f}: program {here.round_program:.3f}, reader {here.round_reader:.3f}"
         yield (f"{'':>6}  list {here.list:.3f}: start and end of the program {here.start:.3f}, "
-               f"the rest {here.list - here.start:.3f}")
+               f"the rest of it {here.list_program - here.start:.3f}, reader {here.list_reader:.3f}")
 
 
 def main():
@@ -105,8 +116,10 @@ def main():
                         help="a build with benchmarks: a folder with bin/, lib/ and share/ostrel/")
     parser.add_argument("--work", type=pathlib.Path, default=ROOT / "build" / "machine",
                         help="folder for the kernel and the logs (default: build/machine)")
+    parser.add_argument("counts", nargs="*", type=int, default=COUNTS, metavar="DRIVES",
+                        help="how many drives a machine has, the least first (default: 1 8 32 64)")
     options = parser.parse_args()
-    results = {count: measure(options.tree.resolve(), options.work.resolve(), count) for count in COUNTS}
+    results = {count: measure(options.tree.resolve(), options.work.resolve(), count) for count in options.counts}
     print("\n".join((*table(results), *shares(results))))
 
 

@@ -29,6 +29,9 @@ std::filesystem::path programFolder();
 /** The folder of the settings when the user names none. */
 std::filesystem::path defaultDataFolder();
 
+/** Creates a folder for this user alone, whose name begins with `name`. Throws `std::system_error`. */
+std::filesystem::path newTemporaryFolder(const std::string& name);
+
 /** What a process may want to do with a file or folder. */
 enum class Access
 {
@@ -137,6 +140,13 @@ private:
  */
 void divertStandardOutput(Elsewhere elsewhere);
 
+/** What the signal SIGHUP asks for. */
+enum class HangUp : std::uint8_t
+{
+    End,    ///< the end of the program, because its terminal was closed
+    Reload, ///< that the program reads its settings again
+};
+
 /**
  * While it lives, it receives requests to end the program: an interrupt, a closed terminal, a shutdown. Until
  * `defer` is called, a request ends the program at once. After that the first request signals `asked()`, and
@@ -146,7 +156,7 @@ class TerminationRequest
 {
 public:
     /** Throws `std::system_error`. */
-    TerminationRequest();
+    explicit TerminationRequest(HangUp hangUp = HangUp::End);
     ~TerminationRequest();
     TerminationRequest(const TerminationRequest&) = delete;
     TerminationRequest& operator=(const TerminationRequest&) = delete;
@@ -156,6 +166,9 @@ public:
 
     /** A manual-reset event. */
     TLX::Threading::CEvent& asked();
+
+    /** An auto-reset event that each `HangUp::Reload` signals. Other systems than Linux have none. */
+    TLX::Threading::CEvent& reload();
 
 private:
     struct Native;
@@ -184,6 +197,16 @@ private:
     const int m_ExitCode;
     std::unique_ptr<Native> m_Native;
 };
+
+/** What this process has used so far. A figure is missing when the system does not tell it. */
+struct ProcessFigures
+{
+    std::optional<double> m_ProcessorSeconds;
+    std::optional<std::uint64_t> m_ResidentBytes;
+    std::optional<std::uint64_t> m_OpenDescriptors; ///< on Windows, open handles
+};
+
+ProcessFigures processFigures();
 
 /** `time` in the time zone of this machine. */
 std::tm localTime(std::time_t time);

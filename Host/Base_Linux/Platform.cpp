@@ -54,6 +54,14 @@ std::filesystem::path defaultDataFolder()
     return homeFolder() / ".local" / "state" / "ostrel";
 }
 
+std::filesystem::path newTemporaryFolder(const std::string& name)
+{
+    std::string path = (std::filesystem::temp_directory_path() / (name + "-XXXXXX")).string();
+    if (mkdtemp(path.data()) == nullptr)
+        throw std::system_error(errno, std::generic_category(), path);
+    return path;
+}
+
 std::error_code accessError(const std::filesystem::path& path, Access access)
 {
     const int mode = access == Access::Read ? R_OK : access == Access::Write ? W_OK : W_OK | X_OK;

@@ -12,19 +12,21 @@
 namespace Host::Platform {
 namespace {
 
-/**
- * The signals that ask for an end. A signal that is ignored at the start stays ignored, for example under
- * nohup.
- */
-sigset_t endingSignals()
+/** A signal that is ignored at the start stays ignored, for example under nohup. */
+bool isHangUpIgnored()
+{
+    struct sigaction hangUp
+    {};
+    return sigaction(SIGHUP, nullptr, &hangUp) != 0 || hangUp.sa_handler == SIG_IGN;
+}
+
+sigset_t awaitedSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
-    struct sigaction hangUp
-    {};
-    if (sigaction(SIGHUP, nullptr, &hangUp) == 0 && hangUp.sa_handler != SIG_IGN)
+    if (!isHangUpIgnored())
         sigaddset(&signals, SIGHUP);
     return signals;
 }
@@ -34,9 +36,10 @@ sigset_t endingSignals()
 /** A separate thread takes the signals, so that they do not interrupt a thread of a plug-in. */
 struct TerminationRequest::Native
 {
-    Native()
+    explicit Native(HangUp hangUp) : m_HangUp(hangUp)
     {
-        if (m_Asked.Init(false, true) != TLX::Threading::WaitResult::Taken)
+        if (m_Asked.Init(false, true) != TLX::Threading::WaitResult::Taken ||
+            m_Reload.Init(false, false) != TLX::Threading::WaitResult::Taken)
             throw std::system_error(errno, std::generic_category(), "event");
         // Threads that are started later inherit this and block the signals, too.
         (void)pthread_sigmask(SIG_BLOCK, &m_Signals, &m_FormerMask);
@@ -56,14 +59,20 @@ struct TerminationRequest::Native
 
     void takeSignals()
     {
-        for (bool last = false;; last = true) {
+        bool asked = false;
+        for (;;) {
             int signal = 0;
             (void)sigwait(&m_Signals, &signal);
             if (m_Ending)
                 return;
-            if (last || !m_Deferred)
+            if (signal == SIGHUP && m_HangUp == HangUp::Reload) {
+                m_Reload.Set();
+                continue;
+            }
+            if (asked || !m_Deferred)
                 endBy(signal);
             m_Asked.Set();
+            asked = true;
         }
     }
 
@@ -75,15 +84,17 @@ struct TerminationRequest::Native
         (void)raise(signal);
     }
 
-    const sigset_t m_Signals = endingSignals();
+    const HangUp m_HangUp;
+    const sigset_t m_Signals = awaitedSignals();
     sigset_t m_FormerMask{};
     std::atomic<bool> m_Ending = false;
     std::atomic<bool> m_Deferred = false;
     TLX::Threading::CEvent m_Asked;
+    TLX::Threading::CEvent m_Reload;
     std::thread m_Thread;
 };
 
-TerminationRequest::TerminationRequest() : m_Native(std::make_unique<Native>()) {}
+TerminationRequest::TerminationRequest(HangUp hangUp) : m_Native(std::make_unique<Native>(hangUp)) {}
 TerminationRequest::~TerminationRequest() = default;
 
 void TerminationRequest::defer()
@@ -94,6 +105,11 @@ void TerminationRequest::defer()
 TLX::Threading::CEvent& TerminationRequest::asked()
 {
     return m_Native->m_Asked;
+}
+
+TLX::Threading::CEvent& TerminationRequest::reload()
+{
+    return m_Native->m_Reload;
 }
 
 } // namespace Host::Platform

@@ -80,6 +80,18 @@ std::filesystem::path defaultDataFolder()
            L"Ostrel";
 }
 
+std::filesystem::path newTemporaryFolder(const std::string& name)
+{
+    const std::filesystem::path base =
+        std::filesystem::temp_directory_path() / (name + "-" + std::to_string(GetCurrentProcessId()) + "-");
+    for (std::uint64_t number = GetTickCount64();; ++number) {
+        std::filesystem::path path = base;
+        path += std::to_string(number);
+        if (std::filesystem::create_directory(path))
+            return path;
+    }
+}
+
 std::error_code accessError(const std::filesystem::path& path, Access access)
 {
     const DWORD right = access == Access::Read      ? GENERIC_READ

@@ -13,6 +13,7 @@ namespace {
 // The system calls the console handler on a thread of its own at any time. It finds the state here.
 TLX::Threading::CEvent askedToEnd;
 TLX::Threading::CEvent hasEnded;
+TLX::Threading::CEvent neverReloads;
 std::atomic<bool> isDeferred = false;
 
 BOOL WINAPI onConsole(DWORD what)
@@ -38,6 +39,7 @@ struct TerminationRequest::Native
     {
         if (askedToEnd.Init(false, true) != TLX::Threading::WaitResult::Taken ||
             hasEnded.Init(false, true) != TLX::Threading::WaitResult::Taken ||
+            neverReloads.Init(false, false) != TLX::Threading::WaitResult::Taken ||
             SetConsoleCtrlHandler(onConsole, TRUE) == FALSE)
             throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "console");
     }
@@ -54,7 +56,7 @@ struct TerminationRequest::Native
     Native& operator=(const Native&) = delete;
 };
 
-TerminationRequest::TerminationRequest() : m_Native(std::make_unique<Native>()) {}
+TerminationRequest::TerminationRequest(HangUp /*hangUp*/) : m_Native(std::make_unique<Native>()) {}
 TerminationRequest::~TerminationRequest() = default;
 
 void TerminationRequest::defer()
@@ -65,6 +67,11 @@ void TerminationRequest::defer()
 TLX::Threading::CEvent& TerminationRequest::asked()
 {
     return askedToEnd;
+}
+
+TLX::Threading::CEvent& TerminationRequest::reload()
+{
+    return neverReloads;
 }
 
 } // namespace Host::Platform

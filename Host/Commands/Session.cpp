@@ -5,16 +5,12 @@
 #include "Base/Text.h"
 #include "Documents/Json.h"
 #include "Drives/DeviceAccess.h"
+#include "Facts/NamedObjects.h"
 #include "Facts/Silence.h"
-#include "Plugins/ControllerNames.h"
 #include "Plugins/DataFolder.h"
-
-#include <TLX/Clock.h>
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <exception>
 #include <utility>
 
 namespace Host::Cli {
@@ -23,10 +19,16 @@ namespace {
 /** In milliseconds. Commands that take one look and keep what they see have ended by then. */
 constexpr std::uint64_t WATCH_PATIENCE = 3000;
 
+/** Whether the command goes on for as long as the user wants. */
+bool watches(const Options& options)
+{
+    return options.m_Command == Command::Watch || options.m_Command == Command::Serve;
+}
+
 HostFolders foldersOf(const Options& options)
 {
     return {shareFolder(Platform::programFolder()), options.m_Data.value_or(Platform::defaultDataFolder()),
-            keepsRows(options), options.m_Command == Command::Watch ? WATCH_PATIENCE : 0, options.m_Reader};
+            keepsRows(options), watches(options) ? WATCH_PATIENCE : 0, options.m_Reader};
 }
 
 std::vector<std::filesystem::path> pluginsOf(const Options& options)
@@ -36,34 +38,15 @@ std::vector<std::filesystem::path> pluginsOf(const Options& options)
     return plugins;
 }
 
-/** Loads the plug-ins and reports the devices that this user may not open. */
-std::vector<TLXX::CControllerState> beginInventory(PluginSet& plugins, const Session& session)
-{
-    for (const std::filesystem::path& file : session.m_Plugins)
-        plugins.load(file);
-    std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
-    checkAccess(states, session.warn());
-    return states;
-}
-
 ObjectStore takeInventory(PluginSet& plugins, const Session& session)
 {
-    const std::vector<TLXX::CControllerState> states = beginInventory(plugins, session);
+    const std::vector<TLXX::CControllerState> states =
+        beginInventory(plugins, session.m_Plugins, session.warn());
     const Progress progress = signOfLife(states, session);
     ObjectStore inventory = askForObjects(plugins, states, session);
     if (session.keepsRows())
         keepInventory(session.keptData(), inventory, session.warn());
     return inventory;
-}
-
-/** Empty when the system cannot tell now. Events must not be lost because an address is unknown. */
-std::vector<TLXX::CControllerState> controllersNow()
-{
-    try {
-        return TLXX::controllerStates();
-    } catch (const std::exception&) {
-        return {};
-    }
 }
 
 } // namespace
@@ -77,7 +60,7 @@ Session::Session(const Options& options, Terminal& terminal)
 {
     if (!m_Setup.claim() || keepsRows())
         return;
-    if (options.m_Command == Command::Watch)
+    if (watches(options))
         throw m_Setup.claim()->failure();
     // "doctor" reports this in a line of its own.
     if (options.m_Command != Command::Doctor)
@@ -89,6 +72,11 @@ Warn Session::warn() const
     return [&terminal = m_Terminal](const std::string& message) { terminal.tell(message); };
 }
 
+WatchPlan Session::watchPlan() const
+{
+    return {m_Plugins, keptData(), drives(), warn()};
+}
+
 std::vector<DriveAnswer> Session::answers() const
 {
     return drives()->lastRound().m_Answers;
@@ -96,12 +84,7 @@ std::vector<DriveAnswer> Session::answers() const
 
 std::vector<const PI::CObject*> Session::namedObjects(const ObjectStore& store) const
 {
-    const std::string name = diskOfController(TLXX::controllerStates(), m_Options.m_Object);
-    for (const Drive& drive : joinDrives(store))
-        if (isUnheard(drive, name))
-            throw Failure(ExitCode::RequestFailed,
-                          unheardText(drive, TLX::Misc::now()) + " " + SILENCE_REMEDY);
-    return store.named(name);
+    return Cli::namedObjects(store, m_Options.m_Object);
 }
 
 void Session::print(const std::string& text) const
@@ -157,73 +140,5 @@ void Inventory::askAgain(const Session& session)
 }
 
 Inventory::Inventory(const Session& session) : m_Objects(takeInventory(m_Plugins, session)) {}
-
-Watched::Watched(const Session& session) : m_Rows(session.warn()), m_Drives(session.drives())
-{
-    const Progress progress = signOfLife(beginInventory(m_Plugins, session), session);
-    for (EquippedPlugin& plugin : m_Plugins.initialize())
-        m_Monitors.emplace_back(std::move(plugin), session.keptData(), session.warn());
-    cleanUp();
-    lookAtControllers();
-    keepAdapterNumbers(session.keptData(), session.warn());
-}
-
-void Watched::start()
-{
-    for (Monitor& monitor : m_Monitors)
-        monitor.start();
-}
-
-std::vector<PI::CEvent> Watched::collect(Monitor& monitor)
-{
-    std::vector<PI::CEvent> events = monitor.collect();
-    cleanUp();
-    lookAtControllers();
-    return events;
-}
-
-void Watched::cleanUp()
-{
-    const auto look = [this] {
-        std::vector<PI::CObject> all;
-        for (const Monitor& monitor : m_Monitors) {
-            const ObjectStore shown = monitor.look();
-            all.insert(all.end(), shown.objects().begin(), shown.objects().end());
-        }
-        return ObjectStore(std::move(all));
-    };
-    // A plug-in that may not be asked may still have drives with rows.
-    if (std::any_of(m_Monitors.begin(), m_Monitors.end(),
-                    [](const Monitor& monitor) { return monitor.ending() == Ending::NotYet; }))
-        return;
-    try {
-        m_Rows.cleanUp(look);
-    } catch (const Failure&) {
-        // The monitor has already reported it.
-    }
-}
-
-void Watched::lookAtControllers()
-{
-    // Where a plug-in was stuck, the program would be, too.
-    if (m_Looks && std::all_of(m_Monitors.begin(), m_Monitors.end(),
-                               [](const Monitor& monitor) { return monitor.ending() == Ending::ByItself; }))
-        m_Controllers = controllersNow();
-}
-
-ObjectStore Watched::objectsOf(const Monitor& monitor, std::vector<DriveAnswer> answers) const
-{
-    return ObjectStore(monitor.objects().objects(), m_Controllers, std::move(answers));
-}
-
-ObjectStore Watched::objects() const
-{
-    std::vector<PI::CObject> all;
-    for (const Monitor& monitor : m_Monitors) {
-        const std::vector<PI::CObject>& objects = monitor.objects().objects();
-        all.insert(all.end(), objects.begin(), objects.end());
-    }
-    return ObjectStore(std::move(all), m_Controllers, m_Drives->lastRound().m_Answers);
-}
 
 } // namespace Host::Cli

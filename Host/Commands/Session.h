@@ -2,10 +2,9 @@
 
 #include "Commands/CommandLine.h"
 #include "Plugins/HostSetup.h"
-#include "Plugins/KeptRows.h"
-#include "Plugins/Monitor.h"
 #include "Plugins/ObjectStore.h"
 #include "Plugins/PluginSet.h"
+#include "Plugins/Watched.h"
 #include "Terminal/Progress.h"
 #include "Terminal/Terminal.h"
 
@@ -14,7 +13,6 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include <filesystem>
-#include <list>
 #include <string>
 #include <vector>
 
@@ -46,6 +44,9 @@ public:
     {
         return keepsRows() ? m_Folders.m_Data : std::filesystem::path();
     }
+
+    /** What this command watches. */
+    WatchPlan watchPlan() const;
 
     /** Which drives answered in the last round. */
     std::vector<DriveAnswer> answers() const;
@@ -102,59 +103,6 @@ public:
 private:
     PluginSet m_Plugins;
     ObjectStore m_Objects;
-};
-
-/**
- * The plug-ins with running workers. Each has the numbers of its adapters. The destructor stops them at the
- * latest.
- */
-class Watched
-{
-public:
-    /**
-     * Loads the plug-ins and takes their inventory. The inventory is kept in the data folder. Throws
-     * `Failure`.
-     */
-    explicit Watched(const Session& session);
-
-    /** Starts the workers of the plug-ins. Call it once. Throws `Failure`. */
-    void start();
-
-    /** The monitors of the plug-ins that found drives. There is at least one. */
-    std::list<Monitor>& monitors() { return m_Monitors; }
-
-    /**
-     * Takes the pending events of `monitor`, which is one of `monitors()`. After that the rows of vanished
-     * objects are removed, too.
-     */
-    std::vector<PI::CEvent> collect(Monitor& monitor);
-
-    /** From now on no controller is looked at, because a drive that hangs could keep the program from ending.
-     */
-    void stopLooking() { m_Looks = false; }
-
-    /**
-     * Reports once when rows could not be written, because the plug-ins do not report that. Costs almost
-     * nothing.
-     */
-    void tellFailure() { m_Rows.tellFailure(); }
-
-    /** The objects that all plug-ins showed at the last look. */
-    ObjectStore objects() const;
-
-    /** What `monitor`, one of `monitors()`, showed at the last look. `answers` are those of its drives. */
-    ObjectStore objectsOf(const Monitor& monitor, std::vector<DriveAnswer> answers) const;
-
-private:
-    void cleanUp();
-    void lookAtControllers();
-
-    PluginSet m_Plugins;
-    std::list<Monitor> m_Monitors;
-    KeptRows m_Rows;
-    bool m_Looks = true;
-    std::vector<TLXX::CControllerState> m_Controllers; ///< of the last look
-    std::shared_ptr<ParallelDrives> m_Drives;
 };
 
 } // namespace Host::Cli

@@ -10,6 +10,7 @@
 #include "Facts/EndOfLife.h"
 #include "Facts/Explanation.h"
 #include "Facts/FactTable.h"
+#include "Facts/PropertySetting.h"
 #include "Facts/PropertyText.h"
 #include "Terminal/Captions.h"
 #include "Terminal/Paragraph.h"
@@ -23,13 +24,6 @@
 
 namespace Host::Cli {
 namespace {
-
-std::string withoutBlanks(std::string_view text)
-{
-    std::string result(text);
-    std::erase(result, ' ');
-    return result;
-}
 
 constexpr std::size_t MARGIN = 2;
 
@@ -155,31 +149,6 @@ std::string showText(const ObjectStore& store, const std::vector<const PI::CObje
                 propertiesText(store, *object, screen, MARGIN) + ownFactsText(store, *object, screen) +
                 explanationText(store, *object, screen);
     return text;
-}
-
-NamedProperty namedProperty(const std::vector<const PI::CObject*>& objects, std::string_view name)
-{
-    std::string known;
-    std::vector<std::string> captions;
-    std::optional<NamedProperty> empty;
-    for (const PI::CObject* object : objects)
-        for (const PI::CProperty& property : object->m_Properties) {
-            const std::string caption = captionText(property);
-            captions.push_back(caption);
-            known += "\n  " + std::to_string(property.Id()) + "  " + printable(caption);
-            if (!equalIgnoringCase(withoutBlanks(caption), withoutBlanks(name)) &&
-                std::to_string(property.Id()) != name)
-                continue;
-            const NamedProperty found = {*object, property};
-            if (!valueText(property).empty())
-                return found;
-            if (!empty)
-                empty.emplace(found);
-        }
-    if (empty)
-        return *empty;
-    throw Failure(ExitCode::WrongUsage, "There is no property \"" + printable(name) + "\" here." +
-                                            didYouMean(name, captions) + " These exist:" + known);
 }
 
 } // namespace Host::Cli

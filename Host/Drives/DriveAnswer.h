@@ -34,6 +34,8 @@ struct DriveRound
 {
     std::uint64_t m_Number = 0;         ///< counts from 1; 0: no round has ended yet
     std::vector<DriveAnswer> m_Answers; ///< in the order of the enumeration
+    std::uint64_t m_Duration = 0;       ///< milliseconds from the first command to the last answer
+    std::uint64_t m_Failures = 0;       ///< commands that failed or stayed out, in all rounds so far
 };
 
 } // namespace Host

@@ -165,6 +165,8 @@ void DriveRounds::take(TLXX::CDriveAnswer answer)
         return;
     Reply& reply = drive.m_Replies[answer.m_Command];
     reply = {answer.m_Status, std::move(answer.m_Block)};
+    if (reply.m_Status != 0)
+        ++m_Failures;
     if (answer.m_Command == IDENTIFY && reply.m_Status == 0)
         takeIdentify(drive, reply);
     if (answer.m_Command.m_Query == EQuery::VendorLog && reply.m_Status == 0)
@@ -260,6 +262,7 @@ void DriveRounds::lookAtTheClock()
     for (auto& [instance, drive] : m_Drives) {
         if (drive.m_State == State::Asked && now >= drive.m_Due) {
             drive.m_Left = 0;
+            m_Failures += drive.m_Owed;
             rest(drive);
         } else if (drive.m_State == State::Pausing && now >= drive.m_NextTry) {
             tryAgain(drive);

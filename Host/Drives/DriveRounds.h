@@ -57,6 +57,9 @@ public:
     /** Null for a drive that the last round did not have. */
     const DriveRecord* record(const std::string& instance) const;
 
+    /** How many commands failed or got no answer in time so far. */
+    std::uint64_t failures() const { return m_Failures; }
+
     /** From now on nothing here waits. Safe from any thread. */
     void stopWaiting();
     bool stopped() const { return m_Stopped; }
@@ -117,6 +120,7 @@ private:
     std::atomic<bool> m_Stopped = false;
     std::unordered_map<std::string, Drive> m_Drives; ///< by instance
     std::size_t m_Busy = 0;                          ///< drives that are not idle
+    std::uint64_t m_Failures = 0;
     std::uint64_t m_NextLook = 0; ///< nothing is due before, in milliseconds of `TLX::Misc::monotonic`
 };
 

@@ -1,5 +1,7 @@
 #include "Drives/ParallelDrives.h"
 
+#include <TLX/Clock.h>
+
 #include <atomic>
 #include <cstring>
 #include <exception>
@@ -70,7 +72,9 @@ std::vector<TLXX::CDeviceEntry> ParallelDrives::Enumerate(const TLXX::DeviceWalk
     drives.reserve(m_Disks.size());
     for (const Disk& disk : m_Disks)
         drives.push_back({disk.m_Entry.m_DeviceName, disk.m_Instance});
+    const std::uint64_t began = TLX::Misc::monotonic();
     m_Rounds.read(drives);
+    m_Duration = TLX::Misc::monotonic() - began;
     learnIdentities();
     if (!m_Rounds.stopped())
         publish(m_Published.m_Number + 1);
@@ -159,6 +163,8 @@ void ParallelDrives::publish(std::uint64_t number)
 {
     DriveRound round;
     round.m_Number = number;
+    round.m_Duration = m_Duration;
+    round.m_Failures = m_Rounds.failures();
     for (const Disk& disk : m_Disks)
         if (const DriveRecord* const record = m_Rounds.record(disk.m_Instance))
             round.m_Answers.push_back(answerOf(disk, *record));

@@ -106,6 +106,8 @@ private:
     std::unordered_map<std::string, std::string> m_Instances; ///< by path, of these disks
     std::unordered_map<std::string, Identity> m_Identities;   ///< by instance
 
+    std::uint64_t m_Duration = 0; ///< of the last round
+
     mutable std::mutex m_PublishedLock; ///< taken after m_Lock
     DriveRound m_Published;
 };

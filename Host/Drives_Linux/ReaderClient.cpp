@@ -177,9 +177,15 @@ bool ReaderClient::take(std::span<const std::uint8_t> packet)
     const std::uint32_t status = reply->m_Answer.m_Status;
     const std::size_t length =
         kind->first < ReaderCommand::firstLogPage ? TLXX::Linux::READER_BLOCK : PAGE_LENGTH;
-    if (status == 0 && reply->m_Data.size() != length)
+    if (reply->m_Data.size() > length)
         return false;
-    m_Answers.push_back({drive, kind->second, status, {reply->m_Data.begin(), reply->m_Data.end()}});
+    std::vector<std::uint8_t> block;
+    if (status == 0) {
+        block.reserve(length);
+        block.assign(reply->m_Data.begin(), reply->m_Data.end());
+        block.resize(length); // The zeros at its end do not travel.
+    }
+    m_Answers.push_back({drive, kind->second, status, std::move(block)});
     owed.erase(kind);
     if (owed.empty())
         m_Requests.erase(request);

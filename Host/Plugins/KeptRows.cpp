@@ -4,7 +4,6 @@
 
 #include <Database/Maintenance.h>
 #include <DatabaseORM/DatabaseException.h>
-#include <TLX/Clock.h>
 
 #include <optional>
 #include <utility>
@@ -12,8 +11,6 @@
 
 namespace Host {
 namespace {
-
-constexpr std::uint64_t HOUR = 3'600'000; ///< milliseconds
 
 /** Null when the object is no adapter. */
 const std::uint64_t* adapterNumber(const PI::CObject& object)
@@ -59,10 +56,8 @@ void KeptRows::cleanUp(const std::function<ObjectStore()>& look)
 
 void KeptRows::tellFailure()
 {
-    const std::uint64_t now = TLX::Misc::monotonic();
-    std::erase_if(m_Told, [now](const auto& told) { return now - told.second >= HOUR; });
     const std::optional<std::string> failure = takeDatabaseFailure();
-    if (failure && m_Told.insert_or_assign(*failure, now).second)
+    if (failure && m_Told.isNew(*failure))
         m_Warn("The rows of the drives may not have been kept: " + printable(*failure) + ".");
 }
 

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "Base/Repetition.h"
 #include "Base/Warn.h"
 #include "Plugins/ObjectStore.h"
 
-#include <cstdint>
 #include <functional>
-#include <map>
-#include <string>
 
 namespace Host {
 
@@ -28,7 +26,7 @@ public:
 
 private:
     Warn m_Warn;
-    std::map<std::string, std::uint64_t> m_Told; ///< when each failure was seen last, on the monotonic clock
+    Repetition m_Told;
 };
 
 } // namespace Host

@@ -1,6 +1,7 @@
 #include "Plugins/Monitor.h"
 
 #include "Base/Failure.h"
+#include "Base/Time.h"
 #include "Plugins/DataFolder.h"
 
 #include <algorithm>
@@ -38,6 +39,8 @@ std::vector<PI::CEvent> Monitor::collect()
     // read again.
     const std::uint64_t plugin = pluginObject().m_ID;
     std::vector<PI::CEvent> events = m_Plugin.collectEvents(plugin);
+    // The plug-in answers only after the cycle that it is in, and what this cycle signalled is read below.
+    notified().Reset();
     try {
         for (bool more = true; more;) {
             m_Objects = ObjectStore(m_Plugin.topology());
@@ -86,6 +89,16 @@ Ending Monitor::stop()
     m_Running = false;
     m_Ending = m_Plugin.deInitialize();
     return m_Ending;
+}
+
+std::uint64_t Monitor::pollInterval() const
+{
+    const PI::CProperty* property = findProperty(pluginObject(), PI::PROP_POLL_INTERVAL);
+    const auto* seconds =
+        property != nullptr ? std::get_if<PI::CBoundedValue>(&property->GetValue()) : nullptr;
+    return seconds != nullptr
+               ? static_cast<std::uint64_t>(std::max(seconds->m_Value, 0)) * MILLISECONDS_A_SECOND
+               : 0;
 }
 
 const PI::CObject& Monitor::pluginObject() const

@@ -8,6 +8,7 @@
 
 #include <PI/Event.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -58,6 +59,12 @@ public:
 
     /** The plug-in's own object in `objects()`. */
     const PI::CObject& pluginObject() const;
+
+    /** The plug-in's poll interval in milliseconds, or 0 when it does not show one. */
+    std::uint64_t pollInterval() const;
+
+    /** Why `objects()` is older than the last look. Empty when it is not. */
+    const std::string& complaint() const { return m_Complaint; }
 
     /**
      * Stops the plug-in. Pending events can still be collected, unless the worker has not ended. Then the

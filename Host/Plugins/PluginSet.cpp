@@ -1,6 +1,7 @@
 #include "Plugins/PluginSet.h"
 
 #include "Base/Failure.h"
+#include "Drives/DeviceAccess.h"
 
 #include <algorithm>
 #include <exception>
@@ -77,6 +78,16 @@ PluginLibrary& PluginSet::showing(std::uint64_t objectId)
     if (found == m_Plugins.end())
         throw Failure(ExitCode::RequestFailed, "No loaded plug-in has this object.");
     return *found;
+}
+
+std::vector<TLXX::CControllerState>
+beginInventory(PluginSet& plugins, const std::vector<std::filesystem::path>& files, const Warn& warn)
+{
+    for (const std::filesystem::path& file : files)
+        plugins.load(file);
+    std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
+    checkAccess(states, warn);
+    return states;
 }
 
 } // namespace Host

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Base/Warn.h"
 #include "Plugins/PluginLibrary.h"
 
 #include <PI/Object.h>
+#include <TLXX/Diagnosis.h>
 
 #include <cstdint>
 #include <deque>
@@ -46,5 +48,12 @@ private:
     std::deque<PluginLibrary> m_Plugins;
     std::vector<PluginLibrary*> m_Initialized;
 };
+
+/**
+ * Loads these plug-ins and warns of the devices that this user may not open. Returns what the system says of
+ * the controllers. Throws `Failure` as `PluginSet::load` does, and when this user may open no device.
+ */
+std::vector<TLXX::CControllerState>
+beginInventory(PluginSet& plugins, const std::vector<std::filesystem::path>& files, const Warn& warn);
 
 } // namespace Host

@@ -36,6 +36,12 @@ void Terminal::tell(const std::string& message)
     writeMessage(wipe() + "ostrel: " + printableLines(message) + '\n');
 }
 
+void Terminal::announce(const std::string& message)
+{
+    const std::scoped_lock guard(m_Lock);
+    writeMessage(wipe() + printableLines(message) + '\n');
+}
+
 void Terminal::showProgress(const std::string& text)
 {
     if (!m_MessagesOnTerminal)

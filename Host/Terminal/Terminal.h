@@ -31,6 +31,9 @@ public:
     /** Prints whole sentences for the administrator. A message that cannot be written is lost. */
     void tell(const std::string& message);
 
+    /** Prints a line for the administrator that is no complaint, without the program's name. */
+    void announce(const std::string& message);
+
     /** Prints results above the status. Throws like `Output::write`. */
     void print(const std::string& text);
 

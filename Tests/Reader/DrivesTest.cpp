@@ -64,6 +64,34 @@ TEST_F(ReaderDrives, AnswerWhoeverAsked)
     EXPECT_EQ(answers[1].m_Answer.m_Block->at(2), 8);
 }
 
+TEST_F(ReaderDrives, TellOnceWhatCameTogether)
+{
+    m_Fake->hang(3);
+    m_Drives.ask({identification(3), {{3, 1}, ReaderCommand::firstLogPage, 0, 0, 16}}, {1, 1});
+    m_Fake->await(3, 1);
+    m_Fake->answerAgain();
+    m_Ready.acquire();
+    EXPECT_EQ(m_Drives.take().size(), 2U) << "the first answer alone is not announced";
+    EXPECT_FALSE(m_Ready.try_acquire());
+    EXPECT_FALSE(m_Drives.mayHaveMore());
+}
+
+TEST_F(ReaderDrives, TellAnAnswerBeforeAnotherCommandThatHangs)
+{
+    m_Fake->hang(3);
+    m_Drives.ask({identification(3), {{3, 1}, ReaderCommand::firstLogPage, 0, 0, 16}}, {1, 1});
+    m_Fake->await(3, 1);
+    EXPECT_TRUE(m_Drives.mayHaveMore());
+    m_Drives.hurry();
+    EXPECT_FALSE(m_Drives.mayHaveMore()) << "the next answer is announced";
+    m_Fake->answerOnce(3);
+    m_Ready.acquire();
+    EXPECT_EQ(m_Drives.take().size(), 1U);
+    EXPECT_TRUE(m_Drives.mayHaveMore()) << "the drive is quick again";
+    m_Fake->answerAgain();
+    EXPECT_EQ(Take(1).size(), 1U);
+}
+
 TEST_F(ReaderDrives, AnswerFromMemoryForASecond)
 {
     m_Drives.ask({identification(3)}, {1, 1});

@@ -34,6 +34,16 @@ public:
         m_Hanging.insert(controller);
     }
 
+    /** Lets one command to this controller return. The next one hangs again. */
+    void answerOnce(std::uint32_t controller)
+    {
+        {
+            const std::scoped_lock guard(m_Lock);
+            ++m_Released[controller];
+        }
+        m_Change.notify_all();
+    }
+
     void answerAgain()
     {
         {
@@ -102,7 +112,7 @@ private:
         const std::size_t count = ++m_Commands[number];
         m_Most = std::max(m_Most, ++m_Now[number]);
         m_Change.notify_all();
-        m_Change.wait(lock, [&] { return !m_Hanging.contains(number); });
+        m_Change.wait(lock, [&] { return !m_Hanging.contains(number) || m_Released[number] >= count; });
         --m_Now[number];
         if (m_Failing[number] != 0)
             return m_Failing[number];
@@ -116,6 +126,7 @@ private:
     std::mutex m_Lock;
     std::condition_variable m_Change;
     std::set<std::uint32_t> m_Hanging;
+    std::map<std::uint32_t, std::size_t> m_Released; ///< commands that return although their controller hangs
     std::map<std::uint32_t, std::uint32_t> m_Failing;
     std::map<std::uint32_t, std::size_t> m_Commands;
     std::map<std::uint32_t, std::size_t> m_Now;

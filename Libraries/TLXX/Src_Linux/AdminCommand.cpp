@@ -58,26 +58,21 @@ std::uint32_t read(const CFileDescriptor& node, nvme_admin_cmd command, ELength 
 {
     if (block.size() > LARGEST_BLOCK)
         throw std::length_error("a block is larger than a command may transfer");
-    alignas(std::uint64_t) std::array<std::uint8_t, LARGEST_BLOCK> buffer; // NOLINT(*-member-init)
-    const std::span<std::uint8_t> data = std::span(buffer).first(block.size());
-    std::fill(data.begin(), data.end(), std::uint8_t{0});
-    const bool marked = length == ELength::exact && data.size() >= NOT_TRANSFERRED.size();
-    const std::span<std::uint8_t> tail = data.last(marked ? NOT_TRANSFERRED.size() : 0);
+    const bool marked = length == ELength::exact && block.size() >= NOT_TRANSFERRED.size();
+    const std::span<std::uint8_t> tail = block.last(marked ? NOT_TRANSFERRED.size() : 0);
     // The kernel reports no length. It lets the drive write into this memory itself, so a mark that is still
     // at the end shows that the drive stopped before it. When the kernel has to copy instead, this cannot be
     // seen.
     std::copy_n(NOT_TRANSFERRED.begin(), tail.size(), tail.begin());
 
-    command.addr = reinterpret_cast<std::uintptr_t>(data.data());
-    command.data_len = static_cast<std::uint32_t>(data.size());
+    command.addr = reinterpret_cast<std::uintptr_t>(block.data());
+    command.data_len = static_cast<std::uint32_t>(block.size());
     command.timeout_ms = TIMEOUT_MS;
     const std::uint32_t status = send(node, command);
     if (status != STATUS_SUCCESS)
         return status;
-    if (marked && std::equal(tail.begin(), tail.end(), NOT_TRANSFERRED.begin()))
-        return STATUS_SHORT_TRANSFER;
-    std::copy(data.begin(), data.end(), block.begin());
-    return STATUS_SUCCESS;
+    return marked && std::equal(tail.begin(), tail.end(), NOT_TRANSFERRED.begin()) ? STATUS_SHORT_TRANSFER
+                                                                                   : STATUS_SUCCESS;
 }
 
 } // namespace

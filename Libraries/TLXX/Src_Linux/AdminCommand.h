@@ -7,9 +7,9 @@
 #include <span>
 
 // The two admin commands that are ever sent to a controller. Each blocks until the controller has answered,
-// or the kernel has given it up, and returns a status as the queries of `NvmeQuery.h` do. A failed command
-// leaves the block as it was. No block is larger than `LARGEST_BLOCK` bytes; a larger one throws
-// `std::length_error`.
+// or the kernel has given it up, and returns a status as the queries of `NvmeQuery.h` do. The controller
+// writes to the block itself, so the block must have zeros before, and is worth nothing after a failure. No
+// block is larger than `LARGEST_BLOCK` bytes; a larger one throws `std::length_error`.
 namespace TLXX::Linux {
 
 inline constexpr std::size_t LARGEST_BLOCK = 4096;

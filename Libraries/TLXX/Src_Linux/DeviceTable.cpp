@@ -4,6 +4,7 @@
 #include "Platform.h"
 
 #include <TLXX/Linux/Sysfs.h>
+#include <TLXX/NvmeQuery.h>
 
 #include <utility>
 
@@ -23,6 +24,12 @@ std::filesystem::path CDeviceTable::Root() const
 {
     const std::scoped_lock guard(m_Lock);
     return m_Root;
+}
+
+std::string CDeviceTable::NodeOf(std::uint32_t instance) const
+{
+    const std::scoped_lock guard(m_Lock);
+    return m_Root.native() + "/class/nvme/nvme" + std::to_string(instance);
 }
 
 void CDeviceTable::SetRoot(std::filesystem::path root)
@@ -143,11 +150,15 @@ CDeviceTable& deviceTable()
     return *instance;
 }
 
-bool controllerExists(std::uint32_t instance, std::uint64_t node)
+CFileDescriptor openController(std::uint32_t instance, std::uint64_t node)
 {
-    const std::filesystem::path link = sysfsRoot() / "class" / "nvme" / ("nvme" + std::to_string(instance));
+    CFileDescriptor controller(controllerNode(instance).c_str());
+    // While its node in sysfs exists, no other controller has this name. So the controller that was opened is
+    // this one if the node still exists now. What is open belongs to one controller for good.
     struct stat status = {};
-    return ::lstat(link.c_str(), &status) == 0 && status.st_ino == node;
+    const bool isThere =
+        ::lstat(deviceTable().NodeOf(instance).c_str(), &status) == 0 && status.st_ino == node;
+    return isThere ? std::move(controller) : CFileDescriptor::Failed(static_cast<int>(STATUS_NO_DEVICE));
 }
 
 std::filesystem::path sysfsRoot()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FileDescriptor.h"
 #include "NvmeNames.h"
 
 #include <TLXX/DeviceBackend.h>
@@ -21,6 +22,8 @@ class CDeviceTable
 {
 public:
     std::filesystem::path Root() const;
+    /** The path of a controller's node in sysfs. */
+    std::string NodeOf(std::uint32_t instance) const;
     /** Forgets what was found below the former root. */
     void SetRoot(std::filesystem::path root);
 
@@ -60,7 +63,10 @@ private:
 /** The table of this process. */
 CDeviceTable& deviceTable();
 
-/** Whether sysfs still has the controller of this number with this node. */
-bool controllerExists(std::uint32_t instance, std::uint64_t node);
+/**
+ * Opens the controller of this number. `STATUS_NO_DEVICE` when its node in sysfs has not the number `node`,
+ * because then another controller may have been opened.
+ */
+CFileDescriptor openController(std::uint32_t instance, std::uint64_t node);
 
 } // namespace TLXX::Linux

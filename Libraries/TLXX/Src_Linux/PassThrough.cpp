@@ -3,6 +3,8 @@
 #include "Disk.h"
 #include "NvmeStatus.h"
 
+#include <TLXX/NvmeQuery.h>
+
 #include <cerrno>
 #include <span>
 #include <type_traits>
@@ -19,29 +21,37 @@ std::span<std::uint8_t> bytesOf(Block& block)
     return {reinterpret_cast<std::uint8_t*>(&block), sizeof block};
 }
 
+/** Lets `send` fill a block. A command that fails leaves `target` as it was. */
+template<typename Block, typename Send>
+std::uint32_t fill(Block& target, Send send)
+{
+    alignas(std::uint64_t) Block fresh{};
+    const std::uint32_t status = send(bytesOf(fresh));
+    if (status == STATUS_SUCCESS)
+        target = fresh;
+    return status;
+}
+
 template<typename Block>
 std::uint32_t identify(const Linux::CFileDescriptor& node, Linux::EIdentify structure,
                        std::uint32_t namespaceId, Block& target)
 {
-    const std::uint32_t status = Linux::sendIdentify(node, structure, namespaceId, bytesOf(target));
+    const std::uint32_t status = fill(target, [&](std::span<std::uint8_t> block) {
+        return Linux::sendIdentify(node, structure, namespaceId, block);
+    });
     // The path may now lead to another disk than the one of the last enumeration.
     if (status != STATUS_SUCCESS)
         Linux::deviceTable().LookAnew();
     return status;
 }
 
-/** Opens the controller's node. Refuses another controller that has taken its name. */
 Linux::CFileDescriptor openOwner(const std::optional<Linux::CDiskOwner>& owner)
 {
     if (!owner)
         return Linux::CFileDescriptor::Failed(ENODEV);
-    Linux::CFileDescriptor node(Linux::controllerNode(owner->m_Instance).c_str());
-    // While its sysfs node exists, no other controller has this name. So the controller that was opened is
-    // this one if the node still exists now.
-    if (node.Status() == STATUS_SUCCESS && !Linux::controllerExists(owner->m_Instance, owner->m_Node)) {
+    Linux::CFileDescriptor node = Linux::openController(owner->m_Instance, owner->m_Node);
+    if (node.Status() == STATUS_NO_DEVICE)
         Linux::deviceTable().LookAnew();
-        return Linux::CFileDescriptor::Failed(ENODEV);
-    }
     return node;
 }
 
@@ -67,12 +77,16 @@ std::uint32_t Platform::CDisk::IdentifyNamespace(NVME_IDENTIFY_NAMESPACE& name_s
 
 std::uint32_t Platform::CDisk::SmartHealthLog(NVME_SMART_HEALTH_INFORMATION_LOG& log)
 {
-    return Linux::sendGetLogPage(m_Node, LOG_HEALTH, 0, Linux::ELength::exact, bytesOf(log));
+    return fill(log, [&](std::span<std::uint8_t> block) {
+        return Linux::sendGetLogPage(m_Node, LOG_HEALTH, 0, Linux::ELength::exact, block);
+    });
 }
 
 std::uint32_t Platform::CDisk::VendorLogPage(std::uint8_t logIdentifier, TLXX::VendorLogPage& page)
 {
-    return Linux::sendGetLogPage(m_Node, logIdentifier, 0, Linux::ELength::atMost, page);
+    return fill(page, [&](std::span<std::uint8_t> block) {
+        return Linux::sendGetLogPage(m_Node, logIdentifier, 0, Linux::ELength::atMost, block);
+    });
 }
 
 } // namespace TLXX

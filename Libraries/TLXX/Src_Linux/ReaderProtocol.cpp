@@ -85,6 +85,18 @@ std::array<std::uint8_t, sizeof(CReaderRequest)> readerPacket(const CReaderReque
     return bytesOf(request);
 }
 
+std::size_t readerDataLength(std::span<const std::uint8_t> block)
+{
+    constexpr std::array<std::uint8_t, 32> zeros{};
+    // Most blocks end with hundreds of zeros.
+    while (block.size() >= zeros.size() &&
+           std::memcmp(block.last(zeros.size()).data(), zeros.data(), zeros.size()) == 0)
+        block = block.first(block.size() - zeros.size());
+    while (!block.empty() && block.back() == 0)
+        block = block.first(block.size() - 1);
+    return block.size();
+}
+
 std::array<std::uint8_t, sizeof(CReaderAnswer)> readerPacket(const CReaderAnswer& answer)
 {
     return bytesOf(answer);

@@ -44,7 +44,7 @@ TEST(WatchedTest, LooksAtNoDriveAfterAPluginWasEndedByForce)
     TestSupport::CVirtualClock clock;
     {
         const Session session(options, terminal);
-        Watched watched(session);
+        Host::Watched watched(session.watchPlan());
         watched.start();
         Host::Monitor& monitor = watched.monitors().front();
         int looks = backend->m_Looks;

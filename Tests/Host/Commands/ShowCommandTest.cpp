@@ -1,6 +1,7 @@
 #include "Commands/ShowCommand.h"
 
 #include "Base/Failure.h"
+#include "Facts/PropertySetting.h"
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 #include "Plugins/ObjectStore.h"

@@ -193,12 +193,25 @@ TEST_F(ReaderClientTest, ConnectsAgainWithGrowingPatience)
     EXPECT_NE(Request().m_Protocol, 0U) << "after an answer the patience is small again";
 }
 
+TEST_F(ReaderClientTest, AddsTheZerosAtTheEndOfABlock)
+{
+    for (const std::size_t sent : {0U, 1U, 200U, 511U}) {
+        m_Client.Submit(drive(3), {HEALTH});
+        Answer({Request().m_Sequence, HEALTH_BIT, 0, static_cast<std::uint32_t>(sent), 0}, sent, 7);
+        const auto answer = m_Client.Wait(0);
+        ASSERT_TRUE(answer);
+        std::vector<std::uint8_t> expected(sent, 7);
+        expected.resize(512);
+        EXPECT_EQ(answer->m_Block, expected);
+    }
+}
+
 TEST_F(ReaderClientTest, TrustsNoReaderThatAnswersWhatNobodyAsked)
 {
     const std::vector<std::pair<CReaderAnswer, std::size_t>> wrong = {
         {{1000, HEALTH_BIT, 0, 512, 0}, 512}, // another sequence
         {{0, 1, 0, 4096, 0}, 4096},           // another command
-        {{0, HEALTH_BIT, 0, 508, 0}, 508},    // another length
+        {{0, HEALTH_BIT, 0, 516, 0}, 516},    // more than was asked for
         {{0, HEALTH_BIT, 0, 512, 0}, 511},    // damaged
         {{0, 0, EINVAL, 0, 0}, 0},            // a refusal
     };

@@ -259,7 +259,7 @@ TEST(PassThroughPathTest, AnotherControllerOfTheSameNameIsNotAsked)
     tree.Rename("nvme0", "former");
     tree.Controller(0, "0000:01:00.0");
     kernel.Provide("/dev/nvme0");
-    EXPECT_EQ(identifyOn("/dev/nvme0n1"), static_cast<std::uint32_t>(ENODEV));
+    EXPECT_EQ(identifyOn("/dev/nvme0n1"), TLXX::STATUS_NO_DEVICE);
     EXPECT_EQ(kernel.StillOpen(), 0);
 
     ASSERT_EQ(TLXX::Linux::enumerateDevices().size(), 1U);

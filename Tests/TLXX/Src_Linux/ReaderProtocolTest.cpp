@@ -44,7 +44,7 @@ bool isTakenWith(const std::function<void(CReaderRequest&)>& change)
 
 TEST(ReaderProtocol, HasAFixedLayout)
 {
-    const Bytes expected = {0x31, 0x52, 0x52, 0x4F, 3,    0,    0,    0,    0x67, 0x12, 0,  0, 0, 0,
+    const Bytes expected = {0x32, 0x52, 0x52, 0x4F, 3,    0,    0,    0,    0x67, 0x12, 0,  0, 0, 0,
                             0,    0,    0x88, 0x77, 0x66, 0x55, 0x44, 0x33, 0x22, 0x11, 11, 0, 0, 0,
                             1,    0,    0,    0,    0,    0,    0,    0,    0,    2,    0,  0};
     const auto packet = readerPacket(usual());
@@ -147,7 +147,7 @@ TEST(ReaderProtocol, FindsTheSequenceOfWhatItRefuses)
 /** What the rules say, written again without their code. */
 bool isAllowed(const CReaderRequest& request)
 {
-    if (request.m_Protocol != 0x4F525231 || request.m_Commands < 1 || request.m_Commands > 0x7FF)
+    if (request.m_Protocol != 0x4F525232 || request.m_Commands < 1 || request.m_Commands > 0x7FF)
         return false;
     if ((request.m_Commands & 2U) != 0 ? request.m_NamespaceId == 0 || request.m_NamespaceId == UINT32_MAX
                                        : request.m_NamespaceId != 0)
@@ -214,6 +214,19 @@ TEST(ReaderProtocol, FindsDamageInReplies)
     EXPECT_FALSE(parseReaderReply(replyPacket({77, 3, 0, 512, 0}, 512))) << "two commands";
     EXPECT_FALSE(parseReaderReply(replyPacket({77, 0x800, 0, 512, 0}, 512)));
     EXPECT_FALSE(parseReaderReply(replyPacket({77, 0, 0, 0, 0}, 0))) << "a refusal without a reason";
+}
+
+TEST(ReaderProtocol, SendsNoZerosAtTheEndOfABlock)
+{
+    for (const std::size_t size : {0U, 1U, 31U, 32U, 33U, 512U, 4096U}) {
+        Bytes block(size);
+        EXPECT_EQ(readerDataLength(block), 0U) << size;
+        for (std::size_t last = 0; last < size; ++last) {
+            block[last] = 1;
+            ASSERT_EQ(readerDataLength(block), last + 1) << size;
+            block[last] = 0;
+        }
+    }
 }
 
 TEST(ReaderProtocol, KnowsHowLongEachAnswerIs)

@@ -15,8 +15,8 @@ inline constexpr std::uint32_t CONTROLLER_IOCTL = 0xC0484E41;
  * A controller that is known by numbers alone, open for commands that read. After it has gone each command
  * fails, even when another controller has its name by then. For use by one thread.
  *
- * The commands return a status as the queries of `NvmeQuery.h` do. After a failed one the block has
- * none of the drive's data, or zeros.
+ * The commands return a status as the queries of `NvmeQuery.h` do. The block must have zeros before one, and
+ * is worth nothing after one that failed.
  */
 class TLXX_EXPORT CControllerNode
 {

@@ -14,7 +14,7 @@
 namespace TLXX::Linux {
 
 /** The first word of a request. Another layout gets another word. */
-inline constexpr std::uint32_t READER_PROTOCOL = 0x4F525231;
+inline constexpr std::uint32_t READER_PROTOCOL = 0x4F525232;
 
 /** The size of an answer of Identify, and the most that one command transfers. */
 inline constexpr std::uint32_t READER_BLOCK = 4096;
@@ -48,7 +48,7 @@ struct CReaderRequest
 };
 static_assert(sizeof(CReaderRequest) == 40 && alignof(CReaderRequest) == 8);
 
-/** What became of one command. Its data follows in the same packet. */
+/** What became of one command. Its data follows in the same packet, without the zeros at its end. */
 struct CReaderAnswer
 {
     std::uint64_t m_Sequence = 0;
@@ -79,6 +79,9 @@ TLXX_EXPORT std::uint64_t readerSequence(std::span<const std::uint8_t> packet);
 
 /** The packet of a request. */
 TLXX_EXPORT std::array<std::uint8_t, sizeof(CReaderRequest)> readerPacket(const CReaderRequest& request);
+
+/** How much of `block` goes into a packet: all but the zeros at its end. */
+TLXX_EXPORT std::size_t readerDataLength(std::span<const std::uint8_t> block);
 
 /** The head of an answer's packet. */
 TLXX_EXPORT std::array<std::uint8_t, sizeof(CReaderAnswer)> readerPacket(const CReaderAnswer& answer);

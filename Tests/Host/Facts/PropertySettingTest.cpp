@@ -1,4 +1,4 @@
-#include "Commands/SetCommand.h"
+#include "Facts/PropertySetting.h"
 
 #include "Base/Failure.h"
 #include "Host/Built.h"
@@ -13,7 +13,7 @@ using testing::AllOf;
 using testing::HasSubstr;
 
 /** Sets properties of the real plug-in. */
-class SetCommandTest : public testing::Test
+class PropertySettingTest : public testing::Test
 {
 protected:
     const PI::CProperty& property(std::size_t object, std::uint32_t id) const
@@ -54,7 +54,7 @@ protected:
     const std::vector<PI::CObject> m_Objects = topology();
 };
 
-TEST_F(SetCommandTest, SetsThePollIntervalAndKeepsItInTheSettings)
+TEST_F(PropertySettingTest, SetsThePollIntervalAndKeepsItInTheSettings)
 {
     m_Folder.Write("Ostrel.ini", "; ours\nOther=1\nPollInterval=5\n");
     const PI::CProperty after = set(0, PI::PROP_POLL_INTERVAL, "60");
@@ -63,7 +63,7 @@ TEST_F(SetCommandTest, SetsThePollIntervalAndKeepsItInTheSettings)
     EXPECT_EQ(Host::Cli::setText(after, "60"), "Poll interval is now 60 s.\n");
 }
 
-TEST_F(SetCommandTest, SaysWhenAValueWasLimited)
+TEST_F(PropertySettingTest, SaysWhenAValueWasLimited)
 {
     for (const auto& [asked, got] :
          {std::pair("1", "2"), {"300", "255"}, {"-5", "2"}, {"99999999999", "255"}, {"-99999999999", "2"}}) {
@@ -74,7 +74,7 @@ TEST_F(SetCommandTest, SaysWhenAValueWasLimited)
     }
 }
 
-TEST_F(SetCommandTest, WhatIsNoNumberIsWrongUsage)
+TEST_F(PropertySettingTest, WhatIsNoNumberIsWrongUsage)
 {
     for (const char* value : {"", "x", "60s", "6.5", " 60", "99999999999x"}) {
         const Host::Failure failure = failureOf(0, PI::PROP_POLL_INTERVAL, value);
@@ -85,7 +85,7 @@ TEST_F(SetCommandTest, WhatIsNoNumberIsWrongUsage)
     EXPECT_EQ(m_Folder.Read("Ostrel.ini"), "");
 }
 
-TEST_F(SetCommandTest, NoOtherPropertyCanBeSet)
+TEST_F(PropertySettingTest, NoOtherPropertyCanBeSet)
 {
     const std::uint32_t own[] = {PI::PROP_NAME, PI::PROP_VERSION};
     for (const std::uint32_t id : own)
@@ -103,7 +103,7 @@ TEST_F(SetCommandTest, NoOtherPropertyCanBeSet)
                       HasSubstr(" refused request 7 (SetProperty) with 20004 ERR_PROPERTY_NOT_SETTABLE.")));
 }
 
-TEST_F(SetCommandTest, SaysWhenTheSettingsCannotBeWritten)
+TEST_F(PropertySettingTest, SaysWhenTheSettingsCannotBeWritten)
 {
     std::filesystem::create_directories(m_Folder.Path() / "Ostrel.ini" / "full");
     const Host::Failure failure = failureOf(0, PI::PROP_POLL_INTERVAL, "60");
@@ -113,7 +113,7 @@ TEST_F(SetCommandTest, SaysWhenTheSettingsCannotBeWritten)
                                           " cannot be written: it is no file. The plug-in "));
 }
 
-TEST_F(SetCommandTest, SaysWhenTheSettingsAreTornOrTheirFolderIsMissing)
+TEST_F(PropertySettingTest, SaysWhenTheSettingsAreTornOrTheirFolderIsMissing)
 {
     m_Folder.Write("Ostrel.ini", std::string("PollInterval=45\n\0", 17));
     EXPECT_THAT(failureOf(0, PI::PROP_POLL_INTERVAL, "60").what(), HasSubstr("it contains zero bytes"));
@@ -124,7 +124,7 @@ TEST_F(SetCommandTest, SaysWhenTheSettingsAreTornOrTheirFolderIsMissing)
     EXPECT_THAT(said, HasSubstr(". The plug-in "));
 }
 
-TEST_F(SetCommandTest, SaysNothingOfTheSettingsWhenThePropertyIsTheReason)
+TEST_F(PropertySettingTest, SaysNothingOfTheSettingsWhenThePropertyIsTheReason)
 {
     std::filesystem::create_directories(m_Folder.Path() / "Ostrel.ini" / "full");
     EXPECT_THAT(failureOf(0, PI::PROP_NAME, "x").what(), Not(HasSubstr("cannot be written")));

@@ -1,0 +1,127 @@
+#include "Plugins/Watched.h"
+
+#include "Base/Failure.h"
+#include "Plugins/DataFolder.h"
+
+#include <Database/Maintenance.h>
+#include <DatabaseORM/DatabaseException.h>
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+namespace Host {
+namespace {
+
+/** Empty when the system cannot tell now. Events must not be lost because an address is unknown. */
+std::vector<TLXX::CControllerState> controllersNow()
+{
+    try {
+        return TLXX::controllerStates();
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+/** Nothing when the database cannot be used. */
+std::optional<std::int64_t> changesNow()
+{
+    try {
+        return countDatabaseChanges();
+    } catch (const DBEXCEPTION::DatabaseException&) {
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+Watched::Watched(const WatchPlan& plan) : m_Drives(plan.m_Drives), m_Rows(plan.m_Warn)
+{
+    (void)beginInventory(m_Plugins, plan.m_Plugins, plan.m_Warn);
+    for (EquippedPlugin& plugin : m_Plugins.initialize())
+        m_Monitors.emplace_back(std::move(plugin), plan.m_Data, plan.m_Warn);
+    cleanUp();
+    lookAtControllers();
+    keepAdapterNumbers(plan.m_Data, plan.m_Warn);
+}
+
+void Watched::start()
+{
+    for (Monitor& monitor : m_Monitors)
+        monitor.start();
+}
+
+std::vector<PI::CEvent> Watched::collect(Monitor& monitor)
+{
+    std::vector<PI::CEvent> events = monitor.collect();
+    cleanUp();
+    lookAtControllers();
+    return events;
+}
+
+void Watched::refresh()
+{
+    const std::optional<std::int64_t> changes = changesNow();
+    bool anyEvent = false;
+    for (Monitor& monitor : m_Monitors)
+        anyEvent = !monitor.collect().empty() || anyEvent;
+    if (anyEvent || !changes || changes != std::exchange(m_Changes, changes))
+        cleanUp();
+    else
+        tellFailure();
+    lookAtControllers();
+}
+
+void Watched::cleanUp()
+{
+    const auto look = [this] {
+        std::vector<PI::CObject> all;
+        for (const Monitor& monitor : m_Monitors) {
+            const ObjectStore shown = monitor.look();
+            all.insert(all.end(), shown.objects().begin(), shown.objects().end());
+        }
+        return ObjectStore(std::move(all));
+    };
+    // A plug-in that may not be asked may still have drives with rows.
+    if (std::any_of(m_Monitors.begin(), m_Monitors.end(),
+                    [](const Monitor& monitor) { return monitor.ending() == Ending::NotYet; }))
+        return;
+    try {
+        m_Rows.cleanUp(look);
+    } catch (const Failure&) {
+        // The monitor has already reported it.
+    }
+}
+
+void Watched::lookAtControllers()
+{
+    // Where a plug-in was stuck, the program would be, too.
+    if (m_Looks && std::all_of(m_Monitors.begin(), m_Monitors.end(),
+                               [](const Monitor& monitor) { return monitor.ending() == Ending::ByItself; }))
+        m_Controllers = controllersNow();
+}
+
+std::string Watched::complaint() const
+{
+    for (const Monitor& monitor : m_Monitors)
+        if (!monitor.complaint().empty())
+            return monitor.complaint();
+    return {};
+}
+
+ObjectStore Watched::objectsOf(const Monitor& monitor, std::vector<DriveAnswer> answers) const
+{
+    return ObjectStore(monitor.objects().objects(), m_Controllers, std::move(answers));
+}
+
+ObjectStore Watched::objects(std::vector<DriveAnswer> answers) const
+{
+    std::vector<PI::CObject> all;
+    for (const Monitor& monitor : m_Monitors) {
+        const std::vector<PI::CObject>& objects = monitor.objects().objects();
+        all.insert(all.end(), objects.begin(), objects.end());
+    }
+    return ObjectStore(std::move(all), m_Controllers, std::move(answers));
+}
+
+} // namespace Host
