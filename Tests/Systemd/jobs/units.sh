@@ -51,9 +51,9 @@ states killed $units
 # The service sees what comes and goes, and goes on after a crash.
 restricted ostrel.service
 event pull
-told '"id":11094.*"PLAIN"'
+told '"drive-removed".*"PLAIN"'
 event plug
-told '"id":11093.*"PLAIN"'
+told '"drive-added".*"PLAIN"'
 kept drives asked /api/v1/drives
 kill -KILL "$(property ostrel.service MainPID)"
 restarted
