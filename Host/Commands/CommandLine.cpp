@@ -46,6 +46,13 @@ std::string refuseBadSeconds(const std::string& text)
     return parseSeconds(text) ? std::string() : "\"" + text + "\" is not a number from 0 to 4294967295";
 }
 
+std::string refuseBadEndpoint(const std::string& text)
+{
+    return Service::parseEndpoint(text)
+               ? std::string()
+               : "\"" + text + "\" is not of the form ADDRESS:PORT, such as 127.0.0.1:9713 or [::1]:9713";
+}
+
 /** The parser and the options that it fills. */
 class Parser
 {
@@ -269,6 +276,7 @@ private:
             ->option_text(" ");
         addCommand(Command::Doctor, "doctor", "Check what can be seen here, and say what is wrong",
                    DOCTOR_FOOTER);
+        addServeCommand();
     }
 
     void addSetCommand()
@@ -281,6 +289,25 @@ private:
             ->required()
             ->option_text(" ");
         set->add_option("VALUE", m_Options.m_Value, "The new value")->required()->option_text(" ");
+    }
+
+    void addServeCommand()
+    {
+        CLI::App* serve = addCommand(Command::Serve, "serve",
+                                     "Run the service that watches, tells and answers", SERVE_FOOTER);
+        serve
+            ->add_option_function<std::string>(
+                "--listen",
+                [this](const std::string& text) { m_Options.m_Listen = Service::parseEndpoint(text); },
+                "Answer HTTP at this address instead of the one in the settings")
+            ->option_text("ADDRESS:PORT")
+            ->check(refuseBadEndpoint);
+        serve
+            ->add_option_function<std::string>(
+                "--settings", [this](const std::string& text) { m_Options.m_Settings = pathFromUtf8(text); },
+                "Read the settings from this file instead of serve.ini in the data folder")
+            ->option_text("FILE")
+            ->check(refuseNoPath);
     }
 
     void addWatchCommand()
@@ -407,8 +434,8 @@ std::optional<std::uint32_t> parseMask(std::string_view text)
 bool keepsRows(const Options& options)
 {
     // "set" only writes settings. Rows of simulated drives must not be mixed with those of the machine.
-    return options.m_Command != Command::Set &&
-           (options.m_Data || (options.m_Command == Command::Watch && !options.m_Fleet));
+    return options.m_Command != Command::Set && (options.m_Data || options.m_Command == Command::Serve ||
+                                                 (options.m_Command == Command::Watch && !options.m_Fleet));
 }
 
 bool addTraceMask(std::string_view text, TraceOptions& trace)

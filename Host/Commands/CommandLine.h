@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Plugins/HostSetup.h"
+#include "Service/Settings.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -21,6 +22,7 @@ enum class Command
     Watch,
     Check,
     Doctor,
+    Serve,
 };
 
 struct Options
@@ -32,15 +34,17 @@ struct Options
     std::optional<std::filesystem::path> m_Reader;
     TraceOptions m_Trace;
     bool m_Json = false;
-    std::string m_Object;                   ///< of `show`, `set` and `check`; empty: every drive
-    std::optional<std::string> m_Property;  ///< of `show` and `set`
-    std::string m_Value;                    ///< of `set`
-    std::optional<std::uint32_t> m_Seconds; ///< of `watch`
+    std::string m_Object;                            ///< of `show`, `set` and `check`; empty: every drive
+    std::optional<std::string> m_Property;           ///< of `show` and `set`
+    std::string m_Value;                             ///< of `set`
+    std::optional<std::uint32_t> m_Seconds;          ///< of `watch`
+    std::optional<Service::Endpoint> m_Listen;       ///< of `serve`
+    std::optional<std::filesystem::path> m_Settings; ///< of `serve`
 };
 
 /**
- * Whether a command keeps rows in the data folder. `watch` of real drives does, and every command but `set`
- * that was given a folder.
+ * Whether a command keeps rows in the data folder. `serve` does, `watch` of real drives does, and every
+ * command but `set` that was given a folder.
  */
 bool keepsRows(const Options& options);
 

@@ -100,6 +100,20 @@ Examples:
   sudo ostrel doctor
   ostrel doctor --simulate fleet.json)";
 
+inline constexpr char SERVE_FOOTER[] =
+    R"(Watches the drives for as long as it runs, keeps a journal of what changes, and
+answers over HTTP: a status page, /metrics and /api/v1. Answers come from memory
+and never wait for a drive. A machine without drives is watched, too. Ends with
+Ctrl+C or a termination signal. SIGHUP makes it read its settings again.
+Journal, database, adapter numbers and settings are in the data folder
+(--data DIR, otherwise the system's folder). One process keeps a folder. For a
+simulated fleet without --data, that folder is removed at the end.
+The options of "ostrel --help" may be given, too.
+
+Examples:
+  sudo ostrel serve
+  ostrel serve --listen 127.0.0.1:0 --simulate fleet.json)";
+
 /** Further sentences about an option for the manual, one in each line. */
 struct OptionDetails
 {
@@ -127,6 +141,10 @@ inline constexpr OptionDetails OPTION_DETAILS[] = {
                      "Three older files are kept.\n"},
     {"--help", "After a command, this prints the help of that command.\n"},
     {"--for", "Only \"watch\" takes this option.\n"},
+    {"--listen", "Only \"serve\" takes this option.\n"
+                 "Port 0 lets the system pick one; the first line on standard error names it.\n"},
+    {"--settings", "Only \"serve\" takes this option.\n"
+                   "The file must exist then.\n"},
 };
 
 } // namespace Host::Cli

@@ -6,6 +6,7 @@
 #include "Commands/CommandLine.h"
 #include "Commands/DoctorCommand.h"
 #include "Commands/ListCommand.h"
+#include "Commands/ServeCommand.h"
 #include "Commands/Session.h"
 #include "Commands/SetCommand.h"
 #include "Commands/ShowCommand.h"
@@ -35,6 +36,8 @@ int execute(const Options& options, Terminal& terminal)
     // Plug-ins may print to standard output. That output is only useful together with trace lines.
     Platform::divertStandardOutput(options.m_Trace.wanted() ? Platform::Elsewhere::StandardError
                                                             : Platform::Elsewhere::Nowhere);
+    if (options.m_Command == Command::Serve)
+        return static_cast<int>(serve(options, terminal));
     const Session session(options, terminal);
     switch (options.m_Command) {
     case Command::List:
@@ -51,6 +54,8 @@ int execute(const Options& options, Terminal& terminal)
         return static_cast<int>(check(session));
     case Command::Doctor:
         return static_cast<int>(doctor(session));
+    case Command::Serve:
+        break;
     }
     return static_cast<int>(ExitCode::RequestFailed);
 }

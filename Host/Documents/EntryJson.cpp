@@ -2,6 +2,7 @@
 
 #include "Base/Time.h"
 #include "Documents/Json.h"
+#include "Documents/JsonNumber.h"
 
 #include <nlohmann/json.hpp>
 
@@ -14,9 +15,22 @@ nlohmann::ordered_json entryJson(const Journal::Entry& entry)
                                    {"phase", Journal::phaseName(entry.m_Phase)},
                                    {"severity", static_cast<std::uint32_t>(entry.m_Severity)},
                                    {"text", entry.m_Text}};
+    if (entry.m_Begin)
+        json["begin"] = utcText(*entry.m_Begin);
     if (entry.m_Event)
         json["event"] = *entry.m_Event;
+    if (entry.m_Key.empty())
+        return json;
+    json["key"] = entry.m_Key;
     json["drive"] = identityJson(entry.m_Drive);
+    return json;
+}
+
+nlohmann::ordered_json numberedEntryJson(const Journal::NumberedEntry& entry)
+{
+    nlohmann::ordered_json json = nlohmann::ordered_json::object();
+    addNumber(json, "number", entry.m_Number);
+    json.update(entryJson(entry.m_Entry));
     return json;
 }
 

@@ -1,6 +1,8 @@
 #include "Journal/Journal.h"
 
 #include "Journal/DriveMatch.h"
+#include "Journal/Passage.h"
+#include "Journal/Proofs.h"
 #include "Journal/Rules.h"
 
 #include <algorithm>
@@ -25,6 +27,12 @@ public:
         : m_Drive(drive), m_State(state), m_Time(time), m_Entries(entries)
     {}
 
+    void tell(const std::vector<Proof>& proofs)
+    {
+        for (const Proof& proof : proofs)
+            tell(proof.m_Kind, Phase::Change, PROOF_SEVERITY, std::nullopt, proof.m_Text, proof.m_Begin);
+    }
+
     void run()
     {
         for (const ConditionRule& rule : conditionRules())
@@ -37,6 +45,7 @@ public:
             compare(rule);
         for (const TextRule& rule : textRules())
             compare(rule);
+        Journal::remember(m_State.m_Counters, m_Drive, m_Time);
     }
 
 private:
@@ -109,12 +118,27 @@ private:
         if (!figure)
             return;
         const auto* before = find<std::uint64_t>(m_State, rule.m_Kind);
+        const bool isNews = before != nullptr && (rule.m_OnlyGrowth ? *figure > *before : *figure != *before);
+        if (isNews && isTooSoon(rule))
+            return;
         if (before == nullptr) {
             if (rule.m_PresentText != nullptr && *figure > 0)
                 tell(rule.m_Kind, Phase::Present, rule.m_Severity, std::nullopt, rule.m_PresentText(*figure));
-        } else if (rule.m_OnlyGrowth ? *figure > *before : *figure != *before)
+        } else if (isNews)
             tell(rule.m_Kind, Phase::Change, rule.m_Severity, rule.m_Event, rule.m_Text(*before, *figure));
         remember(rule.m_Kind, *figure);
+    }
+
+    /** Whether such news was told not long ago. If not, it counts as told now. */
+    bool isTooSoon(const FigureRule& rule)
+    {
+        if (rule.m_Pause == 0)
+            return false;
+        const auto [told, isFirst] = m_State.m_Told.try_emplace(rule.m_Kind, m_Time);
+        if (!isFirst && m_Time >= told->second && m_Time - told->second < rule.m_Pause)
+            return true;
+        told->second = m_Time;
+        return false;
     }
 
     void compare(const TextRule& rule)
@@ -133,9 +157,15 @@ private:
               const std::string& text)
     {
         const auto known = m_State.m_Known.find(kind);
-        m_Entries.push_back(
-            {kind, phase, severity, event, m_Drive.m_Key, m_Drive, Cli::subjectText(m_Drive) + ": " + text,
-             known != m_State.m_Known.end() ? std::optional(known->second.m_Time) : std::nullopt, m_Time});
+        tell(kind, phase, severity, event, text,
+             known != m_State.m_Known.end() ? std::optional(known->second.m_Time) : std::nullopt);
+    }
+
+    void tell(Kind kind, Phase phase, Severity severity, std::optional<std::uint32_t> event,
+              const std::string& text, std::optional<std::uint64_t> begin)
+    {
+        m_Entries.push_back({kind, phase, severity, event, m_Drive.m_Key, m_Drive,
+                             Cli::subjectText(m_Drive) + ": " + text, begin, m_Time});
     }
 
     template<typename Value>
@@ -176,32 +206,80 @@ Entry removed(const DriveState& drive, std::uint64_t before, std::uint64_t now)
             now};
 }
 
+/** Takes a drive from the list of those that are gone. */
+std::optional<GoneDrive> takeFrom(std::vector<GoneDrive>& gone, const Cli::DriveIdentity& drive)
+{
+    const auto found = std::find_if(gone.begin(), gone.end(), [&](const GoneDrive& former) {
+        return former.m_Drive.m_Serial == drive.m_Serial && former.m_Drive.m_Model == drive.m_Model;
+    });
+    if (found == gone.end())
+        return std::nullopt;
+    std::optional<GoneDrive> result = std::move(*found);
+    gone.erase(found);
+    return result;
+}
+
+/** Keeps what is needed when the drive comes back. Drives that share a serial number cannot be told apart. */
+void keep(std::vector<GoneDrive>& gone, const DriveState& drive, std::uint64_t time)
+{
+    constexpr std::size_t most = 256;
+    (void)takeFrom(gone, drive.m_Drive);
+    if (drive.m_Key != drive.m_Drive.m_Serial || drive.m_Counters.empty())
+        return;
+    gone.push_back({drive.m_Drive, drive.m_Counters, time});
+    if (gone.size() > most)
+        gone.erase(gone.begin());
+}
+
+/** Tells what the drive's counters prove. A drive that is back may be read for the first time later. */
+void tellProofs(Comparison& comparison, const Cli::ObservedDrive& drive, const DriveState& known,
+                State& state)
+{
+    const std::uint64_t time = *state.m_Time;
+    if (!known.m_Counters.empty())
+        comparison.tell(proofs(drive, known.m_Counters, state.m_BootTime));
+    else if (hasCounters(drive) && drive.m_Key == drive.m_Serial)
+        if (const std::optional<GoneDrive> gone = takeFrom(state.m_Gone, drive))
+            comparison.tell(proofsOfReturn(
+                drive, *gone, {time - std::min(time, known.m_Since), known.m_Since >= state.m_BootTime}));
+}
+
 } // namespace
 
 Outcome advance(const State& before, const Cli::Observation& now)
 {
-    const std::vector<std::optional<std::size_t>> matches = matchDrives(before.m_Drives, now.m_Drives);
     Outcome outcome;
-    std::vector<bool> present(before.m_Drives.size());
+    State former = before;
+    const std::uint64_t time = now.m_Moment.m_Time;
+    (void)pass(former, now.m_Moment, outcome.m_Entries);
+    const std::vector<std::optional<std::size_t>> matches = matchDrives(former.m_Drives, now.m_Drives);
+    std::vector<bool> present(former.m_Drives.size());
     for (const std::optional<std::size_t>& match : matches)
         if (match)
             present[*match] = true;
     for (std::size_t i = 0; i < present.size(); ++i)
-        if (!present[i])
-            outcome.m_Entries.push_back(
-                removed(before.m_Drives[i], before.m_Time.value_or(0), now.m_Moment.m_Time));
+        if (!present[i]) {
+            outcome.m_Entries.push_back(removed(former.m_Drives[i], former.m_Time.value_or(0), time));
+            keep(former.m_Gone, former.m_Drives[i], time);
+        }
 
-    outcome.m_State.m_Time = now.m_Moment.m_Time;
+    State& state = outcome.m_State;
+    state = {time, {}, std::move(former.m_Gone), former.m_Moment, former.m_BootTime, former.m_Runs};
     for (std::size_t i = 0; i < matches.size(); ++i) {
         const Cli::ObservedDrive& drive = now.m_Drives[i];
-        DriveState state = matches[i] ? before.m_Drives[*matches[i]] : DriveState{};
-        if (!matches[i] && before.m_Time)
-            outcome.m_Entries.push_back(added(drive, *before.m_Time, now.m_Moment.m_Time));
-        state.m_Key = drive.m_Key;
-        state.m_Drive = drive;
-        Comparison(drive, state, now.m_Moment.m_Time, outcome.m_Entries).run();
-        outcome.m_State.m_Drives.push_back(std::move(state));
+        DriveState known = matches[i] ? std::move(former.m_Drives[*matches[i]]) : DriveState{};
+        if (!matches[i] && former.m_Time) {
+            outcome.m_Entries.push_back(added(drive, *former.m_Time, time));
+            known.m_Since = *former.m_Time;
+        }
+        known.m_Key = drive.m_Key;
+        known.m_Drive = drive;
+        Comparison comparison(drive, known, time, outcome.m_Entries);
+        tellProofs(comparison, drive, known, state);
+        comparison.run();
+        state.m_Drives.push_back(std::move(known));
     }
+    orderTimes(outcome.m_Entries);
     return outcome;
 }
 

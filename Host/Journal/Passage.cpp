@@ -2,6 +2,7 @@
 
 #include "Base/Time.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
@@ -57,6 +58,7 @@ void moveTimes(State& state, std::int64_t step)
         for (auto& [kind, time] : drive.m_Told)
             move(time, step);
         move(drive.m_Counters, step);
+        move(drive.m_Since, step);
     }
     for (GoneDrive& drive : state.m_Gone) {
         move(drive.m_Counters, step);
@@ -78,6 +80,13 @@ std::string stepText(std::int64_t step)
 
 } // namespace
 
+void orderTimes(std::vector<Entry>& entries)
+{
+    for (Entry& entry : entries)
+        if (entry.m_Begin)
+            entry.m_Begin = std::min(*entry.m_Begin, entry.m_End);
+}
+
 std::optional<std::uint64_t> pass(State& state, const Moment& now, std::vector<Entry>& entries)
 {
     std::optional<bool> isSame;
@@ -97,7 +106,8 @@ std::optional<std::uint64_t> pass(State& state, const Moment& now, std::vector<E
     if (isSame != true)
         state.m_BootTime = now.m_Time;
     state.m_Moment = now;
-    return before;
+    orderTimes(entries);
+    return before ? std::optional(std::min(*before, now.m_Time)) : std::nullopt;
 }
 
 } // namespace Host::Journal

@@ -12,6 +12,9 @@ constexpr float HYSTERESIS = 3; // degrees
 
 constexpr std::uint32_t EVENT_DRIVE_CHANGED = 10985;
 
+// Drives log every command that they do not know, so some of these logs grow all the time.
+constexpr std::uint64_t DAY = 86'400'000; // milliseconds
+
 std::optional<bool> isOver(const std::optional<float>& temperature, const std::optional<float>& limit,
                            bool before)
 {
@@ -134,6 +137,11 @@ std::string mediaErrorsPresentText(std::uint64_t now)
            " so far.";
 }
 
+std::string errorLogText(std::uint64_t before, std::uint64_t now)
+{
+    return fromTo("the entries in the error log grew from ", before, now, ".");
+}
+
 std::string capacityText(std::uint64_t before, std::uint64_t now)
 {
     return fromTo("the capacity changed from ", before, now, " MiB.");
@@ -147,6 +155,8 @@ std::string blockSizeText(std::uint64_t before, std::uint64_t now)
 constexpr FigureRule FIGURES[] = {
     {Kind::MediaErrorsGrew, &ObservedDrive::m_MediaErrors, true, Severity::Warning, std::nullopt,
      mediaErrorsText, mediaErrorsPresentText},
+    {Kind::ErrorLogGrew, &ObservedDrive::m_ErrorLogEntries, true, Severity::Information, std::nullopt,
+     errorLogText, nullptr, DAY},
     {Kind::CapacityChanged, &ObservedDrive::m_CapacityMiB, false, Severity::Warning, std::nullopt,
      capacityText, nullptr},
     {Kind::BlockSizeChanged, &ObservedDrive::m_BlockSize, false, Severity::Information, EVENT_DRIVE_CHANGED,

@@ -91,6 +91,8 @@ struct FigureRule
     std::string (*m_Text)(std::uint64_t before, std::uint64_t now);
     /** For a drive that is first seen with a figure above 0. Null when that is no news. */
     std::string (*m_PresentText)(std::uint64_t now);
+    /** Milliseconds before the next change is told. Changes until then are told together. 0: at once. */
+    std::uint64_t m_Pause = 0;
 };
 
 std::span<const FigureRule> figureRules();

@@ -45,6 +45,7 @@ struct DriveState
     std::map<Kind, Remembered> m_Known;   ///< does not contain what was never known
     Figures m_Counters;                   ///< the same
     std::map<Kind, std::uint64_t> m_Told; ///< when news that may be told only now and then was told last
+    std::uint64_t m_Since = 0;            ///< the last look without it; 0: it was there at the first one
 
     friend bool operator==(const DriveState&, const DriveState&) = default;
 };

@@ -155,7 +155,8 @@ std::string driveText(const DriveState& drive, std::uint64_t look)
                    {"drive", identity(drive.m_Drive)},
                    {"known", std::move(known)},
                    {"counters", figures(drive.m_Counters, look)},
-                   {"told", std::move(told)}});
+                   {"told", std::move(told)},
+                   {"since", drive.m_Since}});
 }
 
 DriveState parseDrive(std::string_view text, std::uint64_t look)
@@ -169,6 +170,7 @@ DriveState parseDrive(std::string_view text, std::uint64_t look)
     drive.m_Counters = figuresOf(json.at("counters"), look);
     for (const auto& [word, time] : json.at("told").items())
         drive.m_Told.emplace(kindOf(word), time.get<std::uint64_t>());
+    drive.m_Since = json.at("since").get<std::uint64_t>();
     return drive;
 }
 

@@ -13,7 +13,7 @@ namespace Host::Web {
 /** A request that the server has let in. Its sizes are within the server's limits. */
 struct Request
 {
-    std::string m_Method;                         ///< in capitals
+    std::string m_Method;                         ///< in capitals; "GET" also when only the head is asked for
     std::string m_Path;                           ///< without the query; percent signs are decoded
     std::map<std::string, std::string> m_Query;   ///< decoded
     std::map<std::string, std::string> m_Headers; ///< names in small letters

@@ -18,7 +18,8 @@ PLACES = (
     "lib/*/ostrel/libOstrel.so",
     "share/ostrel/Ostrel.nls", "share/ostrel/Endurance.txt", "share/ostrel/DemoFleet.json",
     "share/man/man1/ostrel.1.gz", "share/doc/ostrel/copyright", "share/doc/ostrel/changelog.gz",
-    "share/doc/ostrel/Interfaces.md.gz", "share/doc/ostrel/Tracing.md.gz",
+    "share/doc/ostrel/Interfaces.md.gz", "share/doc/ostrel/Metrics.md.gz", "share/doc/ostrel/Tracing.md.gz",
+    "share/doc/ostrel/examples/ostrel.rules.yml", "share/doc/ostrel/examples/prometheus.yml",
     "share/bash-completion/completions/ostrel", "share/zsh/vendor-completions/_ostrel",
     "share/fish/vendor_completions.d/ostrel.fish",
 )
@@ -79,7 +80,7 @@ class Debian(unittest.TestCase):
     def test_documents(self):
         """documents refer only to files that are installed with them"""
         folder = stage.root / "usr/share/doc/ostrel"
-        for name in ("Interfaces.md", "Tracing.md"):
+        for name in ("Interfaces.md", "Metrics.md", "Tracing.md"):
             text = stage.run("zcat", folder / f"{name}.gz")
             self.assertTrue(text.startswith("# "), name)
             for other in re.findall(r"`([\w/]+\.md)`", text):

@@ -81,17 +81,25 @@ ALLOWED = {
     "Host/Journal": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts"),
     "Host/Documents": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal"),
     "Host/Web": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents"),
+    "Host/Web_Linux": HOST_LIBRARIES + TLX_LINUX + rooms(
+        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web"),
+    "Host/Web_Win": HOST_LIBRARIES + TLX_WIN + rooms(
+        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web"),
+    "Host/Service": HOST_LIBRARIES + rooms(
+        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web"),
     "Host/Terminal": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents"),
     "Host/Commands": HOST_LIBRARIES + rooms(
-        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web", "Terminal"),
+        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web", "Service", "Terminal"),
     "Host": rooms("Host", "Base", "Commands"),
 }
 
-# System headers, and the only places that may know them.
+# Headers of the system and of libraries, or folders of such, and the only places that may know them.
 CONFINED = {
     "sqlite3.h": ("Libraries/Database/Src/", "Host/Base/Sqlite.cpp"),
     "linux/nvme_ioctl.h": ("Libraries/TLXX/Src_Linux/",),
     "windows.h": ("Win/",),
+    "boost/asio": ("Host/Web/Server.cpp",),
+    "boost/beast": ("Host/Web/Server.cpp",),
 }
 # The build writes this one into a folder of its own.
 GENERATED = re.compile(r"(TLX|TLXX|PI|Database)/Export\.h")
@@ -132,9 +140,10 @@ def complaints(root, path, quote, included):
     for target in sorted(found - {folder}):
         if target not in ALLOWED[folder]:
             yield f"{folder} may not know {target} ({included})"
-    places = CONFINED.get(included, ())
-    if places and not any(place in path.relative_to(root).as_posix() for place in places):
-        yield f"only {' and '.join(places)} may include {included}"
+    for header, places in CONFINED.items():
+        is_header = included == header or included.startswith((f"{header}/", f"{header}.hpp"))
+        if is_header and not any(place in path.relative_to(root).as_posix() for place in places):
+            yield f"only {' and '.join(places)} may include {included}"
 
 
 def violations(root):

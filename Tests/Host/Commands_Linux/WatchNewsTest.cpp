@@ -225,6 +225,31 @@ TEST_F(WatchNewsTest, WhatNoEventTellsIsTold)
     end(program);
 }
 
+TEST_F(WatchNewsTest, CountersTellWhatNobodySaw)
+{
+    const auto counted = [this](int cycles, int shutdowns, int hours) {
+        json each = drive("A", 1);
+        each["health"]["powerCycles"] = cycles;
+        each["health"]["unsafeShutdowns"] = shutdowns;
+        each["health"]["powerOnHours"] = hours;
+        return each;
+    };
+    fleet({counted(5, 0, 10), drive("B", 2)});
+    RunningProgram program(arguments({"--json"}));
+    program.awaitMessage("adapter count is");
+    // The plug-in looks at the hours, so it announces the change.
+    fleet({counted(6, 1, 11), drive("B", 2)});
+    const json lost = json::parse(program.awaitResult("\n"));
+    EXPECT_EQ(lost["kind"], "power-lost");
+    EXPECT_EQ(lost["key"], "A");
+    EXPECT_LT(lost["begin"], lost["time"]);
+    fleet({drive("B", 2)});
+    EXPECT_EQ(next(program), "11094 A");
+    fleet({counted(9, 2, 500), drive("B", 2)});
+    EXPECT_THAT(next(program, 2), ElementsAre("11093 A", "worked-elsewhere change A"));
+    end(program);
+}
+
 TEST_F(WatchNewsTest, ASickNewcomerIsAddedByItsEventAndToldSick)
 {
     fleet({drive("A", 1)});

@@ -9,15 +9,27 @@ using namespace Host::Journal;
 
 TEST(EntryJsonTest, AnEntryTellsWhatWhenAndOfWhich)
 {
-    Entry entry{Kind::SpareLow, Phase::Present, Severity::Error,  10968, "S", {},
+    Entry entry{Kind::SpareLow, Phase::Present, Severity::Error,  10968, "K", {},
                 "x: text.",     std::nullopt,   1'767'225'600'123};
     entry.m_Drive.m_Device = "/dev/nvme0n1";
     entry.m_Drive.m_Serial = "S";
     EXPECT_EQ(Host::Cli::entryJson(entry).dump(),
               R"({"time":"2026-01-01T00:00:00.123Z","kind":"spare-low","phase":"present","severity":4,)"
-              R"("text":"x: text.","event":10968,"drive":{"device":"/dev/nvme0n1","serial":"S"}})");
+              R"("text":"x: text.","event":10968,"key":"K","drive":{"device":"/dev/nvme0n1","serial":"S"}})");
     entry.m_Event.reset();
     EXPECT_FALSE(Host::Cli::entryJson(entry).contains("event"));
+    entry.m_Begin = 1'767'225'540'000;
+    EXPECT_EQ(Host::Cli::entryJson(entry)["begin"], "2025-12-31T23:59:00.000Z");
+}
+
+TEST(EntryJsonTest, AnEntryWithoutADriveNamesNone)
+{
+    Entry entry;
+    entry.m_Kind = Kind::ServiceStarted;
+    entry.m_Text = "The service started.";
+    EXPECT_EQ(Host::Cli::numberedEntryJson({7, entry}).dump(),
+              R"({"number":7,"time":"1970-01-01T00:00:00.000Z","kind":"service-started","phase":"change",)"
+              R"("severity":2,"text":"The service started."})");
 }
 
 } // namespace

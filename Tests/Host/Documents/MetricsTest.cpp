@@ -16,7 +16,7 @@ Snapshot emptyAfter(std::uint64_t round)
     return Snapshot(Host::ObjectStore({}), round, 1'767'225'600'500);
 }
 
-std::string textOf(const Snapshot& snapshot, const ServiceFigures& figures)
+std::string serviceText(const Snapshot& snapshot, const ServiceFigures& figures)
 {
     return metricsText(snapshot, figures, MetricsFormat::Text);
 }
@@ -41,7 +41,7 @@ ServiceFigures busy()
 
 TEST(Metrics, ShowTheServiceItself)
 {
-    const std::string text = std::regex_replace(textOf(emptyAfter(7), busy()),
+    const std::string text = std::regex_replace(serviceText(emptyAfter(7), busy()),
                                                 std::regex("#.*\n|.*_bucket.*\n|version=\"[0-9.]+\""), "");
     EXPECT_EQ(text, "ostrel_build_info{,simulated=\"true\"} 1\n"
                     "ostrel_watching 1\n"
@@ -63,7 +63,7 @@ TEST(Metrics, ShowTheServiceItself)
 
 TEST(Metrics, LeaveOutWhatTheServiceDoesNotKnow)
 {
-    const std::string text = textOf(emptyAfter(0), {});
+    const std::string text = serviceText(emptyAfter(0), {});
     for (const char* name : {"poll_interval", "scan_timestamp", "journal_entries", "process_"})
         EXPECT_THAT(text, Not(HasSubstr(name)));
     EXPECT_THAT(text, HasSubstr("simulated=\"false\"} 1\n"));
@@ -73,17 +73,17 @@ TEST(Metrics, TellOfAServiceInTrouble)
 {
     ServiceFigures figures;
     figures.m_Trouble = "no plug-in";
-    EXPECT_THAT(textOf(emptyAfter(1), figures), HasSubstr("\nostrel_watching 0\n"));
-    EXPECT_THAT(textOf(emptyAfter(1), figures), HasSubstr("\nostrel_journal_writable 1\n"));
+    EXPECT_THAT(serviceText(emptyAfter(1), figures), HasSubstr("\nostrel_watching 0\n"));
+    EXPECT_THAT(serviceText(emptyAfter(1), figures), HasSubstr("\nostrel_journal_writable 1\n"));
     figures = {};
     figures.m_JournalFailure = "disk full";
-    EXPECT_THAT(textOf(emptyAfter(1), figures), HasSubstr("\nostrel_journal_writable 0\n"));
-    EXPECT_THAT(textOf(emptyAfter(1), figures), HasSubstr("\nostrel_watching 1\n"));
+    EXPECT_THAT(serviceText(emptyAfter(1), figures), HasSubstr("\nostrel_journal_writable 0\n"));
+    EXPECT_THAT(serviceText(emptyAfter(1), figures), HasSubstr("\nostrel_watching 1\n"));
 }
 
 TEST(Metrics, EachFamilyOfTheServiceIsThereOnce)
 {
-    const std::string text = "\n" + textOf(emptyAfter(1), busy());
+    const std::string text = "\n" + serviceText(emptyAfter(1), busy());
     std::set<std::string_view> names;
     for (const MetricFamily& family : serviceMetricFamilies()) {
         EXPECT_TRUE(names.insert(family.m_Name).second) << family.m_Name;

@@ -10,7 +10,6 @@ namespace {
 
 using namespace Host::Cli;
 using Host::DriveAnswer;
-using Json = nlohmann::json;
 
 constexpr std::uint64_t STARTED = 1'767'225'600'000; // 2026-01-01
 
@@ -38,10 +37,10 @@ TEST_F(ServiceJsonTest, TheStatusCountsTheDrivesAndSaysWhatIsWrong)
     figures.m_PollInterval = 30'000;
     figures.m_ReadErrors = 3;
     figures.m_LastEntry = 12;
-    Json status = statusJson(twoDrives(), figures, STARTED + 61'000);
+    nlohmann::json status = statusJson(twoDrives(), figures, STARTED + 61'000);
     EXPECT_TRUE(status["version"].is_string());
     status.erase("version");
-    EXPECT_EQ(status, Json::parse(R"({
+    EXPECT_EQ(status, nlohmann::json::parse(R"({
         "time": "2026-01-01T00:01:01.000Z", "started": "2026-01-01T00:00:00.000Z",
         "state": 2, "stateText": "CRITICAL",
         "message": "nvme0n1 (S1): Critical: Available spare below its threshold, Media is read-only; nvme1n1 (S2): does not answer; 0 of 2 drives healthy",
@@ -55,11 +54,11 @@ TEST_F(ServiceJsonTest, TheStatusOfAServiceInTrouble)
     ServiceFigures figures;
     figures.m_Trouble = "no plug-in";
     figures.m_JournalFailure = "disk full";
-    const Json status = statusJson(Snapshot(Host::ObjectStore({}), 0, 0), figures, STARTED);
+    const nlohmann::json status = statusJson(Snapshot(Host::ObjectStore({}), 0, 0), figures, STARTED);
     EXPECT_EQ(status["state"], 1);
     EXPECT_EQ(status["trouble"], "no plug-in");
     EXPECT_EQ(status["message"], "the journal cannot be written: disk full; no plug-in");
-    EXPECT_EQ(status["journal"], Json::parse(R"({"lastNumber": 0, "failure": "disk full"})"));
+    EXPECT_EQ(status["journal"], nlohmann::json::parse(R"({"lastNumber": 0, "failure": "disk full"})"));
     EXPECT_FALSE(status.contains("round"));
     EXPECT_FALSE(status.contains("pollSeconds"));
 }
@@ -71,8 +70,9 @@ TEST_F(ServiceJsonTest, EachDriveHasItsKeyFirst)
     EXPECT_EQ(document["drives"][0].begin().key(), "key");
     EXPECT_EQ(document["drives"][0]["key"], "S1");
     EXPECT_EQ(document["drives"][0]["capacityMiB"], 1907729);
-    EXPECT_EQ(Json(document["drives"][1]),
-              Json::parse(R"({"key": "S2", "device": "/dev/nvme1n1", "serial": "S2", "answering": false})"));
+    EXPECT_EQ(nlohmann::json(document["drives"][1]),
+              nlohmann::json::parse(
+                  R"({"key": "S2", "device": "/dev/nvme1n1", "serial": "S2", "answering": false})"));
     EXPECT_EQ(drivesJson(Snapshot(Host::ObjectStore({}), 0, 0)).dump(), R"({"drives":[]})");
 }
 

@@ -16,7 +16,7 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr std::uint64_t NOW = 1'767'225'600'000; // 2026-01-01
+constexpr std::uint64_t NEW_YEAR = 1'767'225'600'000; // 2026-01-01
 
 class StatusPage : public testing::Test
 {
@@ -26,8 +26,8 @@ protected:
                               const std::vector<NumberedEntry>& entries = {})
     {
         return statusPage(
-            Snapshot(Host::ObjectStore(HostTest::topologyOf(drives), {}, std::move(answers)), 1, NOW),
-            figures, entries, NOW);
+            Snapshot(Host::ObjectStore(HostTest::topologyOf(drives), {}, std::move(answers)), 1, NEW_YEAR),
+            figures, entries, NEW_YEAR);
     }
 
     static NumberedEntry entryOf(std::uint64_t number, Host::Journal::Severity severity,
@@ -37,7 +37,7 @@ protected:
         entry.m_Number = number;
         entry.m_Entry.m_Severity = severity;
         entry.m_Entry.m_Text = text;
-        entry.m_Entry.m_End = NOW + number;
+        entry.m_Entry.m_End = NEW_YEAR + number;
         return entry;
     }
 
@@ -98,7 +98,7 @@ TEST_F(StatusPage, MarksDrivesThatDoNotAnswer)
     DriveAnswer answer;
     answer.m_DeviceName = "/dev/nvme0n1";
     answer.m_SilentRounds = 1;
-    answer.m_LastAnswer = answer.m_SilentSince = NOW;
+    answer.m_LastAnswer = answer.m_SilentSince = NEW_YEAR;
     DriveAnswer unheard;
     unheard.m_DeviceName = "/dev/nvme1n1";
     unheard.m_SilentRounds = 2;
@@ -129,7 +129,7 @@ TEST_F(StatusPage, SaysWhatIsMissing)
     ServiceFigures figures;
     figures.m_Simulated = true;
     figures.m_Trouble = "no plug-in";
-    const std::string page = statusPage(Snapshot(Host::ObjectStore({}), 0, 0), figures, {}, NOW);
+    const std::string page = statusPage(Snapshot(Host::ObjectStore({}), 0, 0), figures, {}, NEW_YEAR);
     EXPECT_THAT(page, HasSubstr("<p>These drives are simulated.</p>"));
     EXPECT_THAT(page, HasSubstr("<strong>UNKNOWN</strong>: no plug-in</p>"));
     EXPECT_THAT(page, HasSubstr("<p>None.</p>"));

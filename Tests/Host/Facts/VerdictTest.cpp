@@ -9,7 +9,7 @@ namespace {
 using namespace Host::Cli;
 using enum Verdict;
 
-constexpr std::uint64_t NOW = 1000000;
+constexpr std::uint64_t LOOK = 1000000;
 
 TEST(Verdict, HasTheNumbersAndWordsOfMonitoringSystems)
 {
@@ -44,22 +44,22 @@ TEST(Verdict, OfADriveNamesTheReasons)
     Drive drive;
     drive.m_Health = {40095, "Critical"};
     drive.m_Reasons = {{40459, "Too hot"}, {40452, "Read-only"}};
-    EXPECT_EQ(judge(drive, NOW).m_Verdict, Critical);
-    EXPECT_EQ(judge(drive, NOW).m_Reason, "Critical: Too hot, Read-only");
+    EXPECT_EQ(judge(drive, LOOK).m_Verdict, Critical);
+    EXPECT_EQ(judge(drive, LOOK).m_Reason, "Critical: Too hot, Read-only");
     drive.m_Health = {40024, "Healthy"};
     drive.m_Reasons.clear();
-    EXPECT_EQ(judge(drive, NOW).m_Verdict, Ok);
-    EXPECT_EQ(judge(drive, NOW).m_Reason, "Healthy");
+    EXPECT_EQ(judge(drive, LOOK).m_Verdict, Ok);
+    EXPECT_EQ(judge(drive, LOOK).m_Reason, "Healthy");
 }
 
 TEST(Verdict, OfADriveWhoseHealthNobodyKnowsIsUnknown)
 {
     Drive drive;
-    EXPECT_EQ(judge(drive, NOW).m_Verdict, Unknown);
-    EXPECT_EQ(judge(drive, NOW).m_Reason, "its health is not reported");
+    EXPECT_EQ(judge(drive, LOOK).m_Verdict, Unknown);
+    EXPECT_EQ(judge(drive, LOOK).m_Reason, "its health is not reported");
     drive.m_Health = {std::nullopt, UNKNOWN_HEALTH};
-    EXPECT_EQ(judge(drive, NOW).m_Verdict, Unknown);
-    EXPECT_EQ(judge(drive, NOW).m_Reason, "its health log was not read");
+    EXPECT_EQ(judge(drive, LOOK).m_Verdict, Unknown);
+    EXPECT_EQ(judge(drive, LOOK).m_Reason, "its health log was not read");
 }
 
 TEST(Verdict, OfASilentDriveIsAWarningAtFirstAndCriticalAfterTwoRoundsOrHalfAMinute)
@@ -68,20 +68,20 @@ TEST(Verdict, OfASilentDriveIsAWarningAtFirstAndCriticalAfterTwoRoundsOrHalfAMin
     drive.m_Health = {40024, "Healthy"};
     drive.m_Answer.emplace();
     drive.m_Answer->m_Answering = true;
-    EXPECT_EQ(judge(drive, NOW).m_Verdict, Ok);
+    EXPECT_EQ(judge(drive, LOOK).m_Verdict, Ok);
     drive.m_Answer->m_Answering = false;
     drive.m_Answer->m_Status = TLXX::STATUS_NO_ANSWER;
     drive.m_Answer->m_SilentRounds = 1;
-    drive.m_Answer->m_SilentSince = NOW - 29999;
-    EXPECT_EQ(judge(drive, NOW).m_Verdict, Warning);
-    EXPECT_EQ(judge(drive, NOW).m_Reason, "does not answer: " + TLXX::statusText(TLXX::STATUS_NO_ANSWER));
-    EXPECT_EQ(judge(drive, NOW + 1).m_Verdict, Critical);
-    drive.m_Answer->m_SilentSince = NOW;
+    drive.m_Answer->m_SilentSince = LOOK - 29999;
+    EXPECT_EQ(judge(drive, LOOK).m_Verdict, Warning);
+    EXPECT_EQ(judge(drive, LOOK).m_Reason, "does not answer: " + TLXX::statusText(TLXX::STATUS_NO_ANSWER));
+    EXPECT_EQ(judge(drive, LOOK + 1).m_Verdict, Critical);
+    drive.m_Answer->m_SilentSince = LOOK;
     drive.m_Answer->m_SilentRounds = 2;
-    EXPECT_EQ(judge(drive, NOW).m_Verdict, Critical);
+    EXPECT_EQ(judge(drive, LOOK).m_Verdict, Critical);
     drive.m_Answer->m_SilentSince.reset();
     drive.m_Answer->m_SilentRounds = 0;
-    EXPECT_EQ(judge(drive, NOW).m_Verdict, Warning);
+    EXPECT_EQ(judge(drive, LOOK).m_Verdict, Warning);
 }
 
 } // namespace

@@ -376,7 +376,7 @@ TEST_F(JournalTest, FiguresAndTextsThatBecomeOthers)
     EXPECT_EQ(entries[4].m_Text, "MODEL (A): the drive moved from 0000:01:00.0 to 0000:02:00.0.");
     EXPECT_THAT(look({changing}), IsEmpty());
     changing.m_MediaErrors = 1;
-    EXPECT_THAT(look({changing}), IsEmpty());
+    EXPECT_THAT(look({changing}), ElementsAre(is(Kind::CounterWentBack, Phase::Change, "A")));
     changing.m_MediaErrors = 2;
     EXPECT_EQ(look({changing}).at(0).m_Text, "MODEL (A): the media errors grew from 1 to 2.");
 }

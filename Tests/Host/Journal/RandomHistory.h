@@ -63,6 +63,11 @@ private:
         drive.m_Spare = sometimes() ? 40 : 100;
         drive.m_Wear = sometimes() ? 92 : 0;
         drive.m_OwnWear = sometimes() ? 255 : 0;
+        drive.m_PowerCycles = 10 + below(10);
+        drive.m_UnsafeShutdowns = below(5);
+        drive.m_PowerOnHours = below(100);
+        drive.m_DataUnitsWritten = below(1000);
+        drive.m_ErrorLogEntries = below(10);
         return drive;
     }
 
@@ -87,7 +92,7 @@ private:
 
     void change(ObservedDrive& drive)
     {
-        switch (below(10)) {
+        switch (below(12)) {
         case 0:
             drive.m_Warnings = warnings(drive);
             break;
@@ -117,6 +122,14 @@ private:
             drive.m_CapacityMiB = 1000 + below(3);
             drive.m_BlockSize = sometimes() ? 4096 : 512;
             break;
+        case 9:
+            *(sometimes() ? drive.m_UnsafeShutdowns : drive.m_PowerCycles) += below(3);
+            *drive.m_DataUnitsWritten += below(100);
+            break;
+        case 10:
+            *drive.m_ErrorLogEntries += below(3);
+            drive.m_PowerOnHours = below(4) == 0 ? 0 : *drive.m_PowerOnHours + below(3);
+            break;
         default:
             drive.m_PciAddress = "slot " + std::to_string(below(100));
         }
@@ -136,6 +149,11 @@ private:
                 view.m_Spare.reset();
                 view.m_Wear.reset();
                 view.m_OwnWear.reset();
+                view.m_PowerCycles.reset();
+                view.m_UnsafeShutdowns.reset();
+                view.m_PowerOnHours.reset();
+                view.m_DataUnitsWritten.reset();
+                view.m_ErrorLogEntries.reset();
             }
             if (below(6) == 0) {
                 view.m_CapacityMiB.reset();

@@ -28,7 +28,7 @@ public:
                 state.m_Moment->m_Uptime = number();
         }
         for (std::uint64_t count = m_Random() % 4; count > 0; --count) {
-            DriveState drive{text(), identity(), {}, figures(state), {}};
+            DriveState drive{text(), identity(), {}, figures(state), {}, number()};
             for (std::uint64_t known = m_Random() % 8; known > 0; --known)
                 drive.m_Known[kind()] = {value(), time(state)};
             if (sometimes())
@@ -123,7 +123,7 @@ TEST(StateTextTest, OtherTextsAreRefused)
     EXPECT_THROW((void)parseDrive("{}", 0), std::exception);
     EXPECT_THROW((void)parseGone("{}"), std::exception);
     const std::string drive =
-        R"({"key":"","drive":{},"counters":{},"told":{},"known":{"unheard-of":[true]}})";
+        R"({"key":"","drive":{},"counters":{},"told":{},"since":0,"known":{"unheard-of":[true]}})";
     EXPECT_THROW((void)parseDrive(drive, 0), std::exception);
 }
 

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Web/Exchange.h"
+#include "Web/ServiceView.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Host::Web {
+
+/** The journal's entries, in order, as server-sent events whose identifiers are the entries' numbers. */
+class JournalStream : public IEventStream
+{
+public:
+    /** Begins above the number `after`. Keeps a reference to `view`. */
+    JournalStream(const IServiceView& view, std::uint64_t after) : m_View(view), m_After(after) {}
+
+    std::string next() override;
+
+private:
+    const IServiceView& m_View;
+    std::uint64_t m_After;
+};
+
+} // namespace Host::Web

@@ -1,0 +1,185 @@
+#include "Web/Routes.h"
+
+#include "Documents/EntryJson.h"
+#include "Documents/Json.h"
+#include "Documents/ServiceJson.h"
+#include "Web/JournalStream.h"
+#include "Web/Parameters.h"
+#include "Web/Problem.h"
+#include "Web/SetProperty.h"
+
+#include <TLX/Clock.h>
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <string_view>
+
+namespace Host::Web {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t USUAL_ENTRIES = 100;
+constexpr Bounds ENTRIES = {1, 1000};
+constexpr Bounds NUMBERS = {0, std::numeric_limits<std::uint64_t>::max()};
+
+/** A request on its way. */
+struct Call
+{
+    IServiceView& m_View;
+    const Request& m_Request;
+    std::string m_Rest; ///< of the path, after the route's own part
+};
+
+Response document(const Call& call, const Json& json)
+{
+    Response response;
+    response.m_Type = "application/json";
+    response.m_Body = Cli::documentText(json, call.m_View.figures().m_Simulated);
+    return response;
+}
+
+/** What the drives answered last. Throws `Failure` if they have not been asked yet. */
+std::shared_ptr<const Cli::Snapshot> readSnapshot(const IServiceView& view)
+{
+    std::shared_ptr<const Cli::Snapshot> snapshot = view.snapshot();
+    if (snapshot->m_Round > 0)
+        return snapshot;
+    const std::string trouble = view.figures().m_Trouble;
+    throw Failure(ExitCode::NoHardware, trouble.empty() ? "The drives have not been read yet." : trouble);
+}
+
+Response status(const Call& call)
+{
+    return document(call, Cli::statusJson(*call.m_View.snapshot(), call.m_View.figures(), TLX::Misc::now()));
+}
+
+Response drives(const Call& call)
+{
+    return document(call, Cli::drivesJson(*readSnapshot(call.m_View)));
+}
+
+Response drive(const Call& call)
+{
+    const auto snapshot = readSnapshot(call.m_View);
+    const auto key = std::find(snapshot->m_Keys.begin(), snapshot->m_Keys.end(), call.m_Rest);
+    if (key == snapshot->m_Keys.end())
+        return problem(404, "No drive has the key \"" + call.m_Rest + "\".");
+    const auto& found = snapshot->m_Drives.at(static_cast<std::size_t>(key - snapshot->m_Keys.begin()));
+    return document(call, Cli::keyedDriveJson(*key, found));
+}
+
+/** The journal cannot be read for a reason that may pass, so the status is another one than for other
+ * failures. */
+std::vector<Journal::NumberedEntry> read(const Call& call, std::uint64_t after, std::size_t limit)
+{
+    try {
+        return call.m_View.journal(after, limit);
+    } catch (const Failure& failure) {
+        throw Failure(ExitCode::NoHardware, failure.what());
+    }
+}
+
+Response journal(const Call& call)
+{
+    const std::uint64_t after = queryNumber(call.m_Request, "after", NUMBERS).value_or(0);
+    const std::uint64_t limit = queryNumber(call.m_Request, "limit", ENTRIES).value_or(USUAL_ENTRIES);
+    Json list = Json::array();
+    for (const Journal::NumberedEntry& entry : read(call, after, limit))
+        list.push_back(Cli::numberedEntryJson(entry));
+    return document(call, {{"entries", std::move(list)}});
+}
+
+/** A client that comes back says which entry it had last. A new one gets what is new from now on. */
+std::uint64_t streamBegin(const Call& call)
+{
+    const auto last = call.m_Request.m_Headers.find("last-event-id");
+    if (last != call.m_Request.m_Headers.end() && !last->second.empty())
+        return parameterNumber("Last-Event-ID", last->second, NUMBERS);
+    const auto after = queryNumber(call.m_Request, "after", NUMBERS);
+    return after ? *after : call.m_View.figures().m_LastEntry;
+}
+
+Response journalStream(const Call& call)
+{
+    const std::uint64_t after = streamBegin(call);
+    (void)read(call, after, 1); // A stream can no longer tell why it fails.
+    Response response;
+    response.m_Type = "text/event-stream";
+    response.m_Events = std::make_unique<JournalStream>(call.m_View, after);
+    return response;
+}
+
+/** A path, or what begins with it when it ends with a slash. */
+struct Route
+{
+    std::string_view m_Path;
+    std::array<std::string_view, 2> m_Parameters; ///< of the query
+    Response (*m_Answer)(const Call&);
+};
+
+constexpr std::array<Route, 5> ROUTES = {{
+    {"/api/v1/status", {}, status},
+    {"/api/v1/drives", {}, drives},
+    {"/api/v1/drives/", {}, drive},
+    {"/api/v1/journal", {"after", "limit"}, journal},
+    {"/api/v1/journal/stream", {"after"}, journalStream},
+}};
+
+bool leadsTo(const Route& route, std::string_view path)
+{
+    const bool isPrefix = route.m_Path.size() > 1 && route.m_Path.ends_with('/');
+    return isPrefix ? path.starts_with(route.m_Path) && path.size() > route.m_Path.size()
+                    : path == route.m_Path;
+}
+
+Response notAllowed(const std::string& allowed)
+{
+    Response response = problem(405, "This path allows only " + allowed + ".");
+    response.m_Headers.emplace_back("Allow", allowed);
+    return response;
+}
+
+void checkParameters(const Route& route, const Request& request)
+{
+    for (const auto& [name, value] : request.m_Query)
+        if (std::find(route.m_Parameters.begin(), route.m_Parameters.end(), name) ==
+                route.m_Parameters.end() ||
+            name.empty())
+            throw WrongParameter(name, "This path has no parameter \"" + name + "\".");
+}
+
+Response answer(IServiceView& view, const Request& request)
+{
+    const auto* const route = std::find_if(ROUTES.begin(), ROUTES.end(),
+                                           [&](const Route& each) { return leadsTo(each, request.m_Path); });
+    if (route == ROUTES.end())
+        return problem(404, "There is nothing at this path.");
+    if (request.m_Method != "GET")
+        return notAllowed("GET, HEAD");
+    checkParameters(*route, request);
+    return route->m_Answer({view, request, request.m_Path.substr(route->m_Path.size())});
+}
+
+} // namespace
+
+Handler routes(IServiceView& view)
+{
+    return [&view](const Request& request, Respond respond) {
+        try {
+            if (const auto property = settableProperty(request.m_Path)) {
+                if (request.m_Method != "PUT")
+                    return respond(notAllowed("PUT"));
+                return setProperty(view, *property, request, std::move(respond));
+            }
+            respond(answer(view, request));
+        } catch (const WrongParameter& wrong) {
+            respond(problem(400, wrong.what(), wrong.name()));
+        }
+    };
+}
+
+} // namespace Host::Web

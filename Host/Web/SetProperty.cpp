@@ -1,0 +1,100 @@
+#include "Web/SetProperty.h"
+
+#include "Base/Text.h"
+#include "Documents/Json.h"
+#include "Web/Parameters.h"
+#include "Web/Problem.h"
+#include "Web/Target.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Host::Web {
+namespace {
+
+using SetJson = nlohmann::ordered_json;
+
+constexpr std::string_view OBJECTS = "/api/v1/objects/";
+constexpr std::string_view PROPERTIES = "/properties/";
+
+Response refusal(const Request& request)
+{
+    return request.m_Local ? problem(403, "Only root and members of the group ostrel may change something.")
+                           : problem(401, "Whoever changes something needs the token.");
+}
+
+bool isJson(const Request& request)
+{
+    const auto found = request.m_Headers.find("content-type");
+    if (found == request.m_Headers.end())
+        return false;
+    const std::string_view type = found->second;
+    return equalIgnoringCase(type.substr(0, type.find(';')), "application/json");
+}
+
+/** The value in the document `{"value": ...}`. Throws `WrongParameter`. */
+std::string valueIn(const std::string& body)
+{
+    const SetJson json = SetJson::parse(body, nullptr, false);
+    if (json.is_object() && json.size() == 1 && json.contains("value")) {
+        const SetJson& value = json.at("value");
+        if (value.is_string())
+            return value.get<std::string>();
+        if (value.is_number())
+            return value.dump();
+    }
+    throw WrongParameter("value",
+                         "The content must be an object with the member \"value\", a text or a number.");
+}
+
+Response outcome(const PropertyName& name, bool isSimulated, const std::string& text,
+                 std::exception_ptr failure)
+{
+    try {
+        if (failure != nullptr)
+            std::rethrow_exception(std::move(failure));
+        Response response;
+        response.m_Type = "application/json";
+        response.m_Body = Cli::documentText(
+            {{"object", name.m_Object}, {"property", name.m_Property}, {"text", text}}, isSimulated);
+        return response;
+    } catch (const Failure& wrong) {
+        return problem(wrong);
+    } catch (const std::exception&) {
+        return problem(500, "The property could not be set.");
+    }
+}
+
+} // namespace
+
+std::optional<PropertyName> settableProperty(std::string_view path)
+{
+    if (!path.starts_with(OBJECTS))
+        return std::nullopt;
+    path.remove_prefix(OBJECTS.size());
+    const std::size_t middle = path.rfind(PROPERTIES);
+    if (middle == 0 || middle == std::string_view::npos || middle + PROPERTIES.size() == path.size())
+        return std::nullopt;
+    return PropertyName{std::string(path.substr(0, middle)),
+                        std::string(path.substr(middle + PROPERTIES.size()))};
+}
+
+std::string propertyPath(const PropertyName& name)
+{
+    return std::string(OBJECTS) + percentEncoded(name.m_Object) + std::string(PROPERTIES) +
+           percentEncoded(name.m_Property);
+}
+
+void setProperty(IServiceView& view, const PropertyName& name, const Request& request, Respond respond)
+{
+    if (!request.m_MayChange)
+        return respond(refusal(request));
+    if (!isJson(request))
+        return respond(problem(415, "The content must be application/json."));
+    view.set(name.m_Object, name.m_Property, valueIn(request.m_Body),
+             [name, respond, isSimulated = view.figures().m_Simulated](const std::string& text,
+                                                                       std::exception_ptr failure) {
+                 respond(outcome(name, isSimulated, text, std::move(failure)));
+             });
+}
+
+} // namespace Host::Web

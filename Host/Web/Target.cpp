@@ -1,0 +1,82 @@
+#include "Web/Target.h"
+
+#include "Base/Text.h"
+
+#include <array>
+#include <cstdio>
+
+namespace Host::Web {
+namespace {
+
+constexpr std::string_view UNRESERVED = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+
+bool isControl(char character)
+{
+    const auto code = static_cast<unsigned char>(character);
+    return code < 0x20 || code == 0x7F;
+}
+
+std::optional<std::string> percentDecoded(std::string_view text)
+{
+    std::string decoded;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char character = text[i];
+        if (character == '%') {
+            const auto code = parseNumber(text.substr(i + 1, 2), 16);
+            if (!code || i + 2 >= text.size())
+                return std::nullopt;
+            character = static_cast<char>(*code);
+            i += 2;
+        }
+        if (isControl(character))
+            return std::nullopt;
+        decoded += character;
+    }
+    return decoded;
+}
+
+bool addParameter(std::map<std::string, std::string>& query, std::string_view parameter)
+{
+    const std::size_t equals = parameter.find('=');
+    const auto name = percentDecoded(parameter.substr(0, equals));
+    const auto value =
+        percentDecoded(equals == std::string_view::npos ? std::string_view() : parameter.substr(equals + 1));
+    return name && value && query.emplace(*name, *value).second;
+}
+
+} // namespace
+
+std::optional<Target> parseTarget(std::string_view target)
+{
+    const std::size_t mark = target.find('?');
+    const auto path = percentDecoded(target.substr(0, mark));
+    if (!path || !target.starts_with('/'))
+        return std::nullopt;
+    Target result{*path, {}};
+    std::string_view rest = mark == std::string_view::npos ? std::string_view() : target.substr(mark + 1);
+    while (!rest.empty()) {
+        const std::size_t end = rest.find('&');
+        if (!addParameter(result.m_Query, rest.substr(0, end)))
+            return std::nullopt;
+        rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+    }
+    return result;
+}
+
+std::string percentEncoded(std::string_view text)
+{
+    std::string encoded;
+    for (const char character : text) {
+        if (UNRESERVED.find(character) != std::string_view::npos) {
+            encoded += character;
+            continue;
+        }
+        std::array<char, 4> code{};
+        (void)std::snprintf(code.data(), code.size(), "%%%02X",
+                            static_cast<unsigned>(static_cast<unsigned char>(character)));
+        encoded += code.data();
+    }
+    return encoded;
+}
+
+} // namespace Host::Web

@@ -1,0 +1,195 @@
+#include "Web/Routes.h"
+
+#include "Host/Web/FakeView.h"
+#include "Web/Problem.h"
+#include "Web/Status.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <optional>
+
+namespace {
+
+using Host::Web::Request;
+using Host::Web::Response;
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class RoutesTest : public testing::Test
+{
+protected:
+    Response ask(const Request& request)
+    {
+        std::optional<Response> answer;
+        try {
+            Host::Web::routes(m_View)(request, [&](Response response) { answer = std::move(response); });
+        } catch (const Host::Failure& failure) {
+            return Host::Web::problem(failure); // as the server does
+        }
+        return answer ? std::move(*answer) : Response{0, {}, {}, {}, nullptr};
+    }
+
+    Response get(const std::string& path, const std::map<std::string, std::string>& query = {})
+    {
+        Request request;
+        request.m_Method = "GET";
+        request.m_Path = path;
+        request.m_Query = query;
+        return ask(request);
+    }
+
+    json content(const std::string& path, const std::map<std::string, std::string>& query = {})
+    {
+        const Response answer = get(path, query);
+        EXPECT_EQ(answer.m_Status, 200U) << answer.m_Body;
+        EXPECT_EQ(answer.m_Type, "application/json");
+        return json::parse(answer.m_Body);
+    }
+
+    void expectProblem(const Response& answer, unsigned status, const std::string& detail)
+    {
+        EXPECT_EQ(answer.m_Status, status);
+        EXPECT_EQ(answer.m_Type, "application/problem+json");
+        const json problem = json::parse(answer.m_Body);
+        EXPECT_EQ(problem.at("status"), status);
+        EXPECT_EQ(problem.at("title"), Host::Web::statusText(status));
+        EXPECT_EQ(problem.at("detail"), detail);
+    }
+
+    void expectWrongParameter(const Response& answer, const std::string& name)
+    {
+        EXPECT_EQ(answer.m_Status, 400U) << answer.m_Body;
+        EXPECT_EQ(json::parse(answer.m_Body).at("parameter"), name);
+    }
+
+    HostTest::FakeView m_View;
+};
+
+TEST_F(RoutesTest, TheStatusIsThereBeforeAnyDriveWasRead)
+{
+    m_View.change([](auto& figures) { figures.m_Simulated = true; });
+    const json status = content("/api/v1/status");
+    EXPECT_EQ(status.at("drives").at("total"), 0);
+    EXPECT_EQ(status.at("simulated"), true);
+}
+
+TEST_F(RoutesTest, DrivesAreAbsentUntilTheyAreRead)
+{
+    expectProblem(get("/api/v1/drives"), 503, "The drives have not been read yet.");
+    m_View.change([](auto& figures) { figures.m_Trouble = "No permission."; });
+    expectProblem(get("/api/v1/drives"), 503, "No permission.");
+    expectProblem(get("/api/v1/drives/A"), 503, "No permission.");
+    m_View.publish(1, {});
+    EXPECT_THAT(content("/api/v1/drives").at("drives"), IsEmpty());
+}
+
+TEST_F(RoutesTest, EachDriveHasItsKeyAndAPathOfItsOwn)
+{
+    m_View.publish(1, {{1, "A", "/dev/nvme0n1"}, {3, "B/C D", "/dev/nvme1n1"}});
+    const json drives = content("/api/v1/drives").at("drives");
+    ASSERT_EQ(drives.size(), 2U);
+    EXPECT_EQ(drives[0].at("key"), "A");
+    json drive = content("/api/v1/drives/B/C D");
+    EXPECT_EQ(drive.at("device"), "/dev/nvme1n1");
+    EXPECT_EQ(drive.at("format"), 1);
+    drive.erase("format");
+    EXPECT_EQ(drive, drives[1]);
+    expectProblem(get("/api/v1/drives/X\x01"), 404, "No drive has the key \"X\x01\".");
+    expectProblem(get("/api/v1/drives/"), 404, "There is nothing at this path.");
+}
+
+TEST_F(RoutesTest, TheJournalIsReadInPieces)
+{
+    for (const char* text : {"one", "two", "three"})
+        m_View.addEntry(text);
+    const json all = content("/api/v1/journal").at("entries");
+    ASSERT_EQ(all.size(), 3U);
+    EXPECT_EQ(all[0].at("number"), 1);
+    EXPECT_EQ(all[0].at("text"), "one");
+    const json piece = content("/api/v1/journal", {{"after", "1"}, {"limit", "1"}}).at("entries");
+    ASSERT_EQ(piece.size(), 1U);
+    EXPECT_EQ(piece[0].at("text"), "two");
+    EXPECT_THAT(content("/api/v1/journal", {{"after", "18446744073709551615"}}).at("entries"), IsEmpty());
+}
+
+TEST_F(RoutesTest, TheJournalHasALimitOfItsOwn)
+{
+    for (int i = 0; i < 1001; ++i)
+        m_View.addEntry("x");
+    EXPECT_EQ(content("/api/v1/journal").at("entries").size(), 100U);
+    EXPECT_EQ(content("/api/v1/journal", {{"limit", "1000"}}).at("entries").size(), 1000U);
+}
+
+TEST_F(RoutesTest, WrongParametersAreNamed)
+{
+    for (const char* after : {"", "-1", "x", "1.0", "18446744073709551616", " 1"})
+        expectWrongParameter(get("/api/v1/journal", {{"after", after}}), "after");
+    for (const char* limit : {"0", "1001"})
+        expectWrongParameter(get("/api/v1/journal", {{"limit", limit}}), "limit");
+    expectWrongParameter(get("/api/v1/journal", {{"Limit", "1"}}), "Limit");
+    expectWrongParameter(get("/api/v1/status", {{"after", "1"}}), "after");
+    expectWrongParameter(get("/api/v1/journal/stream", {{"limit", "1"}}), "limit");
+    EXPECT_EQ(get("/api/v1/status", {{"", "1"}}).m_Status, 400U);
+}
+
+TEST_F(RoutesTest, AJournalThatCannotBeReadIsNoFaultOfTheRequest)
+{
+    m_View.change([](auto& figures) { figures.m_JournalFailure = "The disk is full."; });
+    for (const char* path : {"/api/v1/journal", "/api/v1/journal/stream"})
+        expectProblem(get(path), 503, "The disk is full.");
+}
+
+std::string firstEvents(const Response& answer)
+{
+    EXPECT_EQ(answer.m_Status, 200U);
+    EXPECT_EQ(answer.m_Type, "text/event-stream");
+    return answer.m_Events == nullptr ? "no stream" : answer.m_Events->next();
+}
+
+TEST_F(RoutesTest, AStreamBeginsWhereTheClientSays)
+{
+    m_View.addEntry("one");
+    m_View.addEntry("two");
+    EXPECT_EQ(firstEvents(get("/api/v1/journal/stream")), "");
+    EXPECT_THAT(firstEvents(get("/api/v1/journal/stream", {{"after", "1"}})), testing::StartsWith("id: 2\n"));
+    EXPECT_THAT(firstEvents(get("/api/v1/journal/stream", {{"after", "0"}})), testing::StartsWith("id: 1\n"));
+    Request again;
+    again.m_Method = "GET";
+    again.m_Path = "/api/v1/journal/stream";
+    again.m_Query = {{"after", "0"}};
+    again.m_Headers = {{"last-event-id", "1"}};
+    EXPECT_THAT(firstEvents(ask(again)), testing::StartsWith("id: 2\n"));
+    again.m_Headers = {{"last-event-id", "1x"}};
+    expectWrongParameter(ask(again), "Last-Event-ID");
+}
+
+TEST_F(RoutesTest, UnknownPathsAndTricksLeadNowhere)
+{
+    m_View.publish(1, {{1, "A", "/dev/nvme0n1"}});
+    for (const char* path :
+         {"//", "/api", "/api/v1", "/api/v1/", "/api/v1/status/", "/api/v1/../v1/status", "/api/v1/journal/",
+          "/API/v1/status", "/api/v1/%64rives", "/api/v1/drives//A", "/api/v1/objects/",
+          "/api/v1/objects//properties/x", "/api/v1/objects/x/properties/"})
+        EXPECT_EQ(get(path).m_Status, 404U) << path;
+}
+
+TEST_F(RoutesTest, EachPathSaysWhatItAllows)
+{
+    for (const char* path : {"/api/v1/status", "/api/v1/drives/A", "/api/v1/journal/stream"})
+        for (const char* method : {"PUT", "POST", "DELETE", "OPTIONS", "TRACE", "get", "X"}) {
+            Request request;
+            request.m_Method = method;
+            request.m_Path = path;
+            request.m_MayChange = true;
+            const Response answer = ask(request);
+            EXPECT_EQ(answer.m_Status, 405U) << method << path;
+            EXPECT_THAT(answer.m_Headers, testing::ElementsAre(testing::Pair("Allow", "GET, HEAD")));
+        }
+    const Response answer = get("/api/v1/objects/A/properties/x");
+    EXPECT_EQ(answer.m_Status, 405U);
+    EXPECT_THAT(answer.m_Headers, testing::ElementsAre(testing::Pair("Allow", "PUT")));
+}
+
+} // namespace

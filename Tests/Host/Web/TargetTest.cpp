@@ -1,0 +1,44 @@
+#include "Web/Target.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+using Host::Web::parseTarget;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+TEST(TargetTest, HasAPathAndParameters)
+{
+    const auto target = parseTarget("/a%20b/%C3%A4?x=1&y=%26%3D&z&w=a=b");
+    ASSERT_TRUE(target);
+    EXPECT_EQ(target->m_Path, "/a b/\xC3\xA4");
+    EXPECT_THAT(target->m_Query,
+                ElementsAre(Pair("w", "a=b"), Pair("x", "1"), Pair("y", "&="), Pair("z", "")));
+    EXPECT_THAT(parseTarget("/")->m_Query, IsEmpty());
+    EXPECT_THAT(parseTarget("/?")->m_Query, IsEmpty());
+}
+
+TEST(TargetTest, PercentSignsAreDecodedOnce)
+{
+    EXPECT_EQ(parseTarget("/%252e%252E")->m_Path, "/%2e%2E");
+    EXPECT_EQ(parseTarget("/%2e%2E/%2F")->m_Path, "/..//");
+}
+
+TEST(TargetTest, WhatIsNoTargetIsRefused)
+{
+    for (const char* wrong :
+         {"", "*", "a", "http://localhost/", "?a", "%2Fa", "/%", "/%4", "/%4x", "/%x4", "/%-1", "/% 1",
+          "/%00", "/%0a", "/%1F", "/%7f", "/?a=%00", "/?%=1", "/?a=1&a=2"})
+        EXPECT_FALSE(parseTarget(wrong)) << wrong;
+}
+
+TEST(TargetTest, AnyTextSurvivesEncodingAndDecoding)
+{
+    const std::string text = "a b/c?d&e=f%g#h+\xC3\xA4\"'~-._";
+    EXPECT_EQ(Host::Web::percentEncoded("/ \xFF~"), "%2F%20%FF~");
+    EXPECT_EQ(parseTarget("/" + Host::Web::percentEncoded(text))->m_Path, "/" + text);
+}
+
+} // namespace
