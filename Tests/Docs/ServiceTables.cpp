@@ -1,5 +1,6 @@
 #include "InterfaceTables.h"
 #include "Journal/Entry.h"
+#include "Service/Settings.h"
 #include "Tables.h"
 
 #include <array>
@@ -64,11 +65,20 @@ std::string kindTable()
     return table({"Kind", "What it tells"}, rows);
 }
 
+std::string settingTable()
+{
+    std::vector<Row> rows;
+    for (const Host::Service::SettingRow& row : Host::Service::settingRows())
+        rows.push_back({"`" + std::string(row.m_Key) + "`", std::string(row.m_Value),
+                        std::string(row.m_Default), std::string(row.m_Description)});
+    return table({"Setting", "Value", "Default", "What it is"}, rows);
+}
+
 } // namespace
 
 std::map<std::string, std::string> serviceTables()
 {
-    return {{"journal", kindTable()}};
+    return {{"journal", kindTable()}, {"settings", settingTable()}};
 }
 
 } // namespace DocsTest
