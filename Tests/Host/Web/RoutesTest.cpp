@@ -226,6 +226,17 @@ TEST_F(RoutesTest, TheInterfaceDescribesItself)
     }
 }
 
+TEST_F(RoutesTest, TheDescriptionKnowsEveryKindOfEntry)
+{
+    using Host::Journal::Kind;
+    const json kinds = content("/api/v1/openapi.json")
+                           .at(json::json_pointer("/components/schemas/Entry/properties/kind/enum"));
+    std::vector<std::string> expected;
+    for (int kind = 0; kind <= static_cast<int>(Kind::ServiceEnded); ++kind)
+        expected.emplace_back(Host::Journal::kindName(static_cast<Kind>(kind)));
+    EXPECT_THAT(kinds.get<std::vector<std::string>>(), testing::UnorderedElementsAreArray(expected));
+}
+
 TEST_F(RoutesTest, UnknownPathsAndTricksLeadNowhere)
 {
     m_View.publish(1, {{1, "A", "/dev/nvme0n1"}});
