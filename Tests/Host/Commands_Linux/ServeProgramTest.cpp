@@ -4,9 +4,13 @@
 #include "Host/Commands_Linux/SimulatedProgram.h"
 #include "Support/TemporaryFolder.h"
 
+#include <TLX/Linux/Descriptor.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -14,6 +18,11 @@
 #include <random>
 #include <regex>
 #include <thread>
+
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 
 namespace {
 
@@ -273,6 +282,74 @@ TEST_F(ServeProgramTest, TellsTheNewsLaterWhenTheJournalIsLocked)
     service.awaitEntry("drive-removed", "S2");
     EXPECT_THAT(kindsOf(service.entries(), "S2"), testing::ElementsAre("drive-added", "drive-removed"));
     EXPECT_EQ(service.end().m_ExitCode, 0);
+}
+
+/** While it lives, programs that are started ignore the signal that a file has become too large. */
+class LargeFilesOnlyFail
+{
+public:
+    LargeFilesOnlyFail() : m_Former(std::signal(SIGXFSZ, SIG_IGN)) {}
+    ~LargeFilesOnlyFail() { (void)std::signal(SIGXFSZ, m_Former); }
+    LargeFilesOnlyFail(const LargeFilesOnlyFail&) = delete;
+    LargeFilesOnlyFail& operator=(const LargeFilesOnlyFail&) = delete;
+
+private:
+    void (*m_Former)(int);
+};
+
+TEST_F(ServeProgramTest, TellsTheNewsLaterWhenNothingCanBeWritten)
+{
+    m_Fleet.set({ChangingFleet::drive("S1", 1)});
+    const LargeFilesOnlyFail patient;
+    RunningService service(words());
+    awaitDrives(service, 1);
+    const auto limitFiles = [&](rlim_t size) {
+        const rlimit limit = {size, RLIM_INFINITY};
+        ASSERT_EQ(prlimit(service.program().process(), RLIMIT_FSIZE, &limit, nullptr), 0);
+    };
+    limitFiles(0);
+    m_Fleet.set({ChangingFleet::drive("S1", 1), ChangingFleet::drive("S2", 2)});
+    awaitDrives(service, 2);
+    m_Fleet.set({ChangingFleet::drive("S1", 1)});
+    awaitDrives(service, 1);
+    EXPECT_TRUE(service.document("/api/v1/status").at("journal").contains("failure"));
+    EXPECT_TRUE(kindsOf(service.entries(), "S2").empty());
+    limitFiles(RLIM_INFINITY);
+    m_Fleet.set({ChangingFleet::drive("S1", 1), ChangingFleet::drive("S3", 3)});
+    service.awaitEntry("drive-added", "S3");
+    EXPECT_THAT(kindsOf(service.entries(), "S2"), testing::ElementsAre("drive-added", "drive-removed"));
+    EXPECT_EQ(service.end().m_ExitCode, 0);
+}
+
+TEST_F(ServeProgramTest, GivesTheServiceManagerSignsOfLifeWhileAPluginHangs)
+{
+    m_Fleet.set({});
+    const std::string path = (m_Data.Path() / "notify").string();
+    sockaddr_un place{};
+    place.sun_family = AF_UNIX;
+    path.copy(place.sun_path, sizeof place.sun_path - 1);
+    const TLX::Linux::CDescriptor manager(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    ASSERT_EQ(bind(manager.Get(), reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
+    const auto next = [&] {
+        pollfd ready{manager.Get(), POLLIN, 0};
+        std::array<char, 4096> message{};
+        constexpr int minute = 60'000;
+        const ssize_t size =
+            poll(&ready, 1, minute) == 1 ? recv(manager.Get(), message.data(), message.size(), 0) : 0;
+        return std::string(message.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    };
+    std::vector<std::string> all = words();
+    all.insert(all.end(), {"--plugin", HostTest::Built::SLOW_TO_START_PLUGIN});
+    RunningService service(all, {{"NOTIFY_SOCKET", path}, {"WATCHDOG_USEC", "200000"}});
+    EXPECT_EQ(next(), "READY=1");
+    for (int sign = 0; sign < 3; ++sign)
+        EXPECT_EQ(next(), "WATCHDOG=1");
+    service.program().send(SIGTERM);
+    std::string last;
+    while ((last = next()) == "WATCHDOG=1") {
+    }
+    EXPECT_EQ(last, "STOPPING=1");
+    EXPECT_EQ(service.program().finish().m_ExitCode, 0);
 }
 
 } // namespace

@@ -8,13 +8,16 @@
 #include "Support/FakeDrives.h"
 #include "Support/TemporaryFolder.h"
 
+#include <TLX/Clock.h>
 #include <TLX/Thread.h>
 #include <TLX/WaitResult.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
