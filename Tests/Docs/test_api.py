@@ -66,7 +66,8 @@ class Answers(unittest.TestCase):
     @classmethod
     def open(cls, method, path, headers=None, body=None, connection=None):
         connection = connection or http.client.HTTPConnection("127.0.0.1", cls.port, timeout=PATIENCE)
-        connection.request(method, path, body, headers or {})
+        # So the connection is closed with its answer.
+        connection.request(method, path, body, {"Connection": "close", **(headers or {})})
         return connection.getresponse()
 
     @classmethod

@@ -247,6 +247,20 @@ TEST_F(RoutesTest, UnknownPathsAndTricksLeadNowhere)
         EXPECT_EQ(get(path).m_Status, 404U) << path;
 }
 
+TEST_F(RoutesTest, APropertyIsSet)
+{
+    Request request;
+    request.m_Method = "PUT";
+    request.m_Path = "/api/v1/objects/plugin/properties/pollinterval";
+    request.m_MayChange = true;
+    request.m_Headers = {{"content-type", "application/json"}};
+    request.m_Body = R"({"value": 60})";
+    EXPECT_EQ(ask(request).m_Status, 200U);
+    EXPECT_THAT(m_View.m_Set, testing::ElementsAre("plugin pollinterval 60"));
+    request.m_Body = R"({"speed": 60})";
+    expectWrongParameter(ask(request), "value");
+}
+
 TEST_F(RoutesTest, EachPathSaysWhatItAllows)
 {
     for (const char* path : {"/api/v1/status", "/api/v1/drives/A", "/api/v1/journal/stream"})
