@@ -1,9 +1,12 @@
 #include "Commands/CommandLine.h"
 
 #include "Base/Failure.h"
+#include "Base/Instant.h"
 #include "Base/Suggestion.h"
 #include "Base/Text.h"
 #include "Commands/HelpText.h"
+
+#include <TLX/Clock.h>
 
 #include <CLI/CLI.hpp>
 
@@ -44,6 +47,20 @@ std::string refuseBadMask(const std::string& text)
 std::string refuseBadSeconds(const std::string& text)
 {
     return parseSeconds(text) ? std::string() : "\"" + text + "\" is not a number from 0 to 4294967295";
+}
+
+std::string refuseBadInstant(const std::string& text)
+{
+    return parseInstant(text, TLX::Misc::now())
+               ? std::string()
+               : "\"" + text + "\" is no time, such as 2h, 7d, 2026-01-31 or 2026-01-31T12:00";
+}
+
+std::string refuseBadEndpoint(const std::string& text)
+{
+    return Service::parseEndpoint(text)
+               ? std::string()
+               : "\"" + text + "\" is not of the form ADDRESS:PORT, such as 127.0.0.1:9713 or [::1]:9713";
 }
 
 /** The parser and the options that it fills. */
@@ -236,7 +253,7 @@ private:
 
     void addJson(CLI::App& app)
     {
-        app.add_flag("--json", m_Options.m_Json, "Print a JSON document (watch: one object per line)")
+        app.add_flag("--json", m_Options.m_Json, "Print JSON (watch, journal: one object per line)")
             ->disable_flag_override();
     }
 
@@ -264,11 +281,13 @@ private:
             ->option_text(" ");
         addSetCommand();
         addWatchCommand();
+        addJournalCommand();
         addCommand(Command::Check, "check", "Print a verdict for monitoring systems", CHECK_FOOTER)
             ->add_option("OBJECT", m_Options.m_Object, "A drive, as in \"show\"; without it every drive")
             ->option_text(" ");
         addCommand(Command::Doctor, "doctor", "Check what can be seen here, and say what is wrong",
                    DOCTOR_FOOTER);
+        addServeCommand();
     }
 
     void addSetCommand()
@@ -283,6 +302,25 @@ private:
         set->add_option("VALUE", m_Options.m_Value, "The new value")->required()->option_text(" ");
     }
 
+    void addServeCommand()
+    {
+        CLI::App* serve = addCommand(Command::Serve, "serve",
+                                     "Run the service that watches, tells and answers", SERVE_FOOTER);
+        serve
+            ->add_option_function<std::string>(
+                "--listen",
+                [this](const std::string& text) { m_Options.m_Listen = Service::parseEndpoint(text); },
+                "Answer HTTP at this address instead of the one in the settings")
+            ->option_text("ADDRESS:PORT")
+            ->check(refuseBadEndpoint);
+        serve
+            ->add_option_function<std::string>(
+                "--settings", [this](const std::string& text) { m_Options.m_Settings = pathFromUtf8(text); },
+                "Read the settings from this file instead of serve.ini in the data folder")
+            ->option_text("FILE")
+            ->check(refuseNoPath);
+    }
+
     void addWatchCommand()
     {
         CLI::App* watch =
@@ -293,6 +331,21 @@ private:
                 "End after this number of seconds")
             ->option_text("SECONDS")
             ->check(refuseBadSeconds);
+    }
+
+    void addJournalCommand()
+    {
+        CLI::App* journal =
+            addCommand(Command::Journal, "journal", "Print what the service has told", JOURNAL_FOOTER);
+        journal
+            ->add_option_function<std::string>(
+                "--since",
+                [this](const std::string& text) { m_Options.m_Since = parseInstant(text, TLX::Misc::now()); },
+                "Begin at this time, or this long ago (2h, 7d)")
+            ->option_text("TIME")
+            ->check(refuseBadInstant);
+        journal->add_flag("--follow", m_Options.m_Follow, "Go on with what the service tells from now on")
+            ->disable_flag_override();
     }
 
     /** The library would report a missing command even if a word is there that is not a command. */
@@ -407,8 +460,8 @@ std::optional<std::uint32_t> parseMask(std::string_view text)
 bool keepsRows(const Options& options)
 {
     // "set" only writes settings. Rows of simulated drives must not be mixed with those of the machine.
-    return options.m_Command != Command::Set &&
-           (options.m_Data || (options.m_Command == Command::Watch && !options.m_Fleet));
+    return options.m_Command != Command::Set && (options.m_Data || options.m_Command == Command::Serve ||
+                                                 (options.m_Command == Command::Watch && !options.m_Fleet));
 }
 
 bool addTraceMask(std::string_view text, TraceOptions& trace)

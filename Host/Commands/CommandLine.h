@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Plugins/HostSetup.h"
+#include "Service/Settings.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -19,8 +20,10 @@ enum class Command
     Show,
     Set,
     Watch,
+    Journal,
     Check,
     Doctor,
+    Serve,
 };
 
 struct Options
@@ -32,15 +35,19 @@ struct Options
     std::optional<std::filesystem::path> m_Reader;
     TraceOptions m_Trace;
     bool m_Json = false;
-    std::string m_Object;                   ///< of `show`, `set` and `check`; empty: every drive
-    std::optional<std::string> m_Property;  ///< of `show` and `set`
-    std::string m_Value;                    ///< of `set`
-    std::optional<std::uint32_t> m_Seconds; ///< of `watch`
+    std::string m_Object;                            ///< of `show`, `set` and `check`; empty: every drive
+    std::optional<std::string> m_Property;           ///< of `show` and `set`
+    std::string m_Value;                             ///< of `set`
+    std::optional<std::uint32_t> m_Seconds;          ///< of `watch`
+    std::optional<std::uint64_t> m_Since;            ///< of `journal`, in milliseconds since 1970
+    bool m_Follow = false;                           ///< of `journal`
+    std::optional<Service::Endpoint> m_Listen;       ///< of `serve`
+    std::optional<std::filesystem::path> m_Settings; ///< of `serve`
 };
 
 /**
- * Whether a command keeps rows in the data folder. `watch` of real drives does, and every command but `set`
- * that was given a folder.
+ * Whether a command keeps rows in the data folder. `serve` does, `watch` of real drives does, and every
+ * command but `set` that was given a folder.
  */
 bool keepsRows(const Options& options);
 

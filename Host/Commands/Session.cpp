@@ -19,10 +19,16 @@ namespace {
 /** In milliseconds. Commands that take one look and keep what they see have ended by then. */
 constexpr std::uint64_t WATCH_PATIENCE = 3000;
 
+/** Whether the command goes on for as long as the user wants. */
+bool watches(const Options& options)
+{
+    return options.m_Command == Command::Watch || options.m_Command == Command::Serve;
+}
+
 HostFolders foldersOf(const Options& options)
 {
     return {shareFolder(Platform::programFolder()), options.m_Data.value_or(Platform::defaultDataFolder()),
-            keepsRows(options), options.m_Command == Command::Watch ? WATCH_PATIENCE : 0, options.m_Reader};
+            keepsRows(options), watches(options) ? WATCH_PATIENCE : 0, options.m_Reader};
 }
 
 std::vector<std::filesystem::path> pluginsOf(const Options& options)
@@ -54,7 +60,7 @@ Session::Session(const Options& options, Terminal& terminal)
 {
     if (!m_Setup.claim() || keepsRows())
         return;
-    if (options.m_Command == Command::Watch)
+    if (watches(options))
         throw m_Setup.claim()->failure();
     // "doctor" reports this in a line of its own.
     if (options.m_Command != Command::Doctor)

@@ -49,12 +49,6 @@ bool isSick(const Drive& drive)
     return tone == Tone::Warning || tone == Tone::Bad;
 }
 
-std::string entryLine(const Journal::Entry& entry, const Screen& screen)
-{
-    return noticeLine({entry.m_End, static_cast<std::uint32_t>(entry.m_Severity), entry.m_Text},
-                      entry.m_Key.empty() ? nullptr : &entry.m_Drive, screen);
-}
-
 /** For the plug-in, two devices with one serial number are one drive. */
 std::string sharedSerialText(const SharedSerial& shared)
 {
@@ -288,30 +282,51 @@ private:
     std::set<std::string> m_Silent; ///< instances of the drives that did not answer in the last round
 };
 
-/** Ends every wait for drives when the program is asked to end. Works while it lives. */
+/**
+ * Requests to end the program. Until `defer` is called a request ends it at once, because the first inventory
+ * may wait for a drive that does not answer. After that a request ends every wait for drives.
+ */
 class ShortEnd
 {
 public:
-    ShortEnd(TLX::Threading::CEvent& askedToEnd, std::shared_ptr<ParallelDrives> drives)
+    ShortEnd()
     {
         if (m_Over.Init(false, true) != TLX::Threading::WaitResult::Taken)
             throw Failure(ExitCode::RequestFailed, "The system has no event left for the program.");
-        m_Thread.emplace([this, &askedToEnd, drives = std::move(drives)] {
-            constexpr std::uint32_t asked = 1;
-            if (TLX::Threading::CWaiter{&askedToEnd, &m_Over}.Wait() == asked)
-                drives->stopWaiting();
-        });
     }
 
     ~ShortEnd()
     {
         m_Over.Set();
-        (void)m_Thread->Wait();
+        if (m_Thread)
+            (void)m_Thread->Wait();
     }
     ShortEnd(const ShortEnd&) = delete;
     ShortEnd& operator=(const ShortEnd&) = delete;
 
+    /** Further calls change nothing. */
+    void defer(std::shared_ptr<ParallelDrives> drives)
+    {
+        if (m_Thread)
+            return;
+        m_Termination.defer();
+        m_Thread.emplace([this, drives = std::move(drives)] {
+            constexpr std::uint32_t first = 1;
+            if (TLX::Threading::CWaiter{&asked(), &m_Over}.Wait() == first)
+                drives->stopWaiting();
+        });
+    }
+
+    TLX::Threading::CEvent& asked() { return m_Termination.asked(); }
+
+    bool isAsked()
+    {
+        return TLX::Threading::CWaiter{&asked()}.Wait(TLX::Threading::CWaitInterval(0)) !=
+               TLX::Threading::WaitResult::TimedOut;
+    }
+
 private:
+    Platform::TerminationRequest m_Termination; ///< before any thread
     TLX::Threading::CEvent m_Over;
     std::optional<TLX::Threading::CThread> m_Thread;
 };
@@ -331,8 +346,11 @@ void tellSilent(const Session& session)
                                     silenceReason(answer, TLX::Misc::now()) + ".");
 }
 
-/** Begins to watch as soon as a drive answers. Throws `Failure` when none has until `--for` is over. */
-std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& session)
+/**
+ * Begins to watch as soon as a drive answers. Null when the program is asked to end before that. Throws
+ * `Failure` when no drive has answered until `--for` is over.
+ */
+std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& session, ShortEnd& ending)
 {
     // Nobody announces that a drive answers again.
     constexpr std::uint64_t patience = 10'000;
@@ -344,8 +362,11 @@ std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& sessi
             auto begun = std::make_unique<Watch>(session);
             return {std::move(begun), end ? *end : endOf(session.m_Options)};
         } catch (const Failure& failure) {
+            if (ending.isAsked())
+                return {nullptr, 0};
             if (failure.exitCode() != ExitCode::NoHardware)
                 throw;
+            ending.defer(session.drives());
             if (!end) {
                 end = endOf(session.m_Options);
                 session.m_Terminal.tell(failure.what() + std::string(" Waiting for the first drive."));
@@ -355,8 +376,10 @@ std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& sessi
                 throw;
         }
         const std::uint64_t now = TLX::Misc::monotonic();
-        (void)TLX::Threading::CWaiter{&announced}.Wait(
+        (void)TLX::Threading::CWaiter{&announced, &ending.asked()}.Wait(
             TLX::Threading::CWaitInterval(std::min(*end - std::min(now, *end), patience)));
+        if (ending.isAsked())
+            return {nullptr, 0};
     }
 }
 
@@ -364,13 +387,12 @@ std::pair<std::unique_ptr<Watch>, std::uint64_t> beginWatch(const Session& sessi
 
 ExitCode watch(const Session& session)
 {
-    Platform::TerminationRequest termination;
-    const auto [watch, end] = beginWatch(session);
-    // Until here a signal ends the program at once, because the inventory may wait for a drive that does not
-    // answer.
-    termination.defer();
-    const ShortEnd shortEnd(termination.asked(), session.drives());
-    watch->run(termination.asked(), end);
+    ShortEnd ending;
+    const auto [watch, end] = beginWatch(session, ending);
+    if (watch) {
+        ending.defer(session.drives());
+        watch->run(ending.asked(), end);
+    }
     return ExitCode::Done;
 }
 

@@ -1,9 +1,9 @@
 #include "Facts/Observation.h"
 
-#include "Facts/DriveKey.h"
 #include "Facts/Drives.h"
 #include "Facts/PageFields.h"
 #include "Facts/Silence.h"
+#include "Facts/Snapshot.h"
 
 #include <PI/LifeTimeData.h>
 #include <PI/PropertyId.h>
@@ -105,13 +105,17 @@ ObservedDrive observed(const Drive& drive, std::optional<bool> belowNew, std::st
 
 Observation observe(const ObjectStore& objects, const Moment& moment)
 {
-    const std::vector<Drive> drives = joinDrives(objects);
-    std::vector<std::string> keys = driveKeys(drives);
+    return observe(Snapshot(objects, 0, moment.m_Time), moment);
+}
+
+Observation observe(const Snapshot& snapshot, const Moment& moment)
+{
     Observation result{moment, {}};
-    for (std::size_t i = 0; i < drives.size(); ++i) {
-        const auto& id = drives[i].m_AdapterId;
-        result.m_Drives.push_back(
-            observed(drives[i], belowNew(objects, id ? objects.byId(*id) : nullptr), std::move(keys[i])));
+    for (std::size_t i = 0; i < snapshot.m_Drives.size(); ++i) {
+        const Drive& drive = snapshot.m_Drives[i];
+        const PI::CObject* const adapter =
+            drive.m_AdapterId ? snapshot.m_Objects.byId(*drive.m_AdapterId) : nullptr;
+        result.m_Drives.push_back(observed(drive, belowNew(snapshot.m_Objects, adapter), snapshot.m_Keys[i]));
     }
     return result;
 }

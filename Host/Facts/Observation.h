@@ -16,6 +16,8 @@ class ObjectStore;
 
 namespace Host::Cli {
 
+struct Snapshot;
+
 /** The bits of the critical-warning byte in a drive's health log. */
 enum CriticalWarning : std::uint8_t
 {
@@ -62,5 +64,8 @@ struct Observation
 
 /** Reads from the plug-in's objects and from the pages of their drives. The observation is of `moment`. */
 Observation observe(const ObjectStore& objects, const Moment& moment);
+
+/** The same from what a snapshot holds, and from the pages of its drives. */
+Observation observe(const Snapshot& snapshot, const Moment& moment);
 
 } // namespace Host::Cli

@@ -44,6 +44,7 @@ std::vector<PI::CEvent> Monitor::collect()
     try {
         for (bool more = true; more;) {
             m_Objects = ObjectStore(m_Plugin.topology());
+            m_HasNewNames = false;
             std::vector<PI::CEvent> later = m_Plugin.collectEvents(plugin);
             more = !later.empty();
             std::move(later.begin(), later.end(), std::back_inserter(events));
@@ -61,6 +62,7 @@ void Monitor::refresh()
 {
     try {
         m_Objects = ObjectStore(m_Plugin.topology());
+        m_HasNewNames = false;
         m_Complaint.clear();
     } catch (const Failure& failure) {
         complain(failure);
@@ -73,6 +75,7 @@ void Monitor::nameNewcomers()
     if (!m_Running || fresh.empty())
         return;
     m_Plugin.setAdapterIds(std::move(fresh));
+    m_HasNewNames = true;
     keepAdapterNumbers(m_Data, m_Warn);
 }
 

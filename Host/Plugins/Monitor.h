@@ -45,6 +45,9 @@ public:
      */
     std::vector<PI::CEvent> collect();
 
+    /** Whether adapters got numbers, and so names, after `objects()` was read. */
+    bool hasNewNames() const { return m_HasNewNames; }
+
     /** Reads the objects again, without a signal of the plug-in. Warns as `collect` does. */
     void refresh();
 
@@ -83,6 +86,7 @@ private:
     AdapterIdentities m_Identities;
     ObjectStore m_Objects;
     std::string m_Complaint; ///< the last complaint, while its reason lasts
+    bool m_HasNewNames = false;
     bool m_Running = false;
     Ending m_Ending = Ending::ByItself;
 };

@@ -63,8 +63,11 @@ void Watched::refresh()
 {
     const std::optional<std::int64_t> changes = changesNow();
     bool anyEvent = false;
-    for (Monitor& monitor : m_Monitors)
+    for (Monitor& monitor : m_Monitors) {
         anyEvent = !monitor.collect().empty() || anyEvent;
+        if (monitor.hasNewNames())
+            monitor.refresh();
+    }
     if (anyEvent || !changes || changes != std::exchange(m_Changes, changes))
         cleanUp();
     else

@@ -2,8 +2,11 @@
 
 #include "Documents/EntryJson.h"
 #include "Documents/Json.h"
+#include "Documents/Metrics.h"
 #include "Documents/ServiceJson.h"
+#include "Documents/StatusPage.h"
 #include "Web/JournalStream.h"
+#include "Web/OpenApi.h"
 #include "Web/Parameters.h"
 #include "Web/Problem.h"
 #include "Web/SetProperty.h"
@@ -23,6 +26,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr std::size_t USUAL_ENTRIES = 100;
+constexpr std::size_t ENTRIES_ON_PAGE = 20;
 constexpr Bounds ENTRIES = {1, 1000};
 constexpr Bounds NUMBERS = {0, std::numeric_limits<std::uint64_t>::max()};
 
@@ -113,6 +117,51 @@ Response journalStream(const Call& call)
     return response;
 }
 
+Response text(std::string_view type, std::string content)
+{
+    Response response;
+    response.m_Type = type;
+    response.m_Body = std::move(content);
+    return response;
+}
+
+Response metrics(const Call& call)
+{
+    const auto accept = call.m_Request.m_Headers.find("accept");
+    const Cli::MetricsFormat format =
+        Cli::chosenFormat(accept == call.m_Request.m_Headers.end() ? std::string_view() : accept->second);
+    return text(Cli::contentType(format),
+                Cli::metricsText(*call.m_View.snapshot(), call.m_View.figures(), format));
+}
+
+/** The page shows what is known, also when the journal cannot be read. The page itself tells why not. */
+std::vector<Journal::NumberedEntry> lastEntries(const IServiceView& view, std::uint64_t last)
+{
+    try {
+        return view.journal(last - std::min<std::uint64_t>(last, ENTRIES_ON_PAGE), ENTRIES_ON_PAGE);
+    } catch (const Failure&) {
+        return {};
+    }
+}
+
+Response page(const Call& call)
+{
+    const Cli::ServiceFigures figures = call.m_View.figures();
+    return text("text/html; charset=utf-8",
+                Cli::statusPage(*call.m_View.snapshot(), figures,
+                                lastEntries(call.m_View, figures.m_LastEntry), TLX::Misc::now()));
+}
+
+Response description(const Call&)
+{
+    return text("application/json", std::string(openApi()));
+}
+
+Response style(const Call&)
+{
+    return text("text/css; charset=utf-8", std::string(Cli::statusStyle()));
+}
+
 /** A path, or what begins with it when it ends with a slash. */
 struct Route
 {
@@ -121,12 +170,16 @@ struct Route
     Response (*m_Answer)(const Call&);
 };
 
-constexpr std::array<Route, 5> ROUTES = {{
+constexpr std::array<Route, 9> ROUTES = {{
+    {"/", {}, page},
+    {Cli::STYLE_PATH, {}, style},
+    {"/metrics", {}, metrics},
     {"/api/v1/status", {}, status},
     {"/api/v1/drives", {}, drives},
     {"/api/v1/drives/", {}, drive},
     {"/api/v1/journal", {"after", "limit"}, journal},
     {"/api/v1/journal/stream", {"after"}, journalStream},
+    {"/api/v1/openapi.json", {}, description},
 }};
 
 bool leadsTo(const Route& route, std::string_view path)

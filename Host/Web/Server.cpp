@@ -459,7 +459,8 @@ public:
     void accept()
     {
         m_Acceptor.async_accept([this](error_code error, Socket socket) {
-            if (error == asio::error::operation_aborted)
+            // A client may have come just before the end.
+            if (!m_Acceptor.is_open())
                 return;
             if (!error)
                 receive(std::move(socket));
@@ -484,8 +485,8 @@ private:
     void acceptLater()
     {
         m_Pause.expires_after(PAUSE_AFTER_FAILED_ACCEPT);
-        m_Pause.async_wait([this](error_code error) {
-            if (!error)
+        m_Pause.async_wait([this](error_code) {
+            if (m_Acceptor.is_open())
                 accept();
         });
     }

@@ -24,7 +24,7 @@ struct ServerSettings
     std::vector<Sockets::Native> m_HandedOver;
     AccessSettings m_Access;
     Limits m_Limits;
-    std::function<bool(Sockets::Native)> m_IsTrustedPeer = Sockets::isTrustedPeer;
+    std::function<bool(Sockets::Native)> m_IsTrustedPeer = Sockets::trustedPeers();
 };
 
 /** Answers requests over HTTP/1.1 on a thread of its own. Safe from any thread. */

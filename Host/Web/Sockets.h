@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <vector>
 
 // What differs between the systems in the server's sockets. Each system has its own folder with an
@@ -27,9 +28,9 @@ void prepareListener(Native socket);
 void prepareConnection(Native socket);
 
 /**
- * Whether the caller at the other end of a local socket may change something: root, the user of this process
- * and members of the group "ostrel".
+ * Tells of the caller at the other end of a local socket whether it may change something: root, the user of
+ * this process and members of the group "ostrel". The group is looked up only now, because that may wait.
  */
-bool isTrustedPeer(Native socket);
+std::function<bool(Native)> trustedPeers();
 
 } // namespace Host::Web::Sockets

@@ -42,12 +42,10 @@ std::optional<Peer> peerOf(int socket)
     return Peer{credentials.uid, std::move(*groups)};
 }
 
-bool mayChange(const Peer& peer, uid_t own, const std::function<std::optional<gid_t>(const char*)>& find)
+bool mayChange(const Peer& peer, uid_t own, std::optional<gid_t> group)
 {
-    if (peer.m_User == 0 || peer.m_User == own)
-        return true;
-    const std::optional<gid_t> group = find("ostrel");
-    return group && std::find(peer.m_Groups.begin(), peer.m_Groups.end(), *group) != peer.m_Groups.end();
+    return peer.m_User == 0 || peer.m_User == own ||
+           (group && std::find(peer.m_Groups.begin(), peer.m_Groups.end(), *group) != peer.m_Groups.end());
 }
 
 std::optional<gid_t> findGroup(const char* name)

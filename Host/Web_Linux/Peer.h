@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <vector>
 
@@ -18,14 +17,10 @@ struct Peer
 /** Nothing when the system does not tell. */
 std::optional<Peer> peerOf(int socket);
 
-/**
- * Whether this process may change something: it is root's, it is of the user `own`, or it is in the group
- * that `findGroup` knows as "ostrel".
- */
-bool mayChange(const Peer& peer, uid_t own,
-               const std::function<std::optional<gid_t>(const char*)>& findGroup);
+/** Whether this process may change something: it is root's, of the user `own`, or in the group. */
+bool mayChange(const Peer& peer, uid_t own, std::optional<gid_t> group);
 
-/** The number of a group of this machine. */
+/** The number of a group of this machine. May wait for another machine that knows the groups. */
 std::optional<gid_t> findGroup(const char* name);
 
 } // namespace Host::Web

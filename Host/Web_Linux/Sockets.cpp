@@ -114,10 +114,12 @@ void prepareConnection(Native socket)
     setOption(socket, IPPROTO_TCP, TCP_USER_TIMEOUT, MOST_UNACKNOWLEDGED);
 }
 
-bool isTrustedPeer(Native socket)
+std::function<bool(Native)> trustedPeers()
 {
-    const std::optional<Peer> peer = peerOf(static_cast<int>(socket));
-    return peer && mayChange(*peer, ::geteuid(), findGroup);
+    return [own = ::geteuid(), group = findGroup("ostrel")](Native socket) {
+        const std::optional<Peer> peer = peerOf(static_cast<int>(socket));
+        return peer && mayChange(*peer, own, group);
+    };
 }
 
 } // namespace Host::Web::Sockets

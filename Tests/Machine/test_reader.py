@@ -35,10 +35,21 @@ class Reader(Booted):
         serials = sorted(entry["serial"] for entry in self.document("list-root")["drives"])
         self.assertEqual(serials, sorted(drive.serial for drive in FLEET))
         names = [name.removeprefix("ostrel/").removesuffix(".out") for name in self.files
-                 if name.startswith("ostrel/") and "-root" in name and name.endswith(".out")]
+                 if name.startswith("ostrel/") and "-root" in name and name.endswith(".out")
+                 and not name.startswith("ostrel/watch")]
         self.assertEqual(len(names), 3 + len(FLEET))
         for name in names:
             self.assertEqual(self.document(name.replace("-root", "-member")), self.document(name), name)
+
+    def test_watch(self):
+        """a watch of a member tells what that of root tells"""
+        told = {}
+        for user in ("root", "member"):
+            told[user] = [json.loads(line) for line in self.output(f"watch-{user}").splitlines()]
+            for line in told[user]:
+                del line["time"]
+        self.assertEqual([line["drive"]["serial"] for line in told["root"]], ["INTEL-1"])
+        self.assertEqual(told["member"], told["root"])
 
     def test_outside(self):
         """everybody else is told what to do, and so is a member while there is no reader"""

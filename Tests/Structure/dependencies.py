@@ -85,9 +85,11 @@ ALLOWED = {
         "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web"),
     "Host/Web_Win": HOST_LIBRARIES + TLX_WIN + rooms(
         "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web"),
+    "Host/Service": HOST_LIBRARIES + rooms(
+        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web"),
     "Host/Terminal": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents"),
     "Host/Commands": HOST_LIBRARIES + rooms(
-        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web", "Terminal"),
+        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web", "Service", "Terminal"),
     "Host": rooms("Host", "Base", "Commands"),
 }
 

@@ -310,6 +310,11 @@ void RunningProgram::send(int signal)
     (void)kill(m_Native->m_Child, signal);
 }
 
+int RunningProgram::process() const
+{
+    return m_Native->m_Child;
+}
+
 ProgramResult RunningProgram::finish()
 {
     // The output after this point is small enough for both pipes, so one can be read after the other.

@@ -65,6 +65,9 @@ public:
 
     void send(int signal);
 
+    /** The system's number of the process. */
+    int process() const;
+
     /** Waits for its end. The outputs have the text that no call has awaited. */
     ProgramResult finish();
 

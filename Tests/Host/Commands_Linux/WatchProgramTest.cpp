@@ -243,6 +243,19 @@ TEST_F(WatchProgram, WaitsForTheFirstDrive)
     EXPECT_EQ(program.finish().m_ExitCode, 0);
 }
 
+TEST_F(WatchProgram, ASignalEndsTheWaitForTheFirstDriveWell)
+{
+    for (const int signal : {SIGTERM, SIGINT}) {
+        fleet({});
+        RunningProgram program(arguments({"--json"}));
+        program.awaitMessage("Waiting for the first drive.");
+        program.send(signal);
+        const ProgramResult end = program.finish();
+        EXPECT_EQ(end.m_ExitCode, 0) << end.m_Errors;
+        EXPECT_THAT(end.m_Output, IsEmpty());
+    }
+}
+
 TEST_F(WatchProgram, ADriveThatHangsHidesNoOtherAndDelaysNoEnd)
 {
     fleet({{1, "A"}, {2, "B"}});

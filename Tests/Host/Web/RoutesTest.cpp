@@ -1,5 +1,7 @@
 #include "Web/Routes.h"
 
+#include "Documents/MetricsFormat.h"
+#include "Documents/StatusPage.h"
 #include "Host/Web/FakeView.h"
 #include "Web/Problem.h"
 #include "Web/Status.h"
@@ -163,6 +165,65 @@ TEST_F(RoutesTest, AStreamBeginsWhereTheClientSays)
     EXPECT_THAT(firstEvents(ask(again)), testing::StartsWith("id: 2\n"));
     again.m_Headers = {{"last-event-id", "1x"}};
     expectWrongParameter(ask(again), "Last-Event-ID");
+}
+
+TEST_F(RoutesTest, MetricsComeInTheFormatThatTheClientPrefers)
+{
+    m_View.publish(1, {{1, "A", "/dev/nvme0n1"}});
+    const Response plain = get("/metrics");
+    EXPECT_EQ(plain.m_Status, 200U);
+    EXPECT_EQ(plain.m_Type, Host::Cli::contentType(Host::Cli::MetricsFormat::Text));
+    EXPECT_THAT(plain.m_Body, HasSubstr("drive=\"A\""));
+    Request open;
+    open.m_Method = "GET";
+    open.m_Path = "/metrics";
+    open.m_Headers = {{"accept", "application/openmetrics-text; version=1.0.0"}};
+    const Response answer = ask(open);
+    EXPECT_EQ(answer.m_Type, Host::Cli::contentType(Host::Cli::MetricsFormat::OpenMetrics));
+    EXPECT_TRUE(answer.m_Body.ends_with("# EOF\n"));
+}
+
+TEST_F(RoutesTest, ThePageShowsDrivesAndTheLastEntries)
+{
+    m_View.publish(1, {{1, "SERIAL", "/dev/nvme0n1"}});
+    for (int i = 1; i <= 21; ++i)
+        m_View.addEntry("entry " + std::to_string(i) + ".");
+    const Response page = get("/");
+    EXPECT_EQ(page.m_Status, 200U);
+    EXPECT_EQ(page.m_Type, "text/html; charset=utf-8");
+    EXPECT_THAT(page.m_Body, HasSubstr("SERIAL"));
+    EXPECT_THAT(page.m_Body, HasSubstr("entry 21."));
+    EXPECT_THAT(page.m_Body, HasSubstr("entry 2."));
+    EXPECT_THAT(page.m_Body, testing::Not(HasSubstr("entry 1.")));
+    EXPECT_THAT(page.m_Body, HasSubstr(Host::Cli::STYLE_PATH));
+    const Response style = get(std::string(Host::Cli::STYLE_PATH));
+    EXPECT_EQ(style.m_Type, "text/css; charset=utf-8");
+    EXPECT_EQ(style.m_Body, Host::Cli::statusStyle());
+}
+
+TEST_F(RoutesTest, ThePageIsThereWithoutDrivesAndWithoutAJournal)
+{
+    EXPECT_EQ(get("/").m_Status, 200U);
+    m_View.change([](auto& figures) { figures.m_JournalFailure = "The disk is full."; });
+    const Response page = get("/");
+    EXPECT_EQ(page.m_Status, 200U);
+    EXPECT_THAT(page.m_Body, HasSubstr("The disk is full."));
+}
+
+TEST_F(RoutesTest, TheInterfaceDescribesItself)
+{
+    const json description = content("/api/v1/openapi.json");
+    EXPECT_EQ(description.at("openapi"), "3.1.0");
+    m_View.publish(1, {{1, "A", "/dev/nvme0n1"}});
+    for (const auto& [path, operations] : description.at("paths").items()) {
+        Request request;
+        request.m_Path = path;
+        request.m_Method = operations.contains("get") ? "GET" : "PUT";
+        request.m_MayChange = true;
+        if (const std::size_t key = path.find("{key}"); key != std::string::npos)
+            request.m_Path = path.substr(0, key) + "A";
+        EXPECT_THAT(ask(request).m_Status, testing::AnyOf(200U, 415U)) << path;
+    }
 }
 
 TEST_F(RoutesTest, UnknownPathsAndTricksLeadNowhere)

@@ -6,6 +6,8 @@
 
 #include <chrono>
 #include <list>
+#include <system_error>
+#include <thread>
 
 // Each limit of the server, and clients that try to get past it.
 namespace {
@@ -278,6 +280,24 @@ TEST(ServerLimitsTest, ItEndsAtOnceWhateverClientsDo)
     server.server().stop();
     EXPECT_EQ(server.events().m_Open, 0);
     EXPECT_THROW(RawClient{server.url()}, std::system_error);
+}
+
+TEST(ServerLimitsTest, ItEndsWhileClientsCome)
+{
+    for (int i = 0; i < 20; ++i) {
+        ScriptedServer server(patient());
+        std::thread coming([&] {
+            try {
+                for (;;)
+                    RawClient(server.url()).send(rawRequest("/"));
+            } catch (const std::system_error&) {
+                return; // nobody listens any more
+            }
+        });
+        server.awaitRoom();
+        server.server().stop();
+        coming.join();
+    }
 }
 
 TEST(ServerLimitsTest, AnAddressForOthersNeedsAToken)

@@ -20,7 +20,18 @@ outside() {
     user=root
 }
 
+# watched WHO: what a watch of some polls prints. Each user keeps rows of his own.
+watched() {
+    user=$1
+    mkdir "/tmp/watched-$1"
+    echo PollInterval=1 >"/tmp/watched-$1/Ostrel.ini"
+    chown -R "$1" "/tmp/watched-$1"
+    run "watch-$1" watch --json --for 5 --data "/tmp/watched-$1"
+    user=root
+}
+
 looks root
+watched root
 outside member before
 
 pidof ostrel-reader >/results/left-behind || true
@@ -32,6 +43,7 @@ until [ -S /run/ostrel/reader.sock ]; do usleep 20000; done
 chown root:ostrel /run/ostrel/reader.sock
 chmod 660 /run/ostrel/reader.sock
 looks member
+watched member
 outside nobody after
 run list-named list --json --reader /run/ostrel/reader.sock
 grep -E '^(Uid|CapPrm|CapEff|CapBnd|NoNewPrivs|Seccomp):' "/proc/$reader/status" >/results/restrictions

@@ -1,0 +1,87 @@
+#include "Service/Board.h"
+
+#include "Base/Platform.h"
+
+#include <TLX/Clock.h>
+
+#include <stdexcept>
+#include <utility>
+
+namespace Host::Service {
+
+Board::Board(std::filesystem::path journal, bool simulated)
+    : m_Journal(std::make_unique<Journal::Reader>(std::move(journal))),
+      m_Snapshot(std::make_shared<Cli::Snapshot>(ObjectStore({}), 0, TLX::Misc::now()))
+{
+    if (m_Wished.Init(false, false) != TLX::Threading::WaitResult::Taken)
+        throw std::runtime_error("The system has no event left for the service.");
+    m_Figures.m_Started = TLX::Misc::now();
+    m_Figures.m_Simulated = simulated;
+}
+
+std::shared_ptr<const Cli::Snapshot> Board::snapshot() const
+{
+    const std::scoped_lock guard(m_Lock);
+    return m_Snapshot;
+}
+
+Cli::ServiceFigures Board::figures() const
+{
+    const Platform::ProcessFigures process = Platform::processFigures();
+    const std::scoped_lock guard(m_Lock);
+    Cli::ServiceFigures figures = m_Figures;
+    if (m_Durations)
+        figures.m_Requests = m_Durations();
+    figures.m_ProcessorSeconds = process.m_ProcessorSeconds;
+    figures.m_ResidentBytes = process.m_ResidentBytes;
+    figures.m_OpenDescriptors = process.m_OpenDescriptors;
+    return figures;
+}
+
+std::vector<Journal::NumberedEntry> Board::journal(std::uint64_t after, std::size_t limit) const
+{
+    return m_Journal->read(after, limit);
+}
+
+void Board::set(const std::string& object, const std::string& property, const std::string& value,
+                std::function<void(const std::string& text, std::exception_ptr failure)> done)
+{
+    {
+        const std::scoped_lock guard(m_Lock);
+        m_Wishes.push_back({object, property, value, std::move(done)});
+    }
+    m_Wished.Set();
+}
+
+void Board::show(std::shared_ptr<const Cli::Snapshot> snapshot)
+{
+    // The former snapshot is released without the lock, because that may take time.
+    const std::scoped_lock guard(m_Lock);
+    m_Snapshot.swap(snapshot);
+}
+
+void Board::count(const std::function<void(Cli::ServiceFigures&)>& change)
+{
+    const std::scoped_lock guard(m_Lock);
+    change(m_Figures);
+}
+
+void Board::timeRequests(std::function<Cli::Histogram()> durations)
+{
+    const std::scoped_lock guard(m_Lock);
+    m_Durations = std::move(durations);
+}
+
+std::deque<Wish> Board::takeWishes()
+{
+    const std::scoped_lock guard(m_Lock);
+    return std::exchange(m_Wishes, {});
+}
+
+void Board::refuseWishes(const Failure& reason)
+{
+    for (const Wish& wish : takeWishes())
+        wish.m_Done({}, std::make_exception_ptr(reason));
+}
+
+} // namespace Host::Service
