@@ -1,9 +1,12 @@
 #include "Commands/CommandLine.h"
 
 #include "Base/Failure.h"
+#include "Base/Instant.h"
 #include "Base/Suggestion.h"
 #include "Base/Text.h"
 #include "Commands/HelpText.h"
+
+#include <TLX/Clock.h>
 
 #include <CLI/CLI.hpp>
 
@@ -44,6 +47,13 @@ std::string refuseBadMask(const std::string& text)
 std::string refuseBadSeconds(const std::string& text)
 {
     return parseSeconds(text) ? std::string() : "\"" + text + "\" is not a number from 0 to 4294967295";
+}
+
+std::string refuseBadInstant(const std::string& text)
+{
+    return parseInstant(text, TLX::Misc::now())
+               ? std::string()
+               : "\"" + text + "\" is no time, such as 2h, 7d, 2026-01-31 or 2026-01-31T12:00";
 }
 
 std::string refuseBadEndpoint(const std::string& text)
@@ -243,7 +253,7 @@ private:
 
     void addJson(CLI::App& app)
     {
-        app.add_flag("--json", m_Options.m_Json, "Print a JSON document (watch: one object per line)")
+        app.add_flag("--json", m_Options.m_Json, "Print JSON (watch, journal: one object per line)")
             ->disable_flag_override();
     }
 
@@ -271,6 +281,7 @@ private:
             ->option_text(" ");
         addSetCommand();
         addWatchCommand();
+        addJournalCommand();
         addCommand(Command::Check, "check", "Print a verdict for monitoring systems", CHECK_FOOTER)
             ->add_option("OBJECT", m_Options.m_Object, "A drive, as in \"show\"; without it every drive")
             ->option_text(" ");
@@ -320,6 +331,21 @@ private:
                 "End after this number of seconds")
             ->option_text("SECONDS")
             ->check(refuseBadSeconds);
+    }
+
+    void addJournalCommand()
+    {
+        CLI::App* journal =
+            addCommand(Command::Journal, "journal", "Print what the service has told", JOURNAL_FOOTER);
+        journal
+            ->add_option_function<std::string>(
+                "--since",
+                [this](const std::string& text) { m_Options.m_Since = parseInstant(text, TLX::Misc::now()); },
+                "Begin at this time, or this long ago (2h, 7d)")
+            ->option_text("TIME")
+            ->check(refuseBadInstant);
+        journal->add_flag("--follow", m_Options.m_Follow, "Go on with what the service tells from now on")
+            ->disable_flag_override();
     }
 
     /** The library would report a missing command even if a word is there that is not a command. */

@@ -20,6 +20,7 @@ enum class Command
     Show,
     Set,
     Watch,
+    Journal,
     Check,
     Doctor,
     Serve,
@@ -38,6 +39,8 @@ struct Options
     std::optional<std::string> m_Property;           ///< of `show` and `set`
     std::string m_Value;                             ///< of `set`
     std::optional<std::uint32_t> m_Seconds;          ///< of `watch`
+    std::optional<std::uint64_t> m_Since;            ///< of `journal`, in milliseconds since 1970
+    bool m_Follow = false;                           ///< of `journal`
     std::optional<Service::Endpoint> m_Listen;       ///< of `serve`
     std::optional<std::filesystem::path> m_Settings; ///< of `serve`
 };

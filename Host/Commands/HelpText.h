@@ -75,6 +75,21 @@ Examples:
   sudo ostrel watch --json | jq 'select(.severity > 2).text'
   ostrel watch --for 60 --simulate fleet.json)";
 
+inline constexpr char JOURNAL_FOOTER[] =
+    R"(Prints a line for each entry of the journal that "ostrel serve" keeps in the data
+folder (--data DIR, otherwise the system's folder): local time, severity, what
+happened, and to which drive. The service need not run. What happened while
+nobody watched has the time when it was found, and says since when it may have
+been so. With --json each line is one JSON object. TIME is a number with s, m,
+h, d or w, a date, or a date and a time (2026-01-31T12:00, at the end with Z or
+an offset if it is not this machine's time). --follow ends with Ctrl+C or a
+termination signal.
+The options of "ostrel --help" may be given, too.
+
+Examples:
+  ostrel journal --since 7d
+  ostrel journal --follow --json | jq 'select(.severity > 2).text')";
+
 inline constexpr char CHECK_FOOTER[] =
     R"(One line as Nagios, Icinga and others expect it: the verdict, what is wrong, and
 after "|" the drives' figures with their limits. The health of the drives
@@ -140,6 +155,8 @@ inline constexpr OptionDetails OPTION_DETAILS[] = {
     {"--trace-file", "When the file has grown to 8 MiB, it is renamed to FILE.1, and a new one begins.\n"
                      "Three older files are kept.\n"},
     {"--help", "After a command, this prints the help of that command.\n"},
+    {"--since", "Only \"journal\" takes this option.\n"},
+    {"--follow", "Only \"journal\" takes this option.\n"},
     {"--for", "Only \"watch\" takes this option.\n"},
     {"--listen", "Only \"serve\" takes this option.\n"
                  "Port 0 lets the system pick one; the first line on standard error names it.\n"},

@@ -5,6 +5,7 @@
 #include "Commands/CheckCommand.h"
 #include "Commands/CommandLine.h"
 #include "Commands/DoctorCommand.h"
+#include "Commands/JournalCommand.h"
 #include "Commands/ListCommand.h"
 #include "Commands/ServeCommand.h"
 #include "Commands/Session.h"
@@ -36,6 +37,8 @@ int execute(const Options& options, Terminal& terminal)
     // Plug-ins may print to standard output. That output is only useful together with trace lines.
     Platform::divertStandardOutput(options.m_Trace.wanted() ? Platform::Elsewhere::StandardError
                                                             : Platform::Elsewhere::Nowhere);
+    if (options.m_Command == Command::Journal)
+        return static_cast<int>(journal(options, terminal));
     if (options.m_Command == Command::Serve)
         return static_cast<int>(serve(options, terminal));
     const Session session(options, terminal);
@@ -54,6 +57,7 @@ int execute(const Options& options, Terminal& terminal)
         return static_cast<int>(check(session));
     case Command::Doctor:
         return static_cast<int>(doctor(session));
+    case Command::Journal:
     case Command::Serve:
         break;
     }
@@ -88,7 +92,8 @@ public:
         m_Terminal.tell(message);
         try {
             if (m_Json) {
-                const auto text = commandIn(m_Words) == "watch" ? lineText : documentText;
+                const std::string command = commandIn(m_Words);
+                const auto text = command == "watch" || command == "journal" ? lineText : documentText;
                 m_Terminal.print(text(failureJson(message, result), m_Simulated));
             }
         } catch (const Platform::ReaderGone&) {

@@ -49,12 +49,6 @@ bool isSick(const Drive& drive)
     return tone == Tone::Warning || tone == Tone::Bad;
 }
 
-std::string entryLine(const Journal::Entry& entry, const Screen& screen)
-{
-    return noticeLine({entry.m_End, static_cast<std::uint32_t>(entry.m_Severity), entry.m_Text},
-                      entry.m_Key.empty() ? nullptr : &entry.m_Drive, screen);
-}
-
 /** For the plug-in, two devices with one serial number are one drive. */
 std::string sharedSerialText(const SharedSerial& shared)
 {

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint64_t HOUR = 3'600'000; // milliseconds
 
-struct Step
+struct CounterStep
 {
     const CounterRow& m_Row;
     Figure m_Before;
@@ -19,23 +19,23 @@ struct Step
 
 /** How `counter` changed in the direction of `compare`. Nothing when it did not, or when one is not known. */
 template<typename Compare>
-std::optional<Step> stepOf(Counter counter, const Cli::ObservedDrive& drive, const Figures& before,
-                           Compare compare)
+std::optional<CounterStep> stepOf(Counter counter, const Cli::ObservedDrive& drive, const Figures& before,
+                                  Compare compare)
 {
     const CounterRow& row = rowOf(counter);
     const std::optional<std::uint64_t>& now = drive.*row.m_Figure;
     const auto figure = before.find(counter);
     if (!now || figure == before.end() || !compare(*now, figure->second.m_Value))
         return std::nullopt;
-    return Step{row, figure->second, *now};
+    return CounterStep{row, figure->second, *now};
 }
 
-std::optional<Step> growth(Counter counter, const Cli::ObservedDrive& drive, const Figures& before)
+std::optional<CounterStep> growth(Counter counter, const Cli::ObservedDrive& drive, const Figures& before)
 {
     return stepOf(counter, drive, before, std::greater<>());
 }
 
-std::string textOf(const Step& step)
+std::string textOf(const CounterStep& step)
 {
     return std::string("the ") + step.m_Row.m_Text + " from " + std::to_string(step.m_Before.m_Value) +
            " to " + std::to_string(step.m_Now);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Facts/DriveEvent.h"
+#include "Journal/Entry.h"
 #include "Terminal/Screen.h"
 
 #include <cstdint>
@@ -21,5 +22,11 @@ struct Notice
 
 /** The same line for a `notice` about `drive`. `drive` is null when it is not known. */
 std::string noticeLine(const Notice& notice, const DriveIdentity* drive, const Screen& screen);
+
+/**
+ * The line for an entry of the journal. Its time is that of the look that found it. The line also says since
+ * when it may have been so, if that is much longer than the time between two looks.
+ */
+std::string entryLine(const Journal::Entry& entry, const Screen& screen);
 
 } // namespace Host::Cli

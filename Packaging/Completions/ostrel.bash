@@ -2,7 +2,7 @@
 
 _ostrel() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} word command=
-    local commands="list topology show set watch check doctor"
+    local commands="list topology show set watch journal check doctor"
     local options="--version -h --help --plugin --data --simulate --reader --trace --trace-file --json"
 
     case $previous in
@@ -16,13 +16,14 @@ _ostrel() {
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
             return
             ;;
-        --trace | --for) return ;;
+        --trace | --for | --since) return ;;
     esac
 
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         [[ " $commands " != *" $word "* ]] || command=$word
     done
     [[ $command != watch ]] || options+=" --for"
+    [[ $command != journal ]] || options+=" --since --follow"
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
     elif [[ -z $command ]]; then

@@ -1,6 +1,6 @@
 # fish completion for ostrel; made from the program's own description
 
-set -l commands list topology show set watch check doctor
+set -l commands list topology show set watch journal check doctor
 
 complete -c ostrel -f
 complete -c ostrel -l version -d 'Print the version and exit'
@@ -11,16 +11,19 @@ complete -c ostrel -l simulate -r -F -d 'Show the drives that a fleet file descr
 complete -c ostrel -l reader -r -F -d 'Ask the drives through the reader at this socket'
 complete -c ostrel -l trace -x -d 'Write trace lines of these levels (of module N)'
 complete -c ostrel -l trace-file -r -F -d 'File for trace lines instead of standard error'
-complete -c ostrel -l json -d 'Print a JSON document (watch: one object per line)'
+complete -c ostrel -l json -d 'Print JSON (watch, journal: one object per line)'
 
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a list -d 'Show one line for each drive'
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a topology -d 'Show every object with its properties'
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a show -d 'Show the properties of one object'
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a set -d 'Set a property to another value'
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a watch -d 'Print each event of the drives when it comes'
+complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a journal -d 'Print what the service has told'
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a check -d 'Print a verdict for monitoring systems'
 complete -c ostrel -n "not __fish_seen_subcommand_from $commands" -a doctor -d 'Check what can be seen here, and say what is wrong'
 complete -c ostrel -n '__fish_seen_subcommand_from show' -a 'plugin (for disk in /dev/nvme*n*; echo $disk; end)'
 complete -c ostrel -n '__fish_seen_subcommand_from set; and not __fish_seen_subcommand_from plugin' -a plugin
 complete -c ostrel -n '__fish_seen_subcommand_from set; and __fish_seen_subcommand_from plugin' -a pollinterval
 complete -c ostrel -n '__fish_seen_subcommand_from watch' -l for -x -d 'End after this number of seconds'
+complete -c ostrel -n '__fish_seen_subcommand_from journal' -l since -x -d 'Begin at this time, or this long ago (2h, 7d)'
+complete -c ostrel -n '__fish_seen_subcommand_from journal' -l follow -d 'Go on with what the service tells from now on'

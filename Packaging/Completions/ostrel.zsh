@@ -8,6 +8,7 @@ _ostrel_commands() {
         'show:Show the properties of one object'
         'set:Set a property to another value'
         'watch:Print each event of the drives when it comes'
+        'journal:Print what the service has told'
         'check:Print a verdict for monitoring systems'
         'doctor:Check what can be seen here, and say what is wrong'
     )
@@ -24,6 +25,8 @@ _ostrel_arguments() {
 
 local -a own=()
 (( ! $words[(I)watch] )) || own+=('--for[End after this number of seconds]:value: ')
+(( ! $words[(I)journal] )) || own+=('--since[Begin at this time, or this long ago (2h, 7d)]:value: ')
+(( ! $words[(I)journal] )) || own+=('--follow[Go on with what the service tells from now on]')
 
 _arguments \
     $own \
@@ -35,6 +38,6 @@ _arguments \
     '--reader[Ask the drives through the reader at this socket]:file:_files' \
     '*--trace[Write trace lines of these levels (of module N)]:value: ' \
     '--trace-file[File for trace lines instead of standard error]:file:_files' \
-    '--json[Print a JSON document (watch: one object per line)]' \
+    '--json[Print JSON (watch, journal: one object per line)]' \
     '1:command:_ostrel_commands' \
     '*:argument:_ostrel_arguments'

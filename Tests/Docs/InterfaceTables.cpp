@@ -169,6 +169,7 @@ std::map<std::string, std::string> interfaceTables()
         {"health", healthTable()},
         {"events", eventTable()},
         {"facts", factTable()},
+        {"journal", journalTable()},
     };
     for (const auto& definition : getDatabasePointer()->m_Tables)
         tables["database " + definition->Name()] = databaseTable(*definition);

@@ -28,4 +28,7 @@ std::string eventTable();
 /** The table of the facts about a drive. */
 std::string factTable();
 
+/** The table of the kinds of entries in the journal. */
+std::string journalTable();
+
 } // namespace DocsTest

@@ -208,9 +208,14 @@ class Documents(unittest.TestCase):
                  "source": "0x0000000000004a3a", "sourceName": "x", "placeholder1": "x", "placeholder2": "",
                  "drive": {"device": "/dev/nvme0n1", "serial": "S"}}
         self.assertEqual(schemas.wrong("event", event), [])
+        entry = {"format": 1, "number": 1, "time": "2026-01-01T00:00:00.000Z", "kind": "read-only", "phase": "began",
+                 "severity": 4, "text": "x", "begin": "2026-01-01T00:00:00.000Z", "event": 1, "key": "S",
+                 "drive": {"device": "/dev/nvme0n1", "serial": "S"}}
+        self.assertEqual(schemas.wrong("entry", entry), [])
         whole = self.document("list", "list")
         documents = [("event", event),
                      ("news", next(each for each in self.news(DEMO) if "event" in each)),
+                     ("entry", entry),
                      ("list", {**whole, "drives": whole["drives"][:2]}),
                      ("topology", {"format": 1, "objects": self.document("topology", "topology")["objects"][:2]}),
                      ("show", self.document("show", "show", "nvme6n1")),

@@ -68,22 +68,36 @@ CState& stateOf(sqlite3_vfs* vfs)
     return *static_cast<CState*>(vfs->pAppData);
 }
 
+// SQLite's own files do not take more at a time.
+constexpr std::size_t CHUNK = 1U << 16U;
+
+/** Calls `act` for each chunk of `content`: with its bytes, their number and their place. */
+template<typename Content, typename Act>
+void eachChunk(Content& content, Act act)
+{
+    for (std::size_t begin = 0; begin < content.size(); begin += CHUNK)
+        act(content.data() + begin, static_cast<int>(std::min(CHUNK, content.size() - begin)),
+            static_cast<sqlite3_int64>(begin));
+}
+
 Bytes contentOf(sqlite3_file* real)
 {
     sqlite3_int64 size = 0;
     if (real->pMethods->xFileSize(real, &size) != SQLITE_OK)
         return {};
     Bytes content(static_cast<std::size_t>(size));
-    if (size > 0)
-        real->pMethods->xRead(real, content.data(), static_cast<int>(size), 0);
+    eachChunk(content, [&](char* bytes, int count, sqlite3_int64 place) {
+        real->pMethods->xRead(real, bytes, count, place);
+    });
     return content;
 }
 
 void setContent(sqlite3_file* real, const Bytes& content)
 {
     real->pMethods->xTruncate(real, 0);
-    if (!content.empty())
-        real->pMethods->xWrite(real, content.data(), static_cast<int>(content.size()), 0);
+    eachChunk(content, [&](const char* bytes, int count, sqlite3_int64 place) {
+        real->pMethods->xWrite(real, bytes, count, place);
+    });
 }
 
 /** The durable content with every second block of what came later. */

@@ -17,19 +17,19 @@ CSilentPipe::CSilentPipe()
 
 CSilentPipe::~CSilentPipe()
 {
-    close(static_cast<int>(m_Reader));
-    close(static_cast<int>(m_Writer));
+    ::close(static_cast<int>(m_Reader));
+    ::close(static_cast<int>(m_Writer));
 }
 
 bool CSilentPipe::ReadByte() const
 {
     char byte = 0;
-    return read(static_cast<int>(m_Reader), &byte, 1) == 1;
+    return ::read(static_cast<int>(m_Reader), &byte, 1) == 1;
 }
 
 void CSilentPipe::WriteByte() const
 {
-    if (write(static_cast<int>(m_Writer), "x", 1) != 1)
+    if (::write(static_cast<int>(m_Writer), "x", 1) != 1)
         throw std::runtime_error("the pipe takes nothing");
 }
 

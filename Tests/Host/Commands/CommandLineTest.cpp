@@ -58,6 +58,11 @@ TEST(CommandLine, KnowsTheCommands)
     EXPECT_EQ(set.m_Object, "plugin");
     EXPECT_EQ(set.m_Property, "pollinterval");
     EXPECT_EQ(set.m_Value, "-60");
+    EXPECT_EQ(parse({"journal"}).m_Command, Command::Journal);
+    EXPECT_FALSE(parse({"journal"}).m_Follow);
+    EXPECT_EQ(parse({"journal"}).m_Since, std::nullopt);
+    EXPECT_TRUE(parse({"journal", "--follow"}).m_Follow);
+    EXPECT_EQ(parse({"journal", "--since", "2026-01-01T00:00Z"}).m_Since, 1'767'225'600'000U);
     EXPECT_EQ(parse({"watch"}).m_Command, Command::Watch);
     EXPECT_EQ(parse({"watch"}).m_Seconds, std::nullopt);
     EXPECT_EQ(parse({"watch", "--for", "4294967295", "--json"}).m_Seconds, 4294967295U);
@@ -226,11 +231,12 @@ TEST(CommandLine, ReadsMasksInBothBases)
 TEST(CommandLine, HelpIsThereForTheProgramAndEveryCommand)
 {
     const std::string help = textFor({"--help"});
-    for (const char* word : {"list", "topology", "show", "set", "watch", "check", "doctor", "--plugin FILE",
-                             "--data DIR", "--simulate FLEET.json", "--reader SOCKET", "--trace [N=]MASK",
-                             "--trace-file FILE", "--json", "--version", "Exit codes", "Examples:"})
+    for (const char* word :
+         {"list", "topology", "show", "set", "watch", "journal", "check", "doctor", "--plugin FILE",
+          "--data DIR", "--simulate FLEET.json", "--reader SOCKET", "--trace [N=]MASK", "--trace-file FILE",
+          "--json", "--version", "Exit codes", "Examples:"})
         EXPECT_THAT(help, HasSubstr(word));
-    for (const char* command : {"list", "topology", "show", "set", "watch", "check", "doctor"}) {
+    for (const char* command : {"list", "topology", "show", "set", "watch", "journal", "check", "doctor"}) {
         const std::string text = textFor({command, "--help"});
         EXPECT_THAT(text, HasSubstr(std::string("Usage: ostrel ") + command));
         EXPECT_THAT(text, HasSubstr("Examples:"));
@@ -269,10 +275,13 @@ TEST(CommandLine, DescribesItself)
                                                      "--simulate FLEET.json", "--reader SOCKET",
                                                      "--trace [N=]MASK*", "--trace-file FILE", "--json "));
     for (const CommandUsage& command : described.m_Commands) {
-        ASSERT_EQ(command.m_Options.size(), command.m_Name == "watch" ? 1U : 0U) << command.m_Name;
+        ASSERT_EQ(command.m_Options.size(), command.m_Name == "watch"     ? 1U
+                                            : command.m_Name == "journal" ? 2U
+                                                                          : 0U)
+            << command.m_Name;
         EXPECT_NE(command.m_Description, "");
     }
-    EXPECT_EQ(described.m_Commands.size(), 7U);
+    EXPECT_EQ(described.m_Commands.size(), 8U);
     EXPECT_THAT(described.m_Commands.at(4).m_Options.at(0).m_Names, ElementsAre("--for"));
 }
 

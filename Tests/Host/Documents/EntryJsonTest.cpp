@@ -1,7 +1,12 @@
 #include "Documents/EntryJson.h"
 
+#include "Support/SourceTree.h"
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+
+#include <fstream>
+#include <set>
 
 namespace {
 
@@ -20,6 +25,21 @@ TEST(EntryJsonTest, AnEntryTellsWhatWhenAndOfWhich)
     EXPECT_FALSE(Host::Cli::entryJson(entry).contains("event"));
     entry.m_Begin = 1'767'225'540'000;
     EXPECT_EQ(Host::Cli::entryJson(entry)["begin"], "2025-12-31T23:59:00.000Z");
+}
+
+TEST(EntryJsonTest, TheSchemasKnowEveryKind)
+{
+    const auto kindsIn = [](const char* schema) {
+        std::ifstream file(TestSupport::sourceTree(schema));
+        return nlohmann::json::parse(file)["properties"]["kind"]["enum"].get<std::set<std::string>>();
+    };
+    std::set<std::string> kinds;
+    for (int kind = 0; kind <= static_cast<int>(Kind::ServiceEnded); ++kind)
+        kinds.emplace(kindName(static_cast<Kind>(kind)));
+    EXPECT_EQ(kindsIn("Docs/Schemas/entry.json"), kinds);
+    for (const Kind kind : {Kind::MachineRestarted, Kind::ServiceStarted, Kind::ServiceEnded})
+        kinds.erase(std::string(kindName(kind)));
+    EXPECT_EQ(kindsIn("Docs/Schemas/news.json"), kinds) << "watch runs during one boot and is no service";
 }
 
 TEST(EntryJsonTest, AnEntryWithoutADriveNamesNone)

@@ -1,5 +1,6 @@
 #include "Terminal/EventLine.h"
 
+#include "Base/Time.h"
 #include "Host/Catalogue.h"
 
 namespace {
@@ -64,6 +65,19 @@ TEST_F(EventLineTest, ADrivesTextsForgeNothingOnATerminal)
     DriveEvent forged{event(REMOVED, "a\n2026-01-01 00:00:00  Error  b\033[2J"), driveOf("S\r")};
     EXPECT_THAT(eventLine(forged, {}), AllOf(HasSubstr("a?2026"), HasSubstr("b?[2J"), HasSubstr("S?)\n"),
                                              Not(HasSubstr("\033")), Not(HasSubstr("\r"))));
+}
+
+TEST_F(EventLineTest, AnEntryWithALongIntervalSaysSinceWhenItMayBeSo)
+{
+    constexpr std::uint64_t hour = 3'600'000;
+    Host::Journal::Entry entry;
+    entry.m_Text = "The service started.";
+    entry.m_Begin = 10 * hour;
+    entry.m_End = 12 * hour;
+    EXPECT_THAT(entryLine(entry, {}), testing::EndsWith("The service started. It happened after " +
+                                                        Host::localTimeText(10 * hour) + ".\n"));
+    entry.m_Begin = 12 * hour - hour / 6;
+    EXPECT_THAT(entryLine(entry, {}), testing::EndsWith("The service started.\n"));
 }
 
 } // namespace

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Base/Failure.h"
+#include "Commands/CommandLine.h"
+#include "Terminal/Terminal.h"
+
+namespace Host::Cli {
+
+/**
+ * Prints what the service's journal in the data folder tells, and with `--follow` what comes, until the user
+ * asks the program to end. Needs neither drives nor the service. Throws `Failure`, and `std::system_error`
+ * when an entry cannot be written.
+ */
+ExitCode journal(const Options& options, Terminal& terminal);
+
+} // namespace Host::Cli
