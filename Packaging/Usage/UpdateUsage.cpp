@@ -1,4 +1,5 @@
 #include "Completions.h"
+#include "Service/Settings.h"
 
 #include <exception>
 #include <fstream>
@@ -6,13 +7,23 @@
 #include <iterator>
 #include <map>
 #include <stdexcept>
+#include <string_view>
 
 using namespace Host::Cli;
 
 namespace {
 
-constexpr char BEGIN[] = ".\\\" The options: ./dev docs makes them from the program's own description.\n";
-constexpr char END[] = ".\\\" End of the options.\n";
+/** The lines around what is generated in a manual. */
+struct Marks
+{
+    std::string_view m_Begin;
+    std::string_view m_End;
+};
+
+constexpr Marks OPTIONS = {".\\\" The options: ./dev docs makes them from the program's own description.\n",
+                           ".\\\" End of the options.\n"};
+constexpr Marks SETTINGS = {".\\\" The settings: ./dev docs makes them from the program's own table.\n",
+                            ".\\\" End of the settings.\n"};
 
 std::string read(const std::string& file)
 {
@@ -38,26 +49,42 @@ std::string manualEntry(const OptionUsage& option)
     return entry + '\n' + escaped(option.m_Description) + ".\n" + escaped(option.m_Details);
 }
 
-/** The manual `text` with its options generated again. */
-std::string manual(const std::string& text, const Usage& usage)
+std::string optionsOf(const Usage& usage)
 {
-    const std::size_t begin = text.find(BEGIN);
-    const std::size_t end = text.find(END);
-    if (begin == std::string::npos || end == std::string::npos)
-        throw std::runtime_error("the manual has no place for the options");
     std::string options;
     for (const OptionUsage& option : usage.m_Options)
         options += manualEntry(option);
     for (const CommandUsage& command : usage.m_Commands)
         for (const OptionUsage& option : command.m_Options)
             options += manualEntry(option);
-    return text.substr(0, begin) + BEGIN + options + text.substr(end);
+    return options;
+}
+
+std::string settings()
+{
+    std::string entries;
+    for (const Host::Service::SettingRow& row : Host::Service::settingRows())
+        entries += ".TP\n\\fB" + escaped(std::string(row.m_Key)) + "\\fR = \\fI" +
+                   escaped(std::string(row.m_Value)) + "\\fR\n" + escaped(std::string(row.m_Description)) +
+                   "\n.br\nDefault: " + escaped(std::string(row.m_Default)) + ".\n";
+    return entries;
+}
+
+/** The manual `text` with a part of it generated again. */
+std::string manual(const std::string& text, const Marks& marks, const std::string& part)
+{
+    const std::size_t begin = text.find(marks.m_Begin);
+    const std::size_t end = text.find(marks.m_End);
+    if (begin == std::string::npos || end == std::string::npos)
+        throw std::runtime_error("a manual has no place for what is generated");
+    return text.substr(0, begin) + std::string(marks.m_Begin) + part + text.substr(end);
 }
 
 } // namespace
 
 /**
- * usage: UpdateUsage SOURCE_FOLDER [--check]: generates the completions and the options of the manual again.
+ * usage: UpdateUsage SOURCE_FOLDER [--check]: generates the completions, the options in the manual and the
+ * settings in the manual of the service again.
  * With --check it only says whether they are up to date.
  */
 int main(int argc, char** argv)
@@ -69,10 +96,13 @@ int main(int argc, char** argv)
         const Usage usage = Host::Cli::usage();
         const std::string completions = root + "/Packaging/Completions/ostrel.";
         const std::string page = root + "/Docs/ostrel.1.in";
-        const std::map<std::string, std::string> files = {{completions + "bash", bashCompletions(usage)},
-                                                          {completions + "fish", fishCompletions(usage)},
-                                                          {completions + "zsh", zshCompletions(usage)},
-                                                          {page, manual(read(page), usage)}};
+        const std::string service = root + "/Docs/ostrel-serve.1.in";
+        const std::map<std::string, std::string> files = {
+            {completions + "bash", bashCompletions(usage)},
+            {completions + "fish", fishCompletions(usage)},
+            {completions + "zsh", zshCompletions(usage)},
+            {page, manual(read(page), OPTIONS, optionsOf(usage))},
+            {service, manual(read(service), SETTINGS, settings())}};
         for (const auto& [file, text] : files) {
             if (read(file) == text)
                 continue;

@@ -14,6 +14,9 @@ std::map<std::string, std::string> interfaceTables();
 /** The tables of Docs/Metrics.md, likewise. */
 std::map<std::string, std::string> metricTables();
 
+/** The tables of Docs/Service.md, likewise. */
+std::map<std::string, std::string> serviceTables();
+
 /** The definitions in Docs/Schemas/<schema>.json that are made from the table of facts, by their names. */
 std::map<std::string, std::string> schemaMembers(const std::string& schema);
 

@@ -58,7 +58,9 @@ std::string updated(const std::filesystem::path& file, const std::string& text)
     if (file.extension() == ".json")
         return updated(text, SCHEMA, DocsTest::schemaMembers(document));
     return updated(text, MARKDOWN,
-                   document == "Metrics" ? DocsTest::metricTables() : DocsTest::interfaceTables());
+                   document == "Metrics"   ? DocsTest::metricTables()
+                   : document == "Service" ? DocsTest::serviceTables()
+                                           : DocsTest::interfaceTables());
 }
 
 std::string read(const char* file)

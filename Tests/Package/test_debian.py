@@ -12,7 +12,9 @@ SCHEMAS = pathlib.Path(__file__).resolve().parents[2] / "Docs/Schemas"
 PLACES = (
     "bin/ostrel", "libexec/ostrel/ostrel-reader",
     "lib/systemd/system/ostrel-reader.socket", "lib/systemd/system/ostrel-reader.service",
-    "lib/sysusers.d/ostrel.conf", "share/doc/ostrel/Reader.md.gz",
+    "lib/systemd/system/ostrel.socket", "lib/systemd/system/ostrel.service",
+    "lib/sysusers.d/ostrel.conf", "lib/tmpfiles.d/ostrel.conf",
+    "share/doc/ostrel/Reader.md.gz", "share/doc/ostrel/Service.md.gz", "share/man/man1/ostrel-serve.1.gz",
     "lib/*/ostrel/libOstrel.so",
     "share/ostrel/Ostrel.nls", "share/ostrel/Endurance.txt", "share/ostrel/DemoFleet.json",
     "share/man/man1/ostrel.1.gz", "share/doc/ostrel/copyright", "share/doc/ostrel/changelog.gz",
@@ -108,6 +110,12 @@ class Debian(unittest.TestCase):
             self.assertIn(library, depends)
         self.assertNotIn("-dev", depends)
 
+    def test_settings(self):
+        """the settings of the service are kept at an upgrade if they were changed, and nothing else is in /etc"""
+        self.assertEqual(stage.run("dpkg-deb", "--info", stage.package, "conffiles"), "/etc/ostrel/serve.ini\n")
+        self.assertEqual([str(file.relative_to(stage.root)) for file in (stage.root / "etc").rglob("*")],
+                         ["etc/ostrel", "etc/ostrel/serve.ini"])
+
     def test_removal(self):
         """kept data stay after a removal and an upgrade, and are deleted by a purge"""
         control, tools = stage.work / "control", stage.work / "tools"
@@ -118,7 +126,7 @@ class Debian(unittest.TestCase):
         # This machine's own service manager is not asked.
         done = {action: stage.run("/bin/sh", control / "postrm", action, env={"PATH": str(tools)})
                 for action in ("remove", "upgrade", "purge")}
-        self.assertEqual(done, {"remove": "", "upgrade": "", "purge": "rm -rf /var/lib/ostrel\n"})
+        self.assertEqual(done, {"remove": "", "upgrade": "", "purge": "rm -rf /var/lib/ostrel /etc/ostrel\n"})
 
     def test_program(self):
         """unpacked anywhere, the program finds its plug-in, its catalogue and its table"""

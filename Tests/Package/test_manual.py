@@ -28,6 +28,14 @@ class Manual(unittest.TestCase):
         self.assertEqual((self.code, self.warnings), (0, ""))
         self.assertIn("ostrel - show NVMe drives", self.text)
 
+    def test_service(self):
+        """the page of the service renders without a warning"""
+        page = stage.run("zcat", stage.root / "usr/share/man/man1/ostrel-serve.1.gz")
+        rendered = stage.attempt("groff", "-ww", "-man", "-Tascii", "-P-c", "-P-b", "-P-u", "-P-o", input=page)
+        self.assertEqual((rendered.returncode, rendered.stderr), (0, ""))
+        self.assertIn("ostrel-serve - watch NVMe drives", rendered.stdout)
+        self.assertIn(stage.ostrel("--version").strip(), rendered.stdout)
+
     def test_version(self):
         """it names the version of the program"""
         self.assertIn(stage.ostrel("--version").strip(), self.text)

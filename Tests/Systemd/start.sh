@@ -10,6 +10,31 @@ kept() {
     echo $code >"/results/$name.code"
 }
 
+# property UNIT NAME: one property of a unit.
+property() { systemctl show --value --property="$2" "$1"; }
+
+# states NAME UNIT...: what the service manager says of units.
+states() {
+    local name=$1
+    shift
+    systemctl show --property=Id,ActiveState,UnitFileState,NRestarts,MainPID,StatusText,Result "$@" \
+        >"/results/states-$name"
+}
+
+# restricted UNIT: what the kernel says of the unit's process, and the drives that it has opened.
+restricted() {
+    local pid
+    pid=$(property "$1" MainPID)
+    grep -E '^(Uid|CapPrm|CapEff|CapBnd|NoNewPrivs|Seccomp):' "/proc/$pid/status" >"/results/restrictions-$1"
+    find "/proc/$pid/fd" -lname '/dev/nvme*' >"/results/opened-$1"
+}
+
+# files NAME: every file, also those below /run with the program's name.
+files() {
+    find / -xdev ! -path '/results*' ! -path '/job*' ! -path '/tmp*' >"/results/files-$1"
+    find /run -name '*ostrel*' >>"/results/files-$1"
+}
+
 mkdir -p /results
 kept started systemctl is-system-running --wait
 cut -d' ' -f1 /proc/uptime >/results/started.uptime

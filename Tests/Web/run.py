@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """
-The test of what the service shows: metrics and the status page. Prometheus, a text browser and Chromium read them.
+The test of what the service shows: metrics and the status page. Prometheus, a text browser and Chromium read them, also
+through a proxy.
 
-Needs the Debian packages chromium, python3-prometheus-client and w3m. Prometheus is unpacked and never installed, so
-that no server starts. It installs nothing and needs no special rights.
+Needs the Debian packages chromium, openssl, python3-prometheus-client and w3m. Prometheus and nginx are unpacked and
+never installed, so that no server starts. It installs nothing and needs no special rights.
 """
 
 import argparse
