@@ -118,7 +118,8 @@ ExitCode listThroughService(const RunningService& service, const Options& option
         return ExitCode::Done;
     }
     std::vector<Drive> drives;
-    for (const ServiceJson& drive : ServiceJson::parse(answer).at("drives"))
+    const ServiceJson document = ServiceJson::parse(answer);
+    for (const ServiceJson& drive : document.at("drives"))
         drives.push_back(listedDrive(drive));
     terminal.print(listText(drives, terminal.screen()));
     return ExitCode::Done;

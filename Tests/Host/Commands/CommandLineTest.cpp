@@ -277,6 +277,7 @@ TEST(CommandLine, DescribesItself)
     for (const CommandUsage& command : described.m_Commands) {
         ASSERT_EQ(command.m_Options.size(), command.m_Name == "watch"     ? 1U
                                             : command.m_Name == "journal" ? 2U
+                                            : command.m_Name == "serve"   ? 2U
                                                                           : 0U)
             << command.m_Name;
         EXPECT_NE(command.m_Description, "");

@@ -95,7 +95,8 @@ TEST_F(ServiceCommandsTest, WatchEndsWhenItsTimeIsOver)
 TEST_F(ServiceCommandsTest, DoctorLooksAtTheService)
 {
     const auto finding = [&] {
-        for (const json& check : json::parse(runProgram(words({"doctor", "--json"})).m_Output).at("checks"))
+        const json document = json::parse(runProgram(words({"doctor", "--json"})).m_Output);
+        for (const json& check : document.at("checks"))
             if (check["subject"] == "service")
                 return check;
         return json();
@@ -132,8 +133,8 @@ TEST_F(ServiceCommandsTest, ListShowsTheSameFromADocument)
     m_Fleet.set({ChangingFleet::drive("S1", 1, {{"health", {{"criticalWarning", 4}}}}),
                  ChangingFleet::drive("S2", 2, {{"fails", {"identifyController"}}})});
     std::vector<Host::Cli::Drive> drives;
-    for (const nlohmann::ordered_json& drive :
-         nlohmann::ordered_json::parse(runProgram(words({"list", "--json"})).m_Output).at("drives"))
+    const auto document = nlohmann::ordered_json::parse(runProgram(words({"list", "--json"})).m_Output);
+    for (const nlohmann::ordered_json& drive : document.at("drives"))
         drives.push_back(Host::Cli::listedDrive(drive));
     ASSERT_EQ(drives.size(), 2U);
     EXPECT_THAT(runProgram(words({"list"})).m_Output, HasSubstr(Host::Cli::listText(drives, {})));
