@@ -282,7 +282,7 @@ TEST(CommandLine, DescribesItself)
             << command.m_Name;
         EXPECT_NE(command.m_Description, "");
     }
-    EXPECT_EQ(described.m_Commands.size(), 8U);
+    EXPECT_EQ(described.m_Commands.size(), 9U);
     EXPECT_THAT(described.m_Commands.at(4).m_Options.at(0).m_Names, ElementsAre("--for"));
 }
 
