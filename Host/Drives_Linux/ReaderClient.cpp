@@ -66,11 +66,11 @@ ReaderClient::~ReaderClient() = default;
 void ReaderClient::Submit(const TLXX::CDriveAddress& drive, const std::vector<TLXX::CDriveCommand>& commands)
 {
     const auto owner = TLXX::Linux::CDiskOwner::Parse(drive.m_Instance);
-    CReaderRequest request;
+    CReaderRequest place;
     if (owner) {
-        request.m_Controller = owner->m_Instance;
-        request.m_Node = owner->m_Node;
-        request.m_NamespaceId = owner->m_NamespaceId;
+        place.m_Controller = owner->m_Instance;
+        place.m_Node = owner->m_Node;
+        place.m_NamespaceId = owner->m_NamespaceId;
     }
     std::vector<Kind> kinds;
     for (const TLXX::CDriveCommand& command : commands) {
@@ -81,29 +81,27 @@ void ReaderClient::Submit(const TLXX::CDriveAddress& drive, const std::vector<TL
         }
         // The reader takes the bits of one request in their order.
         if (!kinds.empty() && bit <= kinds.back().first)
-            send(drive, request, std::exchange(kinds, {}));
+            send({drive, place, std::exchange(kinds, {})});
         kinds.emplace_back(bit, command);
     }
     if (!kinds.empty())
-        send(drive, request, std::move(kinds));
+        send({drive, place, std::move(kinds)});
 }
 
-void ReaderClient::send(const TLXX::CDriveAddress& drive, CReaderRequest request, std::vector<Kind> kinds)
+void ReaderClient::send(Request request)
 {
-    if (!connected()) {
-        for (const Kind& kind : kinds)
-            fail(drive, kind.second, m_Reason);
-        return;
-    }
-    for (const Kind& kind : kinds)
-        request.m_Commands |= kind.first;
-    if ((request.m_Commands & ReaderCommand::identifyNamespace) == 0)
-        request.m_NamespaceId = 0;
-    if (kinds.back().first >= ReaderCommand::firstLogPage)
-        request.m_Length = PAGE_LENGTH;
-    request.m_Sequence = ++m_LastSequence;
-    m_Requests.insert({request.m_Sequence, {drive, std::move(kinds)}});
-    m_Unsent.push_back(request);
+    if (!connected())
+        return fail(request, m_Reason);
+    CReaderRequest packet = request.m_Place;
+    for (const Kind& kind : request.m_Owed)
+        packet.m_Commands |= kind.first;
+    if ((packet.m_Commands & ReaderCommand::identifyNamespace) == 0)
+        packet.m_NamespaceId = 0;
+    if (request.m_Owed.back().first >= ReaderCommand::firstLogPage)
+        packet.m_Length = PAGE_LENGTH;
+    packet.m_Sequence = ++m_LastSequence;
+    m_Requests.insert({packet.m_Sequence, std::move(request)});
+    m_Unsent.push_back(packet);
     flush();
 }
 
@@ -138,12 +136,12 @@ void ReaderClient::flush()
 /** Takes the answers that came before the end of the connection. */
 void ReaderClient::end()
 {
-    receive();
-    if (m_Connection.Valid())
+    if (receive())
         lose();
 }
 
-void ReaderClient::receive()
+/** Returns false when the connection was lost, even if there is another one now. */
+bool ReaderClient::receive()
 {
     // One byte more, which shows that a packet is too long.
     std::array<std::uint8_t, TLXX::Linux::READER_PACKET + 1> packet; // NOLINT(*-member-init)
@@ -154,11 +152,13 @@ void ReaderClient::receive()
         if (size < 0 && errno == ECONNRESET && !std::exchange(isReset, true))
             continue;
         if (size < 0 && errno == EAGAIN)
-            return;
+            return true;
         if (size < 0 && errno == EINTR)
             continue;
-        if (size <= 0 || !take(std::span(packet).first(static_cast<std::size_t>(size))))
-            return lose();
+        if (size <= 0 || !take(std::span(packet).first(static_cast<std::size_t>(size)))) {
+            lose();
+            return false;
+        }
     }
 }
 
@@ -169,7 +169,7 @@ bool ReaderClient::take(std::span<const std::uint8_t> packet)
     const auto request = reply ? m_Requests.find(reply->m_Answer.m_Sequence) : m_Requests.end();
     if (request == m_Requests.end())
         return false;
-    auto& [drive, owed] = request->second;
+    auto& owed = request->second.m_Owed;
     const auto kind = std::find_if(owed.begin(), owed.end(),
                                    [&](const Kind& each) { return each.first == reply->m_Answer.m_Command; });
     if (kind == owed.end())
@@ -185,10 +185,11 @@ bool ReaderClient::take(std::span<const std::uint8_t> packet)
         block.assign(reply->m_Data.begin(), reply->m_Data.end());
         block.resize(length); // The zeros at its end do not travel.
     }
-    m_Answers.push_back({drive, kind->second, status, std::move(block)});
+    m_Answers.push_back({request->second.m_Drive, kind->second, status, std::move(block)});
     owed.erase(kind);
     if (owed.empty())
         m_Requests.erase(request);
+    m_HasAnswered = true;
     m_Delay = 0;
     return true;
 }
@@ -228,15 +229,26 @@ void ReaderClient::fail(const TLXX::CDriveAddress& drive, const TLXX::CDriveComm
     m_Answers.push_back({drive, command, status, {}});
 }
 
+void ReaderClient::fail(const Request& request, std::uint32_t status)
+{
+    for (const Kind& kind : request.m_Owed)
+        fail(request.m_Drive, kind.second, status);
+}
+
 void ReaderClient::lose()
 {
     m_Connection = {};
     m_Unsent.clear();
     m_Reason = ECONNRESET;
-    postpone();
-    for (const auto& [sequence, request] : std::exchange(m_Requests, {}))
-        for (const Kind& kind : request.m_Owed)
-            fail(request.m_Drive, kind.second, m_Reason);
+    // After a reader that has worked, the next one probably works at once.
+    if (!std::exchange(m_HasAnswered, false))
+        postpone();
+    for (auto& [sequence, request] : std::exchange(m_Requests, {})) {
+        if (std::exchange(request.m_IsRepeated, true))
+            fail(request, ECONNRESET);
+        else
+            send(std::move(request));
+    }
 }
 
 void ReaderClient::postpone()

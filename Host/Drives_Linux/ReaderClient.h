@@ -18,9 +18,10 @@ namespace Host {
 using ConnectReader = std::function<TLX::Linux::CDescriptor()>;
 
 /**
- * Asks drives through a reader. When the reader goes away, every command that it owes is answered as failed
- * (ECONNRESET). The next command then makes a new connection, but not sooner than a delay that doubles from
- * attempt to attempt. Commands fail at once until then.
+ * Asks drives through a reader. When a reader that has answered goes away, the next one is asked once for
+ * what it owes, because the loss of a reader is no silence of drives. Otherwise all that is owed is answered
+ * as failed (ECONNRESET). The next command then makes a new connection, but not sooner than a delay that
+ * doubles from attempt to attempt. Commands fail at once until then.
  */
 class ReaderClient : public TLXX::IDriveSource
 {
@@ -39,22 +40,26 @@ private:
     struct Request
     {
         TLXX::CDriveAddress m_Drive;
+        TLXX::Linux::CReaderRequest m_Place; ///< where the drive is; the rest is not set
         std::vector<Kind> m_Owed;
+        bool m_IsRepeated = false;
     };
 
     bool connected();
-    void send(const TLXX::CDriveAddress& drive, TLXX::Linux::CReaderRequest request, std::vector<Kind> kinds);
+    void send(Request request);
     void flush();
-    void receive();
+    bool receive();
     void end();
     bool take(std::span<const std::uint8_t> packet);
     void fail(const TLXX::CDriveAddress& drive, const TLXX::CDriveCommand& command, std::uint32_t status);
+    void fail(const Request& request, std::uint32_t status);
     void lose();
     void postpone();
 
     const ConnectReader m_Connect;
     const TLX::Linux::CDescriptor m_Wake;
     TLX::Linux::CDescriptor m_Connection;
+    bool m_HasAnswered = false;                  ///< this connection
     std::map<std::uint64_t, Request> m_Requests; ///< that are owed something, by sequence number
     std::uint64_t m_LastSequence = 0;
     std::deque<TLXX::Linux::CReaderRequest> m_Unsent;

@@ -2,8 +2,13 @@
 #include "Journal/Entry.h"
 #include "Service/Settings.h"
 #include "Tables.h"
+#include "Web/OpenApi.h"
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 #include <array>
+#include <cctype>
 
 namespace DocsTest {
 namespace {
@@ -74,11 +79,29 @@ std::string settingTable()
     return table({"Setting", "Value", "Default", "What it is"}, rows);
 }
 
+std::string inCapitals(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
+    return text;
+}
+
+std::string endpointTable()
+{
+    std::vector<Row> rows;
+    const auto description = nlohmann::ordered_json::parse(Host::Web::openApi());
+    for (const auto& [path, operations] : description.at("paths").items())
+        for (const auto& [method, operation] : operations.items())
+            rows.push_back(
+                {"`" + inCapitals(method) + " " + path + "`", operation.at("summary").get<std::string>()});
+    return table({"Request", "Answer"}, rows);
+}
+
 } // namespace
 
 std::map<std::string, std::string> serviceTables()
 {
-    return {{"journal", kindTable()}, {"settings", settingTable()}};
+    return {{"endpoints", endpointTable()}, {"journal", kindTable()}, {"settings", settingTable()}};
 }
 
 } // namespace DocsTest

@@ -126,14 +126,24 @@ class Units(unittest.TestCase):
         """the service manager shows what the service does"""
         self.assertRegex(self.output("status"), r'Status: "nvme\dn1 \(WARNED\): Critical.*; 2 of 3 drives healthy"')
 
+    def told(self, entries):
+        """What entries tell of the drive that was pulled. They have all numbers from 1 on."""
+        self.assertEqual([entry["number"] for entry in entries], [*range(1, len(entries) + 1)])
+        return [entry["kind"] for entry in entries if entry.get("drive", {}).get("serial") == "PLAIN" and
+                entry["kind"].startswith("drive-")]
+
     def test_journal(self):
         """a drive that is pulled and plugged in again is told once each, also after a crash and an upgrade"""
         for name in ("journal-crashed", "journal-upgraded"):
-            entries = self.document(name)["entries"]
-            told = [entry["kind"] for entry in entries if entry.get("drive", {}).get("serial") == "PLAIN" and
-                    entry["kind"].startswith("drive-")]
-            self.assertEqual(told, ["drive-removed", "drive-added"], name)
-            self.assertEqual([entry["number"] for entry in entries], [*range(1, len(entries) + 1)])
+            self.assertEqual(self.told(self.document(name)["entries"]), ["drive-removed", "drive-added"], name)
+        lines = self.output("journal-stopped").splitlines()
+        self.assertEqual(self.told([json.loads(line) for line in lines]), ["drive-removed", "drive-added"])
+
+    def test_lost_reader(self):
+        """the end of a reader is no silence of a drive"""
+        entries = self.document("journal-upgraded")["entries"]
+        self.assertEqual({entry["kind"] for entry in entries if entry.get("drive", {}).get("serial") == "WARNED"},
+                         {"reliability-degraded", "spare-low"})
 
     def test_http(self):
         """the service shows the drives over HTTP"""

@@ -232,11 +232,12 @@ TEST(CommandLine, HelpIsThereForTheProgramAndEveryCommand)
 {
     const std::string help = textFor({"--help"});
     for (const char* word :
-         {"list", "topology", "show", "set", "watch", "journal", "check", "doctor", "--plugin FILE",
+         {"list", "topology", "show", "set", "watch", "journal", "check", "doctor", "serve", "--plugin FILE",
           "--data DIR", "--simulate FLEET.json", "--reader SOCKET", "--trace [N=]MASK", "--trace-file FILE",
           "--json", "--version", "Exit codes", "Examples:"})
         EXPECT_THAT(help, HasSubstr(word));
-    for (const char* command : {"list", "topology", "show", "set", "watch", "journal", "check", "doctor"}) {
+    for (const char* command :
+         {"list", "topology", "show", "set", "watch", "journal", "check", "doctor", "serve"}) {
         const std::string text = textFor({command, "--help"});
         EXPECT_THAT(text, HasSubstr(std::string("Usage: ostrel ") + command));
         EXPECT_THAT(text, HasSubstr("Examples:"));

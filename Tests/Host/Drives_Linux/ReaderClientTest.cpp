@@ -156,10 +156,66 @@ TEST_F(ReaderClientTest, ReportsWhatADeadReaderOwes)
 {
     m_Client.Submit(drive(3), {CONTROLLER, HEALTH});
     m_Client.Submit(drive(4), {HEALTH});
+    m_Reader = {};
+    EXPECT_EQ(Statuses(), (::Statuses{{CONTROLLER, ECONNRESET}, {HEALTH, ECONNRESET}, {HEALTH, ECONNRESET}}));
+    EXPECT_EQ(Statuses(), ::Statuses());
+    EXPECT_EQ(m_Connections, 1);
+}
+
+TEST_F(ReaderClientTest, AsksTheNextReaderForWhatTheFormerOneOwes)
+{
+    m_Client.Submit(drive(3, 7), {CONTROLLER, NAMESPACE, HEALTH});
+    m_Client.Submit(drive(4), {HEALTH});
     Answer({Request().m_Sequence, 1, 0, 4096, 0}, 4096);
     m_Reader = {};
-    EXPECT_EQ(Statuses(), (::Statuses{{CONTROLLER, 0}, {HEALTH, ECONNRESET}, {HEALTH, ECONNRESET}}));
-    EXPECT_EQ(Statuses(), ::Statuses());
+    EXPECT_EQ(Statuses(), (::Statuses{{CONTROLLER, 0}}));
+    EXPECT_EQ(m_Connections, 2);
+    const CReaderRequest first = Request();
+    const CReaderRequest second = Request();
+    EXPECT_EQ(first.m_Controller, 3U);
+    EXPECT_EQ(first.m_Node, 43U);
+    EXPECT_EQ(first.m_NamespaceId, 7U);
+    EXPECT_EQ(first.m_Commands, 2U | HEALTH_BIT);
+    EXPECT_EQ(first.m_Length, 512U);
+    EXPECT_EQ(second.m_Controller, 4U);
+    EXPECT_EQ(Request().m_Protocol, 0U) << "another request";
+    Answer({first.m_Sequence, HEALTH_BIT, 0, 512, 0}, 512);
+    EXPECT_EQ(Statuses(), (::Statuses{{HEALTH, 0}}));
+
+    m_Client.Submit(drive(5), {NAME});
+    m_Reader = {};
+    EXPECT_EQ(Statuses(), (::Statuses{{NAMESPACE, ECONNRESET}, {HEALTH, ECONNRESET}})) << "asked twice";
+    EXPECT_EQ(m_Connections, 3);
+    EXPECT_EQ(Request().m_Controller, 5U);
+    m_Reader = {};
+    EXPECT_EQ(Statuses(), (::Statuses{{NAME, ECONNRESET}}));
+    EXPECT_EQ(m_Connections, 3) << "this one never answered";
+}
+
+TEST_F(ReaderClientTest, NoticesTheEndOfAnIdleReaderAtTheNextCommand)
+{
+    m_Client.Submit(drive(3), {HEALTH});
+    Answer({Request().m_Sequence, HEALTH_BIT, 0, 512, 0}, 512);
+    EXPECT_EQ(Statuses(), (::Statuses{{HEALTH, 0}}));
+    m_Reader = {};
+    m_Client.Submit(drive(3), {HEALTH});
+    m_Client.Submit(drive(4), {HEALTH});
+    EXPECT_EQ(m_Connections, 2);
+    Answer({Request().m_Sequence, HEALTH_BIT, 0, 512, 0}, 512);
+    Answer({Request().m_Sequence, HEALTH_BIT, 0, 512, 0}, 512);
+    EXPECT_EQ(Statuses(), (::Statuses{{HEALTH, 0}, {HEALTH, 0}}));
+}
+
+TEST_F(ReaderClientTest, FailsWhatIsOwedWhenThereIsNoNextReader)
+{
+    m_Client.Submit(drive(3), {CONTROLLER, HEALTH});
+    Answer({Request().m_Sequence, 1, 0, 4096, 0}, 4096);
+    m_Refusal = ECONNREFUSED;
+    m_Reader = {};
+    EXPECT_EQ(Statuses(), (::Statuses{{CONTROLLER, 0}, {HEALTH, ECONNREFUSED}}));
+    m_Client.Submit(drive(3), {HEALTH});
+    EXPECT_EQ(Statuses(), (::Statuses{{HEALTH, ECONNREFUSED}}));
+    EXPECT_EQ(m_Connections, 2) << "it did not wait";
 }
 
 TEST_F(ReaderClientTest, ConnectsAgainWithGrowingPatience)
@@ -185,6 +241,7 @@ TEST_F(ReaderClientTest, ConnectsAgainWithGrowingPatience)
     EXPECT_NE(sequence, 0U);
     Answer({sequence, HEALTH_BIT, 0, 512, 0}, 512);
     EXPECT_EQ(Statuses(), (::Statuses{{HEALTH, 0}}));
+    m_Reader = {};
     m_Client.Submit(drive(3), {HEALTH});
     m_Reader = {};
     EXPECT_EQ(Statuses(), (::Statuses{{HEALTH, ECONNRESET}}));
@@ -227,7 +284,9 @@ TEST_F(ReaderClientTest, TrustsNoReaderThatAnswersWhatNobodyAsked)
     Answer({sequence, HEALTH_BIT, 0, 512, 0}, 512);
     Answer({sequence, HEALTH_BIT, 0, 512, 0}, 512);
     m_Client.Submit(drive(4), {HEALTH});
-    EXPECT_EQ(Statuses(), (::Statuses{{HEALTH, 0}, {HEALTH, ECONNRESET}})) << "the same answer twice";
+    const int before = m_Connections;
+    EXPECT_EQ(Statuses(), (::Statuses{{HEALTH, 0}})) << "the same answer twice";
+    EXPECT_EQ(m_Connections, before + 1);
 }
 
 TEST_F(ReaderClientTest, SendsMoreThanTheSystemTakesAtOnce)

@@ -89,6 +89,7 @@ cut -d' ' -f1 /proc/uptime >/results/stop.times
 kept stopped systemctl stop ostrel.socket ostrel.service
 cut -d' ' -f1 /proc/uptime >>/results/stop.times
 states stopped $units
+kept journal-stopped ostrel journal --json
 kept stranger runuser -u stranger -- ostrel list
 find /var/lib/ostrel ! -user ostrel >/results/owned-by-others
 grep . /var/lib/ostrel/Ostrel.ini /var/lib/ostrel/AdapterNumbers.txt >/results/content-after
