@@ -141,6 +141,7 @@ Checks examine(const Session& session)
     checks.push_back(checkEndurance(session.m_Folders));
     checks.push_back(checkSettings(session.m_Folders.m_Data));
     checks.push_back(checkRows(session));
+    checks.push_back(checkService(session.m_Options));
 
     const std::vector<TLXX::CControllerState> states = TLXX::controllerStates();
     Checks unserved;

@@ -58,6 +58,9 @@ Check checkRows(const Session& session);
  */
 Check checkKeptRows(const std::filesystem::path& file);
 
+/** Whether a service keeps the data folder of these options, and whether all is well with it. */
+Check checkService(const Options& options);
+
 /**
  * Whether drives can be asked here. That depends on the system, its NVMe driver and the rights of this user.
  */

@@ -52,7 +52,8 @@ inline constexpr char SET_FOOTER[] =
 or below the property's limits is replaced by the nearest limit. At present only
 the poll interval of the plug-in (2 to 255 seconds) can be set. It is kept in
 "Ostrel.ini" in the data folder (--data DIR, otherwise the system's folder).
-A "watch" that is running uses it after its next start only.
+A "watch" that is running uses it after its next start only. A service that
+keeps the data folder sets it itself, at once.
 The options of "ostrel --help" may be given, too.
 
 Examples:
@@ -67,7 +68,8 @@ Ctrl+C or a termination signal, or after SECONDS. Database, adapter numbers and
 "Ostrel.ini" are in the data folder (--data DIR, otherwise the system's folder).
 For a simulated fleet nothing is kept unless --data is given. "Ostrel.ini" is
 read at the start only. So a later change of it, also by "set", has an effect
-after the next start.
+after the next start. While a service keeps the data folder, "watch" prints the
+entries of its journal from now on.
 The options of "ostrel --help" may be given, too.
 
 Examples:

@@ -1,6 +1,9 @@
 #include "Commands/ListCommand.h"
 
+#include "Base/Failure.h"
 #include "Base/Text.h"
+#include "Commands/RunningService.h"
+#include "Commands/ServiceCommands.h"
 #include "Documents/Json.h"
 #include "Facts/FactTable.h"
 #include "Facts/PropertyText.h"
@@ -94,9 +97,7 @@ Cell healthCell(const Drive& drive, bool onTerminal)
             drive.m_Health->m_Code ? toneOfCode(*drive.m_Health->m_Code) : Tone::Plain};
 }
 
-} // namespace
-
-ExitCode list(const Session& session)
+ExitCode listHere(const Session& session)
 {
     const Inventory inventory(session);
     if (session.m_Options.m_Json)
@@ -104,6 +105,23 @@ ExitCode list(const Session& session)
     else
         session.print(listText(joinDrives(inventory.objects()), session.m_Terminal.screen()));
     return ExitCode::Done;
+}
+
+} // namespace
+
+ExitCode list(const Session& session)
+{
+    try {
+        return listHere(session);
+    } catch (const Failure& failure) {
+        if (failure.exitCode() != ExitCode::NoPermission)
+            throw;
+        // The service may see drives that this user may not open.
+        const std::optional<RunningService> service = runningService(session.m_Options);
+        if (!service)
+            throw;
+        return listThroughService(*service, session.m_Options, session.m_Terminal);
+    }
 }
 
 std::string listText(const std::vector<Drive>& drives, const Screen& screen)

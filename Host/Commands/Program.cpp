@@ -8,6 +8,7 @@
 #include "Commands/JournalCommand.h"
 #include "Commands/ListCommand.h"
 #include "Commands/ServeCommand.h"
+#include "Commands/ServiceCommands.h"
 #include "Commands/Session.h"
 #include "Commands/SetCommand.h"
 #include "Commands/ShowCommand.h"
@@ -41,6 +42,11 @@ int execute(const Options& options, Terminal& terminal)
         return static_cast<int>(journal(options, terminal));
     if (options.m_Command == Command::Serve)
         return static_cast<int>(serve(options, terminal));
+    if (options.m_Command == Command::Watch || options.m_Command == Command::Set)
+        if (const std::optional<RunningService> service = runningService(options))
+            return static_cast<int>(options.m_Command == Command::Watch
+                                        ? watchService(*service, options, terminal)
+                                        : setThroughService(*service, options, terminal));
     const Session session(options, terminal);
     switch (options.m_Command) {
     case Command::List:

@@ -18,15 +18,18 @@ constexpr CDriveCommand IDENTIFY{EQuery::IdentifyController, 0};
 constexpr CDriveCommand FIRST_COMMANDS[] = {
     IDENTIFY, {EQuery::IdentifyNamespace, 0}, {EQuery::SmartHealthLog, 0}};
 
-TLXX::NVME_IDENTIFY_CONTROLLER controllerOf(const std::vector<std::uint8_t>& page)
+std::span<const std::uint8_t> bytesOf(const TLXX::NVME_IDENTIFY_CONTROLLER& controller)
 {
-    TLXX::NVME_IDENTIFY_CONTROLLER controller{};
-    std::copy_n(page.begin(), std::min(page.size(), sizeof controller),
-                reinterpret_cast<std::uint8_t*>(&controller));
-    return controller;
+    return {reinterpret_cast<const std::uint8_t*>(&controller), sizeof controller};
 }
 
-std::uint32_t copy(const std::vector<std::uint8_t>& from, std::span<std::uint8_t> to)
+/** As Identify Controller tells it. */
+std::uint16_t makerOf(const DriveRecord& record)
+{
+    return record.m_Identify ? record.m_Identify->VID : std::uint16_t{0};
+}
+
+std::uint32_t copy(std::span<const std::uint8_t> from, std::span<std::uint8_t> to)
 {
     if (from.size() != to.size())
         return TLXX::STATUS_NO_ANSWER;
@@ -84,8 +87,8 @@ std::uint32_t DriveRounds::query(const TLXX::CDriveAddress& address, const CDriv
             return TLXX::STATUS_NO_ANSWER;
         return reply->second.m_Status != 0 ? reply->second.m_Status : copy(reply->second.m_Block, block);
     }
-    if (command == IDENTIFY && !drive.m_Record.m_Identify.empty())
-        return copy(drive.m_Record.m_Identify, block);
+    if (command == IDENTIFY && drive.m_Record.m_Identify)
+        return copy(bytesOf(*drive.m_Record.m_Identify), block);
     // The name of the drive comes from a vendor log, and `TLXX` does not keep that log.
     if (const auto log = drive.m_Logs.find(command.m_LogIdentifier);
         command.m_Query == EQuery::VendorLog && log != drive.m_Logs.end())
@@ -177,19 +180,24 @@ void DriveRounds::take(TLXX::CDriveAnswer answer)
 
 void DriveRounds::takeIdentify(Drive& drive, const Reply& reply)
 {
-    const TLXX::NVME_IDENTIFY_CONTROLLER fresh = controllerOf(reply.m_Block);
-    if (controllerOf(drive.m_Record.m_Identify).SN != fresh.SN)
-        drive.m_Logs.clear();
-    drive.m_Maker = fresh.VID;
-    drive.m_Record.m_Identify = reply.m_Block;
     drive.m_Record.m_LastAnswer = TLX::Misc::now();
+    std::optional<TLXX::NVME_IDENTIFY_CONTROLLER>& known = drive.m_Record.m_Identify;
+    // It hardly ever changes.
+    if (known && std::ranges::equal(bytesOf(*known), reply.m_Block))
+        return;
+    TLXX::NVME_IDENTIFY_CONTROLLER fresh{};
+    std::copy_n(reply.m_Block.begin(), std::min(reply.m_Block.size(), sizeof fresh),
+                reinterpret_cast<std::uint8_t*>(&fresh));
+    if (!known || known->SN != fresh.SN)
+        drive.m_Logs.clear();
+    known = fresh;
 }
 
 void DriveRounds::finish(Drive& drive)
 {
     const std::uint64_t now = TLX::Misc::monotonic();
     drive.m_Left = drive.m_Due - std::min(now, drive.m_Due);
-    if (drive.m_Record.m_Identify.empty() && drive.m_Read && drive.m_Tries < NEWCOMER_TRIES &&
+    if (!drive.m_Record.m_Identify && drive.m_Read && drive.m_Tries < NEWCOMER_TRIES &&
         drive.m_Left > NEWCOMER_PAUSE) {
         drive.m_State = State::Pausing;
         drive.m_NextTry = now + NEWCOMER_PAUSE;
@@ -288,7 +296,7 @@ void DriveRounds::askNow(Drive& drive, const CDriveCommand& command)
     await(drive);
     ask(drive);
     for (auto& [instance, other] : m_Drives)
-        if (other.m_Record.m_Answering && other.m_Maker == drive.m_Maker)
+        if (other.m_Record.m_Answering && makerOf(other.m_Record) == makerOf(drive.m_Record))
             ask(other);
     await(drive);
     if (drive.m_Owed != 0 && !m_Stopped) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <TLXX/DriveSource.h>
+#include <TLXX/NvmeStructures.h>
 
 #include <atomic>
 #include <cstddef>
@@ -27,7 +28,8 @@ inline constexpr std::uint64_t NEWCOMER_PAUSE = 500;
 /** What is known of a drive's answers. Times are in UTC milliseconds. */
 struct DriveRecord
 {
-    std::vector<std::uint8_t> m_Identify; ///< its last Identify Controller; empty: it has never answered
+    /** Its last Identify Controller; none: it has never answered. */
+    std::optional<TLXX::NVME_IDENTIFY_CONTROLLER> m_Identify;
     bool m_Answering = false;
     std::optional<std::uint64_t> m_LastAnswer;
     std::optional<std::uint64_t> m_SilentSince;
@@ -86,7 +88,6 @@ private:
         std::set<TLXX::CDriveCommand> m_Wanted;                   ///< since the last round
         std::map<std::uint8_t, std::vector<std::uint8_t>> m_Logs; ///< the last good vendor logs
         State m_State = State::Idle;
-        std::uint16_t m_Maker = 0;   ///< as Identify Controller tells it
         bool m_Read = false;         ///< a round has asked it
         bool m_Present = true;       ///< in the last round, or asked since then
         std::size_t m_Owed = 0;      ///< commands that have not come back

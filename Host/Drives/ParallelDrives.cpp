@@ -3,7 +3,6 @@
 #include <TLX/Clock.h>
 
 #include <atomic>
-#include <cstring>
 #include <exception>
 #include <stdexcept>
 #include <type_traits>
@@ -83,7 +82,7 @@ std::vector<TLXX::CDeviceEntry> ParallelDrives::Enumerate(const TLXX::DeviceWalk
     t_Locations = {m_Number, {}};
     for (const Disk& disk : m_Disks) {
         const DriveRecord* const record = m_Rounds.record(disk.m_Instance);
-        if (record == nullptr || record->m_Identify.empty()) {
+        if (record == nullptr || !record->m_Identify) {
             // The plug-in does not query it, but others want to know why.
             if (record != nullptr)
                 TLXX::noteStatus(disk.m_Entry.m_DeviceName, EQuery::IdentifyController, record->m_Status);
@@ -118,7 +117,7 @@ void ParallelDrives::learnIdentities()
     std::optional<std::vector<TLXX::CControllerState>> states;
     for (const Disk& disk : m_Disks) {
         const DriveRecord* const record = m_Rounds.record(disk.m_Instance);
-        if (record == nullptr || !record->m_Identify.empty())
+        if (record == nullptr || record->m_Identify)
             continue;
         if (const auto known = m_Identities.find(disk.m_Instance); known != m_Identities.end()) {
             identities.insert(*known);
@@ -144,12 +143,10 @@ DriveAnswer ParallelDrives::answerOf(const Disk& disk, const DriveRecord& record
         answer.m_SerialNumber = identity->second.m_SerialNumber;
         answer.m_Model = identity->second.m_Model;
         answer.m_FirmwareRevision = identity->second.m_FirmwareRevision;
-    } else if (record.m_Identify.size() == sizeof(TLXX::NVME_IDENTIFY_CONTROLLER)) {
-        TLXX::NVME_IDENTIFY_CONTROLLER controller{};
-        std::memcpy(&controller, record.m_Identify.data(), sizeof controller);
-        answer.m_SerialNumber = controller.sSerialNumber();
-        answer.m_Model = controller.sModelNumber();
-        answer.m_FirmwareRevision = controller.sFirmwareRevision();
+    } else if (record.m_Identify) {
+        answer.m_SerialNumber = record.m_Identify->sSerialNumber();
+        answer.m_Model = record.m_Identify->sModelNumber();
+        answer.m_FirmwareRevision = record.m_Identify->sFirmwareRevision();
     }
     answer.m_Answering = record.m_Answering;
     answer.m_LastAnswer = record.m_LastAnswer;

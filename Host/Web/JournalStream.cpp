@@ -15,12 +15,11 @@ constexpr std::size_t MOST_TOGETHER = 64;
 
 std::string JournalStream::next()
 {
-    const bool isSimulated = m_View.figures().m_Simulated;
     std::string text;
     for (const Journal::NumberedEntry& entry : m_View.journal(m_After, MOST_TOGETHER)) {
         m_After = entry.m_Number;
         text += "id: " + std::to_string(entry.m_Number) +
-                "\ndata: " + Cli::lineText(Cli::numberedEntryJson(entry), isSimulated) + '\n';
+                "\ndata: " + Cli::lineText(Cli::numberedEntryJson(entry), m_Simulated) + '\n';
     }
     return text;
 }

@@ -13,12 +13,15 @@ class JournalStream : public IEventStream
 {
 public:
     /** Begins above the number `after`. Keeps a reference to `view`. */
-    JournalStream(const IServiceView& view, std::uint64_t after) : m_View(view), m_After(after) {}
+    JournalStream(const IServiceView& view, std::uint64_t after)
+        : m_View(view), m_Simulated(view.figures().m_Simulated), m_After(after)
+    {}
 
     std::string next() override;
 
 private:
     const IServiceView& m_View;
+    const bool m_Simulated;
     std::uint64_t m_After;
 };
 

@@ -221,12 +221,12 @@ Response answer(IServiceView& view, const Request& request)
 
 Handler routes(IServiceView& view)
 {
-    return [&view](const Request& request, Respond respond) {
+    return [&view](const Request& request, const Respond& respond) {
         try {
             if (const auto property = settableProperty(request.m_Path)) {
                 if (request.m_Method != "PUT")
                     return respond(notAllowed("PUT"));
-                return setProperty(view, *property, request, std::move(respond));
+                return setProperty(view, *property, request, respond);
             }
             respond(answer(view, request));
         } catch (const WrongParameter& wrong) {

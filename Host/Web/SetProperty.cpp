@@ -84,7 +84,7 @@ std::string propertyPath(const PropertyName& name)
            percentEncoded(name.m_Property);
 }
 
-void setProperty(IServiceView& view, const PropertyName& name, const Request& request, Respond respond)
+void setProperty(IServiceView& view, const PropertyName& name, const Request& request, const Respond& respond)
 {
     if (!request.m_MayChange)
         return respond(refusal(request));

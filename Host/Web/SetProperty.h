@@ -22,7 +22,11 @@ std::optional<PropertyName> settableProperty(std::string_view path);
 /** The path of a property, with percent signs where they are needed. */
 std::string propertyPath(const PropertyName& name);
 
-/** Sets a property to the value in the request's document, if the caller may do so, and answers later. */
-void setProperty(IServiceView& view, const PropertyName& name, const Request& request, Respond respond);
+/**
+ * Sets a property to the value in the request's document, if the caller may do so, and answers later. Throws
+ * `WrongParameter` when the document has no value; then it does not answer.
+ */
+void setProperty(IServiceView& view, const PropertyName& name, const Request& request,
+                 const Respond& respond);
 
 } // namespace Host::Web

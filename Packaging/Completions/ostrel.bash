@@ -2,11 +2,11 @@
 
 _ostrel() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} word command=
-    local commands="list topology show set watch journal check doctor"
+    local commands="list topology show set watch journal check doctor serve"
     local options="--version -h --help --plugin --data --simulate --reader --trace --trace-file --json"
 
     case $previous in
-        --plugin | --simulate | --reader | --trace-file)
+        --plugin | --simulate | --reader | --trace-file | --settings)
             compopt -o filenames
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             return
@@ -16,7 +16,7 @@ _ostrel() {
             mapfile -t COMPREPLY < <(compgen -d -- "$current")
             return
             ;;
-        --trace | --for | --since) return ;;
+        --trace | --for | --since | --listen) return ;;
     esac
 
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
@@ -24,6 +24,7 @@ _ostrel() {
     done
     [[ $command != watch ]] || options+=" --for"
     [[ $command != journal ]] || options+=" --since --follow"
+    [[ $command != serve ]] || options+=" --listen --settings"
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
     elif [[ -z $command ]]; then

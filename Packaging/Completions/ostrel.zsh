@@ -11,6 +11,7 @@ _ostrel_commands() {
         'journal:Print what the service has told'
         'check:Print a verdict for monitoring systems'
         'doctor:Check what can be seen here, and say what is wrong'
+        'serve:Run the service that watches, tells and answers'
     )
     _describe -t commands command commands
 }
@@ -27,6 +28,8 @@ local -a own=()
 (( ! $words[(I)watch] )) || own+=('--for[End after this number of seconds]:value: ')
 (( ! $words[(I)journal] )) || own+=('--since[Begin at this time, or this long ago (2h, 7d)]:value: ')
 (( ! $words[(I)journal] )) || own+=('--follow[Go on with what the service tells from now on]')
+(( ! $words[(I)serve] )) || own+=('--listen[Answer HTTP at this address instead of the one in the settings]:value: ')
+(( ! $words[(I)serve] )) || own+=('--settings[Read the settings from this file instead of serve.ini in the data folder]:file:_files')
 
 _arguments \
     $own \

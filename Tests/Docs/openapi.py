@@ -45,8 +45,12 @@ def shared():
                    "minLength": 1}}
     number = {"number": {"description": "Counts from 1, without gaps", "$ref": "#/$defs/counter"},
               "numberText": {"$ref": "#/$defs/counterText"}}
+    # The service also tells of itself.
+    kind = news["properties"]["kind"]
+    kinds = {"kind": kind | {"enum": [*kind["enum"], "machine-restarted", "service-started", "service-ended"]}}
     made |= {"Drive": object_with(made.pop("drive"), ["key"], head | key),
-             "Entry": object_with(news, ["number"], head | number, ("format", "simulated"))}
+             "Entry": object_with(news | {"properties": news["properties"] | kinds}, ["number"], head | number,
+                                  ("format", "simulated"))}
     return {name: {"$comment": MADE, **here(schema)} for name, schema in sorted(made.items())}
 
 

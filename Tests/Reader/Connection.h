@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <optional>
 #include <span>
@@ -70,7 +71,11 @@ public:
     std::vector<std::uint8_t> receive() const
     {
         pollfd place = {m_Descriptor.Get(), POLLIN, 0};
-        EXPECT_EQ(::poll(&place, 1, PATIENCE), 1) << "no answer came";
+        int happened = 0;
+        do
+            happened = ::poll(&place, 1, PATIENCE);
+        while (happened < 0 && errno == EINTR);
+        EXPECT_EQ(happened, 1) << "no answer came";
         std::vector<std::uint8_t> packet(TLXX::Linux::READER_PACKET + 1);
         const ssize_t size =
             place.revents == 0 ? 0 : ::recv(m_Descriptor.Get(), packet.data(), packet.size(), 0);

@@ -13,15 +13,16 @@ PLANTED = "<!DOCTYPE html><html lang=en><title>t</title><p style='color: red'>st
 
 
 class Elements(html.parser.HTMLParser):
-    """The elements of a page: how often each is there, and all its text."""
+    """The elements of a page: how often each is there, where the links lead, and all text."""
 
     def __init__(self, page):
         super().__init__()
-        self.count, self.text = {}, ""
+        self.count, self.links, self.text = {}, [], ""
         self.feed(page)
 
     def handle_starttag(self, tag, attrs):
         self.count[tag] = self.count.get(tag, 0) + 1
+        self.links += [value for name, value in attrs if name == "href"]
 
     def handle_data(self, data):
         self.text += data

@@ -232,11 +232,12 @@ TEST(CommandLine, HelpIsThereForTheProgramAndEveryCommand)
 {
     const std::string help = textFor({"--help"});
     for (const char* word :
-         {"list", "topology", "show", "set", "watch", "journal", "check", "doctor", "--plugin FILE",
+         {"list", "topology", "show", "set", "watch", "journal", "check", "doctor", "serve", "--plugin FILE",
           "--data DIR", "--simulate FLEET.json", "--reader SOCKET", "--trace [N=]MASK", "--trace-file FILE",
           "--json", "--version", "Exit codes", "Examples:"})
         EXPECT_THAT(help, HasSubstr(word));
-    for (const char* command : {"list", "topology", "show", "set", "watch", "journal", "check", "doctor"}) {
+    for (const char* command :
+         {"list", "topology", "show", "set", "watch", "journal", "check", "doctor", "serve"}) {
         const std::string text = textFor({command, "--help"});
         EXPECT_THAT(text, HasSubstr(std::string("Usage: ostrel ") + command));
         EXPECT_THAT(text, HasSubstr("Examples:"));
@@ -277,11 +278,12 @@ TEST(CommandLine, DescribesItself)
     for (const CommandUsage& command : described.m_Commands) {
         ASSERT_EQ(command.m_Options.size(), command.m_Name == "watch"     ? 1U
                                             : command.m_Name == "journal" ? 2U
+                                            : command.m_Name == "serve"   ? 2U
                                                                           : 0U)
             << command.m_Name;
         EXPECT_NE(command.m_Description, "");
     }
-    EXPECT_EQ(described.m_Commands.size(), 8U);
+    EXPECT_EQ(described.m_Commands.size(), 9U);
     EXPECT_THAT(described.m_Commands.at(4).m_Options.at(0).m_Names, ElementsAre("--for"));
 }
 

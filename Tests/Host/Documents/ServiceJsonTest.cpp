@@ -18,16 +18,21 @@ class ServiceJsonTest : public testing::Test
     HostTest::Catalogue m_Catalogue;
 };
 
-/** A critical drive that answers, and one that has never answered. */
-Snapshot twoDrives()
+DriveAnswer unheard(const std::string& device, const std::string& serial)
 {
-    DriveAnswer silent;
-    silent.m_DeviceName = "/dev/nvme1n1";
-    silent.m_SerialNumber = "S2";
-    silent.m_SilentRounds = 2;
-    return Snapshot(
-        Host::ObjectStore(HostTest::topologyOf({{1, "S1", "/dev/nvme0n1"}}), {}, {std::move(silent)}), 7,
-        STARTED + 60'000);
+    DriveAnswer answer;
+    answer.m_DeviceName = device;
+    answer.m_SerialNumber = serial;
+    answer.m_SilentRounds = 2;
+    return answer;
+}
+
+/** A critical drive that answers, and two that have never answered. */
+Snapshot threeDrives()
+{
+    return Snapshot(Host::ObjectStore(HostTest::topologyOf({{1, "S1", "/dev/nvme0n1"}}), {},
+                                      {unheard("/dev/nvme1n1", "S2"), unheard("/dev/nvme2n1", "S3")}),
+                    7, STARTED + 60'000);
 }
 
 TEST_F(ServiceJsonTest, TheStatusCountsTheDrivesAndSaysWhatIsWrong)
@@ -37,14 +42,14 @@ TEST_F(ServiceJsonTest, TheStatusCountsTheDrivesAndSaysWhatIsWrong)
     figures.m_PollInterval = 30'000;
     figures.m_ReadErrors = 3;
     figures.m_LastEntry = 12;
-    nlohmann::json status = statusJson(twoDrives(), figures, STARTED + 61'000);
+    nlohmann::json status = statusJson(threeDrives(), figures, STARTED + 61'000);
     EXPECT_TRUE(status["version"].is_string());
     status.erase("version");
     EXPECT_EQ(status, nlohmann::json::parse(R"({
         "time": "2026-01-01T00:01:01.000Z", "started": "2026-01-01T00:00:00.000Z",
         "state": 2, "stateText": "CRITICAL",
-        "message": "nvme0n1 (S1): Critical: Available spare below its threshold, Media is read-only; nvme1n1 (S2): does not answer; 0 of 2 drives healthy",
-        "drives": {"total": 2, "ok": 0, "warning": 0, "critical": 2, "unknown": 0, "silent": 1},
+        "message": "nvme0n1 (S1): Critical: Available spare below its threshold, Media is read-only; nvme1n1 (S2): does not answer; nvme2n1 (S3): does not answer; 0 of 3 drives healthy",
+        "drives": {"total": 3, "ok": 0, "warning": 0, "critical": 3, "unknown": 0, "silent": 2},
         "round": {"number": 7, "time": "2026-01-01T00:01:00.000Z"}, "pollSeconds": 30, "readErrors": 3,
         "journal": {"lastNumber": 12}})"));
 }
@@ -65,8 +70,8 @@ TEST_F(ServiceJsonTest, TheStatusOfAServiceInTrouble)
 
 TEST_F(ServiceJsonTest, EachDriveHasItsKeyFirst)
 {
-    const nlohmann::ordered_json document = drivesJson(twoDrives());
-    ASSERT_EQ(document["drives"].size(), 2U);
+    const nlohmann::ordered_json document = drivesJson(threeDrives());
+    ASSERT_EQ(document["drives"].size(), 3U);
     EXPECT_EQ(document["drives"][0].begin().key(), "key");
     EXPECT_EQ(document["drives"][0]["key"], "S1");
     EXPECT_EQ(document["drives"][0]["capacityMiB"], 1907729);

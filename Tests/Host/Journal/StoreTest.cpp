@@ -204,25 +204,6 @@ TEST_F(StoreTest, ALockedFileKeepsNothingAndLosesNothing)
     EXPECT_EQ(all().back().m_Number, 2U);
 }
 
-#ifndef _WIN32
-// Nobody can delete an open file on Windows.
-TEST_F(StoreTest, ADeletedFileIsMadeAgainWithTheWholeState)
-{
-    Store store = open();
-    Outcome next = outcome({entry(Kind::Moved, "x")}, 1);
-    next.m_State.m_Drives.resize(2);
-    store.commit(next);
-    const std::string identity = store.identity();
-    std::filesystem::remove(m_File);
-    store.commit(next);
-    EXPECT_THAT(m_Warnings, ElementsAre(HasSubstr("was moved or deleted. A new one begins.")));
-    EXPECT_EQ(all().size(), 1U);
-    EXPECT_EQ(store.lastNumber(), 1U);
-    EXPECT_NE(store.identity(), identity);
-    EXPECT_EQ(open().state(), next.m_State);
-}
-#endif
-
 TEST_F(StoreTest, AFullDiskKeepsNothingAndLosesNothing)
 {
     CFaultyVfs vfs;

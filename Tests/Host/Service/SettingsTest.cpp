@@ -6,6 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <string>
+
 namespace {
 
 using namespace Host::Service;
@@ -31,15 +34,20 @@ TEST(SettingsTest, AreTheDefaultsWithoutLines)
 
 TEST(SettingsTest, AreReadFromEachLine)
 {
+    const std::string socket = std::filesystem::absolute("x.sock").string();
+    const std::string token = std::filesystem::absolute("token").string();
     const Settings settings = parseSettings("listen=[::1]:80\r\n"
-                                            "  socket = /run/x.sock  \n"
-                                            "host-names = One.example, two\n"
-                                            "token-file = /etc/token",
+                                            "  socket = " +
+                                                socket +
+                                                "  \n"
+                                                "host-names = One.example, two\n"
+                                                "token-file = " +
+                                                token,
                                             "serve.ini");
     EXPECT_EQ(settings.m_Listen, (Endpoint{"::1", 80}));
-    EXPECT_EQ(settings.m_Socket, "/run/x.sock");
+    EXPECT_EQ(settings.m_Socket, socket);
     EXPECT_THAT(settings.m_HostNames, ElementsAre("one.example", "two"));
-    EXPECT_EQ(settings.m_TokenFile, "/etc/token");
+    EXPECT_EQ(settings.m_TokenFile, token);
 }
 
 TEST(SettingsTest, NameEveryWrongLineOfTheFile)

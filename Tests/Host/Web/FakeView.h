@@ -71,6 +71,7 @@ public:
         Host::Journal::NumberedEntry entry;
         entry.m_Number = ++m_Figures.m_LastEntry;
         entry.m_Entry.m_Text = text;
+        entry.m_Entry.m_Key = "S";
         entry.m_Entry.m_Drive.m_Serial = "S";
         m_Entries.push_back(std::move(entry));
     }

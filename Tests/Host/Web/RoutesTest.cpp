@@ -226,6 +226,17 @@ TEST_F(RoutesTest, TheInterfaceDescribesItself)
     }
 }
 
+TEST_F(RoutesTest, TheDescriptionKnowsEveryKindOfEntry)
+{
+    using Host::Journal::Kind;
+    const json kinds = content("/api/v1/openapi.json")
+                           .at(json::json_pointer("/components/schemas/Entry/properties/kind/enum"));
+    std::vector<std::string> expected;
+    for (int kind = 0; kind <= static_cast<int>(Kind::ServiceEnded); ++kind)
+        expected.emplace_back(Host::Journal::kindName(static_cast<Kind>(kind)));
+    EXPECT_THAT(kinds.get<std::vector<std::string>>(), testing::UnorderedElementsAreArray(expected));
+}
+
 TEST_F(RoutesTest, UnknownPathsAndTricksLeadNowhere)
 {
     m_View.publish(1, {{1, "A", "/dev/nvme0n1"}});
@@ -234,6 +245,20 @@ TEST_F(RoutesTest, UnknownPathsAndTricksLeadNowhere)
           "/API/v1/status", "/api/v1/%64rives", "/api/v1/drives//A", "/api/v1/objects/",
           "/api/v1/objects//properties/x", "/api/v1/objects/x/properties/"})
         EXPECT_EQ(get(path).m_Status, 404U) << path;
+}
+
+TEST_F(RoutesTest, APropertyIsSet)
+{
+    Request request;
+    request.m_Method = "PUT";
+    request.m_Path = "/api/v1/objects/plugin/properties/pollinterval";
+    request.m_MayChange = true;
+    request.m_Headers = {{"content-type", "application/json"}};
+    request.m_Body = R"({"value": 60})";
+    EXPECT_EQ(ask(request).m_Status, 200U);
+    EXPECT_THAT(m_View.m_Set, testing::ElementsAre("plugin pollinterval 60"));
+    request.m_Body = R"({"speed": 60})";
+    expectWrongParameter(ask(request), "value");
 }
 
 TEST_F(RoutesTest, EachPathSaysWhatItAllows)

@@ -1,0 +1,143 @@
+#include "Commands/ServiceCommands.h"
+
+#include "Commands/ListCommand.h"
+#include "Host/Commands_Linux/RunningService.h"
+#include "Support/TemporaryFolder.h"
+
+#include <TLX/Linux/Descriptor.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <thread>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+
+namespace {
+
+using HostTest::ChangingFleet;
+using HostTest::ProgramResult;
+using HostTest::RunningProgram;
+using HostTest::RunningService;
+using HostTest::runProgram;
+using nlohmann::json;
+using testing::AllOf;
+using testing::HasSubstr;
+
+/** Commands beside a service that keeps their data folder. */
+class ServiceCommandsTest : public testing::Test
+{
+protected:
+    ServiceCommandsTest() { m_Fleet.set({ChangingFleet::drive("S1", 1)}); }
+
+    std::vector<std::string> words(const std::vector<std::string>& more = {}) const
+    {
+        std::vector<std::string> all = {"--simulate", m_Fleet.file(), "--data", m_Data.Path().string()};
+        all.insert(all.end(), more.begin(), more.end());
+        return all;
+    }
+
+    static void awaitDrive(const RunningService& service)
+    {
+        service.await([&] { return service.get("/api/v1/drives").m_Status == 200; });
+    }
+
+    ChangingFleet m_Fleet;
+    TestSupport::CTemporaryFolder m_Data;
+};
+
+TEST_F(ServiceCommandsTest, SetAsksTheServiceSoThatItTakesEffectAtOnce)
+{
+    RunningService service(words());
+    awaitDrive(service);
+    const ProgramResult text = runProgram(words({"set", "plugin", "pollinterval", "77"}));
+    EXPECT_EQ(text.m_ExitCode, 0) << text.m_Errors;
+    EXPECT_THAT(text.m_Output, HasSubstr(" is now 77 s."));
+    service.await([&] { return service.document("/api/v1/status").value("pollSeconds", 0) == 77; });
+    const ProgramResult document = runProgram(words({"set", "plugin", "30005", "78", "--json"}));
+    EXPECT_THAT(json::parse(document.m_Output).at("text").get<std::string>(), HasSubstr("78 s"));
+    const ProgramResult wrong = runProgram(words({"set", "plugin", "pollinterval", "often"}));
+    EXPECT_NE(wrong.m_ExitCode, 0);
+    EXPECT_THAT(wrong.m_Errors, HasSubstr("\"often\" is no value"));
+    EXPECT_EQ(service.end().m_ExitCode, 0);
+    EXPECT_THAT(m_Data.Read("Ostrel.ini"), HasSubstr("78"));
+}
+
+TEST_F(ServiceCommandsTest, WatchFollowsTheJournalOfTheService)
+{
+    RunningService service(words());
+    awaitDrive(service);
+    RunningProgram text(words({"watch"}));
+    RunningProgram lines(words({"watch", "--json"}));
+    (void)text.awaitMessage("A service watches these drives.");
+    (void)lines.awaitMessage("A service watches these drives.");
+    m_Fleet.set({ChangingFleet::drive("S1", 1), ChangingFleet::drive("S2", 2)});
+    EXPECT_THAT(text.awaitResult("\n"), AllOf(HasSubstr("Information"), HasSubstr("S2")));
+    const json entry = json::parse(lines.awaitResult("\n"));
+    EXPECT_EQ(entry["kind"], "drive-added");
+    EXPECT_EQ(entry["drive"]["serial"], "S2");
+    text.send(SIGTERM);
+    EXPECT_EQ(text.finish().m_ExitCode, 0);
+    EXPECT_EQ(service.end().m_ExitCode, 0);
+    EXPECT_THAT(lines.awaitMessage("The service has ended."), HasSubstr("ostrel: "));
+    EXPECT_EQ(lines.finish().m_ExitCode, 0);
+}
+
+TEST_F(ServiceCommandsTest, WatchEndsWhenItsTimeIsOver)
+{
+    RunningService service(words());
+    awaitDrive(service);
+    EXPECT_EQ(runProgram(words({"watch", "--for", "0"})).m_ExitCode, 0);
+}
+
+TEST_F(ServiceCommandsTest, DoctorLooksAtTheService)
+{
+    const auto finding = [&] {
+        const json document = json::parse(runProgram(words({"doctor", "--json"})).m_Output);
+        for (const json& check : document.at("checks"))
+            if (check["subject"] == "service")
+                return check;
+        return json();
+    };
+    EXPECT_THAT(finding()["message"], HasSubstr("none runs"));
+    RunningService service(words());
+    awaitDrive(service);
+    EXPECT_EQ(finding()["result"], "ok");
+    EXPECT_THAT(finding()["message"], AllOf(HasSubstr("serve.sock since 20"), HasSubstr("1 drive healthy")));
+    EXPECT_EQ(service.end().m_ExitCode, 0);
+}
+
+TEST_F(ServiceCommandsTest, DoctorNamesASocketThatDoesNotAnswer)
+{
+    const std::string path = (m_Data.Path() / "serve.sock").string();
+    sockaddr_un place{};
+    place.sun_family = AF_UNIX;
+    path.copy(place.sun_path, sizeof place.sun_path - 1);
+    const TLX::Linux::CDescriptor listener(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    ASSERT_EQ(bind(listener.Get(), reinterpret_cast<const sockaddr*>(&place), sizeof place), 0);
+    ASSERT_EQ(listen(listener.Get(), 1), 0);
+    std::thread hanger([&] {
+        // The first connection only looks whether somebody listens.
+        for (int connection = 0; connection < 2; ++connection)
+            (void)TLX::Linux::CDescriptor(accept(listener.Get(), nullptr, nullptr));
+    });
+    const ProgramResult doctor = runProgram(words({"doctor"}));
+    hanger.join();
+    EXPECT_THAT(doctor.m_Output, HasSubstr("serve.sock, but does not answer"));
+}
+
+TEST_F(ServiceCommandsTest, ListShowsTheSameFromADocument)
+{
+    m_Fleet.set({ChangingFleet::drive("S1", 1, {{"health", {{"criticalWarning", 4}}}}),
+                 ChangingFleet::drive("S2", 2, {{"fails", {"identifyController"}}})});
+    std::vector<Host::Cli::Drive> drives;
+    const auto document = nlohmann::ordered_json::parse(runProgram(words({"list", "--json"})).m_Output);
+    for (const nlohmann::ordered_json& drive : document.at("drives"))
+        drives.push_back(Host::Cli::listedDrive(drive));
+    ASSERT_EQ(drives.size(), 2U);
+    EXPECT_THAT(runProgram(words({"list"})).m_Output, HasSubstr(Host::Cli::listText(drives, {})));
+}
+
+} // namespace
