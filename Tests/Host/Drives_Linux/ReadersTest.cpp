@@ -4,6 +4,7 @@
 #include "Host/Built.h"
 #include "Support/TemporaryFolder.h"
 
+#include <TLX/Clock.h>
 #include <TLXX/Linux/DiskOwner.h>
 
 #include <gtest/gtest.h>
