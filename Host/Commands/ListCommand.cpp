@@ -120,6 +120,10 @@ ExitCode list(const Session& session)
         const std::optional<RunningService> service = runningService(session.m_Options);
         if (!service)
             throw;
+        // The texts of the units come with the plug-ins.
+        PluginSet plugins;
+        for (const std::filesystem::path& file : session.m_Plugins)
+            plugins.load(file);
         return listThroughService(*service, session.m_Options, session.m_Terminal);
     }
 }

@@ -52,6 +52,13 @@ char smallLetter(char character)
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
 
+/** Whether the request is wrong, and not only at its end or on a broken connection. */
+bool isOfRequest(error_code error)
+{
+    return error.category() == http::make_error_code(http::error::bad_method).category() &&
+           error != http::error::end_of_stream && error != http::error::partial_message;
+}
+
 class Connection;
 
 /** What all connections share. Only the server's thread uses it, unless a member says something else. */
@@ -235,9 +242,7 @@ private:
             refuse(413, "The content of the request is too long.");
         else if (error == http::error::bad_version)
             refuse(505, "The service speaks HTTP/1.1 and HTTP/1.0.");
-        else if (error == http::error::end_of_stream || error == http::error::partial_message)
-            close();
-        else if (error.category() == http::make_error_code(http::error::bad_method).category())
+        else if (isOfRequest(error))
             refuse(400, "The request is no HTTP request.");
         else
             close();
@@ -535,7 +540,7 @@ std::string placeText(const tcp::endpoint& endpoint)
 asio::ip::address addressOf(const std::string& text)
 {
     error_code error;
-    const auto address = asio::ip::make_address(text, error);
+    auto address = asio::ip::make_address(text, error);
     if (error)
         throw Failure(ExitCode::WrongUsage, "\"" + text + "\" is no IP address, such as 127.0.0.1.");
     return address;

@@ -107,7 +107,8 @@ std::string ask(const std::filesystem::path& path, const std::string& request)
 class Following
 {
 public:
-    Following(const CDescriptor& socket, std::string begin, const std::function<void(const SentEvent&)>& take)
+    Following(const CDescriptor& socket, const std::string& begin,
+              const std::function<void(const SentEvent&)>& take)
         : m_Socket(socket), m_Take(take)
     {
         if (m_Ended.Init(false, true) != TLX::Threading::WaitResult::Taken)
@@ -181,8 +182,8 @@ FollowEnd Client::follow(const std::string& target, const std::function<void(con
     std::string text;
     const AnswerHead head = receiveHead(socket, text);
     if (head.m_Status != 200)
-        (void)receiveContent(socket, head, std::move(text));
-    return Following(socket, std::move(text), take).wait(stop);
+        (void)receiveContent(socket, head, text);
+    return Following(socket, text, take).wait(stop);
 }
 
 std::filesystem::path usualService()

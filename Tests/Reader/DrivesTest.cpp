@@ -68,11 +68,11 @@ TEST_F(ReaderDrives, TellOnceWhatCameTogether)
 {
     m_Fake->hang(3);
     m_Drives.ask({identification(3), {{3, 1}, ReaderCommand::firstLogPage, 0, 0, 16}}, {1, 1});
-    m_Fake->await(3, 1);
+    m_Fake->answerOnce(3);
+    m_Fake->await(3, 2);
+    EXPECT_FALSE(m_Ready.try_acquire()) << "the first answer alone is not announced";
     m_Fake->answerAgain();
-    m_Ready.acquire();
-    EXPECT_EQ(m_Drives.take().size(), 2U) << "the first answer alone is not announced";
-    EXPECT_FALSE(m_Ready.try_acquire());
+    EXPECT_EQ(Take(2).size(), 2U);
     EXPECT_FALSE(m_Drives.mayHaveMore());
 }
 

@@ -1,6 +1,7 @@
 #include "Commands/ServiceCommands.h"
 
 #include "Commands/ListCommand.h"
+#include "Host/Catalogue.h"
 #include "Host/Commands_Linux/RunningService.h"
 #include "Support/TemporaryFolder.h"
 
@@ -137,6 +138,7 @@ TEST_F(ServiceCommandsTest, ListShowsTheSameFromADocument)
     for (const nlohmann::ordered_json& drive : document.at("drives"))
         drives.push_back(Host::Cli::listedDrive(drive));
     ASSERT_EQ(drives.size(), 2U);
+    const HostTest::Catalogue catalogue;
     EXPECT_THAT(runProgram(words({"list"})).m_Output, HasSubstr(Host::Cli::listText(drives, {})));
 }
 
