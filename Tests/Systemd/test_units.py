@@ -89,8 +89,16 @@ class Units(unittest.TestCase):
         self.assertEqual([drive["serial"] for drive in self.drives("list-upgraded")],
                          [drive["serial"] for drive in drives])
 
+    def test_doors(self):
+        """the service shows the drives to everybody, and lets members of the group change a setting"""
+        drives = json.loads(self.output("list-stranger"))["drives"]
+        self.assertEqual(sorted(drive["serial"] for drive in drives), ["PLAIN", "SYSTEM", "WARNED"])
+        self.assertIn("Poll interval is now 2 s.", self.output("set-member"))
+        self.assertNotEqual(self.files["set-stranger.code"].strip(), "0")
+        self.assertIn("group", self.files["set-stranger.err"])
+
     def test_outside(self):
-        """everybody else is told what to do"""
+        """without the service, everybody else is told what to do"""
         self.assertEqual(self.output("stranger", 4), "")
         for word in ("as root", 'group "ostrel"'):
             self.assertIn(word, self.files["stranger.err"])

@@ -56,6 +56,9 @@ told drive-removed
 event plug
 told drive-added
 kept drives asked /api/v1/drives
+kept list-stranger runuser -u stranger -- ostrel list --json
+kept set-stranger runuser -u stranger -- ostrel set plugin pollinterval 2
+kept set-member runuser -u member -- ostrel set plugin pollinterval 2
 kill -KILL "$(property ostrel.service MainPID)"
 restarted
 kept journal-crashed asked "/api/v1/journal?limit=1000"
