@@ -18,8 +18,8 @@ constexpr std::string_view PROPERTIES = "/properties/";
 
 Response refusal(const Request& request)
 {
-    return request.m_Local ? problem(403, "Only root and members of the group ostrel may change something.")
-                           : problem(401, "Whoever changes something needs the token.");
+    return problem(403, request.m_Local ? "Only root and members of the group ostrel may change something."
+                                        : "Properties are not set over HTTP. Use ostrel set on the machine.");
 }
 
 bool isJson(const Request& request)
@@ -86,7 +86,7 @@ std::string propertyPath(const PropertyName& name)
 
 void setProperty(IServiceView& view, const PropertyName& name, const Request& request, const Respond& respond)
 {
-    if (!request.m_MayChange)
+    if (!request.m_Local || !request.m_MayChange)
         return respond(refusal(request));
     if (!isJson(request))
         return respond(problem(415, "The content must be application/json."));

@@ -23,8 +23,9 @@ std::optional<PropertyName> settableProperty(std::string_view path);
 std::string propertyPath(const PropertyName& name);
 
 /**
- * Sets a property to the value in the request's document, if the caller may do so, and answers later. Throws
- * `WrongParameter` when the document has no value; then it does not answer.
+ * Sets a property to the value in the request's document, and answers later. Only callers at the local socket
+ * who may change something may do so. Throws `WrongParameter` when the document has no value; then it does
+ * not answer.
  */
 void setProperty(IServiceView& view, const PropertyName& name, const Request& request,
                  const Respond& respond);

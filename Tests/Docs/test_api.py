@@ -160,7 +160,7 @@ class Answers(unittest.TestCase):
     def test_set(self):
         path = f"{API}/objects/plugin/properties/pollinterval"
         kind = {"Content-Type": "application/json"}
-        self.check("PUT", path, 401, kind, '{"value": 60}')
+        self.check("PUT", path, 403, kind, '{"value": 60}')
         self.check("PUT", path, 401, kind | {"Authorization": "Bearer wrong"}, '{"value": 60}')
         done = self.check("PUT", path, 200, kind, '{"value": 60}', self.local())
         self.assertIn("60", done["text"])

@@ -219,7 +219,7 @@ TEST_F(RoutesTest, TheInterfaceDescribesItself)
         Request request;
         request.m_Path = path;
         request.m_Method = operations.contains("get") ? "GET" : "PUT";
-        request.m_MayChange = true;
+        request.m_Local = request.m_MayChange = true;
         if (const std::size_t key = path.find("{key}"); key != std::string::npos)
             request.m_Path = path.substr(0, key) + "A";
         EXPECT_THAT(ask(request).m_Status, testing::AnyOf(200U, 415U)) << path;
@@ -252,7 +252,7 @@ TEST_F(RoutesTest, APropertyIsSet)
     Request request;
     request.m_Method = "PUT";
     request.m_Path = "/api/v1/objects/plugin/properties/pollinterval";
-    request.m_MayChange = true;
+    request.m_Local = request.m_MayChange = true;
     request.m_Headers = {{"content-type", "application/json"}};
     request.m_Body = R"({"value": 60})";
     EXPECT_EQ(ask(request).m_Status, 200U);

@@ -22,6 +22,7 @@ protected:
     SetPropertyTest()
     {
         m_Request.m_Method = "PUT";
+        m_Request.m_Local = true;
         m_Request.m_MayChange = true;
         m_Request.m_Headers = {{"content-type", "Application/JSON; charset=utf-8"}};
         m_Request.m_Body = R"({"value": 60})";
@@ -54,9 +55,20 @@ TEST_F(SetPropertyTest, TheAnswerTellsTheValueInForce)
 TEST_F(SetPropertyTest, NobodyChangesAnythingWithoutBeingAllowedTo)
 {
     m_Request.m_MayChange = false;
-    EXPECT_EQ(set().m_Status, 401U);
-    m_Request.m_Local = true;
     EXPECT_EQ(set().m_Status, 403U);
+    EXPECT_THAT(m_View.m_Set, IsEmpty());
+}
+
+TEST_F(SetPropertyTest, NobodyChangesAnythingOverHttp)
+{
+    m_Request.m_Local = false;
+    for (const bool hasToken : {false, true}) {
+        m_Request.m_MayChange = hasToken;
+        const Response refused = set();
+        EXPECT_EQ(refused.m_Status, 403U);
+        EXPECT_EQ(nlohmann::json::parse(refused.m_Body).at("detail"),
+                  "Properties are not set over HTTP. Use ostrel set on the machine.");
+    }
     EXPECT_THAT(m_View.m_Set, IsEmpty());
 }
 
