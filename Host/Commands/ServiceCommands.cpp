@@ -79,16 +79,6 @@ void take(const ServiceJson& json, const char* key, std::optional<Value>& value)
         value = json[key].get<Value>();
 }
 
-std::string serviceEntryLine(const ServiceJson& entry, const Screen& screen)
-{
-    const Notice notice = {parseInstant(entry.at("time").get<std::string>(), 0).value_or(0),
-                           entry.at("severity").get<std::uint32_t>(), entry.at("text").get<std::string>()};
-    if (!entry.contains("drive"))
-        return noticeLine(notice, nullptr, screen);
-    const DriveIdentity identity = identityIn(entry["drive"]);
-    return noticeLine(notice, &identity, screen);
-}
-
 } // namespace
 
 ExitCode watchService(const RunningService& service, const Options& options, Terminal& terminal)
@@ -101,13 +91,28 @@ ExitCode watchService(const RunningService& service, const Options& options, Ter
     const std::string after = std::to_string(status.at("journal").value("lastNumber", std::uint64_t{0}));
     const auto take = [&](const Web::SentEvent& event) {
         const ServiceJson entry = ServiceJson::parse(event.m_Data);
-        terminal.print(options.m_Json ? lineText(entry, false) : serviceEntryLine(entry, terminal.screen()));
+        terminal.print(options.m_Json ? lineText(entry, false)
+                                      : entryLine(entryOfService(entry), terminal.screen()));
     };
     const Web::FollowEnd why =
         service.m_Client.follow("/api/v1/journal/stream?after=" + after, take, end.ended());
     if (why == Web::FollowEnd::Service)
         terminal.tell("The service has ended.");
     return ExitCode::Done;
+}
+
+Journal::Entry entryOfService(const nlohmann::ordered_json& json)
+{
+    const auto time = [&](const char* name) { return parseInstant(json.value(name, ""), 0); };
+    Journal::Entry entry;
+    entry.m_Severity = static_cast<Journal::Severity>(json.at("severity").get<std::uint32_t>());
+    entry.m_Key = json.value("key", "");
+    if (json.contains("drive"))
+        entry.m_Drive = identityIn(json["drive"]);
+    entry.m_Text = json.at("text").get<std::string>();
+    entry.m_Begin = time("begin");
+    entry.m_End = time("time").value_or(0);
+    return entry;
 }
 
 ExitCode listThroughService(const RunningService& service, const Options& options, Terminal& terminal)

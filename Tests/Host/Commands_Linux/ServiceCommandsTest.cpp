@@ -3,14 +3,18 @@
 #include "Commands/ListCommand.h"
 #include "Host/Catalogue.h"
 #include "Host/Commands_Linux/RunningService.h"
+#include "Journal/Store.h"
 #include "Support/TemporaryFolder.h"
 
+#include <TLX/Clock.h>
 #include <TLX/Linux/Descriptor.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdint>
+#include <filesystem>
 #include <thread>
 
 #include <sys/socket.h>
@@ -91,6 +95,55 @@ TEST_F(ServiceCommandsTest, WatchEndsWhenItsTimeIsOver)
     RunningService service(words());
     awaitDrive(service);
     EXPECT_EQ(runProgram(words({"watch", "--for", "0"})).m_ExitCode, 0);
+}
+
+TEST_F(ServiceCommandsTest, JournalAsksTheServiceWhenItsFileCannotBeRead)
+{
+    constexpr std::uint64_t hour = 3'600'000;
+    {
+        // More than the service gives at once.
+        std::vector<Host::Journal::Entry> entries(1001);
+        for (Host::Journal::Entry& entry : entries)
+            entry.m_End = TLX::Misc::now() - 5 * hour;
+        entries.back().m_Begin = entries.back().m_End - 2 * hour;
+        entries.back().m_Text = "The clock was set.";
+        Host::Journal::Store(Host::Journal::serviceFile(m_Data.Path()), [](const std::string&) {
+        }).commit({entries, {}});
+    }
+    RunningService service(words());
+    awaitDrive(service);
+    m_Fleet.set({ChangingFleet::drive("S1", 1), ChangingFleet::drive("S2", 2)});
+    service.await([&] { return service.entries(1001).dump().find("\"S2\"") != std::string::npos; });
+    // This folder has no journal, but the service answers at its socket.
+    const TestSupport::CTemporaryFolder other;
+    std::filesystem::create_symlink(m_Data.Path() / "serve.sock", other.Path() / "serve.sock");
+    const auto journal = [&](const TestSupport::CTemporaryFolder& folder, std::vector<std::string> more) {
+        more.insert(more.begin(),
+                    {"--simulate", m_Fleet.file(), "--data", folder.Path().string(), "journal"});
+        return more;
+    };
+    const std::vector<std::vector<std::string>> manners = {
+        {}, {"--json"}, {"--json", "--since", "1h"}, {"--since", "2999-01-01"}};
+    for (const std::vector<std::string>& manner : manners) {
+        const ProgramResult asked = runProgram(journal(other, manner));
+        EXPECT_EQ(asked.m_ExitCode, 0) << asked.m_Errors;
+        EXPECT_EQ(asked.m_Output, runProgram(journal(m_Data, manner)).m_Output);
+    }
+    EXPECT_THAT(runProgram(journal(other, {})).m_Output,
+                AllOf(HasSubstr("The clock was set. It happened after"), HasSubstr("S2")));
+
+    RunningProgram follower(journal(other, {"--json", "--follow", "--since", "1h"}));
+    const json before = service.entries(1001);
+    for (const json& entry : before)
+        EXPECT_EQ(json::parse(follower.awaitResult("\n"))["number"], entry["number"]);
+    m_Fleet.set(
+        {ChangingFleet::drive("S1", 1), ChangingFleet::drive("S2", 2), ChangingFleet::drive("S3", 3)});
+    const json entry = json::parse(follower.awaitResult("\n"));
+    EXPECT_EQ(entry["drive"]["serial"], "S3");
+    EXPECT_EQ(entry["simulated"], true);
+    EXPECT_EQ(service.end().m_ExitCode, 0);
+    EXPECT_THAT(follower.awaitMessage("The service has ended."), HasSubstr("ostrel: "));
+    EXPECT_EQ(follower.finish().m_ExitCode, 0);
 }
 
 TEST_F(ServiceCommandsTest, DoctorLooksAtTheService)
