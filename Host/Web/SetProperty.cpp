@@ -1,10 +1,10 @@
 #include "Web/SetProperty.h"
 
+#include "Base/PercentCode.h"
 #include "Base/Text.h"
 #include "Documents/Json.h"
 #include "Web/Parameters.h"
 #include "Web/Problem.h"
-#include "Web/Target.h"
 
 #include <nlohmann/json.hpp>
 
