@@ -17,7 +17,9 @@
 #include <nlohmann/json.hpp>
 
 #include <cstddef>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace Host::Cli {
 namespace {

@@ -7,7 +7,7 @@
 #include "Commands/ListCommand.h"
 #include "Documents/Json.h"
 #include "Terminal/EventLine.h"
-#include "Web/SetProperty.h"
+#include "Web/ObjectPath.h"
 
 #include <TLX/Event.h>
 #include <TLX/Thread.h>
@@ -79,6 +79,13 @@ void take(const ServiceJson& json, const char* key, std::optional<Value>& value)
         value = json[key].get<Value>();
 }
 
+void printProperty(const ServiceJson& property, Terminal& terminal)
+{
+    if (!property.value("measured", true))
+        terminal.tell(printable(property.value("caption", "The value")) + " is not measured.");
+    terminal.print(printable(property.at("text").get<std::string>()) + '\n');
+}
+
 } // namespace
 
 ExitCode watchService(const RunningService& service, const Options& options, Terminal& terminal)
@@ -115,6 +122,21 @@ Journal::Entry entryOfService(const nlohmann::ordered_json& json)
     return entry;
 }
 
+ExitCode hereOrThroughService(const Options& options, const std::function<ExitCode()>& here,
+                              const std::function<ExitCode(const RunningService&)>& throughService)
+{
+    try {
+        return here();
+    } catch (const Failure& failure) {
+        if (failure.exitCode() != ExitCode::NoPermission)
+            throw;
+        const std::optional<RunningService> service = runningService(options);
+        if (!service)
+            throw;
+        return throughService(*service);
+    }
+}
+
 ExitCode listThroughService(const RunningService& service, const Options& options, Terminal& terminal)
 {
     const std::string answer = service.m_Client.get("/api/v1/drives");
@@ -149,6 +171,21 @@ Drive listedDrive(const ServiceJson& json)
     if (!json.value("answering", true))
         drive.m_Answer.emplace();
     return drive;
+}
+
+ExitCode showThroughService(const RunningService& service, const Options& options, Terminal& terminal)
+{
+    const std::string path = options.m_Property ? Web::propertyPath({options.m_Object, *options.m_Property})
+                                                : Web::objectPath(options.m_Object);
+    if (options.m_Json)
+        terminal.print(service.m_Client.get(path));
+    else if (options.m_Property)
+        printProperty(ServiceJson::parse(service.m_Client.get(path)).at("property"), terminal);
+    else
+        terminal.print(
+            service.m_Client.get(path + "?columns=" + std::to_string(terminal.screen().m_Width.value_or(0)) +
+                                 "&colours=" + (terminal.screen().m_Colour ? "1" : "0")));
+    return ExitCode::Done;
 }
 
 ExitCode setThroughService(const RunningService& service, const Options& options, Terminal& terminal)

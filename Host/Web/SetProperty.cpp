@@ -1,6 +1,5 @@
 #include "Web/SetProperty.h"
 
-#include "Base/PercentCode.h"
 #include "Base/Text.h"
 #include "Documents/Json.h"
 #include "Web/Parameters.h"
@@ -12,9 +11,6 @@ namespace Host::Web {
 namespace {
 
 using SetJson = nlohmann::ordered_json;
-
-constexpr std::string_view OBJECTS = "/api/v1/objects/";
-constexpr std::string_view PROPERTIES = "/properties/";
 
 Response refusal(const Request& request)
 {
@@ -65,24 +61,6 @@ Response outcome(const PropertyName& name, bool isSimulated, const std::string& 
 }
 
 } // namespace
-
-std::optional<PropertyName> settableProperty(std::string_view path)
-{
-    if (!path.starts_with(OBJECTS))
-        return std::nullopt;
-    path.remove_prefix(OBJECTS.size());
-    const std::size_t middle = path.rfind(PROPERTIES);
-    if (middle == 0 || middle == std::string_view::npos || middle + PROPERTIES.size() == path.size())
-        return std::nullopt;
-    return PropertyName{std::string(path.substr(0, middle)),
-                        std::string(path.substr(middle + PROPERTIES.size()))};
-}
-
-std::string propertyPath(const PropertyName& name)
-{
-    return std::string(OBJECTS) + percentEncoded(name.m_Object) + std::string(PROPERTIES) +
-           percentEncoded(name.m_Property);
-}
 
 void setProperty(IServiceView& view, const PropertyName& name, const Request& request, const Respond& respond)
 {

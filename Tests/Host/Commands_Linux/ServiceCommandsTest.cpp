@@ -3,6 +3,7 @@
 #include "Commands/ListCommand.h"
 #include "Host/Catalogue.h"
 #include "Host/Commands_Linux/RunningService.h"
+#include "Host/FakeOutput.h"
 #include "Journal/Store.h"
 #include "Support/TemporaryFolder.h"
 
@@ -15,6 +16,7 @@
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <thread>
 
 #include <sys/socket.h>
@@ -180,6 +182,58 @@ TEST_F(ServiceCommandsTest, DoctorNamesASocketThatDoesNotAnswer)
     const ProgramResult doctor = runProgram(words({"doctor"}));
     hanger.join();
     EXPECT_THAT(doctor.m_Output, HasSubstr("serve.sock, but does not answer"));
+}
+
+TEST_F(ServiceCommandsTest, ShowPrintsTheSameThroughTheService)
+{
+    m_Fleet.set({ChangingFleet::drive("S1", 1, {{"health", {{"criticalWarning", 4}}}}),
+                 ChangingFleet::drive("S2", 2)});
+    RunningService service(words());
+    awaitDrive(service);
+    const std::filesystem::path socket = m_Data.Path() / "serve.sock";
+    const Host::Cli::RunningService running = {socket, Host::Web::Client(socket)};
+    const auto through = [&](const std::string& object, const std::optional<std::string>& property,
+                             bool isJson, bool onTerminal = false) {
+        Host::Cli::Options options;
+        options.m_Object = object;
+        options.m_Property = property;
+        options.m_Json = isJson;
+        HostTest::FakeOutput results(onTerminal);
+        HostTest::FakeOutput messages(false);
+        Host::Cli::Terminal terminal(results, messages);
+        EXPECT_EQ(Host::Cli::showThroughService(running, options, terminal), Host::ExitCode::Done);
+        return results.written();
+    };
+    const auto here = [&](const std::vector<std::string>& more) { return runProgram(words(more)).m_Output; };
+    // Only a host, such as the service, gives the adapter its name.
+    const auto belowName = [](const std::string& text) { return text.substr(text.find("\n  Vendor")); };
+    EXPECT_EQ(belowName(through("S1", {}, false)), belowName(here({"show", "S1"})));
+    const json shown = json::parse(through("S1", {}, true));
+    const json expected = json::parse(here({"show", "S1", "--json"}));
+    EXPECT_EQ(shown.at("objects").at(1), expected.at("objects").at(1));
+    for (const char* part : {"format", "simulated", "facts", "explanations", "endOfLife"})
+        EXPECT_EQ(shown.at(part), expected.at(part));
+    EXPECT_THAT(here({"show", "S2", "serial number"}),
+                testing::EndsWith('\n' + through("S2", "serial number", false)));
+    EXPECT_EQ(through("S2", "serial number", true), here({"show", "S2", "serial number", "--json"}));
+    EXPECT_THAT(through("S1", {}, false, true), HasSubstr("\x1B["));
+    EXPECT_THROW(through("S9", {}, false), Host::Failure);
+}
+
+TEST_F(ServiceCommandsTest, OnlyAMissingPermissionLeadsToTheService)
+{
+    using Host::ExitCode;
+    Host::Cli::Options options;
+    options.m_Data = m_Data.Path();
+    const auto through = [&](ExitCode reason) {
+        return Host::Cli::hereOrThroughService(
+            options, [&]() -> ExitCode { throw Host::Failure(reason, "Not here."); },
+            [](const Host::Cli::RunningService&) { return ExitCode::Done; });
+    };
+    EXPECT_THROW(through(ExitCode::NoPermission), Host::Failure) << "no service runs";
+    RunningService service(words());
+    EXPECT_EQ(through(ExitCode::NoPermission), ExitCode::Done);
+    EXPECT_THROW(through(ExitCode::NoHardware), Host::Failure);
 }
 
 TEST_F(ServiceCommandsTest, ListShowsTheSameFromADocument)

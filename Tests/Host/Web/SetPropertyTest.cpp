@@ -2,7 +2,6 @@
 
 #include "Host/Web/FakeView.h"
 #include "Web/Parameters.h"
-#include "Web/Target.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -113,18 +112,6 @@ TEST_F(SetPropertyTest, FailuresKeepTheirReason)
     const Response failed = set();
     EXPECT_EQ(failed.m_Status, 500U);
     EXPECT_THAT(failed.m_Body, testing::Not(testing::HasSubstr("secret")));
-}
-
-TEST(SettablePropertyTest, APathNamesObjectAndProperty)
-{
-    const auto name = settableProperty("/api/v1/objects/a/b/properties/c d");
-    ASSERT_TRUE(name);
-    EXPECT_EQ(name->m_Object, "a/b");
-    EXPECT_EQ(name->m_Property, "c d");
-    EXPECT_EQ(parseTarget(propertyPath(*name))->m_Path, "/api/v1/objects/a/b/properties/c d");
-    for (const char* path : {"/api/v1/objects/a/properties/", "/api/v1/objects//properties/a",
-                             "/api/v1/objects/a", "/api/v1/object/a/properties/b", ""})
-        EXPECT_FALSE(settableProperty(path)) << path;
 }
 
 } // namespace
