@@ -227,7 +227,7 @@ TEST_F(WatchNewsTest, WhatNoEventTellsIsTold)
 
 TEST_F(WatchNewsTest, CountersTellWhatNobodySaw)
 {
-    const auto counted = [this](int cycles, int shutdowns, int hours) {
+    const auto counted = [](int cycles, int shutdowns, int hours) {
         json each = drive("A", 1);
         each["health"]["powerCycles"] = cycles;
         each["health"]["unsafeShutdowns"] = shutdowns;

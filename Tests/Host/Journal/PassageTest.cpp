@@ -12,7 +12,7 @@ using Host::Moment;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::uint64_t HOUR = 3'600'000;
+constexpr std::uint64_t AN_HOUR = 3'600'000;
 
 Entry entry(Kind kind, const std::string& text, std::optional<std::uint64_t> begin, std::uint64_t end,
             Severity severity = Severity::Information)
@@ -32,8 +32,8 @@ Outcome lookAt(const State& state, const Moment& moment, bool isHot)
 TEST(PassageTest, AClockThatWasSetIsToldAndIntervalsStayTrue)
 {
     for (const bool forward : {true, false}) {
-        const std::uint64_t second = forward ? 102 * HOUR + 60'000 : 99 * HOUR + 60'000;
-        const State first = lookAt({}, {100 * HOUR, 7, "b"}, false).m_State;
+        const std::uint64_t second = forward ? 102 * AN_HOUR + 60'000 : 99 * AN_HOUR + 60'000;
+        const State first = lookAt({}, {100 * AN_HOUR, 7, "b"}, false).m_State;
         const Outcome outcome = lookAt(first, {second, 60'007, "b"}, true);
         ASSERT_EQ(outcome.m_Entries.size(), 2U);
         EXPECT_EQ(outcome.m_Entries[0], entry(Kind::ClockStepped,
@@ -41,34 +41,35 @@ TEST(PassageTest, AClockThatWasSetIsToldAndIntervalsStayTrue)
                                                       : "The machine's clock was set back by 3600 seconds.",
                                               second - 60'000, second));
         EXPECT_EQ(outcome.m_Entries[1].m_Begin, second - 60'000) << "on the clock as it is now";
-        EXPECT_EQ(outcome.m_State.m_BootTime, forward ? 102 * HOUR : 99 * HOUR);
+        EXPECT_EQ(outcome.m_State.m_BootTime, forward ? 102 * AN_HOUR : 99 * AN_HOUR);
     }
 }
 
 TEST(PassageTest, ASmallDifferenceOfTheClocksIsNoNews)
 {
-    const State first = lookAt({}, {100 * HOUR, 7, "b"}, false).m_State;
-    EXPECT_THAT(lookAt(first, {100 * HOUR + 61'999, 60'007, "b"}, false).m_Entries, IsEmpty());
-    EXPECT_THAT(lookAt(first, {100 * HOUR + 58'001, 60'007, "b"}, false).m_Entries, IsEmpty());
-    EXPECT_EQ(lookAt(first, {100 * HOUR + 62'000, 60'007, "b"}, false).m_Entries.size(), 1U);
-    EXPECT_EQ(lookAt(first, {100 * HOUR + 58'000, 60'007, "b"}, false).m_Entries.size(), 1U);
-    EXPECT_THAT(lookAt(first, {200 * HOUR, std::nullopt, "b"}, false).m_Entries, IsEmpty())
+    const State first = lookAt({}, {100 * AN_HOUR, 7, "b"}, false).m_State;
+    EXPECT_THAT(lookAt(first, {100 * AN_HOUR + 61'999, 60'007, "b"}, false).m_Entries, IsEmpty());
+    EXPECT_THAT(lookAt(first, {100 * AN_HOUR + 58'001, 60'007, "b"}, false).m_Entries, IsEmpty());
+    EXPECT_EQ(lookAt(first, {100 * AN_HOUR + 62'000, 60'007, "b"}, false).m_Entries.size(), 1U);
+    EXPECT_EQ(lookAt(first, {100 * AN_HOUR + 58'000, 60'007, "b"}, false).m_Entries.size(), 1U);
+    EXPECT_THAT(lookAt(first, {200 * AN_HOUR, std::nullopt, "b"}, false).m_Entries, IsEmpty())
         << "nobody knows the uptime";
 }
 
 TEST(PassageTest, NoIntervalEndsBeforeItBegins)
 {
-    const State first = lookAt({}, {100 * HOUR, 7, "b"}, false).m_State;
-    const Outcome outcome = lookAt(first, {HOUR, 7, "c"}, true);
+    const State first = lookAt({}, {100 * AN_HOUR, 7, "b"}, false).m_State;
+    const Outcome outcome = lookAt(first, {AN_HOUR, 7, "c"}, true);
     ASSERT_EQ(outcome.m_Entries.size(), 2U);
-    EXPECT_EQ(outcome.m_Entries[0], entry(Kind::MachineRestarted, "The machine was restarted.", HOUR, HOUR));
-    EXPECT_EQ(outcome.m_Entries[1].m_Begin, HOUR);
+    EXPECT_EQ(outcome.m_Entries[0],
+              entry(Kind::MachineRestarted, "The machine was restarted.", AN_HOUR, AN_HOUR));
+    EXPECT_EQ(outcome.m_Entries[1].m_Begin, AN_HOUR);
 }
 
 TEST(PassageTest, AClockThatWasSetBeforeTheEpochLosesNothing)
 {
-    const State first = lookAt({}, {100 * HOUR, 200 * HOUR, "b"}, false).m_State;
-    EXPECT_EQ(lookAt(first, {5, 201 * HOUR, "b"}, true).m_Entries.size(), 2U);
+    const State first = lookAt({}, {100 * AN_HOUR, 200 * AN_HOUR, "b"}, false).m_State;
+    EXPECT_EQ(lookAt(first, {5, 201 * AN_HOUR, "b"}, true).m_Entries.size(), 2U);
 }
 
 TEST(ServiceLifeTest, StartAndEndAreToldWithTheTimeBetween)

@@ -4,12 +4,16 @@
 #include "Web/Server.h"
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
 namespace HostTest {
+
+/** A limit of a server that ends no test. */
+inline constexpr std::chrono::milliseconds NEVER{3'600'000};
 
 /** A stream that sends what the test says. */
 class ScriptedStream : public Host::Web::IEventStream

@@ -14,6 +14,7 @@ namespace {
 
 using Host::Web::ServerSettings;
 using HostTest::askOnce;
+using HostTest::NEVER;
 using HostTest::RawAnswer;
 using HostTest::RawClient;
 using HostTest::rawRequest;
@@ -23,7 +24,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr milliseconds SOON{50};
-constexpr milliseconds NEVER{3'600'000};
 
 /** Every request is late very soon. */
 ServerSettings impatient(std::size_t connections = 64)

@@ -6,13 +6,12 @@
 
 namespace {
 
+using HostTest::NEVER;
 using HostTest::RawAnswer;
 using HostTest::RawClient;
 using HostTest::rawRequest;
 using HostTest::ScriptedServer;
 using std::chrono::milliseconds;
-
-constexpr milliseconds NEVER{3'600'000};
 
 Host::Web::ServerSettings withSilence(milliseconds silence, milliseconds request = NEVER)
 {
