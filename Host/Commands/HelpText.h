@@ -80,9 +80,9 @@ Examples:
 inline constexpr char JOURNAL_FOOTER[] =
     R"(Prints a line for each entry of the journal that "ostrel serve" keeps in the data
 folder (--data DIR, otherwise the system's folder): local time, severity, what
-happened, and to which drive. The service need not run. What happened while
-nobody watched has the time when it was found, and says since when it may have
-been so. With --json each line is one JSON object. TIME is a number with s, m,
+happened, and to which drive. The service need not run, unless this user may not
+read that folder: then it is asked. What happened while nobody watched has the
+time when it was found, and says since when it may have been so. With --json each line is one JSON object. TIME is a number with s, m,
 h, d or w, a date, or a date and a time (2026-01-31T12:00, at the end with Z or
 an offset if it is not this machine's time). --follow ends with Ctrl+C or a
 termination signal.

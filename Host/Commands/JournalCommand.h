@@ -7,9 +7,9 @@
 namespace Host::Cli {
 
 /**
- * Prints what the service's journal in the data folder tells, and with `--follow` what comes, until the user
- * asks the program to end. Needs neither drives nor the service. Throws `Failure`, and `std::system_error`
- * when an entry cannot be written.
+ * Prints what the service's journal tells, and with `--follow` what comes, until the user asks the program to
+ * end. It needs no drives, and the service only when this user may not read the journal's file. Throws
+ * `Failure`, and `std::system_error` when an entry cannot be written.
  */
 ExitCode journal(const Options& options, Terminal& terminal);
 

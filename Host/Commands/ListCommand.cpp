@@ -1,8 +1,6 @@
 #include "Commands/ListCommand.h"
 
-#include "Base/Failure.h"
 #include "Base/Text.h"
-#include "Commands/RunningService.h"
 #include "Commands/ServiceCommands.h"
 #include "Documents/Json.h"
 #include "Facts/FactTable.h"
@@ -111,21 +109,15 @@ ExitCode listHere(const Session& session)
 
 ExitCode list(const Session& session)
 {
-    try {
-        return listHere(session);
-    } catch (const Failure& failure) {
-        if (failure.exitCode() != ExitCode::NoPermission)
-            throw;
-        // The service may see drives that this user may not open.
-        const std::optional<RunningService> service = runningService(session.m_Options);
-        if (!service)
-            throw;
-        // The texts of the units come with the plug-ins.
-        PluginSet plugins;
-        for (const std::filesystem::path& file : session.m_Plugins)
-            plugins.load(file);
-        return listThroughService(*service, session.m_Options, session.m_Terminal);
-    }
+    return hereOrThroughService(
+        session.m_Options, [&] { return listHere(session); },
+        [&](const RunningService& service) {
+            // The texts of the units come with the plug-ins.
+            PluginSet plugins;
+            for (const std::filesystem::path& file : session.m_Plugins)
+                plugins.load(file);
+            return listThroughService(service, session.m_Options, session.m_Terminal);
+        });
 }
 
 std::string listText(const std::vector<Drive>& drives, const Screen& screen)

@@ -4,6 +4,7 @@
 #include "Base/Repetition.h"
 #include "Base/ServiceManager.h"
 #include "Commands/Session.h"
+#include "Commands/ShowCommand.h"
 #include "Service/Service.h"
 
 #include <cstdlib>
@@ -78,6 +79,11 @@ ExitCode serve(Options options, Terminal& terminal)
     plan.m_SettingsFile = options.m_Settings.value_or(session.m_Folders.m_Data / "serve.ini");
     plan.m_MayBeMissing = !options.m_Settings;
     plan.m_Listen = options.m_Listen;
+    plan.m_ShowText = [](const ObjectStore& store, const std::vector<const PI::CObject*>& objects,
+                         const Web::TextForm& form) {
+        return showText(store, objects,
+                        {form.m_Columns == 0 ? std::nullopt : std::optional(form.m_Columns), form.m_Colours});
+    };
     plan.m_Announce = [&terminal](const std::string& message) { terminal.announce(message); };
     plan.m_GiveUp = [&folder] {
         if (folder)

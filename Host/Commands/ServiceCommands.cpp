@@ -7,7 +7,7 @@
 #include "Commands/ListCommand.h"
 #include "Documents/Json.h"
 #include "Terminal/EventLine.h"
-#include "Web/SetProperty.h"
+#include "Web/ObjectPath.h"
 
 #include <TLX/Event.h>
 #include <TLX/Thread.h>
@@ -79,14 +79,11 @@ void take(const ServiceJson& json, const char* key, std::optional<Value>& value)
         value = json[key].get<Value>();
 }
 
-std::string serviceEntryLine(const ServiceJson& entry, const Screen& screen)
+void printProperty(const ServiceJson& property, Terminal& terminal)
 {
-    const Notice notice = {parseInstant(entry.at("time").get<std::string>(), 0).value_or(0),
-                           entry.at("severity").get<std::uint32_t>(), entry.at("text").get<std::string>()};
-    if (!entry.contains("drive"))
-        return noticeLine(notice, nullptr, screen);
-    const DriveIdentity identity = identityIn(entry["drive"]);
-    return noticeLine(notice, &identity, screen);
+    if (!property.value("measured", true))
+        terminal.tell(printable(property.value("caption", "The value")) + " is not measured.");
+    terminal.print(printable(property.at("text").get<std::string>()) + '\n');
 }
 
 } // namespace
@@ -101,13 +98,43 @@ ExitCode watchService(const RunningService& service, const Options& options, Ter
     const std::string after = std::to_string(status.at("journal").value("lastNumber", std::uint64_t{0}));
     const auto take = [&](const Web::SentEvent& event) {
         const ServiceJson entry = ServiceJson::parse(event.m_Data);
-        terminal.print(options.m_Json ? lineText(entry, false) : serviceEntryLine(entry, terminal.screen()));
+        terminal.print(options.m_Json ? lineText(entry, false)
+                                      : entryLine(entryOfService(entry), terminal.screen()));
     };
     const Web::FollowEnd why =
         service.m_Client.follow("/api/v1/journal/stream?after=" + after, take, end.ended());
     if (why == Web::FollowEnd::Service)
         terminal.tell("The service has ended.");
     return ExitCode::Done;
+}
+
+Journal::Entry entryOfService(const nlohmann::ordered_json& json)
+{
+    const auto time = [&](const char* name) { return parseInstant(json.value(name, ""), 0); };
+    Journal::Entry entry;
+    entry.m_Severity = static_cast<Journal::Severity>(json.at("severity").get<std::uint32_t>());
+    entry.m_Key = json.value("key", "");
+    if (json.contains("drive"))
+        entry.m_Drive = identityIn(json["drive"]);
+    entry.m_Text = json.at("text").get<std::string>();
+    entry.m_Begin = time("begin");
+    entry.m_End = time("time").value_or(0);
+    return entry;
+}
+
+ExitCode hereOrThroughService(const Options& options, const std::function<ExitCode()>& here,
+                              const std::function<ExitCode(const RunningService&)>& throughService)
+{
+    try {
+        return here();
+    } catch (const Failure& failure) {
+        if (failure.exitCode() != ExitCode::NoPermission)
+            throw;
+        const std::optional<RunningService> service = runningService(options);
+        if (!service)
+            throw;
+        return throughService(*service);
+    }
 }
 
 ExitCode listThroughService(const RunningService& service, const Options& options, Terminal& terminal)
@@ -144,6 +171,21 @@ Drive listedDrive(const ServiceJson& json)
     if (!json.value("answering", true))
         drive.m_Answer.emplace();
     return drive;
+}
+
+ExitCode showThroughService(const RunningService& service, const Options& options, Terminal& terminal)
+{
+    const std::string path = options.m_Property ? Web::propertyPath({options.m_Object, *options.m_Property})
+                                                : Web::objectPath(options.m_Object);
+    if (options.m_Json)
+        terminal.print(service.m_Client.get(path));
+    else if (options.m_Property)
+        printProperty(ServiceJson::parse(service.m_Client.get(path)).at("property"), terminal);
+    else
+        terminal.print(
+            service.m_Client.get(path + "?columns=" + std::to_string(terminal.screen().m_Width.value_or(0)) +
+                                 "&colours=" + (terminal.screen().m_Colour ? "1" : "0")));
+    return ExitCode::Done;
 }
 
 ExitCode setThroughService(const RunningService& service, const Options& options, Terminal& terminal)

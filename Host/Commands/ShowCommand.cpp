@@ -3,10 +3,9 @@
 #include "Base/Failure.h"
 #include "Base/Suggestion.h"
 #include "Base/Text.h"
+#include "Commands/ServiceCommands.h"
 #include "Commands/TopologyCommand.h"
-#include "Documents/EndOfLifeJson.h"
-#include "Documents/ExplanationJson.h"
-#include "Documents/Json.h"
+#include "Documents/ShowJson.h"
 #include "Facts/EndOfLife.h"
 #include "Facts/Explanation.h"
 #include "Facts/FactTable.h"
@@ -99,23 +98,13 @@ std::string explanationText(const ObjectStore& store, const PI::CObject& object,
     return text.empty() ? text : '\n' + text;
 }
 
-nlohmann::ordered_json showJson(const ObjectStore& store, const std::vector<const PI::CObject*>& objects)
+void showProperty(const Session& session, const ObjectStore& store,
+                  const std::vector<const PI::CObject*>& objects, const std::string& name)
 {
-    nlohmann::ordered_json document = {{"objects", nlohmann::ordered_json::array()}};
-    for (const PI::CObject* object : objects)
-        document["objects"].push_back(objectJson(store, *object));
-    document["facts"] = ownFactsJson(store, objects);
-    document["explanations"] = explanationsJson(store, objects);
-    document["endOfLife"] = endOfLifeJson(store, objects);
-    return document;
-}
-
-void showProperty(const Session& session, const PI::CProperty& property, Basis basis)
-{
-    if (session.m_Options.m_Json) {
-        session.print(nlohmann::ordered_json{{"property", propertyJson(property, basis)}});
-        return;
-    }
+    if (session.m_Options.m_Json)
+        return session.print(showPropertyJson(store, objects, name));
+    const auto [object, property] = namedProperty(objects, name);
+    const Basis basis = basisOf(store, object, property);
     if (basis != Basis::Measured)
         session.m_Terminal.tell(printable(captionText(property)) + " is not measured: " +
                                 (basis == Basis::NotRead ? "the health log of this drive was not read."
@@ -123,21 +112,29 @@ void showProperty(const Session& session, const PI::CProperty& property, Basis b
     session.print(printable(valueText(property)) + '\n');
 }
 
-} // namespace
-
-ExitCode show(const Session& session)
+ExitCode showHere(const Session& session)
 {
     const Inventory inventory(session);
     const ObjectStore& store = inventory.objects();
     const std::vector<const PI::CObject*> objects = session.namedObjects(store);
-    if (session.m_Options.m_Property) {
-        const NamedProperty named = namedProperty(objects, *session.m_Options.m_Property);
-        showProperty(session, named.m_Property, basisOf(store, named.m_Object, named.m_Property));
-    } else if (session.m_Options.m_Json)
+    if (session.m_Options.m_Property)
+        showProperty(session, store, objects, *session.m_Options.m_Property);
+    else if (session.m_Options.m_Json)
         session.print(showJson(store, objects));
     else
         session.print(showText(store, objects, session.m_Terminal.screen()));
     return ExitCode::Done;
+}
+
+} // namespace
+
+ExitCode show(const Session& session)
+{
+    return hereOrThroughService(
+        session.m_Options, [&] { return showHere(session); },
+        [&](const RunningService& service) {
+            return showThroughService(service, session.m_Options, session.m_Terminal);
+        });
 }
 
 std::string showText(const ObjectStore& store, const std::vector<const PI::CObject*>& objects,

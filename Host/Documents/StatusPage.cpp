@@ -1,5 +1,6 @@
 #include "Documents/StatusPage.h"
 
+#include "Base/PercentCode.h"
 #include "Base/Text.h"
 #include "Base/Time.h"
 #include "Facts/DriveEvent.h"
@@ -39,23 +40,6 @@ std::string html(std::string_view text)
             break;
         default:
             result += character;
-        }
-    return result;
-}
-
-/** `text` as a part of a path. */
-std::string pathPart(std::string_view text)
-{
-    constexpr std::string_view harmless =
-        "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-_.~";
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string result;
-    for (const char character : text)
-        if (harmless.find(character) != std::string_view::npos)
-            result += character;
-        else {
-            const auto byte = static_cast<unsigned char>(character);
-            result += {'%', digits[byte >> 4U], digits[byte & 0xFU]};
         }
     return result;
 }
@@ -121,7 +105,7 @@ std::string driveRow(const DriveCheck& check)
     const std::string device(shortDeviceName(check.m_Drive.m_Device));
     std::string row = isSilent(check.m_Drive) ? "<tr class=\"silent\">" : "<tr>";
     row += cell(heading("device"),
-                link("/api/v1/drives/" + pathPart(check.m_Key), device.empty() ? check.m_Key : device));
+                link("/api/v1/drives/" + percentEncoded(check.m_Key), device.empty() ? check.m_Key : device));
     for (const Column& column : COLUMNS)
         row += cell(heading(column.m_Fact), html(column.m_Text(check.m_Drive)));
     return row +

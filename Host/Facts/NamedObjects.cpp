@@ -6,13 +6,12 @@
 #include "Plugins/ControllerNames.h"
 
 #include <TLX/Clock.h>
-#include <TLXX/Diagnosis.h>
 
 namespace Host::Cli {
 
 std::vector<const PI::CObject*> namedObjects(const ObjectStore& store, const std::string& name)
 {
-    const std::string disk = diskOfController(TLXX::controllerStates(), name);
+    const std::string disk = diskOfController(store.controllers(), name);
     for (const Drive& drive : joinDrives(store))
         if (isUnheard(drive, disk))
             throw Failure(ExitCode::RequestFailed,

@@ -5,7 +5,6 @@
 #include "Facts/DriveCheck.h"
 #include "Facts/ServiceVerdict.h"
 #include "Journal/Store.h"
-#include "Web/Routes.h"
 #include "Web/Sockets.h"
 
 #include <TLX/Clock.h>
@@ -46,7 +45,7 @@ Service::Service(ServicePlan plan, Platform::ServiceManager& manager)
       m_Teller(Journal::serviceFile(m_Plan.m_Watch.m_Data), m_Board, m_Plan.m_Watch.m_Warn),
       m_Watcher({m_Plan.m_Watch, m_Board, m_Teller, [this] { onNews(); }}),
       m_Server(serverSettings(m_Plan.m_Listen.value_or(m_Settings.m_Listen), localSocket(), access()),
-               Web::routes(m_Board))
+               Web::routes(m_Board, m_Plan.m_ShowText))
 {
     if (m_Ended.Init(false, true) != TLX::Threading::WaitResult::Taken)
         throw std::runtime_error("The system has no event left for the service.");

@@ -8,6 +8,7 @@
 #include "Service/Settings.h"
 #include "Service/Teller.h"
 #include "Service/Watcher.h"
+#include "Web/Routes.h"
 #include "Web/Server.h"
 
 #include <TLX/Event.h>
@@ -30,6 +31,7 @@ struct ServicePlan
     std::filesystem::path m_SettingsFile;
     bool m_MayBeMissing = true;
     std::optional<Endpoint> m_Listen; ///< in place of the one in the settings
+    Web::ShowText m_ShowText;         ///< safe from any thread
     Warn m_Announce;                  ///< gets a line that is no warning; safe from any thread
     /** Ends the process at once. Called when a plug-in does not let the service end in time. */
     std::function<void()> m_GiveUp;

@@ -89,8 +89,8 @@ constexpr std::array ROWS = {
                "Names of this machine that a browser or a proxy may use beside those of loopback.",
                readHostNames, nullptr},
     SettingRow{"token-file", "an absolute path", "none",
-               "A file whose first line is the token of callers over HTTP who may change something.",
-               readTokenFile, nullptr},
+               "A file whose first line is the token of callers from other machines.", readTokenFile,
+               nullptr},
 };
 
 std::vector<std::string> knownKeys()

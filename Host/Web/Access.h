@@ -20,7 +20,7 @@ enum class Door : unsigned char
 /** Who may do what. */
 struct AccessSettings
 {
-    std::string m_Token; ///< of callers over HTTP who may change something; empty: none may
+    std::string m_Token; ///< lets callers from other machines in; empty: none may come
     /** Names of this machine in addresses, beside those of loopback. In small letters. */
     std::vector<std::string> m_HostNames;
 };

@@ -4,8 +4,11 @@
 #include "Documents/Json.h"
 #include "Documents/Metrics.h"
 #include "Documents/ServiceJson.h"
+#include "Documents/ShowJson.h"
 #include "Documents/StatusPage.h"
+#include "Facts/NamedObjects.h"
 #include "Web/JournalStream.h"
+#include "Web/ObjectPath.h"
 #include "Web/OpenApi.h"
 #include "Web/Parameters.h"
 #include "Web/Problem.h"
@@ -18,7 +21,9 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 namespace Host::Web {
 namespace {
@@ -28,12 +33,14 @@ using Json = nlohmann::ordered_json;
 constexpr std::size_t USUAL_ENTRIES = 100;
 constexpr std::size_t ENTRIES_ON_PAGE = 20;
 constexpr Bounds ENTRIES = {1, 1000};
+constexpr Bounds COLUMNS = {0, 10000};
 constexpr Bounds NUMBERS = {0, std::numeric_limits<std::uint64_t>::max()};
 
 /** A request on its way. */
 struct Call
 {
     IServiceView& m_View;
+    const ShowText& m_ShowText;
     const Request& m_Request;
     std::string m_Rest; ///< of the path, after the route's own part
 };
@@ -43,6 +50,14 @@ Response document(const Call& call, const Json& json)
     Response response;
     response.m_Type = "application/json";
     response.m_Body = Cli::documentText(json, call.m_View.figures().m_Simulated);
+    return response;
+}
+
+Response text(std::string_view type, std::string content)
+{
+    Response response;
+    response.m_Type = type;
+    response.m_Body = std::move(content);
     return response;
 }
 
@@ -74,6 +89,33 @@ Response drive(const Call& call)
         return problem(404, "No drive has the key \"" + call.m_Rest + "\".");
     const auto& found = snapshot->m_Drives.at(static_cast<std::size_t>(key - snapshot->m_Keys.begin()));
     return document(call, Cli::keyedDriveJson(*key, found));
+}
+
+/** Whether a text is asked for instead of a document, and its form. */
+std::optional<TextForm> textForm(const Request& request)
+{
+    const auto columns = queryNumber(request, "columns", COLUMNS);
+    const bool colours = queryNumber(request, "colours", {0, 1}).value_or(0) == 1;
+    return columns ? std::optional(TextForm{static_cast<unsigned>(*columns), colours}) : std::nullopt;
+}
+
+Response object(const Call& call)
+{
+    const auto form = textForm(call.m_Request);
+    const auto snapshot = readSnapshot(call.m_View);
+    const ObjectStore& store = snapshot->m_Objects;
+    const std::vector<const PI::CObject*> objects = Cli::namedObjects(store, call.m_Rest);
+    return form ? text("text/plain; charset=utf-8", call.m_ShowText(store, objects, *form))
+                : document(call, Cli::showJson(store, objects));
+}
+
+Response property(const Call& call)
+{
+    const PropertyName name = *propertyAt(call.m_Request.m_Path);
+    const auto snapshot = readSnapshot(call.m_View);
+    const ObjectStore& store = snapshot->m_Objects;
+    return document(call,
+                    Cli::showPropertyJson(store, Cli::namedObjects(store, name.m_Object), name.m_Property));
 }
 
 /** The journal cannot be read for a reason that may pass, so the status is another one than for other
@@ -114,14 +156,6 @@ Response journalStream(const Call& call)
     Response response;
     response.m_Type = "text/event-stream";
     response.m_Events = std::make_unique<JournalStream>(call.m_View, after);
-    return response;
-}
-
-Response text(std::string_view type, std::string content)
-{
-    Response response;
-    response.m_Type = type;
-    response.m_Body = std::move(content);
     return response;
 }
 
@@ -170,7 +204,9 @@ struct Route
     Response (*m_Answer)(const Call&);
 };
 
-constexpr std::array<Route, 9> ROUTES = {{
+constexpr Route PROPERTY = {OBJECTS_PATH, {}, property};
+
+constexpr std::array<Route, 10> ROUTES = {{
     {"/", {}, page},
     {Cli::STYLE_PATH, {}, style},
     {"/metrics", {}, metrics},
@@ -179,6 +215,7 @@ constexpr std::array<Route, 9> ROUTES = {{
     {"/api/v1/drives/", {}, drive},
     {"/api/v1/journal", {"after", "limit"}, journal},
     {"/api/v1/journal/stream", {"after"}, journalStream},
+    {OBJECTS_PATH, {"columns", "colours"}, object},
     {"/api/v1/openapi.json", {}, description},
 }};
 
@@ -205,30 +242,36 @@ void checkParameters(const Route& route, const Request& request)
             throw WrongParameter(name, "This path has no parameter \"" + name + "\".");
 }
 
-Response answer(IServiceView& view, const Request& request)
+const Route* routeOf(const std::string& path)
 {
-    const auto* const route = std::find_if(ROUTES.begin(), ROUTES.end(),
-                                           [&](const Route& each) { return leadsTo(each, request.m_Path); });
-    if (route == ROUTES.end())
+    if (propertyAt(path))
+        return &PROPERTY;
+    const auto* const found =
+        std::find_if(ROUTES.begin(), ROUTES.end(), [&](const Route& each) { return leadsTo(each, path); });
+    return found == ROUTES.end() ? nullptr : found;
+}
+
+Response answer(IServiceView& view, const ShowText& showText, const Request& request)
+{
+    const Route* const route = routeOf(request.m_Path);
+    if (route == nullptr)
         return problem(404, "There is nothing at this path.");
     if (request.m_Method != "GET")
-        return notAllowed("GET, HEAD");
+        return notAllowed(route == &PROPERTY ? "GET, HEAD, PUT" : "GET, HEAD");
     checkParameters(*route, request);
-    return route->m_Answer({view, request, request.m_Path.substr(route->m_Path.size())});
+    return route->m_Answer({view, showText, request, request.m_Path.substr(route->m_Path.size())});
 }
 
 } // namespace
 
-Handler routes(IServiceView& view)
+Handler routes(IServiceView& view, ShowText showText)
 {
-    return [&view](const Request& request, const Respond& respond) {
+    return [&view, showText = std::move(showText)](const Request& request, const Respond& respond) {
         try {
-            if (const auto property = settableProperty(request.m_Path)) {
-                if (request.m_Method != "PUT")
-                    return respond(notAllowed("PUT"));
-                return setProperty(view, *property, request, respond);
-            }
-            respond(answer(view, request));
+            const auto name = propertyAt(request.m_Path);
+            if (name && request.m_Method == "PUT")
+                return setProperty(view, *name, request, respond);
+            respond(answer(view, showText, request));
         } catch (const WrongParameter& wrong) {
             respond(problem(400, wrong.what(), wrong.name()));
         }

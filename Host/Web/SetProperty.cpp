@@ -4,7 +4,6 @@
 #include "Documents/Json.h"
 #include "Web/Parameters.h"
 #include "Web/Problem.h"
-#include "Web/Target.h"
 
 #include <nlohmann/json.hpp>
 
@@ -13,13 +12,10 @@ namespace {
 
 using SetJson = nlohmann::ordered_json;
 
-constexpr std::string_view OBJECTS = "/api/v1/objects/";
-constexpr std::string_view PROPERTIES = "/properties/";
-
 Response refusal(const Request& request)
 {
-    return request.m_Local ? problem(403, "Only root and members of the group ostrel may change something.")
-                           : problem(401, "Whoever changes something needs the token.");
+    return problem(403, request.m_Local ? "Only root and members of the group ostrel may change something."
+                                        : "Properties are not set over HTTP. Use ostrel set on the machine.");
 }
 
 bool isJson(const Request& request)
@@ -66,27 +62,9 @@ Response outcome(const PropertyName& name, bool isSimulated, const std::string& 
 
 } // namespace
 
-std::optional<PropertyName> settableProperty(std::string_view path)
-{
-    if (!path.starts_with(OBJECTS))
-        return std::nullopt;
-    path.remove_prefix(OBJECTS.size());
-    const std::size_t middle = path.rfind(PROPERTIES);
-    if (middle == 0 || middle == std::string_view::npos || middle + PROPERTIES.size() == path.size())
-        return std::nullopt;
-    return PropertyName{std::string(path.substr(0, middle)),
-                        std::string(path.substr(middle + PROPERTIES.size()))};
-}
-
-std::string propertyPath(const PropertyName& name)
-{
-    return std::string(OBJECTS) + percentEncoded(name.m_Object) + std::string(PROPERTIES) +
-           percentEncoded(name.m_Property);
-}
-
 void setProperty(IServiceView& view, const PropertyName& name, const Request& request, const Respond& respond)
 {
-    if (!request.m_MayChange)
+    if (!request.m_Local || !request.m_MayChange)
         return respond(refusal(request));
     if (!isJson(request))
         return respond(problem(415, "The content must be application/json."));

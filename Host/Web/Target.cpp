@@ -2,13 +2,8 @@
 
 #include "Base/Text.h"
 
-#include <array>
-#include <cstdio>
-
 namespace Host::Web {
 namespace {
-
-constexpr std::string_view UNRESERVED = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
 
 bool isControl(char character)
 {
@@ -61,22 +56,6 @@ std::optional<Target> parseTarget(std::string_view target)
         rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
     }
     return result;
-}
-
-std::string percentEncoded(std::string_view text)
-{
-    std::string encoded;
-    for (const char character : text) {
-        if (UNRESERVED.find(character) != std::string_view::npos) {
-            encoded += character;
-            continue;
-        }
-        std::array<char, 4> code{};
-        (void)std::snprintf(code.data(), code.size(), "%%%02X",
-                            static_cast<unsigned>(static_cast<unsigned char>(character)));
-        encoded += code.data();
-    }
-    return encoded;
 }
 
 } // namespace Host::Web

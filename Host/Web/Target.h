@@ -20,7 +20,4 @@ struct Target
  */
 std::optional<Target> parseTarget(std::string_view target);
 
-/** `text` with percent signs for everything that has a meaning in a target. */
-std::string percentEncoded(std::string_view text);
-
 } // namespace Host::Web

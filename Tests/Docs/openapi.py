@@ -37,8 +37,8 @@ def object_with(schema, required, properties, omitted=()):
 
 def shared():
     """The definitions that other documents have, too, by their names."""
-    listed, news = schemas.SCHEMAS["list"], schemas.SCHEMAS["news"]
-    made = {**news["$defs"], **listed["$defs"]}
+    listed, news, show, one = (schemas.SCHEMAS[name] for name in ("list", "news", "show", "property"))
+    made = {**show["$defs"], **news["$defs"], **listed["$defs"]}
     head = {"format": {"description": "In a document that has only this", "$ref": "#/$defs/format"},
             "simulated": listed["properties"]["simulated"]}
     key = {"key": {"description": "Identifies the drive in all documents of the service", "type": "string",
@@ -48,7 +48,9 @@ def shared():
     # The service also tells of itself.
     kind = news["properties"]["kind"]
     kinds = {"kind": kind | {"enum": [*kind["enum"], "machine-restarted", "service-started", "service-ended"]}}
-    made |= {"Drive": object_with(made.pop("drive"), ["key"], head | key),
+    made |= {"Objects": object_with(show, [], {}),
+             "Property": object_with(one, [], {}),
+             "Drive": object_with(made.pop("drive"), ["key"], head | key),
              "Entry": object_with(news | {"properties": news["properties"] | kinds}, ["number"], head | number,
                                   ("format", "simulated"))}
     return {name: {"$comment": MADE, **here(schema)} for name, schema in sorted(made.items())}

@@ -157,10 +157,24 @@ class Answers(unittest.TestCase):
             self.assertEqual(self.event(stream), self.events[1])
         self.assertEqual(self.check("GET", f"{API}/journal/stream?after=-1", 400)["parameter"], "after")
 
+    def test_objects(self):
+        """objects and their properties are those that the program shows itself"""
+        for drive in self.get(f"{API}/drives")[2]["drives"]:
+            shown = self.check("GET", f"{API}/objects/{drive['serial']}", 200)
+            self.assertEqual([each["id"] for each in shown["objects"]], [drive["adapterId"], drive["driveId"]])
+            (there,) = [each for each in shown["objects"][1]["properties"] if each.get("caption") == "Capacity"]
+            one = self.check("GET", f"{API}/objects/{drive['serial']}/properties/capacity", 200)["property"]
+            self.assertEqual(one, there)
+        path = f"{API}/objects/{drive['serial']}"
+        self.assertIn(drive["serial"], self.check("GET", f"{path}?columns=60", 200))
+        self.assertEqual(self.check("GET", f"{path}?columns=wide", 400)["parameter"], "columns")
+        self.check("GET", f"{path}/properties/colour", 422)
+        self.assertIn("nowhere", self.check("GET", f"{API}/objects/nowhere", 404)["detail"])
+
     def test_set(self):
         path = f"{API}/objects/plugin/properties/pollinterval"
         kind = {"Content-Type": "application/json"}
-        self.check("PUT", path, 401, kind, '{"value": 60}')
+        self.check("PUT", path, 403, kind, '{"value": 60}')
         self.check("PUT", path, 401, kind | {"Authorization": "Bearer wrong"}, '{"value": 60}')
         done = self.check("PUT", path, 200, kind, '{"value": 60}', self.local())
         self.assertIn("60", done["text"])

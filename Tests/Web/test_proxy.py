@@ -133,7 +133,7 @@ class Proxy(unittest.TestCase):
     def test_changing(self):
         """nobody changes anything through the proxy"""
         with self.answer("PUT", "/api/v1/objects/plugin/properties/pollinterval", USER) as answer:
-            self.assertEqual((answer.status, answer.headers["Content-Type"]), (401, "application/problem+json"))
+            self.assertEqual((answer.status, answer.headers["Content-Type"]), (403, "application/problem+json"))
 
     def test_name(self):
         """the service answers to the names in its settings only"""

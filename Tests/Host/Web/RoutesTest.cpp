@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include <optional>
+#include <regex>
 
 namespace {
 
@@ -26,7 +27,8 @@ protected:
     {
         std::optional<Response> answer;
         try {
-            Host::Web::routes(m_View)(request, [&](Response response) { answer = std::move(response); });
+            Host::Web::routes(m_View, showText)(request,
+                                                [&](Response response) { answer = std::move(response); });
         } catch (const Host::Failure& failure) {
             return Host::Web::problem(failure); // as the server does
         }
@@ -64,6 +66,17 @@ protected:
     {
         EXPECT_EQ(answer.m_Status, 400U) << answer.m_Body;
         EXPECT_EQ(json::parse(answer.m_Body).at("parameter"), name);
+    }
+
+    /** The form, and the identifiers of the objects. */
+    static std::string showText(const Host::ObjectStore& /*store*/,
+                                const std::vector<const PI::CObject*>& objects,
+                                const Host::Web::TextForm& form)
+    {
+        std::string text = std::to_string(form.m_Columns) + (form.m_Colours ? " coloured" : " plain");
+        for (const PI::CObject* object : objects)
+            text += ' ' + std::to_string(object->m_ID);
+        return text;
     }
 
     HostTest::FakeView m_View;
@@ -219,9 +232,9 @@ TEST_F(RoutesTest, TheInterfaceDescribesItself)
         Request request;
         request.m_Path = path;
         request.m_Method = operations.contains("get") ? "GET" : "PUT";
-        request.m_MayChange = true;
-        if (const std::size_t key = path.find("{key}"); key != std::string::npos)
-            request.m_Path = path.substr(0, key) + "A";
+        request.m_Local = request.m_MayChange = true;
+        request.m_Path = std::regex_replace(request.m_Path, std::regex("\\{(key|object)\\}"), "A");
+        request.m_Path = std::regex_replace(request.m_Path, std::regex("\\{property\\}"), "30059");
         EXPECT_THAT(ask(request).m_Status, testing::AnyOf(200U, 415U)) << path;
     }
 }
@@ -235,6 +248,44 @@ TEST_F(RoutesTest, TheDescriptionKnowsEveryKindOfEntry)
     for (int kind = 0; kind <= static_cast<int>(Kind::ServiceEnded); ++kind)
         expected.emplace_back(Host::Journal::kindName(static_cast<Kind>(kind)));
     EXPECT_THAT(kinds.get<std::vector<std::string>>(), testing::UnorderedElementsAreArray(expected));
+}
+
+TEST_F(RoutesTest, AnObjectIsShownAsADocument)
+{
+    EXPECT_EQ(get("/api/v1/objects/A").m_Status, 503U) << "no drive was read yet";
+    m_View.publish(1, {{16, "A", "/dev/nvme0n1"}, {32, "B", "/dev/nvme1n1"}});
+    const json shown = content("/api/v1/objects//dev/nvme1n1");
+    ASSERT_EQ(shown.at("objects").size(), 2U) << "the adapter and its drive";
+    EXPECT_EQ(shown.at("objects").at(0).at("id"), "0x0000000000000020");
+    EXPECT_EQ(shown.at("facts").at(0).at("object"), "0x0000000000000020");
+    EXPECT_TRUE(shown.contains("explanations"));
+    EXPECT_TRUE(shown.contains("endOfLife"));
+    const Response none = get("/api/v1/objects/C");
+    EXPECT_EQ(none.m_Status, 404U);
+    EXPECT_THAT(none.m_Body, HasSubstr("C"));
+}
+
+TEST_F(RoutesTest, AnObjectIsShownAsText)
+{
+    m_View.publish(1, {{16, "A", "/dev/nvme0n1"}});
+    const Response text = get("/api/v1/objects/A", {{"columns", "72"}, {"colours", "1"}});
+    EXPECT_EQ(text.m_Type, "text/plain; charset=utf-8");
+    EXPECT_EQ(text.m_Body, "72 coloured 16 17");
+    EXPECT_EQ(get("/api/v1/objects/A", {{"columns", "0"}}).m_Body, "0 plain 16 17");
+    expectWrongParameter(get("/api/v1/objects/A", {{"columns", "10001"}}), "columns");
+    expectWrongParameter(get("/api/v1/objects/A", {{"columns", "1"}, {"colours", "2"}}), "colours");
+    expectWrongParameter(get("/api/v1/objects/A", {{"rows", "1"}}), "rows");
+}
+
+TEST_F(RoutesTest, APropertyIsShown)
+{
+    m_View.publish(1, {{16, "A", "/dev/nvme0n1"}});
+    EXPECT_EQ(content("/api/v1/objects/A/properties/30059").at("property").at("id"), 30059);
+    EXPECT_EQ(get("/api/v1/objects/B/properties/30059").m_Status, 404U);
+    const Response wrong = get("/api/v1/objects/A/properties/colour");
+    EXPECT_EQ(wrong.m_Status, 422U);
+    EXPECT_THAT(wrong.m_Body, HasSubstr("There is no property"));
+    expectWrongParameter(get("/api/v1/objects/A/properties/30059", {{"columns", "1"}}), "columns");
 }
 
 TEST_F(RoutesTest, UnknownPathsAndTricksLeadNowhere)
@@ -252,7 +303,7 @@ TEST_F(RoutesTest, APropertyIsSet)
     Request request;
     request.m_Method = "PUT";
     request.m_Path = "/api/v1/objects/plugin/properties/pollinterval";
-    request.m_MayChange = true;
+    request.m_Local = request.m_MayChange = true;
     request.m_Headers = {{"content-type", "application/json"}};
     request.m_Body = R"({"value": 60})";
     EXPECT_EQ(ask(request).m_Status, 200U);
@@ -273,9 +324,12 @@ TEST_F(RoutesTest, EachPathSaysWhatItAllows)
             EXPECT_EQ(answer.m_Status, 405U) << method << path;
             EXPECT_THAT(answer.m_Headers, testing::ElementsAre(testing::Pair("Allow", "GET, HEAD")));
         }
-    const Response answer = get("/api/v1/objects/A/properties/x");
+    Request request;
+    request.m_Method = "DELETE";
+    request.m_Path = "/api/v1/objects/A/properties/x";
+    const Response answer = ask(request);
     EXPECT_EQ(answer.m_Status, 405U);
-    EXPECT_THAT(answer.m_Headers, testing::ElementsAre(testing::Pair("Allow", "PUT")));
+    EXPECT_THAT(answer.m_Headers, testing::ElementsAre(testing::Pair("Allow", "GET, HEAD, PUT")));
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include "Host/Web/FakeView.h"
 #include "Web/Parameters.h"
-#include "Web/Target.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -22,6 +21,7 @@ protected:
     SetPropertyTest()
     {
         m_Request.m_Method = "PUT";
+        m_Request.m_Local = true;
         m_Request.m_MayChange = true;
         m_Request.m_Headers = {{"content-type", "Application/JSON; charset=utf-8"}};
         m_Request.m_Body = R"({"value": 60})";
@@ -54,9 +54,20 @@ TEST_F(SetPropertyTest, TheAnswerTellsTheValueInForce)
 TEST_F(SetPropertyTest, NobodyChangesAnythingWithoutBeingAllowedTo)
 {
     m_Request.m_MayChange = false;
-    EXPECT_EQ(set().m_Status, 401U);
-    m_Request.m_Local = true;
     EXPECT_EQ(set().m_Status, 403U);
+    EXPECT_THAT(m_View.m_Set, IsEmpty());
+}
+
+TEST_F(SetPropertyTest, NobodyChangesAnythingOverHttp)
+{
+    m_Request.m_Local = false;
+    for (const bool hasToken : {false, true}) {
+        m_Request.m_MayChange = hasToken;
+        const Response refused = set();
+        EXPECT_EQ(refused.m_Status, 403U);
+        EXPECT_EQ(nlohmann::json::parse(refused.m_Body).at("detail"),
+                  "Properties are not set over HTTP. Use ostrel set on the machine.");
+    }
     EXPECT_THAT(m_View.m_Set, IsEmpty());
 }
 
@@ -101,18 +112,6 @@ TEST_F(SetPropertyTest, FailuresKeepTheirReason)
     const Response failed = set();
     EXPECT_EQ(failed.m_Status, 500U);
     EXPECT_THAT(failed.m_Body, testing::Not(testing::HasSubstr("secret")));
-}
-
-TEST(SettablePropertyTest, APathNamesObjectAndProperty)
-{
-    const auto name = settableProperty("/api/v1/objects/a/b/properties/c d");
-    ASSERT_TRUE(name);
-    EXPECT_EQ(name->m_Object, "a/b");
-    EXPECT_EQ(name->m_Property, "c d");
-    EXPECT_EQ(parseTarget(propertyPath(*name))->m_Path, "/api/v1/objects/a/b/properties/c d");
-    for (const char* path : {"/api/v1/objects/a/properties/", "/api/v1/objects//properties/a",
-                             "/api/v1/objects/a", "/api/v1/object/a/properties/b", ""})
-        EXPECT_FALSE(settableProperty(path)) << path;
 }
 
 } // namespace

@@ -36,7 +36,7 @@ protected:
         settings.m_Port = 0;
         settings.m_LocalSocket = m_Path;
         settings.m_IsTrustedPeer = [=](Host::Web::Sockets::Native) { return isTrusted; };
-        m_Server.emplace(settings, Host::Web::routes(m_View));
+        m_Server.emplace(settings, Host::Web::routes(m_View, {}));
     }
 
     template<typename Call>

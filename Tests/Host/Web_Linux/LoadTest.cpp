@@ -38,7 +38,7 @@ std::vector<HostTest::DriveObjects> fleet(std::uint64_t round)
 class LoadTest : public testing::Test
 {
 protected:
-    LoadTest() : m_Server(settings(), Host::Web::routes(m_View)) { m_View.publish(1, fleet(1)); }
+    LoadTest() : m_Server(settings(), Host::Web::routes(m_View, {})) { m_View.publish(1, fleet(1)); }
 
     static Host::Web::ServerSettings settings()
     {

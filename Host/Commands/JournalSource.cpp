@@ -1,0 +1,147 @@
+#include "Commands/JournalSource.h"
+
+#include "Base/Failure.h"
+#include "Base/Platform.h"
+#include "Commands/RunningService.h"
+#include "Commands/ServiceCommands.h"
+#include "Documents/EntryJson.h"
+#include "Documents/Json.h"
+#include "Journal/Reader.h"
+#include "Journal/Store.h"
+#include "Terminal/EventLine.h"
+
+#include <TLX/WaitInterval.h>
+#include <TLX/WaitResult.h>
+#include <TLX/Waiter.h>
+
+#include <nlohmann/json.hpp>
+
+#include <cstddef>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace Host::Cli {
+namespace {
+
+constexpr std::size_t ENTRIES_TOGETHER = 1000;
+
+class JournalFile : public IJournalSource
+{
+public:
+    /** Throws `Failure` when the file cannot be read. */
+    JournalFile(const Options& options, const Screen& screen)
+        : m_Json(options.m_Json),
+          m_Simulated(options.m_Fleet.has_value()),
+          m_Screen(screen),
+          m_Reader(Journal::serviceFile(options.m_Data.value_or(Platform::defaultDataFolder())))
+    {
+        (void)m_Reader.lastNumber();
+    }
+
+    void read(std::uint64_t after, const TakeLine& take) override
+    {
+        // A new journal in the same place begins anew.
+        if (m_Reader.lastNumber() < after)
+            after = 0;
+        for (;;) {
+            const std::vector<Journal::NumberedEntry> entries = m_Reader.read(after, ENTRIES_TOGETHER);
+            for (const Journal::NumberedEntry& entry : entries)
+                take(line(entry));
+            if (entries.empty())
+                return;
+            after = entries.back().m_Number;
+        }
+    }
+
+    Web::FollowEnd follow(std::uint64_t after, const TakeLine& take, TLX::Threading::CEvent& stop) override
+    {
+        constexpr std::uint32_t pause = 1000; // milliseconds; nobody announces a new entry
+        const TakeLine counted = [&](const JournalLine& line) {
+            after = line.m_Number;
+            take(line);
+        };
+        TLX::Threading::CWaiter waiter{&stop};
+        while (waiter.Wait(TLX::Threading::CWaitInterval(pause)) == TLX::Threading::WaitResult::TimedOut)
+            read(after, counted);
+        return Web::FollowEnd::Asked;
+    }
+
+private:
+    JournalLine line(const Journal::NumberedEntry& entry) const
+    {
+        return {entry.m_Number, entry.m_Entry.m_End,
+                m_Json ? lineText(numberedEntryJson(entry), m_Simulated)
+                       : entryLine(entry.m_Entry, m_Screen)};
+    }
+
+    const bool m_Json;
+    const bool m_Simulated;
+    const Screen m_Screen;
+    Journal::Reader m_Reader;
+};
+
+class JournalOfService : public IJournalSource
+{
+public:
+    JournalOfService(RunningService service, const Options& options, const Screen& screen)
+        : m_Service(std::move(service)), m_Json(options.m_Json), m_Screen(screen)
+    {}
+
+    void read(std::uint64_t after, const TakeLine& take) override
+    {
+        for (;;) {
+            const auto document = nlohmann::ordered_json::parse(
+                m_Service.m_Client.get("/api/v1/journal?after=" + std::to_string(after) +
+                                       "&limit=" + std::to_string(ENTRIES_TOGETHER)));
+            const bool simulated = document.value("simulated", false);
+            if (document.at("entries").empty())
+                return;
+            for (const nlohmann::ordered_json& entry : document.at("entries")) {
+                const JournalLine next = line(entry, simulated);
+                take(next);
+                after = next.m_Number;
+            }
+        }
+    }
+
+    Web::FollowEnd follow(std::uint64_t after, const TakeLine& take, TLX::Threading::CEvent& stop) override
+    {
+        // An event's own document says if the drives are simulated.
+        return m_Service.m_Client.follow(
+            "/api/v1/journal/stream?after=" + std::to_string(after),
+            [&](const Web::SentEvent& event) {
+                take(line(nlohmann::ordered_json::parse(event.m_Data), false));
+            },
+            stop);
+    }
+
+private:
+    JournalLine line(const nlohmann::ordered_json& json, bool simulated) const
+    {
+        const Journal::Entry entry = entryOfService(json);
+        return {json.at("number").get<std::uint64_t>(), entry.m_End,
+                m_Json ? lineText(json, simulated) : entryLine(entry, m_Screen)};
+    }
+
+    const RunningService m_Service;
+    const bool m_Json;
+    const Screen m_Screen;
+};
+
+} // namespace
+
+std::unique_ptr<IJournalSource> journalSource(const Options& options, const Screen& screen)
+{
+    try {
+        return std::make_unique<JournalFile>(options, screen);
+    } catch (const Failure&) {
+        // The service reads its journal also for those who may not open the file.
+        std::optional<RunningService> service = runningService(options);
+        if (!service)
+            throw;
+        return std::make_unique<JournalOfService>(*std::move(service), options, screen);
+    }
+}
+
+} // namespace Host::Cli
