@@ -9,6 +9,7 @@
 #include <PI/AdapterID.h>
 #include <PI/ConfigFile.h>
 #include <PI/LifeTimeData.h>
+#include <TLXX/Diagnosis.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <atomic>
@@ -133,6 +134,8 @@ void writeSteps(CPluginUnderTest& plugin, std::ostream& steps)
     writeStep(steps, "comparison", [&] { (void)plugin.Compare(adapters, drives); });
     writeStep(steps, "update", [&] { plugin.UpdateSystem(adapters, drives); });
     writeStep(steps, "database", [&] { plugin.UpdateObjectInDatabase(plugin.m_Plugin); });
+    // This one is no step of a cycle. The service takes it in every round.
+    writeStep(steps, "controllers", [] { (void)TLXX::controllerStates(); });
 }
 
 void run(const std::filesystem::path& share, const std::filesystem::path& data, const char* cycles,

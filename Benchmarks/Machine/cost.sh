@@ -29,29 +29,68 @@ while [ $number -lt "$drives" ]; do
 done
 measured onecheck smartd -q onecheck -c /tmp/smartd.conf
 
-# A round of a watch, by the program and its reader. A sleeping process costs nothing, so the length of the interval
-# does not matter. Each look comes half an interval after a round.
-mkdir /tmp/watched
-echo PollInterval=60 >/tmp/watched/Ostrel.ini
-ostrel watch --json --data /tmp/watched >/dev/null &
-program=$!
-until reader=$(pidof ostrel-reader); do
-    sleep 1
+# Starts a command that watches the drives, and waits for its first round. Sets `program` and `reader`. A sleeping
+# process costs nothing, so the length of the interval does not matter.
+watching() {
+    local data=$1
+    shift
+    mkdir "$data"
+    echo PollInterval=60 >"$data/Ostrel.ini"
+    "$@" --data "$data" >/dev/null &
+    program=$!
+    until reader=$(pidof ostrel-reader); do
+        sleep 1
+    done
+    sleep 30
+}
+
+# The instructions of the program and of its reader during this command and the seconds after it.
+during() {
+    local name=$1 seconds=$2 former_program former_reader
+    shift 2
+    former_program=$(Instructions of $program)
+    former_reader=$(Instructions of "$reader")
+    "$@"
+    sleep "$seconds"
+    echo $(($(Instructions of $program) - former_program)) >>"/results/$name-program"
+    echo $(($(Instructions of "$reader") - former_reader)) >>"/results/$name-reader"
+}
+
+# Each look comes half an interval after a round.
+rounds() {
+    for round in 1 2 3 4 5 6; do
+        during "$1" 60 true
+    done
+}
+
+end_watching() {
+    kill $program
+    wait $program
+    while pidof ostrel-reader >/dev/null; do
+        sleep 1
+    done
+}
+
+watching /tmp/watched ostrel watch --json
+rounds watch
+end_watching
+
+# A scrape as Prometheus asks for it. All drives must be on the page, or its cost says nothing.
+scrape() {
+    wget -q -O /tmp/page --header "Accept: application/openmetrics-text;version=1.0.0" http://127.0.0.1:9713/metrics
+    [ "$(grep -c '^ostrel_drive_up{.*} 1$' /tmp/page)" -eq "$drives" ]
+}
+
+ifconfig lo up
+watching /tmp/served ostrel serve --listen 127.0.0.1:9713
+rounds serve
+for number in 1 2 3 4 5 6; do
+    during scrape 2 scrape
 done
-sleep 30
-former_program=$(Instructions of $program)
-former_reader=$(Instructions of "$reader")
-for round in 1 2 3 4 5 6; do
-    sleep 60
-    now=$(Instructions of $program)
-    echo $((now - former_program)) >>/results/round-program
-    former_program=$now
-    now=$(Instructions of "$reader")
-    echo $((now - former_reader)) >>/results/round-reader
-    former_reader=$now
-done
-kill $program
-wait $program
+during idle 10 true
+wc -c </tmp/page >/results/page
+sed -n 's/^VmHWM:[[:space:]]*\([0-9]*\) kB$/\1/p' /proc/$program/status >/results/peak-kib
+end_watching
 
 # A check by a daemon that has already started. A sleeping daemon costs nothing, so the length of its time does not
 # matter.
