@@ -104,7 +104,7 @@ TEST_F(StatusPage, MarksDrivesThatDoNotAnswer)
     unheard.m_SilentRounds = 2;
     const std::string page = pageOf({{1, "S1", "/dev/nvme0n1"}}, {answer, unheard});
     EXPECT_THAT(page, ContainsRegex("<tr class=\"silent\">.*nvme0n1.*<span class=\"warning\">does not answer "
-                                    "since [0-9:]+; its health was: Critical</span></td></tr>\n"
+                                    "since .*; its health was: Critical</span></td></tr>\n"
                                     "<tr class=\"silent\">.*nvme1n1.*<td data-column=\"Serial\">-</td>.*"
                                     "<span class=\"critical\">does not answer</span>"));
 }
@@ -116,11 +116,10 @@ TEST_F(StatusPage, HasTheLastEntriesTheNewestFirst)
         pageOf({}, {}, {},
                {entryOf(1, Severity::Information, "A was added."), entryOf(2, Severity::Warning, "B is hot."),
                 entryOf(3, Severity::Error, "C is dead.")});
-    EXPECT_THAT(page,
-                ContainsRegex("<time datetime=\"2026-01-01T00:00:00.003Z\">[-0-9: ]+</time></td>"
-                              "<td class=\"critical\">[a-zA-Z]+</td><td>C is dead.</td></tr>\n"
-                              ".*<td class=\"warning\">[a-zA-Z]+</td><td>B is hot.</td></tr>\n"
-                              ".*<td class=\"information\">[a-zA-Z]+</td><td>A was added.</td></tr>\n"));
+    EXPECT_THAT(page, ContainsRegex("<time datetime=\"2026-01-01T00:00:00.003Z\">.*</time></td>"
+                                    "<td class=\"critical\">.*</td><td>C is dead.</td></tr>\n"
+                                    ".*<td class=\"warning\">.*</td><td>B is hot.</td></tr>\n"
+                                    ".*<td class=\"information\">.*</td><td>A was added.</td></tr>\n"));
     expectWellFormed(page);
 }
 
