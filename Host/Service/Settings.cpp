@@ -96,6 +96,7 @@ constexpr std::array ROWS = {
 std::vector<std::string> knownKeys()
 {
     std::vector<std::string> keys;
+    keys.reserve(std::size(ROWS));
     for (const SettingRow& row : ROWS)
         keys.emplace_back(row.m_Key);
     return keys;
@@ -212,7 +213,7 @@ Settings readSettings(const std::filesystem::path& file)
 std::string readToken(const std::filesystem::path& file)
 {
     const std::string text = readText(file, "token file");
-    const std::string token(trimmed(std::string_view(text).substr(0, text.find('\n'))));
+    std::string token(trimmed(std::string_view(text).substr(0, text.find('\n'))));
     if (token.empty())
         throw Failure(ExitCode::WrongUsage,
                       "The token file " + printable(file.string()) + " has no token in its first line.");

@@ -51,7 +51,7 @@ std::string noticeLine(const Notice& notice, const DriveIdentity* drive, const S
 
 std::string entryLine(const Journal::Entry& entry, const Screen& screen)
 {
-    constexpr std::uint64_t usual = 10 * 60 * MILLISECONDS_A_SECOND; // no two looks are further apart
+    constexpr std::uint64_t usual = 600 * MILLISECONDS_A_SECOND; // no two looks are further apart
     const bool isLong = entry.m_Begin && entry.m_End - *entry.m_Begin > usual;
     const std::string since = isLong ? " It happened after " + localTimeText(*entry.m_Begin) + "." : "";
     return noticeLine({entry.m_End, static_cast<std::uint32_t>(entry.m_Severity), entry.m_Text + since},
