@@ -16,7 +16,7 @@
 namespace HostTest {
 namespace {
 
-constexpr int MOST_PATIENCE = 60'000; // milliseconds
+constexpr int MOST_PATIENCE = 600'000; // milliseconds
 
 TLX::Linux::CDescriptor connected(const sockaddr* address, socklen_t size)
 {

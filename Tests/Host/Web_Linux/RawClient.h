@@ -19,8 +19,8 @@ struct RawAnswer
 };
 
 /**
- * A client that sends whatever a test wants. Waits end after a minute, which only a server that hangs makes
- * happen. Then the test fails.
+ * A client that sends whatever a test wants. Waits end after ten minutes, which only a server that hangs
+ * makes happen. Then the test fails.
  */
 class RawClient
 {
