@@ -18,7 +18,7 @@ using HostTest::RawAnswer;
 using HostTest::RawClient;
 using HostTest::rawRequest;
 
-constexpr int DRIVES = 64;
+constexpr int DRIVES = 8;
 constexpr int THREADS = 8;
 constexpr int CLIENTS_A_THREAD = 8;
 constexpr int ROUNDS = 5;
