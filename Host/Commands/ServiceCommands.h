@@ -17,7 +17,7 @@ namespace Host::Cli {
 /** Prints each entry of the service's journal from now on, as `watch` prints news. */
 ExitCode watchService(const RunningService& service, const Options& options, Terminal& terminal);
 
-/** What a line of text tells of the entry that a document of the journal describes. */
+/** The entry that `json` describes, with the members that a printed line needs. */
 Journal::Entry entryOfService(const nlohmann::ordered_json& json);
 
 /**

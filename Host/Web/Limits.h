@@ -12,7 +12,7 @@ struct Limits
     std::size_t m_Body = 65536;  ///< bytes of a request's content
     std::size_t m_Connections = 64;
     std::size_t m_Streams = 32; ///< of events; they are not counted as connections
-    /** For a whole request to come, for its answer to be ready, and for the answer to be taken: each. */
+    /** The most time for each of three steps: to receive a request, to prepare its answer, to send it. */
     std::chrono::milliseconds m_Request{10'000};
     /** How long a stream may say nothing. Then a comment shows that it still exists. */
     std::chrono::milliseconds m_Silence{15'000};

@@ -121,7 +121,7 @@ TEST_F(JournalAccessTest, AFolderThatCannotBeWrittenIsNoPlaceForAJournal)
     EXPECT_THAT(failureOf([&] { m_Reader.lastNumber(); }), HasSubstr("cannot be read: "));
 }
 
-/** On Windows nobody can delete an open file. */
+/** Windows does not allow an open file to be deleted. */
 TEST(DeletedJournalTest, IsMadeAgainWithTheWholeState)
 {
     const TestSupport::CTemporaryFolder folder;
