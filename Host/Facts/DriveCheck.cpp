@@ -89,18 +89,22 @@ Verdict worstOf(const std::vector<DriveCheck>& drives)
     return worst == drives.end() ? Verdict::Unknown : worst->m_Judgement.m_Verdict;
 }
 
-std::string messageOf(std::vector<DriveCheck> drives)
+std::string messageOf(const std::vector<DriveCheck>& drives)
 {
-    std::stable_sort(drives.begin(), drives.end(), [](const DriveCheck& a, const DriveCheck& b) {
-        return isWorse(a.m_Judgement.m_Verdict, b.m_Judgement.m_Verdict);
+    std::vector<const DriveCheck*> sorted;
+    sorted.reserve(drives.size());
+    for (const DriveCheck& each : drives)
+        sorted.push_back(&each);
+    std::stable_sort(sorted.begin(), sorted.end(), [](const DriveCheck* a, const DriveCheck* b) {
+        return isWorse(a->m_Judgement.m_Verdict, b->m_Judgement.m_Verdict);
     });
     std::string text;
     std::size_t healthy = 0;
-    for (const DriveCheck& each : drives) {
-        if (each.m_Judgement.m_Verdict == Verdict::Ok)
+    for (const DriveCheck* each : sorted) {
+        if (each->m_Judgement.m_Verdict == Verdict::Ok)
             ++healthy;
         else
-            text += nameOf(each) + ": " + each.m_Judgement.m_Reason + "; ";
+            text += nameOf(*each) + ": " + each->m_Judgement.m_Reason + "; ";
     }
     return text + countText(healthy, drives.size());
 }

@@ -35,6 +35,6 @@ std::vector<DriveCheck> checkDrives(const Snapshot& snapshot, std::uint64_t now)
 Verdict worstOf(const std::vector<DriveCheck>& drives);
 
 /** What is wrong with `drives`, the worst first, then how many are healthy. */
-std::string messageOf(std::vector<DriveCheck> drives);
+std::string messageOf(const std::vector<DriveCheck>& drives);
 
 } // namespace Host::Cli

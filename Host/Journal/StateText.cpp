@@ -159,6 +159,19 @@ std::string driveText(const DriveState& drive, std::uint64_t look)
                    {"since", drive.m_Since}});
 }
 
+bool haveSameText(const DriveState& one, std::uint64_t oneLook, const DriveState& other,
+                  std::uint64_t otherLook)
+{
+    const auto isSame = [&](const auto& a, const auto& b) {
+        const bool isOfLook = a.second.m_Time == oneLook;
+        return a.first == b.first && a.second.m_Value == b.second.m_Value &&
+               isOfLook == (b.second.m_Time == otherLook) && (isOfLook || a.second.m_Time == b.second.m_Time);
+    };
+    return one.m_Key == other.m_Key && one.m_Since == other.m_Since && one.m_Drive == other.m_Drive &&
+           one.m_Told == other.m_Told && std::ranges::equal(one.m_Known, other.m_Known, isSame) &&
+           std::ranges::equal(one.m_Counters, other.m_Counters, isSame);
+}
+
 DriveState parseDrive(std::string_view text, std::uint64_t look)
 {
     const Json json = Json::parse(text);

@@ -15,6 +15,10 @@ State parseLook(std::string_view text);
 
 /** `look` is the time of the last look. A text does not repeat it, so it only changes when the drive does. */
 std::string driveText(const DriveState& drive, std::uint64_t look);
+
+/** Whether `driveText` of both is the same. Finding that out costs far less than making a text. */
+bool haveSameText(const DriveState& one, std::uint64_t oneLook, const DriveState& other,
+                  std::uint64_t otherLook);
 DriveState parseDrive(std::string_view text, std::uint64_t look);
 
 std::string goneText(const GoneDrive& drive);

@@ -5,6 +5,7 @@
 #include "Journal/StateText.h"
 
 #include <exception>
+#include <stdexcept>
 #include <system_error>
 
 namespace Host::Journal {
@@ -62,6 +63,7 @@ Store::Store(std::filesystem::path file, Warn warn) : m_File(std::move(file)), m
         throw failureOf(m_File, "opened", error);
     }
     m_State = stateOf(m_Rows);
+    m_RowsAreOfState = true;
 }
 
 void Store::commit(const Outcome& outcome)
@@ -82,6 +84,7 @@ void Store::commit(const Outcome& outcome)
     }
     m_Rows = std::move(rows);
     m_State = outcome.m_State;
+    m_RowsAreOfState = true;
     m_LastNumber += outcome.m_Entries.size();
     for (const Entry& entry : outcome.m_Entries)
         ++m_Counts[std::string(kindName(entry.m_Kind))];
@@ -122,6 +125,7 @@ void Store::load()
     m_LastNumber = connection.number("SELECT MAX(Number) FROM Entry");
     m_Counts = std::move(counts);
     m_Rows = std::move(rows);
+    m_RowsAreOfState = false;
     m_Connection.emplace(std::move(connection));
 }
 
@@ -163,12 +167,21 @@ void Store::write(const std::vector<Entry>& entries, const Rows& rows)
     transaction.commit();
 }
 
-Store::Rows Store::rowsOf(const State& state)
+std::string Store::textOfDrive(const State& state, std::size_t place) const
+{
+    const DriveState& drive = state.m_Drives[place];
+    const std::uint64_t look = state.m_Time.value_or(0);
+    const bool isKept = m_RowsAreOfState && place < m_State.m_Drives.size() &&
+                        haveSameText(drive, look, m_State.m_Drives[place], m_State.m_Time.value_or(0));
+    return isKept ? m_Rows.at({DRIVE, place}) : driveText(drive, look);
+}
+
+Store::Rows Store::rowsOf(const State& state) const
 {
     Rows rows;
     rows[{LOOK, 0}] = lookText(state);
     for (std::size_t i = 0; i < state.m_Drives.size(); ++i)
-        rows[{DRIVE, i}] = driveText(state.m_Drives[i], state.m_Time.value_or(0));
+        rows[{DRIVE, i}] = textOfDrive(state, i);
     for (std::size_t i = 0; i < state.m_Gone.size(); ++i)
         rows[{GONE, i}] = goneText(state.m_Gone[i]);
     return rows;
@@ -181,8 +194,10 @@ State Store::stateOf(const Rows& rows)
         for (const auto& [place, text] : rows)
             if (place.first == LOOK)
                 state = parseLook(text);
-            else if (place.first == DRIVE)
+            else if (place == std::pair(DRIVE, std::uint64_t{state.m_Drives.size()}))
                 state.m_Drives.push_back(parseDrive(text, state.m_Time.value_or(0)));
+            else if (place.first == DRIVE)
+                throw std::runtime_error("a drive is missing");
             else
                 state.m_Gone.push_back(parseGone(text));
     } catch (const std::exception& error) {

@@ -60,14 +60,16 @@ private:
     void load();
     void setAside(const std::string& reason) const;
     void write(const std::vector<Entry>& entries, const Rows& rows);
-    static Rows rowsOf(const State& state);
+    Rows rowsOf(const State& state) const;
+    std::string textOfDrive(const State& state, std::size_t place) const;
     static State stateOf(const Rows& rows);
 
     const std::filesystem::path m_File;
     const Warn m_Warn;
     std::optional<Sqlite::Connection> m_Connection; ///< none after the file turned out not to be usable
     State m_State;
-    Rows m_Rows; ///< those that the file has
+    Rows m_Rows;                   ///< those that the file has
+    bool m_RowsAreOfState = false; ///< whether they are also those of `m_State`
     std::uint64_t m_LastNumber = 0;
     std::map<std::string, std::uint64_t> m_Counts;
     std::string m_Identity;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <random>
 
 namespace {
@@ -114,6 +115,79 @@ TEST(StateTextTest, TheTextOfAnUnchangedDriveDoesNotChangeFromLookToLook)
     drive.m_Counters[Counter::PowerCycles].m_Time = 20;
     EXPECT_EQ(driveText(drive, 20), text);
     EXPECT_NE(driveText(drive, 30), text) << "it was not read at that look";
+}
+
+/** The drive with one of its members changed, as it would be at `look`. */
+DriveState changed(DriveState drive, unsigned member, std::uint64_t look)
+{
+    switch (member) {
+    case 0:
+        drive.m_Key += "x";
+        break;
+    case 1:
+        drive.m_Drive.m_Model += "x";
+        break;
+    case 2:
+        drive.m_Known[Kind::ReadOnly].m_Value = std::string("other");
+        break;
+    case 3:
+        drive.m_Known[Kind::ReadOnly].m_Time = look - 1;
+        break;
+    case 4:
+        drive.m_Known[Kind::FirmwareChanged] = {true, look};
+        break;
+    case 5:
+        ++drive.m_Counters[Counter::PowerCycles].m_Value;
+        break;
+    case 6:
+        drive.m_Counters[Counter::PowerCycles].m_Time = look - 1;
+        break;
+    case 7:
+        drive.m_Counters.clear();
+        break;
+    case 8:
+        drive.m_Told[Kind::ReadOnly] = 4;
+        break;
+    default:
+        ++drive.m_Since;
+    }
+    return drive;
+}
+
+TEST(StateTextTest, DrivesHaveTheSameTextExactlyWhenNothingButTheLookDiffers)
+{
+    DriveState drive{"key", {}, {}, {}, {}, 3};
+    drive.m_Known[Kind::ReadOnly] = {true, 10};
+    drive.m_Counters[Counter::PowerCycles] = {3, 10};
+    EXPECT_TRUE(haveSameText(drive, 10, drive, 10));
+    EXPECT_FALSE(haveSameText(drive, 10, drive, 20)) << "it was not read at the second look";
+    DriveState later = drive;
+    later.m_Known[Kind::ReadOnly].m_Time = 20;
+    later.m_Counters[Counter::PowerCycles].m_Time = 20;
+    EXPECT_TRUE(haveSameText(drive, 10, later, 20));
+    for (unsigned member = 0; member < 10; ++member) {
+        const DriveState other = changed(later, member, 20);
+        EXPECT_FALSE(haveSameText(drive, 10, other, 20)) << member;
+        EXPECT_NE(driveText(drive, 10), driveText(other, 20)) << member;
+    }
+}
+
+TEST(StateTextTest, DrivesWithTheSameTextAreFoundAmongRandomOnes)
+{
+    int same = 0;
+    for (std::uint32_t seed = 0; seed < 300; ++seed) {
+        const State state = RandomState(seed).make();
+        const State other = RandomState(seed + 1 - seed % 2).make();
+        for (std::size_t i = 0; i < std::min(state.m_Drives.size(), other.m_Drives.size()); ++i) {
+            const std::uint64_t look = state.m_Time.value_or(0);
+            const std::uint64_t otherLook = other.m_Time.value_or(0);
+            const bool isSame = haveSameText(state.m_Drives[i], look, other.m_Drives[i], otherLook);
+            same += isSame ? 1 : 0;
+            EXPECT_EQ(isSame, driveText(state.m_Drives[i], look) == driveText(other.m_Drives[i], otherLook))
+                << "seed " << seed;
+        }
+    }
+    EXPECT_GT(same, 0);
 }
 
 TEST(StateTextTest, OtherTextsAreRefused)
