@@ -46,6 +46,15 @@ bool goesBySerialOrDevice(const PI::CObject& object, std::string_view name)
            (!device.empty() && equalIgnoringCase(shortDeviceName(device), shortDeviceName(name)));
 }
 
+std::string indexName(std::string_view device)
+{
+    std::string name(shortDeviceName(device));
+    std::transform(name.begin(), name.end(), name.begin(), [](char character) {
+        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return name;
+}
+
 /** Any plug-in is called "plugin". Its own name tells it from others. */
 bool isPluginNamed(const PI::CObject& object, std::string_view name)
 {
@@ -95,6 +104,9 @@ ObjectStore::ObjectStore(std::vector<PI::CObject> objects, std::vector<TLXX::CCo
 {
     for (std::size_t place = 0; place < m_Objects.size(); ++place)
         m_Places.emplace(m_Objects[place].m_ID, place);
+    for (std::size_t place = 0; place < m_Controllers.size(); ++place)
+        if (const std::string& device = m_Controllers[place].m_DeviceName; !device.empty())
+            m_ControllerPlaces.emplace(indexName(device), place);
 }
 
 const PI::CObject* ObjectStore::byId(std::uint64_t id) const
@@ -105,13 +117,8 @@ const PI::CObject* ObjectStore::byId(std::uint64_t id) const
 
 const TLXX::CControllerState* ObjectStore::controllerOf(const PI::CObject& adapter) const
 {
-    const std::string device = textOf(adapter, PI::PROP_DEVICE_NAME);
-    const auto found = std::find_if(
-        m_Controllers.begin(), m_Controllers.end(), [&](const TLXX::CControllerState& controller) {
-            return !controller.m_DeviceName.empty() &&
-                   equalIgnoringCase(shortDeviceName(controller.m_DeviceName), shortDeviceName(device));
-        });
-    return found == m_Controllers.end() ? nullptr : &*found;
+    const auto found = m_ControllerPlaces.find(indexName(textOf(adapter, PI::PROP_DEVICE_NAME)));
+    return found == m_ControllerPlaces.end() ? nullptr : &m_Controllers[found->second];
 }
 
 const DriveAnswer* ObjectStore::answerOf(const PI::CObject& adapter) const

@@ -86,6 +86,8 @@ private:
     std::vector<DriveAnswer> m_Answers;
     std::unordered_map<std::uint64_t, std::size_t>
         m_Places; ///< by identifier, the index of its first object in m_Objects
+    /** By short device name in small letters, the index of its first controller. */
+    std::unordered_map<std::string, std::size_t> m_ControllerPlaces;
 };
 
 } // namespace Host

@@ -7,21 +7,10 @@
 #include <DatabaseORM/DatabaseException.h>
 
 #include <algorithm>
-#include <exception>
 #include <utility>
 
 namespace Host {
 namespace {
-
-/** Empty when the system cannot tell now. Events must not be lost because an address is unknown. */
-std::vector<TLXX::CControllerState> controllersNow()
-{
-    try {
-        return TLXX::controllerStates();
-    } catch (const std::exception&) {
-        return {};
-    }
-}
 
 /** Nothing when the database cannot be used. */
 std::optional<std::int64_t> changesNow()
@@ -41,7 +30,7 @@ Watched::Watched(const WatchPlan& plan) : m_Drives(plan.m_Drives), m_Rows(plan.m
     for (EquippedPlugin& plugin : m_Plugins.initialize())
         m_Monitors.emplace_back(std::move(plugin), plan.m_Data, plan.m_Warn);
     cleanUp();
-    lookAtControllers();
+    m_Controllers.read();
     keepAdapterNumbers(plan.m_Data, plan.m_Warn);
 }
 
@@ -55,7 +44,8 @@ std::vector<PI::CEvent> Watched::collect(Monitor& monitor)
 {
     std::vector<PI::CEvent> events = monitor.collect();
     cleanUp();
-    lookAtControllers();
+    if (mayLook())
+        m_Controllers.read();
     return events;
 }
 
@@ -72,7 +62,8 @@ void Watched::refresh()
         cleanUp();
     else
         tellFailure();
-    lookAtControllers();
+    if (mayLook())
+        m_Controllers.follow(m_Drives->lastRound().m_Answers);
 }
 
 void Watched::cleanUp()
@@ -96,12 +87,12 @@ void Watched::cleanUp()
     }
 }
 
-void Watched::lookAtControllers()
+bool Watched::mayLook() const
 {
     // Where a plug-in was stuck, the program would be, too.
-    if (m_Looks && std::all_of(m_Monitors.begin(), m_Monitors.end(),
-                               [](const Monitor& monitor) { return monitor.ending() == Ending::ByItself; }))
-        m_Controllers = controllersNow();
+    return m_Looks && std::all_of(m_Monitors.begin(), m_Monitors.end(), [](const Monitor& monitor) {
+               return monitor.ending() == Ending::ByItself;
+           });
 }
 
 std::string Watched::complaint() const
@@ -114,7 +105,7 @@ std::string Watched::complaint() const
 
 ObjectStore Watched::objectsOf(const Monitor& monitor, std::vector<DriveAnswer> answers) const
 {
-    return ObjectStore(monitor.objects().objects(), m_Controllers, std::move(answers));
+    return ObjectStore(monitor.objects().objects(), m_Controllers.states(), std::move(answers));
 }
 
 ObjectStore Watched::objects(std::vector<DriveAnswer> answers) const
@@ -124,7 +115,7 @@ ObjectStore Watched::objects(std::vector<DriveAnswer> answers) const
         const std::vector<PI::CObject>& objects = monitor.objects().objects();
         all.insert(all.end(), objects.begin(), objects.end());
     }
-    return ObjectStore(std::move(all), m_Controllers, std::move(answers));
+    return ObjectStore(std::move(all), m_Controllers.states(), std::move(answers));
 }
 
 } // namespace Host

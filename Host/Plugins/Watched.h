@@ -3,12 +3,12 @@
 #include "Base/Warn.h"
 #include "Drives/ParallelDrives.h"
 #include "Plugins/KeptRows.h"
+#include "Plugins/KnownControllers.h"
 #include "Plugins/Monitor.h"
 #include "Plugins/ObjectStore.h"
 #include "Plugins/PluginSet.h"
 
 #include <PI/Event.h>
-#include <TLXX/Diagnosis.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -56,7 +56,8 @@ public:
 
     /**
      * Takes the pending events of all plug-ins and drops them, reads the objects, and removes the rows of
-     * vanished objects if any row may have changed. Waits for a cycle of a worker that is under way.
+     * vanished objects if any row may have changed. Controllers are looked at when there is a reason (see
+     * `KnownControllers`). Waits for a cycle of a worker that is under way.
      */
     void refresh();
 
@@ -87,7 +88,7 @@ public:
 
 private:
     void cleanUp();
-    void lookAtControllers();
+    bool mayLook() const;
 
     const std::filesystem::path m_Data;
     const std::shared_ptr<ParallelDrives> m_Drives;
@@ -96,7 +97,7 @@ private:
     KeptRows m_Rows;
     std::optional<std::int64_t> m_Changes; ///< of rows, before the last look of `refresh`
     bool m_Looks = true;
-    std::vector<TLXX::CControllerState> m_Controllers; ///< of the last look
+    KnownControllers m_Controllers;
 };
 
 } // namespace Host

@@ -38,6 +38,12 @@ Cli::ServiceFigures Board::figures() const
     return figures;
 }
 
+Cli::ServiceFigures Board::counted() const
+{
+    const std::scoped_lock guard(m_Lock);
+    return m_Figures;
+}
+
 std::vector<Journal::NumberedEntry> Board::journal(std::uint64_t after, std::size_t limit) const
 {
     return m_Journal->read(after, limit);

@@ -47,6 +47,9 @@ public:
     /** Shows this from now on. */
     void show(std::shared_ptr<const Cli::Snapshot> snapshot);
 
+    /** The figures that were counted. Those of the process and of requests, which cost more, are left out. */
+    Cli::ServiceFigures counted() const;
+
     /** Changes figures. `change` must not wait. */
     void count(const std::function<void(Cli::ServiceFigures&)>& change);
 

@@ -119,7 +119,7 @@ void Service::onNews()
     m_Server.wake();
     const std::shared_ptr<const Cli::Snapshot> snapshot = m_Board.snapshot();
     std::string status =
-        Cli::judgeService(Cli::checkDrives(*snapshot, TLX::Misc::now()), *snapshot, m_Board.figures())
+        Cli::judgeService(Cli::checkDrives(*snapshot, TLX::Misc::now()), *snapshot, m_Board.counted())
             .m_Reason;
     if (status != m_Status)
         m_Manager.status(status);

@@ -141,9 +141,10 @@ protected:
         ASSERT_TRUE(came);
     }
 
-    static bool isWarm(const Snapshot& snapshot)
+    static bool isAnyWarm(const Snapshot& snapshot)
     {
-        return snapshot.m_Drives.size() == 1 && snapshot.m_Drives[0].m_Temperature == 60;
+        return std::any_of(snapshot.m_Drives.begin(), snapshot.m_Drives.end(),
+                           [](const Cli::Drive& drive) { return drive.m_Temperature == 60; });
     }
 
     const TestSupport::CTemporaryFolder m_Data;
@@ -178,7 +179,15 @@ TEST_F(WatcherTest, NeverShowsObjectsAndPagesOfDifferentRounds)
             TLX::Misc::pause(1);
     };
     start();
-    await(isWarm);
+    await([](const Snapshot& snapshot) { return snapshot.m_Drives.size() == 1; });
+    // The worker has begun to listen.
+    while (!m_Announcer.HasSubscriber())
+        TLX::Misc::pause(1);
+    // Controllers are looked at because of this drive.
+    m_Drives.Add(TestSupport::CFakeDrive(2));
+    m_Announcer.Announce();
+    await(isAnyWarm);
+    EXPECT_TRUE(isChanged);
     const std::scoped_lock guard(m_Lock);
     for (const auto& snapshot : m_Shown)
         for (const Cli::Drive& drive : snapshot->m_Drives) {
