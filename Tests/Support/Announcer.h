@@ -3,13 +3,14 @@
 #include <TLXX/DeviceBackend.h>
 
 #include <functional>
+#include <list>
 #include <memory>
 #include <mutex>
 #include <utility>
 
 namespace TestSupport {
 
-/** Announces drives to one subscriber when the test says so. Safe from any thread. */
+/** Announces drives to all subscribers when the test says so. Safe from any thread. */
 class CAnnouncer
 {
 public:
@@ -17,39 +18,45 @@ public:
     std::unique_ptr<TLXX::IAnnouncements> Subscribe(std::function<void()> announce)
     {
         const std::scoped_lock guard(m_Lock);
-        m_Announce = std::move(announce);
-        return std::make_unique<CSubscription>(*this);
+        return std::make_unique<CSubscription>(
+            *this, m_Subscribers.insert(m_Subscribers.end(), std::move(announce)));
     }
 
     bool HasSubscriber() const
     {
         const std::scoped_lock guard(m_Lock);
-        return m_Announce != nullptr;
+        return !m_Subscribers.empty();
     }
 
     void Announce() const
     {
         const std::scoped_lock guard(m_Lock);
-        m_Announce();
+        for (const std::function<void()>& announce : m_Subscribers)
+            announce();
     }
 
 private:
+    using CSubscribers = std::list<std::function<void()>>;
+
     class CSubscription : public TLXX::IAnnouncements
     {
     public:
-        explicit CSubscription(CAnnouncer& announcer) : m_Announcer(announcer) {}
+        CSubscription(CAnnouncer& announcer, CSubscribers::iterator place)
+            : m_Announcer(announcer), m_Place(place)
+        {}
         ~CSubscription() override
         {
             const std::scoped_lock guard(m_Announcer.m_Lock);
-            m_Announcer.m_Announce = nullptr;
+            m_Announcer.m_Subscribers.erase(m_Place);
         }
 
     private:
         CAnnouncer& m_Announcer;
+        const CSubscribers::iterator m_Place;
     };
 
     mutable std::mutex m_Lock;
-    std::function<void()> m_Announce;
+    CSubscribers m_Subscribers;
 };
 
 } // namespace TestSupport
