@@ -65,6 +65,9 @@ function(ostrel_share)
     install(FILES ${ARGN} DESTINATION share/ostrel)
 endfunction()
 
+# Tests are compiled without optimisation, because that takes less time and tests run once. Some hardening needs it.
+set(OSTREL_TEST_OPTIONS -O0 -U_FORTIFY_SOURCE)
+
 # A test program from every source of the current folder, of its platform folder (such as Src_Linux) and of FOLDERS.
 function(ostrel_test name)
     cmake_parse_arguments(arg "" "" "FOLDERS;LIBRARIES;DEFINITIONS" ${ARGN})
@@ -76,6 +79,7 @@ function(ostrel_test name)
     endforeach()
     target_link_libraries(${name} PRIVATE OstrelOptions ${arg_LIBRARIES} GTest::gmock GTest::gtest GTest::gtest_main)
     target_compile_definitions(${name} PRIVATE ${arg_DEFINITIONS})
+    target_compile_options(${name} PRIVATE ${OSTREL_TEST_OPTIONS})
     if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         # In a batch GCC takes sources for headers. There it would warn of fixtures in unnamed namespaces.
         target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
