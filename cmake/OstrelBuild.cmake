@@ -66,7 +66,8 @@ function(ostrel_share)
 endfunction()
 
 # Tests are compiled without optimisation, because that takes less time and tests run once. Some hardening needs it.
-set(OSTREL_TEST_OPTIONS -O0 -U_FORTIFY_SOURCE)
+# Without it a batch of tests has more sections than the usual object files of Windows can have.
+set(OSTREL_TEST_OPTIONS -O0 -U_FORTIFY_SOURCE $<$<PLATFORM_ID:Windows>:-Wa,-mbig-obj>)
 
 # A test program from every source of the current folder, of its platform folder (such as Src_Linux) and of FOLDERS.
 function(ostrel_test name)

@@ -115,11 +115,11 @@ std::string eventText(const DriveEvent& event)
 std::string severityText(std::uint32_t severity)
 {
     switch (severity) {
-    case PI::SEVERITY_INFORMATION:
+    case PI::EVENT_SEVERITY_INFORMATION:
         return "Information";
-    case PI::SEVERITY_WARNING:
+    case PI::EVENT_SEVERITY_WARNING:
         return "Warning";
-    case PI::SEVERITY_ERROR:
+    case PI::EVENT_SEVERITY_ERROR:
         return "Error";
     default:
         return "Severity " + std::to_string(severity);

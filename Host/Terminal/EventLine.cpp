@@ -22,9 +22,9 @@ std::string detailsText(const DriveIdentity& drive, const std::string& text)
 Tone toneOf(std::uint32_t severity)
 {
     switch (severity) {
-    case PI::SEVERITY_WARNING:
+    case PI::EVENT_SEVERITY_WARNING:
         return Tone::Warning;
-    case PI::SEVERITY_ERROR:
+    case PI::EVENT_SEVERITY_ERROR:
         return Tone::Bad;
     default:
         return Tone::Plain;

@@ -18,11 +18,11 @@ using TestSupport::CPluginUnderTest;
 std::string severityText(std::uint32_t severity)
 {
     switch (severity) {
-    case PI::SEVERITY_INFORMATION:
+    case PI::EVENT_SEVERITY_INFORMATION:
         return "2 information";
-    case PI::SEVERITY_WARNING:
+    case PI::EVENT_SEVERITY_WARNING:
         return "3 warning";
-    case PI::SEVERITY_ERROR:
+    case PI::EVENT_SEVERITY_ERROR:
         return "4 error";
     default:
         throw std::runtime_error("an event is of an unknown severity");

@@ -26,7 +26,7 @@ constexpr CDriveCommand NAMESPACE{EQuery::IdentifyNamespace, 0};
 constexpr CDriveCommand HEALTH{EQuery::SmartHealthLog, 0};
 
 /** Enough for the slowest machine; no test waits that long when the code is right. */
-constexpr std::uint64_t LONG = 60'000;
+constexpr std::uint64_t PATIENCE = 60'000;
 
 /** Drives that answer at once, unless the test holds them back. */
 class CGatedDrives : public TestSupport::CSilentBackend
@@ -132,7 +132,7 @@ class ThreadedSourceTest : public testing::Test
 protected:
     static CDriveAddress drive(const std::string& path) { return {path, path}; }
 
-    std::optional<CDriveAnswer> next() { return m_Source->Wait(TLX::Misc::monotonic() + LONG); }
+    std::optional<CDriveAnswer> next() { return m_Source->Wait(TLX::Misc::monotonic() + PATIENCE); }
     std::optional<CDriveAnswer> nextAtOnce() { return m_Source->Wait(TLX::Misc::monotonic()); }
 
     std::shared_ptr<CGatedDrives> m_Drives = std::make_shared<CGatedDrives>();

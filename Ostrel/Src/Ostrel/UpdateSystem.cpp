@@ -133,7 +133,7 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
         if (live == nullptr) {
             ++m_Plugin.m_UpdateCount;
             changes.m_Events.push_back(
-                adapterEvent(fresh, PI::EVENT_ADAPTER_ADDED, PI::SEVERITY_INFORMATION));
+                adapterEvent(fresh, PI::EVENT_ADAPTER_ADDED, PI::EVENT_SEVERITY_INFORMATION));
             changes.m_AddedAdapters.push_back(fresh);
             if (!freshDrives)
                 freshDrives.emplace(physicalDrives);
@@ -148,7 +148,7 @@ CChanges IPLUGINAPI_IMPL::Compare(const std::vector<CNVMeAdapter>& adapters,
         if (freshAdapters.Find(live.m_SerialNumber) != nullptr)
             continue;
         ++m_Plugin.m_UpdateCount;
-        changes.m_Events.push_back(adapterEvent(live, PI::EVENT_ADAPTER_REMOVED, PI::SEVERITY_WARNING));
+        changes.m_Events.push_back(adapterEvent(live, PI::EVENT_ADAPTER_REMOVED, PI::EVENT_SEVERITY_WARNING));
         changes.m_RemovedAdapters.push_back(live);
     }
     for (const CNVMePhysicalDrive& fresh : physicalDrives) {

@@ -15,7 +15,7 @@ void CNVMePhysicalDrive::Update(const CNVMePhysicalDrive& fresh, const CNVMeAdap
     PI::CEvent event;
     event.m_Source = m_ID;
     event.m_Id = PI::EVENT_DRIVE_CHANGED;
-    event.m_Severity = PI::SEVERITY_INFORMATION;
+    event.m_Severity = PI::EVENT_SEVERITY_INFORMATION;
     event.m_Time = TLX::Misc::now();
     event.SetSource(m_ProductName);
     event.SetPlaceHolder1(adapter.m_Name);

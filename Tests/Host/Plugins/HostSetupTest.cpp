@@ -10,7 +10,7 @@
 namespace {
 
 /** What plug-ins that are loaded after the setup find. */
-class HostSetup : public testing::Test
+class HostSetupTest : public testing::Test
 {
 protected:
     /** SQLite refuses it. A storage that keeps nothing does not read it. */
@@ -26,7 +26,7 @@ protected:
 
 } // namespace
 
-TEST_F(HostSetup, WithoutADataFolderNothingKeepsRows)
+TEST_F(HostSetupTest, WithoutADataFolderNothingKeepsRows)
 {
     {
         const Host::HostSetup setup(Folders(false), {}, std::nullopt, Ignore);
@@ -36,14 +36,14 @@ TEST_F(HostSetup, WithoutADataFolderNothingKeepsRows)
     EXPECT_THROW(RunNoStatement(), DBEXCEPTION::DatabaseException) << "the setting ends with the setup";
 }
 
-TEST_F(HostSetup, WithADataFolderADatabaseInItKeepsRows)
+TEST_F(HostSetupTest, WithADataFolderADatabaseInItKeepsRows)
 {
     const Host::HostSetup setup(Folders(true), {}, std::nullopt, Ignore);
     EXPECT_THROW(RunNoStatement(), DBEXCEPTION::DatabaseException);
     EXPECT_TRUE(std::filesystem::exists(Data() / "Ostrel.db"));
 }
 
-TEST_F(HostSetup, NothingKeepsRowsWhereAnotherProcessDoes)
+TEST_F(HostSetupTest, NothingKeepsRowsWhereAnotherProcessDoes)
 {
     const Host::DataFolderClaim other(Data(), 0);
     ASSERT_TRUE(other.granted());

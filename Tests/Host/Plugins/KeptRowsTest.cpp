@@ -21,11 +21,11 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-class KeptRows : public testing::Test
+class KeptRowsTest : public testing::Test
 {
 protected:
-    KeptRows() { setDatabaseFile(m_Folder.Path() / "Ostrel.db"); }
-    ~KeptRows() override { setDatabaseFile({}); }
+    KeptRowsTest() { setDatabaseFile(m_Folder.Path() / "Ostrel.db"); }
+    ~KeptRowsTest() override { setDatabaseFile({}); }
 
     static std::vector<std::string> Query(const std::string& sql)
     {
@@ -60,7 +60,7 @@ protected:
 
 } // namespace
 
-TEST_F(KeptRows, LoseWhatIsNotShown)
+TEST_F(KeptRowsTest, LoseWhatIsNotShown)
 {
     Insert("GONE");
     Insert("STAYS");
@@ -69,7 +69,7 @@ TEST_F(KeptRows, LoseWhatIsNotShown)
     EXPECT_THAT(m_Warnings, IsEmpty());
 }
 
-TEST_F(KeptRows, ThatCameWhileTheHostLookedStay)
+TEST_F(KeptRowsTest, ThatCameWhileTheHostLookedStay)
 {
     Insert("GONE");
     int looks = 0;
@@ -85,7 +85,7 @@ TEST_F(KeptRows, ThatCameWhileTheHostLookedStay)
     EXPECT_THAT(Drives(), ElementsAre("FRESH"));
 }
 
-TEST_F(KeptRows, ThatChangeAllTheTimeAreLeftAlone)
+TEST_F(KeptRowsTest, ThatChangeAllTheTimeAreLeftAlone)
 {
     int looks = 0;
     m_Rows.cleanUp([&looks] {
@@ -96,7 +96,7 @@ TEST_F(KeptRows, ThatChangeAllTheTimeAreLeftAlone)
     EXPECT_THAT(m_Warnings, IsEmpty());
 }
 
-TEST_F(KeptRows, StayWhenTheHostCannotLook)
+TEST_F(KeptRowsTest, StayWhenTheHostCannotLook)
 {
     Insert("S1");
     const auto failing = []() -> Host::ObjectStore { throw std::runtime_error("not now"); };
@@ -104,7 +104,7 @@ TEST_F(KeptRows, StayWhenTheHostCannotLook)
     EXPECT_THAT(Drives(), ElementsAre("S1"));
 }
 
-TEST_F(KeptRows, ThatFailAreToldOnceWhileItLasts)
+TEST_F(KeptRowsTest, ThatFailAreToldOnceWhileItLasts)
 {
     for (int poll = 0; poll < 1000; ++poll) {
         Break("refused");
@@ -120,7 +120,7 @@ TEST_F(KeptRows, ThatFailAreToldOnceWhileItLasts)
                                         HasSubstr("near \"other\"")));
 }
 
-TEST_F(KeptRows, ThatFailAgainAfterAnHourAreToldAgain)
+TEST_F(KeptRowsTest, ThatFailAgainAfterAnHourAreToldAgain)
 {
     Break("refused");
     m_Rows.tellFailure();

@@ -26,9 +26,9 @@ enum _EVENT_CODE : std::uint32_t
 /** How serious it is. */
 enum _EVENT_SEVERITY : std::uint32_t
 {
-    SEVERITY_INFORMATION = 2,
-    SEVERITY_WARNING = 3,
-    SEVERITY_ERROR = 4,
+    EVENT_SEVERITY_INFORMATION = 2,
+    EVENT_SEVERITY_WARNING = 3,
+    EVENT_SEVERITY_ERROR = 4,
 };
 
 } // namespace PI
