@@ -136,8 +136,8 @@ def shares(results):
         yield f"{count:>6}  cycle {here.cycle:.3f}: {steps}"
         yield (f"{'':>6}  round of a watch {here.watch.total:.3f}: program {here.watch.program:.3f}, "
                f"reader {here.watch.reader:.3f}")
-        yield (f"{'':>6}  round of the service {here.serve.total:.3f}: list of controllers {controllers:.3f}, "
-               f"the rest of the program {here.serve.program - controllers:.3f}, reader {here.serve.reader:.3f}")
+        yield (f"{'':>6}  round of the service {here.serve.total:.3f}: program {here.serve.program:.3f}, "
+               f"reader {here.serve.reader:.3f}; a look at the list of controllers {controllers:.3f}")
         yield f"{'':>6}  scrape {here.scrape.program:.3f} with a page of {here.page} bytes"
         yield (f"{'':>6}  list {here.list:.3f}: start and end of the program {here.start:.3f}, "
                f"the rest of it {here.list_program - here.start:.3f}, reader {here.list_reader:.3f}")
