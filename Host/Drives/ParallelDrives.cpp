@@ -63,6 +63,12 @@ DriveRound ParallelDrives::lastRound() const
     return m_Published;
 }
 
+std::uint64_t ParallelDrives::lastNumber() const
+{
+    const std::scoped_lock guard(m_PublishedLock);
+    return m_Published.m_Number;
+}
+
 std::vector<TLXX::CDeviceEntry> ParallelDrives::Enumerate(const TLXX::DeviceWalk& walk)
 {
     const std::scoped_lock guard(m_Lock);

@@ -50,6 +50,7 @@ std::vector<DriveCheck> checked(std::vector<Drive> drives, const ObjectStore& st
         }
     std::vector<std::string> keys = driveKeys(drives);
     std::vector<DriveCheck> checks;
+    checks.reserve(drives.size());
     for (std::size_t i = 0; i < drives.size(); ++i)
         checks.push_back({std::move(drives[i]), std::move(keys[i]), std::move(judgements[i])});
     return checks;

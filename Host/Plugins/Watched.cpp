@@ -49,7 +49,7 @@ std::vector<PI::CEvent> Watched::collect(Monitor& monitor)
     return events;
 }
 
-void Watched::refresh()
+void Watched::refresh(const std::vector<DriveAnswer>& answers)
 {
     const std::optional<std::int64_t> changes = changesNow();
     bool anyEvent = false;
@@ -63,7 +63,7 @@ void Watched::refresh()
     else
         tellFailure();
     if (mayLook())
-        m_Controllers.follow(m_Drives->lastRound().m_Answers);
+        m_Controllers.follow(answers);
 }
 
 void Watched::cleanUp()

@@ -56,10 +56,10 @@ public:
 
     /**
      * Takes the pending events of all plug-ins and drops them, reads the objects, and removes the rows of
-     * vanished objects if any row may have changed. Controllers are looked at when there is a reason (see
-     * `KnownControllers`). Waits for a cycle of a worker that is under way.
+     * vanished objects if any row may have changed. Controllers are looked at when `answers`, those of the
+     * last round, give a reason (see `KnownControllers`). Waits for a cycle of a worker that is under way.
      */
-    void refresh();
+    void refresh(const std::vector<DriveAnswer>& answers);
 
     /** From now on no controller is looked at, because a drive that hangs could keep the program from ending.
      */

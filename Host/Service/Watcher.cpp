@@ -75,7 +75,7 @@ std::uint64_t Watcher::pause() const
 
 std::unique_ptr<Watched> Watcher::begin()
 {
-    const std::uint64_t before = m_Parts.m_Plan.m_Drives->lastRound().m_Number;
+    const std::uint64_t before = m_Parts.m_Plan.m_Drives->lastNumber();
     try {
         auto watched = std::make_unique<Watched>(m_Parts.m_Plan);
         watched->start();
@@ -84,8 +84,7 @@ std::unique_ptr<Watched> Watcher::begin()
     } catch (const Failure& failure) {
         noteTrouble(failure.what());
         // Without a round it is not known which drives there are.
-        if (failure.exitCode() == ExitCode::NoHardware &&
-            m_Parts.m_Plan.m_Drives->lastRound().m_Number != before)
+        if (failure.exitCode() == ExitCode::NoHardware && m_Parts.m_Plan.m_Drives->lastNumber() != before)
             lookWithoutDrives();
     }
     return nullptr;
@@ -134,7 +133,7 @@ void Watcher::look(Watched& watched)
         drives.roundEnded().Reset();
         const DriveRound round = drives.lastRound();
         try {
-            watched.refresh();
+            watched.refresh(round.m_Answers);
         } catch (const Failure& failure) {
             return noteTrouble(failure.what());
         }
@@ -145,7 +144,7 @@ void Watcher::look(Watched& watched)
         const auto snapshot = std::make_shared<const Cli::Snapshot>(watched.objects(round.m_Answers),
                                                                     round.m_Number, moment.m_Time);
         // A new round may already have renewed the pages of some drives.
-        if (drives.lastRound().m_Number != round.m_Number)
+        if (drives.lastNumber() != round.m_Number)
             continue;
         m_Parts.m_Board.count([&](Cli::ServiceFigures& figures) {
             figures.m_PollInterval = watched.monitors().front().pollInterval();

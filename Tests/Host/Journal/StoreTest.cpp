@@ -104,25 +104,6 @@ TEST_F(StoreTest, AStateLosesRowsThatItNoLongerHas)
     EXPECT_EQ(open().state(), next.m_State);
 }
 
-TEST_F(StoreTest, WritesUnchangedDrivesToAnotherFileInItsPlace)
-{
-    Outcome mine;
-    mine.m_State.m_Drives.resize(2);
-    mine.m_State.m_Drives[1].m_Key = "MINE";
-    Store store = open();
-    store.commit(mine);
-    const std::filesystem::path other = m_Folder.Path() / "Other.db";
-    {
-        Outcome others = mine;
-        others.m_State.m_Drives[1].m_Key = "OTHER";
-        Store(other, [](const std::string&) {}).commit(others);
-    }
-    std::filesystem::rename(other, m_File);
-    store.commit(mine);
-    EXPECT_EQ(open().state(), mine.m_State);
-    EXPECT_EQ(m_Warnings.size(), 1U);
-}
-
 TEST_F(StoreTest, RefusesAStateThatLacksADrive)
 {
     Outcome two;

@@ -145,4 +145,27 @@ TEST(DeletedJournalTest, IsMadeAgainWithTheWholeState)
     EXPECT_EQ(Store(file, warn).state(), next.m_State) << "all of it, although little has changed";
 }
 
+TEST(DeletedJournalTest, UnchangedDrivesAreWrittenToTheFileThatTookItsPlace)
+{
+    const TestSupport::CTemporaryFolder folder;
+    const std::filesystem::path file = serviceFile(folder.Path());
+    const std::filesystem::path other = folder.Path() / "Other.db";
+    std::vector<std::string> warnings;
+    const auto warn = [&](const std::string& text) { warnings.push_back(text); };
+    Outcome mine;
+    mine.m_State.m_Drives.resize(2);
+    mine.m_State.m_Drives[1].m_Key = "MINE";
+    Store store(file, warn);
+    store.commit(mine);
+    {
+        Outcome others = mine;
+        others.m_State.m_Drives[1].m_Key = "OTHER";
+        Store(other, warn).commit(others);
+    }
+    std::filesystem::rename(other, file);
+    store.commit(mine);
+    EXPECT_EQ(Store(file, warn).state(), mine.m_State);
+    EXPECT_EQ(warnings.size(), 1U);
+}
+
 } // namespace
