@@ -65,9 +65,9 @@ function(ostrel_share)
     install(FILES ${ARGN} DESTINATION share/ostrel)
 endfunction()
 
-# Tests run once, so it takes less time to compile them without optimisation. Some hardening needs optimisation. For
-# Windows they need a little of it: without it, a batch has so many sections that linking it takes minutes.
-set(OSTREL_TEST_OPTIONS $<IF:$<PLATFORM_ID:Windows>,-Og,-O0> -U_FORTIFY_SOURCE)
+# Tests run once, so it takes less time to compile them without optimisation. For Windows they need a little of it:
+# without it, a batch has so many sections that linking it takes minutes.
+set(OSTREL_TEST_OPTIONS $<IF:$<PLATFORM_ID:Windows>,-Og,-O0>)
 
 # A test program from every source of the current folder, of its platform folder (such as Src_Linux) and of FOLDERS.
 function(ostrel_test name)
