@@ -50,7 +50,6 @@ Service::Service(ServicePlan plan, Platform::ServiceManager& manager)
     if (m_Ended.Init(false, true) != TLX::Threading::WaitResult::Taken)
         throw std::runtime_error("The system has no event left for the service.");
     m_Board.timeRequests([this] { return m_Server.durations(); });
-    m_Plan.m_Announce("Listening on " + m_Server.url());
 }
 
 Service::~Service()
@@ -79,6 +78,8 @@ void Service::run(Platform::TerminationRequest& termination)
     constexpr std::uint32_t reloads = 2;
     constexpr std::uint32_t ended = 3;
     TLX::Threading::CWaiter waiter{&termination.asked(), &termination.reload(), &m_Ended};
+    // Whoever reads this may ask the service to end, and `run` sees that.
+    m_Plan.m_Announce("Listening on " + m_Server.url());
     m_Thread.emplace([this] { watch(); });
     m_Manager.ready();
     // Twice as often as the manager wants it, so that a late one does not end the service.
@@ -130,17 +131,16 @@ void Service::reload()
 {
     m_Manager.reloading();
     try {
-        const Settings settings = readSettings();
-        for (const std::string_view key : needRestart(m_Settings, settings))
-            m_Plan.m_Watch.m_Warn("The new value of \"" + std::string(key) +
-                                  "\" has an effect after the next start.");
-        const Settings former = std::exchange(m_Settings, settings);
+        const Settings former = std::exchange(m_Settings, readSettings());
         try {
             m_Server.change(access());
         } catch (const Failure&) {
             m_Settings = former;
             throw;
         }
+        for (const std::string_view key : needRestart(former, m_Settings))
+            m_Plan.m_Watch.m_Warn("The new value of \"" + std::string(key) +
+                                  "\" has an effect after the next start.");
         m_Plan.m_Announce("The settings were read again.");
     } catch (const Failure& failure) {
         m_Plan.m_Watch.m_Warn(std::string(failure.what()) + " The service keeps its former settings.");

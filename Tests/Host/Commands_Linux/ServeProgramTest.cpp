@@ -189,6 +189,22 @@ TEST_F(ServeProgramTest, ReadsItsSettingsAgainAndKeepsTheFormerOnesWhenTheyAreWr
     EXPECT_EQ(service.end().m_ExitCode, 0);
 }
 
+TEST_F(ServeProgramTest, KeepsAllFormerSettingsWhenTheTokenCannotBeRead)
+{
+    m_Fleet.set({ChangingFleet::drive("S1", 1)});
+    RunningService service(words());
+    const std::string listen = "listen = 127.0.0.1:1\n";
+    const std::string token = "token-file = " + (m_Data.Path() / "token").string() + "\n";
+    (void)m_Data.Write("serve.ini", listen + token);
+    service.program().send(SIGHUP);
+    EXPECT_THAT(service.program().awaitMessage("keeps its former settings."), Not(HasSubstr("next start")));
+    (void)m_Data.Write("token", "0123456789abcdef0123456789abcdef\n");
+    service.program().send(SIGHUP);
+    // The address is new compared with the settings that were kept.
+    (void)service.program().awaitMessage("\"listen\" has an effect after the next start");
+    EXPECT_EQ(service.end().m_ExitCode, 0);
+}
+
 TEST_F(ServeProgramTest, TellsWhatHappenedWhileItDidNotRun)
 {
     m_Fleet.set({ChangingFleet::drive("S1", 1), ChangingFleet::drive("S2", 2)});
