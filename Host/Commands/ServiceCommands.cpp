@@ -192,8 +192,12 @@ ExitCode setThroughService(const RunningService& service, const Options& options
 {
     const std::string path = Web::propertyPath({options.m_Object, options.m_Property.value_or("")});
     const std::string answer = service.m_Client.put(path, ServiceJson{{"value", options.m_Value}}.dump());
-    terminal.print(
-        options.m_Json ? answer : printable(ServiceJson::parse(answer).at("text").get<std::string>()) + '\n');
+    ServiceJson json = ServiceJson::parse(answer);
+    if (options.m_Json) {
+        json.erase("text");
+        terminal.print(documentText(json, false));
+    } else
+        terminal.print(json.at("text").get<std::string>());
     return ExitCode::Done;
 }
 

@@ -50,7 +50,7 @@ std::vector<Journal::NumberedEntry> Board::journal(std::uint64_t after, std::siz
 }
 
 void Board::set(const std::string& object, const std::string& property, const std::string& value,
-                std::function<void(const std::string& text, std::exception_ptr failure)> done)
+                Web::WhenSet done)
 {
     {
         const std::scoped_lock guard(m_Lock);
@@ -87,7 +87,7 @@ std::deque<Wish> Board::takeWishes()
 void Board::refuseWishes(const Failure& reason)
 {
     for (const Wish& wish : takeWishes())
-        wish.m_Done({}, std::make_exception_ptr(reason));
+        wish.m_Done(nullptr, std::make_exception_ptr(reason));
 }
 
 } // namespace Host::Service

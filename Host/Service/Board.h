@@ -25,7 +25,7 @@ struct Wish
     std::string m_Object;
     std::string m_Property;
     std::string m_Value;
-    std::function<void(const std::string& text, std::exception_ptr failure)> m_Done;
+    Web::WhenSet m_Done;
 };
 
 /**
@@ -42,7 +42,7 @@ public:
     Cli::ServiceFigures figures() const override;
     std::vector<Journal::NumberedEntry> journal(std::uint64_t after, std::size_t limit) const override;
     void set(const std::string& object, const std::string& property, const std::string& value,
-             std::function<void(const std::string& text, std::exception_ptr failure)> done) override;
+             Web::WhenSet done) override;
 
     /** Shows this from now on. */
     void show(std::shared_ptr<const Cli::Snapshot> snapshot);

@@ -14,6 +14,7 @@
 #include <TLXX/DeviceNotification.h>
 
 #include <exception>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -189,21 +190,18 @@ void Watcher::noteTrouble(const std::string& trouble)
 void Watcher::fulfilWishes(Watched& watched)
 {
     for (const Wish& wish : m_Parts.m_Board.takeWishes()) {
-        std::string text;
+        std::optional<PI::CProperty> property;
         std::exception_ptr failed;
         try {
             const ObjectStore objects = watched.objects();
             const Cli::NamedProperty named =
                 Cli::namedProperty(Cli::namedObjects(objects, wish.m_Object), wish.m_Property);
-            const PI::CProperty property =
-                Cli::setProperty(watched.showing(named.m_Object.m_ID), named.m_Object, named.m_Property,
-                                 wish.m_Value, settingsFile(m_Parts.m_Plan.m_Data));
-            text = Cli::setText(property, wish.m_Value);
-            text.pop_back(); // the end of the line
+            property = Cli::setProperty(watched.showing(named.m_Object.m_ID), named.m_Object,
+                                        named.m_Property, wish.m_Value, settingsFile(m_Parts.m_Plan.m_Data));
         } catch (const Failure&) {
             failed = std::current_exception();
         }
-        wish.m_Done(text, failed);
+        wish.m_Done(property ? &*property : nullptr, failed);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "Base/Text.h"
 #include "Documents/Json.h"
+#include "Facts/PropertySetting.h"
 #include "Web/Parameters.h"
 #include "Web/Problem.h"
 
@@ -42,16 +43,17 @@ std::string valueIn(const std::string& body)
                          "The content must be an object with the member \"value\", a text or a number.");
 }
 
-Response outcome(const PropertyName& name, bool isSimulated, const std::string& text,
+Response outcome(const std::string& value, bool isSimulated, const PI::CProperty* property,
                  std::exception_ptr failure)
 {
     try {
-        if (failure != nullptr)
+        if (property == nullptr)
             std::rethrow_exception(std::move(failure));
         Response response;
         response.m_Type = "application/json";
         response.m_Body = Cli::documentText(
-            {{"object", name.m_Object}, {"property", name.m_Property}, {"text", text}}, isSimulated);
+            {{"property", Cli::propertyJson(*property)}, {"text", Cli::setText(*property, value)}},
+            isSimulated);
         return response;
     } catch (const Failure& wrong) {
         return problem(wrong);
@@ -68,10 +70,11 @@ void setProperty(IServiceView& view, const PropertyName& name, const Request& re
         return respond(refusal(request));
     if (!isJson(request))
         return respond(problem(415, "The content must be application/json."));
-    view.set(name.m_Object, name.m_Property, valueIn(request.m_Body),
-             [name, respond, isSimulated = view.figures().m_Simulated](const std::string& text,
-                                                                       std::exception_ptr failure) {
-                 respond(outcome(name, isSimulated, text, std::move(failure)));
+    const std::string value = valueIn(request.m_Body);
+    view.set(name.m_Object, name.m_Property, value,
+             [value, respond, isSimulated = view.figures().m_Simulated](const PI::CProperty* property,
+                                                                        std::exception_ptr failure) {
+                 respond(outcome(value, isSimulated, property, std::move(failure)));
              });
 }
 

@@ -18,9 +18,10 @@ class BoardTest : public testing::Test
 protected:
     void wish(const std::string& value)
     {
-        m_Board.set("plugin", "30005", value, [this](const std::string& text, std::exception_ptr failure) {
-            m_Done.push_back(failure ? "refused" : text);
-        });
+        m_Board.set("plugin", "30005", value,
+                    [this](const PI::CProperty* property, std::exception_ptr failure) {
+                        m_Done.push_back(property == nullptr && failure ? "refused" : "set");
+                    });
     }
 
     TestSupport::CTemporaryFolder m_Folder;
@@ -46,6 +47,8 @@ TEST_F(BoardTest, ShowsTheLastSnapshotAndFigures)
     EXPECT_EQ(former->m_Round, 0U);
     m_Board.count([](Host::Cli::ServiceFigures& figures) { figures.m_ReadErrors = 3; });
     EXPECT_EQ(m_Board.figures().m_ReadErrors, 3U);
+    EXPECT_EQ(m_Board.counted().m_ReadErrors, 3U);
+    EXPECT_FALSE(m_Board.counted().m_OpenDescriptors);
     m_Board.timeRequests([] {
         Host::Cli::Histogram durations;
         durations.add(1);

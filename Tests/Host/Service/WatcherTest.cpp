@@ -1,5 +1,6 @@
 #include "Service/Watcher.h"
 
+#include "Facts/PropertyText.h"
 #include "Host/Built.h"
 #include "Journal/Reader.h"
 #include "Journal/Store.h"
@@ -223,16 +224,16 @@ TEST_F(WatcherTest, SetsAPropertyOnItsOwnThread)
     std::mutex lock;
     std::condition_variable done;
     std::vector<std::string> answers;
-    const auto answer = [&](const std::string& text, const std::exception_ptr& failure) {
+    const auto answer = [&](const PI::CProperty* property, const std::exception_ptr& failure) {
         const std::scoped_lock guard(lock);
-        answers.push_back(failure ? "failed" : text);
+        answers.push_back(failure ? "failed" : Cli::valueText(*property));
         done.notify_all();
     };
     m_Board.set("plugin", "pollinterval", "60", answer);
     m_Board.set("plugin", "pollinterval", "often", answer);
     std::unique_lock guard(lock);
     ASSERT_TRUE(done.wait_for(guard, std::chrono::minutes(1), [&] { return answers.size() == 2; }));
-    EXPECT_THAT(answers[0], testing::HasSubstr(" is now 60"));
+    EXPECT_EQ(answers[0], "60 s");
     EXPECT_EQ(answers[1], "failed");
     guard.unlock();
     await([&](const Snapshot&) { return m_Board.figures().m_PollInterval == 60'000; });

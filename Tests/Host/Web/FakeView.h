@@ -18,8 +18,6 @@ namespace HostTest {
 class FakeView : public Host::Web::IServiceView
 {
 public:
-    using Done = std::function<void(const std::string&, std::exception_ptr)>;
-
     std::shared_ptr<const Host::Cli::Snapshot> snapshot() const override
     {
         const std::scoped_lock guard(m_Lock);
@@ -44,7 +42,7 @@ public:
     }
 
     void set(const std::string& object, const std::string& property, const std::string& value,
-             Done done) override
+             Host::Web::WhenSet done) override
     {
         m_Set.push_back(object + " " + property + " " + value);
         m_OnSet(done);
@@ -77,7 +75,12 @@ public:
     }
 
     std::vector<std::string> m_Set; ///< object, property and value of each call
-    std::function<void(const Done&)> m_OnSet = [](const Done& done) { done("done", nullptr); };
+    /** Answers each call of `set`. */
+    std::function<void(const Host::Web::WhenSet&)> m_OnSet = [](const Host::Web::WhenSet& done) {
+        PI::CProperty property(PI::PROP_POLL_INTERVAL, true);
+        property.SetValue(60, 2, 255, 1);
+        done(&property, nullptr);
+    };
 
 private:
     mutable std::mutex m_Lock;

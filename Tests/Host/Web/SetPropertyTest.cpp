@@ -13,6 +13,7 @@ namespace {
 
 using namespace Host::Web;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::IsEmpty;
 
 class SetPropertyTest : public testing::Test
@@ -43,12 +44,16 @@ TEST_F(SetPropertyTest, TheAnswerTellsTheValueInForce)
 {
     const Response answer = set();
     EXPECT_EQ(answer.m_Status, 200U);
-    EXPECT_EQ(
-        nlohmann::json::parse(answer.m_Body),
-        nlohmann::json::parse(R"({"format":1,"object":"plugin","property":"pollinterval","text":"done"})"));
-    m_Request.m_Body = R"({"value": "sixty"})";
-    set();
-    EXPECT_THAT(m_View.m_Set, ElementsAre("plugin pollinterval 60", "plugin pollinterval sixty"));
+    const auto document = nlohmann::json::parse(answer.m_Body);
+    EXPECT_EQ(document.size(), 3U);
+    EXPECT_EQ(document.at("format"), 1);
+    EXPECT_EQ(document.at("property").at("id"), 30005);
+    EXPECT_EQ(document.at("property").at("value"), 60);
+    EXPECT_THAT(document.at("text").get<std::string>(), EndsWith(" is now 60.\n"));
+    m_Request.m_Body = R"({"value": "1"})";
+    EXPECT_THAT(nlohmann::json::parse(set().m_Body).at("text").get<std::string>(),
+                EndsWith(" is now 60, for 1 is beyond its limits, 2 and 255.\n"));
+    EXPECT_THAT(m_View.m_Set, ElementsAre("plugin pollinterval 60", "plugin pollinterval 1"));
 }
 
 TEST_F(SetPropertyTest, NobodyChangesAnythingWithoutBeingAllowedTo)
@@ -93,7 +98,7 @@ TEST_F(SetPropertyTest, ContentWithoutAValueIsRefused)
 TEST_F(SetPropertyTest, FailuresKeepTheirReason)
 {
     m_View.m_OnSet = [](const auto& done) {
-        done("",
+        done(nullptr,
              std::make_exception_ptr(Host::Failure(Host::ExitCode::RequestFailed, "Refused.", {11, 20003})));
     };
     const Response refused = set();
@@ -103,11 +108,11 @@ TEST_F(SetPropertyTest, FailuresKeepTheirReason)
     EXPECT_EQ(problem.at("failure").at("request"), 11);
     EXPECT_EQ(problem.at("failure").at("code"), 20003);
     m_View.m_OnSet = [](const auto& done) {
-        done("", std::make_exception_ptr(Host::Failure(Host::ExitCode::NoSuchObject, "None.")));
+        done(nullptr, std::make_exception_ptr(Host::Failure(Host::ExitCode::NoSuchObject, "None.")));
     };
     EXPECT_EQ(set().m_Status, 404U);
     m_View.m_OnSet = [](const auto& done) {
-        done("", std::make_exception_ptr(std::runtime_error("an inner secret")));
+        done(nullptr, std::make_exception_ptr(std::runtime_error("an inner secret")));
     };
     const Response failed = set();
     EXPECT_EQ(failed.m_Status, 500U);
