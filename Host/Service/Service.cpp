@@ -78,7 +78,7 @@ void Service::run(Platform::TerminationRequest& termination)
     constexpr std::uint32_t reloads = 2;
     constexpr std::uint32_t ended = 3;
     TLX::Threading::CWaiter waiter{&termination.asked(), &termination.reload(), &m_Ended};
-    // Whoever reads this may ask the service to end, and `run` sees that.
+    // Not earlier, because from here on a request to end is seen.
     m_Plan.m_Announce("Listening on " + m_Server.url());
     m_Thread.emplace([this] { watch(); });
     m_Manager.ready();
