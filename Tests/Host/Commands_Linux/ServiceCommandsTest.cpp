@@ -66,7 +66,7 @@ TEST_F(ServiceCommandsTest, SetAsksTheServiceSoThatItTakesEffectAtOnce)
     const ProgramResult document = runProgram(words({"set", "plugin", "30005", "78", "--json"}));
     const json printed = json::parse(document.m_Output);
     EXPECT_EQ(printed.at("property").at("value"), 78);
-    EXPECT_FALSE(printed.contains("text")) << "the document of a set without a service has none";
+    EXPECT_FALSE(printed.contains("text")) << "without a service, set prints no text either";
     const ProgramResult wrong = runProgram(words({"set", "plugin", "pollinterval", "often"}));
     EXPECT_NE(wrong.m_ExitCode, 0);
     EXPECT_THAT(wrong.m_Errors, HasSubstr("\"often\" is no value"));
