@@ -15,6 +15,7 @@ void KnownControllers::read()
     } catch (const std::exception&) {
         // Events must not be lost because an address is unknown.
         m_States.clear();
+        m_Read.reset();
     }
 }
 

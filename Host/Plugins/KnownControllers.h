@@ -21,7 +21,7 @@ public:
     /** How old the list may be while the drives give no reason to read it, in milliseconds. */
     static constexpr std::uint64_t LONGEST = 300'000;
 
-    /** Reads the list. It is empty when the system cannot tell now. */
+    /** Reads the list. It is empty when the system cannot tell now; `follow` then tries again. */
     void read();
 
     /**
@@ -45,7 +45,7 @@ private:
 
     std::vector<TLXX::CControllerState> m_States;
     std::vector<Sign> m_Signs;           ///< at the last call of `follow`
-    std::optional<std::uint64_t> m_Read; ///< monotonic milliseconds; none: it was never read
+    std::optional<std::uint64_t> m_Read; ///< monotonic milliseconds; none: the list is not known
 };
 
 } // namespace Host

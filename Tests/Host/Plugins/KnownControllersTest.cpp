@@ -102,13 +102,17 @@ TEST_F(KnownControllersTest, AreReadAgainAfterSomeMinutes)
     EXPECT_EQ(looksFor({drive}), 0) << "counted from the last time that they were read";
 }
 
-TEST_F(KnownControllersTest, AreNoneWhileTheSystemCannotTell)
+TEST_F(KnownControllersTest, AreNoneUntilTheSystemCanTellAgain)
 {
-    m_Controllers.read();
+    const DriveAnswer drive = answer("a");
+    EXPECT_EQ(looksFor({drive}), 1);
     EXPECT_EQ(m_Controllers.states().size(), 1U);
     m_Machine->m_Refuses = true;
     m_Controllers.read();
     EXPECT_TRUE(m_Controllers.states().empty());
+    m_Machine->m_Refuses = false;
+    EXPECT_EQ(looksFor({drive}), 1);
+    EXPECT_EQ(m_Controllers.states().size(), 1U);
 }
 
 } // namespace
