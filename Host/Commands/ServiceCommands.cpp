@@ -194,7 +194,7 @@ ExitCode setThroughService(const RunningService& service, const Options& options
     const std::string answer = service.m_Client.put(path, ServiceJson{{"value", options.m_Value}}.dump());
     ServiceJson json = ServiceJson::parse(answer);
     if (options.m_Json) {
-        json.erase("text");
+        json.erase("text"); // The rest is the document of a set without a service, with "simulated" if it is.
         terminal.print(documentText(json, false));
     } else
         terminal.print(json.at("text").get<std::string>());
