@@ -160,6 +160,22 @@ TEST(Event, EverySeenSignalWakesASleeper)
     EXPECT_EQ(woken, SIGNALS);
 }
 
+TEST(Event, WhatWasWrittenBeforeTheSignalIsReadAfterTheWait)
+{
+    for (const bool manualReset : {false, true}) {
+        CEvent written;
+        ASSERT_EQ(written.Init(false, manualReset), WaitResult::Taken);
+        int value = 0; // no atomic and no lock: the event alone orders the two threads
+        std::thread writer([&] {
+            value = 1;
+            written.Set();
+        });
+        EXPECT_EQ(written.Wait(), WaitResult::Taken);
+        EXPECT_EQ(value, 1);
+        writer.join();
+    }
+}
+
 TEST(Event, ManualResetReleasesEveryWaitingThread)
 {
     CEvent event;

@@ -30,6 +30,7 @@ CEvent::Native::Native() noexcept : m_Descriptor(eventfd(0, EFD_NONBLOCK | EFD_C
 
 void CEvent::Native::Signal()
 {
+    m_Signals.fetch_add(1, std::memory_order_release);
     // Fails only when the counter is full; the event is signalled then anyway.
     (void)eventfd_write(m_Descriptor.Get(), 1);
 }
@@ -38,6 +39,13 @@ bool CEvent::Native::Clear()
 {
     eventfd_t signals = 0;
     return eventfd_read(m_Descriptor.Get(), &signals) == 0;
+}
+
+bool CEvent::Native::Accept()
+{
+    const bool taken = m_ManualReset || Clear();
+    (void)m_Signals.load(std::memory_order_acquire);
+    return taken;
 }
 
 std::uint32_t CEvent::Native::WaitForAny(std::span<CEvent* const> events, const CWaitInterval* interval)

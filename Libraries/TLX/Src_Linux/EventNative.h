@@ -28,9 +28,9 @@ struct CEvent::Native
 
     /**
      * Takes the signal after a wait saw the descriptor readable. Returns false when another wait took it
-     * first.
+     * first. After true, the thread sees what was written before the signal.
      */
-    bool Accept() { return m_ManualReset || Clear(); }
+    bool Accept();
 
     /**
      * Waits for the first of `events` (`MOST_EVENTS` at most) that fires and takes its signal. Returns its
@@ -40,6 +40,9 @@ struct CEvent::Native
 
     Linux::CDescriptor m_Descriptor;
     std::atomic<bool> m_ManualReset = false;
+
+    /** Orders memory between who signals and who waits: the language knows nothing of descriptors. */
+    std::atomic<std::uint32_t> m_Signals = 0;
 };
 
 } // namespace TLX::Threading
