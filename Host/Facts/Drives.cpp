@@ -200,7 +200,7 @@ std::optional<Drive> driveOf(const ObjectStore& store, const PI::CObject& object
 std::vector<Drive> joinDrives(const ObjectStore& store)
 {
     std::vector<Drive> drives;
-    drives.reserve(store.objects().size()); // A drive has its pages, so to move it costs much.
+    drives.reserve(store.objects().size());
     for (const PI::CObject& object : store.objects()) {
         if (object.m_Type != PI::TYPE_ADAPTER)
             continue;

@@ -10,6 +10,7 @@
 #include <TLXX/NvmeStructures.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -70,10 +71,10 @@ struct Drive : DriveIdentity
     bool m_DateCountsWear = true; ///< whether that date takes the drive's own count of wear into account
     std::optional<TLXX::CControllerState> m_System; ///< what the system tells about its controller
     std::optional<DriveAnswer> m_Answer; ///< whether it answered in the last round; none: nobody knows
-    // What the drive itself told last. None when it was never read.
-    std::optional<TLXX::NVME_SMART_HEALTH_INFORMATION_LOG> m_HealthLog;
-    std::optional<TLXX::VendorLogPage> m_TemperatureLog; ///< temperature statistics of an Intel drive
-    std::optional<TLXX::NVME_IDENTIFY_CONTROLLER> m_Identify;
+    // What the drive itself told last. Null when it was never read.
+    std::shared_ptr<const TLXX::NVME_SMART_HEALTH_INFORMATION_LOG> m_HealthLog;
+    std::shared_ptr<const TLXX::VendorLogPage> m_TemperatureLog; ///< temperature statistics of an Intel drive
+    std::shared_ptr<const TLXX::NVME_IDENTIFY_CONTROLLER> m_Identify;
 };
 
 /**

@@ -169,8 +169,8 @@ TEST_F(PageMemoryTest, ForgetsADriveThatAnEnumerationNoLongerFinds)
     Silence(1);
     EXPECT_EQ(Spare(FIRST), 0);
     EXPECT_EQ(Spare(SECOND), 11);
-    EXPECT_EQ(TLXX::lastHealthLog(FIRST), std::nullopt);
-    EXPECT_EQ(TLXX::lastIdentifyController(FIRST), std::nullopt);
+    EXPECT_EQ(TLXX::lastHealthLog(FIRST), nullptr);
+    EXPECT_EQ(TLXX::lastIdentifyController(FIRST), nullptr);
 }
 
 TEST_F(PageMemoryTest, KeepsNothingOfDrivesThatNoInstanceTellsApart)
@@ -204,21 +204,35 @@ TEST_F(PageMemoryTest, TellsTheLastGoodPagesOfEachDeviceAndAsksNoDrive)
     EXPECT_EQ(TLXX::lastHealthLog(SECOND)->AvailableSpare, 11);
     EXPECT_EQ(TLXX::lastIdentifyController(FIRST)->sSerialNumber(), "SN0");
     EXPECT_EQ(TLXX::lastIdentifyController(SECOND)->sSerialNumber(), "SN1");
-    EXPECT_EQ(TLXX::lastHealthLog("/dev/nvme2n1"), std::nullopt);
+    EXPECT_EQ(TLXX::lastHealthLog("/dev/nvme2n1"), nullptr);
     for (const std::uint8_t log : {std::uint8_t{0xC5}, std::uint8_t{0xCA}}) {
         EXPECT_EQ(TLXX::lastVendorLog(FIRST, log)->back(), log);
         EXPECT_EQ(TLXX::lastVendorLog(SECOND, log)->back(), log + 1);
-        EXPECT_EQ(TLXX::lastVendorLog("/dev/nvme2n1", log), std::nullopt);
+        EXPECT_EQ(TLXX::lastVendorLog("/dev/nvme2n1", log), nullptr);
     }
-    EXPECT_EQ(TLXX::lastVendorLog(FIRST, 0xDD), std::nullopt);
+    EXPECT_EQ(TLXX::lastVendorLog(FIRST, 0xDD), nullptr);
     EXPECT_EQ(m_Drives.Queries().size(), asked);
+}
+
+TEST_F(PageMemoryTest, APageThatWasToldNeverChanges)
+{
+    const auto before = TLXX::lastHealthLog(FIRST);
+    (void)Spare(FIRST);
+    EXPECT_EQ(TLXX::lastHealthLog(FIRST), before) << "the drive told the same, so all share one page";
+    m_Drives.Change(0, [](CFakeDrive& drive) { drive.m_Health.AvailableSpare = 9; });
+    (void)Spare(FIRST);
+    EXPECT_EQ(before->AvailableSpare, 10);
+    EXPECT_EQ(TLXX::lastHealthLog(FIRST)->AvailableSpare, 9);
+    m_Drives.Remove(FIRST);
+    (void)TLXX::enumerateBackend({});
+    EXPECT_EQ(before->AvailableSpare, 10) << "whoever has a page keeps it";
 }
 
 TEST_F(PageMemoryTest, TellsDrivesOfOneSerialNumberApart)
 {
     m_Drives.Change(0, [](CFakeDrive& drive) { drive.Serial("SN1"); });
     EXPECT_EQ(Identify(FIRST), 0U);
-    EXPECT_EQ(TLXX::lastHealthLog(FIRST), std::nullopt) << "it is another drive now";
+    EXPECT_EQ(TLXX::lastHealthLog(FIRST), nullptr) << "it is another drive now";
     (void)Spare(FIRST);
     EXPECT_EQ(TLXX::lastHealthLog(FIRST)->AvailableSpare, 10);
     EXPECT_EQ(TLXX::lastHealthLog(SECOND)->AvailableSpare, 11);

@@ -7,6 +7,7 @@
 #include <TLXX/NvmeQuery.h>
 
 #include <map>
+#include <memory>
 #include <mutex>
 #include <span>
 #include <type_traits>
@@ -90,14 +91,12 @@ constexpr bool isRemembered(std::uint8_t logIdentifier)
 }
 
 template<typename Block>
-std::optional<Block> lastPage(const std::string& path, CPageMemory::Page page)
+std::shared_ptr<const Block> lastPage(const std::string& path, CPageMemory::Page page)
 {
-    const CDeviceSource source = deviceSource();
-    const std::optional<std::string> instance = source.m_Memory->InstanceAt(path);
-    Block block{};
-    if (!instance || !source.m_Memory->Recall(*instance, page, bytesOf(block)))
-        return std::nullopt;
-    return block;
+    const CPageMemory::Bytes bytes = deviceSource().m_Memory->PageAt(path, page);
+    if (!bytes || bytes->size() != sizeof(Block))
+        return nullptr;
+    return {bytes, reinterpret_cast<const Block*>(bytes->data())};
 }
 
 } // namespace
@@ -164,17 +163,17 @@ void noteStatus(const std::string& path, EQuery query, std::uint32_t status)
     (void)keep(path, query, status);
 }
 
-std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string& path)
+std::shared_ptr<const NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string& path)
 {
     return lastPage<NVME_IDENTIFY_CONTROLLER>(path, CONTROLLER_PAGE);
 }
 
-std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& path)
+std::shared_ptr<const NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& path)
 {
     return lastPage<NVME_SMART_HEALTH_INFORMATION_LOG>(path, HEALTH_PAGE);
 }
 
-std::optional<VendorLogPage> lastVendorLog(const std::string& path, std::uint8_t logIdentifier)
+std::shared_ptr<const VendorLogPage> lastVendorLog(const std::string& path, std::uint8_t logIdentifier)
 {
     return lastPage<VendorLogPage>(path, vendorPage(logIdentifier));
 }

@@ -11,21 +11,37 @@ void CPageMemory::Keep(const std::string& path, const std::string& instance, Pag
     if (instance.empty())
         return;
     const std::scoped_lock guard(m_Lock);
-    m_Drives[instance].m_Pages[page].assign(bytes.begin(), bytes.end());
     m_Instances[path] = instance;
+    Bytes& kept = m_Drives[instance].m_Pages[page];
+    // Most pages never change, and to compare costs less than to copy.
+    if (!kept || !std::equal(kept->begin(), kept->end(), bytes.begin(), bytes.end()))
+        kept = std::make_shared<const std::vector<std::uint8_t>>(bytes.begin(), bytes.end());
 }
 
 bool CPageMemory::Recall(const std::string& instance, Page page, std::span<std::uint8_t> bytes) const
 {
     const std::scoped_lock guard(m_Lock);
+    const Bytes kept = Find(instance, page);
+    if (!kept || kept->size() != bytes.size())
+        return false;
+    std::copy(kept->begin(), kept->end(), bytes.begin());
+    return true;
+}
+
+CPageMemory::Bytes CPageMemory::PageAt(const std::string& path, Page page) const
+{
+    const std::scoped_lock guard(m_Lock);
+    const auto instance = m_Instances.find(path);
+    return instance == m_Instances.end() ? nullptr : Find(instance->second, page);
+}
+
+CPageMemory::Bytes CPageMemory::Find(const std::string& instance, Page page) const
+{
     const auto drive = m_Drives.find(instance);
     if (drive == m_Drives.end())
-        return false;
+        return nullptr;
     const auto kept = drive->second.m_Pages.find(page);
-    if (kept == drive->second.m_Pages.end() || kept->second.size() != bytes.size())
-        return false;
-    std::copy(kept->second.begin(), kept->second.end(), bytes.begin());
-    return true;
+    return kept == drive->second.m_Pages.end() ? nullptr : kept->second;
 }
 
 void CPageMemory::Identified(const std::string& instance, const std::string& serialNumber)
@@ -37,13 +53,6 @@ void CPageMemory::Identified(const std::string& instance, const std::string& ser
     if (drive.m_SerialNumber && *drive.m_SerialNumber != serialNumber)
         drive.m_Pages.clear();
     drive.m_SerialNumber = serialNumber;
-}
-
-std::optional<std::string> CPageMemory::InstanceAt(const std::string& path) const
-{
-    const std::scoped_lock guard(m_Lock);
-    const auto found = m_Instances.find(path);
-    return found == m_Instances.end() ? std::nullopt : std::optional(found->second);
 }
 
 void CPageMemory::Retain(const std::vector<std::string>& instances)

@@ -26,6 +26,9 @@ public:
     /** Identifies a page: the kind of query and, for a vendor log, its identifier. */
     using Page = std::pair<EQuery, std::uint8_t>;
 
+    /** The bytes of a page, shared by everyone who reads them. */
+    using Bytes = std::shared_ptr<const std::vector<std::uint8_t>>;
+
     /** Keeps what the drive at `path` answered. */
     void Keep(const std::string& path, const std::string& instance, Page page,
               std::span<const std::uint8_t> bytes);
@@ -42,8 +45,11 @@ public:
      */
     void Identified(const std::string& instance, const std::string& serialNumber);
 
-    /** The instance that was at `path` when a page was last kept of the drive there; none if nothing was. */
-    std::optional<std::string> InstanceAt(const std::string& path) const;
+    /**
+     * The last good page of the instance that was at `path` when a page was last kept there. Null when there
+     * is none. It never changes: a new page takes its place.
+     */
+    Bytes PageAt(const std::string& path, Page page) const;
 
     /** Forgets every instance that is not in this list of an enumeration. */
     void Retain(const std::vector<std::string>& instances);
@@ -52,8 +58,11 @@ private:
     struct CDrive
     {
         std::optional<std::string> m_SerialNumber; ///< none: not reported yet
-        std::map<Page, std::vector<std::uint8_t>> m_Pages;
+        std::map<Page, Bytes> m_Pages;
     };
+
+    /** Null when there is none. Called with m_Lock held. */
+    Bytes Find(const std::string& instance, Page page) const;
 
     mutable std::mutex m_Lock;
     std::unordered_map<std::string, CDrive> m_Drives;         // by instance

@@ -2,6 +2,7 @@
 
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
+#include "Host/Writable.h"
 #include "Support/FakeDrives.h"
 
 #include <TLXX/NvmeQuery.h>
@@ -144,11 +145,9 @@ TEST_F(JsonTest, WritesTheEndOfEachLifeIntoTheList)
 TEST_F(JsonTest, WritesWhatADriveItselfTells)
 {
     Drive drive;
-    drive.m_HealthLog.emplace();
-    drive.m_HealthLog->PowerCycles = {9007199254740993, 0};
-    drive.m_HealthLog->TemperatureSensor[1] = 300;
-    drive.m_Identify.emplace();
-    drive.m_Identify->VER = 0x10300;
+    writable(drive.m_HealthLog).PowerCycles = {9007199254740993, 0};
+    writable(drive.m_HealthLog).TemperatureSensor[1] = 300;
+    writable(drive.m_Identify).VER = 0x10300;
     drive.m_System.emplace();
     drive.m_System->m_Link.m_Speed = 2.5F;
     const Json json = driveJson(drive);

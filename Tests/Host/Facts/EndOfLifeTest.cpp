@@ -3,6 +3,7 @@
 #include "Facts/PageFields.h"
 #include "Host/Built.h"
 #include "Host/Catalogue.h"
+#include "Host/Writable.h"
 #include "Support/VirtualClock.h"
 
 #include <PI/LifeTimeData.h>
@@ -34,10 +35,10 @@ protected:
         result.m_Model = model;
         result.m_Wear = 50;
         result.m_EndOfLifeDate = date;
-        result.m_HealthLog.emplace();
-        result.m_HealthLog->Counter128 = {hours, 0};
-        result.m_HealthLog->DataUnitsWritten = {static_cast<std::uint64_t>(tebibytes * 0x1p40 / 512000), 0};
-        result.m_HealthLog->PercentageUsed = used;
+        writable(result.m_HealthLog).Counter128 = {hours, 0};
+        writable(result.m_HealthLog).DataUnitsWritten = {
+            static_cast<std::uint64_t>(tebibytes * 0x1p40 / 512000), 0};
+        writable(result.m_HealthLog).PercentageUsed = used;
         return result;
     }
 
@@ -125,7 +126,7 @@ TEST_F(EndOfLifeTest, IsBeyondTheDateWhereItWouldGoOnForLonger)
 TEST_F(EndOfLifeTest, HasNoLimitWhereNothingIsThereToComputeFrom)
 {
     Drive uncounted = drive(12, 1);
-    uncounted.m_HealthLog->DataUnitsWritten = {UNKNOWN_COUNTER, 0};
+    writable(uncounted.m_HealthLog).DataUnitsWritten = {UNKNOWN_COUNTER, 0};
     EXPECT_EQ(explained(uncounted).m_DataWritten, std::nullopt);
     for (const Drive& each : {uncounted, drive(0, 1), drive(12, 1, 0, LAST_DATE, "UNKNOWN")}) {
         const EndOfLife end = explained(each);
@@ -141,7 +142,7 @@ TEST_F(EndOfLifeTest, IsOverWhereTheRatingIsPassed)
     EXPECT_EQ(end.m_RemainingHours, 0U);
     EXPECT_THAT(endOfLifeText(end), HasSubstr("has been written; plan to replace it"));
     Drive absurd = drive(41002, 0);
-    absurd.m_HealthLog->DataUnitsWritten = {UNKNOWN_COUNTER - 1, 0};
+    writable(absurd.m_HealthLog).DataUnitsWritten = {UNKNOWN_COUNTER - 1, 0};
     EXPECT_EQ(explained(absurd).m_RemainingHours, 0U) << "more bytes than 64 bits hold are many";
     EXPECT_EQ(explained(absurd).m_DataWritten->m_Unit, PI::UNIT_EIB);
 }

@@ -1,5 +1,7 @@
 #include "Facts/FactTable.h"
 
+#include "Host/Writable.h"
+
 #include <gmock/gmock.h>
 
 #include <cstring>
@@ -23,18 +25,17 @@ FactValue valueOf(const char* key, const Drive& drive)
 }
 
 template<typename Page>
-void put(std::optional<Page>& page, std::size_t offset, std::uint64_t number, std::size_t size)
+void put(std::shared_ptr<const Page>& page, std::size_t offset, std::uint64_t number, std::size_t size)
 {
-    std::memcpy(reinterpret_cast<std::uint8_t*>(&*page) + offset, &number, size);
+    std::memcpy(reinterpret_cast<std::uint8_t*>(&writable(page)) + offset, &number, size);
 }
 
 /** A drive with both pages. They are all zeros except for the total capacity. */
 Drive withPages()
 {
     Drive drive;
-    drive.m_HealthLog.emplace();
-    drive.m_Identify.emplace();
-    drive.m_Identify->TNVMCAP = {1, 0};
+    (void)writable(drive.m_HealthLog);
+    writable(drive.m_Identify).TNVMCAP = {1, 0};
     return drive;
 }
 
@@ -56,7 +57,7 @@ TEST(FactTable, EveryFactIsOfTheKindThatItsRowNames)
     drive.m_DataRead = Amount{1, 21000};
     drive.m_Health = Health{40024, "Healthy"};
     drive.m_Reasons = {{1, "reason"}};
-    drive.m_Identify->VER = 0x10400;
+    writable(drive.m_Identify).VER = 0x10400;
     drive.m_System.emplace();
     drive.m_System->m_Link.m_Speed = 8.0F;
     std::size_t known = 0;
@@ -150,7 +151,7 @@ TEST(FactTable, TemperaturesAreInCelsiusAndNoneAtZeroKelvin)
 TEST(FactTable, TheLifeUsedMayPassAHundred)
 {
     Drive drive = withPages();
-    drive.m_HealthLog->PercentageUsed = 255;
+    writable(drive.m_HealthLog).PercentageUsed = 255;
     EXPECT_THAT(valueOf("percentageUsed", drive), VariantWith<std::int32_t>(255));
 }
 
@@ -160,11 +161,11 @@ TEST(FactTable, TheVersionHasATertiaryNumberWhereThatIsNotZero)
         {0x00010400, "1.4"}, {0x00010201, "1.2.1"}, {0x00020000, "2.0"}, {0xFFFFFFFE, "65535.255.254"}};
     Drive drive = withPages();
     for (const auto& [version, text] : versions) {
-        drive.m_Identify->VER = version;
+        writable(drive.m_Identify).VER = version;
         EXPECT_THAT(valueOf("nvmeVersion", drive), VariantWith<std::string>(text));
     }
     for (const std::uint32_t none : {0U, 0xFFFFFFFFU}) {
-        drive.m_Identify->VER = none;
+        writable(drive.m_Identify).VER = none;
         EXPECT_EQ(valueOf("nvmeVersion", drive).index(), 0U);
     }
 }
@@ -172,17 +173,17 @@ TEST(FactTable, TheVersionHasATertiaryNumberWhereThatIsNotZero)
 TEST(FactTable, CapacitiesAreKnownOfDrivesThatReportTheTotal)
 {
     Drive drive = withPages();
-    drive.m_Identify->TNVMCAP = {2'000'398'934'016, 0};
+    writable(drive.m_Identify).TNVMCAP = {2'000'398'934'016, 0};
     EXPECT_THAT(valueOf("totalCapacityBytes", drive), VariantWith<std::uint64_t>(2'000'398'934'016U));
     EXPECT_THAT(valueOf("unallocatedCapacityBytes", drive), VariantWith<std::uint64_t>(0U));
     for (const auto& total : {std::array<std::uint64_t, 2>{0, 0}, {ALL_ONES, ALL_ONES}, {0, 1}}) {
-        drive.m_Identify->TNVMCAP = total;
-        drive.m_Identify->UNVMCAP = {7, 0};
+        writable(drive.m_Identify).TNVMCAP = total;
+        writable(drive.m_Identify).UNVMCAP = {7, 0};
         EXPECT_EQ(valueOf("totalCapacityBytes", drive).index(), 0U);
         EXPECT_EQ(valueOf("unallocatedCapacityBytes", drive).index(), 0U);
     }
     for (const std::uint32_t none : {0U, 0xFFFFFFFFU}) {
-        drive.m_Identify->NN = none;
+        writable(drive.m_Identify).NN = none;
         EXPECT_EQ(valueOf("namespaceLimit", drive).index(), 0U);
     }
 }

@@ -1,5 +1,7 @@
 #include "Facts/Performance.h"
 
+#include "Host/Writable.h"
+
 #include <PI/Property.h>
 
 #include <gmock/gmock.h>
@@ -20,12 +22,10 @@ Drive knownDrive()
     drive.m_DataWritten = {2, PI::UNIT_MIB};
     drive.m_PowerOnHours = 11;
     drive.m_MediaErrors = 13;
-    drive.m_HealthLog.emplace();
-    drive.m_HealthLog->PercentageUsed = 120;
-    drive.m_HealthLog->UnsafeShutdowns = {7, 0};
-    drive.m_Identify.emplace();
-    drive.m_Identify->WCTEMP = 273 + 70;
-    drive.m_Identify->CCTEMP = 273 + 85;
+    writable(drive.m_HealthLog).PercentageUsed = 120;
+    writable(drive.m_HealthLog).UnsafeShutdowns = {7, 0};
+    writable(drive.m_Identify).WCTEMP = 273 + 70;
+    writable(drive.m_Identify).CCTEMP = 273 + 85;
     return drive;
 }
 
@@ -65,7 +65,7 @@ TEST(Performance, HasNoOldFiguresOfADriveThatDoesNotAnswer)
 TEST(Performance, HasALimitAloneWhereTheOtherIsMissing)
 {
     Drive drive = knownDrive();
-    drive.m_Identify->WCTEMP = 0;
+    writable(drive.m_Identify).WCTEMP = 0;
     EXPECT_THAT(textOf(drive), testing::StartsWith("'S1_temperature'=36.5C;;85 "));
     drive.m_Identify.reset();
     EXPECT_THAT(textOf(drive), testing::StartsWith("'S1_temperature'=36.5C "));

@@ -72,15 +72,18 @@ TLXX_EXPORT std::optional<std::uint32_t> lastStatus(const std::string& path, EQu
 /** Keeps the status of a query that a back-end has made by itself, for `lastStatus`. Safe from any thread. */
 TLXX_EXPORT void noteStatus(const std::string& path, EQuery query, std::uint32_t status);
 
-/** What the drive at `path` last told of its controller; none when it told nothing yet. Asks no drive. Safe
- * from any thread. */
-TLXX_EXPORT std::optional<NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string& path);
+/**
+ * What the drive at `path` last told of its controller; null when it told nothing yet. Asks no drive. The
+ * page never changes: what the drive tells next is another one. Safe from any thread.
+ */
+TLXX_EXPORT std::shared_ptr<const NVME_IDENTIFY_CONTROLLER> lastIdentifyController(const std::string& path);
 
 /** The same of its health log. */
-TLXX_EXPORT std::optional<NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& path);
+TLXX_EXPORT std::shared_ptr<const NVME_SMART_HEALTH_INFORMATION_LOG> lastHealthLog(const std::string& path);
 
 /** The same of a vendor log: C5h or CAh, because no other one is kept. */
-TLXX_EXPORT std::optional<VendorLogPage> lastVendorLog(const std::string& path, std::uint8_t logIdentifier);
+TLXX_EXPORT std::shared_ptr<const VendorLogPage> lastVendorLog(const std::string& path,
+                                                               std::uint8_t logIdentifier);
 
 /** The status of a query that got no answer in time. */
 inline constexpr std::uint32_t STATUS_NO_ANSWER = 0x20003;
