@@ -55,6 +55,17 @@ std::string indexName(std::string_view device)
     return name;
 }
 
+template<typename Element>
+std::unordered_map<std::string, std::size_t> placesOf(const std::vector<Element>& elements)
+{
+    std::unordered_map<std::string, std::size_t> places;
+    places.reserve(elements.size());
+    for (std::size_t place = 0; place < elements.size(); ++place)
+        if (const std::string& device = elements[place].m_DeviceName; !device.empty())
+            places.emplace(indexName(device), place);
+    return places;
+}
+
 /** Any plug-in is called "plugin". Its own name tells it from others. */
 bool isPluginNamed(const PI::CObject& object, std::string_view name)
 {
@@ -98,21 +109,37 @@ std::string identifierText(std::uint64_t id)
     return "0x" + std::string(digits - text.size(), '0') + text;
 }
 
-ObjectStore::ObjectStore(std::vector<PI::CObject> objects, std::vector<TLXX::CControllerState> controllers,
-                         std::vector<DriveAnswer> answers)
-    : m_Objects(std::move(objects)), m_Controllers(std::move(controllers)), m_Answers(std::move(answers))
+ObjectStore::Shown::Shown(std::vector<PI::CObject> objects) : m_Objects(std::move(objects))
 {
+    m_Places.reserve(m_Objects.size());
     for (std::size_t place = 0; place < m_Objects.size(); ++place)
         m_Places.emplace(m_Objects[place].m_ID, place);
-    for (std::size_t place = 0; place < m_Controllers.size(); ++place)
-        if (const std::string& device = m_Controllers[place].m_DeviceName; !device.empty())
-            m_ControllerPlaces.emplace(indexName(device), place);
 }
+
+ObjectStore::ObjectStore(std::vector<PI::CObject> objects, std::vector<TLXX::CControllerState> controllers,
+                         std::vector<DriveAnswer> answers)
+    : ObjectStore(std::move(controllers), std::move(answers),
+                  std::make_shared<const Shown>(std::move(objects)))
+{}
+
+ObjectStore::ObjectStore(const ObjectStore& former, std::vector<TLXX::CControllerState> controllers,
+                         std::vector<DriveAnswer> answers)
+    : ObjectStore(std::move(controllers), std::move(answers), former.m_Shown)
+{}
+
+ObjectStore::ObjectStore(std::vector<TLXX::CControllerState> controllers, std::vector<DriveAnswer> answers,
+                         std::shared_ptr<const Shown> shown)
+    : m_Shown(std::move(shown)),
+      m_Controllers(std::move(controllers)),
+      m_Answers(std::move(answers)),
+      m_ControllerPlaces(placesOf(m_Controllers)),
+      m_AnswerPlaces(placesOf(m_Answers))
+{}
 
 const PI::CObject* ObjectStore::byId(std::uint64_t id) const
 {
-    const auto found = m_Places.find(id);
-    return found == m_Places.end() ? nullptr : &m_Objects[found->second];
+    const auto found = m_Shown->m_Places.find(id);
+    return found == m_Shown->m_Places.end() ? nullptr : &objects()[found->second];
 }
 
 const TLXX::CControllerState* ObjectStore::controllerOf(const PI::CObject& adapter) const
@@ -123,15 +150,15 @@ const TLXX::CControllerState* ObjectStore::controllerOf(const PI::CObject& adapt
 
 const DriveAnswer* ObjectStore::answerOf(const PI::CObject& adapter) const
 {
-    const std::string device = textOf(adapter, PI::PROP_DEVICE_NAME);
+    const auto found = m_AnswerPlaces.find(indexName(textOf(adapter, PI::PROP_DEVICE_NAME)));
+    if (found == m_AnswerPlaces.end())
+        return nullptr;
+    const DriveAnswer& answer = m_Answers[found->second];
     const std::string serial = textOf(adapter, PI::PROP_SERIAL_NUMBER);
-    const auto found = std::find_if(m_Answers.begin(), m_Answers.end(), [&](const DriveAnswer& answer) {
-        // The plug-in may still show the drive that was at this device before.
-        const bool isAnother =
-            !serial.empty() && !answer.m_SerialNumber.empty() && serial != answer.m_SerialNumber;
-        return !isAnother && equalIgnoringCase(shortDeviceName(answer.m_DeviceName), shortDeviceName(device));
-    });
-    return found == m_Answers.end() ? nullptr : &*found;
+    // The plug-in may still show the drive that was at this device before.
+    const bool isAnother =
+        !serial.empty() && !answer.m_SerialNumber.empty() && serial != answer.m_SerialNumber;
+    return isAnother ? nullptr : &answer;
 }
 
 std::optional<TLXX::CPciLocation> ObjectStore::addressOf(const PI::CObject& adapter) const
@@ -155,10 +182,10 @@ std::vector<const PI::CObject*> ObjectStore::childrenOf(const PI::CObject& objec
 std::vector<const PI::CObject*> ObjectStore::roots() const
 {
     std::set<std::uint64_t> children;
-    for (const PI::CObject& object : m_Objects)
+    for (const PI::CObject& object : objects())
         children.insert(object.m_Children.begin(), object.m_Children.end());
     std::vector<const PI::CObject*> roots;
-    for (const PI::CObject& object : m_Objects)
+    for (const PI::CObject& object : objects())
         if (!children.contains(object.m_ID))
             roots.push_back(&object);
     return roots;
@@ -186,7 +213,7 @@ std::vector<const PI::CObject*> ObjectStore::namedByPlace(std::string_view name)
     const Address address(name);
     std::vector<const PI::CObject*> matches;
     std::set<std::uint64_t> children;
-    for (const PI::CObject& object : m_Objects)
+    for (const PI::CObject& object : objects())
         if (goesBySerialOrDevice(object, name) ||
             (object.m_Type == PI::TYPE_ADAPTER && address.is(addressOf(object)))) {
             matches.push_back(&object);
@@ -200,7 +227,7 @@ std::vector<const PI::CObject*> ObjectStore::namedByPlace(std::string_view name)
 std::vector<const PI::CObject*> ObjectStore::namedExactly(std::string_view name) const
 {
     const std::optional<std::uint64_t> id = parseHexadecimal(name);
-    for (const PI::CObject& object : m_Objects) {
+    for (const PI::CObject& object : objects()) {
         const std::string location = textOf(object, PI::PROP_LOCATION);
         if ((id && object.m_ID == *id) || (!location.empty() && equalIgnoringCase(location, name)) ||
             isPluginNamed(object, name))
@@ -212,7 +239,7 @@ std::vector<const PI::CObject*> ObjectStore::namedExactly(std::string_view name)
 std::vector<std::string> ObjectStore::names() const
 {
     std::vector<std::string> names = {"plugin"};
-    for (const PI::CObject& object : m_Objects) {
+    for (const PI::CObject& object : objects()) {
         names.emplace_back(shortDeviceName(textOf(object, PI::PROP_DEVICE_NAME)));
         names.push_back(textOf(object, PI::PROP_SERIAL_NUMBER));
         names.push_back(textOf(object, PI::PROP_LOCATION));
@@ -224,7 +251,7 @@ std::vector<std::string> ObjectStore::names() const
 std::string ObjectStore::listing() const
 {
     std::string text;
-    for (const PI::CObject& object : m_Objects) {
+    for (const PI::CObject& object : objects()) {
         text += "  " + identifierText(object.m_ID);
         for (const std::uint32_t id : {PI::PROP_DEVICE_NAME, PI::PROP_SERIAL_NUMBER, PI::PROP_LOCATION})
             if (const std::string part = textOf(object, id); !part.empty())

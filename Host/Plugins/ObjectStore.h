@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,7 +40,11 @@ public:
                          std::vector<TLXX::CControllerState> controllers = {},
                          std::vector<DriveAnswer> answers = {});
 
-    const std::vector<PI::CObject>& objects() const { return m_Objects; }
+    /** The objects of `former`, which both share from now on, with other controllers and answers. */
+    ObjectStore(const ObjectStore& former, std::vector<TLXX::CControllerState> controllers,
+                std::vector<DriveAnswer> answers);
+
+    const std::vector<PI::CObject>& objects() const { return m_Shown->m_Objects; }
 
     const std::vector<TLXX::CControllerState>& controllers() const { return m_Controllers; }
 
@@ -76,18 +81,31 @@ public:
     std::vector<const PI::CObject*> named(std::string_view name) const;
 
 private:
+    /** What a plug-in showed. It never changes, so stores and threads share it. */
+    struct Shown
+    {
+        explicit Shown(std::vector<PI::CObject> objects);
+
+        const std::vector<PI::CObject> m_Objects;
+        std::unordered_map<std::uint64_t, std::size_t> m_Places; ///< of the first object with an identifier
+    };
+
+    ObjectStore(std::vector<TLXX::CControllerState> controllers, std::vector<DriveAnswer> answers,
+                std::shared_ptr<const Shown> shown);
+
     std::vector<const PI::CObject*> namedExactly(std::string_view name) const;
     std::vector<const PI::CObject*> namedByPlace(std::string_view name) const;
     std::vector<std::string> names() const;
     std::string listing() const;
 
-    std::vector<PI::CObject> m_Objects;
+    /** By short device name in small letters, the place of the first element with it. */
+    using DevicePlaces = std::unordered_map<std::string, std::size_t>;
+
+    std::shared_ptr<const Shown> m_Shown; ///< never null
     std::vector<TLXX::CControllerState> m_Controllers;
     std::vector<DriveAnswer> m_Answers;
-    std::unordered_map<std::uint64_t, std::size_t>
-        m_Places; ///< by identifier, the index of its first object in m_Objects
-    /** By short device name in small letters, the index of its first controller. */
-    std::unordered_map<std::string, std::size_t> m_ControllerPlaces;
+    DevicePlaces m_ControllerPlaces;
+    DevicePlaces m_AnswerPlaces;
 };
 
 } // namespace Host

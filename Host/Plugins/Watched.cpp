@@ -105,11 +105,13 @@ std::string Watched::complaint() const
 
 ObjectStore Watched::objectsOf(const Monitor& monitor, std::vector<DriveAnswer> answers) const
 {
-    return ObjectStore(monitor.objects().objects(), m_Controllers.states(), std::move(answers));
+    return {monitor.objects(), m_Controllers.states(), std::move(answers)};
 }
 
 ObjectStore Watched::objects(std::vector<DriveAnswer> answers) const
 {
+    if (m_Monitors.size() == 1)
+        return objectsOf(m_Monitors.front(), std::move(answers));
     std::vector<PI::CObject> all;
     for (const Monitor& monitor : m_Monitors) {
         const std::vector<PI::CObject>& objects = monitor.objects().objects();

@@ -132,7 +132,7 @@ void Watcher::look(Watched& watched)
     for (;;) {
         // What is signalled from here on may be newer than what is read below.
         drives.roundEnded().Reset();
-        const DriveRound round = drives.lastRound();
+        DriveRound round = drives.lastRound();
         try {
             watched.refresh(round.m_Answers);
         } catch (const Failure& failure) {
@@ -142,8 +142,8 @@ void Watcher::look(Watched& watched)
         if (!m_Trouble.empty())
             return;
         const Moment moment = presentMoment();
-        const auto snapshot = std::make_shared<const Cli::Snapshot>(watched.objects(round.m_Answers),
-                                                                    round.m_Number, moment.m_Time);
+        const auto snapshot = std::make_shared<const Cli::Snapshot>(
+            watched.objects(std::move(round.m_Answers)), round.m_Number, moment.m_Time);
         // A new round may already have renewed the pages of some drives.
         if (drives.lastNumber() != round.m_Number)
             continue;
@@ -156,10 +156,10 @@ void Watcher::look(Watched& watched)
 
 void Watcher::lookWithoutDrives()
 {
-    const DriveRound round = m_Parts.m_Plan.m_Drives->lastRound();
+    DriveRound round = m_Parts.m_Plan.m_Drives->lastRound();
     const Moment moment = presentMoment();
-    publish(std::make_shared<const Cli::Snapshot>(ObjectStore({}, {}, round.m_Answers), round.m_Number,
-                                                  moment.m_Time),
+    publish(std::make_shared<const Cli::Snapshot>(ObjectStore({}, {}, std::move(round.m_Answers)),
+                                                  round.m_Number, moment.m_Time),
             moment, round);
 }
 

@@ -192,6 +192,36 @@ TEST_F(ObjectStoreTest, KnowsRootsAndChildren)
     EXPECT_TRUE(Host::ObjectStore({orphan}).childrenOf(orphan).empty());
 }
 
+TEST_F(ObjectStoreTest, SharesItsObjectsWithAStoreOfOtherAnswers)
+{
+    Host::DriveAnswer answer;
+    answer.m_DeviceName = "/dev/nvme0n1";
+    const Host::ObjectStore other(m_Store, {}, {answer});
+    const PI::CObject* const adapter = m_Store.byId(16);
+    EXPECT_EQ(other.byId(16), adapter) << "the same object, and no copy";
+    EXPECT_EQ(other.answerOf(*adapter), &other.answers().front());
+    EXPECT_EQ(m_Store.answerOf(*adapter), nullptr);
+    m_Store = Host::ObjectStore({});
+    EXPECT_EQ(Host::textOf(*other.byId(16), PI::PROP_SERIAL_NUMBER), "ABC1");
+}
+
+TEST_F(ObjectStoreTest, FindsTheAnswerOfAnAdapter)
+{
+    const auto answerOf = [](const char* device, const char* serial) {
+        Host::DriveAnswer answer;
+        answer.m_DeviceName = device;
+        answer.m_SerialNumber = serial;
+        return answer;
+    };
+    const Host::ObjectStore store(m_Store, {},
+                                  {answerOf("/dev/NVME0N1", "ABC1"), answerOf("\\\\.\\PhysicalDrive1", ""),
+                                   answerOf("/dev/nvme2n1", "NEXT")});
+    EXPECT_EQ(store.answerOf(*store.byId(16)), &store.answers()[0]);
+    EXPECT_EQ(store.answerOf(*store.byId(32)), &store.answers()[1]) << "it told no serial number";
+    EXPECT_EQ(store.answerOf(*store.byId(48)), nullptr) << "that is the drive after the one that is shown";
+    EXPECT_EQ(store.answerOf(*store.byId(0x0139000000000000)), nullptr) << "it has no device";
+}
+
 TEST(ObjectStore, OfTwoObjectsWithOneIdentifierTheFirstIsMeantAlsoInACopy)
 {
     std::vector<PI::CObject> objects(2);
