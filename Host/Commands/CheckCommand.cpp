@@ -25,13 +25,13 @@ std::vector<DriveCheck> namedOnly(std::vector<DriveCheck> drives, const Session&
 {
     const std::string name = diskOfController(store.controllers(), session.m_Options.m_Object);
     const auto unheard = std::find_if(drives.begin(), drives.end(),
-                                      [&](const DriveCheck& each) { return isUnheard(each.m_Drive, name); });
+                                      [&](const DriveCheck& each) { return isUnheard(*each.m_Drive, name); });
     if (unheard != drives.end())
         return {*unheard};
     const std::vector<const PI::CObject*> named = session.namedObjects(store);
     std::erase_if(drives, [&](const DriveCheck& each) {
         return std::none_of(named.begin(), named.end(), [&](const PI::CObject* object) {
-            return object->m_ID == each.m_Drive.m_AdapterId || object->m_ID == each.m_Drive.m_DriveId;
+            return object->m_ID == each.m_Drive->m_AdapterId || object->m_ID == each.m_Drive->m_DriveId;
         });
     });
     if (drives.empty())
@@ -53,7 +53,8 @@ Result lookAtDrives(const Session& session)
     const std::set<std::string> missed = silentInstances(inventory.objects().answers());
     if (!missed.empty())
         inventory.askAgain(session);
-    std::vector<DriveCheck> drives = checkDrives(inventory.objects(), TLX::Misc::now(), missed);
+    const std::uint64_t now = TLX::Misc::now();
+    std::vector<DriveCheck> drives = checkDrives(Snapshot(inventory.objects(), 0, now), now, missed);
     if (!session.m_Options.m_Object.empty())
         drives = namedOnly(std::move(drives), session, inventory.objects());
     const Verdict verdict = worstOf(drives);
@@ -77,7 +78,7 @@ std::string checkLine(const std::vector<DriveCheck>& drives, const std::string& 
 {
     std::string performance;
     for (const DriveCheck& each : drives) {
-        const std::string figures = performanceText(each.m_Key, performanceOf(each.m_Drive));
+        const std::string figures = performanceText(each.m_Key, performanceOf(*each.m_Drive));
         performance += (performance.empty() || figures.empty() ? "" : " ") + figures;
     }
     return SERVICE + verdictText(worstOf(drives)) + ": " +

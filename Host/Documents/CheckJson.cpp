@@ -27,7 +27,7 @@ nlohmann::ordered_json checkJson(Verdict verdict, const std::string& message,
     for (const DriveCheck& each : drives) {
         nlohmann::ordered_json json = {{"key", each.m_Key}};
         addVerdict(json, each.m_Judgement.m_Verdict, each.m_Judgement.m_Reason);
-        json["drive"] = listedJson(each.m_Drive);
+        json["drive"] = listedJson(*each.m_Drive);
         document["drives"].push_back(std::move(json));
     }
     return document;

@@ -22,7 +22,7 @@ Json countsJson(const std::vector<DriveCheck>& drives)
                              [&](const DriveCheck& each) { return each.m_Judgement.m_Verdict == verdict; });
     };
     const auto silent = std::count_if(drives.begin(), drives.end(),
-                                      [](const DriveCheck& each) { return isSilent(each.m_Drive); });
+                                      [](const DriveCheck& each) { return isSilent(*each.m_Drive); });
     return {{"total", drives.size()},
             {"ok", count(Verdict::Ok)},
             {"warning", count(Verdict::Warning)},

@@ -68,9 +68,9 @@ std::string amountText(const std::optional<Number>& number, std::uint32_t unit)
 
 std::string stateText(const DriveCheck& check)
 {
-    const bool wasHealthy = isSilent(check.m_Drive) && check.m_Drive.m_Health;
+    const bool wasHealthy = isSilent(*check.m_Drive) && check.m_Drive->m_Health;
     return check.m_Judgement.m_Reason +
-           (wasHealthy ? "; its health was: " + check.m_Drive.m_Health->m_Text : "");
+           (wasHealthy ? "; its health was: " + check.m_Drive->m_Health->m_Text : "");
 }
 
 /** A column of the table of drives. It is headed as in `list`. */
@@ -102,12 +102,12 @@ std::string cell(const std::string& column, const std::string& content)
 
 std::string driveRow(const DriveCheck& check)
 {
-    const std::string device(shortDeviceName(check.m_Drive.m_Device));
-    std::string row = isSilent(check.m_Drive) ? "<tr class=\"silent\">" : "<tr>";
+    const std::string device(shortDeviceName(check.m_Drive->m_Device));
+    std::string row = isSilent(*check.m_Drive) ? "<tr class=\"silent\">" : "<tr>";
     row += cell(heading("device"),
                 link("/api/v1/drives/" + percentEncoded(check.m_Key), device.empty() ? check.m_Key : device));
     for (const Column& column : COLUMNS)
-        row += cell(heading(column.m_Fact), html(column.m_Text(check.m_Drive)));
+        row += cell(heading(column.m_Fact), html(column.m_Text(*check.m_Drive)));
     return row +
            cell(heading("health"), "<span class=\"" + classOf(check.m_Judgement.m_Verdict) + "\">" +
                                        html(stateText(check)) + "</span>") +

@@ -5,7 +5,7 @@
 #include "Facts/Silence.h"
 
 #include <algorithm>
-#include <utility>
+#include <cstddef>
 
 namespace Host::Cli {
 namespace {
@@ -36,29 +36,25 @@ Drive refusedDrive(const TLXX::CControllerState& state)
     return drive;
 }
 
-std::vector<DriveCheck> checked(std::vector<Drive> drives, const ObjectStore& store, std::uint64_t now,
-                                const std::set<std::string>& missed)
+/** Appends each disk that the system has and this user may not open. */
+void addRefused(const Snapshot& snapshot, std::vector<DriveCheck>& checks)
 {
-    std::vector<Judgement> judgements;
-    judgements.reserve(drives.size());
-    for (const Drive& drive : drives)
-        judgements.push_back(judge(drive, now, missed));
-    for (const TLXX::CControllerState& state : store.controllers())
-        if (isRefused(state) && !isShown(store, state)) {
-            drives.push_back(refusedDrive(state));
-            judgements.push_back({Verdict::Unknown, "no permission to open " + state.m_AccessPath});
-        }
-    std::vector<std::string> keys = driveKeys(drives);
-    std::vector<DriveCheck> checks;
-    checks.reserve(drives.size());
-    for (std::size_t i = 0; i < drives.size(); ++i)
-        checks.push_back({std::move(drives[i]), std::move(keys[i]), std::move(judgements[i])});
-    return checks;
+    std::vector<Drive> all;
+    for (const TLXX::CControllerState& state : snapshot.m_Objects.controllers()) {
+        if (!isRefused(state) || isShown(snapshot.m_Objects, state))
+            continue;
+        if (all.empty())
+            all = snapshot.m_Drives;
+        all.push_back(refusedDrive(state));
+        checks.push_back({std::make_shared<const Drive>(all.back()),
+                          driveKeys(all).back(),
+                          {Verdict::Unknown, "no permission to open " + state.m_AccessPath}});
+    }
 }
 
 std::string nameOf(const DriveCheck& drive)
 {
-    const std::string device(shortDeviceName(drive.m_Drive.m_Device));
+    const std::string device(shortDeviceName(drive.m_Drive->m_Device));
     return device.empty() || device == drive.m_Key ? drive.m_Key : device + " (" + drive.m_Key + ")";
 }
 
@@ -70,15 +66,15 @@ std::string countText(std::size_t healthy, std::size_t all)
 
 } // namespace
 
-std::vector<DriveCheck> checkDrives(const ObjectStore& store, std::uint64_t now,
+std::vector<DriveCheck> checkDrives(const Snapshot& snapshot, std::uint64_t now,
                                     const std::set<std::string>& missed)
 {
-    return checked(joinDrives(store), store, now, missed);
-}
-
-std::vector<DriveCheck> checkDrives(const Snapshot& snapshot, std::uint64_t now)
-{
-    return checked(snapshot.m_Drives, snapshot.m_Objects, now, {});
+    std::vector<DriveCheck> checks;
+    checks.reserve(snapshot.m_Drives.size());
+    for (std::size_t i = 0; i < snapshot.m_Drives.size(); ++i)
+        checks.push_back({snapshot.drive(i), snapshot.m_Keys[i], judge(snapshot.m_Drives[i], now, missed)});
+    addRefused(snapshot, checks);
+    return checks;
 }
 
 Verdict worstOf(const std::vector<DriveCheck>& drives)
@@ -109,4 +105,5 @@ std::string messageOf(const std::vector<DriveCheck>& drives)
     }
     return text + countText(healthy, drives.size());
 }
+
 } // namespace Host::Cli

@@ -3,9 +3,9 @@
 #include "Facts/Drives.h"
 #include "Facts/Snapshot.h"
 #include "Facts/Verdict.h"
-#include "Plugins/ObjectStore.h"
 
 #include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -15,21 +15,18 @@ namespace Host::Cli {
 /** A drive and what to think of it. */
 struct DriveCheck
 {
-    Drive m_Drive;
-    std::string m_Key; ///< see `driveKeys`
+    std::shared_ptr<const Drive> m_Drive; ///< never null
+    std::string m_Key;                    ///< see `driveKeys`
     Judgement m_Judgement;
 };
 
 /**
- * Every drive of `store`, in its order, at `now` (UTC milliseconds), then each disk that the system has and
- * this user may not open. `missed` are the instances of the drives that did not answer in the round before:
- * one that answers again is still a warning.
+ * Every drive of `snapshot`, in its order, at `now` (UTC milliseconds), then each disk that the system has
+ * and this user may not open. `missed` are the instances of the drives that did not answer in the round
+ * before: one that answers again is still a warning.
  */
-std::vector<DriveCheck> checkDrives(const ObjectStore& store, std::uint64_t now,
+std::vector<DriveCheck> checkDrives(const Snapshot& snapshot, std::uint64_t now,
                                     const std::set<std::string>& missed = {});
-
-/** The same for the drives of a snapshot. */
-std::vector<DriveCheck> checkDrives(const Snapshot& snapshot, std::uint64_t now);
 
 /** The worst verdict on `drives`; unknown when there are none. */
 Verdict worstOf(const std::vector<DriveCheck>& drives);

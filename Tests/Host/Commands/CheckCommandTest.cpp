@@ -1,5 +1,7 @@
 #include "Commands/CheckCommand.h"
 
+#include "Host/Writable.h"
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -12,7 +14,7 @@ DriveCheck checked(const std::string& device, const std::string& key, Verdict ve
                    const std::string& reason)
 {
     DriveCheck check;
-    check.m_Drive.m_Device = device;
+    writable(check.m_Drive).m_Device = device;
     check.m_Key = key;
     check.m_Judgement = {verdict, reason};
     return check;
@@ -55,9 +57,9 @@ TEST(CheckCommand, TakesTheWorstVerdict)
 TEST(CheckCommand, AppendsTheFiguresOfEveryDrive)
 {
     DriveCheck first = checked("/dev/nvme0n1", "S0", Ok, "Healthy");
-    first.m_Drive.m_Spare = 98;
+    writable(first.m_Drive).m_Spare = 98;
     DriveCheck last = checked("/dev/nvme2n1", "S2", Ok, "Healthy");
-    last.m_Drive.m_Temperature = 30;
+    writable(last.m_Drive).m_Temperature = 30;
     EXPECT_EQ(checkLine({first, checked("", "S1", Ok, "Healthy"), last}, ""),
               "OSTREL OK: 3 drives healthy | 'S0_spare'=98% 'S2_temperature'=30C\n");
 }

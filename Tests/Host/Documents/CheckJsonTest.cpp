@@ -1,5 +1,7 @@
 #include "Documents/CheckJson.h"
 
+#include "Host/Writable.h"
+
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -10,8 +12,8 @@ using namespace Host::Cli;
 TEST(CheckJson, HasTheVerdictAndEachDriveWithItsOwn)
 {
     DriveCheck check;
-    check.m_Drive.m_Device = "/dev/nvme0n1";
-    check.m_Drive.m_Spare = 98;
+    writable(check.m_Drive).m_Device = "/dev/nvme0n1";
+    writable(check.m_Drive).m_Spare = 98;
     check.m_Key = "S0";
     check.m_Judgement = {Verdict::Warning, "Degraded"};
     EXPECT_EQ(nlohmann::json(checkJson(Verdict::Critical, "bad", {check})),

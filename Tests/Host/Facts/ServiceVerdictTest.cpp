@@ -12,6 +12,7 @@ const Snapshot AFTER_A_ROUND{Host::ObjectStore({}), 1, 1};
 DriveCheck checkOf(const std::string& key, Verdict verdict, const std::string& reason)
 {
     DriveCheck check;
+    check.m_Drive = std::make_shared<const Drive>();
     check.m_Key = key;
     check.m_Judgement = {verdict, reason};
     return check;
