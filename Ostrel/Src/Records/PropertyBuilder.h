@@ -30,16 +30,16 @@ void buildProperties(const CPropertyRow<Record> (&table)[Rows], Record& record, 
                      std::vector<PI::CProperty>& properties)
 {
     properties.clear();
+    properties.reserve(propertyId == PI::ALL_PROPERTIES ? Rows : 1);
     for (const CPropertyRow<Record>& row : table) {
         if (propertyId != PI::ALL_PROPERTIES && propertyId != row.m_Description.propertyId)
             continue;
-        PI::CProperty property;
+        PI::CProperty& property = properties.emplace_back();
         PI::CPluginHelper::GenerateCProperty(row.m_Description, property);
         if (!row.m_SetValue(record, property))
-            continue;
-        if (row.m_Caption != 0)
+            properties.pop_back();
+        else if (row.m_Caption != 0)
             property.SetNlsID(row.m_Caption);
-        properties.push_back(property);
     }
 }
 
