@@ -1,9 +1,9 @@
 #include <TLXX/PciLocation.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
-#include <cstdio>
 #include <limits>
 
 namespace TLXX {
@@ -14,7 +14,7 @@ struct CPart
     std::string_view m_Separator; ///< before the number
     std::int32_t CPciLocation::*m_Number;
     std::uint32_t m_Largest;
-    int m_Digits; ///< the least number when written
+    std::size_t m_Digits; ///< the least number when written
 };
 
 constexpr CPart PARTS[] = {
@@ -50,10 +50,13 @@ std::string CPciLocation::Text() const
 {
     std::string text;
     for (const CPart& part : PARTS) {
-        std::array<char, 12> number{};
-        (void)std::snprintf(number.data(), number.size(), "%0*x", part.m_Digits,
-                            static_cast<unsigned>(this->*part.m_Number));
-        text.append(part.m_Separator).append(number.data());
+        std::array<char, 8> digits; // of the largest number
+        const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(),
+                                              static_cast<std::uint32_t>(this->*part.m_Number), 16)
+                                    .ptr;
+        const auto count = static_cast<std::size_t>(end - digits.data());
+        text.append(part.m_Separator);
+        text.append(part.m_Digits - std::min(part.m_Digits, count), '0').append(digits.data(), count);
     }
     return text;
 }
