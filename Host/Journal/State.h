@@ -5,8 +5,9 @@
 #include "Journal/Counter.h"
 #include "Journal/Entry.h"
 
+#include <boost/container/flat_map.hpp>
+
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
 #include <variant>
@@ -35,17 +36,22 @@ struct Figure
     friend bool operator==(const Figure&, const Figure&) = default;
 };
 
-using Figures = std::map<Counter, Figure>;
+/** A table of few rows. All of them lie in one block, because the state of every drive is copied at each
+ * look. */
+template<typename Key, typename Value>
+using Table = boost::container::flat_map<Key, Value>;
+
+using Figures = Table<Counter, Figure>;
 
 /** The state of a drive after the last look. */
 struct DriveState
 {
     std::string m_Key;
     Cli::DriveIdentity m_Drive;
-    std::map<Kind, Remembered> m_Known;   ///< does not contain what was never known
-    Figures m_Counters;                   ///< the same
-    std::map<Kind, std::uint64_t> m_Told; ///< when news that may be told only now and then was told last
-    std::uint64_t m_Since = 0;            ///< the last look without it; 0: it was there at the first one
+    Table<Kind, Remembered> m_Known;   ///< does not contain what was never known
+    Figures m_Counters;                ///< the same
+    Table<Kind, std::uint64_t> m_Told; ///< when news that may be told only now and then was told last
+    std::uint64_t m_Since = 0;         ///< the last look without it; 0: it was there at the first one
 
     friend bool operator==(const DriveState&, const DriveState&) = default;
 };
