@@ -94,7 +94,10 @@ ExitCode watchService(const RunningService& service, const Options& options, Ter
     termination.defer();
     EndOfWatch end(termination.asked(), options.m_Seconds);
     const ServiceJson status = ServiceJson::parse(service.m_Client.get("/api/v1/status"));
-    terminal.announce("A service watches these drives. Its journal from now on:");
+    terminal.announce("A service watches these drives. Now: " +
+                      printable(status.at("stateText").get<std::string>() + ", " +
+                                status.at("message").get<std::string>()) +
+                      ". Its journal from now on:");
     const std::string after = std::to_string(status.at("journal").value("lastNumber", std::uint64_t{0}));
     const auto take = [&](const Web::SentEvent& event) {
         const ServiceJson entry = ServiceJson::parse(event.m_Data);

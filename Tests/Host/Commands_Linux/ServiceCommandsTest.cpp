@@ -94,6 +94,19 @@ TEST_F(ServiceCommandsTest, WatchFollowsTheJournalOfTheService)
     EXPECT_EQ(lines.finish().m_ExitCode, 0);
 }
 
+TEST_F(ServiceCommandsTest, WatchBeginsWithWhatIsWrongAlready)
+{
+    m_Fleet.set({ChangingFleet::drive("S1", 1),
+                 ChangingFleet::drive("S2", 2, {{"health", {{"criticalWarning", 8}}}})});
+    RunningService service(words());
+    awaitDrive(service);
+    const ProgramResult watched = runProgram(words({"watch", "--for", "0"}));
+    EXPECT_EQ(watched.m_ExitCode, 0);
+    EXPECT_THAT(watched.m_Errors, HasSubstr("Now: CRITICAL, "));
+    EXPECT_THAT(watched.m_Errors,
+                HasSubstr("(S2): Critical: Media is read-only; 1 of 2 drives healthy. Its"));
+}
+
 TEST_F(ServiceCommandsTest, WatchEndsWhenItsTimeIsOver)
 {
     RunningService service(words());
