@@ -106,6 +106,30 @@ TEST_F(TellerTest, KeepsNewsUntilTheJournalCanBeWritten)
     EXPECT_EQ(m_Board.figures().m_JournalFailure, "");
 }
 
+TEST_F(TellerTest, TellsThatTheClockWasSetAndLosesNothing)
+{
+    Teller teller(m_File, m_Board, m_Warn);
+    Moment moment = presentMoment();
+    ASSERT_TRUE(moment.m_Uptime);
+    const auto lookAfter = [&](std::int64_t seconds, const std::vector<std::string>& serials) {
+        moment.m_Time += static_cast<std::uint64_t>(seconds * 1000);
+        *moment.m_Uptime += 10'000;
+        teller.tell(machine(serials), moment);
+    };
+    lookAfter(10, {});
+    lookAfter(10 + 3600, {});
+    lookAfter(10, {"A"});
+    lookAfter(10 - 10800, {});
+    EXPECT_THAT(kinds(), ElementsAre(Kind::ServiceStarted, Kind::ClockStepped, Kind::DriveAdded,
+                                     Kind::DoesNotAnswer, Kind::ClockStepped, Kind::DriveRemoved));
+    const std::vector<Journal::NumberedEntry> journal = m_Board.journal(0, 1000);
+    for (const Journal::NumberedEntry& entry : journal)
+        EXPECT_LE(entry.m_Entry.m_Begin.value_or(0), entry.m_Entry.m_End) << entry.m_Entry.m_Text;
+    EXPECT_THAT(journal.at(1).m_Entry.m_Text, HasSubstr("set forward by 3600 seconds"));
+    EXPECT_THAT(journal.at(4).m_Entry.m_Text, HasSubstr("set back by 10800 seconds"));
+    EXPECT_EQ(journal.at(5).m_Entry.m_End, moment.m_Time) << "the time is that of the clock as it is now";
+}
+
 TEST_F(TellerTest, ComparesNothingUntilTheJournalCanBeOpened)
 {
     std::filesystem::create_directory(m_File);
