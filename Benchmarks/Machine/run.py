@@ -88,11 +88,11 @@ def measure(tree, work, count):
         return Measured(guest.results(timeout=1800))
 
 
-def comparisons(count, here, one):
-    """The comparisons, and the limit of each."""
-    if count > 1:
-        yield ("each further drive", (here.cycle - one.cycle) / (count - 1), "bare minimum of each further drive",
-               (here.bare - one.bare) / (count - 1), 1.5)
+def comparisons(count, here, least, fewest):
+    """The comparisons, and the limit of each. `least` is the cost with the fewest drives."""
+    if count > fewest:
+        yield ("each further drive", (here.cycle - least.cycle) / (count - fewest),
+               "bare minimum of each further drive", (here.bare - least.bare) / (count - fewest), 1.5)
     yield "worker's cycle", here.cycle, "1.5 x bare minimum + 0.3 M", 1.5 * here.bare + 0.3, 1
     if count >= 8:
         yield "worker's cycle", here.cycle, "check of a resident smartd", here.resident, 1
@@ -116,8 +116,9 @@ def verdict(ratio, limit):
 def table(results):
     """The comparisons as lines of text."""
     yield LINE.format("drives", "what", "M instr.", "beside", "M instr.", "ratio", "at most")
+    fewest = min(results)
     for count, here in results.items():
-        for what, cost, beside, other, limit in comparisons(count, here, results[1]):
+        for what, cost, beside, other, limit in comparisons(count, here, results[fewest], fewest):
             yield LINE.format(count, what, f"{cost:.3f}", beside, f"{other:.3f}", f"{cost / other:.3f}",
                               verdict(cost / other, limit))
     yield "\n" + LINE.format("drives", "what", "MiB", "beside", "MiB", "ratio", "at most")
