@@ -43,8 +43,7 @@ std::vector<PI::CEvent> Monitor::collect()
     notified().Reset();
     try {
         for (bool more = true; more;) {
-            m_Objects = ObjectStore(m_Plugin.topology());
-            m_HasNewNames = false;
+            readObjects();
             std::vector<PI::CEvent> later = m_Plugin.collectEvents(plugin);
             more = !later.empty();
             std::move(later.begin(), later.end(), std::back_inserter(events));
@@ -58,11 +57,31 @@ std::vector<PI::CEvent> Monitor::collect()
     return events;
 }
 
+bool Monitor::renew()
+{
+    const bool any = !m_Plugin.collectEvents(pluginObject().m_ID).empty();
+    // What a cycle signalled before this is read below.
+    notified().Reset();
+    try {
+        readObjects();
+        nameNewcomers();
+        m_Complaint.clear();
+    } catch (const Failure& failure) {
+        complain(failure);
+    }
+    return any;
+}
+
+void Monitor::readObjects()
+{
+    m_Objects = ObjectStore(m_Plugin.topology());
+    m_HasNewNames = false;
+}
+
 void Monitor::refresh()
 {
     try {
-        m_Objects = ObjectStore(m_Plugin.topology());
-        m_HasNewNames = false;
+        readObjects();
         m_Complaint.clear();
     } catch (const Failure& failure) {
         complain(failure);

@@ -45,6 +45,13 @@ public:
      */
     std::vector<PI::CEvent> collect();
 
+    /**
+     * Drops the pending events and reads the objects. Costs less than `collect`, but a cycle that ends
+     * meanwhile may have events that are not dropped. Waits for a cycle that is under way. Returns whether
+     * there were events.
+     */
+    bool renew();
+
     /** Whether adapters got numbers, and so names, after `objects()` was read. */
     bool hasNewNames() const { return m_HasNewNames; }
 
@@ -76,6 +83,7 @@ public:
     Ending stop();
 
 private:
+    void readObjects();
     void nameNewcomers();
     void complain(const Failure& failure);
 

@@ -54,7 +54,7 @@ void Watched::refresh(const std::vector<DriveAnswer>& answers)
     const std::optional<std::int64_t> changes = changesNow();
     bool anyEvent = false;
     for (Monitor& monitor : m_Monitors) {
-        anyEvent = !monitor.collect().empty() || anyEvent;
+        anyEvent = monitor.renew() || anyEvent;
         if (monitor.hasNewNames())
             monitor.refresh();
     }
