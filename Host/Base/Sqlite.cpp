@@ -127,7 +127,12 @@ bool Statement::step()
 
 void Statement::run()
 {
-    step();
+    try {
+        step();
+    } catch (...) {
+        reset();
+        throw;
+    }
     reset();
 }
 
@@ -230,6 +235,14 @@ Statement Connection::prepare(std::string_view sql)
     return Statement(statement);
 }
 
+Statement& Connection::kept(std::string_view sql)
+{
+    auto found = m_Kept.find(sql);
+    if (found == m_Kept.end())
+        found = m_Kept.emplace(sql, prepare(sql)).first;
+    return found->second;
+}
+
 std::uint64_t Connection::number(std::string_view sql)
 {
     Statement statement = prepare(sql);
@@ -250,7 +263,7 @@ bool Connection::isInTransaction() const
 
 Transaction::Transaction(Connection& connection) : m_Connection(connection)
 {
-    m_Connection.run("BEGIN IMMEDIATE");
+    m_Connection.kept("BEGIN IMMEDIATE").run();
 }
 
 Transaction::~Transaction()
@@ -261,7 +274,7 @@ Transaction::~Transaction()
 
 void Transaction::commit()
 {
-    m_Connection.run("COMMIT");
+    m_Connection.kept("COMMIT").run();
 }
 
 } // namespace Host::Sqlite

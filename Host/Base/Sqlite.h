@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -53,7 +55,7 @@ public:
     /** Goes to the next row and returns whether there is one. Throws `Error`. */
     bool step();
 
-    /** Runs a statement that returns no rows, and makes it ready for the next values. Throws `Error`. */
+    /** Runs a statement that returns no rows, and makes it ready for the next run. Throws `Error`. */
     void run();
 
     // Columns of the present row count from 0.
@@ -97,6 +99,9 @@ public:
 
     Statement prepare(std::string_view sql);
 
+    /** A statement that is prepared at the first call and lives as long as the connection. Throws `Error`. */
+    Statement& kept(std::string_view sql);
+
     /** The number in the only column of the first row of `sql`. Null counts as 0. Throws `Error`. */
     std::uint64_t number(std::string_view sql);
 
@@ -120,6 +125,7 @@ private:
     bool isInTransaction() const;
 
     std::unique_ptr<sqlite3, Close> m_Connection;
+    std::map<std::string, Statement, std::less<>> m_Kept; ///< by their texts
     bool m_IsFrozen;
 };
 

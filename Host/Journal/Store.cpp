@@ -19,6 +19,11 @@ constexpr std::uint64_t LOOK = 0;
 constexpr std::uint64_t DRIVE = 1;
 constexpr std::uint64_t GONE = 2;
 
+constexpr char INSERT_ENTRY[] =
+    "INSERT INTO Entry VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)";
+constexpr char PUT_STATE[] = "INSERT OR REPLACE INTO State VALUES (?, ?, ?)";
+constexpr char DROP_STATE[] = "DELETE FROM State WHERE Part = ? AND Place = ?";
+
 /** Throws when a page of the file contradicts another one. */
 void check(Sqlite::Connection& connection)
 {
@@ -149,21 +154,15 @@ void Store::setAside(const std::string& reason) const
 void Store::write(const std::vector<Entry>& entries, const Rows& rows)
 {
     Sqlite::Transaction transaction(*m_Connection);
-    if (!entries.empty()) {
-        Sqlite::Statement entry = m_Connection->prepare(
-            "INSERT INTO Entry VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
-        std::uint64_t number = m_LastNumber;
-        for (const Entry& each : entries)
-            insert(entry, ++number, each);
-    }
-    Sqlite::Statement put = m_Connection->prepare("INSERT OR REPLACE INTO State VALUES (?, ?, ?)");
+    std::uint64_t number = m_LastNumber;
+    for (const Entry& each : entries)
+        insert(m_Connection->kept(INSERT_ENTRY), ++number, each);
     for (const auto& [place, text] : rows)
         if (const auto kept = m_Rows.find(place); kept == m_Rows.end() || kept->second != text)
-            put.bind(place.first, place.second, text).run();
-    Sqlite::Statement drop = m_Connection->prepare("DELETE FROM State WHERE Part = ? AND Place = ?");
+            m_Connection->kept(PUT_STATE).bind(place.first, place.second, text).run();
     for (const auto& [place, text] : m_Rows)
         if (!rows.contains(place))
-            drop.bind(place.first, place.second).run();
+            m_Connection->kept(DROP_STATE).bind(place.first, place.second).run();
     transaction.commit();
 }
 
