@@ -97,6 +97,14 @@ class Units(unittest.TestCase):
         self.assertNotEqual(self.files["set-stranger.code"].strip(), "0")
         self.assertIn("group", self.files["set-stranger.err"])
 
+    def test_stranger(self):
+        """everybody may look at objects, read the journal and watch, although only the service reads the drives"""
+        self.assertRegex(self.output("show-stranger"), r"Serial number +WARNED")
+        lines = self.output("journal-stranger").splitlines()
+        self.assertEqual(self.told([json.loads(line) for line in lines]), ["drive-removed", "drive-added"])
+        self.output("watch-stranger")
+        self.assertRegex(self.files["watch-stranger.err"], r"Now: CRITICAL, nvme\dn1 \(WARNED\): Critical")
+
     def test_outside(self):
         """without the service, everybody else is told what to do"""
         self.assertEqual(self.output("stranger", 4), "")

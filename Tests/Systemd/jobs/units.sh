@@ -57,6 +57,9 @@ event plug
 told drive-added
 kept drives asked /api/v1/drives
 kept list-stranger runuser -u stranger -- ostrel list --json
+kept show-stranger runuser -u stranger -- ostrel show WARNED
+kept journal-stranger runuser -u stranger -- ostrel journal --json
+kept watch-stranger runuser -u stranger -- ostrel watch --for 1
 kept set-stranger runuser -u stranger -- ostrel set plugin pollinterval 2
 kept set-member runuser -u member -- ostrel set plugin pollinterval 2
 kill -KILL "$(property ostrel.service MainPID)"
