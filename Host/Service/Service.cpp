@@ -117,11 +117,13 @@ void Service::end()
 
 void Service::onNews()
 {
-    m_Server.wake();
+    const Cli::ServiceFigures figures = m_Board.counted();
+    // Streams have nothing but the journal.
+    if (figures.m_LastEntry != std::exchange(m_LastEntry, figures.m_LastEntry))
+        m_Server.wake();
     const std::shared_ptr<const Cli::Snapshot> snapshot = m_Board.snapshot();
     std::string status =
-        Cli::judgeService(Cli::checkDrives(*snapshot, TLX::Misc::now()), *snapshot, m_Board.counted())
-            .m_Reason;
+        Cli::judgeService(Cli::checkDrives(*snapshot, TLX::Misc::now()), *snapshot, figures).m_Reason;
     if (status != m_Status)
         m_Manager.status(status);
     m_Status = std::move(status);

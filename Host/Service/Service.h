@@ -70,8 +70,9 @@ private:
     Teller m_Teller;
     Watcher m_Watcher;
     Web::Server m_Server;
-    std::string m_Status;         ///< as the manager has it; used by the watching thread
-    std::exception_ptr m_Failure; ///< why the watching thread ended; written before m_Ended is set
+    std::string m_Status;          ///< as the manager has it; used by the watching thread
+    std::uint64_t m_LastEntry = 0; ///< of which the streams know; used by the watching thread
+    std::exception_ptr m_Failure;  ///< why the watching thread ended; written before m_Ended is set
     TLX::Threading::CEvent m_Ended;
     std::optional<TLX::Threading::CThread> m_Thread;
 };
