@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <vector>
 
 namespace Host {
@@ -89,6 +90,13 @@ std::optional<std::uint64_t> parseNumber(std::string_view text, int base)
 std::optional<std::uint64_t> parseHexadecimal(std::string_view text)
 {
     return startsWithIgnoringCase(text, "0x") ? parseNumber(text.substr(2), 16) : std::nullopt;
+}
+
+std::optional<std::uint32_t> in32Bits(std::optional<std::uint64_t> number)
+{
+    return number && *number <= std::numeric_limits<std::uint32_t>::max()
+               ? std::optional(static_cast<std::uint32_t>(*number))
+               : std::nullopt;
 }
 
 std::string decimalText(double number, int decimals)

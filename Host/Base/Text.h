@@ -39,6 +39,9 @@ std::optional<std::uint64_t> parseNumber(std::string_view text, int base);
 /** The number that `text` writes as "0x" and hexadecimal digits. */
 std::optional<std::uint64_t> parseHexadecimal(std::string_view text);
 
+/** The same number in 32 bits. Nothing when there is none, or when it is too large. */
+std::optional<std::uint32_t> in32Bits(std::optional<std::uint64_t> number);
+
 /** `number` with `decimals` digits after the point. */
 std::string decimalText(double number, int decimals);
 

@@ -57,15 +57,6 @@ class TextAsked : public std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/** A trace mask: decimal, or hexadecimal after "0x". */
-std::optional<std::uint32_t> parseMask(std::string_view text);
-
-/**
- * Takes "MASK" for every module, or "MODULE=MASK" for the module with that number. Returns false for any
- * other text.
- */
-bool addTraceMask(std::string_view text, TraceOptions& trace);
-
 /**
  * Reads the words of a command line, of which the first is the program's name. Throws `TextAsked`, or
  * `Failure` (wrong usage).
