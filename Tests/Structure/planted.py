@@ -34,8 +34,10 @@ PLANTED = [
     ("Host/Commands/Planted.cpp", "<sqlite3.h>",
      "only Libraries/Database/Src/ and Host/Base/Sqlite.cpp may include sqlite3.h"),
     ("Host/Commands/Planted.cpp", "<windows.h>", "only Win/ may include windows.h"),
-    ("Host/Web/Planted.h", "<boost/beast/http.hpp>", "only Host/Web/Server.cpp may include boost/beast/http.hpp"),
-    ("Host/Web/Planted.h", "<boost/asio.hpp>", "only Host/Web/Server.cpp may include boost/asio.hpp"),
+    ("Host/Web/Planted.h", "<boost/beast/http.hpp>", "only Host/Web/Connection.cpp may include boost/beast/http.hpp"),
+    ("Host/Web/Planted.h", "<boost/asio.hpp>", "only Host/Web/Connection.h may include boost/asio.hpp"),
+    ("Host/Web/Planted.h", '"Web/Connection.h"',
+     "only Host/Web/Connection.cpp and Host/Web/Server.cpp may include Web/Connection.h"),
     ("Host/Commands/Planted.cpp", '"Nowhere.h"', "Nowhere.h leads to no file"),
     ("Host/Cellar/Planted.cpp", "<vector>", "its folder has no row in the table"),
 ]
