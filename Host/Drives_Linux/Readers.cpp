@@ -103,9 +103,9 @@ CDescriptor PrivateReader::start()
     if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
         fail(errno, "socketpair");
     CDescriptor ours(ends[0]);
+    const CDescriptor other(ends[1]);
     // `dup2` to the same number would leave it to be closed in the child.
-    const CDescriptor theirs(::fcntl(ends[1], F_DUPFD_CLOEXEC, HANDED_OVER + 1));
-    (void)::close(ends[1]);
+    const CDescriptor theirs(::fcntl(other.Get(), F_DUPFD_CLOEXEC, HANDED_OVER + 1));
     if (!theirs.Valid())
         fail(errno, "socketpair");
     m_Former = Spawning(theirs.Get()).start(m_Program);
