@@ -125,7 +125,7 @@ void DriveRounds::forgetAbsent()
     for (auto entry = m_Drives.begin(); entry != m_Drives.end();) {
         Drive& drive = entry->second;
         if (drive.m_Present || drive.m_Owed != 0) {
-            // A drive that owes an answer and comes back must not be asked again before that.
+            // A drive with an outstanding command is kept, so that it gets no second one if it comes back.
             if (!drive.m_Present)
                 drive.m_Record = {};
             ++entry;

@@ -34,7 +34,7 @@ public:
     {
         (void)::posix_spawn_file_actions_init(&m_Actions);
         (void)::posix_spawnattr_init(&m_Attributes);
-        // A reader that is left behind must not keep an output of this process open.
+        // A reader that outlives this process must not keep an output of it open.
         for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             (void)::posix_spawn_file_actions_addopen(&m_Actions, standard, "/dev/null", O_RDWR, 0);
         (void)::posix_spawn_file_actions_adddup2(&m_Actions, socket, HANDED_OVER);

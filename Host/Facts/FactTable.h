@@ -112,7 +112,7 @@ struct Fact
         return fact;
     }
 
-    /** Only these drives have the metric. */
+    /** Only drives that fulfil `condition` have the metric. */
     constexpr Fact given(bool (*condition)(const Drive& drive)) const
     {
         Fact fact = *this;
