@@ -14,7 +14,7 @@ using TLXX::EQuery;
 
 constexpr CDriveCommand IDENTIFY{EQuery::IdentifyController, 0};
 
-/** What is asked of a drive as long as nobody has asked anything of it. */
+/** The commands for a drive of which the plug-in has not asked anything yet. */
 constexpr CDriveCommand FIRST_COMMANDS[] = {
     IDENTIFY, {EQuery::IdentifyNamespace, 0}, {EQuery::SmartHealthLog, 0}};
 
