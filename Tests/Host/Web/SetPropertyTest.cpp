@@ -3,6 +3,8 @@
 #include "Host/Web/FakeView.h"
 #include "Web/Parameters.h"
 
+#include <PI/ErrorCode.h>
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -107,6 +109,11 @@ TEST_F(SetPropertyTest, FailuresKeepTheirReason)
     EXPECT_EQ(problem.at("detail"), "Refused.");
     EXPECT_EQ(problem.at("failure").at("request"), 11);
     EXPECT_EQ(problem.at("failure").at("code"), 20003);
+    m_View.m_OnSet = [](const auto& done) {
+        done(nullptr, std::make_exception_ptr(Host::Failure(Host::ExitCode::RequestFailed, "Refused.",
+                                                            {11, PI::ERR_PROPERTY_NOT_SETTABLE})));
+    };
+    EXPECT_EQ(set().m_Status, 409U);
     m_View.m_OnSet = [](const auto& done) {
         done(nullptr, std::make_exception_ptr(Host::Failure(Host::ExitCode::NoSuchObject, "None.")));
     };
