@@ -209,6 +209,10 @@ private:
             std::string& value = request.m_Headers[name];
             value += (value.empty() ? "" : ", ") + std::string(field.value());
         }
+        // A whole address counts more than the field, which must be there nevertheless.
+        if (const auto host = request.m_Headers.find("host");
+            host != request.m_Headers.end() && !target->m_Host.empty())
+            host->second = target->m_Host;
         request.m_Body = message.body();
         return request;
     }
@@ -221,6 +225,8 @@ private:
         std::optional<Request> asked = request();
         if (!asked)
             return send(problem(400, "The target of the request is wrong."));
+        if (m_Parser->get().count(http::field::host) > 1)
+            return send(problem(400, "The request has more than one Host field."));
         if (auto refusal = admit(m_Shared.m_Access, m_Door, m_Caller == Caller::Trusted, *asked))
             return send(std::move(*refusal));
         if (m_WantsHeadAlone)
