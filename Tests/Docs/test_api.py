@@ -192,7 +192,8 @@ class Answers(unittest.TestCase):
         self.assertIn("ostrel_build_info", self.check("GET", "/metrics", 200))
         accept = {"Accept": "application/openmetrics-text; version=1.0.0"}
         self.assertTrue(self.check("GET", "/metrics", 200, accept).endswith("# EOF\n"))
-        self.assertIn("<title>", self.get("/")[2])
+        self.assertIn("<title>", self.check("GET", "/", 200))
+        self.assertIn("{", self.check("GET", "/style.css", 200))
 
     def test_schemas_are_strict(self):
         """a member without a description, a missing one and one of another type are found"""
