@@ -67,8 +67,7 @@ std::optional<Response> admit(const AccessSettings& settings, Door door, bool is
     if (!isKnownHost(settings, host))
         return problem(421, "The service does not have this name. The settings can allow further names.");
     const std::string_view authorization = headerOf(request, "authorization");
-    request.m_MayChange = isToken(settings, authorization);
-    if (request.m_MayChange)
+    if (isToken(settings, authorization))
         return std::nullopt;
     if (!authorization.empty())
         return problem(401, "The token is wrong.");

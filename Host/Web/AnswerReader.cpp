@@ -61,7 +61,8 @@ void throwProblem(unsigned status, const std::string& content)
     const std::string detail = problem.at("detail").get<std::string>();
     if (!problem.contains("failure"))
         throw Failure(exitCodeOf(status), detail);
-    throw Failure(exitCodeOf(status), detail,
+    // Without a service, each refusal of a plug-in is a failed request.
+    throw Failure(ExitCode::RequestFailed, detail,
                   {static_cast<std::int32_t>(numberAt(problem, "/failure/request")),
                    static_cast<std::uint32_t>(numberAt(problem, "/failure/code"))});
 }

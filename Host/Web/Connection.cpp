@@ -35,14 +35,15 @@ bool isOfRequest(error_code error)
 class Connection : public IConnection, public std::enable_shared_from_this<Connection>
 {
 public:
-    Connection(Connections& shared, Socket socket, Door door, Place place)
+    Connection(Connections& shared, Socket socket, Door door, Caller caller, Place place)
         : m_Shared(shared),
           m_Socket(std::move(socket)),
           m_Timer(m_Socket.get_executor()),
           m_Door(door),
+          m_Caller(caller),
           m_Place(place)
     {
-        ++m_Shared.count(m_Place);
+        ++m_Shared.count(m_Caller, m_Place);
     }
 
     void start() override
@@ -66,7 +67,7 @@ public:
         if (std::exchange(m_IsClosed, true))
             return;
         m_Shared.m_Open.erase(self);
-        --m_Shared.count(m_Place);
+        --m_Shared.count(m_Caller, m_Place);
         error_code ignored;
         m_Timer.cancel();
         m_Socket.close(ignored);
@@ -202,6 +203,10 @@ private:
             std::string& value = request.m_Headers[inSmallLetters(std::string(field.name_string()))];
             value += (value.empty() ? "" : ", ") + std::string(field.value());
         }
+        // A whole address counts more than the field, which must be there nevertheless.
+        if (const auto host = request.m_Headers.find("host");
+            host != request.m_Headers.end() && !target->m_Host.empty())
+            host->second = target->m_Host;
         request.m_Body = message.body();
         return request;
     }
@@ -214,10 +219,9 @@ private:
         std::optional<Request> asked = request();
         if (!asked)
             return send(problem(400, "The target of the request is wrong."));
-        const bool isTrusted =
-            m_Door == Door::Local &&
-            m_Shared.m_IsTrustedPeer(static_cast<Sockets::Native>(m_Socket.native_handle()));
-        if (std::optional<Response> refusal = admit(m_Shared.m_Access, m_Door, isTrusted, *asked))
+        if (m_Parser->get().count(http::field::host) > 1)
+            return send(problem(400, "The request has more than one Host field."));
+        if (auto refusal = admit(m_Shared.m_Access, m_Door, m_Caller == Caller::Trusted, *asked))
             return send(std::move(*refusal));
         if (m_WantsHeadAlone)
             asked->m_Method = "GET";
@@ -275,11 +279,11 @@ private:
 
     bool takeStreamPlace()
     {
-        if (m_Shared.count(Place::Stream) >= m_Shared.m_Limits.m_Streams)
+        if (m_Shared.count(m_Caller, Place::Stream) >= m_Shared.m_Limits.m_Streams)
             return false;
-        --m_Shared.count(m_Place);
+        --m_Shared.count(m_Caller, m_Place);
         m_Place = Place::Stream;
-        ++m_Shared.count(m_Place);
+        ++m_Shared.count(m_Caller, m_Place);
         return true;
     }
 
@@ -367,6 +371,7 @@ private:
     Socket m_Socket;
     asio::steady_timer m_Timer;
     const Door m_Door;
+    const Caller m_Caller;
     Place m_Place;
     std::uint64_t m_Turn = 0; ///< changes whenever another limit begins
     beast::flat_buffer m_Buffer;
@@ -384,9 +389,10 @@ private:
 
 } // namespace
 
-std::shared_ptr<IConnection> makeConnection(Connections& connections, Socket socket, Door door, Place place)
+std::shared_ptr<IConnection> makeConnection(Connections& connections, Socket socket, Door door, Caller caller,
+                                            Place place)
 {
-    return std::make_shared<Connection>(connections, std::move(socket), door, place);
+    return std::make_shared<Connection>(connections, std::move(socket), door, caller, place);
 }
 
 } // namespace Host::Web

@@ -27,6 +27,16 @@ using boost::system::error_code;
 using Protocol = asio::generic::stream_protocol;
 using Socket = Protocol::socket;
 
+/** Who is at the other end of a connection. Each kind of caller has places of its own, so that no other kind
+ * can take all of them. */
+enum class Caller : unsigned char
+{
+    OverTcp,
+    Local,   ///< at the local socket
+    Trusted, ///< at the local socket, and may change something
+};
+constexpr std::size_t CALLERS = 3;
+
 /** What a connection is counted as. */
 enum class Place : unsigned char
 {
@@ -69,7 +79,11 @@ struct Connections
         m_Access.m_HostNames.push_back(m_OwnName);
     }
 
-    std::size_t& count(Place place) { return m_Counts.at(static_cast<std::size_t>(place)); }
+    /** How many connections there are of this kind. */
+    std::size_t& count(Caller caller, Place place)
+    {
+        return m_Counts.at(static_cast<std::size_t>(caller)).at(static_cast<std::size_t>(place));
+    }
 
     /** From any thread. */
     void addDuration(std::chrono::steady_clock::duration duration)
@@ -86,12 +100,13 @@ struct Connections
     /** Answers come from other threads, perhaps after the end of the server. So they hold it weakly. */
     const std::shared_ptr<asio::io_context> m_Context = std::make_shared<asio::io_context>(1);
     std::set<std::shared_ptr<IConnection>> m_Open;
-    std::array<std::size_t, PLACES> m_Counts{};
+    std::array<std::array<std::size_t, PLACES>, CALLERS> m_Counts{};
     std::mutex m_DurationsLock;
     Cli::Histogram m_Durations;
 };
 
 /** A connection that counts as `place` and is not among the open ones yet. */
-std::shared_ptr<IConnection> makeConnection(Connections& connections, Socket socket, Door door, Place place);
+std::shared_ptr<IConnection> makeConnection(Connections& connections, Socket socket, Door door, Caller caller,
+                                            Place place);
 
 } // namespace Host::Web

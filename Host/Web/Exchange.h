@@ -19,7 +19,7 @@ struct Request
     std::map<std::string, std::string> m_Headers; ///< names in small letters
     std::string m_Body;
     bool m_Local = false;     ///< whether it came through the local socket
-    bool m_MayChange = false; ///< whether the caller may change something
+    bool m_MayChange = false; ///< whether the caller may change something; only over the local socket
 };
 
 /** Gives the text of a stream of server-sent events, piece by piece. */

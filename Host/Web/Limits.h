@@ -5,7 +5,8 @@
 
 namespace Host::Web {
 
-/** What the server allows. A test may set other figures. */
+/** What the server allows. A test may set other figures. Callers over TCP, those at the local socket and
+ * those at it who may change something have places of their own, so many each. */
 struct Limits
 {
     std::size_t m_Header = 8192; ///< bytes of the request line and the header fields

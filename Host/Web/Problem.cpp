@@ -38,7 +38,7 @@ Response problem(unsigned status, const std::string& detail, const std::string& 
 
 Response problem(const Failure& failure)
 {
-    const unsigned status = statusOf(failure.exitCode());
+    const unsigned status = statusOf(failure);
     ProblemJson json = problemJson(status, failure.what());
     if (failure.result())
         json["failure"] = Cli::failureJson(failure.what(), failure.result()).at("error");

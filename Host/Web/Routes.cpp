@@ -264,6 +264,14 @@ Response answer(IServiceView& view, const ShowText& showText, const Request& req
 
 } // namespace
 
+std::vector<std::string_view> routePaths()
+{
+    std::vector<std::string_view> paths = {PROPERTY.m_Path};
+    for (const Route& route : ROUTES)
+        paths.push_back(route.m_Path);
+    return paths;
+}
+
 Handler routes(IServiceView& view, ShowText showText)
 {
     return [&view, showText = std::move(showText)](const Request& request, const Respond& respond) {

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Host::Web {
@@ -23,5 +24,11 @@ using ShowText =
 
 /** Answers the requests of the service's interface from `view`, which must outlive it. */
 Handler routes(IServiceView& view, ShowText showText);
+
+/**
+ * Where paths that `routes` knows begin, once for each path of the interface's description. The names that go
+ * on after them are left out.
+ */
+std::vector<std::string_view> routePaths();
 
 } // namespace Host::Web

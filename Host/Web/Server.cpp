@@ -66,15 +66,24 @@ private:
         });
     }
 
+    Caller callerAt(Socket& socket) const
+    {
+        if (m_Door != Door::Local)
+            return Caller::OverTcp;
+        const auto native = static_cast<Sockets::Native>(socket.native_handle());
+        return m_Shared.m_IsTrustedPeer(native) ? Caller::Trusted : Caller::Local;
+    }
+
     void receive(Socket socket)
     {
-        Place place = Place::Ordinary;
-        if (m_Shared.count(place) >= m_Shared.m_Limits.m_Connections)
-            place = Place::Refused;
-        if (place == Place::Refused && m_Shared.count(place) >= MOST_REFUSED)
-            return;
         try {
-            const auto connection = makeConnection(m_Shared, std::move(socket), m_Door, place);
+            const Caller caller = callerAt(socket);
+            Place place = Place::Ordinary;
+            if (m_Shared.count(caller, place) >= m_Shared.m_Limits.m_Connections)
+                place = Place::Refused;
+            if (place == Place::Refused && m_Shared.count(caller, place) >= MOST_REFUSED)
+                return;
+            const auto connection = makeConnection(m_Shared, std::move(socket), m_Door, caller, place);
             m_Shared.m_Open.insert(connection);
             connection->start();
         } catch (const std::exception&) {

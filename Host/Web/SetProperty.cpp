@@ -66,7 +66,7 @@ Response outcome(const std::string& value, bool isSimulated, const PI::CProperty
 
 void setProperty(IServiceView& view, const PropertyName& name, const Request& request, const Respond& respond)
 {
-    if (!request.m_Local || !request.m_MayChange)
+    if (!request.m_MayChange)
         return respond(refusal(request));
     if (!isJson(request))
         return respond(problem(415, "The content must be application/json."));

@@ -1,5 +1,7 @@
 #include "Web/Status.h"
 
+#include <PI/ErrorCode.h>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -37,6 +39,12 @@ constexpr std::array<std::pair<ExitCode, unsigned>, 5> FAILURES = {{
     {ExitCode::RequestFailed, 500},
 }};
 
+/** Refusals of a plug-in that are no trouble of the service. */
+constexpr std::array<std::pair<std::uint32_t, unsigned>, 2> REFUSALS = {{
+    {PI::ERR_PROPERTY_NOT_SETTABLE, 409},
+    {PI::ERR_OBJECT_NOT_FOUND, 404},
+}};
+
 } // namespace
 
 std::string_view statusText(unsigned status)
@@ -51,6 +59,14 @@ unsigned statusOf(ExitCode exitCode)
     const auto* const found = std::find_if(FAILURES.begin(), FAILURES.end(),
                                            [=](const auto& each) { return each.first == exitCode; });
     return found == FAILURES.end() ? 500 : found->second;
+}
+
+unsigned statusOf(const Failure& failure)
+{
+    const std::uint32_t code = failure.result().value_or(RequestResult{}).m_Code;
+    const auto* const found =
+        std::find_if(REFUSALS.begin(), REFUSALS.end(), [=](const auto& each) { return each.first == code; });
+    return found == REFUSALS.end() ? statusOf(failure.exitCode()) : found->second;
 }
 
 ExitCode exitCodeOf(unsigned status)

@@ -2,6 +2,8 @@
 
 #include "Base/Text.h"
 
+#include <algorithm>
+
 namespace Host::Web {
 namespace {
 
@@ -39,15 +41,31 @@ bool addParameter(std::map<std::string, std::string>& query, std::string_view pa
     return name && value && query.emplace(*name, *value).second;
 }
 
+bool isHost(std::string_view host)
+{
+    return !host.empty() && host.find('@') == std::string_view::npos &&
+           std::none_of(host.begin(), host.end(), isControl);
+}
+
 } // namespace
 
 std::optional<Target> parseTarget(std::string_view target)
 {
+    constexpr std::string_view scheme = "http://";
+    Target result;
+    const bool isAbsolute = startsWithIgnoringCase(target, scheme);
+    if (isAbsolute) {
+        target.remove_prefix(scheme.size());
+        result.m_Host = target.substr(0, target.find_first_of("/?"));
+        target.remove_prefix(result.m_Host.size());
+        if (!isHost(result.m_Host))
+            return std::nullopt;
+    }
     const std::size_t mark = target.find('?');
     const auto path = percentDecoded(target.substr(0, mark));
-    if (!path || !target.starts_with('/'))
+    if (!path || (path->empty() ? !isAbsolute : !target.starts_with('/')))
         return std::nullopt;
-    Target result{*path, {}};
+    result.m_Path = path->empty() ? "/" : *path;
     std::string_view rest = mark == std::string_view::npos ? std::string_view() : target.substr(mark + 1);
     while (!rest.empty()) {
         const std::size_t end = rest.find('&');

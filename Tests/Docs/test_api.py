@@ -114,6 +114,8 @@ class Answers(unittest.TestCase):
         answered, kind, content = self.ask(method, path, headers, body, connection)
         self.assertEqual(answered, status, content)
         responses = self.operation(method, path.partition("?")[0])["responses"]
+        if status != 401:  # which each path may answer
+            self.assertIn(str(status), responses)
         response = responses.get(str(status), responses["default"])
         if "$ref" in response:
             response = self.description["components"]["responses"][response["$ref"].rpartition("/")[2]]
@@ -182,12 +184,16 @@ class Answers(unittest.TestCase):
         self.check("PUT", path, 415, {"Content-Type": "text/plain"}, "60", self.local())
         self.check("PUT", f"{API}/objects/nowhere/properties/pollinterval", 404, kind, '{"value": 60}', self.local())
         self.check("PUT", path, 422, kind, '{"value": "never"}', self.local())
+        serial = self.get(f"{API}/drives")[2]["drives"][0]["serial"]
+        refused = self.check("PUT", f"{API}/objects/{serial}/properties/capacity", 409, kind, '{"value": 1}', self.local())
+        self.assertEqual(refused["failure"]["name"], "ERR_PROPERTY_NOT_SETTABLE")
 
     def test_texts(self):
         self.assertIn("ostrel_build_info", self.check("GET", "/metrics", 200))
         accept = {"Accept": "application/openmetrics-text; version=1.0.0"}
         self.assertTrue(self.check("GET", "/metrics", 200, accept).endswith("# EOF\n"))
-        self.assertIn("<title>", self.get("/")[2])
+        self.assertIn("<title>", self.check("GET", "/", 200))
+        self.assertIn("{", self.check("GET", "/style.css", 200))
 
     def test_schemas_are_strict(self):
         """a member without a description, a missing one and one of another type are found"""

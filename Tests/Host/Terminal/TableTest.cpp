@@ -18,7 +18,7 @@ Table sampleTable()
     return table;
 }
 
-std::vector<std::string> linesOf(const std::string& text)
+std::vector<std::string> splitLines(const std::string& text)
 {
     std::vector<std::string> lines;
     for (std::size_t start = 0; start < text.size();) {
@@ -44,7 +44,7 @@ TEST(Table, LooksTheSameWhereThereIsRoom)
 
 TEST(Table, NarrowsTheGapsFirst)
 {
-    EXPECT_EQ(linesOf(sampleTable().text({50, false}))[1],
+    EXPECT_EQ(splitLines(sampleTable().text({50, false}))[1],
               "nvme0  MAKER  ABCDEFGHIJKLMNOPQRST 0123456789    7");
 }
 
@@ -65,14 +65,14 @@ TEST(Table, ThenLeavesColumnsOutAndSaysSo)
 
 TEST(Table, NeverCutsWhatHasNoMinimum)
 {
-    const std::vector<std::string> lines = linesOf(sampleTable().text({5, false}));
+    const std::vector<std::string> lines = splitLines(sampleTable().text({5, false}));
     EXPECT_EQ(lines[2], "nvme10 SHORT    42       36");
 }
 
 TEST(Table, FitsEveryWidthThatItCanFit)
 {
     for (unsigned width = 27; width < 60; ++width)
-        for (const std::string& line : linesOf(sampleTable().text({width, false})))
+        for (const std::string& line : splitLines(sampleTable().text({width, false})))
             EXPECT_LE(Host::displayWidth(line), width) << line;
 }
 

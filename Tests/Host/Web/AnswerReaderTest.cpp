@@ -61,6 +61,9 @@ TEST(AnswerReaderTest, AProblemBecomesTheFailureThatItTellsOf)
     ASSERT_TRUE(refused.result());
     EXPECT_EQ(refused.result()->m_Request, 11);
     EXPECT_EQ(refused.result()->m_Code, 20003U);
+    const Response gone = problem(Failure(ExitCode::RequestFailed, "Gone.", {11, 20008}));
+    EXPECT_EQ(gone.m_Status, 404U);
+    EXPECT_EQ(thrown(gone.m_Status, gone.m_Body).exitCode(), ExitCode::RequestFailed);
 }
 
 TEST(AnswerReaderTest, AProblemThatCannotBeReadIsAFailureToo)

@@ -242,6 +242,15 @@ TEST_F(RoutesTest, TheInterfaceDescribesItself)
     }
 }
 
+TEST_F(RoutesTest, TheInterfaceDescribesAllOfItself)
+{
+    const json description = content("/api/v1/openapi.json");
+    std::vector<std::string> described;
+    for (const auto& [path, operations] : description.at("paths").items())
+        described.push_back(path.substr(0, path.find('{')));
+    EXPECT_THAT(Host::Web::routePaths(), testing::UnorderedElementsAreArray(described));
+}
+
 TEST_F(RoutesTest, TheDescriptionKnowsEveryKindOfEntry)
 {
     using Host::Journal::Kind;

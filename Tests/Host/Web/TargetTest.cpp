@@ -28,11 +28,50 @@ TEST(TargetTest, PercentSignsAreDecodedOnce)
     EXPECT_EQ(parseTarget("/%2e%2E/%2F")->m_Path, "/..//");
 }
 
+TEST(TargetTest, AWholeAddressHasAHostAndMayHaveNoPath)
+{
+    const auto target = parseTarget("HTTP://Storage.example:80/a%20b?x=http://y/");
+    ASSERT_TRUE(target);
+    EXPECT_EQ(target->m_Host, "Storage.example:80");
+    EXPECT_EQ(target->m_Path, "/a b");
+    EXPECT_THAT(target->m_Query, ElementsAre(Pair("x", "http://y/")));
+    for (const char* bare : {"http://[::1]:9713", "http://[::1]:9713?x=1"}) {
+        EXPECT_EQ(parseTarget(bare)->m_Host, "[::1]:9713") << bare;
+        EXPECT_EQ(parseTarget(bare)->m_Path, "/") << bare;
+    }
+    EXPECT_THAT(parseTarget("http://a?x=1")->m_Query, ElementsAre(Pair("x", "1")));
+    EXPECT_EQ(parseTarget("/http://a/")->m_Host, "");
+}
+
 TEST(TargetTest, WhatIsNoTargetIsRefused)
 {
-    for (const char* wrong :
-         {"", "*", "a", "http://localhost/", "?a", "%2Fa", "/%", "/%4", "/%4x", "/%x4", "/%-1", "/% 1",
-          "/%00", "/%0a", "/%1F", "/%7f", "/?a=%00", "/?%=1", "/?a=1&a=2"})
+    for (const char* wrong : {"",
+                              "*",
+                              "a",
+                              "https://localhost/",
+                              "http:/localhost/",
+                              "http://",
+                              "http:///",
+                              "http://?a",
+                              "http://a@localhost/",
+                              "http://a\x01/",
+                              "http://localhost/%00",
+                              "http://localhost?a=1&a=2",
+                              "?a",
+                              "%2Fa",
+                              "/%",
+                              "/%4",
+                              "/%4x",
+                              "/%x4",
+                              "/%-1",
+                              "/% 1",
+                              "/%00",
+                              "/%0a",
+                              "/%1F",
+                              "/%7f",
+                              "/?a=%00",
+                              "/?%=1",
+                              "/?a=1&a=2"})
         EXPECT_FALSE(parseTarget(wrong)) << wrong;
 }
 

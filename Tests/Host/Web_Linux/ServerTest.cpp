@@ -87,6 +87,18 @@ TEST(ServerTest, TheHandlerSeesHeadersInSmallLettersAndParameters)
     EXPECT_EQ(request.m_Query.at("a"), "1");
 }
 
+TEST(ServerTest, AWholeAddressIsATargetAndItsHostCounts)
+{
+    ScriptedServer server;
+    EXPECT_EQ(askOnce(server.url(), server.url() + "/one").m_Body, "GET /one ");
+    EXPECT_EQ(askOnce(server.url(), "http://localhost").m_Body, "GET / ");
+    RawClient client(server.url());
+    client.send("GET http://localhost/ HTTP/1.1\r\nHost: other.example\r\n\r\n");
+    EXPECT_EQ(client.receive().m_Status, 200U);
+    client.send("GET http://localhost/ HTTP/1.1\r\n\r\n");
+    EXPECT_EQ(client.receive().m_Status, 400U) << "the field is missing";
+}
+
 TEST(ServerTest, AHandlerThatFailsTellsNoSecrets)
 {
     ScriptedServer server;
