@@ -1,9 +1,14 @@
 /**
- * The cost of simulated controllers to the plug-in: an enumeration, which asks no drive; a scan of the
- * drives' answers; the merge of a scan without changes; a topology request; and a request for one property of
- * the last drive. "ns/drive" is the cost for each drive. "growth" compares it with the cost in a fleet of
- * ten, so 1 means a cost in proportion to the number of drives. A property request concerns one drive only:
- * there "growth" compares the whole request with that in a fleet of ten.
+ * What simulated controllers cost the plug-in:
+ * - an enumeration, which asks no drive;
+ * - a scan of the drives' answers;
+ * - the merge of a scan without changes;
+ * - a topology request;
+ * - a request for one property of the last drive.
+ *
+ * "ns/drive" is the cost for each drive. "growth" compares it with the cost in a fleet of ten, so 1 means a
+ * cost in proportion to the number of drives. A property request concerns one drive only, so there "growth"
+ * compares the whole request with that in a fleet of ten.
  */
 #include "Results.h"
 #include "Support/FakeDrives.h"

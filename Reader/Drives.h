@@ -77,8 +77,8 @@ inline constexpr std::uint64_t ANSWER_AGE = 1000;
 
 /**
  * Sends commands to controllers, at most one at a time to each, so that a silent one delays only its own.
- * Whoever asks what is being asked already, or was answered less than a second ago, gets that answer. For use
- * by one thread.
+ * A client that asks what is being asked already gets the same answer. So does a client that asks within a
+ * second of an answer. For use by one thread.
  */
 class Drives
 {

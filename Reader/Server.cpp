@@ -139,7 +139,7 @@ void Server::handle(const std::vector<pollfd>& watched)
         (void)::eventfd_read(m_Wake.Get(), &count);
     }
     std::size_t place = FIRST_CLIENT;
-    // Whoever leaves is taken out of the map while it is walked.
+    // A client that leaves is removed from the map during this loop.
     for (auto next = m_Clients.begin(); next != m_Clients.end() && place < watched.size(); ++place) {
         const auto client = next++;
         if (watched[place].revents != 0)

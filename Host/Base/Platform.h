@@ -176,8 +176,8 @@ private:
 };
 
 /**
- * While it lives, a crash of the process prints a last text and ends the process with an exit code of its
- * own, because whoever reads the results must not take the crash's code for one. One at a time.
+ * While it lives, a crash prints a last text and ends the process with the exit code `exitCode`. Otherwise a
+ * caller could mistake the exit code of the crash for a result. Only one may live at a time.
  */
 class CrashReport
 {

@@ -79,6 +79,13 @@ std::string shortened(const std::string& text, std::size_t width)
            (tail > 0 ? text.substr(starts[starts.size() - tail]) : std::string());
 }
 
+std::string inSmallLetters(std::string_view text)
+{
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), lower);
+    return result;
+}
+
 std::optional<std::uint64_t> parseNumber(std::string_view text, int base)
 {
     std::uint64_t number = 0;

@@ -30,6 +30,9 @@ std::size_t displayWidth(std::string_view text);
 /** `text` in at most `width` columns. An ellipsis replaces the middle of a text that is too long. */
 std::string shortened(const std::string& text, std::size_t width);
 
+/** The text with its ASCII letters as small ones. */
+std::string inSmallLetters(std::string_view text);
+
 /**
  * The number that `text` writes in `base`. Nothing when other characters are in it, or when the number is too
  * large.

@@ -3,28 +3,10 @@
 #include "Base/Platform.h"
 
 #include <array>
-#include <chrono>
 #include <cstddef>
-#include <cstdio>
 #include <ctime>
 
 namespace Host {
-
-std::string utcText(std::uint64_t milliseconds)
-{
-    using namespace std::chrono;
-    const sys_time<std::chrono::milliseconds> time{std::chrono::milliseconds(milliseconds)};
-    const sys_days day = floor<days>(time);
-    const year_month_day date(day);
-    const hh_mm_ss clock(time - day);
-    std::array<char, 64> buffer{};
-    const int size = std::snprintf(
-        buffer.data(), buffer.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
-        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-        static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-        static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
-    return {buffer.data(), static_cast<std::size_t>(size)};
-}
 
 std::string localTimeText(std::uint64_t milliseconds)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <TLX/UtcText.h>
+
 #include <cstdint>
 #include <string>
 
@@ -8,8 +10,7 @@ namespace Host {
 
 inline constexpr std::uint64_t MILLISECONDS_A_SECOND = 1000;
 
-/** An instant as "2026-01-01T00:00:00.000Z". */
-std::string utcText(std::uint64_t milliseconds);
+using TLX::Misc::utcText;
 
 /** An instant in this machine's time zone, as "2026-01-01 00:00:00". */
 std::string localTimeText(std::uint64_t milliseconds);

@@ -43,7 +43,7 @@ CDescriptor connectTo(const std::string& address)
     if (address.empty() || address.size() >= sizeof place.sun_path)
         return {};
     std::copy(address.begin(), address.end(), place.sun_path);
-    // This sign stands for the zero byte of a name that is not in the file system.
+    // A name that is not in the file system begins with a zero byte, which is written as this character.
     if (address.front() == '@')
         place.sun_path[0] = '\0';
     CDescriptor connection(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));

@@ -1,5 +1,7 @@
 #include "Base/Platform.h"
 
+#include <TLX/Win/UniqueHandle.h>
+
 #include <string>
 #include <system_error>
 #include <utility>
@@ -11,16 +13,9 @@ namespace Host::Platform {
 struct LockFile::Native
 {
     explicit Native(std::filesystem::path file) : m_File(std::move(file)) {}
-    ~Native()
-    {
-        if (m_Handle != INVALID_HANDLE_VALUE)
-            CloseHandle(m_Handle);
-    }
-    Native(const Native&) = delete;
-    Native& operator=(const Native&) = delete;
 
     const std::filesystem::path m_File;
-    HANDLE m_Handle = INVALID_HANDLE_VALUE;
+    TLX::Win::CFileHandle m_Handle;
 };
 
 LockFile::LockFile(const std::filesystem::path& file) : m_Native(std::make_unique<Native>(file)) {}
@@ -29,14 +24,18 @@ LockFile::~LockFile() = default;
 bool LockFile::take()
 {
     // Others may read the file. They cannot open it for writing or delete it.
-    m_Native->m_Handle = CreateFileW(m_Native->m_File.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                     CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const auto open = [this](DWORD right, DWORD manner) {
+        m_Native->m_Handle =
+            TLX::Win::CFileHandle(CreateFileW(m_Native->m_File.c_str(), right, FILE_SHARE_READ, nullptr,
+                                              manner, FILE_ATTRIBUTE_NORMAL, nullptr));
+        return m_Native->m_Handle.Valid();
+    };
+    bool opened = open(GENERIC_WRITE, CREATE_ALWAYS);
     // Only its owner may write to another user's file. Opening it for reading still tells whether the owner
     // holds it.
-    if (m_Native->m_Handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_ACCESS_DENIED)
-        m_Native->m_Handle = CreateFileW(m_Native->m_File.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (m_Native->m_Handle == INVALID_HANDLE_VALUE) {
+    if (!opened && GetLastError() == ERROR_ACCESS_DENIED)
+        opened = open(GENERIC_READ, OPEN_EXISTING);
+    if (!opened) {
         const DWORD error = GetLastError();
         if (error == ERROR_SHARING_VIOLATION)
             return false;
@@ -44,7 +43,7 @@ bool LockFile::take()
     }
     const std::string identifier = std::to_string(GetCurrentProcessId()) + "\r\n";
     DWORD written = 0;
-    WriteFile(m_Native->m_Handle, identifier.data(), static_cast<DWORD>(identifier.size()), &written,
+    WriteFile(m_Native->m_Handle.Get(), identifier.data(), static_cast<DWORD>(identifier.size()), &written,
               nullptr);
     return true;
 }

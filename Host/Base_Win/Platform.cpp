@@ -2,6 +2,8 @@
 
 #include "Base_Win/ConsoleState.h"
 
+#include <TLX/Win/UniqueHandle.h>
+
 #include <climits>
 
 #include <algorithm>
@@ -99,13 +101,10 @@ std::error_code accessError(const std::filesystem::path& path, Access access)
                         : access == Access::AddFile ? FILE_ADD_FILE
                                                     : FILE_ADD_SUBDIRECTORY;
     // Windows opens a folder only with this flag.
-    const HANDLE handle =
+    const TLX::Win::CFileHandle handle(
         CreateFileW(path.c_str(), right, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (handle == INVALID_HANDLE_VALUE)
-        return {static_cast<int>(GetLastError()), std::system_category()};
-    CloseHandle(handle);
-    return {};
+                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    return {handle.Valid() ? 0 : static_cast<int>(GetLastError()), std::system_category()};
 }
 
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& file)

@@ -22,7 +22,10 @@ std::string complaint(const std::filesystem::path& path, std::error_code error, 
     return path.string() + (error ? ": " + error.message() : " is no " + what);
 }
 
-/** Missing folders are created with the file. So the nearest existing folder must allow a new one. */
+/**
+ * Whether the file can be created. Missing folders are created with it, so the nearest existing folder must
+ * allow a new entry.
+ */
 Check checkPlaceOf(const std::filesystem::path& file)
 {
     using Platform::Access;

@@ -14,7 +14,7 @@ using TLXX::EQuery;
 
 constexpr CDriveCommand IDENTIFY{EQuery::IdentifyController, 0};
 
-/** What is asked of a drive as long as nobody has asked anything of it. */
+/** The commands for a drive of which the plug-in has not asked anything yet. */
 constexpr CDriveCommand FIRST_COMMANDS[] = {
     IDENTIFY, {EQuery::IdentifyNamespace, 0}, {EQuery::SmartHealthLog, 0}};
 
@@ -125,7 +125,7 @@ void DriveRounds::forgetAbsent()
     for (auto entry = m_Drives.begin(); entry != m_Drives.end();) {
         Drive& drive = entry->second;
         if (drive.m_Present || drive.m_Owed != 0) {
-            // A drive that owes an answer and comes back must not be asked again before that.
+            // A drive with an outstanding command is kept, so that it gets no second one if it comes back.
             if (!drive.m_Present)
                 drive.m_Record = {};
             ++entry;

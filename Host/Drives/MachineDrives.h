@@ -16,9 +16,10 @@ struct MachineDrives
 };
 
 /**
- * On Linux a reader asks the drives: the one at `reader`, if it is given; otherwise the one at the usual
- * place, if it takes this user; otherwise a private one with this user's rights. On Windows threads of this
- * process ask them. Throws `Failure` when there is no reader at `reader`, and `std::system_error`.
+ * On Linux a reader asks the drives. If `reader` is given, it is the one there. Otherwise it is the one at
+ * the usual place, if this user may connect to it. If not, it is a private one with this user's rights. On
+ * Windows threads of this process ask the drives. Throws `Failure` when no reader can be used at `reader`,
+ * and `std::system_error`.
  */
 MachineDrives machineDrives(const std::optional<std::filesystem::path>& reader);
 

@@ -34,7 +34,7 @@ public:
     {
         (void)::posix_spawn_file_actions_init(&m_Actions);
         (void)::posix_spawnattr_init(&m_Attributes);
-        // A reader that is left behind must not keep an output of this process open.
+        // A reader that outlives this process must not keep an output of it open.
         for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             (void)::posix_spawn_file_actions_addopen(&m_Actions, standard, "/dev/null", O_RDWR, 0);
         (void)::posix_spawn_file_actions_adddup2(&m_Actions, socket, HANDED_OVER);
@@ -103,9 +103,9 @@ CDescriptor PrivateReader::start()
     if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
         fail(errno, "socketpair");
     CDescriptor ours(ends[0]);
+    const CDescriptor other(ends[1]);
     // `dup2` to the same number would leave it to be closed in the child.
-    const CDescriptor theirs(::fcntl(ends[1], F_DUPFD_CLOEXEC, HANDED_OVER + 1));
-    (void)::close(ends[1]);
+    const CDescriptor theirs(::fcntl(other.Get(), F_DUPFD_CLOEXEC, HANDED_OVER + 1));
     if (!theirs.Valid())
         fail(errno, "socketpair");
     m_Former = Spawning(theirs.Get()).start(m_Program);

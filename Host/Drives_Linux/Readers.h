@@ -15,8 +15,8 @@ std::filesystem::path usualReader();
 TLX::Linux::CDescriptor connectReader(const std::filesystem::path& socket);
 
 /**
- * Starts readers that serve this process alone. Each ends when its connection is closed; one that a drive
- * keeps in the kernel is left behind. For use by one thread.
+ * Starts readers that serve this process alone. Each ends when its connection is closed. One that waits in
+ * the kernel for a drive ends after that wait, and nobody waits for it. For use by one thread.
  */
 class PrivateReader
 {

@@ -30,11 +30,11 @@ struct EndOfLife
     std::uint64_t m_RemainingHours = 0; ///< until the limit; 0 when it is reached
     std::uint64_t m_PowerOnHours = 0;   ///< the time in which the other figures came about
     std::optional<Amount> m_DataWritten;
-    std::optional<std::uint64_t> m_Rating;   ///< TiB that may be written; none for a model without a known
-                                             ///< rating
-    std::optional<std::int32_t> m_Endurance; ///< Percent of its life that the drive itself counts as used.
-                                             ///< Only set if it decides. May exceed 100.
-    /** Percent of life that the drive counts; there when it decides. May pass 100. */
+    std::optional<std::uint64_t> m_Rating; ///< TiB that may be written; none for a model without a known
+                                           ///< rating
+    /** Percent of the rated amount that is written; set for a model with a rating. May exceed 100. */
+    std::optional<std::int32_t> m_Endurance;
+    /** Percent of its life that the drive itself counts as used; set only if it decides. May exceed 100. */
     std::optional<std::uint64_t> m_Wear;
     Limit m_Limit = Limit::None;
     bool m_DateTooLate = false; ///< whether this wear decides but the date does not take it into account

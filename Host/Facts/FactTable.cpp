@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <stdexcept>
+#include <string>
 
 namespace Host::Cli {
 namespace {
@@ -277,8 +279,11 @@ std::span<const Fact> facts()
 
 const Fact& factOf(std::string_view key)
 {
-    return *std::find_if(std::begin(FACTS), std::end(FACTS),
-                         [key](const Fact& fact) { return fact.m_Key == key; });
+    const auto* const found = std::find_if(std::begin(FACTS), std::end(FACTS),
+                                           [key](const Fact& fact) { return fact.m_Key == key; });
+    if (found == std::end(FACTS))
+        throw std::logic_error("There is no fact " + std::string(key) + ".");
+    return *found;
 }
 
 } // namespace Host::Cli

@@ -112,7 +112,7 @@ struct Fact
         return fact;
     }
 
-    /** Only these drives have the metric. */
+    /** Only drives that fulfil `condition` have the metric. */
     constexpr Fact given(bool (*condition)(const Drive& drive)) const
     {
         Fact fact = *this;
@@ -145,7 +145,7 @@ constexpr std::size_t factKind()
 /** All rows, in the order in which documents have them. */
 std::span<const Fact> facts();
 
-/** The row with this key. The key must be in the table. */
+/** The row with this key. Throws `std::logic_error` when there is none. */
 const Fact& factOf(std::string_view key);
 
 } // namespace Host::Cli

@@ -17,7 +17,9 @@ namespace Host::Journal {
  */
 std::optional<std::uint64_t> pass(State& state, const Moment& now, std::vector<Entry>& entries);
 
-/** Lets no interval of `entries` end before it begins. After a restart the clock may be behind the last look.
+/**
+ * Lets no interval of `entries` end before it begins. After a restart the clock may show an earlier time than
+ * at the last look.
  */
 void orderTimes(std::vector<Entry>& entries);
 

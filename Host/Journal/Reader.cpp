@@ -81,6 +81,12 @@ std::vector<NumberedEntry> Reader::read(std::uint64_t after, std::size_t limit)
     });
 }
 
+void Reader::close()
+{
+    const std::lock_guard<std::mutex> guard(m_Lock);
+    m_Connection.reset();
+}
+
 std::uint64_t Reader::lastNumber()
 {
     return ask(

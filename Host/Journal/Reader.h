@@ -23,6 +23,9 @@ public:
     /** At most `limit` entries with numbers above `after`, in order. Throws `Failure`. */
     std::vector<NumberedEntry> read(std::uint64_t after, std::size_t limit);
 
+    /** Lets go of the file until the next question. */
+    void close();
+
     /** The number of the last entry; 0: there is none. Throws `Failure`. */
     std::uint64_t lastNumber();
 

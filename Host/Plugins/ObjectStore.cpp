@@ -48,11 +48,7 @@ bool goesBySerialOrDevice(const PI::CObject& object, std::string_view name)
 
 std::string indexName(std::string_view device)
 {
-    std::string name(shortDeviceName(device));
-    std::transform(name.begin(), name.end(), name.begin(), [](char character) {
-        return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-    return name;
+    return inSmallLetters(shortDeviceName(device));
 }
 
 template<typename Element>

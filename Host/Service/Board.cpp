@@ -1,10 +1,13 @@
 #include "Service/Board.h"
 
 #include "Base/Platform.h"
+#include "Base/Time.h"
+#include "Drives/DriveRounds.h"
 
 #include <TLX/Clock.h>
 
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace Host::Service {
@@ -29,7 +32,7 @@ Cli::ServiceFigures Board::figures() const
 {
     const Platform::ProcessFigures process = Platform::processFigures();
     const std::scoped_lock guard(m_Lock);
-    Cli::ServiceFigures figures = m_Figures;
+    Cli::ServiceFigures figures = presentFigures();
     if (m_Durations)
         figures.m_Requests = m_Durations();
     figures.m_ProcessorSeconds = process.m_ProcessorSeconds;
@@ -41,7 +44,21 @@ Cli::ServiceFigures Board::figures() const
 Cli::ServiceFigures Board::counted() const
 {
     const std::scoped_lock guard(m_Lock);
-    return m_Figures;
+    return presentFigures();
+}
+
+/** Called with m_Lock held. */
+Cli::ServiceFigures Board::presentFigures() const
+{
+    constexpr std::uint64_t missedRounds = 3;
+    constexpr std::uint64_t longestRound = 2 * ROUND_DEADLINE;
+    Cli::ServiceFigures figures = m_Figures;
+    const std::uint64_t patience = missedRounds * figures.m_PollInterval + longestRound;
+    if (figures.m_Trouble.empty() && figures.m_PollInterval > 0 &&
+        TLX::Misc::monotonic() - m_Shown > patience)
+        figures.m_Trouble = "no round of the drives has ended for more than " +
+                            std::to_string(patience / MILLISECONDS_A_SECOND) + " seconds";
+    return figures;
 }
 
 std::vector<Journal::NumberedEntry> Board::journal(std::uint64_t after, std::size_t limit) const
@@ -64,6 +81,7 @@ void Board::show(std::shared_ptr<const Cli::Snapshot> snapshot)
     // The former snapshot is released without the lock, because that may take time.
     const std::scoped_lock guard(m_Lock);
     m_Snapshot.swap(snapshot);
+    m_Shown = TLX::Misc::monotonic();
 }
 
 void Board::count(const std::function<void(Cli::ServiceFigures&)>& change)

@@ -44,10 +44,16 @@ public:
     void set(const std::string& object, const std::string& property, const std::string& value,
              Web::WhenSet done) override;
 
+    /** Lets go of the journal's file until it is read again. */
+    void closeJournal() { m_Journal->close(); }
+
     /** Shows this from now on. */
     void show(std::shared_ptr<const Cli::Snapshot> snapshot);
 
-    /** The figures that were counted. Those of the process and of requests, which cost more, are left out. */
+    /**
+     * The figures that were counted, and trouble when no round has ended for a long time. Those of the
+     * process and of requests, which cost more, are left out.
+     */
     Cli::ServiceFigures counted() const;
 
     /** Changes figures. `change` must not wait. */
@@ -66,10 +72,13 @@ public:
     void refuseWishes(const Failure& reason);
 
 private:
+    Cli::ServiceFigures presentFigures() const;
+
     const std::unique_ptr<Journal::Reader> m_Journal;
     TLX::Threading::CEvent m_Wished;
     mutable std::mutex m_Lock;
     std::shared_ptr<const Cli::Snapshot> m_Snapshot;
+    std::uint64_t m_Shown = 0; ///< when, in milliseconds of `TLX::Misc::monotonic`
     Cli::ServiceFigures m_Figures;
     std::function<Cli::Histogram()> m_Durations;
     std::deque<Wish> m_Wishes;

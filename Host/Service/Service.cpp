@@ -60,6 +60,8 @@ Service::~Service()
         (void)m_Thread->Wait();
     m_Board.refuseWishes(Failure(ExitCode::RequestFailed, "The service is ending."));
     m_Board.timeRequests({});
+    // The journal's log goes into its file when its last connection is one that may write.
+    m_Board.closeJournal();
 }
 
 void Service::watch()
@@ -78,6 +80,7 @@ void Service::run(Platform::TerminationRequest& termination)
     constexpr std::uint32_t reloads = 2;
     constexpr std::uint32_t ended = 3;
     TLX::Threading::CWaiter waiter{&termination.asked(), &termination.reload(), &m_Ended};
+    m_Teller.tellStart();
     // Not earlier, because from here on a request to end is seen.
     m_Plan.m_Announce("Listening on " + m_Server.url());
     m_Thread.emplace([this] { watch(); });
@@ -97,7 +100,9 @@ void Service::run(Platform::TerminationRequest& termination)
             reload();
         else if (fired == ended && m_Failure)
             std::rethrow_exception(m_Failure);
-        else if (fired != TLX::Threading::WaitResult::TimedOut)
+        else if (fired == TLX::Threading::WaitResult::TimedOut)
+            tellStatus(); // The watching thread cannot tell that it is stuck.
+        else
             throw std::runtime_error("The service does not watch the drives any more.");
     }
 }
@@ -117,13 +122,20 @@ void Service::end()
 
 void Service::onNews()
 {
-    const Cli::ServiceFigures figures = m_Board.counted();
+    const std::uint64_t last = m_Board.counted().m_LastEntry;
     // Streams have nothing but the journal.
-    if (figures.m_LastEntry != std::exchange(m_LastEntry, figures.m_LastEntry))
+    if (last != std::exchange(m_LastEntry, last))
         m_Server.wake();
+    tellStatus();
+}
+
+void Service::tellStatus()
+{
+    const std::scoped_lock guard(m_StatusLock);
     const std::shared_ptr<const Cli::Snapshot> snapshot = m_Board.snapshot();
     std::string status =
-        Cli::judgeService(Cli::checkDrives(*snapshot, TLX::Misc::now()), *snapshot, figures).m_Reason;
+        Cli::judgeService(Cli::checkDrives(*snapshot, TLX::Misc::now()), *snapshot, m_Board.counted())
+            .m_Reason;
     if (status != m_Status)
         m_Manager.status(status);
     m_Status = std::move(status);

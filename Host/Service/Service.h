@@ -17,6 +17,7 @@
 #include <exception>
 #include <filesystem>
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -57,6 +58,7 @@ public:
 private:
     void watch();
     void onNews();
+    void tellStatus();
     void reload();
     void end();
     Settings readSettings() const;
@@ -70,7 +72,8 @@ private:
     Teller m_Teller;
     Watcher m_Watcher;
     Web::Server m_Server;
-    std::string m_Status;          ///< as the manager has it; used by the watching thread
+    std::mutex m_StatusLock;
+    std::string m_Status;          ///< as the manager has it; guarded by m_StatusLock
     std::uint64_t m_LastEntry = 0; ///< of which the streams know; used by the watching thread
     std::exception_ptr m_Failure;  ///< why the watching thread ended; written before m_Ended is set
     TLX::Threading::CEvent m_Ended;

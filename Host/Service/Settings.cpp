@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <map>
 
 namespace Host::Service {
@@ -26,15 +25,6 @@ std::string_view trimmed(std::string_view text)
 bool consistsOf(std::string_view text, std::string_view characters)
 {
     return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
-}
-
-std::string inSmallLetters(std::string_view text)
-{
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), [](unsigned char character) {
-        return static_cast<char>(character < 0x80 ? std::tolower(character) : character);
-    });
-    return result;
 }
 
 bool readListen(std::string_view text, Settings& settings)

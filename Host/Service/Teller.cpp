@@ -21,6 +21,9 @@ constexpr std::size_t MOST_UNWRITTEN = 10'000;
 
 Teller::Teller(std::filesystem::path journal, Board& board, Warn warn)
     : m_File(std::move(journal)), m_Board(board), m_Warn(std::move(warn)), m_Started(presentMoment())
+{}
+
+void Teller::tellStart()
 {
     const std::scoped_lock guard(m_Lock);
     if (open())

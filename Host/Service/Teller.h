@@ -24,6 +24,9 @@ public:
     /** `board` must live as long as this object. The start of the service is now. */
     Teller(std::filesystem::path journal, Board& board, Warn warn);
 
+    /** Tells that the service has started. Not earlier than it is sure to run. */
+    void tellStart();
+
     /** Tells what has changed up to `snapshot`, which was made at `moment`. */
     void tell(const Cli::Snapshot& snapshot, const Moment& moment);
 

@@ -53,7 +53,7 @@ std::unique_ptr<Watched> Watcher::awaitDrives()
     TLX::Threading::CEvent announced;
     if (announced.Init(false, false) != TLX::Threading::WaitResult::Taken)
         throw std::runtime_error("The system has no event left for the service.");
-    // It hears drives that come during the first try, too.
+    // Registered before the first try, so that drives which come during it are noticed.
     const TLXX::CDeviceNotification notification(announced);
     TLX::Threading::CWaiter waiter{&m_Ended, &m_Parts.m_Board.wished(), &announced};
     for (;;) {

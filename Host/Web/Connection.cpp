@@ -1,6 +1,7 @@
 #include "Web/Connection.h"
 
 #include "Base/Failure.h"
+#include "Base/Text.h"
 #include "Web/AnswerText.h"
 #include "Web/Problem.h"
 #include "Web/Target.h"
@@ -22,11 +23,6 @@ using std::chrono::milliseconds;
 
 /** How long a client may take to read the last answer before its connection is closed. */
 constexpr milliseconds FAREWELL{1000};
-
-char smallLetter(char character)
-{
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
 
 /** Whether the request is wrong, and not only at its end or on a broken connection. */
 bool isOfRequest(error_code error)
@@ -203,9 +199,7 @@ private:
         request.m_Path = target->m_Path;
         request.m_Query = target->m_Query;
         for (const auto& field : message) {
-            std::string name(field.name_string());
-            std::transform(name.begin(), name.end(), name.begin(), smallLetter);
-            std::string& value = request.m_Headers[name];
+            std::string& value = request.m_Headers[inSmallLetters(std::string(field.name_string()))];
             value += (value.empty() ? "" : ", ") + std::string(field.value());
         }
         request.m_Body = message.body();

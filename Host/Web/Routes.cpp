@@ -123,7 +123,7 @@ Response property(const Call& call)
 std::vector<Journal::NumberedEntry> read(const Call& call, std::uint64_t after, std::size_t limit)
 {
     try {
-        return call.m_View.journal(after, limit);
+        return entriesAfter(call.m_View, after, limit);
     } catch (const Failure& failure) {
         throw Failure(ExitCode::NoHardware, failure.what());
     }

@@ -8,15 +8,11 @@ import pathlib
 import re
 import sys
 
-# Programs of their own. Their sections of the document name their files.
-APART = ("Consumer", "Docs", "Machine", "Package", "Wine")
-
 
 def helpers(tests):
     """The shared headers as the document names them: those of the support folders by their name alone."""
     found = {path.relative_to(tests) for path in tests.rglob("*.h")}
-    return {path.name if path.parts[0].startswith("Support") else path.as_posix()
-            for path in found if path.parts[0] not in APART}
+    return {path.name if path.parts[0].startswith("Support") else path.as_posix() for path in found}
 
 
 def named(document):

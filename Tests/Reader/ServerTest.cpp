@@ -216,7 +216,8 @@ TEST_F(ReaderServer, UsesNoAnswerFromBeforeAnAnnouncement)
 
 TEST_F(ReaderServer, NeedsNoMoreForManyRequests)
 {
-    // A request in the memory's second, one whose offset is new, and one that is none; many at a time.
+    // Three kinds of requests, many at a time: one that memory answers, one with a new offset, and one that
+    // is invalid.
     constexpr std::uint64_t batches = 1'500;
     constexpr std::uint64_t together = 30;
     const Connection client(Path());

@@ -30,7 +30,8 @@ def rooms(parent, *names):
     return tuple(f"{parent}/{name}" for name in names)
 
 
-# Folder -> the folders that it may include from, besides itself. From the bottom up.
+# Folder -> the folders that it may include from, besides itself. From the bottom up. In a library, the sources for
+# one system and those for all systems are one room: each may include the other's headers.
 ALLOWED = {
     "Libraries/TLX/Include/TLX": TLX,
     "Libraries/TLX/Include_Linux/TLX": TLX,
@@ -61,33 +62,30 @@ ALLOWED = {
     "Libraries/Database/Include/Database": TLX + ORM,
     "Libraries/Database/Src": TLX + ORM + DATABASE,
 
-    "Ostrel/Src/Records": HOST_LIBRARIES,
-    "Ostrel/Src/Ostrel_Linux": HOST_LIBRARIES + TLX_LINUX + TLXX_LINUX + rooms("Ostrel/Src", "Records"),
-    "Ostrel/Src/Ostrel_Win": HOST_LIBRARIES + TLX_WIN + TLXX_WIN + rooms("Ostrel/Src", "Records"),
-    "Ostrel/Src/OstrelPlugin": HOST_LIBRARIES + rooms("Ostrel/Src", "Records"),
-    "Ostrel/Src/OstrelAdapter": HOST_LIBRARIES + rooms("Ostrel/Src", "Records"),
-    "Ostrel/Src/OstrelPhysicalDrive": HOST_LIBRARIES + rooms("Ostrel/Src", "Records"),
+    "Ostrel/Src/Records": TLX + TLXX + PI + ORM,
+    "Ostrel/Src/Ostrel_Linux": TLX + TLX_LINUX + TLXX + TLXX_LINUX + rooms("Ostrel/Src", "Records"),
+    "Ostrel/Src/Ostrel_Win": TLX + TLX_WIN + TLXX + TLXX_WIN + rooms("Ostrel/Src", "Records"),
+    "Ostrel/Src/OstrelPlugin": PI + ORM + rooms("Ostrel/Src", "Records"),
+    "Ostrel/Src/OstrelAdapter": TLX + PI + ORM + rooms("Ostrel/Src", "Records"),
+    "Ostrel/Src/OstrelPhysicalDrive": TLX + PI + ORM + rooms("Ostrel/Src", "Records"),
     "Ostrel/Src/Ostrel": HOST_LIBRARIES + rooms(
         "Ostrel/Src", "Records", "OstrelPlugin", "OstrelAdapter", "OstrelPhysicalDrive"),
 
-    "Host/Base": HOST_LIBRARIES,
-    "Host/Base_Linux": HOST_LIBRARIES + TLX_LINUX + TLXX_LINUX + rooms("Host", "Base"),
-    "Host/Base_Win": HOST_LIBRARIES + TLX_WIN + TLXX_WIN + rooms("Host", "Base"),
-    "Host/Drives": HOST_LIBRARIES + rooms("Host", "Base"),
-    "Host/Drives_Linux": HOST_LIBRARIES + TLX_LINUX + TLXX_LINUX + rooms("Host", "Base", "Drives"),
-    "Host/Drives_Win": HOST_LIBRARIES + TLX_WIN + TLXX_WIN + rooms("Host", "Base", "Drives"),
+    "Host/Base": TLX,
+    "Host/Base_Linux": TLX + TLX_LINUX + rooms("Host", "Base"),
+    "Host/Base_Win": TLX + TLX_WIN + rooms("Host", "Base"),
+    "Host/Drives": TLX + TLXX + rooms("Host", "Base"),
+    "Host/Drives_Linux": TLX + TLX_LINUX + TLXX + TLXX_LINUX + rooms("Host", "Base", "Drives"),
+    "Host/Drives_Win": TLX + TLX_WIN + TLXX + TLXX_WIN + rooms("Host", "Base", "Drives"),
     "Host/Plugins": HOST_LIBRARIES + rooms("Host", "Base", "Drives"),
-    "Host/Facts": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins"),
-    "Host/Journal": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts"),
-    "Host/Documents": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal"),
-    "Host/Web": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents"),
-    "Host/Web_Linux": HOST_LIBRARIES + TLX_LINUX + rooms(
-        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web"),
-    "Host/Web_Win": HOST_LIBRARIES + TLX_WIN + rooms(
-        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web"),
-    "Host/Service": HOST_LIBRARIES + rooms(
-        "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web"),
-    "Host/Terminal": HOST_LIBRARIES + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents"),
+    "Host/Facts": TLX + TLXX + PI + rooms("Host", "Base", "Drives", "Plugins"),
+    "Host/Journal": PI + rooms("Host", "Base", "Facts"),
+    "Host/Documents": TLX + PI + rooms("Host", "Base", "Plugins", "Facts", "Journal"),
+    "Host/Web": TLX + PI + rooms("Host", "Base", "Plugins", "Facts", "Journal", "Documents"),
+    "Host/Web_Linux": TLX + TLX_LINUX + rooms("Host", "Base", "Web"),
+    "Host/Web_Win": TLX + TLX_WIN + rooms("Host", "Base", "Web"),
+    "Host/Service": TLX + TLXX + rooms("Host", "Base", "Plugins", "Facts", "Journal", "Web"),
+    "Host/Terminal": TLX + PI + rooms("Host", "Base", "Facts", "Journal"),
     "Host/Commands": HOST_LIBRARIES + rooms(
         "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web", "Service", "Terminal"),
     "Host": rooms("Host", "Base", "Commands"),

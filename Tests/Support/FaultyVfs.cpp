@@ -42,7 +42,7 @@ namespace {
 using CState = CFaultyVfs::CState;
 using Operation = CFaultyVfs::Operation;
 
-/** A file of SQLite, which only gives the room for it. The real one follows behind. */
+/** A file as SQLite sees it. SQLite provides the memory; the real file comes directly after this. */
 struct CFile
 {
     sqlite3_file m_Base;

@@ -50,9 +50,9 @@ public:
     std::uint64_t Count() const;
     std::uint64_t Count(Operation operation) const;
 
-    /** The operation of this kind that comes after `others` others of it fails, and all later ones, too. */
+    /** The operation after `others` others of its kind fails, and so do all later ones of this kind. */
     void FailFrom(Operation operation, std::uint64_t others, Failure failure);
-    /** Only that one fails. */
+    /** Only the operation after `others` others of its kind fails. */
     void FailOnce(Operation operation, std::uint64_t others, Failure failure);
     /** No planned fault is left. */
     void Heal();

@@ -66,7 +66,7 @@ public:
 
     /** Adds a node after the last child of `parent`. Without a service the text is empty. */
     Node Add(Node parent, const std::string& service = {});
-    /** A controller with one disk, which has the given interfaces. Returns the controller. */
+    /** Adds a controller with one child, whose disks are `disks`. Returns the controller. */
     Node AddController(Node parent, std::vector<CScriptedDisk> disks,
                        const std::string& service = "stornvme");
     /** Removes a node and all below it from the tree. */
@@ -79,16 +79,10 @@ public:
     /** Instance identifier of a node. */
     static std::string Instance(Node node);
 
-    /**
-     * Sets the function that answers control calls other than for the device number. It returns the error, or
-     * 0 for success.
-     */
+    /** Answers control calls other than for the device number. Returns the error, or 0. */
     std::function<DWORD(const CControlCall&)> m_Control;
 
-    /**
-     * Sets a function that is told of every call that can fail, before the call does anything, with the
-     * call's key.
-     */
+    /** Gets the key of every call that can fail, before the call does anything. */
     std::function<void(const std::string& call)> m_Before;
 
     bool m_HasRoot = true;

@@ -83,7 +83,7 @@ class Units(unittest.TestCase):
         drives = self.drives("list-before")
         self.assertEqual([drive["serial"] for drive in drives], [drive.serial for drive in FLEET])
         self.assertTrue(all(drive["answering"] and "temperature" in drive for drive in drives), drives)
-        for name in ("list-member", "list-root", "list-again"):
+        for name in ("list-member", "list-root", "list-again", "list-often"):
             self.assertEqual(self.drives(name), drives, name)
         # The kernel has read the drive that was plugged in again.
         self.assertEqual([drive["serial"] for drive in self.drives("list-upgraded")],
@@ -115,6 +115,7 @@ class Units(unittest.TestCase):
         """a reader that was killed is started again"""
         after = self.states("killed")["ostrel-reader.service"]
         self.assertEqual((after["ActiveState"], after["NRestarts"]), ("active", "1"))
+        self.assertEqual(self.states("often")["ostrel-reader.socket"]["ActiveState"], "active")
 
     def test_reader(self):
         """the reader has one capability and a filter of system calls"""

@@ -78,7 +78,7 @@ CDriveAnswer answerOf(IDeviceBackend& backend, const CDriveAddress& drive, const
 
 } // namespace
 
-/** What the threads share with the source. The last of them destroys it, which may never happen. */
+/** Shared by the threads and the source. The last user destroys it; a thread that never returns keeps it. */
 struct CThreadedSource::Shared
 {
     struct CJob

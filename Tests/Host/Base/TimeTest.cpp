@@ -8,13 +8,6 @@ using namespace Host;
 
 constexpr std::uint64_t NEW_YEAR = 1'767'225'600'000; // 2026
 
-TEST(TimeText, IsUtcToTheMillisecond)
-{
-    EXPECT_EQ(utcText(0), "1970-01-01T00:00:00.000Z");
-    EXPECT_EQ(utcText(NEW_YEAR + 7), "2026-01-01T00:00:00.007Z");
-    EXPECT_EQ(utcText(1'709'251'199'999), "2024-02-29T23:59:59.999Z");
-}
-
 TEST(TimeText, IsLocalToTheSecond)
 {
     const std::string text = localTimeText(NEW_YEAR + 59'999);

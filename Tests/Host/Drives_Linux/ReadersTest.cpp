@@ -73,7 +73,8 @@ TEST(Readers, APrivateOneThatIsGoneIsStartedAgain)
 TEST(Readers, APrivateOneEndsWithItsConnectionAndKeepsNothingOpen)
 {
     std::array<int, 2> pipe{};
-    ASSERT_EQ(::pipe(pipe.data()), 0); // not closed on exec, as a shell's redirection
+    // Without close-on-exec, like a descriptor that a shell has redirected.
+    ASSERT_EQ(::pipe(pipe.data()), 0);
     const CDescriptor readEnd(pipe[0]);
     CDescriptor writeEnd(pipe[1]);
     PrivateReader reader(HostTest::Built::READER);

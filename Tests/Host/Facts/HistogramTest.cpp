@@ -9,7 +9,7 @@ TEST(HistogramTest, CountsADurationInTheFirstBucketThatHoldsIt)
 {
     Histogram histogram;
     histogram.add(0);
-    histogram.add(0.001); // A limit belongs to its bucket.
+    histogram.add(0.001); // A duration equal to a limit counts in that limit's bucket.
     histogram.add(0.0011);
     histogram.add(5);
     histogram.add(5.1);

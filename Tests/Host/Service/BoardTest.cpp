@@ -1,6 +1,7 @@
 #include "Service/Board.h"
 
 #include "Support/TemporaryFolder.h"
+#include "Support/VirtualClock.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -57,6 +58,30 @@ TEST_F(BoardTest, ShowsTheLastSnapshotAndFigures)
     EXPECT_EQ(m_Board.figures().m_Requests.m_Sum, 1);
     m_Board.timeRequests({});
     EXPECT_EQ(m_Board.figures().m_Requests.m_Sum, 0);
+}
+
+TEST_F(BoardTest, HasTroubleWhenNoRoundEndsForALongTime)
+{
+    TestSupport::CVirtualClock clock;
+    const auto show = [&] {
+        m_Board.show(std::make_shared<Host::Cli::Snapshot>(Host::ObjectStore({}), 1, 2));
+    };
+    show();
+    clock.Advance(3'600'000);
+    EXPECT_EQ(m_Board.figures().m_Trouble, "") << "no plug-in watches yet";
+    m_Board.count([](Host::Cli::ServiceFigures& figures) { figures.m_PollInterval = 30'000; });
+    show();
+    clock.Advance(100'000);
+    EXPECT_EQ(m_Board.figures().m_Trouble, "");
+    clock.Advance(1);
+    const std::string expected = "no round of the drives has ended for more than 100 seconds";
+    EXPECT_EQ(m_Board.figures().m_Trouble, expected);
+    EXPECT_EQ(m_Board.counted().m_Trouble, expected);
+    m_Board.count([](Host::Cli::ServiceFigures& figures) { figures.m_Trouble = "known"; });
+    EXPECT_EQ(m_Board.counted().m_Trouble, "known");
+    m_Board.count([](Host::Cli::ServiceFigures& figures) { figures.m_Trouble.clear(); });
+    show();
+    EXPECT_EQ(m_Board.counted().m_Trouble, "");
 }
 
 TEST_F(BoardTest, HandsWishesOnInOrderOrRefusesThem)

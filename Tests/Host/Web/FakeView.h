@@ -74,6 +74,14 @@ public:
         m_Entries.push_back(std::move(entry));
     }
 
+    /** A new journal begins. */
+    void forgetEntries()
+    {
+        const std::scoped_lock guard(m_Lock);
+        m_Entries.clear();
+        m_Figures.m_LastEntry = 0;
+    }
+
     std::vector<std::string> m_Set; ///< object, property and value of each call
     /** Answers each call of `set`. */
     std::function<void(const Host::Web::WhenSet&)> m_OnSet = [](const Host::Web::WhenSet& done) {

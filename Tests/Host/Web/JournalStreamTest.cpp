@@ -59,6 +59,20 @@ TEST(JournalStreamTest, ALongJournalComesInPiecesWithoutGaps)
         EXPECT_EQ(all[i], std::to_string(11 + i));
 }
 
+TEST(JournalStreamTest, GoesOnWithANewJournal)
+{
+    HostTest::FakeView view;
+    for (const char* text : {"one", "two", "three"})
+        view.addEntry(text);
+    Host::Web::JournalStream stream(view, 3);
+    EXPECT_EQ(stream.next(), "");
+    view.forgetEntries();
+    EXPECT_EQ(stream.next(), "");
+    view.addEntry("of the new one");
+    EXPECT_THAT(identifiersIn(stream.next()), ElementsAre("1"));
+    EXPECT_EQ(stream.next(), "");
+}
+
 TEST(JournalStreamTest, AnEntryThatCouldNotBeReadComesLater)
 {
     HostTest::FakeView view;

@@ -37,9 +37,9 @@ using CRequestData = std::variant<std::monostate, std::vector<CAdapterID>, std::
 } // namespace PI
 
 /**
- * A plug-in as its host sees it. The host fills in `m_HostContext` and `m_HostCallback` before the first
- * request; the plug-in calls `m_HostCallback(m_HostContext, this)` from a thread of its own when there is
- * something to collect.
+ * A plug-in as its host sees it. The host sets `m_HostContext` and `m_HostCallback` before the first request.
+ * When there is something to collect, the plug-in calls `m_HostCallback(m_HostContext, this)` from a thread
+ * of its own.
  *
  * Requests come in this order: 1, then 2, then 4 to 10 in any order, then 3. Request 1 takes no lock, so a
  * host sends it once in a life, while no worker runs. After a failed request 1 only request 3 and the release

@@ -39,9 +39,9 @@ PI_EXPORT void SetLifeTimeFolder(std::filesystem::path folder);
 
 /**
  * Reads an endurance table. A line has a model text, a '|' and the rating in terabytes (10^12 bytes) written.
- * Empty lines and '#' comments are skipped. Throws `std::runtime_error` for anything else, with file and
- * line: a file that cannot be read, a rating that is no number or below 2 TiB (3 TB), or a text that comes
- * after a shorter one that it contains.
+ * Empty lines and lines that begin with '#' are skipped. Throws `std::runtime_error` with the file and the
+ * line for anything else. A rating must be a whole number and at least 2 TiB (3 TB). A text must not come
+ * after a shorter one that it contains. Also throws when the file cannot be read.
  */
 PI_EXPORT std::vector<CNVMeLifeTimeData> readLifeTimeData(const std::filesystem::path& file);
 

@@ -23,7 +23,7 @@ struct _PROPERTY_DESCRIPTION
     std::uint32_t attrD;
 };
 
-/** An integer that carries its bounds. The bounds describe; the value may lie outside. */
+/** An integer with its bounds. They only describe it: the value may be outside them. */
 struct CBoundedValue
 {
     std::int32_t m_Value = 0;

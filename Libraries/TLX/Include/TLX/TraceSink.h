@@ -49,10 +49,11 @@ TLX_EXPORT std::shared_ptr<ISink> standardErrorSink();
 
 /**
  * Writes lines to `file`. When a line would make it larger than `maximumSize` bytes, the file is first
- * renamed to "<file>.1" (and that to "<file>.2", up to `keep`); a longer line gets a file of its own. A
- * terminal, a named pipe or another special file is never renamed; lines that a pipe does not take at once
- * are dropped. Throws `std::system_error` when the file cannot be opened, or when it is a named pipe without
- * a reader. Later failures drop the line, because a trace must never stop the traced code.
+ * renamed to "<file>.1", and that to "<file>.2", up to `keep`. A longer line gets a file of its own.
+ *
+ * A terminal, a named pipe or another special file is never renamed. Lines that a pipe does not accept at
+ * once are dropped. Throws `std::system_error` when the file cannot be opened, or when it is a named pipe
+ * without a reader. Later failures drop the line, because a trace must never stop the traced code.
  */
 TLX_EXPORT std::shared_ptr<ISink> rotatingFileSink(const std::filesystem::path& file,
                                                    std::uint64_t maximumSize = 8U << 20U, unsigned keep = 3);

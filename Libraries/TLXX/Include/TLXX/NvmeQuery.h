@@ -9,9 +9,9 @@
 #include <string>
 
 // These are the only commands that are sent to a drive; nothing is ever written to one. Each takes the path
-// of a disk from the enumeration, blocks until the drive has answered, and returns a status: 0 when the whole
-// block was transferred. Safe from any thread. Throws `std::runtime_error` or `std::bad_alloc` when
-// descriptors or memory run out before there is a status.
+// of a disk from the enumeration and blocks until the drive has answered. It returns a status, which is 0
+// when the whole block was transferred. Safe from any thread. Throws `std::runtime_error` or `std::bad_alloc`
+// when descriptors or memory run out before there is a status.
 //
 // A query that fails puts the last good answer of the same device instance into the caller's block. This
 // holds for Identify Namespace, the health log and the vendor logs C5h and CAh. The answer is forgotten when

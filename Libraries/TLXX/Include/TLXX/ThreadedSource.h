@@ -12,9 +12,9 @@
 namespace TLXX {
 
 /**
- * Asks drives by the blocking queries of a back-end. One thread asks drive after drive; as long as drives
- * keep it waiting, more threads help, up to one a drive. A thread ends when no drive is left to ask. One that
- * a drive never lets go is left behind at destruction, together with its share of the back-end.
+ * Asks drives by the blocking queries of a back-end. One thread asks drive after drive. As long as drives
+ * keep it waiting, more threads help, up to one a drive. A thread ends when no drive is left to ask. A thread
+ * whose query never returns lives on after destruction, together with its share of the back-end.
  */
 class TLXX_EXPORT CThreadedSource : public IDriveSource
 {

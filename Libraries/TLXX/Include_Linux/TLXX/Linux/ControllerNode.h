@@ -12,11 +12,11 @@ namespace TLXX::Linux {
 inline constexpr std::uint32_t CONTROLLER_IOCTL = 0xC0484E41;
 
 /**
- * A controller that is known by numbers alone, open for commands that read. After it has gone each command
- * fails, even when another controller has its name by then. For use by one thread.
+ * An open controller, identified by numbers, for commands that only read. After it has gone, every command
+ * fails, even if another controller now has its name. For use by one thread.
  *
- * The commands return a status as the queries of `NvmeQuery.h` do. The block must have zeros before one, and
- * is worth nothing after one that failed.
+ * The commands return a status, like the queries of `NvmeQuery.h`. Fill the block with zeros before a
+ * command. After a failed command, ignore its content.
  */
 class TLXX_EXPORT CControllerNode
 {

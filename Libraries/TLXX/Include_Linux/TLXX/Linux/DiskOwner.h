@@ -9,7 +9,7 @@
 
 namespace TLXX::Linux {
 
-/** The controller that takes the commands for a disk, and the namespace that they name. */
+/** The controller that gets the commands for a disk, and the namespace of that disk. */
 struct CDiskOwner
 {
     std::uint32_t m_Instance = 0;
@@ -23,7 +23,7 @@ struct CDiskOwner
     TLXX_EXPORT static std::optional<CDiskOwner> Parse(std::string_view instance);
 };
 
-/** The path of the node that takes the admin commands of a controller. */
+/** The path of the node that gets the admin commands for a controller. */
 TLXX_EXPORT std::string controllerNode(std::uint32_t instance);
 
 } // namespace TLXX::Linux
