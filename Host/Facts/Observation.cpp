@@ -19,8 +19,11 @@ using Log = TLXX::NVME_SMART_HEALTH_INFORMATION_LOG;
 
 // The plug-in does not show the warning byte. It shows each of its bits as a reason of the drive's health.
 constexpr std::pair<std::uint32_t, CriticalWarning> REASONS[] = {
-    {40460, WARNING_SPARE},     {40459, WARNING_TEMPERATURE},   {40487, WARNING_RELIABILITY},
-    {40452, WARNING_READ_ONLY}, {40449, WARNING_MEMORY_BACKUP},
+    {PI::REASON_SPARE_LOW, WARNING_SPARE},
+    {PI::REASON_TEMPERATURE, WARNING_TEMPERATURE},
+    {PI::REASON_RELIABILITY_DEGRADED, WARNING_RELIABILITY},
+    {PI::REASON_READ_ONLY, WARNING_READ_ONLY},
+    {PI::REASON_MEMORY_BACKUP_FAILED, WARNING_MEMORY_BACKUP},
 };
 
 /** Nothing when the health log was not read. A warning that could not be read has not ended. */

@@ -5,6 +5,8 @@
 #include "Journal/Proofs.h"
 #include "Journal/Rules.h"
 
+#include <PI/EventCode.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -68,7 +70,7 @@ private:
     /** The plug-in only reports the end of the last warning. */
     std::optional<std::uint32_t> eventOfEnd() const
     {
-        return warnsOfNothing(m_Drive) ? std::optional(EVENT_WARNINGS_CLEARED) : std::nullopt;
+        return warnsOfNothing(m_Drive) ? std::optional(PI::EVENT_WARNINGS_CLEARED) : std::nullopt;
     }
 
     void compare(const DegreeRule& rule)
@@ -185,7 +187,7 @@ Entry added(const Cli::ObservedDrive& drive, std::uint64_t before, std::uint64_t
     return {Kind::DriveAdded,
             Phase::Change,
             Severity::Information,
-            EVENT_DRIVE_ADDED,
+            PI::EVENT_ADAPTER_ADDED,
             drive.m_Key,
             drive,
             Cli::subjectText(drive) + " was added.",
@@ -198,7 +200,7 @@ Entry removed(const DriveState& drive, std::uint64_t before, std::uint64_t now)
     return {Kind::DriveRemoved,
             Phase::Change,
             Severity::Warning,
-            EVENT_DRIVE_REMOVED,
+            PI::EVENT_ADAPTER_REMOVED,
             drive.m_Key,
             drive.m_Drive,
             Cli::subjectText(drive.m_Drive) + " was removed.",

@@ -2,6 +2,8 @@
 
 #include "Journal/Rules.h"
 
+#include <PI/EventCode.h>
+
 #include <algorithm>
 
 namespace Host::Journal {
@@ -10,7 +12,7 @@ namespace {
 bool isCleared(const Cli::ObservedDrive& drive, const std::vector<Cli::DriveEvent>& events)
 {
     return std::any_of(events.begin(), events.end(), [&](const Cli::DriveEvent& event) {
-        return event.m_Event.m_Id == EVENT_WARNINGS_CLEARED && event.m_Drive &&
+        return event.m_Event.m_Id == PI::EVENT_WARNINGS_CLEARED && event.m_Drive &&
                event.m_Drive->m_Serial == drive.m_Serial && event.m_Drive->m_PciAddress == drive.m_PciAddress;
     });
 }

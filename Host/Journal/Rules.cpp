@@ -1,5 +1,7 @@
 #include "Journal/Rules.h"
 
+#include <PI/EventCode.h>
+
 #include <algorithm>
 
 namespace Host::Journal {
@@ -9,8 +11,6 @@ using Cli::ObservedDrive;
 
 // The temperature of a drive near its limit goes up and down around it.
 constexpr float HYSTERESIS = 3; // degrees
-
-constexpr std::uint32_t EVENT_DRIVE_CHANGED = 10985;
 
 // Drives log every command that they do not know, so some of these logs grow all the time.
 constexpr std::uint64_t DAY = 86'400'000; // milliseconds
@@ -61,11 +61,13 @@ constexpr ConditionRule CONDITIONS[] = {
      "the drive does not answer; what is shown of it is from its last answer.", "the drive answers again."},
     {Kind::ReadOnly, warns<Cli::WARNING_READ_ONLY>, Severity::Error, std::nullopt, true,
      "the drive is read-only and takes no data any more.", "the drive takes data again."},
-    {Kind::ReliabilityDegraded, warns<Cli::WARNING_RELIABILITY>, Severity::Warning, 11088, true,
-     "the reliability is degraded.", "the reliability is no longer degraded."},
-    {Kind::MemoryBackupFailed, warns<Cli::WARNING_MEMORY_BACKUP>, Severity::Error, 10957, true,
-     "the backup of the volatile memory has failed.", "the backup of the volatile memory works again."},
-    {Kind::SpareLow, warns<Cli::WARNING_SPARE>, Severity::Error, 10968, true,
+    {Kind::ReliabilityDegraded, warns<Cli::WARNING_RELIABILITY>, Severity::Warning,
+     PI::EVENT_RELIABILITY_DEGRADED, true, "the reliability is degraded.",
+     "the reliability is no longer degraded."},
+    {Kind::MemoryBackupFailed, warns<Cli::WARNING_MEMORY_BACKUP>, Severity::Error,
+     PI::EVENT_MEMORY_BACKUP_FAILED, true, "the backup of the volatile memory has failed.",
+     "the backup of the volatile memory works again."},
+    {Kind::SpareLow, warns<Cli::WARNING_SPARE>, Severity::Error, PI::EVENT_SPARE_LOW, true,
      "the available spare is below its threshold.", "the available spare is no longer below its threshold."},
     {Kind::OverTemperature, isTooHot, Severity::Warning, std::nullopt, true,
      "the temperature is outside the drive's limits.", "the temperature is within the drive's limits again."},
@@ -85,9 +87,11 @@ std::optional<std::uint64_t> marginDegree(const ObservedDrive& drive)
 
 // In the order of `TLXX::ETemperatureMargin`, without the first one.
 constexpr Degree MARGIN_DEGREES[] = {
-    {Severity::Warning, 10967, "the temperature is close to the critical level."},
-    {Severity::Error, 10959, "the temperature has reached the critical level."},
-    {Severity::Error, 10960, "the temperature is well above the critical level."},
+    {Severity::Warning, PI::EVENT_TEMPERATURE_NEAR_CRITICAL,
+     "the temperature is close to the critical level."},
+    {Severity::Error, PI::EVENT_TEMPERATURE_CRITICAL, "the temperature has reached the critical level."},
+    {Severity::Error, PI::EVENT_TEMPERATURE_ABOVE_CRITICAL,
+     "the temperature is well above the critical level."},
 };
 
 constexpr DegreeRule DEGREES[] = {
@@ -159,8 +163,8 @@ constexpr FigureRule FIGURES[] = {
      errorLogText, nullptr, DAY},
     {Kind::CapacityChanged, &ObservedDrive::m_CapacityMiB, false, Severity::Warning, std::nullopt,
      capacityText, nullptr},
-    {Kind::BlockSizeChanged, &ObservedDrive::m_BlockSize, false, Severity::Information, EVENT_DRIVE_CHANGED,
-     blockSizeText, nullptr},
+    {Kind::BlockSizeChanged, &ObservedDrive::m_BlockSize, false, Severity::Information,
+     PI::EVENT_DRIVE_CHANGED, blockSizeText, nullptr},
 };
 
 const std::string& firmwareOf(const ObservedDrive& drive)

@@ -11,11 +11,6 @@
 // The rules of the journal, one row for each kind of news. In entries, the texts follow the drive's name.
 namespace Host::Journal {
 
-/** The events of the plug-in that do not belong to a single condition. */
-inline constexpr std::uint32_t EVENT_DRIVE_ADDED = 11093;
-inline constexpr std::uint32_t EVENT_DRIVE_REMOVED = 11094;
-inline constexpr std::uint32_t EVENT_WARNINGS_CLEARED = 10980;
-
 /** A rule for a condition that holds for some time. */
 struct ConditionRule
 {

@@ -3,6 +3,8 @@
 #include "Journal/ServiceLife.h"
 #include "Tables.h"
 
+#include <PI/EventCode.h>
+
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -78,7 +80,7 @@ private:
     void addEnd(Kind kind, bool isWarning, const char* text)
     {
         m_Rows.push_back({named(kindName(kind)), "`ended`", textOf(Severity::Information),
-                          isWarning ? eventText(EVENT_WARNINGS_CLEARED) + " for the last warning" : "",
+                          isWarning ? eventText(PI::EVENT_WARNINGS_CLEARED) + " for the last warning" : "",
                           text});
     }
 

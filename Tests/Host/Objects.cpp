@@ -1,5 +1,7 @@
 #include "Host/Objects.h"
 
+#include <PI/StateCode.h>
+
 namespace HostTest {
 
 DriveObjects::DriveObjects(std::uint64_t id, const std::string& serial, const std::string& device)
@@ -12,8 +14,8 @@ DriveObjects::DriveObjects(std::uint64_t id, const std::string& serial, const st
         property(PI::PROP_NAME, 1, ""),
         property(PI::PROP_VENDOR, 1, "INTEL"),
         property(PI::PROP_MODEL, 1, "MODEL-OF-THE-ADAPTER"),
-        property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{40095},
-                 std::vector<std::uint32_t>{40024, 40150, 40095}),
+        property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{PI::HEALTH_CRITICAL},
+                 std::vector<std::uint32_t>{PI::HEALTH_HEALTHY, PI::HEALTH_DEGRADED, PI::HEALTH_CRITICAL}),
         property(PI::PROP_PCI_SEGMENT, 1, std::uint64_t{0}),
         property(PI::PROP_PCI_BUS, 1, std::uint64_t{id}),
         property(PI::PROP_PCI_DEVICE, 1, std::uint64_t{0x1f}),
@@ -31,8 +33,9 @@ DriveObjects::DriveObjects(std::uint64_t id, const std::string& serial, const st
         property(PI::PROP_DATA_WRITTEN, PI::UNIT_GIB, 2.5F),
         property(PI::PROP_ENDURANCE_USED, PI::UNIT_PERCENT, 120, 0, 100, 1),
         property(PI::PROP_MEDIA_ERRORS, 1, std::uint64_t{13}),
-        property(PI::PROP_STATUS_REASONS, 1, std::vector<std::uint32_t>{40460, 40452},
-                 std::vector<std::uint32_t>{40387}),
+        property(PI::PROP_STATUS_REASONS, 1,
+                 std::vector<std::uint32_t>{PI::REASON_SPARE_LOW, PI::REASON_READ_ONLY},
+                 std::vector<std::uint32_t>{PI::FORESEEN_REASONS[0]}),
     };
     m_Drive.m_ID = id + 1;
     m_Drive.m_Type = PI::TYPE_PHYSICAL_DRIVE;

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr std::uint32_t FAILURE = 20000;
+constexpr std::uint32_t FAILURE = PI::ERR_GENERAL_FAILURE;
 
 struct ConfigFileTest : testing::Test
 {

@@ -41,15 +41,15 @@ TEST(Object, CopiesAreDeep)
     first.m_Children.clear();
     first.m_Properties.clear();
     EXPECT_EQ(copy.m_ID, 7U);
-    EXPECT_EQ(copy.m_Type, 19038U);
+    EXPECT_EQ(copy.m_Type, PI::TYPE_ADAPTER);
     EXPECT_EQ(copy.m_Parents, std::vector<std::uint64_t>{1});
     EXPECT_EQ(copy.m_Children, (std::vector<std::uint64_t>{2, 3}));
     EXPECT_EQ(copy.m_UpdateCount, 5U);
     ASSERT_EQ(copy.m_Properties.size(), 1U);
-    EXPECT_EQ(copy.m_Properties[0].Id(), 30007U);
+    EXPECT_EQ(copy.m_Properties[0].Id(), PI::PROP_NAME);
     ASSERT_EQ(copy.m_Operations.size(), 1U);
-    EXPECT_EQ(copy.m_Operations[0].Id(), 50002U);
-    EXPECT_EQ(copy.m_Operations[0].RequestedId(), 50002U);
+    EXPECT_EQ(copy.m_Operations[0].Id(), PI::OPERATION_GET_EVENTS);
+    EXPECT_EQ(copy.m_Operations[0].RequestedId(), PI::OPERATION_GET_EVENTS);
 
     PI::CObject assigned;
     assigned = copy;

@@ -1,3 +1,4 @@
+#include <PI/CaptionId.h>
 #include <PI/PluginHelper.h>
 
 #include <gtest/gtest.h>
@@ -18,13 +19,14 @@ constexpr std::uint64_t UNLIMITED = 876000; // a hundred years
 
 TEST(GenerateCProperty, TakesTheWholeDescription)
 {
-    const PI::_PROPERTY_DESCRIPTION description{30122, 23305, 1, 2, 4, PI::KIND_NUMBER, PI::UNIT_MIB, 1};
+    const PI::_PROPERTY_DESCRIPTION description{
+        PI::PROP_DRIVE_CHANNEL, PI::DRIVE_CAPTION_CHANNEL, 1, 2, 4, PI::KIND_NUMBER, PI::UNIT_MIB, 1};
     PI::CProperty property;
     CPluginHelper::GenerateCProperty(description, property);
-    EXPECT_EQ(property.Id(), 30122U);
-    EXPECT_EQ(property.NlsID(), 23305U);
+    EXPECT_EQ(property.Id(), PI::PROP_DRIVE_CHANNEL);
+    EXPECT_EQ(property.NlsID(), PI::DRIVE_CAPTION_CHANNEL);
     EXPECT_EQ(property.Kind(), 5U);
-    EXPECT_EQ(property.Units(), 21002U);
+    EXPECT_EQ(property.Units(), PI::UNIT_MIB);
     EXPECT_EQ(property.Description().attrA, 1U);
     EXPECT_EQ(property.Description().attrB, 2U);
     EXPECT_EQ(property.Description().attrC, 4U);
@@ -33,17 +35,18 @@ TEST(GenerateCProperty, TakesTheWholeDescription)
 
 TEST(GenerateCProperty, ClearsWhatWasThere)
 {
-    PI::CProperty property(30005, true);
+    PI::CProperty property(PI::PROP_POLL_INTERVAL, true);
     property.SetValue(60, 2, 255, 1);
-    property.SetNlsID(35034);
+    property.SetNlsID(PI::SHOWN_CAPTION_AVAILABLE_SPARE);
     property.SetUnits(PI::UNIT_TIB);
     property.SetSubType(8);
-    property.SetIconPathID(24002);
-    CPluginHelper::GenerateCProperty({30007, 23081, 1, 1, 0, PI::KIND_TEXT, PI::UNIT_NONE, 1}, property);
+    property.SetIconPathID(PI::ICON_ADAPTER_DEGRADED);
+    CPluginHelper::GenerateCProperty(
+        {PI::PROP_NAME, PI::CAPTION_NAME, 1, 1, 0, PI::KIND_TEXT, PI::UNIT_NONE, 1}, property);
     EXPECT_TRUE(std::holds_alternative<std::monostate>(property.GetValue()));
     EXPECT_FALSE(property.Settable());
-    EXPECT_EQ(property.Id(), 30007U);
-    EXPECT_EQ(property.NlsID(), 23081U);
+    EXPECT_EQ(property.Id(), PI::PROP_NAME);
+    EXPECT_EQ(property.NlsID(), PI::CAPTION_NAME);
     EXPECT_EQ(property.Units(), 1U);
     EXPECT_EQ(property.SubType(), 0U);
     EXPECT_EQ(property.IconPathID(), 0U);

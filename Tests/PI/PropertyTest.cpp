@@ -1,4 +1,6 @@
+#include <PI/CaptionId.h>
 #include <PI/Property.h>
+#include <PI/StateCode.h>
 
 #include <gtest/gtest.h>
 
@@ -25,19 +27,19 @@ TEST(Property, StartsWithoutAValue)
 
 TEST(Property, TakesIdentifierAndSettableFlag)
 {
-    const PI::CProperty settable(30005, true);
-    EXPECT_EQ(settable.Id(), 30005U);
+    const PI::CProperty settable(PI::PROP_POLL_INTERVAL, true);
+    EXPECT_EQ(settable.Id(), PI::PROP_POLL_INTERVAL);
     EXPECT_TRUE(settable.Settable());
     EXPECT_EQ(settable.NlsID(), 1U);
     EXPECT_EQ(settable.Description().attrC, 0xFFFFFFFFU);
-    const PI::CProperty fixed(30007, false);
-    EXPECT_EQ(fixed.Id(), 30007U);
+    const PI::CProperty fixed(PI::PROP_NAME, false);
+    EXPECT_EQ(fixed.Id(), PI::PROP_NAME);
     EXPECT_FALSE(fixed.Settable());
 }
 
 TEST(Property, OfWhateverKindIsATextUntilItIsToldOtherwise)
 {
-    PI::CProperty property(30005, true);
+    PI::CProperty property(PI::PROP_POLL_INTERVAL, true);
     EXPECT_EQ(property.Kind(), 2U);
     property.SetKind(PI::KIND_BOUNDED);
     EXPECT_EQ(property.Kind(), 7U);
@@ -84,11 +86,12 @@ TEST(Property, HoldsABoundedValueEvenOutsideItsBounds)
 TEST(Property, HoldsCodesEvenOutsideTheAllowedOnes)
 {
     PI::CProperty property;
-    property.SetValue(std::uint32_t{40095}, Codes{40024, 40150});
-    EXPECT_EQ(std::get<PI::CCodeValue>(property.GetValue()), (PI::CCodeValue{40095, {40024, 40150}}));
-    property.SetValue(Codes{40460, 40452}, Codes{40387});
+    property.SetValue(std::uint32_t{PI::HEALTH_CRITICAL}, Codes{PI::HEALTH_HEALTHY, PI::HEALTH_DEGRADED});
+    EXPECT_EQ(std::get<PI::CCodeValue>(property.GetValue()),
+              (PI::CCodeValue{PI::HEALTH_CRITICAL, {PI::HEALTH_HEALTHY, PI::HEALTH_DEGRADED}}));
+    property.SetValue(Codes{PI::REASON_SPARE_LOW, PI::REASON_READ_ONLY}, Codes{PI::FORESEEN_REASONS[0]});
     EXPECT_EQ(std::get<PI::CCodeListValue>(property.GetValue()),
-              (PI::CCodeListValue{{40460, 40452}, {40387}}));
+              (PI::CCodeListValue{{PI::REASON_SPARE_LOW, PI::REASON_READ_ONLY}, {PI::FORESEEN_REASONS[0]}}));
 }
 
 TEST(Property, ReadsNoBoundedValueOutOfAnotherType)
@@ -111,19 +114,19 @@ TEST(Property, ReadsNoBoundedValueOutOfAnotherType)
 
 TEST(Property, ReplacementsShowInTheDescription)
 {
-    PI::CProperty property(30490, false);
-    property.SetNlsID(35034);
+    PI::CProperty property(PI::PROP_DATA_WRITTEN, false);
+    property.SetNlsID(PI::SHOWN_CAPTION_AVAILABLE_SPARE);
     property.SetUnits(PI::UNIT_TIB);
     property.SetAttrC(0);
     property.SetSubType(8);
-    property.SetIconPathID(24002);
-    EXPECT_EQ(property.Description().nlsId, 35034U);
-    EXPECT_EQ(property.Description().units, 21004U);
+    property.SetIconPathID(PI::ICON_ADAPTER_DEGRADED);
+    EXPECT_EQ(property.Description().nlsId, PI::SHOWN_CAPTION_AVAILABLE_SPARE);
+    EXPECT_EQ(property.Description().units, PI::UNIT_TIB);
     EXPECT_EQ(property.Description().attrC, 0U);
-    EXPECT_EQ(property.NlsID(), 35034U);
-    EXPECT_EQ(property.Units(), 21004U);
+    EXPECT_EQ(property.NlsID(), PI::SHOWN_CAPTION_AVAILABLE_SPARE);
+    EXPECT_EQ(property.Units(), PI::UNIT_TIB);
     EXPECT_EQ(property.SubType(), 8U);
-    EXPECT_EQ(property.IconPathID(), 24002U);
+    EXPECT_EQ(property.IconPathID(), PI::ICON_ADAPTER_DEGRADED);
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <DatabaseORM/DatabaseDAO.h>
 #include <DatabaseORM/DatabaseException.h>
 #include <DatabaseORM/ValueText.h>
+#include <PI/ErrorCode.h>
 #include <TLX/LanguageSupport.h>
 
 #include <gmock/gmock.h>
@@ -175,7 +176,7 @@ protected:
     void ExpectLinesOfFailures(const std::string& unit, const Statements& statements)
     {
         BreakDatabase("broken");
-        ExpectLines(unit, statements, 20000, &CRowStatement::m_Failed);
+        ExpectLines(unit, statements, PI::ERR_GENERAL_FAILURE, &CRowStatement::m_Failed);
     }
 
     /** No line at `mask`, whether the statements succeed or fail. */
@@ -186,7 +187,7 @@ protected:
             EXPECT_EQ(statement.m_Run(m_Plugin), 0U) << statement.m_Function;
         BreakDatabase("broken");
         for (const CRowStatement& statement : statements)
-            EXPECT_EQ(statement.m_Run(m_Plugin), 20000U) << statement.m_Function;
+            EXPECT_EQ(statement.m_Run(m_Plugin), PI::ERR_GENERAL_FAILURE) << statement.m_Function;
         EXPECT_THAT(capture.Lines(), testing::IsEmpty());
     }
 

@@ -2,6 +2,8 @@
 
 #include "Host/Writable.h"
 
+#include <PI/ErrorCode.h>
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -80,8 +82,8 @@ TEST(CheckCommand, TellsInOneLineWhyThereIsNoVerdict)
 
 TEST(CheckCommand, TellsInADocumentWhyThereIsNoVerdict)
 {
-    const auto document =
-        nlohmann::json::parse(noVerdict("Refused.", true, true, Host::RequestResult{1, 20001}));
+    const auto document = nlohmann::json::parse(
+        noVerdict("Refused.", true, true, Host::RequestResult{1, PI::ERR_NO_SUPPORTED_HARDWARE}));
     EXPECT_EQ(document, nlohmann::json::parse(R"({"format": 1, "simulated": true, "state": 3,
         "stateText": "UNKNOWN", "message": "Refused.", "drives": [], "error": {"request": 1, "code": 20001,
         "name": "ERR_NO_SUPPORTED_HARDWARE", "message": "Refused."}})"));

@@ -6,6 +6,7 @@
 #include "Support/FakeDrives.h"
 #include "Support/TemporaryFolder.h"
 
+#include <PI/ErrorCode.h>
 #include <TLXX/NvmeQuery.h>
 
 namespace {
@@ -307,7 +308,7 @@ TEST(CheckRefusal, NamesTheDrivesOnWhichThePluginMayHaveFailed)
         states.push_back(stateOf(i));
     states.push_back(stateOf(0));
     states.back().m_AccessStatus = NO_PERMISSION;
-    const std::vector<Check> checks = checkRefusal(states, {4, 20000});
+    const std::vector<Check> checks = checkRefusal(states, {4, PI::ERR_GENERAL_FAILURE});
     EXPECT_THAT(checks, ElementsAre(finding(Finding::Problem, "model is \"INTEL\", only the maker's name"),
                                     finding(Finding::Problem, "model is \"SAMSUNG\""),
                                     finding(Finding::Problem, "does not identify itself")));
@@ -320,7 +321,7 @@ TEST(CheckRefusal, SaysOfEachDiskWhyNoneIsSupported)
     drives.m_Fakes.At(1).m_ControllerStatuses = {5};
     drives.identify(0);
     drives.identify(1);
-    EXPECT_THAT(checkRefusal({stateOf(0), stateOf(1)}, {1, 20001}),
+    EXPECT_THAT(checkRefusal({stateOf(0), stateOf(1)}, {1, PI::ERR_NO_SUPPORTED_HARDWARE}),
                 ElementsAre(finding(Finding::Note, "is left out on purpose"),
                             finding(Finding::Problem, "does not identify itself")));
 }

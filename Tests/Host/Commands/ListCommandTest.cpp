@@ -5,6 +5,7 @@
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 
+#include <PI/StateCode.h>
 #include <TLX/Clock.h>
 #include <TLXX/NvmeQuery.h>
 
@@ -28,10 +29,10 @@ protected:
         drive.m_CapacityMiB = 1907729;
         drive.m_Temperature = 110;
         drive.m_Wear = 1200;
-        drive.m_Health = {40095, "Critical"};
-        drive.m_Reasons = {{40459, "Temperature outside its limits"},
-                           {40460, "Available spare below its threshold"},
-                           {40452, "Media is read-only"}};
+        drive.m_Health = {PI::HEALTH_CRITICAL, "Critical"};
+        drive.m_Reasons = {{PI::REASON_TEMPERATURE, "Temperature outside its limits"},
+                           {PI::REASON_SPARE_LOW, "Available spare below its threshold"},
+                           {PI::REASON_READ_ONLY, "Media is read-only"}};
         return drive;
     }
 

@@ -7,6 +7,7 @@
 #include "Plugins/ObjectStore.h"
 #include "Support/FakeDrives.h"
 
+#include <PI/CaptionId.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <regex>
@@ -24,7 +25,7 @@ protected:
     {
         for (PI::CProperty& one : m_Objects.m_Drive.m_Properties)
             if (one.Id() == PI::PROP_CAPACITY)
-                one.SetNlsID(23304);
+                one.SetNlsID(PI::DRIVE_CAPTION_CAPACITY);
     }
 
     HostTest::DriveObjects m_Objects{16, "S", "/dev/nvme0n1"};
@@ -45,7 +46,7 @@ TEST_F(ShowCommandTest, FindsAPropertyByNumberOrCaptionOnEitherObject)
 TEST_F(ShowCommandTest, PassesOverBlanksInCaptions)
 {
     PI::CProperty interval = HostTest::property(PI::PROP_POLL_INTERVAL, PI::UNIT_SECONDS, 30, 2, 255, 1);
-    interval.SetNlsID(23335);
+    interval.SetNlsID(PI::PLUGIN_CAPTION_POLL_INTERVAL);
     m_Objects.m_Drive.m_Properties.push_back(interval);
     for (const char* name : {"pollinterval", "Poll interval", "POLL INTERVAL ", "30005"}) {
         const Host::Cli::NamedProperty found = namedProperty(m_Both, name);

@@ -3,6 +3,9 @@
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 
+#include <PI/CaptionId.h>
+#include <PI/StateCode.h>
+
 namespace {
 
 using Host::Cli::topologyText;
@@ -34,10 +37,13 @@ TEST_F(TopologyCommandTest, ShowsEachObjectBelowItsParent)
         objectOf(3, PI::TYPE_PHYSICAL_DRIVE, {},
                  {property(PI::PROP_NAME, 1, "Prod\033uct"),
                   property(PI::PROP_CAPACITY, PI::UNIT_MIB, std::uint64_t{5})})};
-    objects[0].m_Operations.emplace_back(PI::COperationTemplate{50002, 0, 0, 0, 0, false, 0, 0, 0});
+    objects[0].m_Operations.emplace_back(
+        PI::COperationTemplate{PI::OPERATION_GET_EVENTS, 0, 0, 0, 0, false, 0, 0, 0});
     for (PI::CObject& object : objects)
         for (PI::CProperty& one : object.m_Properties)
-            one.SetNlsID(one.Id() == PI::PROP_CAPACITY ? 23304 : one.Id() == PI::PROP_NAME ? 23081 : 1);
+            one.SetNlsID(one.Id() == PI::PROP_CAPACITY ? PI::DRIVE_CAPTION_CAPACITY
+                         : one.Id() == PI::PROP_NAME   ? PI::CAPTION_NAME
+                                                       : PI::CAPTION_NONE);
     EXPECT_EQ(topologyText(Host::ObjectStore(objects), {}),
               "Plug-in The plug-in  0x0000000000000001\n"
               "  Name  The plug-in\n"
@@ -71,7 +77,8 @@ TEST_F(TopologyCommandTest, FitsATerminalThatIsAsNarrowAsItsCaptions)
     const Host::ObjectStore store({objectOf(
         1, PI::TYPE_ADAPTER, {},
         {property(PI::PROP_NAME, 1, "A drive"), property(PI::PROP_DRIVER, 1, "one two three four five"),
-         property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{40460}, std::vector<std::uint32_t>{})})});
+         property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{PI::REASON_SPARE_LOW},
+                  std::vector<std::uint32_t>{})})});
     EXPECT_EQ(topologyText(store, {25, false}), "Adapter A drive\n"
                                                 "0x0000000000000001\n"
                                                 "  Property 30007\n"
@@ -86,9 +93,10 @@ TEST_F(TopologyCommandTest, FitsATerminalThatIsAsNarrowAsItsCaptions)
 
 TEST_F(TopologyCommandTest, ColoursStates)
 {
-    const Host::ObjectStore store({objectOf(
-        1, PI::TYPE_ADAPTER, {},
-        {property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{40150}, std::vector<std::uint32_t>{})})});
+    const Host::ObjectStore store(
+        {objectOf(1, PI::TYPE_ADAPTER, {},
+                  {property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{PI::HEALTH_DEGRADED},
+                            std::vector<std::uint32_t>{})})});
     EXPECT_THAT(topologyText(store, {80, true}), testing::HasSubstr("\033[33mDegraded\033[0m"));
 }
 

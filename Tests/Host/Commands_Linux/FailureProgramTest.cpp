@@ -2,6 +2,8 @@
 #include "Host/Commands_Linux/SimulatedProgram.h"
 #include "Support/TemporaryFolder.h"
 
+#include <PI/ErrorCode.h>
+
 #include <nlohmann/json.hpp>
 
 #include <sys/stat.h>
@@ -48,7 +50,7 @@ TEST(ProgramFailure, ReportsMissingHardwareWithItsRequest)
     EXPECT_EQ(json::parse(document.m_Output)["simulated"], true);
     const json error = json::parse(document.m_Output)["error"];
     EXPECT_EQ(error["request"], 1);
-    EXPECT_EQ(error["code"], 20001);
+    EXPECT_EQ(error["code"], PI::ERR_NO_SUPPORTED_HARDWARE);
     EXPECT_EQ(error["name"], "ERR_NO_SUPPORTED_HARDWARE");
     EXPECT_TRUE(error["message"].is_string());
 }

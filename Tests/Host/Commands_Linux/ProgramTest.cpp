@@ -1,6 +1,9 @@
 #include "Host/Commands_Linux/SimulatedProgram.h"
 #include "Support/TemporaryFolder.h"
 
+#include <PI/Object.h>
+#include <PI/StateCode.h>
+
 #include <nlohmann/json.hpp>
 
 namespace {
@@ -62,8 +65,10 @@ TEST(Program, ListsAsJson)
     EXPECT_EQ(intel["driverVersion"], "1.0");
     EXPECT_FALSE(intel.contains("reasons"));
     EXPECT_FALSE(document["drives"][5].contains("vendor"));
-    EXPECT_EQ(document["drives"][6]["reasonCodes"], json({40459, 40460, 40487, 40452}));
-    EXPECT_EQ(document["drives"][6]["healthCode"], 40095);
+    EXPECT_EQ(document["drives"][6]["reasonCodes"],
+              json({PI::REASON_TEMPERATURE, PI::REASON_SPARE_LOW, PI::REASON_RELIABILITY_DEGRADED,
+                    PI::REASON_READ_ONLY}));
+    EXPECT_EQ(document["drives"][6]["healthCode"], PI::HEALTH_CRITICAL);
 }
 
 TEST(Program, ShowsTheTopologyAsJson)
@@ -75,12 +80,12 @@ TEST(Program, ShowsTheTopologyAsJson)
     const json& objects = document["objects"];
     ASSERT_EQ(objects.size(), 15U);
     EXPECT_EQ(objects[0]["id"], "0x0139000000000000");
-    EXPECT_EQ(objects[0]["type"], 19006);
+    EXPECT_EQ(objects[0]["type"], PI::TYPE_PLUGIN);
     EXPECT_EQ(objects[0]["children"].size(), 7U);
     EXPECT_EQ(objects[0]["operations"], json::parse(R"([{"id": 50002, "name": "Collect events"}])"));
-    EXPECT_EQ(objects[1]["type"], 19038);
+    EXPECT_EQ(objects[1]["type"], PI::TYPE_ADAPTER);
     EXPECT_EQ(objects[1]["parents"], json::parse(R"(["0x0139000000000000"])"));
-    EXPECT_EQ(objects[8]["type"], 19018);
+    EXPECT_EQ(objects[8]["type"], PI::TYPE_PHYSICAL_DRIVE);
     EXPECT_EQ(objects[8]["parents"][0], objects[1]["id"]);
     const json& interval = objects[0]["properties"][4];
     EXPECT_EQ(interval, json::parse(R"({"id": 30005, "caption": "Poll interval", "value": 30, "text": "30 s",
@@ -115,7 +120,7 @@ TEST(Program, ShowsObjectsAndProperties)
     const json one =
         json::parse(runProgram(simulated({"show", "PCI:Bus=1&Device=0&Function=0&ID=0", "--json"})).m_Output);
     ASSERT_EQ(one["objects"].size(), 1U);
-    EXPECT_EQ(one["objects"][0]["type"], 19018);
+    EXPECT_EQ(one["objects"][0]["type"], PI::TYPE_PHYSICAL_DRIVE);
     EXPECT_THAT(runProgram(simulated({"show", "0x0139000000000000"})).m_Output,
                 HasSubstr("Poll interval  30 s\n"));
 }

@@ -4,6 +4,8 @@
 #include "Support/TemporaryFolder.h"
 
 #include <Database/Database.h>
+#include <PI/ErrorCode.h>
+#include <PI/EventCode.h>
 
 #include <nlohmann/json.hpp>
 
@@ -81,7 +83,7 @@ TEST_F(WatchProgram, PrintsEachEventOnceAndKeepsTheRows)
 
     // Pending events come with the newest first.
     const json removed = nextEvent(program);
-    EXPECT_EQ(removed["id"], 11094);
+    EXPECT_EQ(removed["id"], PI::EVENT_ADAPTER_REMOVED);
     EXPECT_EQ(removed["severity"], 3);
     EXPECT_EQ(removed["source"], "0x0000000000004a3a");
     EXPECT_EQ(removed["placeholder2"], " ");
@@ -90,12 +92,12 @@ TEST_F(WatchProgram, PrintsEachEventOnceAndKeepsTheRows)
     EXPECT_EQ(removed["simulated"], true);
     EXPECT_THAT(removed["time"].get<std::string>(), AllOf(StartsWith("20"), EndsWith("Z")));
     const json added = nextEvent(program);
-    EXPECT_EQ(added["id"], 11093);
+    EXPECT_EQ(added["id"], PI::EVENT_ADAPTER_ADDED);
     EXPECT_EQ(added["severity"], 2);
     EXPECT_EQ(added["sourceName"], "");
     EXPECT_EQ(added["text"], "INTEL MODEL (C) was added.");
     EXPECT_EQ(added["drive"]["pciAddress"], "0000:03:00.0");
-    for (const int id : {11088, 10957}) {
+    for (const std::uint32_t id : {PI::EVENT_RELIABILITY_DEGRADED, PI::EVENT_MEMORY_BACKUP_FAILED}) {
         const json warning = nextEvent(program);
         EXPECT_EQ(warning["id"], id);
         EXPECT_EQ(warning["drive"]["serial"], "A");
@@ -169,7 +171,7 @@ TEST_F(WatchProgram, ReportsMissingHardwareInOneLine)
     EXPECT_EQ(result.m_ExitCode, 3) << "nobody waits longer than --for says";
     EXPECT_THAT(result.m_Errors, HasSubstr("Waiting for the first drive."));
     EXPECT_EQ(std::count(result.m_Output.begin(), result.m_Output.end(), '\n'), 1);
-    EXPECT_EQ(json::parse(result.m_Output)["error"]["code"], 20001);
+    EXPECT_EQ(json::parse(result.m_Output)["error"]["code"], PI::ERR_NO_SUPPORTED_HARDWARE);
 }
 
 TEST_F(WatchProgram, APipeGetsEventsAlone)
@@ -238,7 +240,7 @@ TEST_F(WatchProgram, WaitsForTheFirstDrive)
     fleet({{1, "A"}});
     program.awaitMessage("adapter count is 1");
     fleet({{1, "A", 0x04}});
-    EXPECT_EQ(nextEvent(program)["id"], 11088);
+    EXPECT_EQ(nextEvent(program)["id"], PI::EVENT_RELIABILITY_DEGRADED);
     program.send(SIGTERM);
     EXPECT_EQ(program.finish().m_ExitCode, 0);
 }
@@ -270,7 +272,7 @@ TEST_F(WatchProgram, ADriveThatHangsHidesNoOtherAndDelaysNoEnd)
                               drive("B", R"("health": {"temperature": 20, "criticalWarning": 4})") + "]}");
     std::filesystem::rename(m_Fleet.Path() / "next", m_Fleet.Path() / "fleet.json");
     json told = nextEvent(program);
-    while (told["id"] != 11088)
+    while (told["id"] != PI::EVENT_RELIABILITY_DEGRADED)
         told = nextEvent(program);
     EXPECT_EQ(told["drive"]["serial"], "B");
     program.send(SIGTERM);
@@ -350,7 +352,7 @@ TEST_F(WatchProgram, SetLeavesARunningWatchAlone)
     EXPECT_EQ(m_Data.Read("Ostrel.ini"), "PollInterval=60\n");
     EXPECT_EQ(query("SELECT ID FROM Plugin; SELECT ID FROM Adapter"), before);
     fleet({{1, "A"}});
-    EXPECT_EQ(nextEvent(program)["id"], 11094);
+    EXPECT_EQ(nextEvent(program)["id"], PI::EVENT_ADAPTER_REMOVED);
     program.send(SIGTERM);
     EXPECT_EQ(program.finish().m_ExitCode, 0);
     EXPECT_THAT(query("SELECT SerialNumber FROM Adapter; SELECT DriveKey FROM PD; PRAGMA integrity_check"),

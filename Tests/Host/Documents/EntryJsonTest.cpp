@@ -2,6 +2,8 @@
 
 #include "Support/SourceTree.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
@@ -14,7 +16,7 @@ using namespace Host::Journal;
 
 TEST(EntryJsonTest, AnEntryTellsWhatWhenAndOfWhich)
 {
-    Entry entry{Kind::SpareLow, Phase::Present, Severity::Error,  10968, "K", {},
+    Entry entry{Kind::SpareLow, Phase::Present, Severity::Error,  PI::EVENT_SPARE_LOW, "K", {},
                 "x: text.",     std::nullopt,   1'767'225'600'123};
     entry.m_Drive.m_Device = "/dev/nvme0n1";
     entry.m_Drive.m_Serial = "S";

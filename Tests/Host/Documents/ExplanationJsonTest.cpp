@@ -3,6 +3,8 @@
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 
+#include <PI/StateCode.h>
+
 #include <nlohmann/json.hpp>
 
 namespace {
@@ -15,9 +17,10 @@ PI::CObject failing()
 {
     PI::CObject object;
     object.m_ID = 16;
-    object.m_Properties = {property(PI::PROP_HEALTH_STATUS, 1, 40095U, std::vector<std::uint32_t>{}),
-                           property(PI::PROP_STATUS_REASONS, 1, std::vector<std::uint32_t>{40452},
-                                    std::vector<std::uint32_t>{})};
+    object.m_Properties = {
+        property(PI::PROP_HEALTH_STATUS, 1, PI::HEALTH_CRITICAL, std::vector<std::uint32_t>{}),
+        property(PI::PROP_STATUS_REASONS, 1, std::vector<std::uint32_t>{PI::REASON_READ_ONLY},
+                 std::vector<std::uint32_t>{})};
     return object;
 }
 
@@ -28,8 +31,8 @@ TEST(ExplanationsJson, NameObjectPropertyAndCode)
     const nlohmann::ordered_json list = explanationsJson(Host::ObjectStore({object}), {&object});
     ASSERT_EQ(list.size(), 1U);
     EXPECT_EQ(list[0]["object"], "0x0000000000000010");
-    EXPECT_EQ(list[0]["property"], 30165);
-    EXPECT_EQ(list[0]["code"], 40452);
+    EXPECT_EQ(list[0]["property"], PI::PROP_STATUS_REASONS);
+    EXPECT_EQ(list[0]["code"], PI::REASON_READ_ONLY);
     EXPECT_EQ(list[0]["text"], "Media is read-only");
     EXPECT_THAT(list[0]["meaning"].get<std::string>(), testing::HasSubstr("stopped taking data"));
     EXPECT_THAT(list[0]["advice"].get<std::string>(), testing::HasSubstr("replace it"));

@@ -5,6 +5,10 @@
 #include "Host/Writable.h"
 #include "Support/FakeDrives.h"
 
+#include <PI/CaptionId.h>
+#include <PI/ErrorCode.h>
+#include <PI/EventCode.h>
+#include <PI/StateCode.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <nlohmann/json.hpp>
@@ -30,7 +34,7 @@ Json parsed(const char* text)
 TEST_F(JsonTest, WritesAPropertyOfEachKind)
 {
     PI::CProperty temperature = property(PI::PROP_TEMPERATURE, PI::UNIT_CELSIUS, 36.5F);
-    temperature.SetNlsID(23024);
+    temperature.SetNlsID(PI::CAPTION_TEMPERATURE);
     EXPECT_EQ(propertyJson(temperature), parsed(R"({"id": 30442, "caption": "Temperature", "value": 36.5,
         "text": "36.5 °C", "unit": 21000, "unitText": "°C", "settable": false})"));
 
@@ -48,14 +52,15 @@ TEST_F(JsonTest, WritesAPropertyOfEachKind)
     EXPECT_EQ(propertyJson(interval), parsed(R"({"id": 30005, "value": 30, "text": "30 s", "unit": 21007,
         "unitText": "s", "settable": true, "minimum": 2, "maximum": 255, "step": 1})"));
 
-    PI::CProperty health =
-        property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{40024}, std::vector<std::uint32_t>{40024, 40150});
-    health.SetIconPathID(24000);
+    PI::CProperty health = property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{PI::HEALTH_HEALTHY},
+                                    std::vector<std::uint32_t>{PI::HEALTH_HEALTHY, PI::HEALTH_DEGRADED});
+    health.SetIconPathID(PI::ICON_ADAPTER_HEALTHY);
     EXPECT_EQ(propertyJson(health), parsed(R"({"id": 30017, "value": 40024, "text": "Healthy",
         "settable": false, "allowed": [40024, 40150], "icon": 24000})"));
 
-    EXPECT_EQ(propertyJson(property(PI::PROP_STATUS_REASONS, 1, std::vector<std::uint32_t>{40452, 40460},
-                                    std::vector<std::uint32_t>{40387})),
+    EXPECT_EQ(propertyJson(property(PI::PROP_STATUS_REASONS, 1,
+                                    std::vector<std::uint32_t>{PI::REASON_READ_ONLY, PI::REASON_SPARE_LOW},
+                                    std::vector<std::uint32_t>{PI::FORESEEN_REASONS[0]})),
               parsed(R"({"id": 30165, "value": [40452, 40460],
                          "text": "Media is read-only; Available spare below its threshold",
                          "settable": false, "allowed": [40387]})"));
@@ -73,7 +78,8 @@ TEST_F(JsonTest, WritesAnObject)
     object.m_Type = PI::TYPE_ADAPTER;
     object.m_Parents = {0x0139000000000000};
     object.m_UpdateCount = 3;
-    object.m_Operations.emplace_back(PI::COperationTemplate{50002, 0, 0, 0, 0, false, 0, 0, 0});
+    object.m_Operations.emplace_back(
+        PI::COperationTemplate{PI::OPERATION_GET_EVENTS, 0, 0, 0, 0, false, 0, 0, 0});
     EXPECT_EQ(objectJson(Host::ObjectStore({object}), object),
               parsed(R"({"id": "0x0139000000000001", "type": 19038,
         "parents": ["0x0139000000000000"], "children": [], "updateCount": 3, "properties": [],
@@ -200,9 +206,9 @@ TEST_F(JsonTest, WritesAnEventInOneLine)
 {
     DriveEvent event;
     event.m_Event.m_Time = 1'767'225'600'007;
-    event.m_Event.m_Id = 11093;
-    event.m_Event.m_Severity = 2;
-    event.m_Event.m_Source = 19002;
+    event.m_Event.m_Id = PI::EVENT_ADAPTER_ADDED;
+    event.m_Event.m_Severity = PI::EVENT_SEVERITY_INFORMATION;
+    event.m_Event.m_Source = PI::EVENT_SOURCE_HOST;
     event.m_Event.SetSource("name");
     event.m_Event.SetPlaceHolder1("first\n");
     event.m_Event.SetPlaceHolder2(" ");
@@ -221,7 +227,7 @@ TEST_F(JsonTest, WritesAnEventInOneLine)
 
 TEST_F(JsonTest, WritesFailures)
 {
-    EXPECT_EQ(failureJson("m", Host::RequestResult{1, 20001}),
+    EXPECT_EQ(failureJson("m", Host::RequestResult{1, PI::ERR_NO_SUPPORTED_HARDWARE}),
               parsed(R"({"error": {"request": 1, "code": 20001, "name": "ERR_NO_SUPPORTED_HARDWARE",
                                    "message": "m"}})"));
     EXPECT_EQ(failureJson("m", std::nullopt), parsed(R"({"error": {"message": "m"}})"));

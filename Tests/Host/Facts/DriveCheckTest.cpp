@@ -3,6 +3,8 @@
 #include "Host/Objects.h"
 #include "Support/SystemStatus.h"
 
+#include <PI/StateCode.h>
+
 #include <gmock/gmock.h>
 
 namespace {
@@ -34,8 +36,9 @@ TEST(DriveCheck, WarnsOfADriveThatMissedTheFirstRound)
 {
     DriveObjects drive(1, "S1", "/dev/nvme0n1");
     drive.remove(PI::PROP_HEALTH_STATUS);
-    drive.m_Adapter.m_Properties.push_back(HostTest::property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{40024},
-                                                              std::vector<std::uint32_t>{40024}));
+    drive.m_Adapter.m_Properties.push_back(
+        HostTest::property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{PI::HEALTH_HEALTHY},
+                           std::vector<std::uint32_t>{PI::HEALTH_HEALTHY}));
     const Snapshot snapshot(
         Host::ObjectStore(HostTest::topologyOf({drive}), {}, {answerOf("/dev/nvme0n1", true)}), 1, 1);
     EXPECT_EQ(checkDrives(snapshot, 1).at(0).m_Judgement.m_Verdict, Verdict::Ok);

@@ -2,13 +2,12 @@
 
 #include "Host/Catalogue.h"
 
+#include <PI/EventCode.h>
+
 namespace {
 
 using namespace Host::Cli;
 using testing::ElementsAre;
-
-constexpr std::uint32_t ADDED = 11093;
-constexpr std::uint32_t REMOVED = 11094;
 
 class DriveEventTest : public testing::Test
 {
@@ -25,11 +24,12 @@ protected:
         return result;
     }
 
-    static PI::CEvent event(std::uint32_t id, const std::string& name = {}, std::uint64_t source = 19002)
+    static PI::CEvent event(std::uint32_t id, const std::string& name = {},
+                            std::uint64_t source = PI::EVENT_SOURCE_HOST)
     {
         PI::CEvent result;
         result.m_Id = id;
-        result.m_Severity = 2;
+        result.m_Severity = PI::EVENT_SEVERITY_INFORMATION;
         result.m_Source = source;
         result.SetSource(name);
         result.SetPlaceHolder1(name);
@@ -54,24 +54,29 @@ TEST_F(DriveEventTest, FindsTheSourceAmongAdaptersAndDrives)
 {
     const std::vector<Drive> before = {drive(0x10, "GONE"), drive(0x20, "B")};
     const std::vector<Drive> after = {drive(0x20, "B"), drive(0x30, "C")};
-    EXPECT_THAT(serials(withDrives({event(10968, "n", 0x20), event(10985, "n", 0x31), event(10957, "n", 0x10),
-                                    event(10957, "n", 0x99)},
-                                   before, after)),
-                ElementsAre("B", "C", "GONE", "-"));
+    EXPECT_THAT(
+        serials(withDrives({event(PI::EVENT_SPARE_LOW, "n", 0x20), event(PI::EVENT_DRIVE_CHANGED, "n", 0x31),
+                            event(PI::EVENT_MEMORY_BACKUP_FAILED, "n", 0x10),
+                            event(PI::EVENT_MEMORY_BACKUP_FAILED, "n", 0x99)},
+                           before, after)),
+        ElementsAre("B", "C", "GONE", "-"));
 }
 
 TEST_F(DriveEventTest, NewAdaptersWithoutANameStandInTheOrderOfTheTopology)
 {
     const std::vector<Drive> before = {drive(0x10, "A")};
     const std::vector<Drive> after = {drive(0x40, "D"), drive(0x10, "A"), drive(0x30, "C"), drive(0x20, "B")};
-    EXPECT_THAT(serials(withDrives({event(ADDED), event(ADDED), event(ADDED)}, before, after)),
+    EXPECT_THAT(serials(withDrives({event(PI::EVENT_ADAPTER_ADDED), event(PI::EVENT_ADAPTER_ADDED),
+                                    event(PI::EVENT_ADAPTER_ADDED)},
+                                   before, after)),
                 ElementsAre("D", "C", "B"));
 }
 
 TEST_F(DriveEventTest, RemovedAdaptersStandInReverse)
 {
     const std::vector<Drive> before = {drive(0x40, "D"), drive(0x10, "A"), drive(0x30, "C")};
-    EXPECT_THAT(serials(withDrives({event(REMOVED), event(REMOVED)}, before, {drive(0x10, "A")})),
+    EXPECT_THAT(serials(withDrives({event(PI::EVENT_ADAPTER_REMOVED), event(PI::EVENT_ADAPTER_REMOVED)},
+                                   before, {drive(0x10, "A")})),
                 ElementsAre("C", "D"));
 }
 
@@ -79,35 +84,39 @@ TEST_F(DriveEventTest, ANameCountsMoreThanTheOrder)
 {
     const std::vector<Drive> before = {drive(0x10, "A", "one"), drive(0x20, "B", "two"), drive(0x30, "C")};
     EXPECT_THAT(
-        serials(withDrives({event(REMOVED, "one"), event(REMOVED, "two"), event(REMOVED)}, before, {})),
+        serials(withDrives({event(PI::EVENT_ADAPTER_REMOVED, "one"), event(PI::EVENT_ADAPTER_REMOVED, "two"),
+                            event(PI::EVENT_ADAPTER_REMOVED)},
+                           before, {})),
         ElementsAre("A", "B", "C"));
 }
 
 TEST_F(DriveEventTest, ASwapIsOneOfEach)
 {
-    EXPECT_THAT(
-        serials(withDrives({event(REMOVED), event(ADDED)}, {drive(0x10, "OLD")}, {drive(0x20, "NEW")})),
-        ElementsAre("OLD", "NEW"));
+    EXPECT_THAT(serials(withDrives({event(PI::EVENT_ADAPTER_REMOVED), event(PI::EVENT_ADAPTER_ADDED)},
+                                   {drive(0x10, "OLD")}, {drive(0x20, "NEW")})),
+                ElementsAre("OLD", "NEW"));
 }
 
 TEST_F(DriveEventTest, NobodyGuessesWhenOneCameAndWentMeanwhile)
 {
-    EXPECT_THAT(serials(withDrives({event(ADDED), event(ADDED), event(REMOVED)}, {}, {drive(0x20, "B")})),
+    EXPECT_THAT(serials(withDrives({event(PI::EVENT_ADAPTER_ADDED), event(PI::EVENT_ADAPTER_ADDED),
+                                    event(PI::EVENT_ADAPTER_REMOVED)},
+                                   {}, {drive(0x20, "B")})),
                 ElementsAre("-", "-", "-"));
 }
 
 TEST_F(DriveEventTest, ANameInEveryPlaceOfTheText)
 {
-    DriveEvent changed{event(10985, "%2"), std::nullopt};
+    DriveEvent changed{event(PI::EVENT_DRIVE_CHANGED, "%2"), std::nullopt};
     changed.m_Event.SetPlaceHolder2("%1");
     EXPECT_EQ(eventText(changed), "%2: drive %1 has changed.");
-    EXPECT_EQ(eventText({event(ADDED, "name"), std::nullopt}), "name was added.");
+    EXPECT_EQ(eventText({event(PI::EVENT_ADAPTER_ADDED, "name"), std::nullopt}), "name was added.");
     EXPECT_EQ(eventText({event(4712, "name"), std::nullopt}), "Event 4712 of name");
 }
 
 TEST_F(DriveEventTest, ANamelessAdapterGoesByModelAndSerialNumber)
 {
-    DriveEvent added{event(ADDED), drive(0x10, "A")};
+    DriveEvent added{event(PI::EVENT_ADAPTER_ADDED), drive(0x10, "A")};
     EXPECT_EQ(eventText(added), "MODEL (A) was added.");
     added.m_Drive->m_Vendor = "INTEL";
     EXPECT_EQ(eventText(added), "INTEL MODEL (A) was added.");

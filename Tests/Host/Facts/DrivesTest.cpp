@@ -4,6 +4,7 @@
 #include "Host/Objects.h"
 #include "Support/FakeDrives.h"
 
+#include <PI/StateCode.h>
 #include <TLXX/NvmeQuery.h>
 
 namespace {
@@ -46,10 +47,10 @@ TEST_F(DrivesTest, TakesTheAdaptersValuesAndTheDrivesWhereTheAdapterHasNone)
     EXPECT_EQ(drive.m_BlockSize, 4096U);
     EXPECT_EQ(drive.m_Temperature, 36.0F);
     EXPECT_EQ(drive.m_Wear, 120);
-    EXPECT_EQ(drive.m_Health->m_Code, 40095U);
+    EXPECT_EQ(drive.m_Health->m_Code, PI::HEALTH_CRITICAL);
     EXPECT_EQ(drive.m_Health->m_Text, "Critical");
     ASSERT_EQ(drive.m_Reasons.size(), 2U);
-    EXPECT_EQ(drive.m_Reasons[1].m_Code, 40452U);
+    EXPECT_EQ(drive.m_Reasons[1].m_Code, PI::REASON_READ_ONLY);
     EXPECT_EQ(drive.m_Reasons[1].m_Text, "Media is read-only");
     EXPECT_EQ(drive.m_Spare, 98);
     EXPECT_EQ(drive.m_SpareThreshold, 7);
@@ -91,14 +92,14 @@ TEST_F(DrivesTest, TheHealthOfADriveWithoutAHealthLogIsUnknown)
     EXPECT_EQ(joined(m_Objects).m_Health->m_Text, "Critical");
     m_Objects.remove(PI::PROP_HEALTH_STATUS);
     m_Objects.m_Adapter.m_Properties.push_back(
-        property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{40024}, std::vector<std::uint32_t>{}));
+        property(PI::PROP_HEALTH_STATUS, 1, std::uint32_t{PI::HEALTH_HEALTHY}, std::vector<std::uint32_t>{}));
     EXPECT_EQ(joined(m_Objects).m_HealthLogRead, false);
     EXPECT_EQ(joined(m_Objects).m_Health->m_Text, "Unknown");
     EXPECT_EQ(joined(m_Objects).m_Health->m_Code, std::nullopt);
     EXPECT_FALSE(joined(m_Objects).m_Spare || joined(m_Objects).m_SpareThreshold ||
                  joined(m_Objects).m_MediaErrors);
     m_Objects.m_Adapter.m_Properties.push_back(property(PI::PROP_POWER_ON_HOURS, 1, std::uint64_t{0}));
-    EXPECT_EQ(joined(m_Objects).m_Health->m_Code, 40024U);
+    EXPECT_EQ(joined(m_Objects).m_Health->m_Code, PI::HEALTH_HEALTHY);
     EXPECT_EQ(joined(m_Objects).m_HealthLogRead, true);
 }
 
@@ -135,7 +136,7 @@ TEST_F(DrivesTest, TheDateCountsWearOnlyWhereThatIsMeasured)
     EXPECT_EQ(joined(m_Objects).m_EndOfLifeDate, "");
     m_Objects.m_Adapter.m_Properties.push_back(property(PI::PROP_END_OF_LIFE_DATE, 1, "2030-01-01"));
     m_Objects.m_Adapter.m_Properties.push_back(
-        property(PI::PROP_WEAR_STATE, 1, std::uint32_t{40252}, std::vector<std::uint32_t>{}));
+        property(PI::PROP_WEAR_STATE, 1, std::uint32_t{PI::WEAR_OK}, std::vector<std::uint32_t>{}));
     EXPECT_EQ(joined(m_Objects).m_EndOfLifeDate, "2030-01-01");
     EXPECT_TRUE(joined(m_Objects).m_DateCountsWear);
     m_Objects.m_Adapter.m_ID |= 0x0139000000000000;

@@ -3,16 +3,14 @@
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 
+#include <PI/StateCode.h>
+
 namespace {
 
 using namespace Host::Cli;
 using HostTest::property;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr std::uint32_t HEALTHY = 40024;
-constexpr std::uint32_t DEGRADED = 40150;
-constexpr std::uint32_t CRITICAL = 40095;
 
 PI::CObject objectWith(std::uint32_t health, std::vector<PI::CProperty> more)
 {
@@ -45,50 +43,59 @@ std::vector<std::uint32_t> explained(const PI::CObject& object)
 
 TEST(ExplainedCodes, AreEveryReasonThatADriveCanGive)
 {
-    EXPECT_THAT(explained(objectWith(CRITICAL, {reasons({40459, 40460, 40449, 40487, 40452})})),
-                ElementsAre(40459, 40460, 40449, 40487, 40452));
+    EXPECT_THAT(explained(objectWith(
+                    PI::HEALTH_CRITICAL,
+                    {reasons({PI::REASON_TEMPERATURE, PI::REASON_SPARE_LOW, PI::REASON_MEMORY_BACKUP_FAILED,
+                              PI::REASON_RELIABILITY_DEGRADED, PI::REASON_READ_ONLY})})),
+                ElementsAre(PI::REASON_TEMPERATURE, PI::REASON_SPARE_LOW, PI::REASON_MEMORY_BACKUP_FAILED,
+                            PI::REASON_RELIABILITY_DEGRADED, PI::REASON_READ_ONLY));
 }
 
 TEST(ExplainedCodes, AreTheStatesOfSpareAndWear)
 {
-    EXPECT_THAT(
-        explained(objectWith(HEALTHY, {code(PI::PROP_SPARE_STATE, 40473), code(PI::PROP_WEAR_STATE, 40252)})),
-        ElementsAre(40473, 40252));
-    for (const std::uint32_t bad : {40410U, 40411U})
-        EXPECT_THAT(explained(objectWith(HEALTHY, {code(PI::PROP_WEAR_STATE, bad)})), ElementsAre(bad));
-    EXPECT_THAT(explained(objectWith(HEALTHY, {code(PI::PROP_SPARE_STATE, 40474)})), ElementsAre(40474));
+    EXPECT_THAT(explained(objectWith(PI::HEALTH_HEALTHY, {code(PI::PROP_SPARE_STATE, PI::SPARE_SUFFICIENT),
+                                                          code(PI::PROP_WEAR_STATE, PI::WEAR_OK)})),
+                ElementsAre(PI::SPARE_SUFFICIENT, PI::WEAR_OK));
+    for (const std::uint32_t bad : {PI::WEAR_WARNING, PI::WEAR_CRITICAL})
+        EXPECT_THAT(explained(objectWith(PI::HEALTH_HEALTHY, {code(PI::PROP_WEAR_STATE, bad)})),
+                    ElementsAre(bad));
+    EXPECT_THAT(explained(objectWith(PI::HEALTH_HEALTHY, {code(PI::PROP_SPARE_STATE, PI::SPARE_EXHAUSTED)})),
+                ElementsAre(PI::SPARE_EXHAUSTED));
 }
 
 TEST(ExplainedCodes, NeverCalmDownAboutADriveInTrouble)
 {
-    EXPECT_THAT(explained(objectWith(CRITICAL, {code(PI::PROP_SPARE_STATE, 40473),
-                                                code(PI::PROP_WEAR_STATE, 40252), reasons({40452})})),
-                ElementsAre(40452));
+    EXPECT_THAT(explained(objectWith(PI::HEALTH_CRITICAL, {code(PI::PROP_SPARE_STATE, PI::SPARE_SUFFICIENT),
+                                                           code(PI::PROP_WEAR_STATE, PI::WEAR_OK),
+                                                           reasons({PI::REASON_READ_ONLY})})),
+                ElementsAre(PI::REASON_READ_ONLY));
 }
 
 TEST(ExplainedCodes, AreTheHealthItselfWhereNoReasonTellsMore)
 {
-    EXPECT_THAT(explained(objectWith(DEGRADED, {code(PI::PROP_WEAR_STATE, 40410)})),
-                ElementsAre(DEGRADED, 40410));
-    EXPECT_THAT(explained(objectWith(CRITICAL, {})), ElementsAre(CRITICAL));
-    EXPECT_THAT(explained(objectWith(40180, {})), ElementsAre(40180));
-    EXPECT_THAT(explained(objectWith(HEALTHY, {})), IsEmpty());
+    EXPECT_THAT(explained(objectWith(PI::HEALTH_DEGRADED, {code(PI::PROP_WEAR_STATE, PI::WEAR_WARNING)})),
+                ElementsAre(PI::HEALTH_DEGRADED, PI::WEAR_WARNING));
+    EXPECT_THAT(explained(objectWith(PI::HEALTH_CRITICAL, {})), ElementsAre(PI::HEALTH_CRITICAL));
+    EXPECT_THAT(explained(objectWith(PI::DRIVE_WARNING, {})), ElementsAre(PI::DRIVE_WARNING));
+    EXPECT_THAT(explained(objectWith(PI::HEALTH_HEALTHY, {})), IsEmpty());
 }
 
 TEST(ExplainedCodes, AreNoneOfWhatNobodyKnows)
 {
-    EXPECT_THAT(explained(objectWith(HEALTHY, {reasons({40128, 1}), code(PI::PROP_MODEL_FAMILY, 40480)})),
-                IsEmpty());
+    EXPECT_THAT(
+        explained(objectWith(PI::HEALTH_HEALTHY, {reasons({PI::FORESEEN_REASONS[0], 1}),
+                                                  code(PI::PROP_MODEL_FAMILY, PI::KNOWN_FAMILY_YES)})),
+        IsEmpty());
     EXPECT_THAT(explained(PI::CObject()), IsEmpty());
 }
 
 TEST(ExplainedCodes, SayWhenNobodyMeasuredAState)
 {
     const HostTest::Catalogue catalogue;
-    PI::CObject object =
-        objectWith(HEALTHY, {code(PI::PROP_SPARE_STATE, 40473), code(PI::PROP_WEAR_STATE, 40252),
-                             property(PI::PROP_VENDOR, 1, "SAMSUNG"),
-                             property(PI::PROP_POWER_ON_HOURS, 1, std::uint64_t{1})});
+    PI::CObject object = objectWith(
+        PI::HEALTH_HEALTHY,
+        {code(PI::PROP_SPARE_STATE, PI::SPARE_SUFFICIENT), code(PI::PROP_WEAR_STATE, PI::WEAR_OK),
+         property(PI::PROP_VENDOR, 1, "SAMSUNG"), property(PI::PROP_POWER_ON_HOURS, 1, std::uint64_t{1})});
     object.m_Type = PI::TYPE_ADAPTER;
     object.m_ID = 0x0139000000000001;
     const auto texts = [&] {
@@ -112,13 +119,13 @@ TEST(ExplainedCodes, SayWhenNobodyMeasuredAState)
 TEST(ExplainedCodes, SayThatTheLogWithTheWearWasNotRead)
 {
     const HostTest::Catalogue catalogue;
-    PI::CObject object =
-        objectWith(HEALTHY, {code(PI::PROP_WEAR_STATE, 40252), property(PI::PROP_VENDOR, 1, "INTEL")});
+    PI::CObject object = objectWith(
+        PI::HEALTH_HEALTHY, {code(PI::PROP_WEAR_STATE, PI::WEAR_OK), property(PI::PROP_VENDOR, 1, "INTEL")});
     object.m_Type = PI::TYPE_ADAPTER;
     object.m_ID = 0x0139000000000001;
     const std::vector<ExplainedCode> codes = explainedCodes(Host::ObjectStore({object}), object);
     ASSERT_EQ(codes.size(), 1U);
-    EXPECT_EQ(codes[0].m_Code, 40252U);
+    EXPECT_EQ(codes[0].m_Code, PI::WEAR_OK);
     EXPECT_EQ(codes[0].m_Text, "Unknown");
     EXPECT_EQ(std::string(codes[0].m_Meaning),
               "The log with the wear of this drive was not read, so its wear is not known.");

@@ -2,6 +2,8 @@
 
 #include "Host/Writable.h"
 
+#include <PI/StateCode.h>
+
 #include <gmock/gmock.h>
 
 #include <cstring>
@@ -54,8 +56,8 @@ TEST(FactTable, EveryFactIsOfTheKindThatItsRowNames)
     Drive drive = withPages();
     drive.m_Serial = "S";
     drive.m_Wear = 3;
-    drive.m_DataRead = Amount{1, 21000};
-    drive.m_Health = Health{40024, "Healthy"};
+    drive.m_DataRead = Amount{1, PI::UNIT_MIB};
+    drive.m_Health = Health{PI::HEALTH_HEALTHY, "Healthy"};
     drive.m_Reasons = {{1, "reason"}};
     writable(drive.m_Identify).VER = 0x10400;
     drive.m_System.emplace();

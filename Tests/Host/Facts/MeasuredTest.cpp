@@ -5,6 +5,7 @@
 #include "Host/Objects.h"
 #include "Support/FakeDrives.h"
 
+#include <PI/StateCode.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <gmock/gmock.h>
@@ -33,14 +34,14 @@ protected:
         m_Objects.m_Drive.m_ID = m_Objects.m_Adapter.m_Children[0] = 0x0139000000000002;
         m_Objects.remove(PI::PROP_STATUS_REASONS);
         m_Objects.remove(PI::PROP_HEALTH_STATUS);
-        for (const auto& [id, value] : {std::pair(PI::PROP_HEALTH_STATUS, 40024U),
-                                        {PI::PROP_SPARE_STATE, 40473U},
-                                        {PI::PROP_WEAR_STATE, 40252U}})
+        for (const auto& [id, value] : {std::pair(PI::PROP_HEALTH_STATUS, PI::HEALTH_HEALTHY),
+                                        {PI::PROP_SPARE_STATE, PI::SPARE_SUFFICIENT},
+                                        {PI::PROP_WEAR_STATE, PI::WEAR_OK}})
             m_Objects.m_Adapter.m_Properties.push_back(stateCode(id, value));
         m_Drives.Add(TestSupport::CFakeDrive(0)).LegacyLog(10, 100);
         TLXX::VendorLogPage page{};
         (void)TLXX::NVMeStorageQueryPropertyGetVendorSpecificLogPage("/dev/nvme0n1", 0xCA, page);
-        m_Objects.m_Drive.m_Properties.push_back(stateCode(PI::PROP_HEALTH_STATUS, 40099));
+        m_Objects.m_Drive.m_Properties.push_back(stateCode(PI::PROP_HEALTH_STATUS, PI::DRIVE_OPERATIONAL));
     }
 
     void loseHealthLog()
@@ -108,7 +109,7 @@ TEST_F(MeasuredTest, WithoutItsHealthLogADriveIsNotHealthy)
                                                   PI::PROP_MEDIA_ERRORS, PI::PROP_HEALTH_STATUS));
     // Another log reported this.
     m_Objects.remove(PI::PROP_HEALTH_STATUS);
-    m_Objects.m_Adapter.m_Properties.push_back(stateCode(PI::PROP_HEALTH_STATUS, 40150));
+    m_Objects.m_Adapter.m_Properties.push_back(stateCode(PI::PROP_HEALTH_STATUS, PI::HEALTH_DEGRADED));
     EXPECT_THAT(with(Basis::NotRead), Not(testing::Contains(PI::PROP_HEALTH_STATUS)));
 }
 
@@ -118,7 +119,7 @@ TEST_F(MeasuredTest, AWearThatTheDriveNeverToldIsNotRead)
     EXPECT_THAT(with(Basis::NotRead), ElementsAre(PI::PROP_WEAR_STATE));
     EXPECT_THAT(text(true), HasSubstr("  OK (not measured)\n"));
     m_Objects.remove(PI::PROP_WEAR_STATE);
-    m_Objects.m_Adapter.m_Properties.push_back(stateCode(PI::PROP_WEAR_STATE, 40410));
+    m_Objects.m_Adapter.m_Properties.push_back(stateCode(PI::PROP_WEAR_STATE, PI::WEAR_WARNING));
     EXPECT_THAT(with(Basis::NotRead), testing::IsEmpty()) << "nothing but its log says so";
 }
 

@@ -6,6 +6,7 @@
 #include "Support/FakeDrives.h"
 
 #include <PI/LifeTimeData.h>
+#include <PI/StateCode.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <gmock/gmock.h>
@@ -103,8 +104,12 @@ TEST_F(ObservationTest, TakesTheMarginOfTheTemperatureFromItsStatistics)
 
 TEST_F(ObservationTest, EachReasonIsAWarning)
 {
-    const std::pair<std::uint32_t, int> reasons[] = {{40460, 0x01}, {40459, 0x02}, {40487, 0x04},
-                                                     {40452, 0x08}, {40449, 0x10}, {40400, 0}};
+    const std::pair<std::uint32_t, int> reasons[] = {{PI::REASON_SPARE_LOW, 0x01},
+                                                     {PI::REASON_TEMPERATURE, 0x02},
+                                                     {PI::REASON_RELIABILITY_DEGRADED, 0x04},
+                                                     {PI::REASON_READ_ONLY, 0x08},
+                                                     {PI::REASON_MEMORY_BACKUP_FAILED, 0x10},
+                                                     {PI::FORESEEN_REASONS[0], 0}};
     for (const auto& [reason, warning] : reasons) {
         setAdapter(PI::PROP_STATUS_REASONS, std::vector<std::uint32_t>{reason}, std::vector<std::uint32_t>{});
         EXPECT_EQ(look().m_Warnings, warning) << reason;
@@ -166,13 +171,14 @@ TEST_F(ObservationTest, WearIsKnownOfRatedModelsAlone)
 TEST_F(ObservationTest, TheWearStateTellsWhetherBlocksAreBelowNew)
 {
     EXPECT_EQ(look().m_BelowNew, std::nullopt);
-    const std::pair<std::uint32_t, bool> states[] = {{40252, false}, {40410, true}, {40411, true}};
+    const std::pair<std::uint32_t, bool> states[] = {
+        {PI::WEAR_OK, false}, {PI::WEAR_WARNING, true}, {PI::WEAR_CRITICAL, true}};
     for (const auto& [state, below] : states) {
         setAdapter(PI::PROP_WEAR_STATE, state, std::vector<std::uint32_t>{});
         EXPECT_EQ(look().m_BelowNew, below) << state;
     }
     m_Drive.m_Adapter.m_ID = m_Drive.m_Drive.m_Parents[0] = 0x0139000000000001;
-    setAdapter(PI::PROP_WEAR_STATE, 40252U, std::vector<std::uint32_t>{});
+    setAdapter(PI::PROP_WEAR_STATE, PI::WEAR_OK, std::vector<std::uint32_t>{});
     EXPECT_EQ(look().m_BelowNew, std::nullopt) << "the log with the wear was never read";
     TestSupport::CFakeDrives drives;
     drives.Add(TestSupport::CFakeDrive(0)).LegacyLog(10, 100);

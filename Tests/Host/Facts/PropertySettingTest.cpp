@@ -6,6 +6,8 @@
 #include "Plugins/HostSetup.h"
 #include "Support/TemporaryFolder.h"
 
+#include <PI/ErrorCode.h>
+
 namespace {
 
 using Host::ExitCode;
@@ -95,7 +97,7 @@ TEST_F(PropertySettingTest, NoOtherPropertyCanBeSet)
             const Host::Failure failure = failureOf(object, each.Id(), "7");
             EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
             EXPECT_EQ(failure.result()->m_Request, 7);
-            EXPECT_EQ(failure.result()->m_Code, 20004U);
+            EXPECT_EQ(failure.result()->m_Code, PI::ERR_PROPERTY_NOT_SETTABLE);
             EXPECT_THAT(failure.what(), HasSubstr("Property " + std::to_string(each.Id()) + ", "));
         }
     EXPECT_THAT(failureOf(0, PI::PROP_NAME, "x").what(),

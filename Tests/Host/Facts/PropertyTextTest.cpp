@@ -3,7 +3,9 @@
 #include "Host/Catalogue.h"
 #include "Host/Objects.h"
 
+#include <PI/CaptionId.h>
 #include <PI/PropertyId.h>
+#include <PI/StateCode.h>
 
 namespace {
 
@@ -24,8 +26,10 @@ TEST_F(PropertyTextTest, WritesEachKindOfValue)
     EXPECT_EQ(valueText(property(1, 1, std::uint64_t{18446744073709551615ULL})), "18446744073709551615");
     EXPECT_EQ(valueText(property(1, PI::UNIT_CELSIUS, 36.0F)), "36 \u00b0C");
     EXPECT_EQ(valueText(property(1, PI::UNIT_PERCENT, 120, 0, 100, 1)), "120%");
-    EXPECT_EQ(valueText(property(1, 1, std::uint32_t{40024}, std::vector<std::uint32_t>{})), "Healthy");
-    EXPECT_EQ(valueText(property(1, 1, std::vector<std::uint32_t>{40452, 1}, std::vector<std::uint32_t>{})),
+    EXPECT_EQ(valueText(property(1, 1, std::uint32_t{PI::HEALTH_HEALTHY}, std::vector<std::uint32_t>{})),
+              "Healthy");
+    EXPECT_EQ(valueText(property(1, 1, std::vector<std::uint32_t>{PI::REASON_READ_ONLY, 1},
+                                 std::vector<std::uint32_t>{})),
               "Media is read-only; 1");
     EXPECT_EQ(valueText(PI::CProperty(1, false)), "");
 }
@@ -33,7 +37,7 @@ TEST_F(PropertyTextTest, WritesEachKindOfValue)
 TEST_F(PropertyTextTest, CaptionsComeFromTheCatalogueOrTheProgram)
 {
     PI::CProperty captioned = property(PI::PROP_NAME, 1, "x");
-    captioned.SetNlsID(23081);
+    captioned.SetNlsID(PI::CAPTION_NAME);
     EXPECT_EQ(captionText(captioned), "Name");
     EXPECT_EQ(captionText(property(PI::PROP_LOCATION, 1, "x")), "Location");
     EXPECT_EQ(captionText(property(PI::PROP_MODEL_FAMILY, 1, "x")), "Known model family");

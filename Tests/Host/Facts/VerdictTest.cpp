@@ -1,5 +1,6 @@
 #include "Facts/Verdict.h"
 
+#include <PI/StateCode.h>
 #include <TLXX/NvmeQuery.h>
 
 #include <gmock/gmock.h>
@@ -31,22 +32,22 @@ TEST(Verdict, IsWorstWhenCriticalThenWarningThenUnknown)
 
 TEST(Verdict, FollowsTheCodeOfTheHealth)
 {
-    EXPECT_EQ(verdictOfCode(40024), Ok);
-    EXPECT_EQ(verdictOfCode(40099), Ok);
-    EXPECT_EQ(verdictOfCode(40150), Warning);
-    EXPECT_EQ(verdictOfCode(40180), Warning);
-    EXPECT_EQ(verdictOfCode(40095), Critical);
+    EXPECT_EQ(verdictOfCode(PI::HEALTH_HEALTHY), Ok);
+    EXPECT_EQ(verdictOfCode(PI::DRIVE_OPERATIONAL), Ok);
+    EXPECT_EQ(verdictOfCode(PI::HEALTH_DEGRADED), Warning);
+    EXPECT_EQ(verdictOfCode(PI::DRIVE_WARNING), Warning);
+    EXPECT_EQ(verdictOfCode(PI::HEALTH_CRITICAL), Critical);
     EXPECT_EQ(verdictOfCode(0), Unknown);
 }
 
 TEST(Verdict, OfADriveNamesTheReasons)
 {
     Drive drive;
-    drive.m_Health = {40095, "Critical"};
-    drive.m_Reasons = {{40459, "Too hot"}, {40452, "Read-only"}};
+    drive.m_Health = {PI::HEALTH_CRITICAL, "Critical"};
+    drive.m_Reasons = {{PI::REASON_TEMPERATURE, "Too hot"}, {PI::REASON_READ_ONLY, "Read-only"}};
     EXPECT_EQ(judge(drive, LOOK).m_Verdict, Critical);
     EXPECT_EQ(judge(drive, LOOK).m_Reason, "Critical: Too hot, Read-only");
-    drive.m_Health = {40024, "Healthy"};
+    drive.m_Health = {PI::HEALTH_HEALTHY, "Healthy"};
     drive.m_Reasons.clear();
     EXPECT_EQ(judge(drive, LOOK).m_Verdict, Ok);
     EXPECT_EQ(judge(drive, LOOK).m_Reason, "Healthy");
@@ -65,7 +66,7 @@ TEST(Verdict, OfADriveWhoseHealthNobodyKnowsIsUnknown)
 TEST(Verdict, OfASilentDriveIsAWarningAtFirstAndCriticalAfterTwoRoundsOrHalfAMinute)
 {
     Drive drive;
-    drive.m_Health = {40024, "Healthy"};
+    drive.m_Health = {PI::HEALTH_HEALTHY, "Healthy"};
     drive.m_Answer.emplace();
     drive.m_Answer->m_Answering = true;
     EXPECT_EQ(judge(drive, LOOK).m_Verdict, Ok);

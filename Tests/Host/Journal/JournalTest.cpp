@@ -1,5 +1,7 @@
 #include "Journal/Journal.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 
 namespace {
@@ -122,10 +124,11 @@ TEST_F(JournalTest, DrivesComeAndGo)
     const std::vector<Entry> entries = look({drive("B"), drive("C")});
     ASSERT_EQ(entries.size(), 2U);
     ObservedDrive gone = drive("A");
-    EXPECT_EQ(entries[0], (Entry{Kind::DriveRemoved, Phase::Change, Severity::Warning, 11094, "A", gone,
-                                 "MODEL (A) was removed.", 110, 120}));
-    EXPECT_EQ(entries[1], (Entry{Kind::DriveAdded, Phase::Change, Severity::Information, 11093, "C",
-                                 drive("C"), "MODEL (C) was added.", 110, 120}));
+    EXPECT_EQ(entries[0], (Entry{Kind::DriveRemoved, Phase::Change, Severity::Warning,
+                                 PI::EVENT_ADAPTER_REMOVED, "A", gone, "MODEL (A) was removed.", 110, 120}));
+    EXPECT_EQ(entries[1],
+              (Entry{Kind::DriveAdded, Phase::Change, Severity::Information, PI::EVENT_ADAPTER_ADDED, "C",
+                     drive("C"), "MODEL (C) was added.", 110, 120}));
     EXPECT_THAT(look({drive("B"), drive("C")}), IsEmpty());
     EXPECT_THAT(look({}), UnorderedElementsAre(is(Kind::DriveRemoved, Phase::Change, "B"),
                                                is(Kind::DriveRemoved, Phase::Change, "C")));
@@ -141,11 +144,11 @@ TEST_F(JournalTest, EachWarningBeginsAndEndsOnce)
         Severity m_Severity;
         std::optional<std::uint32_t> m_Event;
     };
-    const Row rows[] = {{0x01, Kind::SpareLow, Severity::Error, 10968},
+    const Row rows[] = {{0x01, Kind::SpareLow, Severity::Error, PI::EVENT_SPARE_LOW},
                         {0x02, Kind::OverTemperature, Severity::Warning, std::nullopt},
-                        {0x04, Kind::ReliabilityDegraded, Severity::Warning, 11088},
+                        {0x04, Kind::ReliabilityDegraded, Severity::Warning, PI::EVENT_RELIABILITY_DEGRADED},
                         {0x08, Kind::ReadOnly, Severity::Error, std::nullopt},
-                        {0x10, Kind::MemoryBackupFailed, Severity::Error, 10957}};
+                        {0x10, Kind::MemoryBackupFailed, Severity::Error, PI::EVENT_MEMORY_BACKUP_FAILED}};
     ObservedDrive warned = drive("A");
     warned.m_Warnings = 0;
     EXPECT_THAT(look({warned}), IsEmpty());
@@ -162,7 +165,7 @@ TEST_F(JournalTest, EachWarningBeginsAndEndsOnce)
         const std::vector<Entry> ended = look({warned});
         ASSERT_THAT(ended, ElementsAre(is(row.m_Kind, Phase::Ended, "A")));
         EXPECT_EQ(ended[0].m_Severity, Severity::Information);
-        EXPECT_EQ(ended[0].m_Event, 10980U);
+        EXPECT_EQ(ended[0].m_Event, PI::EVENT_WARNINGS_CLEARED);
     }
 }
 
@@ -174,7 +177,7 @@ TEST_F(JournalTest, OnlyTheEndOfTheLastWarningHasAnEvent)
     warned.m_Warnings = 0x04;
     EXPECT_EQ(look({warned}).at(0).m_Event, std::nullopt);
     warned.m_Warnings = 0;
-    EXPECT_EQ(look({warned}).at(0).m_Event, 10980U);
+    EXPECT_EQ(look({warned}).at(0).m_Event, PI::EVENT_WARNINGS_CLEARED);
 }
 
 TEST_F(JournalTest, WhatIsThereAtFirstIsToldAsPresent)
@@ -277,22 +280,22 @@ TEST_F(JournalTest, AMarginOfTheTemperatureIsToldByItsDegree)
     std::vector<Entry> entries = told(Critical);
     ASSERT_THAT(entries, ElementsAre(is(Kind::TemperatureMargin, Phase::Present, "A")));
     EXPECT_EQ(entries[0].m_Severity, Severity::Error);
-    EXPECT_EQ(entries[0].m_Event, 10959U);
+    EXPECT_EQ(entries[0].m_Event, PI::EVENT_TEMPERATURE_CRITICAL);
     EXPECT_EQ(entries[0].m_Text, "MODEL (A): the temperature has reached the critical level.");
     EXPECT_THAT(told(Critical), IsEmpty());
     EXPECT_THAT(told(std::nullopt), IsEmpty());
     entries = told(AboveCritical);
     ASSERT_THAT(entries, ElementsAre(is(Kind::TemperatureMargin, Phase::Began, "A")));
     EXPECT_EQ(entries[0].m_Severity, Severity::Error);
-    EXPECT_EQ(entries[0].m_Event, 10960U);
+    EXPECT_EQ(entries[0].m_Event, PI::EVENT_TEMPERATURE_ABOVE_CRITICAL);
     entries = told(NearCritical);
     ASSERT_THAT(entries, ElementsAre(is(Kind::TemperatureMargin, Phase::Began, "A")));
     EXPECT_EQ(entries[0].m_Severity, Severity::Warning);
-    EXPECT_EQ(entries[0].m_Event, 10967U);
+    EXPECT_EQ(entries[0].m_Event, PI::EVENT_TEMPERATURE_NEAR_CRITICAL);
     entries = told(Safe);
     ASSERT_THAT(entries, ElementsAre(is(Kind::TemperatureMargin, Phase::Ended, "A")));
     EXPECT_EQ(entries[0].m_Severity, Severity::Information);
-    EXPECT_EQ(entries[0].m_Event, 10980U);
+    EXPECT_EQ(entries[0].m_Event, PI::EVENT_WARNINGS_CLEARED);
     EXPECT_THAT(told(Safe), IsEmpty());
 }
 
@@ -310,7 +313,7 @@ TEST_F(JournalTest, TheMarginOfTheTemperatureIsAWarningLikeOthers)
     warm.m_TemperatureMargin = Safe;
     EXPECT_EQ(look({warm}).at(0).m_Event, std::nullopt) << "the reliability is still degraded";
     warm.m_Warnings = 0;
-    EXPECT_EQ(look({warm}).at(0).m_Event, 10980U);
+    EXPECT_EQ(look({warm}).at(0).m_Event, PI::EVENT_WARNINGS_CLEARED);
 }
 
 TEST_F(JournalTest, StepsAreToldOnceAndTheFurthestCounts)
@@ -371,7 +374,7 @@ TEST_F(JournalTest, FiguresAndTextsThatBecomeOthers)
     EXPECT_EQ(entries[0].m_Text, "MODEL (A): the media errors grew from 2 to 5.");
     EXPECT_EQ(entries[1].m_Text, "MODEL (A): the capacity changed from 1000 to 900 MiB.");
     EXPECT_EQ(entries[2].m_Text, "MODEL (A): the block size changed from 512 to 4096 bytes.");
-    EXPECT_EQ(entries[2].m_Event, 10985U);
+    EXPECT_EQ(entries[2].m_Event, PI::EVENT_DRIVE_CHANGED);
     EXPECT_EQ(entries[3].m_Text, "MODEL (A): the firmware changed from 1 to 2.");
     EXPECT_EQ(entries[4].m_Text, "MODEL (A): the drive moved from 0000:01:00.0 to 0000:02:00.0.");
     EXPECT_THAT(look({changing}), IsEmpty());

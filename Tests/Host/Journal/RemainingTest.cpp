@@ -2,6 +2,8 @@
 
 #include "Journal/Rules.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 
 namespace {
@@ -25,7 +27,7 @@ ObservedDrive warmDrive(const std::string& serial, const std::string& address = 
     return result;
 }
 
-DriveEvent eventOf(const ObservedDrive& drive, std::uint32_t id = EVENT_WARNINGS_CLEARED)
+DriveEvent eventOf(const ObservedDrive& drive, std::uint32_t id = PI::EVENT_WARNINGS_CLEARED)
 {
     DriveEvent result;
     result.m_Event.m_Id = id;
@@ -56,7 +58,8 @@ TEST(RemainingTest, SaysNothingWithoutAnAllClearOrWhenNothingHolds)
 {
     ObservedDrive drive = warmDrive("A");
     EXPECT_THAT(remaining({{7, {}, {}}, {drive}}, {}, {}), IsEmpty());
-    EXPECT_THAT(remaining({{7, {}, {}}, {drive}}, {eventOf(drive, 11088)}, {}), IsEmpty());
+    EXPECT_THAT(remaining({{7, {}, {}}, {drive}}, {eventOf(drive, PI::EVENT_RELIABILITY_DEGRADED)}, {}),
+                IsEmpty());
     drive.m_Temperature = 69.0F;
     EXPECT_THAT(remaining({{7, {}, {}}, {drive}}, {eventOf(drive)}, {}), IsEmpty())
         << "it is below its limit";

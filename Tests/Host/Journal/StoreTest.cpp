@@ -7,6 +7,8 @@
 #include "Support/FaultyVfs.h"
 #include "Support/TemporaryFolder.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 
 #include <fstream>
@@ -35,7 +37,7 @@ std::string messageOf(const std::function<void()>& action)
 
 Entry entry(Kind kind, const std::string& text)
 {
-    Entry result{kind, Phase::Change, Severity::Warning, 11093, "KEY", {}, text, 5, 7};
+    Entry result{kind, Phase::Change, Severity::Warning, PI::EVENT_ADAPTER_ADDED, "KEY", {}, text, 5, 7};
     result.m_Drive = {"name", "/dev/nvme0n1", "vendor",       "model",
                       "S'1",  "location",     "0000:01:00.0", Host::Cli::ShownPlace::Another};
     return result;

@@ -1,5 +1,7 @@
 #include "Journal/Told.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 
 namespace {
@@ -38,27 +40,32 @@ DriveEvent namelessEvent(std::uint32_t id)
 
 TEST(ToldTest, AnEventStandsForTheEntriesOfItsNumberAndDrive)
 {
-    const std::vector<Entry> others = {entry(10968, "B"), entry(11088, "A"), entry(std::nullopt, "A")};
+    const std::vector<Entry> others = {entry(PI::EVENT_SPARE_LOW, "B"),
+                                       entry(PI::EVENT_RELIABILITY_DEGRADED, "A"), entry(std::nullopt, "A")};
     std::vector<Entry> entries = others;
-    entries.push_back(entry(10968, "A"));
-    entries.push_back(entry(10968, "A"));
-    EXPECT_EQ(withoutTold(entries, {event(10968, "A")}), others);
+    entries.push_back(entry(PI::EVENT_SPARE_LOW, "A"));
+    entries.push_back(entry(PI::EVENT_SPARE_LOW, "A"));
+    EXPECT_EQ(withoutTold(entries, {event(PI::EVENT_SPARE_LOW, "A")}), others);
 }
 
 TEST(ToldTest, WithoutASerialNumberThePlaceTellsDrivesApart)
 {
-    const std::vector<Entry> entries = {entry(10968, "", "0000:01:00.0"), entry(10968, "", "0000:02:00.0")};
-    EXPECT_THAT(withoutTold(entries, {event(10968, "", "0000:02:00.0")}), ElementsAre(entries[0]));
-    const std::vector<Entry> copies = {entry(10968, "A", "0000:01:00.0")};
-    EXPECT_THAT(withoutTold(copies, {event(10968, "A", "0000:02:00.0")}), IsEmpty());
+    const std::vector<Entry> entries = {entry(PI::EVENT_SPARE_LOW, "", "0000:01:00.0"),
+                                        entry(PI::EVENT_SPARE_LOW, "", "0000:02:00.0")};
+    EXPECT_THAT(withoutTold(entries, {event(PI::EVENT_SPARE_LOW, "", "0000:02:00.0")}),
+                ElementsAre(entries[0]));
+    const std::vector<Entry> copies = {entry(PI::EVENT_SPARE_LOW, "A", "0000:01:00.0")};
+    EXPECT_THAT(withoutTold(copies, {event(PI::EVENT_SPARE_LOW, "A", "0000:02:00.0")}), IsEmpty());
 }
 
 TEST(ToldTest, AnEventWithoutADriveStandsForOneEntry)
 {
-    const std::vector<Entry> entries = {entry(11093, "A"), entry(11093, "B"), entry(11093, "C"),
-                                        entry(11094, "D"), entry(std::nullopt, "E")};
-    EXPECT_THAT(withoutTold(entries, {namelessEvent(11093), event(11093, "C")}),
-                ElementsAre(entries[1], entries[3], entries[4]));
+    const std::vector<Entry> entries = {
+        entry(PI::EVENT_ADAPTER_ADDED, "A"), entry(PI::EVENT_ADAPTER_ADDED, "B"),
+        entry(PI::EVENT_ADAPTER_ADDED, "C"), entry(PI::EVENT_ADAPTER_REMOVED, "D"), entry(std::nullopt, "E")};
+    EXPECT_THAT(
+        withoutTold(entries, {namelessEvent(PI::EVENT_ADAPTER_ADDED), event(PI::EVENT_ADAPTER_ADDED, "C")}),
+        ElementsAre(entries[1], entries[3], entries[4]));
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "Support/TemporaryFolder.h"
 #include "Support/VirtualClock.h"
 
+#include <PI/ErrorCode.h>
 #include <TLX/Event.h>
 #include <TLX/LanguageSupport.h>
 #include <TLX/Thread.h>
@@ -89,7 +90,7 @@ TEST(PluginLibrary, NamesTheRequestThatFailed)
     const Host::Failure failure = failureOf([&] { plugin.topology(); });
     EXPECT_EQ(failure.exitCode(), ExitCode::RequestFailed);
     EXPECT_EQ(failure.result()->m_Request, 4);
-    EXPECT_EQ(failure.result()->m_Code, 20000U);
+    EXPECT_EQ(failure.result()->m_Code, PI::ERR_GENERAL_FAILURE);
     EXPECT_THAT(failure.what(), HasSubstr(" refused request 4 (GetTopology) with 20000 ERR_GENERAL_FAILURE"));
 }
 

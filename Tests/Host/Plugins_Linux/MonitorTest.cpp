@@ -7,6 +7,7 @@
 #include "Support/VirtualClock.h"
 
 #include <Database/Database.h>
+#include <PI/EventCode.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -137,7 +138,8 @@ TEST_F(MonitorTest, CollectsWhatAPollFindsAndTheStateThatItLedTo)
     writeFleet(drive(1, "A", 0x14));
     poll();
     EXPECT_EQ(m_Monitor.notified().Wait(), TLX::Threading::WaitResult::Taken);
-    EXPECT_THAT(collected(), ElementsAre(11094, 11088, 10957));
+    EXPECT_THAT(collected(), ElementsAre(PI::EVENT_ADAPTER_REMOVED, PI::EVENT_RELIABILITY_DEGRADED,
+                                         PI::EVENT_MEMORY_BACKUP_FAILED));
     EXPECT_EQ(names().size(), 1U);
     EXPECT_THAT(collected(), IsEmpty());
 }
@@ -146,7 +148,7 @@ TEST_F(MonitorTest, AnAdapterInANewPlaceGetsANumberAndKeepsIt)
 {
     writeFleet(drive(1, "A") + "," + drive(2, "B") + "," + drive(7, "C"));
     poll();
-    EXPECT_THAT(collected(), ElementsAre(11093));
+    EXPECT_THAT(collected(), ElementsAre(PI::EVENT_ADAPTER_ADDED));
     EXPECT_THAT(names(), ElementsAre("", "NVMe PCI Adapter (B)", "NVMe PCI Adapter (A)"));
     m_Monitor.refresh();
     EXPECT_THAT(names(), ElementsAre("NVMe PCI Adapter (3)", "NVMe PCI Adapter (2)", "NVMe PCI Adapter (1)"));
@@ -163,14 +165,14 @@ TEST_F(MonitorTest, LosesNoEventWhenThePluginDoesNotTellItsStateAnyMore)
         drive(1, "A") + "," + drive(2, "B") +
         R"(, {"location": "0000:07:00.0", "identify": {"vendorId": 32902, "model": "INTEL", "serial": "C"}})");
     poll();
-    EXPECT_THAT(collected(), ElementsAre(11093));
+    EXPECT_THAT(collected(), ElementsAre(PI::EVENT_ADAPTER_ADDED));
     EXPECT_EQ(names().size(), 2U);
     m_Monitor.refresh();
     EXPECT_THAT(std::exchange(m_Warnings, {}),
                 ElementsAre(HasSubstr(" refused request 4 (GetTopology) with 20000")));
     writeFleet(drive(1, "A"));
     poll();
-    EXPECT_THAT(collected(), ElementsAre(11094, 11094));
+    EXPECT_THAT(collected(), ElementsAre(PI::EVENT_ADAPTER_REMOVED, PI::EVENT_ADAPTER_REMOVED));
     EXPECT_EQ(names().size(), 1U);
 }
 
@@ -179,7 +181,7 @@ TEST_F(MonitorTest, WhatTheLastPollFoundIsNotLost)
     writeFleet(drive(1, "A"));
     poll();
     EXPECT_EQ(m_Monitor.stop(), Host::Ending::ByItself);
-    EXPECT_THAT(collected(), ElementsAre(11094));
+    EXPECT_THAT(collected(), ElementsAre(PI::EVENT_ADAPTER_REMOVED));
 }
 
 TEST_F(MonitorTest, StopsThePluginInTheEnd)

@@ -3,6 +3,8 @@
 #include "Base/Time.h"
 #include "Host/Catalogue.h"
 
+#include <PI/EventCode.h>
+
 namespace {
 
 using namespace Host::Cli;
@@ -11,8 +13,6 @@ using testing::AnyOf;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
-
-constexpr std::uint32_t REMOVED = 11094;
 
 class EventLineTest : public testing::Test
 {
@@ -30,7 +30,7 @@ protected:
     {
         PI::CEvent result;
         result.m_Id = id;
-        result.m_Severity = 2;
+        result.m_Severity = PI::EVENT_SEVERITY_INFORMATION;
         result.SetSource(name);
         result.SetPlaceHolder1(name);
         return result;
@@ -42,7 +42,7 @@ private:
 
 TEST_F(EventLineTest, TheLineTellsTimeSeverityTextAndDrive)
 {
-    DriveEvent removed{event(REMOVED, "Adapter (A)"), driveOf("A")};
+    DriveEvent removed{event(PI::EVENT_ADAPTER_REMOVED, "Adapter (A)"), driveOf("A")};
     removed.m_Event.m_Time = 1'767'225'600'000;
     const std::string line = eventLine(removed, {});
     EXPECT_THAT(line, AnyOf(StartsWith("2025-12-31 "), StartsWith("2026-01-01 ")))
@@ -52,17 +52,18 @@ TEST_F(EventLineTest, TheLineTellsTimeSeverityTextAndDrive)
 
 TEST_F(EventLineTest, SeveritiesHaveColours)
 {
-    DriveEvent warning{event(10967, "n"), std::nullopt};
+    DriveEvent warning{event(PI::EVENT_TEMPERATURE_NEAR_CRITICAL, "n"), std::nullopt};
     const Host::Cli::Screen coloured = {80, true};
-    warning.m_Event.m_Severity = 3;
+    warning.m_Event.m_Severity = PI::EVENT_SEVERITY_WARNING;
     EXPECT_THAT(eventLine(warning, coloured), HasSubstr("\033[33mWarning\033[0m      n: "));
-    warning.m_Event.m_Severity = 4;
+    warning.m_Event.m_Severity = PI::EVENT_SEVERITY_ERROR;
     EXPECT_THAT(eventLine(warning, coloured), HasSubstr("\033[1;31mError\033[0m        n: "));
 }
 
 TEST_F(EventLineTest, ADrivesTextsForgeNothingOnATerminal)
 {
-    DriveEvent forged{event(REMOVED, "a\n2026-01-01 00:00:00  Error  b\033[2J"), driveOf("S\r")};
+    DriveEvent forged{event(PI::EVENT_ADAPTER_REMOVED, "a\n2026-01-01 00:00:00  Error  b\033[2J"),
+                      driveOf("S\r")};
     EXPECT_THAT(eventLine(forged, {}), AllOf(HasSubstr("a?2026"), HasSubstr("b?[2J"), HasSubstr("S?)\n"),
                                              Not(HasSubstr("\033")), Not(HasSubstr("\r"))));
 }

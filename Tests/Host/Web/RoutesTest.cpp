@@ -292,7 +292,7 @@ TEST_F(RoutesTest, AnObjectIsShownAsText)
 TEST_F(RoutesTest, APropertyIsShown)
 {
     m_View.publish(1, {{16, "A", "/dev/nvme0n1"}});
-    EXPECT_EQ(content("/api/v1/objects/A/properties/30059").at("property").at("id"), 30059);
+    EXPECT_EQ(content("/api/v1/objects/A/properties/30059").at("property").at("id"), PI::PROP_CAPACITY);
     EXPECT_EQ(get("/api/v1/objects/B/properties/30059").m_Status, 404U);
     const Response wrong = get("/api/v1/objects/A/properties/colour");
     EXPECT_EQ(wrong.m_Status, 422U);

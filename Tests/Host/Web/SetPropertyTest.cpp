@@ -49,7 +49,7 @@ TEST_F(SetPropertyTest, TheAnswerTellsTheValueInForce)
     const auto document = nlohmann::json::parse(answer.m_Body);
     EXPECT_EQ(document.size(), 3U);
     EXPECT_EQ(document.at("format"), 1);
-    EXPECT_EQ(document.at("property").at("id"), 30005);
+    EXPECT_EQ(document.at("property").at("id"), PI::PROP_POLL_INTERVAL);
     EXPECT_EQ(document.at("property").at("value"), 60);
     EXPECT_THAT(document.at("text").get<std::string>(), EndsWith(" is now 60.\n"));
     m_Request.m_Body = R"({"value": "1"})";

@@ -1,5 +1,7 @@
 #include "UpdateSystemFixture.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -71,8 +73,8 @@ TEST_F(Comparison, ANewAdapterWithTwoDrivesIsOneEventAndItsFirstDrive)
     m_Drives = {Drive("A", 2), Drive("A", 3)};
     const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
     ASSERT_EQ(changes.m_Events.size(), 1U);
-    EXPECT_EQ(changes.m_Events[0].m_Id, 11093U);
-    EXPECT_EQ(changes.m_Events[0].m_Severity, 2U);
+    EXPECT_EQ(changes.m_Events[0].m_Id, PI::EVENT_ADAPTER_ADDED);
+    EXPECT_EQ(changes.m_Events[0].m_Severity, PI::EVENT_SEVERITY_INFORMATION);
     ASSERT_EQ(changes.m_AddedDrives.size(), 1U);
     EXPECT_EQ(changes.m_AddedDrives[0].m_ID, 2U);
 }
@@ -94,7 +96,7 @@ TEST_F(Comparison, OfEqualSerialNumbersTheFirstLiveAdapterIsCompared)
     m_Adapters[1].m_WarningFlags = 4;
     const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
     // The second fresh one differs from the first live one, and nothing was removed.
-    EXPECT_THAT(identifiers(changes.m_Events), ElementsAre(11088U));
+    EXPECT_THAT(identifiers(changes.m_Events), ElementsAre(PI::EVENT_RELIABILITY_DEGRADED));
     ASSERT_EQ(changes.m_ChangedAdapters.size(), 1U);
     EXPECT_EQ(changes.m_ChangedAdapters[0].m_ID, 1U);
     EXPECT_THAT(changes.m_RemovedAdapters, IsEmpty());
@@ -105,7 +107,9 @@ TEST_F(Comparison, EachNewAndEachVanishedAdapterOfOneSerialNumberHasItsEvent)
     m_Plugin.m_Adapters = {Adapter("A", 1), Adapter("A", 2)};
     m_Adapters = {Adapter("B", 3), Adapter("B", 4)};
     const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
-    EXPECT_THAT(identifiers(changes.m_Events), ElementsAre(11093U, 11093U, 11094U, 11094U));
+    EXPECT_THAT(identifiers(changes.m_Events),
+                ElementsAre(PI::EVENT_ADAPTER_ADDED, PI::EVENT_ADAPTER_ADDED, PI::EVENT_ADAPTER_REMOVED,
+                            PI::EVENT_ADAPTER_REMOVED));
 }
 
 TEST_F(Comparison, OfEqualSerialNumbersTheFirstLiveDriveAndTheFirstFreshAdapterCount)
@@ -130,5 +134,6 @@ TEST_F(Comparison, SerialNumbersAreComparedToTheLastByte)
     m_Plugin.m_Adapters = {Adapter("A", 1), Adapter("", 2)};
     m_Adapters = {Adapter(std::string("A\0", 2), 3), Adapter("a", 4), Adapter("", 2)};
     const CChanges changes = m_Plugin.Compare(m_Adapters, m_Drives);
-    EXPECT_THAT(identifiers(changes.m_Events), ElementsAre(11093U, 11093U, 11094U));
+    EXPECT_THAT(identifiers(changes.m_Events),
+                ElementsAre(PI::EVENT_ADAPTER_ADDED, PI::EVENT_ADAPTER_ADDED, PI::EVENT_ADAPTER_REMOVED));
 }

@@ -1,5 +1,8 @@
 #include "WorkerFixture.h"
 
+#include <PI/EventCode.h>
+#include <PI/StateCode.h>
+
 #include <gmock/gmock.h>
 
 #include <utility>
@@ -86,7 +89,8 @@ TEST_F(CFailedQuery, OfTheWearLogChangesNoState)
     const CFakeDrive drive = CFakeDrive(0).Vendor(INTEL).TemperatureLog(60, 20).LegacyLog(60, 90);
     m_Healed = drive.m_VendorLogs;
     StartOver(drive);
-    EXPECT_EQ(std::pair(m_Adapter.m_EANormalized, m_Adapter.m_HealthStatus), std::pair(90U, 40150U));
+    EXPECT_EQ(m_Adapter.m_EANormalized, 90U);
+    EXPECT_EQ(m_Adapter.m_HealthStatus, PI::HEALTH_DEGRADED);
     ExpectNothingOf([](CFakeDrive& changed) { changed.m_VendorLogs.erase(0xCA); });
 }
 
@@ -124,7 +128,7 @@ TEST_F(CFailedQuery, StillLetsTheNextGoodOneClearTheWarning)
     Force();
     EXPECT_THAT(CollectEvents(), IsEmpty());
     Force();
-    EXPECT_THAT(CollectEvents(), ElementsAre(10980U));
+    EXPECT_THAT(CollectEvents(), ElementsAre(PI::EVENT_WARNINGS_CLEARED));
 }
 
 TEST_F(CFailedQuery, OfAnotherDriveInThePlaceShowsNothingOfTheFormer)
@@ -136,7 +140,8 @@ TEST_F(CFailedQuery, OfAnotherDriveInThePlaceShowsNothingOfTheFormer)
         drive.m_NamespaceStatuses = {REFUSED};
     });
     Force();
-    EXPECT_THAT(CollectEvents(), testing::UnorderedElementsAre(11093U, 11094U));
+    EXPECT_THAT(CollectEvents(),
+                testing::UnorderedElementsAre(PI::EVENT_ADAPTER_ADDED, PI::EVENT_ADAPTER_REMOVED));
     const CNVMeAdapter& adapter = m_Api.m_Adapters.at(0);
     EXPECT_EQ(adapter.m_SerialNumber, "OTHER");
     EXPECT_EQ(adapter.m_WarningFlags, 0U);

@@ -74,7 +74,7 @@ protected:
 TEST_F(GetEvents, SucceedsAlthoughTheRowCannotBeWritten)
 {
     AtStatement([] { throw DBEXCEPTION::DatabaseException("disk full"); });
-    EXPECT_EQ(Execute(50002), PI::ERR_SUCCESS);
+    EXPECT_EQ(Execute(PI::OPERATION_GET_EVENTS), PI::ERR_SUCCESS);
     EXPECT_EQ(m_Carried, 2U);
 }
 
@@ -88,7 +88,7 @@ TEST_F(GetEvents, TakesTheEventsBeforeTheRowIsWritten)
 {
     std::vector<std::size_t> pending;
     AtStatement([&] { pending.push_back(m_Api.m_Events.size()); });
-    EXPECT_EQ(Execute(50002), PI::ERR_SUCCESS);
+    EXPECT_EQ(Execute(PI::OPERATION_GET_EVENTS), PI::ERR_SUCCESS);
     EXPECT_THAT(pending, Not(IsEmpty()));
     EXPECT_THAT(pending, Each(0U));
 }

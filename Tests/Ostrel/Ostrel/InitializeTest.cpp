@@ -128,7 +128,7 @@ TEST_F(Initialize, GivesThePluginTheFirstIdentifierAndLinksTheTree)
     m_Drives.Add(CFakeDrive(1));
     ASSERT_EQ(Run(), PI::ERR_SUCCESS);
     EXPECT_EQ(m_Api.m_Plugin.m_ID, MODULE | 0U);
-    EXPECT_EQ(m_Api.m_Plugin.m_Type, 19006U);
+    EXPECT_EQ(m_Api.m_Plugin.m_Type, PI::TYPE_PLUGIN);
     EXPECT_THAT(m_Api.m_Plugin.m_Parents, IsEmpty());
     EXPECT_THAT(m_Api.m_Plugin.m_Children, ElementsAre(MODULE | 1U, MODULE | 3U));
     for (std::size_t i = 0; i < 2; ++i) {

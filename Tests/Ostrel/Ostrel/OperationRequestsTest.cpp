@@ -90,8 +90,9 @@ TEST_F(OperationRequests, ThePluginOffersTheCollectionOfEvents)
 {
     EXPECT_EQ(Get(m_Plugin), PI::ERR_SUCCESS);
     ASSERT_THAT(m_Operations, SizeIs(1));
-    EXPECT_EQ(m_Operations[0].Words(), (PI::COperationTemplate{50002, 6, 1, 1, 1, false, 0, 1, 1}));
-    EXPECT_EQ(m_Operations[0].RequestedId(), 50002U);
+    EXPECT_EQ(m_Operations[0].Words(),
+              (PI::COperationTemplate{PI::OPERATION_GET_EVENTS, 6, 1, 1, 1, false, 0, 1, 1}));
+    EXPECT_EQ(m_Operations[0].RequestedId(), PI::OPERATION_GET_EVENTS);
 }
 
 TEST_F(OperationRequests, AdaptersAndDrivesOfferNone)
@@ -107,8 +108,8 @@ TEST_F(OperationRequests, AnUnknownObjectIsNotFound)
     for (const std::uint64_t id : {std::uint64_t{0}, std::uint64_t{5}, m_Plugin | 0xFFFF}) {
         EXPECT_EQ(Get(id), PI::ERR_OBJECT_NOT_FOUND);
         EXPECT_THAT(m_Operations, IsEmpty());
-        EXPECT_EQ(Check(id, 50002), PI::ERR_OBJECT_NOT_FOUND);
-        EXPECT_EQ(Execute(id, 50002), PI::ERR_OBJECT_NOT_FOUND);
+        EXPECT_EQ(Check(id, PI::OPERATION_GET_EVENTS), PI::ERR_OBJECT_NOT_FOUND);
+        EXPECT_EQ(Execute(id, PI::OPERATION_GET_EVENTS), PI::ERR_OBJECT_NOT_FOUND);
         EXPECT_THAT(m_Events, ElementsAre(0U)) << "untouched";
     }
     EXPECT_THAT(m_Api.m_Events, SizeIs(3));
@@ -117,23 +118,23 @@ TEST_F(OperationRequests, AnUnknownObjectIsNotFound)
 TEST_F(OperationRequests, AnyOperationOfAKnownObjectChecks)
 {
     for (const std::uint64_t id : {m_Plugin, m_Adapter, m_Drive})
-        for (const std::uint32_t operationId : {50002U, 0U, 1U, 0xFFFFFFFFU})
+        for (const std::uint32_t operationId : {PI::OPERATION_GET_EVENTS, 0U, 1U, 0xFFFFFFFFU})
             EXPECT_EQ(Check(id, operationId), PI::ERR_SUCCESS);
 }
 
 TEST_F(OperationRequests, CollectingHandsThePendingEventsOverOnce)
 {
-    EXPECT_EQ(Execute(m_Plugin, 50002), PI::ERR_SUCCESS);
+    EXPECT_EQ(Execute(m_Plugin, PI::OPERATION_GET_EVENTS), PI::ERR_SUCCESS);
     EXPECT_THAT(m_Events, ElementsAre(1U, 2U, 3U));
     EXPECT_THAT(m_Api.m_Events, IsEmpty());
-    EXPECT_EQ(Execute(m_Plugin, 50002), PI::ERR_SUCCESS);
+    EXPECT_EQ(Execute(m_Plugin, PI::OPERATION_GET_EVENTS), PI::ERR_SUCCESS);
     EXPECT_THAT(m_Events, IsEmpty());
 }
 
 TEST_F(OperationRequests, AnotherOperationIsNotSupportedAndEventsStayPending)
 {
     for (const std::uint64_t id : {m_Adapter, m_Drive})
-        EXPECT_EQ(Execute(id, 50002), PI::ERR_OPERATION_NOT_SUPPORTED);
+        EXPECT_EQ(Execute(id, PI::OPERATION_GET_EVENTS), PI::ERR_OPERATION_NOT_SUPPORTED);
     for (const std::uint32_t operationId : {0U, 50001U, 50003U})
         EXPECT_EQ(Execute(m_Plugin, operationId), PI::ERR_OPERATION_NOT_SUPPORTED);
     EXPECT_THAT(m_Api.m_Events, SizeIs(3));
@@ -154,7 +155,7 @@ TEST_F(OperationRequests, CheckTraces)
 {
     const CTraceCapture capture(~0U);
     Check(m_Adapter, 7);
-    Check(5, 50002);
+    Check(5, PI::OPERATION_GET_EVENTS);
     EXPECT_THAT(Lines(capture),
                 ElementsAre("16 ENTER CheckOperation operation=7", BEFORE, AFTER,
                             "16 LEAVE CheckOperation(0)", "16 ENTER CheckOperation operation=50002", BEFORE,
@@ -165,7 +166,7 @@ TEST_F(OperationRequests, ExecuteTraces)
 {
     {
         const CTraceCapture capture(127);
-        Execute(m_Plugin, 50002);
+        Execute(m_Plugin, PI::OPERATION_GET_EVENTS);
         EXPECT_THAT(Lines(capture),
                     ElementsAre(BEFORE, AFTER, "2 ENTER ExecutePluginOperation()", "2 ENTER GetEvents()",
                                 "8 Before m_EventsLock.Wait(INFINITE)", "8 After m_EventsLock.Wait(INFINITE)",
@@ -174,7 +175,7 @@ TEST_F(OperationRequests, ExecuteTraces)
     }
     const CTraceCapture capture(127);
     Execute(m_Plugin, 50003);
-    Execute(m_Drive, 50002);
+    Execute(m_Drive, PI::OPERATION_GET_EVENTS);
     EXPECT_THAT(Lines(capture), ElementsAre(BEFORE, AFTER, "2 ENTER ExecutePluginOperation()",
                                             "2 LEAVE ExecutePluginOperation() -> 20005", BEFORE, AFTER));
 }
@@ -183,9 +184,9 @@ TEST_F(OperationRequests, ExecuteTraces)
 TEST_F(OperationRequests, ExecuteUpdatesThePluginsRow)
 {
     const CTraceCapture capture(128);
-    Execute(m_Drive, 50002);
+    Execute(m_Drive, PI::OPERATION_GET_EVENTS);
     EXPECT_THAT(Lines(capture), IsEmpty());
-    Execute(m_Plugin, 50002);
+    Execute(m_Plugin, PI::OPERATION_GET_EVENTS);
     Execute(m_Plugin, 50003);
     EXPECT_THAT(Lines(capture),
                 ElementsAre("128 Plugin NVMe updated in db.", "128 Plugin NVMe updated in db."));
@@ -195,7 +196,7 @@ TEST_F(OperationRequests, WithoutTheEventsLockNothingIsCollected)
 {
     TestSupport::CPluginUnderTest fresh;
     fresh.m_Events.resize(2);
-    PI::COperation executed = operation(50002);
+    PI::COperation executed = operation(PI::OPERATION_GET_EVENTS);
     executed.SetEvents(std::vector<PI::CEvent>(1));
     const CTraceCapture capture(~0U);
     EXPECT_EQ(fresh.GetEvents(fresh.m_Plugin, executed), PI::ERR_SUCCESS);
@@ -211,7 +212,7 @@ TEST_F(OperationRequests, EventsAreHandedOverWhateverTheUpdateOfTheRowThrows)
     const auto healthy = m_Api.m_Database->m_Access;
     m_Api.m_Database->m_Access =
         std::make_shared<TestSupport::CThrowingDatabase<std::bad_alloc>>(std::bad_alloc());
-    EXPECT_EQ(Execute(m_Plugin, 50002), PI::ERR_SUCCESS);
+    EXPECT_EQ(Execute(m_Plugin, PI::OPERATION_GET_EVENTS), PI::ERR_SUCCESS);
     m_Api.m_Database->m_Access = healthy;
     EXPECT_THAT(m_Events, ElementsAre(1, 2, 3));
     EXPECT_THAT(m_Api.m_Events, IsEmpty());

@@ -107,7 +107,7 @@ TEST(PluginApi, AContainerOfTheWrongTypeIsAGeneralFailureAndStaysAsItWas)
         Properties(2),
         pollInterval(7),
         Operations(2),
-        PI::COperation(PI::COperationTemplate{50002, 6, 1, 1, 1, false, 0, 1, 1})};
+        PI::COperation(PI::COperationTemplate{PI::OPERATION_GET_EVENTS, 6, 1, 1, 1, false, 0, 1, 1})};
     for (std::int32_t request = 1; request <= 10; ++request) {
         for (const CRequestData& candidate : candidates) {
             const std::size_t right = expected[static_cast<std::size_t>(request) - 1];
@@ -126,7 +126,7 @@ TEST(PluginApi, AContainerOfTheWrongTypeIsAGeneralFailureAndStaysAsItWas)
                     if constexpr (requires { now.size(); }) {
                         EXPECT_EQ(now.size(), 2U);
                     } else if constexpr (requires { now.Words(); }) {
-                        EXPECT_EQ(now.Id(), 50002U);
+                        EXPECT_EQ(now.Id(), PI::OPERATION_GET_EVENTS);
                     } else if constexpr (requires { now.Settable(); }) {
                         EXPECT_EQ(std::get<PI::CBoundedValue>(now.GetValue()).m_Value, 7);
                     }

@@ -3,6 +3,8 @@
 #include "Support/TryElsewhere.h"
 #include "WorkerFixture.h"
 
+#include <PI/CaptionId.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -96,10 +98,12 @@ protected:
 TEST_F(PropertyRequests, GetAllPropertiesOfEachKindOfObject)
 {
     EXPECT_EQ(GetAll(m_Plugin), PI::ERR_SUCCESS);
-    EXPECT_THAT(TestSupport::propertyIds(m_Properties), ElementsAre(30137U, 30007U, 30099U, 30003U, 30005U));
+    EXPECT_THAT(TestSupport::propertyIds(m_Properties),
+                ElementsAre(PI::PROP_LOCATION, PI::PROP_NAME, PI::PROP_VERSION, PI::PROP_VENDOR,
+                            PI::PROP_POLL_INTERVAL));
 
     EXPECT_EQ(GetAll(m_Adapter), PI::ERR_SUCCESS);
-    EXPECT_THAT(TestSupport::propertyIds(m_Properties), testing::Contains(30487U));
+    EXPECT_THAT(TestSupport::propertyIds(m_Properties), testing::Contains(PI::PROP_SPARE_STATE));
     EXPECT_EQ(Get(m_Adapter, PI::PROP_SERIAL_NUMBER), PI::ERR_SUCCESS);
     EXPECT_EQ(Text(), "SN1");
 
@@ -113,10 +117,10 @@ TEST_F(PropertyRequests, GetOneReplacesTheWholeProperty)
 {
     EXPECT_EQ(Get(m_Plugin, PI::PROP_POLL_INTERVAL), PI::ERR_SUCCESS);
     EXPECT_TRUE(m_Property.Settable());
-    EXPECT_EQ(m_Property.NlsID(), 23335U);
-    EXPECT_EQ(m_Property.Units(), 21007U);
+    EXPECT_EQ(m_Property.NlsID(), PI::PLUGIN_CAPTION_POLL_INTERVAL);
+    EXPECT_EQ(m_Property.Units(), PI::UNIT_SECONDS);
     EXPECT_EQ(m_Property.GetValue(), PI::CProperty::Value(PI::CBoundedValue{30, 2, 255, 1}));
-    EXPECT_EQ(Get(m_Plugin, 30099), PI::ERR_SUCCESS);
+    EXPECT_EQ(Get(m_Plugin, PI::PROP_VERSION), PI::ERR_SUCCESS);
     EXPECT_EQ(Text(), "7.16.3");
 }
 
@@ -172,7 +176,8 @@ TEST_F(PropertyRequests, ThePluginComesBeforeAdaptersAndTheyBeforeDrives)
 TEST_F(PropertyRequests, NothingOfAnAdapterOrADriveCanBeSet)
 {
     for (const std::uint64_t id : {m_Adapter, m_Drive})
-        for (const std::uint32_t property : {30005U, 30007U, 1U, 0U})
+        for (const std::uint32_t property : std::initializer_list<std::uint32_t>{
+                 PI::PROP_POLL_INTERVAL, PI::PROP_NAME, PI::ALL_PROPERTIES, 0})
             EXPECT_EQ(Set(id, property, 60), PI::ERR_PROPERTY_NOT_SETTABLE);
     EXPECT_EQ(m_Api.m_PollInterval, 30U);
 }
@@ -214,15 +219,15 @@ TEST_P(PropertyRequestsTrace, GetProperty)
 {
     std::vector<std::string> lines = {"8 Before m_DataLock.Wait (sg)", "8 After m_DataLock.Wait (sg)"};
     Expect(
-        "GetProperty", [&] { Get(m_Plugin, 30007); }, lines);
+        "GetProperty", [&] { Get(m_Plugin, PI::PROP_NAME); }, lines);
     lines.emplace_back("4 GetProperty() Adapter = 2");
     Expect(
-        "GetProperty", [&] { Get(m_Adapter, 30007); }, lines);
+        "GetProperty", [&] { Get(m_Adapter, PI::PROP_NAME); }, lines);
     lines.emplace_back("4 GetProperty() PhysicalDrives = 2");
     Expect(
-        "GetProperty", [&] { Get(m_Drive, 30007); }, lines);
+        "GetProperty", [&] { Get(m_Drive, PI::PROP_NAME); }, lines);
     Expect(
-        "GetProperty", [&] { Get(5, 30007); }, lines);
+        "GetProperty", [&] { Get(5, PI::PROP_NAME); }, lines);
 }
 
 TEST_P(PropertyRequestsTrace, SetProperty)
@@ -230,7 +235,7 @@ TEST_P(PropertyRequestsTrace, SetProperty)
     const std::vector<std::string> lines = {"8 Before m_DataLock.Wait (sg)", "8 After m_DataLock.Wait (sg)"};
     for (const std::uint64_t id : {m_Plugin, m_Adapter, m_Drive, std::uint64_t{5}})
         Expect(
-            "SetProperty", [&] { Set(id, 30005, 60); }, lines);
+            "SetProperty", [&] { Set(id, PI::PROP_POLL_INTERVAL, 60); }, lines);
 }
 
 INSTANTIATE_TEST_SUITE_P(Masks, PropertyRequestsTrace, testing::Values(0U, 4U, 8U, ~0U));

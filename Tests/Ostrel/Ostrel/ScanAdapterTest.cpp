@@ -5,6 +5,7 @@
 
 #include <PI/AdapterID.h>
 #include <PI/LifeTimeData.h>
+#include <PI/StateCode.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -226,7 +227,7 @@ TEST_F(CScanAdapter, KeepsTheDefaultsWhenTheHealthPageWasNeverFilled)
     EXPECT_EQ(adapter.m_PowerOnHours, UNKNOWN_COUNTER);
     EXPECT_EQ(adapter.m_ReserveSpace, 100U);
     EXPECT_EQ(adapter.m_WarningThreshold, 10U);
-    EXPECT_EQ(adapter.m_HealthStatus, 40024U);
+    EXPECT_EQ(adapter.m_HealthStatus, PI::HEALTH_HEALTHY);
     EXPECT_EQ(adapter.m_EndOfLifeDate, "");
     EXPECT_EQ(m_Drives.at(0).m_Temperature, -1.0F);
 }
@@ -242,7 +243,7 @@ TEST_F(CScanAdapter, LosesTheTemperatureAloneWhereAFilledPageHasNone)
     drive.m_Health.Counter160[0] = 4;
     const CNVMeAdapter& adapter = Adapter(drive);
     EXPECT_EQ(adapter.m_Temperature, -1.0F);
-    EXPECT_EQ(adapter.m_HealthStatus, 40095U);
+    EXPECT_EQ(adapter.m_HealthStatus, PI::HEALTH_CRITICAL);
     EXPECT_EQ(adapter.m_ReserveSpace, 0U);
     EXPECT_EQ(adapter.m_WarningThreshold, 5U);
     EXPECT_EQ(adapter.m_DataUnitsRead, 1U);
@@ -255,8 +256,8 @@ TEST_F(CScanAdapter, LosesTheTemperatureAloneWhereAFilledPageHasNone)
 TEST_F(CScanAdapter, TheLastTestedWarningBitWinsTheStatus)
 {
     const CNVMeAdapter& adapter = Adapter(CFakeDrive(1).Warning(0x09));
-    EXPECT_EQ(adapter.m_HealthStatus, 40095U);
-    EXPECT_THAT(adapter.m_HealthReasons, ElementsAre(40460U, 40452U));
+    EXPECT_EQ(adapter.m_HealthStatus, PI::HEALTH_CRITICAL);
+    EXPECT_THAT(adapter.m_HealthReasons, ElementsAre(PI::REASON_SPARE_LOW, PI::REASON_READ_ONLY));
     EXPECT_EQ(adapter.m_WarningFlags, 0x09U);
 }
 
@@ -264,10 +265,10 @@ TEST_F(CScanAdapter, TemperatureStatisticsWidenTheWarningsOfIntelDrives)
 {
     m_Fakes.Add(CFakeDrive(1).Vendor(INTEL).Warning(0x02).TemperatureLog(100, 20));
     EXPECT_EQ(Again().m_WarningFlags, 0x242U);
-    EXPECT_EQ(m_Adapters.at(0).m_HealthStatus, 40150U);
+    EXPECT_EQ(m_Adapters.at(0).m_HealthStatus, PI::HEALTH_DEGRADED);
     m_Fakes.At(0).Warning(0).TemperatureLog(84, 0);
     EXPECT_EQ(Again().m_WarningFlags, 0x280U);
-    EXPECT_EQ(m_Adapters.at(0).m_HealthStatus, 40024U) << "temperature bits alone set no status";
+    EXPECT_EQ(m_Adapters.at(0).m_HealthStatus, PI::HEALTH_HEALTHY) << "temperature bits alone set no status";
     EXPECT_THAT(m_Adapters.at(0).m_HealthReasons, IsEmpty());
     m_Fakes.At(0).TemperatureLog(0, 200);
     EXPECT_EQ(Again().m_WarningFlags, 0U);
@@ -295,12 +296,12 @@ TEST_F(CScanAdapter, TakesWearAndSpareOfIntelDrives)
     m_Fakes.Add(CFakeDrive(1).Vendor(INTEL).Model("INTEL SSDPED1K375GA").LegacyLog(3, 99));
     EXPECT_EQ(Again().m_ADNormalized, 97U);
     EXPECT_EQ(m_Adapters.at(0).m_EANormalized, 99U);
-    EXPECT_EQ(m_Adapters.at(0).m_HealthStatus, 40150U);
-    EXPECT_EQ(m_Adapters.at(0).m_SpareStatus, 40410U);
+    EXPECT_EQ(m_Adapters.at(0).m_HealthStatus, PI::HEALTH_DEGRADED);
+    EXPECT_EQ(m_Adapters.at(0).m_SpareStatus, PI::WEAR_WARNING);
     m_Fakes.At(0).Model("INTEL SSDPED1K375GB").Warning(0x08);
     EXPECT_EQ(Again().m_ADNormalized, 3U);
-    EXPECT_EQ(m_Adapters.at(0).m_HealthStatus, 40095U);
-    EXPECT_EQ(m_Adapters.at(0).m_SpareStatus, 40411U);
+    EXPECT_EQ(m_Adapters.at(0).m_HealthStatus, PI::HEALTH_CRITICAL);
+    EXPECT_EQ(m_Adapters.at(0).m_SpareStatus, PI::WEAR_CRITICAL);
 }
 
 TEST_F(CScanAdapter, RaisesNoAlarmWhenTheLegacyPageFails)
@@ -308,8 +309,8 @@ TEST_F(CScanAdapter, RaisesNoAlarmWhenTheLegacyPageFails)
     const CNVMeAdapter& adapter = Adapter(CFakeDrive(1).Vendor(INTEL).Model("INTEL SSDPED1K375GA"));
     EXPECT_EQ(adapter.m_ADNormalized, 0U);
     EXPECT_EQ(adapter.m_EANormalized, 100U);
-    EXPECT_EQ(adapter.m_SpareStatus, 40252U);
-    EXPECT_EQ(adapter.m_HealthStatus, 40024U);
+    EXPECT_EQ(adapter.m_SpareStatus, PI::WEAR_OK);
+    EXPECT_EQ(adapter.m_HealthStatus, PI::HEALTH_HEALTHY);
 }
 
 TEST_F(CScanAdapter, TakesTheRatingFromTheHostsTable)

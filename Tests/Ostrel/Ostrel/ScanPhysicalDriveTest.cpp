@@ -1,5 +1,7 @@
 #include "ScanFixture.h"
 
+#include <PI/StateCode.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -35,7 +37,7 @@ TEST_F(CScanPhysicalDrive, TakesTheAdaptersDescription)
     EXPECT_EQ(drive.m_SerialNumber, "S1");
     EXPECT_EQ(drive.m_Temperature, 40.0F);
     EXPECT_EQ(drive.m_Location, "PCI:Bus=1&Device=0&Function=0&ID=0");
-    EXPECT_EQ(drive.m_Status, 40099U);
+    EXPECT_EQ(drive.m_Status, PI::DRIVE_OPERATIONAL);
     EXPECT_EQ(drive.m_ReservedMiB, 0U);
     EXPECT_EQ(drive.m_ReservedPercent, 0U);
 }

@@ -46,8 +46,8 @@ TEST_F(CScanSystem, LinksEachAdapterWithItsDrive)
     Scan();
     ASSERT_EQ(m_Adapters.size(), 2U);
     for (std::size_t i = 0; i < 2; ++i) {
-        EXPECT_EQ(m_Adapters[i].m_Type, 19038U);
-        EXPECT_EQ(m_Drives[i].m_Type, 19018U);
+        EXPECT_EQ(m_Adapters[i].m_Type, PI::TYPE_ADAPTER);
+        EXPECT_EQ(m_Drives[i].m_Type, PI::TYPE_PHYSICAL_DRIVE);
         EXPECT_EQ(m_Adapters[i].m_DeviceIndex, i);
         EXPECT_EQ(m_Drives[i].m_DeviceIndex, i);
         EXPECT_THAT(m_Adapters[i].m_Children, ElementsAre(m_Drives[i].m_ID));

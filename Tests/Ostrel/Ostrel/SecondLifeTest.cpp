@@ -1,6 +1,8 @@
 #include "Support/RowFixture.h"
 #include "WorkerFixture.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -63,7 +65,7 @@ TEST_F(SecondLife, HasAWorkerThatWatches)
     Settle();
     m_Drives.Add(CFakeDrive(1));
     Force();
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093));
+    EXPECT_THAT(CollectEvents(), ElementsAre(PI::EVENT_ADAPTER_ADDED));
 }
 
 TEST_F(RowFaults, KeepNoRequestFromItsWork)

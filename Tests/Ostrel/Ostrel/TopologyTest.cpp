@@ -116,7 +116,8 @@ TEST_F(Topology, ListsThePluginThenTheAdaptersThenTheDrives)
         ids.push_back(object.m_ID);
         EXPECT_THAT(object.m_Properties, Not(IsEmpty()));
     }
-    EXPECT_THAT(types, ElementsAre(19006U, 19038U, 19038U, 19018U, 19018U));
+    EXPECT_THAT(types, ElementsAre(PI::TYPE_PLUGIN, PI::TYPE_ADAPTER, PI::TYPE_ADAPTER,
+                                   PI::TYPE_PHYSICAL_DRIVE, PI::TYPE_PHYSICAL_DRIVE));
     EXPECT_THAT(ids, ElementsAre(PLUGIN_MODULE, PLUGIN_MODULE | 1U, PLUGIN_MODULE | 3U, PLUGIN_MODULE | 2U,
                                  PLUGIN_MODULE | 4U));
 
@@ -134,7 +135,7 @@ TEST_F(Topology, OffersOperationsOnThePluginAlone)
     ASSERT_EQ(Get(), PI::ERR_SUCCESS);
     ASSERT_EQ(m_Objects.size(), 3U);
     ASSERT_EQ(m_Objects[0].m_Operations.size(), 1U);
-    EXPECT_EQ(m_Objects[0].m_Operations[0].Id(), 50002U);
+    EXPECT_EQ(m_Objects[0].m_Operations[0].Id(), PI::OPERATION_GET_EVENTS);
     EXPECT_THAT(m_Objects[1].m_Operations, IsEmpty());
     EXPECT_THAT(m_Objects[2].m_Operations, IsEmpty());
 }

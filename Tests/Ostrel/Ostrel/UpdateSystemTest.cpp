@@ -1,6 +1,9 @@
 #include "Support/TraceCapture.h"
 #include "UpdateSystemFixture.h"
 
+#include <PI/ErrorCode.h>
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -24,7 +27,7 @@ using TestSupport::serials;
 using TestSupport::UpdateSystem;
 
 constexpr std::uint32_t CHANGED = 0;
-constexpr std::uint32_t UNCHANGED = 20000;
+constexpr std::uint32_t UNCHANGED = PI::ERR_GENERAL_FAILURE;
 
 } // namespace
 
@@ -74,9 +77,9 @@ TEST_F(UpdateSystem, ANewAdapterMakesAnEvent)
     EXPECT_EQ(Update(), CHANGED);
     ASSERT_EQ(m_Plugin.m_Events.size(), 1U);
     const PI::CEvent& event = m_Plugin.m_Events[0];
-    EXPECT_EQ(event.m_Source, 19002U);
-    EXPECT_EQ(event.m_Id, 11093U);
-    EXPECT_EQ(event.m_Severity, 2U);
+    EXPECT_EQ(event.m_Source, PI::EVENT_SOURCE_HOST);
+    EXPECT_EQ(event.m_Id, PI::EVENT_ADAPTER_ADDED);
+    EXPECT_EQ(event.m_Severity, PI::EVENT_SEVERITY_INFORMATION);
     EXPECT_EQ(event.m_Time, m_Clock.Now());
     EXPECT_EQ(event.SourceText(), "NVMe PCI Adapter (SN2)");
     EXPECT_EQ(event.PlaceHolder1(), "NVMe PCI Adapter (SN2)");
@@ -93,9 +96,9 @@ TEST_F(UpdateSystem, AVanishedAdapterMakesAnEvent)
     EXPECT_EQ(Update(), CHANGED);
     ASSERT_EQ(m_Plugin.m_Events.size(), 1U);
     const PI::CEvent& event = m_Plugin.m_Events[0];
-    EXPECT_EQ(event.m_Source, 19002U);
-    EXPECT_EQ(event.m_Id, 11094U);
-    EXPECT_EQ(event.m_Severity, 3U);
+    EXPECT_EQ(event.m_Source, PI::EVENT_SOURCE_HOST);
+    EXPECT_EQ(event.m_Id, PI::EVENT_ADAPTER_REMOVED);
+    EXPECT_EQ(event.m_Severity, PI::EVENT_SEVERITY_WARNING);
     EXPECT_EQ(event.m_Time, m_Clock.Now());
     EXPECT_EQ(event.SourceText(), "NVMe PCI Adapter (SN1)");
     EXPECT_EQ(event.PlaceHolder1(), "NVMe PCI Adapter (SN1)");
@@ -133,7 +136,7 @@ TEST_F(UpdateSystem, AChangedDriveAloneIsAChange)
     PublishFirst();
     m_Fakes.At(0).m_Namespace.LBAF[0].LBADS = 12;
     EXPECT_EQ(Update(), CHANGED);
-    EXPECT_THAT(identifiers(m_Plugin.m_Events), ElementsAre(10985U));
+    EXPECT_THAT(identifiers(m_Plugin.m_Events), ElementsAre(PI::EVENT_DRIVE_CHANGED));
     EXPECT_EQ(m_Plugin.m_PhysicalDrives[0].m_BlockSize, 4096U);
 }
 
@@ -143,7 +146,8 @@ TEST_F(UpdateSystem, WarningsComeLastFirst)
     PublishFirst();
     m_Fakes.At(0).Warning(0x14);
     EXPECT_EQ(Update(), CHANGED);
-    EXPECT_THAT(identifiers(m_Plugin.m_Events), ElementsAre(11088U, 10957U));
+    EXPECT_THAT(identifiers(m_Plugin.m_Events),
+                ElementsAre(PI::EVENT_RELIABILITY_DEGRADED, PI::EVENT_MEMORY_BACKUP_FAILED));
     EXPECT_EQ(m_Plugin.m_Events[0].m_Source, m_Plugin.m_Adapters[0].m_ID);
     EXPECT_EQ(m_Plugin.m_Events[0].SourceText(), "NVMe PCI Adapter (SN1)");
     m_Plugin.m_Events.clear();
@@ -153,7 +157,7 @@ TEST_F(UpdateSystem, WarningsComeLastFirst)
     EXPECT_THAT(m_Plugin.m_Events, IsEmpty());
     m_Fakes.At(0).Warning(0);
     EXPECT_EQ(Update(), CHANGED);
-    EXPECT_THAT(identifiers(m_Plugin.m_Events), ElementsAre(10980U));
+    EXPECT_THAT(identifiers(m_Plugin.m_Events), ElementsAre(PI::EVENT_WARNINGS_CLEARED));
 }
 
 TEST_F(UpdateSystem, TheTemperatureStatisticsOfAnIntelDriveMakeEvents)
@@ -166,7 +170,9 @@ TEST_F(UpdateSystem, TheTemperatureStatisticsOfAnIntelDriveMakeEvents)
     EXPECT_EQ(Update(), CHANGED);
     m_Fakes.At(0).TemperatureLog(107, 23);
     EXPECT_EQ(Update(), CHANGED);
-    EXPECT_THAT(identifiers(m_Plugin.m_Events), ElementsAre(10967U, 10962U, 10959U, 10960U));
+    EXPECT_THAT(identifiers(m_Plugin.m_Events),
+                ElementsAre(PI::EVENT_TEMPERATURE_NEAR_CRITICAL, PI::EVENT_TEMPERATURE_HIGH,
+                            PI::EVENT_TEMPERATURE_CRITICAL, PI::EVENT_TEMPERATURE_ABOVE_CRITICAL));
 }
 
 TEST_F(UpdateSystem, EventsOfOneScanComeBehindEarlierOnesAndLastMadeFirst)
@@ -182,7 +188,9 @@ TEST_F(UpdateSystem, EventsOfOneScanComeBehindEarlierOnesAndLastMadeFirst)
     m_Fakes.Remove("/dev/nvme3n1");
     m_Fakes.Add(CFakeDrive(4));
     EXPECT_EQ(Update(), CHANGED);
-    EXPECT_THAT(identifiers(m_Plugin.m_Events), ElementsAre(1U, 10985U, 11094U, 11093U, 11088U));
+    EXPECT_THAT(identifiers(m_Plugin.m_Events),
+                ElementsAre(1U, PI::EVENT_DRIVE_CHANGED, PI::EVENT_ADAPTER_REMOVED, PI::EVENT_ADAPTER_ADDED,
+                            PI::EVENT_RELIABILITY_DEGRADED));
     EXPECT_EQ(m_Plugin.m_Plugin.m_UpdateCount, 2U);
 }
 

@@ -1,5 +1,7 @@
 #include "WorkerFixture.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -53,7 +55,7 @@ TEST_F(WorkerAnnouncement, WakesTheWorkerLongBeforeItsInterval)
     m_Clock.Advance(1);
     EXPECT_EQ(AwaitWorker(), INTERVAL);
     EXPECT_EQ(m_Enumerations, 1);
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
+    EXPECT_THAT(CollectEvents(), ElementsAre(PI::EVENT_ADAPTER_ADDED));
 }
 
 TEST_F(WorkerAnnouncement, IsAskedForWhileTheWorkerRuns)

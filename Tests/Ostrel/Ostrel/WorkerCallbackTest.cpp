@@ -170,7 +170,7 @@ TEST_F(WorkerCallback, NeedsNoCallback)
     Force();
     m_Api.m_PrivateEvent.Set();
     EXPECT_EQ(AwaitWorker(), INTERVAL);
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
+    EXPECT_THAT(CollectEvents(), ElementsAre(PI::EVENT_ADAPTER_ADDED));
 }
 
 TEST_F(WorkerCallback, SurvivesACallbackThatThrows)
@@ -184,7 +184,7 @@ TEST_F(WorkerCallback, SurvivesACallbackThatThrows)
     EXPECT_EQ(AwaitWorker(), INTERVAL);
     Force();
     EXPECT_EQ(m_Calls, 3);
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
+    EXPECT_THAT(CollectEvents(), ElementsAre(PI::EVENT_ADAPTER_ADDED));
 }
 
 TEST_F(WorkerCallback, GoesOnWhenACallbackThatBlockedReturns)

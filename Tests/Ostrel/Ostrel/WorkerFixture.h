@@ -114,7 +114,8 @@ protected:
     /** Operation 50002: returns the identifiers of the pending events, in order. */
     std::vector<std::uint32_t> CollectEvents()
     {
-        PI::COperation operation(PI::COperationTemplate{50002, 6, 1, 1, 1, false, 0, 1, 1});
+        PI::COperation operation(
+            PI::COperationTemplate{PI::OPERATION_GET_EVENTS, 6, 1, 1, 1, false, 0, 1, 1});
         PI::CRequestData data = operation;
         EXPECT_EQ(m_Api.Request(PI::REQUEST_EXECUTE_OPERATION, m_Api.m_Plugin.m_ID, data), PI::ERR_SUCCESS);
         std::vector<std::uint32_t> ids;

@@ -1,5 +1,7 @@
 #include "WorkerFixture.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -87,7 +89,7 @@ protected:
     {
         const bool raised = m_Raised.erase(slot) == 0 && m_Raised.insert(slot).second;
         m_Drives.Change(slot, [raised](CFakeDrive& drive) { drive.Warning(raised ? 0x04 : 0); });
-        Expect(raised ? 11088 : 10980, slot);
+        Expect(raised ? PI::EVENT_RELIABILITY_DEGRADED : PI::EVENT_WARNINGS_CLEARED, slot);
     }
 
     /** Inserts a drive, each time a new one, or removes it. */
@@ -98,10 +100,10 @@ protected:
             m_Plugged.insert(slot);
             m_Drives.Add(
                 CFakeDrive(slot).Serial("SN" + std::to_string(slot) + "-" + std::to_string(++m_Made)));
-            Expect(11093, slot);
+            Expect(PI::EVENT_ADAPTER_ADDED, slot);
         } else {
             m_Drives.Remove("/dev/nvme" + std::to_string(slot) + "n1");
-            Expect(11094, slot);
+            Expect(PI::EVENT_ADAPTER_REMOVED, slot);
             m_Plugged.erase(plugged);
         }
     }
@@ -238,7 +240,8 @@ protected:
 
     void Collect()
     {
-        PI::CRequestData data = PI::COperation(PI::COperationTemplate{50002, 6, 1, 1, 1, false, 0, 1, 1});
+        PI::CRequestData data =
+            PI::COperation(PI::COperationTemplate{PI::OPERATION_GET_EVENTS, 6, 1, 1, 1, false, 0, 1, 1});
         EXPECT_EQ(m_Api.Request(PI::REQUEST_EXECUTE_OPERATION, m_PluginId, data), PI::ERR_SUCCESS);
         const std::scoped_lock guard(m_Lock);
         for (const PI::CEvent& event : std::get<PI::COperation>(data).Events())

@@ -1,6 +1,8 @@
 #include "Support/TryElsewhere.h"
 #include "WorkerFixture.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -174,7 +176,7 @@ TEST_F(Worker, SurvivesACycleThatThrows)
     m_Drives.Add(CFakeDrive(1));
     Force();
     EXPECT_EQ(m_Calls, 1);
-    EXPECT_THAT(CollectEvents(), ElementsAre(11093U));
+    EXPECT_THAT(CollectEvents(), ElementsAre(PI::EVENT_ADAPTER_ADDED));
 }
 
 TEST_F(Worker, LinksAdaptersAndPluginAndCountsItsUpdates)
@@ -210,7 +212,7 @@ TEST_F(Worker, AMachineThatLosesItsLastDriveIsEmpty)
     EXPECT_THAT(m_Api.m_Adapters, IsEmpty());
     EXPECT_THAT(m_Api.m_PhysicalDrives, IsEmpty());
     EXPECT_THAT(m_Api.m_Plugin.m_Children, IsEmpty());
-    EXPECT_THAT(CollectEvents(), ElementsAre(11094U));
+    EXPECT_THAT(CollectEvents(), ElementsAre(PI::EVENT_ADAPTER_REMOVED));
 }
 
 TEST_F(Worker, SettingTheIntervalWakesItAndIsInForceAtOnce)

@@ -3,11 +3,15 @@
 #include "Support/TraceCapture.h"
 #include "Support/VirtualClock.h"
 
+#include <PI/CaptionId.h>
+#include <PI/StateCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -32,7 +36,7 @@ CNVMeAdapter adapterWithEverything()
     adapter.m_Vendor = "INTEL";
     adapter.m_Model = "INTEL SSDPED1K375GA";
     adapter.m_GlobalAdapterNumber = 17;
-    adapter.m_HealthStatus = 40150;
+    adapter.m_HealthStatus = PI::HEALTH_DEGRADED;
     adapter.m_Segment = 1;
     adapter.m_Bus = 2;
     adapter.m_Device = 3;
@@ -47,14 +51,14 @@ CNVMeAdapter adapterWithEverything()
     adapter.m_Temperature = 31.5F;
     adapter.m_PowerOnHours = 1234;
     adapter.m_ReserveSpace = 99;
-    adapter.m_SpareState = 40474;
+    adapter.m_SpareState = PI::SPARE_EXHAUSTED;
     adapter.m_WarningThreshold = 12;
     adapter.m_DataUnitsRead = 3;            // 1536000 bytes
     adapter.m_DataUnitsWritten = 4'294'968; // just above 2 TiB
     adapter.m_LifetimeRating = 1;
-    adapter.m_SpareStatus = 40410;
+    adapter.m_SpareStatus = PI::WEAR_WARNING;
     adapter.m_UnsafeShutdowns = 5;
-    adapter.m_HealthReasons = {40459, 40460};
+    adapter.m_HealthReasons = {PI::REASON_TEMPERATURE, PI::REASON_SPARE_LOW};
     return adapter;
 }
 
@@ -65,40 +69,84 @@ std::vector<CExpectedProperty> expectedOfFullAdapter()
     using Text = std::string;
     using Number = std::uint64_t;
     return {
-        {{30007, 23081, 1, 1, ALL_ONES, 2, 1, 1}, Text("NVMe Intel PCI Adapter (BTFU1)")},
-        {{30003, 23144, 1, 1, ALL_ONES, 2, 1, 1}, Text("INTEL")},
-        {{30063, 23102, 1, 1, ALL_ONES, 2, 1, 1}, Text("SSDPED1K375GA")},
-        {{30158, 1, 1, 1, 0, 3, 1, 1}, PI::CCodeValue{40480, {40480, 40488}}},
-        {{30120, 35023, 1, 1, ALL_ONES, 5, 1, 1}, Number{17}},
-        {{30017, 23127, 1, 1, ALL_ONES, 3, 1, 1}, PI::CCodeValue{40150, {40024, 40150, 40095}}, 0, 24002},
-        {{30479, 35039, 1, 1, ALL_ONES, 5, 1, 0}, Number{1}},
-        {{30037, 35016, 1, 1, ALL_ONES, 5, 1, 0}, Number{2}},
-        {{30038, 35020, 1, 1, ALL_ONES, 5, 1, 0}, Number{3}},
-        {{30039, 35022, 1, 1, ALL_ONES, 5, 1, 0}, Number{4}},
-        {{30137, 1, 1, 1, 0, 2, 1, 1}, Text("PCI:Segment=1&Bus=2&Device=3&Function=4")},
-        {{30022, 23116, 1, 1, ALL_ONES, 2, 1, 1}, Text("BTFU1")},
-        {{30020, 23051, 1, 1, ALL_ONES, 2, 1, 1}, Text("E2010600")},
-        {{30500, 23016, 1, 1, ALL_ONES, 2, 1, 1}, Text("TAG")},
-        {{30247, 23090, 1, 1, ALL_ONES, 2, 1, 1}, Text("/dev/nvme0n1")},
-        {{30266, 23041, 1, 1, ALL_ONES, 2, 1, 1}, Text("nvme")},
-        {{30018, 23042, 1, 1, ALL_ONES, 2, 1, 1}, Text("6.1.0")},
-        {{30442, 23024, 1, 1, ALL_ONES, 5, 21000, 0}, 31.5F, 8},
-        {{30483, 23045, 1, 1, ALL_ONES, 2, 1, 0}, Text("2125-12-08")},
-        {{30498, 23101, 1, 1, ALL_ONES, 5, 21005, 0}, Number{1234}},
-        {{30486, 35034, 1, 1, ALL_ONES, 7, 21010, 0}, PI::CBoundedValue{99, 0, 100, 1}},
-        {{30487, 30017, 1, 1, ALL_ONES, 3, 1, 1}, PI::CCodeValue{40474, {40473, 40150, 40474}}},
-        {{30488, 35045, 1, 1, ALL_ONES, 7, 21010, 1}, PI::CBoundedValue{12, 1, 100, 1}},
-        {{30489, 23017, 1, 1, ALL_ONES, 9, 21002, 0}, 1536000.0F / 1048576, 8},
-        {{30490, 23018, 1, 1, ALL_ONES, 9, 21004, 0},
+        {{PI::PROP_NAME, PI::CAPTION_NAME, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("NVMe Intel PCI Adapter (BTFU1)")},
+        {{PI::PROP_VENDOR, PI::CAPTION_VENDOR, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("INTEL")},
+        {{PI::PROP_MODEL, PI::CAPTION_MODEL, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("SSDPED1K375GA")},
+        {{PI::PROP_MODEL_FAMILY, PI::CAPTION_NONE, 1, 1, 0, PI::KIND_CODE, PI::UNIT_NONE, 1},
+         PI::CCodeValue{PI::KNOWN_FAMILY_YES, {PI::KNOWN_FAMILY_YES, PI::KNOWN_FAMILY_NO}}},
+        {{PI::PROP_ADAPTER_NUMBER, PI::SHOWN_CAPTION_ADAPTER_NUMBER, 1, 1, ALL_ONES, PI::KIND_NUMBER,
+          PI::UNIT_NONE, 1},
+         Number{17}},
+        {{PI::PROP_HEALTH_STATUS, PI::CAPTION_HEALTH_STATUS, 1, 1, ALL_ONES, PI::KIND_CODE, PI::UNIT_NONE, 1},
+         PI::CCodeValue{PI::HEALTH_DEGRADED, {PI::HEALTH_HEALTHY, PI::HEALTH_DEGRADED, PI::HEALTH_CRITICAL}},
+         0,
+         PI::ICON_ADAPTER_DEGRADED},
+        {{PI::PROP_PCI_SEGMENT, PI::SHOWN_CAPTION_PCI_SEGMENT, 1, 1, ALL_ONES, PI::KIND_NUMBER, PI::UNIT_NONE,
+          0},
+         Number{1}},
+        {{PI::PROP_PCI_BUS, PI::SHOWN_CAPTION_PCI_BUS, 1, 1, ALL_ONES, PI::KIND_NUMBER, PI::UNIT_NONE, 0},
+         Number{2}},
+        {{PI::PROP_PCI_DEVICE, PI::SHOWN_CAPTION_PCI_DEVICE, 1, 1, ALL_ONES, PI::KIND_NUMBER, PI::UNIT_NONE,
+          0},
+         Number{3}},
+        {{PI::PROP_PCI_FUNCTION, PI::SHOWN_CAPTION_PCI_FUNCTION, 1, 1, ALL_ONES, PI::KIND_NUMBER,
+          PI::UNIT_NONE, 0},
+         Number{4}},
+        {{PI::PROP_LOCATION, PI::CAPTION_NONE, 1, 1, 0, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("PCI:Segment=1&Bus=2&Device=3&Function=4")},
+        {{PI::PROP_SERIAL_NUMBER, PI::CAPTION_SERIAL_NUMBER, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("BTFU1")},
+        {{PI::PROP_FIRMWARE, PI::CAPTION_FIRMWARE, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("E2010600")},
+        {{PI::PROP_VENDOR_TAG, PI::CAPTION_VENDOR_TAG, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("TAG")},
+        {{PI::PROP_DEVICE_NAME, PI::CAPTION_DEVICE_NAME, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("/dev/nvme0n1")},
+        {{PI::PROP_DRIVER, PI::CAPTION_DRIVER, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("nvme")},
+        {{PI::PROP_DRIVER_VERSION, PI::CAPTION_DRIVER_VERSION, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE,
+          1},
+         Text("6.1.0")},
+        {{PI::PROP_TEMPERATURE, PI::CAPTION_TEMPERATURE, 1, 1, ALL_ONES, PI::KIND_NUMBER, PI::UNIT_CELSIUS,
+          0},
+         31.5F,
+         8},
+        {{PI::PROP_END_OF_LIFE_DATE, PI::CAPTION_END_OF_LIFE, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE,
+          0},
+         Text("2125-12-08")},
+        {{PI::PROP_POWER_ON_HOURS, PI::CAPTION_POWER_ON_HOURS, 1, 1, ALL_ONES, PI::KIND_NUMBER,
+          PI::UNIT_HOURS, 0},
+         Number{1234}},
+        {{PI::PROP_AVAILABLE_SPARE, PI::SHOWN_CAPTION_AVAILABLE_SPARE, 1, 1, ALL_ONES, PI::KIND_BOUNDED,
+          PI::UNIT_PERCENT, 0},
+         PI::CBoundedValue{99, 0, 100, 1}},
+        {{PI::PROP_SPARE_STATE, PI::SHOWN_CAPTION_SPARE_STATE, 1, 1, ALL_ONES, PI::KIND_CODE, PI::UNIT_NONE,
+          1},
+         PI::CCodeValue{PI::SPARE_EXHAUSTED,
+                        {PI::SPARE_SUFFICIENT, PI::HEALTH_DEGRADED, PI::SPARE_EXHAUSTED}}},
+        {{PI::PROP_SPARE_THRESHOLD, PI::SHOWN_CAPTION_SPARE_THRESHOLD, 1, 1, ALL_ONES, PI::KIND_BOUNDED,
+          PI::UNIT_PERCENT, 1},
+         PI::CBoundedValue{12, 1, 100, 1}},
+        {{PI::PROP_DATA_READ, PI::CAPTION_DATA_READ, 1, 1, ALL_ONES, PI::KIND_FLOAT, PI::UNIT_MIB, 0},
+         1536000.0F / 1048576,
+         8},
+        {{PI::PROP_DATA_WRITTEN, PI::CAPTION_DATA_WRITTEN, 1, 1, ALL_ONES, PI::KIND_FLOAT, PI::UNIT_TIB, 0},
          static_cast<float>(4294968.0 * 512000 / 1099511627776),
          8},
-        {{30494, 23105, 1, 1, ALL_ONES, 7, 21010, 0}, PI::CBoundedValue{200, 0, 100, 1}},
-        {{30468, 23147, 1, 1, ALL_ONES, 3, 1, 1}, PI::CCodeValue{40410, {40252, 40410, 40411}}},
-        {{30189, 23143, 1, 1, ALL_ONES, 5, 1, 0}, Number{5}},
-        {{30165, 23004, 1, 1, ALL_ONES, 8, 1, 1},
-         PI::CCodeListValue{
-             {40459, 40460},
-             {40387, 40128, 40393, 40394, 40395, 40396, 40397, 40398, 40399, 40400, 40401, 40402, 40266}}},
+        {{PI::PROP_ENDURANCE_USED, PI::CAPTION_ENDURANCE_USED, 1, 1, ALL_ONES, PI::KIND_BOUNDED,
+          PI::UNIT_PERCENT, 0},
+         PI::CBoundedValue{200, 0, 100, 1}},
+        {{PI::PROP_WEAR_STATE, PI::CAPTION_WEAR_STATE, 1, 1, ALL_ONES, PI::KIND_CODE, PI::UNIT_NONE, 1},
+         PI::CCodeValue{PI::WEAR_WARNING, {PI::WEAR_OK, PI::WEAR_WARNING, PI::WEAR_CRITICAL}}},
+        {{PI::PROP_MEDIA_ERRORS, PI::CAPTION_MEDIA_ERRORS, 1, 1, ALL_ONES, PI::KIND_NUMBER, PI::UNIT_NONE, 0},
+         Number{5}},
+        {{PI::PROP_STATUS_REASONS, PI::CAPTION_STATUS_REASONS, 1, 1, ALL_ONES, PI::KIND_CODES, PI::UNIT_NONE,
+          1},
+         PI::CCodeListValue{{PI::REASON_TEMPERATURE, PI::REASON_SPARE_LOW},
+                            {std::begin(PI::FORESEEN_REASONS), std::end(PI::FORESEEN_REASONS)}}},
     };
 }
 
@@ -142,16 +190,21 @@ TEST_F(CAdapterProperties, ComeOneByOneToo)
 TEST_F(CAdapterProperties, AreNoneForAnUnknownIdentifier)
 {
     CNVMeAdapter adapter = adapterWithEverything();
-    EXPECT_THAT(Get(adapter, 30005), IsEmpty());
+    EXPECT_THAT(Get(adapter, PI::PROP_POLL_INTERVAL), IsEmpty());
     EXPECT_THAT(Get(adapter, 0), IsEmpty());
-    EXPECT_THAT(Get(adapter, 30069), IsEmpty()) << "a drive's temperature is no adapter's";
+    EXPECT_THAT(Get(adapter, PI::PROP_DRIVE_TEMPERATURE), IsEmpty())
+        << "a drive's temperature is no adapter's";
 }
 
 TEST_F(CAdapterProperties, OmitWhatTheRecordDoesNotKnow)
 {
     EXPECT_THAT(Ids(CNVMeAdapter()),
-                ElementsAre(30007, 30003, 30063, 30158, 30120, 30017, 30479, 30037, 30038, 30039, 30137,
-                            30022, 30247, 30266, 30486, 30487, 30488, 30468, 30189));
+                ElementsAre(PI::PROP_NAME, PI::PROP_VENDOR, PI::PROP_MODEL, PI::PROP_MODEL_FAMILY,
+                            PI::PROP_ADAPTER_NUMBER, PI::PROP_HEALTH_STATUS, PI::PROP_PCI_SEGMENT,
+                            PI::PROP_PCI_BUS, PI::PROP_PCI_DEVICE, PI::PROP_PCI_FUNCTION, PI::PROP_LOCATION,
+                            PI::PROP_SERIAL_NUMBER, PI::PROP_DEVICE_NAME, PI::PROP_DRIVER,
+                            PI::PROP_AVAILABLE_SPARE, PI::PROP_SPARE_STATE, PI::PROP_SPARE_THRESHOLD,
+                            PI::PROP_WEAR_STATE, PI::PROP_MEDIA_ERRORS));
 }
 
 TEST_F(CAdapterProperties, OmitEachRowForItsOwnConditionAlone)
@@ -165,15 +218,17 @@ TEST_F(CAdapterProperties, OmitEachRowForItsOwnConditionAlone)
         for (const std::uint32_t id : missing)
             EXPECT_THAT(ids, Not(Contains(id)));
     };
-    without({30020}, [](CNVMeAdapter& adapter) { adapter.m_FirmwareRevision.clear(); });
-    without({30500}, [](CNVMeAdapter& adapter) { adapter.m_VendorTag.clear(); });
-    without({30018}, [](CNVMeAdapter& adapter) { adapter.m_DriverVersion.clear(); });
-    without({30442}, [](CNVMeAdapter& adapter) { adapter.m_Temperature = -1.0F; });
-    without({30442}, [](CNVMeAdapter& adapter) { adapter.m_Model = "INTEL SSDPF2KX"; });
-    without({30483, 30498}, [](CNVMeAdapter& adapter) { adapter.m_PowerOnHours = UNKNOWN_COUNTER; });
-    without({30489}, [](CNVMeAdapter& adapter) { adapter.m_DataUnitsRead = UNKNOWN_COUNTER; });
-    without({30490, 30494}, [](CNVMeAdapter& adapter) { adapter.m_DataUnitsWritten = UNKNOWN_COUNTER; });
-    without({30165}, [](CNVMeAdapter& adapter) { adapter.m_HealthReasons.clear(); });
+    without({PI::PROP_FIRMWARE}, [](CNVMeAdapter& adapter) { adapter.m_FirmwareRevision.clear(); });
+    without({PI::PROP_VENDOR_TAG}, [](CNVMeAdapter& adapter) { adapter.m_VendorTag.clear(); });
+    without({PI::PROP_DRIVER_VERSION}, [](CNVMeAdapter& adapter) { adapter.m_DriverVersion.clear(); });
+    without({PI::PROP_TEMPERATURE}, [](CNVMeAdapter& adapter) { adapter.m_Temperature = -1.0F; });
+    without({PI::PROP_TEMPERATURE}, [](CNVMeAdapter& adapter) { adapter.m_Model = "INTEL SSDPF2KX"; });
+    without({PI::PROP_END_OF_LIFE_DATE, PI::PROP_POWER_ON_HOURS},
+            [](CNVMeAdapter& adapter) { adapter.m_PowerOnHours = UNKNOWN_COUNTER; });
+    without({PI::PROP_DATA_READ}, [](CNVMeAdapter& adapter) { adapter.m_DataUnitsRead = UNKNOWN_COUNTER; });
+    without({PI::PROP_DATA_WRITTEN, PI::PROP_ENDURANCE_USED},
+            [](CNVMeAdapter& adapter) { adapter.m_DataUnitsWritten = UNKNOWN_COUNTER; });
+    without({PI::PROP_STATUS_REASONS}, [](CNVMeAdapter& adapter) { adapter.m_HealthReasons.clear(); });
     without({}, [](CNVMeAdapter& adapter) {
         adapter.m_Name.clear();
         adapter.m_Vendor.clear();
@@ -188,18 +243,20 @@ TEST_F(CAdapterProperties, AreNoneWhenTheOneAskedForHasNothingToShow)
 {
     CNVMeAdapter adapter;
     for (const std::uint32_t id :
-         {30020U, 30500U, 30018U, 30442U, 30483U, 30498U, 30489U, 30490U, 30494U, 30165U})
+         {PI::PROP_FIRMWARE, PI::PROP_VENDOR_TAG, PI::PROP_DRIVER_VERSION, PI::PROP_TEMPERATURE,
+          PI::PROP_END_OF_LIFE_DATE, PI::PROP_POWER_ON_HOURS, PI::PROP_DATA_READ, PI::PROP_DATA_WRITTEN,
+          PI::PROP_ENDURANCE_USED, PI::PROP_STATUS_REASONS})
         EXPECT_THAT(Get(adapter, id), IsEmpty()) << id;
     adapter = adapterWithEverything();
     adapter.m_Model = "INTEL SSDPF2KX";
-    EXPECT_THAT(Get(adapter, 30442), IsEmpty()) << "its drive shows the temperature";
+    EXPECT_THAT(Get(adapter, PI::PROP_TEMPERATURE), IsEmpty()) << "its drive shows the temperature";
 }
 
 TEST_F(CAdapterProperties, ShowDataBeyondSixtyFourBitsAsTheMostThereIs)
 {
     CNVMeAdapter adapter = adapterWithEverything();
     adapter.m_DataUnitsRead = 0x8000000000000000ULL;
-    const PI::CProperty property = One(adapter, 30489);
+    const PI::CProperty property = One(adapter, PI::PROP_DATA_READ);
     EXPECT_EQ(property.GetValue(), PI::CProperty::Value(16.0F));
     EXPECT_EQ(property.Units(), PI::UNIT_EIB);
 }
@@ -210,7 +267,7 @@ TEST_F(CAdapterProperties, CutTheMakerFromTheModel)
         CNVMeAdapter adapter;
         adapter.m_Vendor = vendor;
         adapter.m_Model = text;
-        return std::get<std::string>(One(adapter, 30063).GetValue());
+        return std::get<std::string>(One(adapter, PI::PROP_MODEL).GetValue());
     };
     EXPECT_EQ(model("MICRON", "MICRON_7450_ABC"), "ABC");
     EXPECT_EQ(model("INTEL", "INTEL SSDPF2KX"), "SSDPF2KX");
@@ -230,18 +287,25 @@ TEST_F(CAdapterProperties, TellTheKnownFamiliesFromOthers)
 {
     CNVMeAdapter adapter = adapterWithEverything();
     adapter.m_Model = "INTEL SSDPF2KX";
-    EXPECT_EQ(One(adapter, 30158).GetValue(), PI::CProperty::Value(PI::CCodeValue{40488, {40480, 40488}}));
+    EXPECT_EQ(One(adapter, PI::PROP_MODEL_FAMILY).GetValue(),
+              PI::CProperty::Value(
+                  PI::CCodeValue{PI::KNOWN_FAMILY_NO, {PI::KNOWN_FAMILY_YES, PI::KNOWN_FAMILY_NO}}));
     adapter.m_Model = "INTEL SSDPED1K";
-    EXPECT_EQ(One(adapter, 30158).GetValue(), PI::CProperty::Value(PI::CCodeValue{40480, {40480, 40488}}));
+    EXPECT_EQ(One(adapter, PI::PROP_MODEL_FAMILY).GetValue(),
+              PI::CProperty::Value(
+                  PI::CCodeValue{PI::KNOWN_FAMILY_YES, {PI::KNOWN_FAMILY_YES, PI::KNOWN_FAMILY_NO}}));
 }
 
 TEST_F(CAdapterProperties, CarryTheStatusIcon)
 {
     CNVMeAdapter adapter = adapterWithEverything();
-    for (const auto& [status, icon] :
-         {std::pair{40024U, 24000U}, {40150U, 24002U}, {40095U, 24001U}, {1U, 24000U}}) {
+    using Icon = std::pair<std::uint32_t, std::uint32_t>; // of a status
+    for (const auto& [status, icon] : {Icon{PI::HEALTH_HEALTHY, PI::ICON_ADAPTER_HEALTHY},
+                                       {PI::HEALTH_DEGRADED, PI::ICON_ADAPTER_DEGRADED},
+                                       {PI::HEALTH_CRITICAL, PI::ICON_ADAPTER_CRITICAL},
+                                       {1U, PI::ICON_ADAPTER_HEALTHY}}) {
         adapter.m_HealthStatus = status;
-        EXPECT_EQ(One(adapter, 30017).IconPathID(), icon) << status;
+        EXPECT_EQ(One(adapter, PI::PROP_HEALTH_STATUS).IconPathID(), icon) << status;
     }
 }
 
@@ -251,7 +315,7 @@ TEST_F(CAdapterProperties, CountEnduranceInWholeTebibytes)
     const auto used = [&](std::uint64_t units, std::uint64_t rating) {
         adapter.m_DataUnitsWritten = units;
         adapter.m_LifetimeRating = rating;
-        return std::get<PI::CBoundedValue>(One(adapter, 30494).GetValue()).m_Value;
+        return std::get<PI::CBoundedValue>(One(adapter, PI::PROP_ENDURANCE_USED).GetValue()).m_Value;
     };
     EXPECT_EQ(used(4'294'968, 1), 200);
     EXPECT_EQ(used(4'294'967, 1), 100) << "a little below 2 TiB";
@@ -268,17 +332,19 @@ TEST_F(CAdapterProperties, ShowValuesOutsideTheirBoundsAsTheyAre)
     CNVMeAdapter adapter = adapterWithEverything();
     adapter.m_ReserveSpace = 255;
     adapter.m_WarningThreshold = 0;
-    EXPECT_EQ(One(adapter, 30486).GetValue(), PI::CProperty::Value(PI::CBoundedValue{255, 0, 100, 1}));
-    EXPECT_EQ(One(adapter, 30488).GetValue(), PI::CProperty::Value(PI::CBoundedValue{0, 1, 100, 1}));
+    EXPECT_EQ(One(adapter, PI::PROP_AVAILABLE_SPARE).GetValue(),
+              PI::CProperty::Value(PI::CBoundedValue{255, 0, 100, 1}));
+    EXPECT_EQ(One(adapter, PI::PROP_SPARE_THRESHOLD).GetValue(),
+              PI::CProperty::Value(PI::CBoundedValue{0, 1, 100, 1}));
 }
 
 TEST_F(CAdapterProperties, RenewTheEndOfLifeDateInTheRecord)
 {
     CNVMeAdapter adapter = adapterWithEverything();
     adapter.m_EndOfLifeDate = "1999-01-01";
-    (void)Get(adapter, 30007);
+    (void)Get(adapter, PI::PROP_NAME);
     EXPECT_EQ(adapter.m_EndOfLifeDate, "1999-01-01");
-    (void)Get(adapter, 30483);
+    (void)Get(adapter, PI::PROP_END_OF_LIFE_DATE);
     EXPECT_EQ(adapter.m_EndOfLifeDate, "2125-12-08");
     m_Clock.Advance(24ULL * 3'600'000);
     (void)Get(adapter);

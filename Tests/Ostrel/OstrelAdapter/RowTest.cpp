@@ -1,5 +1,7 @@
 #include "Support/RowFixture.h"
 
+#include <PI/StateCode.h>
+
 using namespace NAMESPACE_Ostrel;
 using namespace TestSupport;
 using testing::ElementsAre;
@@ -37,8 +39,8 @@ CNVMeAdapter fullAdapter()
     adapter.m_Function = 4;
     adapter.m_WarningFlags = 0x205;
     adapter.m_UnsafeShutdowns = 18'446'744'073'709'551'615ULL;
-    adapter.m_HealthStatus = 40150;
-    adapter.m_HealthReasons = {40459, 40460, 99999};
+    adapter.m_HealthStatus = PI::HEALTH_DEGRADED;
+    adapter.m_HealthReasons = {PI::REASON_TEMPERATURE, PI::REASON_SPARE_LOW, 99999};
     adapter.m_ReserveSpace = 99;
     adapter.m_WarningThreshold = 12;
     return adapter;
@@ -106,8 +108,8 @@ TEST_F(AdapterRow, OtherPropertiesAreSkipped)
     other.m_DataUnitsWritten = 1;
     other.m_PowerOnHours = 1;
     other.m_LifetimeRating = 2;
-    other.m_SpareState = 40474;
-    other.m_SpareStatus = 40411;
+    other.m_SpareState = PI::SPARE_EXHAUSTED;
+    other.m_SpareStatus = PI::WEAR_CRITICAL;
     other.m_EndOfLifeDate = "2030-01-01";
     EXPECT_EQ(Stored(other), Stored(adapter));
 }
@@ -122,11 +124,12 @@ TEST_F(AdapterRow, DefaultsOfAFreshRecord)
 TEST_F(AdapterRow, AnUnknownHealthIsWrittenAsHealthy)
 {
     CNVMeAdapter adapter = makeAdapter(1);
-    adapter.m_HealthStatus = 40095;
+    adapter.m_HealthStatus = PI::HEALTH_CRITICAL;
     EXPECT_EQ(Filled(adapter).m_HealthStatus, "Critical");
-    adapter.m_HealthStatus = 40150;
+    adapter.m_HealthStatus = PI::HEALTH_DEGRADED;
     EXPECT_EQ(Filled(adapter).m_HealthStatus, "Degraded");
-    for (const std::uint32_t status : {40024U, 40099U, 0U}) {
+    for (const std::uint32_t status :
+         std::initializer_list<std::uint32_t>{PI::HEALTH_HEALTHY, PI::DRIVE_OPERATIONAL, 0}) {
         adapter.m_HealthStatus = status;
         EXPECT_EQ(Filled(adapter).m_HealthStatus, "It''s ''healthy''") << status;
     }

@@ -2,6 +2,8 @@
 #include "Support/TraceCapture.h"
 #include "Support/VirtualClock.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -50,29 +52,44 @@ protected:
 
 TEST_F(AdapterUpdate, EachWarningHasItsEvent)
 {
-    EXPECT_THAT(Update(0, 0x10), ElementsAre(Event(10957, 4)));
-    EXPECT_THAT(Update(0, 0x04), ElementsAre(Event(11088, 3)));
-    EXPECT_THAT(Update(0, 0x40), ElementsAre(Event(10959, 4)));
-    EXPECT_THAT(Update(0, 0x80), ElementsAre(Event(10960, 4)));
-    EXPECT_THAT(Update(0, 0x20), ElementsAre(Event(10967, 3)));
-    EXPECT_THAT(Update(0, 0x200), ElementsAre(Event(10962, 3)));
-    EXPECT_THAT(Update(0, 0x01), ElementsAre(Event(10968, 4)));
+    EXPECT_THAT(Update(0, 0x10),
+                ElementsAre(Event(PI::EVENT_MEMORY_BACKUP_FAILED, PI::EVENT_SEVERITY_ERROR)));
+    EXPECT_THAT(Update(0, 0x04),
+                ElementsAre(Event(PI::EVENT_RELIABILITY_DEGRADED, PI::EVENT_SEVERITY_WARNING)));
+    EXPECT_THAT(Update(0, 0x40),
+                ElementsAre(Event(PI::EVENT_TEMPERATURE_CRITICAL, PI::EVENT_SEVERITY_ERROR)));
+    EXPECT_THAT(Update(0, 0x80),
+                ElementsAre(Event(PI::EVENT_TEMPERATURE_ABOVE_CRITICAL, PI::EVENT_SEVERITY_ERROR)));
+    EXPECT_THAT(Update(0, 0x20),
+                ElementsAre(Event(PI::EVENT_TEMPERATURE_NEAR_CRITICAL, PI::EVENT_SEVERITY_WARNING)));
+    EXPECT_THAT(Update(0, 0x200), ElementsAre(Event(PI::EVENT_TEMPERATURE_HIGH, PI::EVENT_SEVERITY_WARNING)));
+    EXPECT_THAT(Update(0, 0x01), ElementsAre(Event(PI::EVENT_SPARE_LOW, PI::EVENT_SEVERITY_ERROR)));
 }
 
 TEST_F(AdapterUpdate, SeveralComeInTheOrderOfTheTable)
 {
-    EXPECT_THAT(Update(0, 0x14), ElementsAre(Event(10957, 4), Event(11088, 3)));
+    EXPECT_THAT(Update(0, 0x14),
+                ElementsAre(Event(PI::EVENT_MEMORY_BACKUP_FAILED, PI::EVENT_SEVERITY_ERROR),
+                            Event(PI::EVENT_RELIABILITY_DEGRADED, PI::EVENT_SEVERITY_WARNING)));
     EXPECT_THAT(Update(0, 0xFFFFFFFF),
-                ElementsAre(Event(10957, 4), Event(11088, 3), Event(10959, 4), Event(10960, 4),
-                            Event(10967, 3), Event(10962, 3), Event(10968, 4)));
+                ElementsAre(Event(PI::EVENT_MEMORY_BACKUP_FAILED, PI::EVENT_SEVERITY_ERROR),
+                            Event(PI::EVENT_RELIABILITY_DEGRADED, PI::EVENT_SEVERITY_WARNING),
+                            Event(PI::EVENT_TEMPERATURE_CRITICAL, PI::EVENT_SEVERITY_ERROR),
+                            Event(PI::EVENT_TEMPERATURE_ABOVE_CRITICAL, PI::EVENT_SEVERITY_ERROR),
+                            Event(PI::EVENT_TEMPERATURE_NEAR_CRITICAL, PI::EVENT_SEVERITY_WARNING),
+                            Event(PI::EVENT_TEMPERATURE_HIGH, PI::EVENT_SEVERITY_WARNING),
+                            Event(PI::EVENT_SPARE_LOW, PI::EVENT_SEVERITY_ERROR)));
 }
 
 TEST_F(AdapterUpdate, OnlyABitThatComesUpMakesAnEvent)
 {
     EXPECT_THAT(Update(0x05, 0x04), IsEmpty());
     EXPECT_THAT(Update(0x14, 0x14), IsEmpty());
-    EXPECT_THAT(Update(0x04, 0x14), ElementsAre(Event(10957, 4)));
-    EXPECT_THAT(Update(0x10, 0x05), ElementsAre(Event(11088, 3), Event(10968, 4)));
+    EXPECT_THAT(Update(0x04, 0x14),
+                ElementsAre(Event(PI::EVENT_MEMORY_BACKUP_FAILED, PI::EVENT_SEVERITY_ERROR)));
+    EXPECT_THAT(Update(0x10, 0x05),
+                ElementsAre(Event(PI::EVENT_RELIABILITY_DEGRADED, PI::EVENT_SEVERITY_WARNING),
+                            Event(PI::EVENT_SPARE_LOW, PI::EVENT_SEVERITY_ERROR)));
     EXPECT_THAT(Update(0, 0), IsEmpty());
 }
 
@@ -83,9 +100,12 @@ TEST_F(AdapterUpdate, BitsWithoutARowMakeNoEvent)
 
 TEST_F(AdapterUpdate, TheLastWarningThatGoesMakesOneEvent)
 {
-    EXPECT_THAT(Update(0x04, 0), ElementsAre(Event(10980, 2)));
-    EXPECT_THAT(Update(0xFF, 0), ElementsAre(Event(10980, 2)));
-    EXPECT_THAT(Update(0x02, 0), ElementsAre(Event(10980, 2)));
+    EXPECT_THAT(Update(0x04, 0),
+                ElementsAre(Event(PI::EVENT_WARNINGS_CLEARED, PI::EVENT_SEVERITY_INFORMATION)));
+    EXPECT_THAT(Update(0xFF, 0),
+                ElementsAre(Event(PI::EVENT_WARNINGS_CLEARED, PI::EVENT_SEVERITY_INFORMATION)));
+    EXPECT_THAT(Update(0x02, 0),
+                ElementsAre(Event(PI::EVENT_WARNINGS_CLEARED, PI::EVENT_SEVERITY_INFORMATION)));
 }
 
 TEST_F(AdapterUpdate, TheEventSpeaksOfTheLiveRecord)

@@ -2,6 +2,9 @@
 #include "Support/PluginUnderTest.h"
 #include "Support/TraceCapture.h"
 
+#include <PI/CaptionId.h>
+#include <PI/StateCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -31,7 +34,7 @@ CNVMePhysicalDrive driveWithEverything()
     drive.m_Model = "INTEL SSDPF2KX";
     drive.m_CapacityMiB = 3'662'830;
     drive.m_UsableCapacityMiB = 3'662'829;
-    drive.m_Status = 40180;
+    drive.m_Status = PI::DRIVE_WARNING;
     drive.m_ReservedMiB = 0x100000001ULL;
     drive.m_ReservedPercent = 6;
     drive.m_BlockSize = 4096;
@@ -47,21 +50,45 @@ std::vector<CExpectedProperty> expectedOfFullDrive()
     using Text = std::string;
     using Number = std::uint64_t;
     return {
-        {{30007, 23298, 1, 1, ALL_ONES, 2, 1, 1}, Text("Family SSDPF2KX")},
-        {{30122, 23305, 1, 1, 4, 5, 1, 1}, Number{0}},
-        {{30125, 23284, 1, 1, ALL_ONES, 5, 1, 1}, Number{0}},
-        {{30137, 1, 1, 1, 0, 2, 1, 1}, Text("PCI:Bus=2&Device=3&Function=4&ID=0")},
-        {{30003, 23331, 1, 1, ALL_ONES, 2, 1, 1}, Text("INTEL")},
-        {{30063, 23308, 1, 1, ALL_ONES, 2, 1, 1}, Text("SSDPF2KX")},
-        {{30056, 23329, 1, 1, ALL_ONES, 3, 1, 1}, PI::CCodeValue{40200, {40200}}},
-        {{30059, 23304, 1, 1, ALL_ONES, 5, 21002, 1}, Number{3'662'830}},
-        {{30060, 23281, 1, 1, ALL_ONES, 5, 21002, 1}, Number{3'662'829}},
-        {{30017, 23324, 1, 1, ALL_ONES, 3, 1, 1}, PI::CCodeValue{40180, {40099, 40180, 40095}}, 0, 24189},
-        {{30461, 23290, 1, 1, ALL_ONES, 5, 21002, 1}, Number{0x100000001ULL}},
-        {{30462, 23289, 1, 1, ALL_ONES, 5, 21010, 1}, Number{6}},
-        {{30460, 23278, 1, 1, ALL_ONES, 5, 21025, 1}, Number{4096}},
-        {{30069, 23326, 1, 1, ALL_ONES, 9, 21000, 0}, 41.0F, 8},
-        {{30022, 23320, 1, 1, ALL_ONES, 2, 1, 0}, Text("BTFU1")},
+        {{PI::PROP_NAME, PI::DRIVE_CAPTION_NAME, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("Family SSDPF2KX")},
+        {{PI::PROP_DRIVE_CHANNEL, PI::DRIVE_CAPTION_CHANNEL, 1, 1, 4, PI::KIND_NUMBER, PI::UNIT_NONE, 1},
+         Number{0}},
+        {{PI::PROP_DRIVE_ID, PI::DRIVE_CAPTION_DRIVE_ID, 1, 1, ALL_ONES, PI::KIND_NUMBER, PI::UNIT_NONE, 1},
+         Number{0}},
+        {{PI::PROP_LOCATION, PI::CAPTION_NONE, 1, 1, 0, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("PCI:Bus=2&Device=3&Function=4&ID=0")},
+        {{PI::PROP_VENDOR, PI::DRIVE_CAPTION_VENDOR, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("INTEL")},
+        {{PI::PROP_MODEL, PI::DRIVE_CAPTION_MODEL, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+         Text("SSDPF2KX")},
+        {{PI::PROP_DRIVE_TYPE, PI::DRIVE_CAPTION_TYPE, 1, 1, ALL_ONES, PI::KIND_CODE, PI::UNIT_NONE, 1},
+         PI::CCodeValue{PI::DRIVE_TYPE_SSD, {PI::DRIVE_TYPE_SSD}}},
+        {{PI::PROP_CAPACITY, PI::DRIVE_CAPTION_CAPACITY, 1, 1, ALL_ONES, PI::KIND_NUMBER, PI::UNIT_MIB, 1},
+         Number{3'662'830}},
+        {{PI::PROP_USABLE_CAPACITY, PI::DRIVE_CAPTION_USABLE_CAPACITY, 1, 1, ALL_ONES, PI::KIND_NUMBER,
+          PI::UNIT_MIB, 1},
+         Number{3'662'829}},
+        {{PI::PROP_HEALTH_STATUS, PI::DRIVE_CAPTION_STATE, 1, 1, ALL_ONES, PI::KIND_CODE, PI::UNIT_NONE, 1},
+         PI::CCodeValue{PI::DRIVE_WARNING, {PI::DRIVE_OPERATIONAL, PI::DRIVE_WARNING, PI::HEALTH_CRITICAL}},
+         0,
+         PI::ICON_DRIVE_WARNING},
+        {{PI::PROP_RESERVED_CAPACITY, PI::DRIVE_CAPTION_RESERVED_CAPACITY, 1, 1, ALL_ONES, PI::KIND_NUMBER,
+          PI::UNIT_MIB, 1},
+         Number{0x100000001ULL}},
+        {{PI::PROP_RESERVED_PERCENT, PI::DRIVE_CAPTION_RESERVED_PERCENT, 1, 1, ALL_ONES, PI::KIND_NUMBER,
+          PI::UNIT_PERCENT, 1},
+         Number{6}},
+        {{PI::PROP_BLOCK_SIZE, PI::DRIVE_CAPTION_BLOCK_SIZE, 1, 1, ALL_ONES, PI::KIND_NUMBER, PI::UNIT_BYTES,
+          1},
+         Number{4096}},
+        {{PI::PROP_DRIVE_TEMPERATURE, PI::DRIVE_CAPTION_TEMPERATURE, 1, 1, ALL_ONES, PI::KIND_FLOAT,
+          PI::UNIT_CELSIUS, 0},
+         41.0F,
+         8},
+        {{PI::PROP_SERIAL_NUMBER, PI::DRIVE_CAPTION_SERIAL_NUMBER, 1, 1, ALL_ONES, PI::KIND_TEXT,
+          PI::UNIT_NONE, 0},
+         Text("BTFU1")},
     };
 }
 
@@ -92,7 +119,7 @@ TEST_F(CDriveProperties, ComeOneByOneToo)
 
 TEST_F(CDriveProperties, AreNoneForAnUnknownIdentifier)
 {
-    EXPECT_THAT(Get(driveWithEverything(), 30442), IsEmpty());
+    EXPECT_THAT(Get(driveWithEverything(), PI::PROP_TEMPERATURE), IsEmpty());
     EXPECT_THAT(Get(driveWithEverything(), 0), IsEmpty());
 }
 
@@ -103,7 +130,7 @@ TEST_F(CDriveProperties, OmitTheTemperatureAlone)
         change(drive);
         const std::vector<std::uint32_t> ids = TestSupport::propertyIds(Get(drive));
         EXPECT_EQ(ids.size(), 14U);
-        EXPECT_THAT(ids, Not(Contains(30069U)));
+        EXPECT_THAT(ids, Not(Contains(PI::PROP_DRIVE_TEMPERATURE)));
     };
     without([](CNVMePhysicalDrive& drive) { drive.m_Temperature = -1.0F; });
     without([](CNVMePhysicalDrive& drive) { drive.m_Model = "INTEL SSDPED1K375GA"; });
@@ -115,10 +142,10 @@ TEST_F(CDriveProperties, AreNoneWhenTheTemperatureAskedForIsNotShown)
 {
     CNVMePhysicalDrive drive = driveWithEverything();
     drive.m_Temperature = -1.0F;
-    EXPECT_THAT(Get(drive, 30069), IsEmpty()) << "unknown";
+    EXPECT_THAT(Get(drive, PI::PROP_DRIVE_TEMPERATURE), IsEmpty()) << "unknown";
     drive = driveWithEverything();
     drive.m_Model = "INTEL SSDPED1K375GA";
-    EXPECT_THAT(Get(drive, 30069), IsEmpty()) << "the adapter shows it";
+    EXPECT_THAT(Get(drive, PI::PROP_DRIVE_TEMPERATURE), IsEmpty()) << "the adapter shows it";
 }
 
 TEST_F(CDriveProperties, CutTheMakerFromTheModel)
@@ -126,9 +153,10 @@ TEST_F(CDriveProperties, CutTheMakerFromTheModel)
     CNVMePhysicalDrive drive = driveWithEverything();
     drive.m_Vendor = "MICRON";
     drive.m_Model = "MICRON_7450_ABC";
-    EXPECT_EQ(Get(drive, 30063).at(0).GetValue(), PI::CProperty::Value(std::string("ABC")));
+    EXPECT_EQ(Get(drive, PI::PROP_MODEL).at(0).GetValue(), PI::CProperty::Value(std::string("ABC")));
     drive.m_Vendor = "KIOXIA";
-    EXPECT_EQ(Get(drive, 30063).at(0).GetValue(), PI::CProperty::Value(std::string("MICRON_7450_ABC")));
+    EXPECT_EQ(Get(drive, PI::PROP_MODEL).at(0).GetValue(),
+              PI::CProperty::Value(std::string("MICRON_7450_ABC")));
     drive.m_Vendor = "SAMSUNG";
     drive.m_Model = "SAMSUNG";
     std::vector<PI::CProperty> properties;
@@ -138,10 +166,13 @@ TEST_F(CDriveProperties, CutTheMakerFromTheModel)
 TEST_F(CDriveProperties, CarryTheStatusIcon)
 {
     CNVMePhysicalDrive drive = driveWithEverything();
-    for (const auto& [status, icon] :
-         {std::pair{40099U, 24183U}, {40180U, 24189U}, {40095U, 24177U}, {1U, 24183U}}) {
+    using Icon = std::pair<std::uint32_t, std::uint32_t>; // of a status
+    for (const auto& [status, icon] : {Icon{PI::DRIVE_OPERATIONAL, PI::ICON_DRIVE_OPERATIONAL},
+                                       {PI::DRIVE_WARNING, PI::ICON_DRIVE_WARNING},
+                                       {PI::HEALTH_CRITICAL, PI::ICON_DRIVE_CRITICAL},
+                                       {1U, PI::ICON_DRIVE_OPERATIONAL}}) {
         drive.m_Status = status;
-        EXPECT_EQ(Get(drive, 30017).at(0).IconPathID(), icon) << status;
+        EXPECT_EQ(Get(drive, PI::PROP_HEALTH_STATUS).at(0).IconPathID(), icon) << status;
     }
 }
 

@@ -2,6 +2,9 @@
 
 #include "Support/RowFixture.h"
 
+#include <PI/ErrorCode.h>
+#include <PI/StateCode.h>
+
 using namespace NAMESPACE_Ostrel;
 using namespace TestSupport;
 using testing::ElementsAre;
@@ -27,7 +30,7 @@ CNVMePhysicalDrive fullDrive()
     drive.m_Vendor = "SAMSUNG";
     drive.m_Model = "SAMSUNG MZQL2960HCJR";
     drive.m_Location = "PCI:Bus=2&Device=3&Function=4&ID=0";
-    drive.m_Status = 40180;
+    drive.m_Status = PI::DRIVE_WARNING;
     drive.m_CapacityMiB = 8'796'093'022'207ULL;
     drive.m_UsableCapacityMiB = 915'715;
     drive.m_Temperature = 31.5F;
@@ -114,10 +117,10 @@ TEST_F(DriveRow, AnyStatusGoesByItsText)
 {
     CNVMePhysicalDrive drive;
     for (const auto& [status, text] :
-         std::vector<std::pair<std::uint32_t, std::string>>{{40099, "Online"},
-                                                            {40180, "Warned"},
-                                                            {40095, "Critical"},
-                                                            {40024, "It''s ''healthy''"},
+         std::vector<std::pair<std::uint32_t, std::string>>{{PI::DRIVE_OPERATIONAL, "Online"},
+                                                            {PI::DRIVE_WARNING, "Warned"},
+                                                            {PI::HEALTH_CRITICAL, "Critical"},
+                                                            {PI::HEALTH_HEALTHY, "It''s ''healthy''"},
                                                             {7, "7"}}) {
         drive.m_Status = status;
         EXPECT_EQ(Filled(drive).m_Status, text);
@@ -255,10 +258,10 @@ TEST_F(DriveRow, AnInsertThatFailedMayRunAgain)
     const auto healthy = m_Plugin.m_Database->m_Access;
     std::vector<std::shared_ptr<const DatabaseORM::tableBase_t>> tables;
     tables.swap(m_Plugin.m_Database->m_Tables);
-    EXPECT_EQ(insert.Run(*m_Plugin.m_Database), 20000U) << "no table, so nothing to fill";
+    EXPECT_EQ(insert.Run(*m_Plugin.m_Database), PI::ERR_GENERAL_FAILURE) << "no table, so nothing to fill";
     tables.swap(m_Plugin.m_Database->m_Tables);
     BreakDatabase("broken");
-    EXPECT_EQ(insert.Run(*m_Plugin.m_Database), 20000U);
+    EXPECT_EQ(insert.Run(*m_Plugin.m_Database), PI::ERR_GENERAL_FAILURE);
     EXPECT_THAT(Query("SELECT COUNT(*) FROM PD"), ElementsAre("0"));
     m_Plugin.m_Database->m_Access = healthy;
     EXPECT_EQ(insert.Run(*m_Plugin.m_Database), 0U);

@@ -1,6 +1,8 @@
 #include "Records/PhysicalDrive.h"
 #include "Support/VirtualClock.h"
 
+#include <PI/EventCode.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -48,8 +50,8 @@ TEST_F(DriveUpdate, AnotherBlockSizeMakesAnEvent)
     m_Live.Update(m_Fresh, m_Adapter, m_Events);
     ASSERT_EQ(m_Events.size(), 1U);
     const PI::CEvent& event = m_Events[0];
-    EXPECT_EQ(event.m_Id, 10985U);
-    EXPECT_EQ(event.m_Severity, 2U);
+    EXPECT_EQ(event.m_Id, PI::EVENT_DRIVE_CHANGED);
+    EXPECT_EQ(event.m_Severity, PI::EVENT_SEVERITY_INFORMATION);
     EXPECT_EQ(event.m_Source, 0x0139000000000008U);
     EXPECT_EQ(event.m_Time, 5'000U);
     EXPECT_EQ(event.SourceText(), "Fast 1");
@@ -63,6 +65,6 @@ TEST_F(DriveUpdate, AnotherReservedAmountMakesAnEvent)
     m_Fresh.m_ReservedMiB = 5;
     m_Live.Update(m_Fresh, m_Adapter, m_Events);
     ASSERT_EQ(m_Events.size(), 1U);
-    EXPECT_EQ(m_Events[0].m_Id, 10985U);
+    EXPECT_EQ(m_Events[0].m_Id, PI::EVENT_DRIVE_CHANGED);
     EXPECT_EQ(m_Live.m_UpdateCount, 0U);
 }

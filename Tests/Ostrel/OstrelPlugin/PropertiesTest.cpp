@@ -2,6 +2,8 @@
 #include "Support/GroupingLocale.h"
 #include "Support/PluginUnderTest.h"
 
+#include <PI/CaptionId.h>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -20,11 +22,20 @@ constexpr std::uint32_t ALL_ONES = 0xFFFFFFFF;
  * value.
  */
 const std::vector<CExpectedProperty> EXPECTED = {
-    {{30137, 1, 1, 1, 0, 2, 1, 1}, std::string("Plugin:ID=313")},
-    {{30007, 23334, 1, 1, ALL_ONES, 2, 1, 1}, std::string("NVMe-Plugin")},
-    {{30099, 23339, 1, 1, ALL_ONES, 2, 1, 1}, std::string("7.16.3")},
-    {{30003, 23338, 1, 1, ALL_ONES, 2, 1, 1}, std::string("Ostrel")},
-    {{30005, 23335, 1, 1, ALL_ONES, 7, 21007, 1}, CBoundedValue{30, 2, 255, 1}, 0, 0, true},
+    {{PI::PROP_LOCATION, PI::CAPTION_NONE, 1, 1, 0, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+     std::string("Plugin:ID=313")},
+    {{PI::PROP_NAME, PI::PLUGIN_CAPTION_NAME, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+     std::string("NVMe-Plugin")},
+    {{PI::PROP_VERSION, PI::PLUGIN_CAPTION_VERSION, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+     std::string("7.16.3")},
+    {{PI::PROP_VENDOR, PI::PLUGIN_CAPTION_VENDOR, 1, 1, ALL_ONES, PI::KIND_TEXT, PI::UNIT_NONE, 1},
+     std::string("Ostrel")},
+    {{PI::PROP_POLL_INTERVAL, PI::PLUGIN_CAPTION_POLL_INTERVAL, 1, 1, ALL_ONES, PI::KIND_BOUNDED,
+      PI::UNIT_SECONDS, 1},
+     CBoundedValue{30, 2, 255, 1},
+     0,
+     0,
+     true},
 };
 
 std::vector<CProperty> read(TestSupport::CPluginUnderTest& api, std::uint32_t propertyId)
@@ -50,7 +61,7 @@ TEST(PluginProperties, CanBeReadOneByOne)
 TEST(PluginProperties, AnUnknownOneGivesAnEmptyListAndNoFailure)
 {
     TestSupport::CPluginUnderTest api;
-    EXPECT_TRUE(read(api, 30022).empty());
+    EXPECT_TRUE(read(api, PI::PROP_SERIAL_NUMBER).empty());
     EXPECT_TRUE(read(api, 0).empty());
 }
 
@@ -65,7 +76,7 @@ TEST(PluginProperties, ShowTheIntervalInForce)
 {
     TestSupport::CPluginUnderTest api;
     api.m_PollInterval = 60;
-    const std::vector<CProperty> properties = read(api, 30005);
+    const std::vector<CProperty> properties = read(api, PI::PROP_POLL_INTERVAL);
     ASSERT_EQ(properties.size(), 1U);
     EXPECT_TRUE(properties[0].GetValue() == CProperty::Value(CBoundedValue{60, 2, 255, 1}));
 }

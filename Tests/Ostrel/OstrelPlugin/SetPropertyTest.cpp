@@ -85,7 +85,8 @@ TEST_F(SetPluginProperty, LeavesTheRestOfTheFileAlone)
 
 TEST_F(SetPluginProperty, RefusesEveryOtherProperty)
 {
-    for (const std::uint32_t id : {30007U, 30099U, 30003U, 30137U, 1U, 0U}) {
+    for (const std::uint32_t id : std::initializer_list<std::uint32_t>{
+             PI::PROP_NAME, PI::PROP_VERSION, PI::PROP_VENDOR, PI::PROP_LOCATION, PI::ALL_PROPERTIES, 0}) {
         PI::CProperty property(id, true);
         property.SetValue(60, 2, 255, 1);
         EXPECT_EQ(m_Api.SetPluginProperty(m_Api.m_Plugin, property), PI::ERR_PROPERTY_NOT_SETTABLE);

@@ -1,5 +1,7 @@
 #include "Records/Adapter.h"
 
+#include <PI/StateCode.h>
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -33,16 +35,16 @@ TEST(AdapterRecord, StartsWithDefaults)
     EXPECT_EQ(adapter.m_UnsafeShutdowns, 0U);
     EXPECT_EQ(adapter.m_CorrectableErrors, 0U);
     EXPECT_EQ(adapter.m_Temperature, -1.0F);
-    EXPECT_EQ(adapter.m_HealthStatus, 40024U);
+    EXPECT_EQ(adapter.m_HealthStatus, PI::HEALTH_HEALTHY);
     EXPECT_TRUE(adapter.m_HealthReasons.empty());
     EXPECT_EQ(adapter.m_UncorrectableErrors, 0U);
-    EXPECT_EQ(adapter.m_SpareStatus, 40252U);
+    EXPECT_EQ(adapter.m_SpareStatus, PI::WEAR_OK);
     EXPECT_EQ(adapter.m_DataUnitsRead, ALL_ONES_64);
     EXPECT_EQ(adapter.m_DataUnitsWritten, ALL_ONES_64);
     EXPECT_EQ(adapter.m_PowerOnHours, ALL_ONES_64);
     EXPECT_EQ(adapter.m_ReserveSpace, 100U);
     EXPECT_EQ(adapter.m_LifetimeRating, ALL_ONES_64);
-    EXPECT_EQ(adapter.m_SpareState, 40473U);
+    EXPECT_EQ(adapter.m_SpareState, PI::SPARE_SUFFICIENT);
     EXPECT_EQ(adapter.m_WarningThreshold, 10U);
 }
 
@@ -51,7 +53,7 @@ TEST(AdapterRecord, CopiesDeeply)
     CNVMeAdapter adapter;
     adapter.m_ID = 7;
     adapter.m_Children = {8};
-    adapter.m_HealthReasons = {40459, 40460};
+    adapter.m_HealthReasons = {PI::REASON_TEMPERATURE, PI::REASON_SPARE_LOW};
     adapter.m_SerialNumber = "a serial number that no small buffer holds";
     const CNVMeAdapter copy = adapter;
     CNVMeAdapter assigned;
@@ -63,7 +65,8 @@ TEST(AdapterRecord, CopiesDeeply)
     for (const CNVMeAdapter* other : {&copy, &static_cast<const CNVMeAdapter&>(assigned)}) {
         EXPECT_EQ(other->m_ID, 7U);
         EXPECT_EQ(other->m_Children, std::vector<std::uint64_t>{8});
-        EXPECT_EQ(other->m_HealthReasons, (std::vector<std::uint32_t>{40459, 40460}));
+        EXPECT_EQ(other->m_HealthReasons,
+                  (std::vector<std::uint32_t>{PI::REASON_TEMPERATURE, PI::REASON_SPARE_LOW}));
         EXPECT_EQ(other->m_SerialNumber, "a serial number that no small buffer holds");
     }
 }

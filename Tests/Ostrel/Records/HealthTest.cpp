@@ -1,5 +1,7 @@
 #include "Records/Health.h"
 
+#include <PI/StateCode.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -47,17 +49,20 @@ struct CWarningCase
 TEST(Health, WarningBitsSetStatusAndReasonsTheLastTestedWins)
 {
     const std::vector<CWarningCase> cases = {
-        {0x00, 40024, {}},
-        {0x01, 40150, {40460}},
-        {0x02, 40150, {40459}},
-        {0x04, 40095, {40487}},
-        {0x08, 40095, {40452}},
-        {0x10, 40095, {40449}},
-        {0x03, 40150, {40459, 40460}},
-        {0x09, 40095, {40460, 40452}},
-        {0x12, 40095, {40459, 40449}},
-        {0x1F, 40095, {40459, 40460, 40449, 40487, 40452}},
-        {0xE0, 40024, {}}, // bits without a meaning here
+        {0x00, PI::HEALTH_HEALTHY, {}},
+        {0x01, PI::HEALTH_DEGRADED, {PI::REASON_SPARE_LOW}},
+        {0x02, PI::HEALTH_DEGRADED, {PI::REASON_TEMPERATURE}},
+        {0x04, PI::HEALTH_CRITICAL, {PI::REASON_RELIABILITY_DEGRADED}},
+        {0x08, PI::HEALTH_CRITICAL, {PI::REASON_READ_ONLY}},
+        {0x10, PI::HEALTH_CRITICAL, {PI::REASON_MEMORY_BACKUP_FAILED}},
+        {0x03, PI::HEALTH_DEGRADED, {PI::REASON_TEMPERATURE, PI::REASON_SPARE_LOW}},
+        {0x09, PI::HEALTH_CRITICAL, {PI::REASON_SPARE_LOW, PI::REASON_READ_ONLY}},
+        {0x12, PI::HEALTH_CRITICAL, {PI::REASON_TEMPERATURE, PI::REASON_MEMORY_BACKUP_FAILED}},
+        {0x1F,
+         PI::HEALTH_CRITICAL,
+         {PI::REASON_TEMPERATURE, PI::REASON_SPARE_LOW, PI::REASON_MEMORY_BACKUP_FAILED,
+          PI::REASON_RELIABILITY_DEGRADED, PI::REASON_READ_ONLY}},
+        {0xE0, PI::HEALTH_HEALTHY, {}}, // bits without a meaning here
     };
     for (const CWarningCase& expected : cases) {
         SCOPED_TRACE(int{expected.m_Warning});
@@ -84,7 +89,7 @@ TEST(Health, WithoutAnyWarningTheStatusIsHealthy)
     CNVMeAdapter adapter;
     adapter.m_HealthStatus = 12345;
     applyCriticalWarning(adapter, 0);
-    EXPECT_EQ(adapter.m_HealthStatus, 40024U);
+    EXPECT_EQ(adapter.m_HealthStatus, PI::HEALTH_HEALTHY);
 }
 
 CNVMeAdapter worn(const std::string& model, std::uint8_t ad, std::uint8_t ea, std::uint8_t warning = 0)
@@ -113,35 +118,35 @@ TEST(Health, SpareValueOfAHundredIsNormal)
     const CNVMeAdapter adapter = worn("Any", 90, 100);
     EXPECT_EQ(adapter.m_ADNormalized, 90U);
     EXPECT_EQ(adapter.m_EANormalized, 100U);
-    EXPECT_EQ(adapter.m_SpareStatus, 40252U);
-    EXPECT_EQ(adapter.m_HealthStatus, 40024U);
+    EXPECT_EQ(adapter.m_SpareStatus, PI::WEAR_OK);
+    EXPECT_EQ(adapter.m_HealthStatus, PI::HEALTH_HEALTHY);
 }
 
 TEST(Health, SpareValueBelowAHundredDegrades)
 {
     const CNVMeAdapter adapter = worn("Any", 90, 99);
     EXPECT_EQ(adapter.m_EANormalized, 99U);
-    EXPECT_EQ(adapter.m_SpareStatus, 40410U);
-    EXPECT_EQ(adapter.m_HealthStatus, 40150U);
+    EXPECT_EQ(adapter.m_SpareStatus, PI::WEAR_WARNING);
+    EXPECT_EQ(adapter.m_HealthStatus, PI::HEALTH_DEGRADED);
     EXPECT_TRUE(adapter.m_HealthReasons.empty());
 }
 
 TEST(Health, SpareValueNeverSoftensACriticalStatus)
 {
     const CNVMeAdapter backup = worn("Any", 90, 50, 0x10);
-    EXPECT_EQ(backup.m_SpareStatus, 40410U);
-    EXPECT_EQ(backup.m_HealthStatus, 40095U);
+    EXPECT_EQ(backup.m_SpareStatus, PI::WEAR_WARNING);
+    EXPECT_EQ(backup.m_HealthStatus, PI::HEALTH_CRITICAL);
     const CNVMeAdapter readOnly = worn("Any", 90, 50, 0x08);
-    EXPECT_EQ(readOnly.m_SpareStatus, 40411U);
-    EXPECT_EQ(readOnly.m_HealthStatus, 40095U);
+    EXPECT_EQ(readOnly.m_SpareStatus, PI::WEAR_CRITICAL);
+    EXPECT_EQ(readOnly.m_HealthStatus, PI::HEALTH_CRITICAL);
 }
 
 TEST(Health, SpareValueAboveAHundredIsCriticalWearOnly)
 {
     const CNVMeAdapter adapter = worn("Any", 90, 101);
-    EXPECT_EQ(adapter.m_SpareStatus, 40411U);
-    EXPECT_EQ(adapter.m_HealthStatus, 40024U);
-    EXPECT_EQ(worn("Any", 90, 100, 0x08).m_SpareStatus, 40252U);
+    EXPECT_EQ(adapter.m_SpareStatus, PI::WEAR_CRITICAL);
+    EXPECT_EQ(adapter.m_HealthStatus, PI::HEALTH_HEALTHY);
+    EXPECT_EQ(worn("Any", 90, 100, 0x08).m_SpareStatus, PI::WEAR_OK);
 }
 
 } // namespace

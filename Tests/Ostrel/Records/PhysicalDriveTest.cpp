@@ -1,5 +1,7 @@
 #include "Records/PhysicalDrive.h"
 
+#include <PI/StateCode.h>
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -22,7 +24,7 @@ TEST(PhysicalDriveRecord, StartsWithDefaults)
     EXPECT_EQ(drive.m_ProductName, "");
     EXPECT_EQ(drive.m_Location, "");
     EXPECT_EQ(drive.m_DeviceName, "");
-    EXPECT_EQ(drive.m_Status, 40099U);
+    EXPECT_EQ(drive.m_Status, PI::DRIVE_OPERATIONAL);
     EXPECT_EQ(drive.m_BlockSize, 512U);
     EXPECT_EQ(drive.m_ReservedMiB, 0U);
     EXPECT_EQ(drive.m_ReservedPercent, 100U);
