@@ -14,6 +14,8 @@ constexpr std::uint32_t EVENT_DRIVE_CHANGED = 10985;
 
 // Drives log every command that they do not know, so some of these logs grow all the time.
 constexpr std::uint64_t DAY = 86'400'000; // milliseconds
+// A drive that dies counts errors at each look.
+constexpr std::uint64_t PAUSE = 3'600'000; // milliseconds
 
 std::optional<bool> isOver(const std::optional<float>& temperature, const std::optional<float>& limit,
                            bool before)
@@ -154,7 +156,7 @@ std::string blockSizeText(std::uint64_t before, std::uint64_t now)
 
 constexpr FigureRule FIGURES[] = {
     {Kind::MediaErrorsGrew, &ObservedDrive::m_MediaErrors, true, Severity::Warning, std::nullopt,
-     mediaErrorsText, mediaErrorsPresentText},
+     mediaErrorsText, mediaErrorsPresentText, PAUSE},
     {Kind::ErrorLogGrew, &ObservedDrive::m_ErrorLogEntries, true, Severity::Information, std::nullopt,
      errorLogText, nullptr, DAY},
     {Kind::CapacityChanged, &ObservedDrive::m_CapacityMiB, false, Severity::Warning, std::nullopt,

@@ -375,10 +375,44 @@ TEST_F(JournalTest, FiguresAndTextsThatBecomeOthers)
     EXPECT_EQ(entries[3].m_Text, "MODEL (A): the firmware changed from 1 to 2.");
     EXPECT_EQ(entries[4].m_Text, "MODEL (A): the drive moved from 0000:01:00.0 to 0000:02:00.0.");
     EXPECT_THAT(look({changing}), IsEmpty());
-    changing.m_MediaErrors = 1;
-    EXPECT_THAT(look({changing}), ElementsAre(is(Kind::CounterWentBack, Phase::Change, "A")));
-    changing.m_MediaErrors = 2;
-    EXPECT_EQ(look({changing}).at(0).m_Text, "MODEL (A): the media errors grew from 1 to 2.");
+}
+
+TEST_F(JournalTest, MediaErrorsThatGrowAllTheTimeAreToldOnceAnHour)
+{
+    ObservedDrive dying = drive("A");
+    const auto told = [&](std::uint64_t time, std::optional<std::uint64_t> errors) {
+        m_Time = time;
+        dying.m_MediaErrors = errors;
+        std::string all;
+        for (const Entry& entry : look({dying}))
+            all += entry.m_Text + ' ' + std::to_string(*entry.m_Begin) + '\n';
+        return all;
+    };
+    constexpr std::uint64_t hour = 3'600'000;
+    EXPECT_EQ(told(0, 0), "");
+    EXPECT_EQ(told(30'000, 2), "MODEL (A): the media errors grew from 0 to 2. 10\n") << "the first news";
+    EXPECT_EQ(told(60'000, 2), "");
+    EXPECT_EQ(told(90'000, 5), "");
+    EXPECT_EQ(told(hour, 9), "");
+    EXPECT_EQ(told(30'000 + hour - 1, 9), "");
+    EXPECT_EQ(told(30'000 + hour, std::nullopt), "");
+    EXPECT_EQ(told(40'000 + hour, 9), "MODEL (A): the media errors grew from 2 to 9. 60010\n")
+        << "the errors stopped, and all are told";
+    EXPECT_EQ(told(70'000 + hour, 10), "");
+    EXPECT_EQ(told(80'000 + hour, 10), "");
+    EXPECT_EQ(told(40'000 + 2 * hour, 10), "MODEL (A): the media errors grew from 9 to 10. 3640010\n");
+    EXPECT_EQ(told(40'000 + 9 * hour, 11).substr(0, 9), "MODEL (A)") << "at once after a long rest";
+}
+
+TEST_F(JournalTest, ALowerFigureOfMediaErrorsIsWhereTheyGrowFrom)
+{
+    ObservedDrive replaced = drive("A");
+    replaced.m_MediaErrors = 5;
+    (void)look({replaced});
+    replaced.m_MediaErrors = 1;
+    EXPECT_THAT(look({replaced}), ElementsAre(is(Kind::CounterWentBack, Phase::Change, "A")));
+    replaced.m_MediaErrors = 2;
+    EXPECT_EQ(look({replaced}).at(0).m_Text, "MODEL (A): the media errors grew from 1 to 2.");
 }
 
 TEST_F(JournalTest, TwoDrivesThatChangePlacesMove)

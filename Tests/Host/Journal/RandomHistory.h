@@ -17,13 +17,16 @@ using Host::Cli::Observation;
 using Host::Cli::ObservedDrive;
 using History = std::vector<Observation>;
 
-inline constexpr std::uint64_t INTERVAL = 1000; ///< milliseconds from look to look
+/** Milliseconds from look to look. A history ends before any pause between entries does. */
+inline constexpr std::uint64_t INTERVAL = 1000;
 
 /** Looks at a machine again and again. Between two looks anything may happen. */
 class RandomHistory
 {
 public:
-    explicit RandomHistory(std::uint32_t seed) : m_Random(seed) {}
+    explicit RandomHistory(std::uint32_t seed, std::uint64_t interval = INTERVAL)
+        : m_Random(seed), m_Interval(interval)
+    {}
 
     History make(std::size_t looks)
     {
@@ -31,7 +34,7 @@ public:
         for (std::size_t i = 1; i <= looks; ++i) {
             for (std::uint32_t changes = below(4); changes > 0; --changes)
                 change();
-            history.push_back({{i * INTERVAL, i * INTERVAL, "boot"}, seen()});
+            history.push_back({{i * m_Interval, i * m_Interval, "boot"}, seen()});
         }
         return history;
     }
@@ -169,6 +172,7 @@ private:
     }
 
     std::mt19937 m_Random;
+    const std::uint64_t m_Interval;
     std::map<std::string, ObservedDrive> m_Drives;
 };
 
