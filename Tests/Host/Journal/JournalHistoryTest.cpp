@@ -7,6 +7,7 @@
 #include <functional>
 #include <set>
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -18,6 +19,7 @@ using HostTest::RandomHistory;
 
 // Milliseconds from look to look, so that a history is longer than some pauses between entries.
 constexpr std::uint64_t APART = 600'000;
+constexpr std::uint64_t PAUSE_OF_SILENCE = 6 * APART;
 constexpr std::uint64_t PAUSE_OF_MEDIA_ERRORS = 6 * APART;
 constexpr std::uint64_t PAUSE_OF_ERROR_LOG = 24 * 6 * APART;
 
@@ -91,6 +93,9 @@ private:
                 condition(stay, kind, [bit = bit](const ObservedDrive& drive, bool) {
                     return drive.m_Warnings ? std::optional((*drive.m_Warnings & bit) != 0) : std::nullopt;
                 });
+        condition(
+            stay, Kind::DoesNotAnswer, [](const ObservedDrive& drive, bool) { return drive.m_Silent; },
+            PAUSE_OF_SILENCE);
         condition(stay, Kind::BelowNew, [](const ObservedDrive& drive, bool) { return drive.m_BelowNew; });
         if (!stay.empty() && stay[0].m_Drive->m_TemperatureLimit)
             hot(stay, Kind::OverTemperature, 70);
@@ -132,19 +137,26 @@ private:
     }
 
     void condition(const Stay& stay, Kind kind,
-                   const std::function<std::optional<bool>(const ObservedDrive&, bool)>& holds)
+                   const std::function<std::optional<bool>(const ObservedDrive&, bool)>& holds,
+                   std::uint64_t pause = 0)
     {
+        // Each entry costs a pause. Time fills the purse, which has room for three.
+        std::uint64_t purse = 3 * pause;
+        std::uint64_t filled = 0;
         bool before = false;
         std::optional<std::uint64_t> known;
         for (const Sighting& sighting : stay) {
+            purse = std::min(3 * pause, purse + sighting.m_Time - std::exchange(filled, sighting.m_Time));
             const std::optional<bool> now = holds(*sighting.m_Drive, before);
-            if (!now)
+            if (!now || (*now != before && purse < pause))
                 continue;
-            if (*now != before)
+            if (*now != before) {
+                purse -= pause;
                 tell(sighting.m_Time, known, kind,
                      before  ? Phase::Ended
                      : known ? Phase::Began
                              : Phase::Present);
+            }
             before = *now;
             known = sighting.m_Time;
         }

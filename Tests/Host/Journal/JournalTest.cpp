@@ -116,6 +116,57 @@ TEST_F(JournalTest, ADriveThatHasNeverAnsweredIsNotNewWhenItDoes)
     EXPECT_THAT(look({each}), ElementsAre(is(Kind::DoesNotAnswer, Phase::Ended, "A")));
 }
 
+TEST_F(JournalTest, ADriveThatAnswersNowAndThenIsToldThriceAndThenOnceAnHour)
+{
+    constexpr std::uint64_t minute = 60'000;
+    constexpr std::uint64_t hour = 60 * minute;
+    ObservedDrive flapping = drive("A");
+    const auto told = [&](std::uint64_t time, bool isSilent) {
+        m_Time = time;
+        flapping.m_Silent = isSilent;
+        std::vector<std::uint64_t> begins;
+        for (const Entry& entry : look({flapping})) {
+            EXPECT_EQ(entry.m_Phase, isSilent ? Phase::Began : Phase::Ended);
+            begins.push_back(entry.m_Begin.value_or(0));
+        }
+        return begins;
+    };
+    EXPECT_THAT(told(0, false), IsEmpty());
+    EXPECT_THAT(told(1 * minute, true), ElementsAre(10));
+    EXPECT_THAT(told(2 * minute, false), ElementsAre(1 * minute + 10));
+    EXPECT_THAT(told(3 * minute, true), ElementsAre(2 * minute + 10)) << "it is told in full at first";
+    EXPECT_THAT(told(4 * minute, false), IsEmpty());
+    EXPECT_THAT(told(5 * minute, true), IsEmpty()) << "as it was told";
+    EXPECT_THAT(told(6 * minute, false), IsEmpty());
+    EXPECT_THAT(told(1 * minute + hour - 1, false), IsEmpty());
+    EXPECT_THAT(told(1 * minute + hour, false), ElementsAre(5 * minute + 10)) << "it still answers";
+    EXPECT_THAT(told(2 * minute + hour, true), IsEmpty());
+    EXPECT_THAT(told(1 * minute + 2 * hour, false), IsEmpty()) << "it answers, as it was told";
+    EXPECT_THAT(told(2 * minute + 2 * hour, true), ElementsAre(1 * minute + 2 * hour + 10));
+    EXPECT_THAT(told(3 * minute + 2 * hour, false), IsEmpty());
+    EXPECT_THAT(told(9 * hour, false), ElementsAre(2 * minute + 2 * hour + 10));
+    EXPECT_THAT(told(9 * hour + minute, true), ElementsAre(9 * hour + 10)) << "after a long rest";
+    EXPECT_THAT(told(9 * hour + 2 * minute, false), ElementsAre(9 * hour + minute + 10));
+    EXPECT_THAT(told(9 * hour + 3 * minute, true), IsEmpty());
+}
+
+TEST_F(JournalTest, AClockThatWasSetBackUnseenDelaysNoNews)
+{
+    ObservedDrive flapping = drive("A");
+    flapping.m_Silent = false;
+    constexpr std::uint64_t day = 86'400'000;
+    m_Time = 3 * day;
+    (void)look({flapping});
+    for (int i = 0; i < 8; ++i) {
+        flapping.m_Silent = !*flapping.m_Silent;
+        (void)look({flapping});
+    }
+    EXPECT_THAT(look({flapping}), IsEmpty());
+    // After a restart nobody can tell that the clock was set.
+    EXPECT_THAT(advance(m_State, {{day, 0, "another boot"}, {flapping}}).m_Entries,
+                testing::Contains(is(Kind::DoesNotAnswer, Phase::Ended, "A")));
+}
+
 TEST_F(JournalTest, DrivesComeAndGo)
 {
     (void)look({drive("A"), drive("B")});

@@ -54,6 +54,7 @@ private:
         drive.m_PciAddress = "slot " + std::to_string(below(100));
         drive.m_CapacityMiB = 1000;
         drive.m_BlockSize = 512;
+        drive.m_Silent = sometimes();
         drive.m_BelowNew = sometimes();
         drive.m_Temperature = 60;
         // A drive either names a limit or warns by itself; a separate test covers both together.
@@ -95,7 +96,7 @@ private:
 
     void change(ObservedDrive& drive)
     {
-        switch (below(12)) {
+        switch (below(14)) {
         case 0:
             drive.m_Warnings = warnings(drive);
             break;
@@ -133,6 +134,10 @@ private:
             *drive.m_ErrorLogEntries += below(3);
             drive.m_PowerOnHours = below(4) == 0 ? 0 : *drive.m_PowerOnHours + below(3);
             break;
+        case 11:
+        case 12:
+            drive.m_Silent = !*drive.m_Silent;
+            break;
         default:
             drive.m_PciAddress = "slot " + std::to_string(below(100));
         }
@@ -158,6 +163,8 @@ private:
                 view.m_DataUnitsWritten.reset();
                 view.m_ErrorLogEntries.reset();
             }
+            if (below(6) == 0)
+                view.m_Silent.reset();
             if (below(6) == 0) {
                 view.m_CapacityMiB.reset();
                 view.m_BlockSize.reset();
