@@ -11,14 +11,9 @@ namespace Host::Cli {
 ExitCode journal(const Options& options, Terminal& terminal)
 {
     Platform::TerminationRequest termination;
-    std::uint64_t last = 0;
-    const TakeLine print = [&](const JournalLine& line) {
-        last = line.m_Number;
-        if (line.m_Time >= options.m_Since.value_or(0))
-            terminal.print(line.m_Text);
-    };
+    const TakeLine print = [&](const std::string& line) { terminal.print(line); };
     const std::unique_ptr<IJournalSource> source = journalSource(options, terminal.screen());
-    source->read(0, print);
+    const std::uint64_t last = source->read(0, print);
     if (!options.m_Follow)
         return ExitCode::Done;
     termination.defer();

@@ -16,6 +16,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <utility>
@@ -33,23 +34,27 @@ public:
     JournalFile(const Options& options, const Screen& screen)
         : m_Json(options.m_Json),
           m_Simulated(options.m_Fleet.has_value()),
+          m_Since(options.m_Since.value_or(0)),
           m_Screen(screen),
           m_Reader(Journal::serviceFile(options.m_Data.value_or(Platform::defaultDataFolder())))
     {
         (void)m_Reader.lastNumber();
     }
 
-    void read(std::uint64_t after, const TakeLine& take) override
+    std::uint64_t read(std::uint64_t after, const TakeLine& take) override
     {
+        const std::uint64_t last = m_Reader.lastNumber();
         // A new journal in the same place begins anew.
-        if (m_Reader.lastNumber() < after)
+        if (last < after)
             after = 0;
         for (;;) {
-            const std::vector<Journal::NumberedEntry> entries = m_Reader.read(after, ENTRIES_TOGETHER);
+            const std::vector<Journal::NumberedEntry> entries =
+                m_Reader.read(after, ENTRIES_TOGETHER, m_Since);
             for (const Journal::NumberedEntry& entry : entries)
                 take(line(entry));
+            // The last entries may be from before that time.
             if (entries.empty())
-                return;
+                return std::max(after, last);
             after = entries.back().m_Number;
         }
     }
@@ -57,26 +62,21 @@ public:
     Web::FollowEnd follow(std::uint64_t after, const TakeLine& take, TLX::Threading::CEvent& stop) override
     {
         constexpr std::uint32_t pause = 1000; // milliseconds; nobody announces a new entry
-        const TakeLine counted = [&](const JournalLine& line) {
-            after = line.m_Number;
-            take(line);
-        };
         TLX::Threading::CWaiter waiter{&stop};
         while (waiter.Wait(TLX::Threading::CWaitInterval(pause)) == TLX::Threading::WaitResult::TimedOut)
-            read(after, counted);
+            after = read(after, take);
         return Web::FollowEnd::Asked;
     }
 
 private:
-    JournalLine line(const Journal::NumberedEntry& entry) const
+    std::string line(const Journal::NumberedEntry& entry) const
     {
-        return {entry.m_Number, entry.m_Entry.m_End,
-                m_Json ? lineText(numberedEntryJson(entry), m_Simulated)
-                       : entryLine(entry.m_Entry, m_Screen)};
+        return m_Json ? lineText(numberedEntryJson(entry), m_Simulated) : entryLine(entry.m_Entry, m_Screen);
     }
 
     const bool m_Json;
     const bool m_Simulated;
+    const std::uint64_t m_Since;
     const Screen m_Screen;
     Journal::Reader m_Reader;
 };
@@ -85,10 +85,13 @@ class JournalOfService : public IJournalSource
 {
 public:
     JournalOfService(RunningService service, const Options& options, const Screen& screen)
-        : m_Service(std::move(service)), m_Json(options.m_Json), m_Screen(screen)
+        : m_Service(std::move(service)),
+          m_Json(options.m_Json),
+          m_Since(options.m_Since.value_or(0)),
+          m_Screen(screen)
     {}
 
-    void read(std::uint64_t after, const TakeLine& take) override
+    std::uint64_t read(std::uint64_t after, const TakeLine& take) override
     {
         for (;;) {
             const auto document = nlohmann::ordered_json::parse(
@@ -96,11 +99,10 @@ public:
                                        "&limit=" + std::to_string(ENTRIES_TOGETHER)));
             const bool simulated = document.value("simulated", false);
             if (document.at("entries").empty())
-                return;
+                return after;
             for (const nlohmann::ordered_json& entry : document.at("entries")) {
-                const JournalLine next = line(entry, simulated);
-                take(next);
-                after = next.m_Number;
+                takeEntry(entry, simulated, take);
+                after = entry.at("number").get<std::uint64_t>();
             }
         }
     }
@@ -111,21 +113,22 @@ public:
         return m_Service.m_Client.follow(
             "/api/v1/journal/stream?after=" + std::to_string(after),
             [&](const Web::SentEvent& event) {
-                take(line(nlohmann::ordered_json::parse(event.m_Data), false));
+                takeEntry(nlohmann::ordered_json::parse(event.m_Data), false, take);
             },
             stop);
     }
 
 private:
-    JournalLine line(const nlohmann::ordered_json& json, bool simulated) const
+    void takeEntry(const nlohmann::ordered_json& json, bool simulated, const TakeLine& take) const
     {
         const Journal::Entry entry = entryOfService(json);
-        return {json.at("number").get<std::uint64_t>(), entry.m_End,
-                m_Json ? lineText(json, simulated) : entryLine(entry, m_Screen)};
+        if (entry.m_End >= m_Since)
+            take(m_Json ? lineText(json, simulated) : entryLine(entry, m_Screen));
     }
 
     const RunningService m_Service;
     const bool m_Json;
+    const std::uint64_t m_Since;
     const Screen m_Screen;
 };
 

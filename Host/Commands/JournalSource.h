@@ -13,24 +13,20 @@
 
 namespace Host::Cli {
 
-/** An entry of the journal, as `journal` prints it. */
-struct JournalLine
-{
-    std::uint64_t m_Number = 0;
-    std::uint64_t m_Time = 0; ///< of the look that found it, in milliseconds since 1970
-    std::string m_Text;       ///< with a line end
-};
+/** Takes an entry of the journal, as `journal` prints it, with a line end. */
+using TakeLine = std::function<void(const std::string& line)>;
 
-using TakeLine = std::function<void(const JournalLine&)>;
-
-/** Where `journal` gets its entries. */
+/** Where `journal` gets its entries. Those before the time that the user names are left out. */
 class IJournalSource
 {
 public:
     virtual ~IJournalSource() = default;
 
-    /** Calls `take` with each entry above the number `after`, in order. Throws `Failure`. */
-    virtual void read(std::uint64_t after, const TakeLine& take) = 0;
+    /**
+     * Calls `take` with each entry above the number `after`, in order. Returns the number up to which the
+     * journal was read. Throws `Failure`.
+     */
+    virtual std::uint64_t read(std::uint64_t after, const TakeLine& take) = 0;
 
     /**
      * The same with each entry that comes, until `stop` is signalled or the source ends. `take` may be called

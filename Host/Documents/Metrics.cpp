@@ -3,6 +3,7 @@
 #include "Base/Time.h"
 #include "Documents/DriveMetrics.h"
 #include "Documents/MetricsWriter.h"
+#include "Journal/Entry.h"
 
 #include <optional>
 #include <utility>
@@ -58,10 +59,16 @@ void addBuild(MetricsWriter& writer, const Service& service)
 
 void addEntries(MetricsWriter& writer, const Service& service)
 {
-    for (const auto& [kind, count] : service.m_Figures.m_Entries) {
+    const auto& counts = service.m_Figures.m_Entries;
+    // No journal is open yet.
+    if (counts.empty())
+        return;
+    // Who reads the metrics notices the first entry of a kind only if there was a 0 before it.
+    for (const std::string_view kind : Journal::kindNames()) {
         std::string labels;
         appendLabel(labels, "kind", kind);
-        writer.add(count, labels);
+        const auto found = counts.find(std::string(kind));
+        writer.add(found != counts.end() ? found->second : 0, labels);
     }
 }
 
@@ -82,8 +89,7 @@ constexpr ServiceFamily FAMILIES[] = {
      [](MetricsWriter& writer, const Service& service) { writer.add(service.m_Figures.m_Rounds); }},
     {{"ostrel_log_read_errors_total", "Commands to drives that failed or did not come back in time"},
      [](MetricsWriter& writer, const Service& service) { writer.add(service.m_Figures.m_ReadErrors); }},
-    {{"ostrel_journal_entries_total", "Entries that were written to the journal since the start", "kind"},
-     addEntries},
+    {{"ostrel_journal_entries_total", "Entries that the journal has, by kind", "kind"}, addEntries},
     {{"ostrel_journal_writable", "Whether the journal can be written"},
      addWhetherEmpty<&ServiceFigures::m_JournalFailure>},
     {{"ostrel_http_request_duration_seconds", "Durations of the answers over HTTP", {}, true},

@@ -9,7 +9,7 @@
 
 namespace Host::Cli {
 
-/** What the service counts about itself since its start. Plain data. */
+/** What the service knows about itself. Counts are since its start where nothing else is said. Plain data. */
 struct ServiceFigures
 {
     std::uint64_t m_Started = 0;                    ///< UTC milliseconds
@@ -17,7 +17,9 @@ struct ServiceFigures
     bool m_Simulated = false;                       ///< whether a fleet file takes the place of the machine
     std::uint64_t m_ReadErrors = 0;                 ///< commands to drives that failed or stayed out
     std::uint64_t m_LastEntry = 0;                  ///< number of the journal's last entry; 0: none
-    std::map<std::string, std::uint64_t> m_Entries; ///< written to the journal, by the word of their kind
+    std::map<std::string, std::uint64_t> m_Entries; ///< that the journal has, by the word of their kind;
+                                                    ///< those that it has none of may be absent. Empty: there
+                                                    ///< is no journal yet
     std::string m_JournalFailure; ///< why the journal cannot be written now; empty: it can be
     std::string m_Trouble;        ///< why no drive can be watched now; empty: they are watched
     Histogram m_Rounds;           ///< durations of the rounds of the drives

@@ -52,6 +52,11 @@ std::optional<Value> byName(const std::array<std::string_view, Count>& words, st
 
 } // namespace
 
+std::span<const std::string_view> kindNames()
+{
+    return KINDS;
+}
+
 std::string_view kindName(Kind kind)
 {
     return KINDS[static_cast<std::size_t>(kind)];

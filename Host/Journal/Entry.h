@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -46,6 +47,9 @@ enum class Kind : std::uint8_t
     ServiceStarted,
     ServiceEnded, ///< the last kind
 };
+
+/** The words for all kinds, in the order of the kinds. */
+std::span<const std::string_view> kindNames();
 
 /** The word for the kind in documents, such as "read-only". */
 std::string_view kindName(Kind kind);

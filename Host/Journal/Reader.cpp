@@ -67,14 +67,14 @@ NumberedEntry entryOf(const Sqlite::Statement& row)
 
 Reader::Reader(std::filesystem::path file) : m_File(std::move(file)) {}
 
-std::vector<NumberedEntry> Reader::read(std::uint64_t after, std::size_t limit)
+std::vector<NumberedEntry> Reader::read(std::uint64_t after, std::size_t limit, std::uint64_t since)
 {
     return ask([=](Sqlite::Connection& connection) {
         std::vector<NumberedEntry> entries;
-        Sqlite::Statement rows =
-            connection.prepare("SELECT * FROM Entry WHERE Number > ? ORDER BY Number LIMIT ?");
+        Sqlite::Statement rows = connection.prepare(
+            "SELECT * FROM Entry WHERE Number > ? AND EndTime >= ? ORDER BY Number LIMIT ?");
         constexpr std::uint64_t most = std::numeric_limits<std::int64_t>::max();
-        rows.bind(std::min(after, most), std::min<std::uint64_t>(limit, most));
+        rows.bind(std::min(after, most), std::min(since, most), std::min<std::uint64_t>(limit, most));
         while (rows.step())
             entries.push_back(entryOf(rows));
         return entries;

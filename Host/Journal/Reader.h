@@ -20,8 +20,11 @@ public:
     /** Of `file`, which need not be there yet. */
     explicit Reader(std::filesystem::path file);
 
-    /** At most `limit` entries with numbers above `after`, in order. Throws `Failure`. */
-    std::vector<NumberedEntry> read(std::uint64_t after, std::size_t limit);
+    /**
+     * At most `limit` entries with numbers above `after`, in order. Without those of looks before `since`, in
+     * milliseconds since 1970. The clock may have been set, so times need not be in order. Throws `Failure`.
+     */
+    std::vector<NumberedEntry> read(std::uint64_t after, std::size_t limit, std::uint64_t since = 0);
 
     /** Lets go of the file until the next question. */
     void close();

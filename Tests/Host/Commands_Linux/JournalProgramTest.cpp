@@ -101,6 +101,19 @@ TEST_F(JournalProgramTest, BeginsAtTheTimeThatTheUserNames)
     EXPECT_THAT(wrong.m_Errors, HasSubstr("\"soon\" is no time, such as 2h, 7d, 2026-01-31"));
 }
 
+TEST_F(JournalProgramTest, FollowsFromTheTimeThatTheUserNames)
+{
+    store().commit({{entry("new", m_Now), entry("old", m_Now - 5 * HOUR)}, {}});
+    RunningProgram program(arguments({"--json", "--follow", "--since", "3h"}));
+    const auto next = [&] { return json::parse(program.awaitResult("\n"))["text"].get<std::string>(); };
+    EXPECT_EQ(next(), "new");
+    Store service = store();
+    service.commit({{entry("the clock was set back", m_Now - 4 * HOUR), entry("newer", m_Now)}, {}});
+    EXPECT_EQ(next(), "newer") << "each once";
+    program.send(SIGTERM);
+    EXPECT_EQ(program.finish().m_ExitCode, 0);
+}
+
 TEST_F(JournalProgramTest, FollowsTheServiceThroughItsRestart)
 {
     store().commit({{entry("before", m_Now)}, {}});

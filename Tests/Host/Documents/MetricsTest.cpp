@@ -1,5 +1,7 @@
 #include "Documents/Metrics.h"
 
+#include "Journal/Entry.h"
+
 #include <gmock/gmock.h>
 
 #include <regex>
@@ -8,6 +10,8 @@
 namespace {
 
 using namespace Host::Cli;
+using Host::Journal::Kind;
+using Host::Journal::kindName;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -41,8 +45,9 @@ ServiceFigures busy()
 
 TEST(Metrics, ShowTheServiceItself)
 {
-    const std::string text = std::regex_replace(serviceText(emptyAfter(7), busy()),
-                                                std::regex("#.*\n|.*_bucket.*\n|version=\"[0-9.]+\""), "");
+    const std::string text =
+        std::regex_replace(serviceText(emptyAfter(7), busy()),
+                           std::regex("#.*\n|.*_bucket.*\n|.*_entries_.* 0\n|version=\"[0-9.]+\""), "");
     EXPECT_EQ(text, "ostrel_build_info{,simulated=\"true\"} 1\n"
                     "ostrel_watching 1\n"
                     "ostrel_poll_interval_seconds 30.5\n"
@@ -59,6 +64,20 @@ TEST(Metrics, ShowTheServiceItself)
                     "process_cpu_seconds_total 1.25\n"
                     "process_resident_memory_bytes 40000000\n"
                     "process_open_fds 17\n");
+}
+
+TEST(Metrics, CountTheEntriesOfEachKindFromTheStart)
+{
+    const std::string text = serviceText(emptyAfter(1), busy());
+    EXPECT_THAT(text, HasSubstr("# HELP ostrel_journal_entries_total Entries that the journal has, by kind"));
+    for (int kind = 0; kind <= static_cast<int>(Kind::ServiceEnded); ++kind) {
+        const auto word = kindName(static_cast<Kind>(kind));
+        const std::uint64_t count = kindName(Kind::DoesNotAnswer) == word ? 2
+                                    : kindName(Kind::ReadOnly) == word    ? 1
+                                                                          : 0;
+        EXPECT_THAT(text, HasSubstr("\nostrel_journal_entries_total{kind=\"" + std::string(word) + "\"} " +
+                                    std::to_string(count) + "\n"));
+    }
 }
 
 TEST(Metrics, LeaveOutWhatTheServiceDoesNotKnow)

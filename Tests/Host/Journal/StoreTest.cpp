@@ -140,6 +140,32 @@ TEST_F(StoreTest, AReaderSeesEntriesWhileAnotherThreadWritesThem)
     EXPECT_THAT(reader.read(0, 0), IsEmpty());
 }
 
+TEST_F(StoreTest, AReaderLeavesOutWhatWasBeforeATime)
+{
+    {
+        Store store = open();
+        // The clock was set back and forth.
+        for (const std::uint64_t time : {50, 10, 20, 50, 19, 21}) {
+            Entry told = entry(Kind::Moved, "");
+            told.m_End = time;
+            store.commit(outcome({told}, time));
+        }
+    }
+    Reader reader(m_File);
+    const auto numbers = [&](std::uint64_t after, std::size_t limit, std::uint64_t since) {
+        std::vector<std::uint64_t> read;
+        for (const NumberedEntry& each : reader.read(after, limit, since))
+            read.push_back(each.m_Number);
+        return read;
+    };
+    EXPECT_THAT(numbers(0, 10, 20), ElementsAre(1, 3, 4, 6));
+    EXPECT_THAT(numbers(0, 2, 20), ElementsAre(1, 3)) << "the limit is one of entries that are there";
+    EXPECT_THAT(numbers(3, 2, 20), ElementsAre(4, 6));
+    EXPECT_THAT(numbers(0, 10, 51), IsEmpty());
+    EXPECT_THAT(numbers(0, 10, ~0ULL), IsEmpty());
+    EXPECT_THAT(numbers(0, 10, 0).size(), 6U);
+}
+
 TEST_F(StoreTest, AReaderNeedsNoService)
 {
     Reader reader(m_File);
