@@ -84,7 +84,7 @@ ALLOWED = {
     "Host/Web": TLX + PI + rooms("Host", "Base", "Plugins", "Facts", "Journal", "Documents"),
     "Host/Web_Linux": TLX + TLX_LINUX + rooms("Host", "Base", "Web"),
     "Host/Web_Win": TLX + TLX_WIN + rooms("Host", "Base", "Web"),
-    "Host/Service": TLX + TLXX + rooms("Host", "Base", "Plugins", "Facts", "Journal", "Web"),
+    "Host/Service": TLX + TLXX + rooms("Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Web"),
     "Host/Terminal": TLX + PI + rooms("Host", "Base", "Facts", "Journal"),
     "Host/Commands": HOST_LIBRARIES + rooms(
         "Host", "Base", "Drives", "Plugins", "Facts", "Journal", "Documents", "Web", "Service", "Terminal"),

@@ -4,6 +4,8 @@
 #include "Web/AnswerText.h"
 #include "Web/Problem.h"
 
+#include <PI/ErrorCode.h>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -61,7 +63,7 @@ TEST(AnswerReaderTest, AProblemBecomesTheFailureThatItTellsOf)
     ASSERT_TRUE(refused.result());
     EXPECT_EQ(refused.result()->m_Request, 11);
     EXPECT_EQ(refused.result()->m_Code, 20003U);
-    const Response gone = problem(Failure(ExitCode::RequestFailed, "Gone.", {11, 20008}));
+    const Response gone = problem(Failure(ExitCode::RequestFailed, "Gone.", {11, PI::ERR_OBJECT_NOT_FOUND}));
     EXPECT_EQ(gone.m_Status, 404U);
     EXPECT_EQ(thrown(gone.m_Status, gone.m_Body).exitCode(), ExitCode::RequestFailed);
 }
