@@ -20,9 +20,6 @@ const Value* find(const DriveState& state, Kind kind)
     return found == state.m_Known.end() ? nullptr : std::get_if<Value>(&found->second.m_Value);
 }
 
-// A drive that stops to answer once or twice is told in full.
-constexpr std::uint64_t CHANGES_AT_ONCE = 3;
-
 /** Compares one drive with its last known state, and updates that state. */
 class Comparison
 {
@@ -59,7 +56,7 @@ private:
         const bool* before = find<bool>(m_State, rule.m_Kind);
         const bool held = before != nullptr && *before;
         const std::optional<bool> holds = rule.m_Holds(m_Drive, held);
-        if (!holds || (*holds != held && isTooSoon(rule.m_Kind, rule.m_Pause, CHANGES_AT_ONCE)))
+        if (!holds)
             return;
         if (*holds && !held) {
             const Phase phase = before == nullptr ? Phase::Present : Phase::Began;
@@ -124,7 +121,7 @@ private:
             return;
         const auto* before = find<std::uint64_t>(m_State, rule.m_Kind);
         const bool isNews = before != nullptr && (rule.m_OnlyGrowth ? *figure > *before : *figure != *before);
-        if (isNews && isTooSoon(rule.m_Kind, rule.m_Pause, 1))
+        if (isNews && isTooSoon(rule))
             return;
         if (before == nullptr) {
             if (rule.m_PresentText != nullptr && *figure > 0)
@@ -134,23 +131,15 @@ private:
         remember(rule.m_Kind, *figure);
     }
 
-    /**
-     * Whether such news must wait because `atOnce` of them were told without a pause. If not, it counts as
-     * told now. Each that is told uses up one pause, and the time that passes makes up for it.
-     */
-    bool isTooSoon(Kind kind, std::uint64_t pause, std::uint64_t atOnce)
+    /** Whether such news was told not long ago. If not, it counts as told now. */
+    bool isTooSoon(const FigureRule& rule)
     {
-        if (pause == 0)
+        if (rule.m_Pause == 0)
             return false;
-        const auto [told, isFirst] = m_State.m_Told.try_emplace(kind, m_Time);
-        if (isFirst)
-            return false;
-        const std::uint64_t latest = m_Time + (atOnce - 1) * pause;
-        // What is later still is from before the clock was set back.
-        const bool isPossible = told->second <= latest;
-        if (isPossible && latest - told->second < pause)
+        const auto [told, isFirst] = m_State.m_Told.try_emplace(rule.m_Kind, m_Time);
+        if (!isFirst && m_Time >= told->second && m_Time - told->second < rule.m_Pause)
             return true;
-        told->second = isPossible ? std::max(told->second + pause, m_Time) : m_Time;
+        told->second = m_Time;
         return false;
     }
 

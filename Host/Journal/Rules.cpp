@@ -14,8 +14,6 @@ constexpr float HYSTERESIS = 3; // degrees
 
 // Drives log every command that they do not know, so some of these logs grow all the time.
 constexpr std::uint64_t DAY = 86'400'000; // milliseconds
-// A drive that dies counts errors at each look, or answers only now and then.
-constexpr std::uint64_t PAUSE = 3'600'000; // milliseconds
 
 std::optional<bool> isOver(const std::optional<float>& temperature, const std::optional<float>& limit,
                            bool before)
@@ -60,8 +58,7 @@ std::optional<bool> isSilentNow(const ObservedDrive& drive, bool /*before*/)
 
 constexpr ConditionRule CONDITIONS[] = {
     {Kind::DoesNotAnswer, isSilentNow, Severity::Warning, std::nullopt, false,
-     "the drive does not answer; what is shown of it is from its last answer.", "the drive answers again.",
-     PAUSE},
+     "the drive does not answer; what is shown of it is from its last answer.", "the drive answers again."},
     {Kind::ReadOnly, warns<Cli::WARNING_READ_ONLY>, Severity::Error, std::nullopt, true,
      "the drive is read-only and takes no data any more.", "the drive takes data again."},
     {Kind::ReliabilityDegraded, warns<Cli::WARNING_RELIABILITY>, Severity::Warning,
@@ -161,7 +158,7 @@ std::string blockSizeText(std::uint64_t before, std::uint64_t now)
 
 constexpr FigureRule FIGURES[] = {
     {Kind::MediaErrorsGrew, &ObservedDrive::m_MediaErrors, true, Severity::Warning, std::nullopt,
-     mediaErrorsText, mediaErrorsPresentText, PAUSE},
+     mediaErrorsText, mediaErrorsPresentText},
     {Kind::ErrorLogGrew, &ObservedDrive::m_ErrorLogEntries, true, Severity::Information, std::nullopt,
      errorLogText, nullptr, DAY},
     {Kind::CapacityChanged, &ObservedDrive::m_CapacityMiB, false, Severity::Warning, std::nullopt,

@@ -24,12 +24,6 @@ struct ConditionRule
     bool m_Warning; ///< whether it is a warning of the drive; its end may then be the end of all warnings
     const char* m_Text;
     const char* m_EndText;
-    /**
-     * For a condition that may come and go all the time. Three changes are told at once, and then one after
-     * each such pause, in milliseconds. A change that does not last until then is not told. 0: each is told
-     * at once.
-     */
-    std::uint64_t m_Pause = 0;
 };
 
 std::span<const ConditionRule> conditionRules();

@@ -50,8 +50,7 @@ struct DriveState
     Cli::DriveIdentity m_Drive;
     Table<Kind, Remembered> m_Known;   ///< does not contain what was never known
     Figures m_Counters;                ///< the same
-    Table<Kind, std::uint64_t> m_Told; ///< from when the next pause of such news counts: mostly when it
-                                       ///< was told last, later when it was told several times at once
+    Table<Kind, std::uint64_t> m_Told; ///< when news that may be told only now and then was told last
     std::uint64_t m_Since = 0;         ///< the last look without it; 0: it was there at the first one
 
     friend bool operator==(const DriveState&, const DriveState&) = default;

@@ -17,16 +17,13 @@ using Host::Cli::Observation;
 using Host::Cli::ObservedDrive;
 using History = std::vector<Observation>;
 
-/** Milliseconds from look to look. A history ends before any pause between entries does. */
-inline constexpr std::uint64_t INTERVAL = 1000;
+inline constexpr std::uint64_t INTERVAL = 1000; ///< milliseconds from look to look
 
 /** Looks at a machine again and again. Between two looks anything may happen. */
 class RandomHistory
 {
 public:
-    explicit RandomHistory(std::uint32_t seed, std::uint64_t interval = INTERVAL)
-        : m_Random(seed), m_Interval(interval)
-    {}
+    explicit RandomHistory(std::uint32_t seed) : m_Random(seed) {}
 
     History make(std::size_t looks)
     {
@@ -34,7 +31,7 @@ public:
         for (std::size_t i = 1; i <= looks; ++i) {
             for (std::uint32_t changes = below(4); changes > 0; --changes)
                 change();
-            history.push_back({{i * m_Interval, i * m_Interval, "boot"}, seen()});
+            history.push_back({{i * INTERVAL, i * INTERVAL, "boot"}, seen()});
         }
         return history;
     }
@@ -54,7 +51,6 @@ private:
         drive.m_PciAddress = "slot " + std::to_string(below(100));
         drive.m_CapacityMiB = 1000;
         drive.m_BlockSize = 512;
-        drive.m_Silent = sometimes();
         drive.m_BelowNew = sometimes();
         drive.m_Temperature = 60;
         // A drive either names a limit or warns by itself; a separate test covers both together.
@@ -96,7 +92,7 @@ private:
 
     void change(ObservedDrive& drive)
     {
-        switch (below(14)) {
+        switch (below(12)) {
         case 0:
             drive.m_Warnings = warnings(drive);
             break;
@@ -134,10 +130,6 @@ private:
             *drive.m_ErrorLogEntries += below(3);
             drive.m_PowerOnHours = below(4) == 0 ? 0 : *drive.m_PowerOnHours + below(3);
             break;
-        case 11:
-        case 12:
-            drive.m_Silent = !*drive.m_Silent;
-            break;
         default:
             drive.m_PciAddress = "slot " + std::to_string(below(100));
         }
@@ -163,8 +155,6 @@ private:
                 view.m_DataUnitsWritten.reset();
                 view.m_ErrorLogEntries.reset();
             }
-            if (below(6) == 0)
-                view.m_Silent.reset();
             if (below(6) == 0) {
                 view.m_CapacityMiB.reset();
                 view.m_BlockSize.reset();
@@ -179,7 +169,6 @@ private:
     }
 
     std::mt19937 m_Random;
-    const std::uint64_t m_Interval;
     std::map<std::string, ObservedDrive> m_Drives;
 };
 
