@@ -40,6 +40,12 @@ class Service:
         self._folder.cleanup()
         self.code = self._process.returncode
 
+    def peak(self):
+        """The most memory that it was resident with so far, in bytes."""
+        with open(f"/proc/{self._process.pid}/status", encoding="ascii") as file:
+            (kibibytes,) = re.findall(r"^VmHWM:\s+([0-9]+) kB", file.read(), re.MULTILINE)
+        return int(kibibytes) * 1024
+
     def request(self, method, target, headers=None, body=None):
         """The status, the headers and the text of an answer."""
         connection = http.client.HTTPConnection(self.address, self.port, timeout=60)
