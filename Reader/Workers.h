@@ -26,7 +26,7 @@ public:
     /** Whether jobs wait for a thread. Then `grow` is called again after some milliseconds. */
     bool waiting() const;
 
-    /** Doubles the threads when no job has begun since the last call, although some wait. */
+    /** Doubles the number of threads when jobs wait and none has begun since the last call. */
     void grow();
 
     /** How many threads there are. */

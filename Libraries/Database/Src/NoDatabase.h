@@ -5,8 +5,8 @@
 namespace Database {
 
 /**
- * The access object of a storage that keeps nothing. It answers as tables would that are always empty, and
- * reads no more of a statement than that takes.
+ * The access object of a storage that keeps nothing. It answers as if all tables were empty, and reads only
+ * the part of a statement that it needs for that.
  */
 class CNoDatabase : public ISharedDatabase
 {
