@@ -101,7 +101,7 @@ void Service::run(Platform::TerminationRequest& termination)
         else if (fired == ended && m_Failure)
             std::rethrow_exception(m_Failure);
         else if (fired == TLX::Threading::WaitResult::TimedOut)
-            tellStatus(); // The watching thread cannot tell that it is stuck.
+            tellStatus(m_Board.counted()); // The watching thread cannot tell that it is stuck.
         else
             throw std::runtime_error("The service does not watch the drives any more.");
     }
@@ -122,20 +122,19 @@ void Service::end()
 
 void Service::onNews()
 {
-    const std::uint64_t last = m_Board.counted().m_LastEntry;
+    const Cli::ServiceFigures figures = m_Board.counted();
     // Streams have nothing but the journal.
-    if (last != std::exchange(m_LastEntry, last))
+    if (figures.m_LastEntry != std::exchange(m_LastEntry, figures.m_LastEntry))
         m_Server.wake();
-    tellStatus();
+    tellStatus(figures);
 }
 
-void Service::tellStatus()
+void Service::tellStatus(const Cli::ServiceFigures& figures)
 {
     const std::scoped_lock guard(m_StatusLock);
     const std::shared_ptr<const Cli::Snapshot> snapshot = m_Board.snapshot();
     std::string status =
-        Cli::judgeService(Cli::checkDrives(*snapshot, TLX::Misc::now()), *snapshot, m_Board.counted())
-            .m_Reason;
+        Cli::judgeService(Cli::checkDrives(*snapshot, TLX::Misc::now()), *snapshot, figures).m_Reason;
     if (status != m_Status)
         m_Manager.status(status);
     m_Status = std::move(status);

@@ -58,7 +58,7 @@ public:
 private:
     void watch();
     void onNews();
-    void tellStatus();
+    void tellStatus(const Cli::ServiceFigures& figures);
     void reload();
     void end();
     Settings readSettings() const;
