@@ -11,9 +11,10 @@ The headers of PI define the codes. These are allowed:
 - The files in the table below.
 """
 
-import pathlib
 import re
 import sys
+
+import dependencies
 
 HEADERS = "Libraries/PI/Include/PI"
 SOURCES = ("Host", "Ostrel/Src", "DatabaseORM", "Reader", "Tests")
@@ -67,12 +68,5 @@ def violations(root):
             yield f"{path.relative_to(root).as_posix()}:{line}: {number} has a name in {HEADERS}"
 
 
-def main():
-    found = list(violations(pathlib.Path(sys.argv[1])))
-    for message in found:
-        print(message)
-    return 1 if found else 0
-
-
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(dependencies.report(violations))

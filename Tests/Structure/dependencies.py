@@ -163,12 +163,13 @@ def violations(root):
                     yield f"{name}:{number}: {message}"
 
 
-def main():
-    found = list(violations(pathlib.Path(sys.argv[1])))
+def report(violations_of):
+    """Prints the messages about the source folder that the command line names. Returns the exit code."""
+    found = list(violations_of(pathlib.Path(sys.argv[1])))
     for message in found:
         print(message)
     return 1 if found else 0
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(report(violations))
